@@ -1,0 +1,66 @@
+# The flags that every target of ours is built with, each with its reason, and the functions that
+# declare libraries and tests.
+
+option(QUILLMAP_WERROR "Treat warnings as errors" OFF)
+option(QUILLMAP_BENCHMARKS "Build the programs in benchmarks/" OFF)
+set(QUILLMAP_SANITIZE "" CACHE STRING "Sanitizers to build with, as in -fsanitize=")
+
+add_library(quillmap_flags INTERFACE)
+target_compile_features(quillmap_flags INTERFACE cxx_std_17)
+target_compile_options(quillmap_flags INTERFACE
+  -Wall -Wextra -Wpedantic
+  -Wshadow                # a hidden name is a wrong name sooner or later
+  -Wnon-virtual-dtor -Woverloaded-virtual
+  -Wold-style-cast        # casts say what they do
+  -Wdouble-promotion      # written texts depend on 32-bit float arithmetic staying 32-bit
+  -ffp-contract=off       # likewise: a fused multiply-add rounds once instead of twice
+  $<$<BOOL:${QUILLMAP_WERROR}>:-Werror>)
+target_compile_definitions(quillmap_flags INTERFACE
+  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII  # every text says which encoding it has
+  QT_NO_FOREACH                              # range-for does not copy the container
+  QT_NO_URL_CAST_FROM_STRING
+  QT_DISABLE_DEPRECATED_BEFORE=0x050F00      # nothing that the toolkit has given up
+  $<$<NOT:$<CONFIG:Debug>>:QT_NO_DEBUG>)
+if(QUILLMAP_SANITIZE)
+  target_compile_options(quillmap_flags INTERFACE
+    -fsanitize=${QUILLMAP_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(quillmap_flags INTERFACE -fsanitize=${QUILLMAP_SANITIZE})
+endif()
+
+# quillmap_library(NAME [SOURCES ...] [LINKS ...] [PRIVATE_LINKS ...])
+#
+# A static library of one level. Each source stands beside its header of the same name; HEADERS
+# names headers without a source. A library sees its own headers and those of the libraries it
+# links, and no others: its include path is a folder of links to exactly its headers, so that an
+# include against the layering does not compile.
+function(quillmap_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS;LINKS;PRIVATE_LINKS" ${ARGN})
+  set(headers ${ARG_HEADERS})
+  foreach(source IN LISTS ARG_SOURCES)
+    string(REGEX REPLACE "\\.cpp$" ".h" header ${source})
+    if(EXISTS ${PROJECT_SOURCE_DIR}/${header})
+      list(APPEND headers ${header})
+    endif()
+  endforeach()
+  set(tree ${PROJECT_BINARY_DIR}/include/${name})
+  file(REMOVE_RECURSE ${tree})
+  foreach(header IN LISTS headers)
+    get_filename_component(folder ${header} DIRECTORY)
+    file(MAKE_DIRECTORY ${tree}/${folder})
+    file(CREATE_LINK ${PROJECT_SOURCE_DIR}/${header} ${tree}/${header} SYMBOLIC)
+  endforeach()
+  add_library(${name} STATIC ${ARG_SOURCES} ${headers})
+  target_include_directories(${name} PUBLIC ${tree})
+  target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE quillmap_flags ${ARG_PRIVATE_LINKS})
+endfunction()
+
+# quillmap_test(FOLDER/tst_Name LIBRARY...)
+#
+# A Qt Test program tests/FOLDER/tst_Name.cpp, run offscreen by ctest.
+function(quillmap_test path)
+  get_filename_component(name ${path} NAME)
+  add_executable(${name} ${path}.cpp)
+  target_link_libraries(${name} PRIVATE quillmap_flags test_support Qt5::Test ${ARGN})
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT "${QUILLMAP_TEST_ENVIRONMENT}")
+endfunction()

@@ -1,0 +1,58 @@
+#include "layers/raster/BitFieldRaster.h"
+
+namespace raster {
+
+quint32 NextPowerOfTwo(quint32 n)
+{
+    if (n == 0) {
+        return 0;
+    }
+    // Smears the highest set bit of n - 1 to the right (Warren, Hacker's Delight, 2002).
+    n -= 1;
+    for (const int shift : {1, 2, 4, 8, 16}) {
+        n |= n >> shift;
+    }
+    return n + 1;
+}
+
+BitFieldRaster::BitFieldRaster(int bits, int width, int height)
+    : m_bits(bits)
+    , m_height(qMax(height, 0))
+    , m_wordsPerRow(0)
+{
+    const bool isPacked =
+        bits > 0 && bits <= 32 && NextPowerOfTwo(static_cast<quint32>(bits)) == quint32(bits);
+    if (!isPacked) {
+        m_bits = 32;
+        m_height = 0;
+        return;
+    }
+    m_wordsPerRow = qMax(width, 0) / PixelsPerWord();
+    if (WordCount() > 0) {
+        m_words = MakeZeroed<quint32>(static_cast<std::size_t>(WordCount()));
+    }
+}
+
+bool BitFieldRaster::Holds(int x, int row) const
+{
+    return m_words && x >= 0 && x < FieldsPerRow() && row >= 0 && row < m_height;
+}
+
+void BitFieldRaster::Set(quint32 value, int x, int row)
+{
+    if (Holds(x, row)) {
+        Row(row)[x / PixelsPerWord()] |= (value & FieldMask()) << Shift(x);
+    }
+}
+
+quint32 BitFieldRaster::Get(int x, int row) const
+{
+    if (!Holds(x, row)) {
+        return 0;
+    }
+    const quint32 word =
+        m_words[static_cast<std::size_t>(row * m_wordsPerRow + x / PixelsPerWord())];
+    return (word >> Shift(x)) & FieldMask();
+}
+
+} // namespace raster

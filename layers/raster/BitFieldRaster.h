@@ -1,0 +1,52 @@
+#pragma once
+
+#include "layers/raster/ZeroedArray.h"
+
+#include <QtGlobal>
+
+namespace raster {
+
+/// The smallest power of two that is not below n; 0 for 0 and for n above 2^31.
+quint32 NextPowerOfTwo(quint32 n);
+
+/// The packed rows of an area map section: 32 / bits pixels to a 32-bit word, the leftmost pixel
+/// in the most significant field, rows in file order (bottom row of the map first). Where the width
+/// is no multiple of the pixels per word, the rightmost remainder has no place and is left out.
+class BitFieldRaster
+{
+public:
+    /// bits: 1, 2, 4, 8, 16 or 32; anything else, and sizes of 0 and below, give a raster without
+    /// words.
+    BitFieldRaster(int bits, int width, int height);
+
+    int Bits() const { return m_bits; }
+    int PixelsPerWord() const { return 32 / m_bits; }
+    qint64 WordsPerRow() const { return m_wordsPerRow; }
+    qint64 WordCount() const { return m_wordsPerRow * m_height; }
+    int Height() const { return m_height; }
+    /// Pixels of a row that have a place in its words.
+    int FieldsPerRow() const { return static_cast<int>(m_wordsPerRow) * PixelsPerWord(); }
+    /// False when there was no memory for the words.
+    bool IsValid() const { return WordCount() == 0 || m_words; }
+
+    /// ORs the low bits of value into the field; a place outside the raster is ignored.
+    void Set(quint32 value, int x, int row);
+    /// 0 outside the raster.
+    quint32 Get(int x, int row) const;
+
+    quint32* Row(int row) { return m_words.get() + row * m_wordsPerRow; }
+    const quint32* Words() const { return m_words.get(); }
+    quint32* Words() { return m_words.get(); }
+
+private:
+    bool Holds(int x, int row) const;
+    int Shift(int x) const { return (PixelsPerWord() - 1 - x % PixelsPerWord()) * m_bits; }
+    quint32 FieldMask() const { return 0xFFFFFFFFU >> (32 - m_bits); }
+
+    int m_bits;
+    int m_height;
+    qint64 m_wordsPerRow;
+    ZeroedArray<quint32> m_words;
+};
+
+} // namespace raster

@@ -1,0 +1,82 @@
+#include "layers/raster/Mask.h"
+
+#include "layers/raster/ZeroedArray.h"
+
+#include <QVector>
+
+namespace raster {
+
+const QVector<QRgb>& GreyTable()
+{
+    static const QVector<QRgb> table = [] {
+        QVector<QRgb> greys(256);
+        for (int i = 0; i < greys.size(); ++i) {
+            greys[i] = qRgb(i, i, i);
+        }
+        return greys;
+    }();
+    return table;
+}
+
+QImage BlankMask(QSize size)
+{
+    if (size.isEmpty() || qMax(size.width(), size.height()) > MaxMaskLength) {
+        return {};
+    }
+    const int bytesPerLine = (size.width() + 3) & ~3;
+    const auto rows = static_cast<std::size_t>(size.height());
+    auto pixels = MakeZeroed<uchar>(static_cast<std::size_t>(bytesPerLine) * rows);
+    if (!pixels) {
+        return {};
+    }
+    QImage mask(pixels.get(), size.width(), size.height(), bytesPerLine, QImage::Format_Indexed8,
+                std::free, pixels.get());
+    if (mask.isNull()) {
+        return {};
+    }
+    pixels.release();
+    mask.setColorTable(GreyTable());
+    return mask;
+}
+
+QImage ImageToMask(const QImage& source, QRgb rgb)
+{
+    if (source.format() == QImage::Format_Indexed8) {
+        return source;
+    }
+    if (source.depth() != 32) {
+        return {};
+    }
+    QImage mask = BlankMask(source.size());
+    for (int y = 0; y < mask.height(); ++y) {
+        const auto* from = reinterpret_cast<const QRgb*>(source.constScanLine(y));
+        uchar* to = mask.scanLine(y);
+        for (int x = 0; x < mask.width(); ++x) {
+            to[x] = from[x] == rgb ? MaskSet : MaskClear;
+        }
+    }
+    return mask;
+}
+
+QImage MaskToDisplay(const QImage& mask, QRgb rgb)
+{
+    if (mask.format() != QImage::Format_Indexed8) {
+        return {};
+    }
+    QImage display(mask.size(), QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < display.height(); ++y) {
+        const uchar* from = mask.constScanLine(y);
+        auto* to = reinterpret_cast<QRgb*>(display.scanLine(y));
+        for (int x = 0; x < display.width(); ++x) {
+            to[x] = from[x] == MaskSet ? rgb : 0U;
+        }
+    }
+    return display;
+}
+
+bool SameGeometry(const QImage& a, const QImage& b)
+{
+    return !a.isNull() && !b.isNull() && a.format() == b.format() && a.size() == b.size();
+}
+
+} // namespace raster

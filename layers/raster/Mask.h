@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QImage>
+#include <QSize>
+
+/// Pure raster code: images and numbers in, images and error codes out.
+namespace raster {
+
+/// A mask is a Format_Indexed8 image with the grey table; index 0 is clear, 255 is set.
+constexpr uchar MaskClear = 0;
+constexpr uchar MaskSet = 255;
+
+/// 256 opaque greys, entry i = 0xFF000000 + i * 0x010101.
+const QVector<QRgb>& GreyTable();
+
+/// Longer sides do not fit the 16-bit sizes of the files that masks are stored in.
+constexpr int MaxMaskLength = 65535;
+
+/// A mask with every pixel clear; null for an empty size, for one with a side above MaxMaskLength
+/// and when there is no memory.
+/// Its pixels take memory only where something is written.
+QImage BlankMask(QSize size);
+
+/// The mask of the pixels that equal rgb exactly. The source has 32 bits a pixel and rgb is
+/// opaque. A Format_Indexed8 source is returned as it is; any other depth gives a null image.
+QImage ImageToMask(const QImage& source, QRgb rgb);
+
+/// The picture of a mask: a Format_ARGB32_Premultiplied image with rgb (opaque) where the mask is
+/// 255 and transparent elsewhere; null when the source is no Format_Indexed8 image.
+QImage MaskToDisplay(const QImage& mask, QRgb rgb);
+
+/// True when neither image is null and both have the same format, width and height.
+bool SameGeometry(const QImage& a, const QImage& b);
+
+} // namespace raster

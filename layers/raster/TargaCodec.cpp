@@ -1,0 +1,311 @@
+#include "layers/raster/TargaCodec.h"
+
+#include "layers/raster/Mask.h"
+
+#include <QtEndian>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <vector>
+
+namespace raster {
+namespace {
+
+constexpr int HeaderSize = 18;
+constexpr int MaxRun = 128;
+constexpr uchar GreyBits = 3;
+constexpr uchar RunLengthBit = 8;
+constexpr uchar TopDownBit = 0x20;
+constexpr uchar RunBit = 0x80;
+
+struct Header
+{
+    std::array<uchar, HeaderSize> bytes{};
+
+    uchar IdLength() const { return bytes[0]; }
+    uchar ColourMapType() const { return bytes[1]; }
+    uchar ImageType() const { return bytes[2]; }
+    int Width() const { return qFromLittleEndian<quint16>(&bytes[12]); }
+    int Height() const { return qFromLittleEndian<quint16>(&bytes[14]); }
+    bool IsTopDown() const { return (bytes[17] & TopDownBit) != 0; }
+};
+
+TargaError Check(const Header& header, QSize size)
+{
+    if (header.IdLength() != 0 || header.ColourMapType() != 0) {
+        return TargaError::TypeMismatch;
+    }
+    if ((header.ImageType() & GreyBits) != GreyBits) {
+        return TargaError::ColourFormat;
+    }
+    if (header.Width() != size.width() || header.Height() != size.height()) {
+        return TargaError::WrongSize;
+    }
+    return TargaError::None;
+}
+
+/// The pixels in storage order, wherever the image keeps its rows. Pixels start clear, so clear
+/// runs are not written: their memory need not exist.
+class PixelWriter
+{
+public:
+    PixelWriter(uchar* pixels, qint64 count)
+        : m_next(pixels)
+        , m_end(pixels + count)
+    {
+    }
+
+    qint64 Room() const { return m_end - m_next; }
+
+    void Repeat(uchar value, qint64 count)
+    {
+        count = std::min(count, Room());
+        if (count <= ShortRun && Room() >= ShortRun) {
+            // A store of fixed size is much faster; what it writes too much is written again.
+            std::memset(m_next, value, ShortRun);
+            m_writtenEnd = m_next + ShortRun;
+        } else if (value != MaskClear) {
+            std::memset(m_next, value, static_cast<std::size_t>(count));
+        } else if (m_next < m_writtenEnd) {
+            const qint64 written = std::min<qint64>(count, m_writtenEnd - m_next);
+            std::memset(m_next, MaskClear, static_cast<std::size_t>(written));
+        }
+        m_next += count;
+    }
+
+    void Copy(const uchar* from, qint64 count)
+    {
+        count = std::min(count, Room());
+        std::memcpy(m_next, from, static_cast<std::size_t>(count));
+        m_next += count;
+    }
+
+private:
+    static constexpr int ShortRun = 16;
+
+    uchar* m_next;
+    uchar* m_end;
+    uchar* m_writtenEnd = nullptr;
+};
+
+void DecodeRunLength(const uchar* data, const uchar* end, PixelWriter pixels)
+{
+    uchar last = MaskClear;
+    while (pixels.Room() > 0 && data < end) {
+        const uchar header = *data++;
+        const int count = (header & ~RunBit) + 1;
+        if (data == end) {
+            break;
+        }
+        if ((header & RunBit) != 0) {
+            last = *data++;
+            pixels.Repeat(last, count);
+        } else {
+            const qint64 present = std::min<qint64>(count, end - data);
+            pixels.Copy(data, present);
+            data += present;
+            last = data[-1];
+        }
+    }
+    pixels.Repeat(last, pixels.Room());
+}
+
+void DecodeRaw(const uchar* data, const uchar* end, int width, PixelWriter pixels)
+{
+    const qint64 wholeRows = std::min<qint64>(pixels.Room(), (end - data) / width * width);
+    pixels.Copy(data, wholeRows);
+    if (pixels.Room() == 0) {
+        return;
+    }
+    std::vector<uchar> row(static_cast<std::size_t>(width), MaskClear);
+    if (wholeRows > 0) {
+        std::copy(data + wholeRows - width, data + wholeRows, row.begin());
+    }
+    std::copy(data + wholeRows, end, row.begin());
+    while (pixels.Room() > 0) {
+        pixels.Copy(row.data(), width);
+    }
+}
+
+void DecodePixels(const Header& header, const uchar* data, const uchar* end, uchar* pixels)
+{
+    const PixelWriter writer(pixels, qint64(header.Width()) * header.Height());
+    if ((header.ImageType() & RunLengthBit) != 0) {
+        DecodeRunLength(data, end, writer);
+    } else {
+        DecodeRaw(data, end, header.Width(), writer);
+    }
+}
+
+void FlipRows(QImage& mask)
+{
+    const int height = mask.height();
+    for (int y = 0; y < height / 2; ++y) {
+        uchar* upper = mask.scanLine(y);
+        std::swap_ranges(upper, upper + mask.width(), mask.scanLine(height - 1 - y));
+    }
+}
+
+/// Gathers packets to blocks worth handing on.
+class PacketWriter
+{
+public:
+    explicit PacketWriter(const ByteSink& sink)
+        : m_sink(sink)
+        , m_block(BlockSize)
+    {
+    }
+
+    /// A run of any length, as packets of at most 128 pixels.
+    bool AddRun(uchar value, qint64 length)
+    {
+        for (; length > 0; length -= MaxRun) {
+            if (m_used == BlockSize && !Flush()) {
+                return false;
+            }
+            const auto count = std::min<qint64>(length, MaxRun);
+            m_block[m_used++] = static_cast<char>((count - 1) | RunBit);
+            m_block[m_used++] = static_cast<char>(value);
+        }
+        return true;
+    }
+
+    bool Flush()
+    {
+        const bool isWritten = m_sink(m_block.data(), static_cast<qint64>(m_used));
+        m_used = 0;
+        return isWritten;
+    }
+
+private:
+    static constexpr std::size_t BlockSize = 1 << 18;
+
+    const ByteSink& m_sink;
+    std::vector<char> m_block;
+    std::size_t m_used = 0;
+};
+
+/// How many of the bytes equal the first one before another value comes.
+qint64 RunLength(const uchar* bytes, qint64 count)
+{
+    constexpr int block = 64;
+    constexpr int shortRun = 8;
+    const uchar value = bytes[0];
+    qint64 length = 1;
+    while (length < std::min<qint64>(count, shortRun)) {
+        if (bytes[length] != value) {
+            return length;
+        }
+        ++length;
+    }
+    while (length + block <= count) {
+        uchar difference = 0;
+        for (int i = 0; i < block; ++i) {
+            difference |= bytes[length + i] ^ value;
+        }
+        if (difference != 0) {
+            break;
+        }
+        length += block;
+    }
+    while (length < count && bytes[length] == value) {
+        ++length;
+    }
+    return length;
+}
+
+bool EncodeRunLength(const QImage& mask, const ByteSink& sink)
+{
+    PacketWriter writer(sink);
+    uchar value = mask.constScanLine(0)[0];
+    qint64 pending = 0;
+    for (int y = 0; y < mask.height(); ++y) {
+        const uchar* row = mask.constScanLine(y);
+        for (int x = 0; x < mask.width();) {
+            const qint64 length = RunLength(row + x, mask.width() - x);
+            if (row[x] != value) {
+                if (!writer.AddRun(value, pending)) {
+                    return false;
+                }
+                value = row[x];
+                pending = 0;
+            }
+            pending += length;
+            x += static_cast<int>(length);
+        }
+    }
+    return writer.AddRun(value, pending) && writer.Flush();
+}
+
+bool EncodeRaw(const QImage& mask, const ByteSink& sink)
+{
+    if (mask.bytesPerLine() == mask.width()) {
+        return sink(reinterpret_cast<const char*>(mask.constBits()), mask.sizeInBytes());
+    }
+    for (int y = 0; y < mask.height(); ++y) {
+        if (!sink(reinterpret_cast<const char*>(mask.constScanLine(y)), mask.width())) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+qint64 TargaMaxBytes(QSize size)
+{
+    return HeaderSize + 2 * qint64(qMax(size.width(), 0)) * qMax(size.height(), 0);
+}
+
+TargaResult DecodeTarga(const uchar* file, qint64 byteCount, QSize size)
+{
+    Header header;
+    const qint64 present = std::min<qint64>(byteCount, HeaderSize);
+    std::copy(file, file + present, header.bytes.begin());
+    const TargaError error = Check(header, size);
+    if (error != TargaError::None) {
+        return {{}, error};
+    }
+    QImage mask = BlankMask(size);
+    if (mask.isNull()) {
+        return {{}, TargaError::NoImage};
+    }
+    const uchar* data = file + present;
+    const uchar* end = file + byteCount;
+    if (mask.bytesPerLine() == mask.width()) {
+        DecodePixels(header, data, end, mask.bits());
+    } else {
+        const auto width = static_cast<std::size_t>(mask.width());
+        std::vector<uchar> pixels(width * static_cast<std::size_t>(mask.height()));
+        DecodePixels(header, data, end, pixels.data());
+        for (int y = 0; y < mask.height(); ++y) {
+            std::memcpy(mask.scanLine(y), pixels.data() + width * static_cast<std::size_t>(y),
+                        width);
+        }
+    }
+    if (!header.IsTopDown()) {
+        FlipRows(mask);
+    }
+    return {mask, TargaError::None};
+}
+
+bool EncodeTarga(const QImage& mask, TargaPacking packing, const ByteSink& sink)
+{
+    const bool isRunLength = packing == TargaPacking::RunLength;
+    Header header;
+    header.bytes[2] = isRunLength ? GreyBits | RunLengthBit : GreyBits;
+    qToLittleEndian(static_cast<quint16>(mask.width()), &header.bytes[12]);
+    qToLittleEndian(static_cast<quint16>(mask.height()), &header.bytes[14]);
+    header.bytes[16] = 8;
+    header.bytes[17] = TopDownBit;
+    if (!sink(reinterpret_cast<const char*>(header.bytes.data()), HeaderSize)) {
+        return false;
+    }
+    if (mask.isNull()) {
+        return true;
+    }
+    return isRunLength ? EncodeRunLength(mask, sink) : EncodeRaw(mask, sink);
+}
+
+} // namespace raster
