@@ -1,0 +1,9 @@
+#include "app/Gui.h"
+
+#include <QApplication>
+#include <QWidget>
+
+bool IsGuiRunning()
+{
+    return !QApplication::topLevelWidgets().isEmpty();
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QFileDevice>
+#include <QString>
+
+#include <memory>
+
+/// A file being written that takes its target's place only as a whole: until Commit succeeds, and
+/// whenever anything failed, the old file stays as it was. Where the target exists and is no
+/// regular file (a device, a pipe), or its folder takes no new file, it is written in place.
+class OutputFile
+{
+public:
+    explicit OutputFile(const QString& path);
+    /// Not committed means thrown away.
+    ~OutputFile();
+    Q_DISABLE_COPY(OutputFile)
+
+    /// flags may hold QIODevice::Text.
+    bool Open(QIODevice::OpenMode flags = QIODevice::NotOpen);
+    /// False unless every byte was taken; a failure is remembered until Commit.
+    bool Write(const char* bytes, qint64 count);
+    bool Write(const QByteArray& bytes) { return Write(bytes.constData(), bytes.size()); }
+    /// Puts the finished file in its place; false, and nothing is replaced, after any failure.
+    bool Commit();
+    /// The reason of the last failure, in the toolkit's words.
+    QString ErrorString() const { return m_device->errorString(); }
+
+private:
+    std::unique_ptr<QFileDevice> m_device;
+    bool m_isWhole = true;
+};
