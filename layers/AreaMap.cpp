@@ -1,0 +1,212 @@
+#include "layers/AreaMap.h"
+
+#include "app/Log.h"
+#include "app/OutputFile.h"
+#include "app/ProjectSettings.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "layers/raster/AreaFields.h"
+#include "layers/raster/Mask.h"
+
+#include <QIODevice>
+#include <QtEndian>
+
+#include <memory>
+#include <vector>
+
+using raster::BitFieldRaster;
+
+namespace {
+
+bool WriteInt(OutputFile& file, qint32 value)
+{
+    const qint32 bytes = qToLittleEndian(value);
+    return file.Write(reinterpret_cast<const char*>(&bytes), sizeof bytes);
+}
+
+BitFieldRaster SectionRaster(int flagTypeCount)
+{
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    const auto bits = raster::NextPowerOfTwo(static_cast<quint32>(flagTypeCount));
+    return {static_cast<int>(bits), settings.layerWidth, settings.layerHeight};
+}
+
+bool WriteSection(OutputFile& file, int flagTypeCount, BitFieldRaster& fields)
+{
+    const auto bits = raster::NextPowerOfTwo(static_cast<quint32>(flagTypeCount));
+    if (!WriteInt(file, static_cast<qint32>(bits))) {
+        return false;
+    }
+    const qint64 wordCount = fields.WordCount();
+    if (wordCount == 0) {
+        return true;
+    }
+    qToLittleEndian<quint32>(fields.Words(), wordCount, fields.Words());
+    return file.Write(reinterpret_cast<const char*>(fields.Words()), 4 * wordCount);
+}
+
+bool WriteMap(OutputFile& file, const LayerList& layers)
+{
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    for (const int size :
+         {settings.layerWidth, settings.layerHeight, settings.worldWidth, settings.worldHeight}) {
+        if (!WriteInt(file, size)) {
+            return false;
+        }
+    }
+    const int usageCount = settings.areaFlagTypes.usages.size();
+    const int valueCount = settings.areaFlagTypes.values.size();
+    BitFieldRaster usages = SectionRaster(usageCount);
+    BitFieldRaster values = SectionRaster(valueCount);
+    if (!usages.IsValid() || !values.IsValid()) {
+        return false;
+    }
+    QVector<raster::FlaggedMask> masks;
+    for (const Layer* layer : layers.Layers()) {
+        masks.append({layer->Image(), layer->UsageFlags(), layer->ValueFlags()});
+    }
+    raster::ComposeFields(masks, usages, values);
+    return WriteSection(file, usageCount, usages) && WriteSection(file, valueCount, values);
+}
+
+/// A map holds at most 32 flags of a kind.
+bool CheckFlagTypes()
+{
+    const bool doFit = ProjectSettings::Instance().areaFlagTypes.FitMap();
+    if (!doFit) {
+        LogError(QStringLiteral("An area map holds at most %1 usage and %1 value flag types.")
+                     .arg(AreaFlagTypes::MaxCount));
+    }
+    return doFit;
+}
+
+/// Reads one header integer; what the device is too short for leaves value as it is.
+bool ReadInt(QIODevice& device, qint32& value)
+{
+    qint32 bytes = 0;
+    const qint64 count = device.read(reinterpret_cast<char*>(&bytes), sizeof bytes);
+    if (count == sizeof bytes) {
+        value = qFromLittleEndian(bytes);
+    }
+    return count >= 0;
+}
+
+/// The words that the device still holds, at most maxCount: a header may promise more than there
+/// is.
+std::vector<quint32> ReadWords(QIODevice& device, qint64 maxCount)
+{
+    constexpr qint64 blockSize = 1 << 20;
+    std::vector<quint32> words;
+    qint64 wanted = 4 * maxCount;
+    qint64 used = 0;
+    while (wanted > 0) {
+        const qint64 block = device.isSequential() ? blockSize : device.bytesAvailable();
+        const qint64 count = qMin(wanted, qMax<qint64>(block, 1));
+        words.resize(static_cast<std::size_t>((used + count + 3) / 4));
+        const qint64 read = device.read(reinterpret_cast<char*>(words.data()) + used, count);
+        if (read <= 0) {
+            break;
+        }
+        used += read;
+        wanted -= read;
+    }
+    words.resize(static_cast<std::size_t>((used + 3) / 4));
+    qFromLittleEndian<quint32>(words.data(), static_cast<qint64>(words.size()), words.data());
+    return words;
+}
+
+enum class FlagKind
+{
+    Usage,
+    Value,
+};
+
+void AddFlagLayer(LayerList& layers, const raster::FlagMask& flagMask, FlagKind kind,
+                  const QString& name)
+{
+    const quint32 flag = 1U << flagMask.flag;
+    const quint32 usageFlags = kind == FlagKind::Usage ? flag : 0;
+    const quint32 valueFlags = kind == FlagKind::Value ? flag : 0;
+    auto layer = std::make_unique<Layer>(usageFlags, valueFlags, &layers, name);
+    layer->SetImage(flagMask.mask, Qt::white);
+    if (layers.AddLayer(layer.get())) {
+        layer.release();
+    }
+}
+
+void ImportSection(LayerList& layers, QIODevice& device, FlagKind kind,
+                   const QVector<QString>& names)
+{
+    qint32 bits = 0;
+    if (!ReadInt(device, bits) || bits == 0) {
+        return;
+    }
+    if (bits < 0 || bits > 32 || raster::NextPowerOfTwo(quint32(bits)) != quint32(bits)) {
+        LogError(
+            QStringLiteral("The area map has an invalid number of bits per pixel: %1.").arg(bits));
+        return;
+    }
+    const QSize size = ProjectSettings::Instance().LayerSize();
+    if (raster::BlankMask(size).isNull()) {
+        LogError(QStringLiteral("The area map has an invalid size: %1x%2 pixels.")
+                     .arg(size.width())
+                     .arg(size.height()));
+        return;
+    }
+    const qint64 wordsPerRow = size.width() / (32 / bits);
+    const std::vector<quint32> words = ReadWords(device, wordsPerRow * size.height());
+    const raster::PackedFields fields{words.data(), static_cast<qint64>(words.size()), bits, size};
+    for (const raster::FlagMask& flagMask : raster::SplitFields(fields, names.size())) {
+        AddFlagLayer(layers, flagMask, kind, names.at(flagMask.flag));
+    }
+}
+
+} // namespace
+
+bool SaveAreaMap(const LayerList& layers, const QString& path)
+{
+    if (!CheckFlagTypes()) {
+        return false;
+    }
+    OutputFile file(path);
+    if (!file.Open(QIODevice::Text)) {
+        LogError(QStringLiteral("Failed to open file '%1' for writing.").arg(path));
+        return false;
+    }
+    LogInfo(QStringLiteral("Processing binary map ..."));
+    if (!WriteMap(file, layers) || !file.Commit()) {
+        return false;
+    }
+    LogSuccess(QStringLiteral("Zone binary map saved to file '%1'.").arg(path));
+    return true;
+}
+
+bool ImportAreaMap(LayerList& layers, QIODevice& device)
+{
+    if (!CheckFlagTypes()) {
+        return false;
+    }
+    LogInfo(QStringLiteral("Importing map, please wait ..."));
+    qint32 layerWidth = -1;
+    qint32 layerHeight = -1;
+    qint32 worldWidth = -1;
+    qint32 worldHeight = -1;
+    for (qint32* size : {&layerWidth, &layerHeight, &worldWidth, &worldHeight}) {
+        if (!ReadInt(device, *size)) {
+            return false;
+        }
+    }
+    // The scale factors keep the former sizes until the caller sets them anew.
+    ProjectSettings& settings = ProjectSettings::Instance();
+    settings.layerWidth = layerWidth;
+    settings.layerHeight = layerHeight;
+    settings.worldWidth = worldWidth;
+    settings.worldHeight = worldHeight;
+    ImportSection(layers, device, FlagKind::Usage, settings.areaFlagTypes.usages);
+    ImportSection(layers, device, FlagKind::Value, settings.areaFlagTypes.values);
+    for (Layer* layer : layers.Layers()) {
+        layer->UpdatePixmap();
+    }
+    LogInfo(QStringLiteral("Import done"));
+    return true;
+}

@@ -1,0 +1,155 @@
+#include "layers/Layer.h"
+
+#include "app/Gui.h"
+#include "app/Log.h"
+#include "app/Names.h"
+#include "app/ProjectSettings.h"
+#include "layers/Targa.h"
+#include "layers/raster/Mask.h"
+
+#include <QXmlStreamWriter>
+
+namespace {
+
+int NextId()
+{
+    static int nextId = 0;
+    return nextId++;
+}
+
+} // namespace
+
+Layer::Layer(quint32 usageFlags, quint32 valueFlags, LayerList* list)
+    : Layer(usageFlags, valueFlags, list, QString())
+{
+    if (IsGuiRunning()) {
+        setText(QStringLiteral("layer-%1").arg(m_id));
+    }
+}
+
+Layer::Layer(quint32 usageFlags, quint32 valueFlags, LayerList* list, const QString& name)
+    : Layer(usageFlags, valueFlags, list, name, QString())
+{
+}
+
+Layer::Layer(quint32 usageFlags, quint32 valueFlags, LayerList* list, const QString& name,
+             const QString& code)
+    : QStandardItem(name)
+    , m_id(NextId())
+    , m_list(list)
+    , m_usageFlags(usageFlags)
+    , m_valueFlags(valueFlags)
+    , m_code(code)
+{
+    Init();
+}
+
+void Layer::Init()
+{
+    if (!IsGuiRunning()) {
+        return;
+    }
+    setCheckable(true);
+    setEditable(true);
+    setDragEnabled(true);
+    setDropEnabled(false);
+    ShowColor();
+    setData(m_id, Qt::UserRole);
+}
+
+void Layer::ShowColor()
+{
+    setData(m_color, Qt::DecorationRole);
+}
+
+QPixmap Layer::Pixmap() const
+{
+    if (!IsGuiRunning()) {
+        return {};
+    }
+    return QPixmap::fromImage(raster::MaskToDisplay(m_image, m_color.rgb()));
+}
+
+void Layer::SetImage(const QImage& image, const QColor& color)
+{
+    m_image = raster::ImageToMask(image, color.rgb());
+    if (IsGuiRunning()) {
+        m_color = color;
+        ShowColor();
+    }
+    UpdatePixmap();
+}
+
+void Layer::SetColor(const QColor& color)
+{
+    const int alpha = m_color.alpha();
+    m_color = color;
+    m_color.setAlpha(alpha);
+    ShowColor();
+    UpdatePixmap();
+}
+
+void Layer::SetOpacity(int alpha)
+{
+    m_color.setAlpha(alpha);
+    ShowColor();
+    UpdatePixmap();
+}
+
+void Layer::SetVisible(bool isVisible)
+{
+    m_isVisible = isVisible;
+    setCheckState(isVisible ? Qt::Checked : Qt::Unchecked);
+}
+
+void Layer::ApplyPaintedImage(const QImage& argb)
+{
+    if (!m_list) {
+        return;
+    }
+    const QImage mask = raster::ImageToMask(argb, m_color.rgb());
+    if (mask.isNull()) {
+        return;
+    }
+    m_image = mask;
+    UpdatePixmap();
+}
+
+void Layer::UpdatePixmap()
+{
+    ++m_pictureRevision;
+}
+
+void Layer::setData(const QVariant& value, int role)
+{
+    if (role != Qt::EditRole) {
+        QStandardItem::setData(value, role);
+        return;
+    }
+    const QString name = value.toString();
+    if (name != text() && IsValidName(name)) {
+        setText(name);
+    }
+}
+
+void Layer::WriteXml(QXmlStreamWriter& xml) const
+{
+    xml.writeStartElement(QStringLiteral("layer"));
+    xml.writeAttribute(QStringLiteral("usage_flags"), QString::number(m_usageFlags));
+    xml.writeAttribute(QStringLiteral("value_flags"), QString::number(m_valueFlags));
+    xml.writeAttribute(QStringLiteral("color"), QString::number(m_color.rgba()));
+    xml.writeAttribute(QStringLiteral("visible"), QString::number(m_isVisible ? 1 : 0));
+    xml.writeAttribute(QStringLiteral("name"), text());
+    SaveBitmap();
+    xml.writeEndElement();
+}
+
+bool Layer::SaveBitmap() const
+{
+    const QString name = text();
+    if (!SaveTarga(ProjectSettings::Instance().LayerPath(name), m_image, true)) {
+        return false;
+    }
+    LogSuccess(QStringLiteral("Layer '%1' successfully saved.").arg(name));
+    return true;
+}

@@ -1,0 +1,239 @@
+#include "layers/LayerList.h"
+
+#include "app/Log.h"
+#include "app/Names.h"
+#include "app/ProjectSettings.h"
+#include "app/Xml.h"
+#include "layers/AreaMap.h"
+#include "layers/Layer.h"
+#include "layers/Targa.h"
+
+#include <QSet>
+#include <QStandardItemModel>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+#include <algorithm>
+#include <memory>
+
+LayerList::LayerList(QObject* parent)
+    : QObject(parent)
+    , m_model(new QStandardItemModel)
+{
+    connect(m_model, &QStandardItemModel::itemChanged, this, &LayerList::FollowCheckState);
+}
+
+LayerList::~LayerList()
+{
+    Clear();
+    m_model->deleteLater();
+}
+
+QVector<Layer*> LayerList::Layers() const
+{
+    QVector<Layer*> layers;
+    layers.reserve(m_model->rowCount());
+    for (int row = 0; row < m_model->rowCount(); ++row) {
+        if (Layer* layer = LayerAt(row)) {
+            layers.append(layer);
+        }
+    }
+    return layers;
+}
+
+Layer* LayerList::LayerAt(int row) const
+{
+    return dynamic_cast<Layer*>(m_model->item(row));
+}
+
+namespace {
+
+template <typename Predicate>
+Layer* FirstLayer(const LayerList& list, Predicate predicate)
+{
+    const QVector<Layer*> layers = list.Layers();
+    const auto it = std::find_if(layers.begin(), layers.end(), predicate);
+    return it == layers.end() ? nullptr : *it;
+}
+
+} // namespace
+
+Layer* LayerList::LayerById(int id) const
+{
+    return FirstLayer(*this, [id](const Layer* layer) { return layer->Id() == id; });
+}
+
+Layer* LayerList::LayerByName(const QString& name) const
+{
+    return FirstLayer(*this, [&name](const Layer* layer) { return layer->text() == name; });
+}
+
+void LayerList::VisibleLayers(QHash<int, Layer*>& out) const
+{
+    for (Layer* layer : Layers()) {
+        if (layer->IsVisible()) {
+            out.insert(layer->Id(), layer);
+        }
+    }
+}
+
+bool LayerList::AddLayer(Layer* layer)
+{
+    if (!layer || layer->Image().isNull()) {
+        return false;
+    }
+    if (layer->model() != m_model) {
+        m_model->appendRow(layer);
+    }
+    return true;
+}
+
+void LayerList::RemoveLayer(int id)
+{
+    if (const Layer* layer = LayerById(id)) {
+        m_model->removeRow(layer->row());
+    }
+}
+
+void LayerList::Clear()
+{
+    m_model->removeRows(0, m_model->rowCount());
+    m_model->clear();
+}
+
+void LayerList::HideAll()
+{
+    for (Layer* layer : Layers()) {
+        layer->SetVisible(false);
+    }
+}
+
+void LayerList::ResetFlags()
+{
+    for (Layer* layer : Layers()) {
+        layer->SetUsageFlags(0);
+        layer->SetValueFlags(0);
+    }
+}
+
+void LayerList::FollowCheckState(QStandardItem* item)
+{
+    auto* layer = dynamic_cast<Layer*>(item);
+    if (!layer) {
+        return;
+    }
+    const bool isVisible = layer->checkState() == Qt::Checked;
+    if (isVisible != layer->IsVisible()) {
+        layer->SetVisible(isVisible);
+        emit ItemChanged(layer);
+    }
+}
+
+namespace {
+
+/// The layer of the "layer" element that the reader stands on; null when it has no bitmap.
+std::unique_ptr<Layer> ReadLayer(const QXmlStreamReader& xml, LayerList* list)
+{
+    constexpr quint32 white = 0xFFFFFFFF;
+    const quint32 usageFlags = BitsAttribute(xml, QLatin1String("usage_flags"));
+    const quint32 valueFlags = BitsAttribute(xml, QLatin1String("value_flags"));
+    const QColor color = QColor::fromRgba(UIntAttribute(xml, QLatin1String("color"), white));
+    const QString name = TextAttribute(xml, QLatin1String("name"));
+    const bool isVisible = IntAttribute(xml, QLatin1String("visible"), 0) > 0;
+
+    LogInfo(QStringLiteral("Loading layer \"%1\"...").arg(name));
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    const QString path = settings.LayerPath(name);
+    if (!settings.IsInsideProject(path)) {
+        LogError(QStringLiteral("The bitmap of layer '%1' lies outside the project.").arg(name));
+        return nullptr;
+    }
+    const QImage image = LoadTarga(path);
+    if (image.isNull()) {
+        return nullptr;
+    }
+    auto layer = std::make_unique<Layer>(usageFlags, valueFlags, list, name);
+    layer->SetImage(image, color);
+    layer->SetVisible(isVisible);
+    return layer;
+}
+
+} // namespace
+
+bool LayerList::ReadXml(QXmlStreamReader& xml)
+{
+    std::unique_ptr<Layer> pending;
+    const XmlHandlers handlers = {
+        {QLatin1String("layer"),
+         [&](QXmlStreamReader& element) {
+             pending = ReadLayer(element, this);
+             return true;
+         },
+         [&] {
+             if (AddLayer(pending.get())) {
+                 pending.release();
+             }
+             pending.reset();
+         }},
+    };
+    WalkXml(xml, handlers, QLatin1String("layers"));
+    return !xml.hasError();
+}
+
+void LayerList::RenameForSaving()
+{
+    const QVector<Layer*> layers = Layers();
+    QSet<QString> taken;
+    for (const Layer* layer : layers) {
+        taken.insert(layer->text());
+    }
+    QSet<QString> kept;
+    QStringList messages;
+    for (Layer* layer : layers) {
+        const QString oldName = layer->text();
+        if (IsValidName(oldName) && !kept.contains(oldName)) {
+            kept.insert(oldName);
+            continue;
+        }
+        const QString base = ToValidName(oldName);
+        QString name = base;
+        for (int number = 2; taken.contains(name); ++number) {
+            name = QStringLiteral("%1 (%2)").arg(base, QString::number(number));
+        }
+        taken.insert(name);
+        kept.insert(name);
+        layer->setText(name);
+        messages.append(
+            QStringLiteral("Layer '%1' cannot be saved under this name, it was renamed to '%2'.")
+                .arg(oldName, name));
+    }
+    for (const QString& message : qAsConst(messages)) {
+        LogError(message);
+    }
+}
+
+void LayerList::WriteXml(QXmlStreamWriter& xml)
+{
+    RenameForSaving();
+    if (IsEmpty()) {
+        return;
+    }
+    xml.writeComment(QStringLiteral("Layers"));
+    xml.writeStartElement(QStringLiteral("layers"));
+    for (int row = 0; row < m_model->rowCount(); ++row) {
+        if (const Layer* layer = LayerAt(row)) {
+            layer->WriteXml(xml);
+        }
+    }
+    xml.writeEndElement();
+}
+
+bool LayerList::SaveMap(const QString& path) const
+{
+    return SaveAreaMap(*this, path);
+}
+
+bool LayerList::ImportMap(QIODevice& device)
+{
+    return ImportAreaMap(*this, device);
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QImage>
+#include <QString>
+
+/// Reads a layer bitmap: an 8-bit greyscale TGA file of exactly the project's layer size, as a
+/// mask. Null on any failure; a file that is missing or cannot be read says nothing, one of another
+/// kind or size logs an error.
+QImage LoadTarga(const QString& fileName);
+
+/// Writes a Format_Indexed8 image; false after a logged error. A failed write leaves the old file
+/// as it was.
+bool SaveTarga(const QString& fileName, const QImage& image, bool compressed);
