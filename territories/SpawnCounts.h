@@ -1,0 +1,26 @@
+#pragma once
+
+/// How many creatures a zone may hold, and the sums of them over zones.
+struct SpawnCounts
+{
+    int staticMin = 0;
+    int staticMax = 0;
+    int dynamicMin = 0;
+    int dynamicMax = 0;
+
+    SpawnCounts& operator+=(const SpawnCounts& other)
+    {
+        Add(staticMin, other.staticMin);
+        Add(staticMax, other.staticMax);
+        Add(dynamicMin, other.dynamicMin);
+        Add(dynamicMax, other.dynamicMax);
+        return *this;
+    }
+
+private:
+    /// Files may hold any number, so sums wrap.
+    static void Add(int& sum, int value)
+    {
+        sum = static_cast<int>(static_cast<unsigned>(sum) + static_cast<unsigned>(value));
+    }
+};

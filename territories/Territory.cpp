@@ -1,0 +1,197 @@
+#include "territories/Territory.h"
+
+#include "app/Gui.h"
+#include "app/Xml.h"
+#include "territories/TerritoryType.h"
+#include "territories/Zone.h"
+
+#include <QGraphicsScene>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+#include <memory>
+#include <utility>
+
+namespace {
+
+int NextId()
+{
+    static int nextId = 0;
+    return nextId++;
+}
+
+} // namespace
+
+Territory::Territory()
+    : Territory(QString())
+{
+    if (IsGuiRunning()) {
+        setText(QStringLiteral("Territory %1").arg(m_id));
+    }
+}
+
+Territory::Territory(const QString& name)
+    : QStandardItem(name)
+    , m_id(NextId())
+{
+    Init();
+}
+
+void Territory::Init()
+{
+    if (!IsGuiRunning()) {
+        return;
+    }
+    setCheckable(true);
+    setEditable(true);
+    setData(m_id, Qt::UserRole);
+    ShowColor();
+}
+
+Territory::~Territory()
+{
+    const QMap<int, Zone*> zones = std::exchange(m_zones, {});
+    for (Zone* zone : zones) {
+        zone->m_holder = nullptr;
+    }
+    qDeleteAll(zones);
+    const QSet<Zone*> referrers = m_referrers;
+    for (Zone* zone : referrers) {
+        zone->SetTerritory(zone->Holder());
+    }
+}
+
+TerritoryType* Territory::GetType() const
+{
+    return dynamic_cast<TerritoryType*>(parent());
+}
+
+SpawnCounts Territory::Totals() const
+{
+    SpawnCounts totals;
+    for (const Zone* zone : m_zones) {
+        totals += zone->Counts();
+    }
+    return totals;
+}
+
+bool Territory::AddZone(Zone* zone)
+{
+    if (!zone || zone->m_holder) {
+        return false;
+    }
+    zone->m_holder = this;
+    m_zones.insert(zone->Id(), zone);
+    return true;
+}
+
+void Territory::RemoveZone(int zoneId)
+{
+    if (Zone* zone = m_zones.take(zoneId)) {
+        zone->m_holder = nullptr;
+    }
+}
+
+void Territory::AddCopiesOfSelection(QGraphicsScene& scene)
+{
+    const QList<QGraphicsItem*> selection = scene.selectedItems();
+    for (const QGraphicsItem* item : selection) {
+        if (const auto* zone = qgraphicsitem_cast<const Zone*>(item)) {
+            Zone* copy = zone->Copy();
+            AddZone(copy);
+            scene.addItem(copy);
+        }
+    }
+}
+
+void Territory::ShowColor()
+{
+    if (IsGuiRunning()) {
+        setData(m_color, Qt::DecorationRole);
+    }
+}
+
+void Territory::SetColor(const QColor& color)
+{
+    if (color.rgb() != m_color.rgb()) {
+        QColor opaque = color;
+        opaque.setAlpha(m_color.alpha());
+        SetRgba(opaque.rgba());
+    }
+}
+
+void Territory::SetAlpha(int alpha)
+{
+    if (alpha == m_color.alpha()) {
+        return;
+    }
+    m_color.setAlpha(alpha);
+    ShowColor();
+    for (Zone* zone : qAsConst(m_zones)) {
+        QColor color = zone->Color();
+        color.setAlpha(alpha);
+        zone->SetColor(color);
+    }
+}
+
+void Territory::SetRgba(QRgb rgba)
+{
+    if (rgba == m_color.rgba()) {
+        return;
+    }
+    m_color.setRgba(rgba);
+    ShowColor();
+    for (Zone* zone : qAsConst(m_zones)) {
+        zone->SetColor(m_color);
+    }
+}
+
+void Territory::SetZonesEditable(bool isEditable)
+{
+    for (Zone* zone : qAsConst(m_zones)) {
+        zone->setFlag(QGraphicsItem::ItemIsMovable, isEditable);
+        zone->setFlag(QGraphicsItem::ItemIsSelectable, isEditable);
+    }
+}
+
+void Territory::SetVisible(bool isVisible)
+{
+    m_isVisible = isVisible;
+    for (Zone* zone : qAsConst(m_zones)) {
+        zone->setVisible(isVisible);
+    }
+}
+
+bool Territory::Read(QXmlStreamReader& xml, QGraphicsScene* scene)
+{
+    const XmlHandlers handlers = {
+        {QLatin1String("zone"),
+         [this, scene](QXmlStreamReader& element) {
+             auto zone = std::make_unique<Zone>(this);
+             zone->Read(element);
+             if (AddZone(zone.get())) {
+                 Zone* held = zone.release();
+                 if (scene) {
+                     scene->addItem(held);
+                 }
+             }
+             return true;
+         }},
+    };
+    WalkXml(xml, handlers, QLatin1String("territory"));
+    return !xml.hasError();
+}
+
+void Territory::Write(QXmlStreamWriter& xml, bool exportMode) const
+{
+    xml.writeStartElement(QStringLiteral("territory"));
+    if (!exportMode) {
+        xml.writeAttribute(QStringLiteral("name"), text());
+        xml.writeAttribute(QStringLiteral("visible"), QString::number(m_isVisible ? 1 : 0));
+    }
+    xml.writeAttribute(QStringLiteral("color"), QString::number(m_color.rgba()));
+    for (const Zone* zone : m_zones) {
+        zone->Write(xml, exportMode);
+    }
+    xml.writeEndElement();
+}

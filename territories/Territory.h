@@ -1,0 +1,76 @@
+#pragma once
+
+#include "territories/SpawnCounts.h"
+
+#include <QColor>
+#include <QMap>
+#include <QSet>
+#include <QStandardItem>
+
+class QGraphicsScene;
+class QXmlStreamReader;
+class QXmlStreamWriter;
+class TerritoryType;
+class Zone;
+
+/// A named, coloured set of zones; a row below its territory type, which owns it. It owns its
+/// zones.
+class Territory : public QStandardItem
+{
+public:
+    /// Named "Territory ID" while a GUI runs; without a name in a batch run.
+    Territory();
+    explicit Territory(const QString& name);
+    ~Territory() override;
+    Q_DISABLE_COPY(Territory)
+
+    /// Unique in the process and never reused.
+    int Id() const { return m_id; }
+    /// The type below which the territory is a row; null before it is.
+    TerritoryType* GetType() const;
+    /// The alpha is the territory's opacity. Opaque black at first.
+    const QColor& Color() const { return m_color; }
+    bool IsVisible() const { return m_isVisible; }
+    /// By ascending id.
+    const QMap<int, Zone*>& Zones() const { return m_zones; }
+    /// The sums over the zones.
+    SpawnCounts Totals() const;
+
+    /// Takes the zone over. False for null and for a zone that a territory holds already, which
+    /// stays where it is.
+    bool AddZone(Zone* zone);
+    /// The zone leaves the table and is the caller's; an unknown id does nothing.
+    void RemoveZone(int zoneId);
+    /// Adds a copy of each selected zone of the scene to this territory and to the scene. A copy
+    /// keeps the colour of its source's territory.
+    void AddCopiesOfSelection(QGraphicsScene& scene);
+
+    /// Keeps the alpha; a colour that differs only in alpha changes nothing. Like the next two, it
+    /// goes on to all zones.
+    void SetColor(const QColor& color);
+    void SetAlpha(int alpha);
+    void SetRgba(QRgb rgba);
+    /// Whether the zones can be moved and selected.
+    void SetZonesEditable(bool isEditable);
+    /// Shows or hides the zones.
+    void SetVisible(bool isVisible);
+
+    /// Reads the zones of the "territory" element whose start tag the reader stands on, and adds
+    /// them to the scene when there is one. False when the reader has an error.
+    bool Read(QXmlStreamReader& xml, QGraphicsScene* scene);
+    /// Export mode leaves out what only the editor needs.
+    void Write(QXmlStreamWriter& xml, bool exportMode) const;
+
+private:
+    friend class Zone;
+
+    void Init();
+    void ShowColor();
+
+    int m_id;
+    QColor m_color = Qt::black;
+    bool m_isVisible = false;
+    QMap<int, Zone*> m_zones;
+    /// Every zone whose back-pointer names this territory, whoever holds it.
+    QSet<Zone*> m_referrers;
+};

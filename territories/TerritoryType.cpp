@@ -1,0 +1,160 @@
+#include "territories/TerritoryType.h"
+
+#include "app/Log.h"
+#include "app/Names.h"
+#include "app/OutputFile.h"
+#include "app/ProjectSettings.h"
+#include "territories/Territory.h"
+
+#include <QDir>
+#include <QXmlStreamWriter>
+
+#include <algorithm>
+#include <memory>
+
+namespace {
+
+int NextId()
+{
+    static int nextId = 0;
+    return nextId++;
+}
+
+} // namespace
+
+TerritoryType::TerritoryType()
+    : TerritoryType(QString())
+{
+    setText(QStringLiteral("Territory type %1").arg(m_id));
+}
+
+TerritoryType::TerritoryType(const QString& name)
+    : QStandardItem(name)
+    , m_id(NextId())
+{
+    setCheckable(true);
+    setEditable(true);
+    setData(m_id, Qt::UserRole);
+}
+
+TerritoryType::~TerritoryType()
+{
+    // While this is still a type for the territories that look up to it.
+    removeRows(0, rowCount());
+}
+
+QVector<Territory*> TerritoryType::Territories() const
+{
+    QVector<Territory*> territories;
+    territories.reserve(rowCount());
+    for (int row = 0; row < rowCount(); ++row) {
+        if (auto* territory = dynamic_cast<Territory*>(child(row))) {
+            territories.append(territory);
+        }
+    }
+    std::sort(territories.begin(), territories.end(),
+              [](const Territory* a, const Territory* b) { return a->Id() < b->Id(); });
+    return territories;
+}
+
+SpawnCounts TerritoryType::Totals() const
+{
+    SpawnCounts totals;
+    for (const Territory* territory : Territories()) {
+        totals += territory->Totals();
+    }
+    return totals;
+}
+
+Territory* TerritoryType::NewTerritory()
+{
+    auto* territory = new Territory;
+    appendRow(territory);
+    return territory;
+}
+
+void TerritoryType::AddTerritory(Territory* territory)
+{
+    if (territory && !territory->parent()) {
+        appendRow(territory);
+    }
+}
+
+Territory* TerritoryType::GetTerritory(int id) const
+{
+    for (Territory* territory : Territories()) {
+        if (territory->Id() == id) {
+            return territory;
+        }
+    }
+    return nullptr;
+}
+
+void TerritoryType::RemoveTerritory(int id)
+{
+    if (const Territory* territory = GetTerritory(id)) {
+        removeRow(territory->row());
+    }
+}
+
+void TerritoryType::SetVisible(bool isVisible)
+{
+    for (Territory* territory : Territories()) {
+        territory->SetVisible(isVisible);
+        territory->setCheckState(isVisible ? Qt::Checked : Qt::Unchecked);
+    }
+}
+
+void TerritoryType::UpdateVisibility()
+{
+    for (Territory* territory : Territories()) {
+        territory->SetVisible(territory->checkState() == Qt::Checked);
+    }
+}
+
+void TerritoryType::setData(const QVariant& value, int role)
+{
+    if (role != Qt::EditRole) {
+        QStandardItem::setData(value, role);
+        return;
+    }
+    const QString name = value.toString();
+    if (name != text() && IsValidName(name)) {
+        setText(name);
+    }
+}
+
+void TerritoryType::Write(QXmlStreamWriter& xml) const
+{
+    xml.writeStartElement(QStringLiteral("territory-type"));
+    xml.writeAttribute(QStringLiteral("name"), text());
+    for (const Territory* territory : Territories()) {
+        territory->Write(xml, false);
+    }
+    xml.writeEndElement();
+}
+
+bool TerritoryType::Export() const
+{
+    const QString name = text();
+    if (name.contains(QLatin1Char('/')) || name.contains(QDir::separator())) {
+        LogError(
+            QStringLiteral("Territory type '%1' cannot be exported under this name.").arg(name));
+        return false;
+    }
+    OutputFile file(ProjectSettings::Instance().TerritoryTypePath(name));
+    if (!file.Open()) {
+        return false;
+    }
+    QByteArray document;
+    QXmlStreamWriter xml(&document);
+    xml.setAutoFormatting(true);
+    xml.writeStartDocument();
+    xml.writeStartElement(QStringLiteral("territory-type"));
+    for (const Territory* territory : Territories()) {
+        territory->Write(xml, true);
+    }
+    xml.writeEndElement();
+    xml.writeEndDocument();
+    return file.Write(document) && file.Commit();
+}

@@ -1,0 +1,151 @@
+#include "territories/TerritoryTypeList.h"
+
+#include "app/Xml.h"
+#include "territories/Territory.h"
+#include "territories/TerritoryType.h"
+
+#include <QStandardItemModel>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+#include <algorithm>
+#include <memory>
+
+TerritoryTypeList::TerritoryTypeList(QObject* parent)
+    : QObject(parent)
+    , m_model(new QStandardItemModel)
+{
+}
+
+TerritoryTypeList::~TerritoryTypeList()
+{
+    Clear();
+    m_model->deleteLater();
+}
+
+QVector<TerritoryType*> TerritoryTypeList::Types() const
+{
+    QVector<TerritoryType*> types;
+    types.reserve(m_model->rowCount());
+    for (int row = 0; row < m_model->rowCount(); ++row) {
+        if (auto* type = dynamic_cast<TerritoryType*>(m_model->item(row))) {
+            types.append(type);
+        }
+    }
+    std::sort(types.begin(), types.end(),
+              [](const TerritoryType* a, const TerritoryType* b) { return a->Id() < b->Id(); });
+    return types;
+}
+
+TerritoryType* TerritoryTypeList::TypeById(int id) const
+{
+    for (TerritoryType* type : Types()) {
+        if (type->Id() == id) {
+            return type;
+        }
+    }
+    return nullptr;
+}
+
+bool TerritoryTypeList::AddType(TerritoryType* type)
+{
+    if (!type) {
+        return false;
+    }
+    if (type->model() != m_model) {
+        m_model->appendRow(type);
+    }
+    return true;
+}
+
+void TerritoryTypeList::Clear()
+{
+    m_model->removeRows(0, m_model->rowCount());
+    m_model->clear();
+}
+
+void TerritoryTypeList::UpdateVisibility()
+{
+    for (TerritoryType* type : Types()) {
+        type->UpdateVisibility();
+    }
+}
+
+namespace {
+
+/// Reads the "territory" element that the reader stands on, with its zones.
+std::unique_ptr<Territory> ReadTerritory(QXmlStreamReader& xml, QGraphicsScene* scene)
+{
+    const QString name = TextAttribute(xml, QLatin1String("name"));
+    const QRgb color = UIntAttribute(xml, QLatin1String("color"), 0);
+    const bool isVisible = IntAttribute(xml, QLatin1String("visible"), 0) > 0;
+    auto territory = std::make_unique<Territory>(name);
+    territory->Read(xml, scene);
+    territory->SetRgba(color);
+    territory->SetZonesEditable(false);
+    territory->SetVisible(isVisible);
+    territory->setCheckState(isVisible ? Qt::Checked : Qt::Unchecked);
+    return territory;
+}
+
+} // namespace
+
+bool TerritoryTypeList::Read(QXmlStreamReader& xml, QGraphicsScene* scene)
+{
+    std::unique_ptr<TerritoryType> open;
+    const XmlHandlers handlers = {
+        {QLatin1String("territory-type"),
+         [&open](QXmlStreamReader& element) {
+             if (!open) {
+                 open =
+                     std::make_unique<TerritoryType>(TextAttribute(element, QLatin1String("name")));
+             }
+             return true;
+         },
+         [this, &open] {
+             if (AddType(open.get())) {
+                 open.release();
+             }
+         }},
+        {QLatin1String("territory"),
+         [&open, scene](QXmlStreamReader& element) {
+             if (open) {
+                 open->AddTerritory(ReadTerritory(element, scene).release());
+             } else {
+                 element.skipCurrentElement();
+             }
+             return true;
+         }},
+    };
+    WalkXml(xml, handlers, QLatin1String("territory-type-list"));
+    return !xml.hasError();
+}
+
+void TerritoryTypeList::Write(QXmlStreamWriter& xml) const
+{
+    const QVector<TerritoryType*> types = Types();
+    if (types.isEmpty()) {
+        return;
+    }
+    xml.writeComment(QStringLiteral("Territories"));
+    xml.writeStartElement(QStringLiteral("territory-type-list"));
+    for (const TerritoryType* type : types) {
+        type->Write(xml);
+    }
+    xml.writeEndElement();
+}
+
+bool TerritoryTypeList::ExportAll() const
+{
+    const QVector<TerritoryType*> types = Types();
+    return std::all_of(types.begin(), types.end(),
+                       [](const TerritoryType* type) { return type->Export(); });
+}
+
+bool TerritoryTypeList::ExportChecked() const
+{
+    const QVector<TerritoryType*> types = Types();
+    return std::all_of(types.begin(), types.end(), [](const TerritoryType* type) {
+        return type->checkState() != Qt::Checked || type->Export();
+    });
+}

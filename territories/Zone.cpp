@@ -1,0 +1,235 @@
+#include "territories/Zone.h"
+
+#include "app/ProjectSettings.h"
+#include "app/Xml.h"
+#include "territories/Territory.h"
+#include "territories/ZoneIcons.h"
+
+#include <QPainter>
+#include <QStyleOptionGraphicsItem>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+#include <array>
+
+namespace {
+
+constexpr int DepthStep = 23;
+
+int NextId()
+{
+    static int nextId = 0;
+    return nextId++;
+}
+
+/// Toward zero; numbers that no int holds give the nearest one, and no number gives 0.
+int Truncated(double value)
+{
+    constexpr double limit = 1e9;
+    return qIsNaN(value) ? 0 : static_cast<int>(qBound(-limit, value, limit));
+}
+
+/// The names of the fixed usages; any other name is that of a dynamic event.
+struct UsageName
+{
+    int usage;
+    QLatin1String name;
+};
+constexpr std::array<UsageName, 4> UsageNames = {{
+    {Zone::Rest, QLatin1String("Rest")},
+    {Zone::Graze, QLatin1String("Graze")},
+    {Zone::Water, QLatin1String("Water")},
+    {Zone::HuntingGround, QLatin1String("HuntingGround")},
+}};
+
+int UsageOf(const QString& name)
+{
+    for (const UsageName& usage : UsageNames) {
+        if (name == usage.name) {
+            return usage.usage;
+        }
+    }
+    return Zone::DynamicEvent;
+}
+
+/// World metres as files hold them: six significant digits of a 32-bit number.
+QString MetresText(double metres)
+{
+    return QString::number(static_cast<double>(static_cast<float>(metres)), 'g', 6);
+}
+
+} // namespace
+
+Zone::Zone(Territory* territory, QGraphicsItem* parent)
+    : QGraphicsEllipseItem(parent)
+    , m_id(NextId())
+    , m_color(territory ? territory->Color() : QColor(Qt::black))
+{
+    SetTerritory(territory);
+    setData(Qt::UserRole, m_id);
+    setZValue(MinDepth);
+    setStartAngle(0);
+    setFlags(ItemIsMovable | ItemIsSelectable | ItemSendsGeometryChanges);
+}
+
+Zone::Zone(Territory* territory, float radiusMetres, QGraphicsItem* parent)
+    : Zone(territory, parent)
+{
+    SetRadius(radiusMetres);
+}
+
+Zone::~Zone()
+{
+    if (m_holder) {
+        m_holder->RemoveZone(m_id);
+    }
+    SetTerritory(nullptr);
+}
+
+void Zone::SetTerritory(Territory* territory)
+{
+    if (m_territory) {
+        m_territory->m_referrers.remove(this);
+    }
+    m_territory = territory;
+    if (m_territory) {
+        m_territory->m_referrers.insert(this);
+    }
+}
+
+void Zone::SetColor(const QColor& color)
+{
+    m_color = color;
+    update();
+}
+
+void Zone::SetRadius(float metres)
+{
+    SetSceneRadius(ProjectSettings::Instance().pixelsPerMetreX * metres);
+}
+
+void Zone::SetSceneRadius(float radius)
+{
+    m_radius = radius;
+    const auto r = static_cast<qreal>(radius);
+    setRect(-r, -r, 2 * r, 2 * r);
+}
+
+void Zone::SetUsage(int usage)
+{
+    m_usage = usage;
+    update();
+}
+
+int Zone::Depth() const
+{
+    return Truncated(zValue());
+}
+
+void Zone::SetDepth(int depth)
+{
+    setZValue(qBound(MinDepth, depth, MaxDepth));
+}
+
+void Zone::BringToFront()
+{
+    SetDepth(Depth() + DepthStep);
+}
+
+void Zone::SendToBack()
+{
+    SetDepth(Depth() - DepthStep);
+}
+
+Zone* Zone::Copy() const
+{
+    auto* copy = new Zone(m_territory, ProjectSettings::Instance().metresPerPixelX * m_radius);
+    copy->m_counts = m_counts;
+    copy->m_usage = m_usage;
+    copy->m_eventName = m_eventName;
+    copy->setPos(scenePos());
+    copy->setZValue(zValue());
+    return copy;
+}
+
+void Zone::Read(const QXmlStreamReader& xml)
+{
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    const QString name = TextAttribute(xml, QLatin1String("name"));
+    m_counts.staticMin = IntAttribute(xml, QLatin1String("smin"), 0);
+    m_counts.staticMax = IntAttribute(xml, QLatin1String("smax"), 0);
+    m_counts.dynamicMin = IntAttribute(xml, QLatin1String("dmin"), 0);
+    m_counts.dynamicMax = IntAttribute(xml, QLatin1String("dmax"), 0);
+    m_usage = UsageOf(name);
+    if (m_usage == DynamicEvent) {
+        m_eventName = name;
+    }
+    const float x = FloatAttribute(xml, QLatin1String("x"), 0);
+    const float z = FloatAttribute(xml, QLatin1String("z"), 0);
+    // Single precision, and z counts from the map's bottom edge.
+    const float sceneX = settings.pixelsPerMetreX * x;
+    const float sceneY = static_cast<float>(settings.layerHeight) - settings.pixelsPerMetreZ * z;
+    setPos(static_cast<qreal>(sceneX), static_cast<qreal>(sceneY));
+    SetRadius(FloatAttribute(xml, QLatin1String("r"), 0));
+    SetDepth(IntAttribute(xml, QLatin1String("d"), 0));
+}
+
+QString Zone::Name() const
+{
+    for (const UsageName& usage : UsageNames) {
+        if (m_usage == usage.usage) {
+            return usage.name;
+        }
+    }
+    return m_eventName;
+}
+
+void Zone::Write(QXmlStreamWriter& xml, bool exportMode) const
+{
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    const auto metresX = static_cast<double>(settings.metresPerPixelX);
+    const auto metresZ = static_cast<double>(settings.metresPerPixelZ);
+    xml.writeEmptyElement(QStringLiteral("zone"));
+    xml.writeAttribute(QStringLiteral("name"), Name());
+    xml.writeAttribute(QStringLiteral("smin"), QString::number(m_counts.staticMin));
+    xml.writeAttribute(QStringLiteral("smax"), QString::number(m_counts.staticMax));
+    xml.writeAttribute(QStringLiteral("dmin"), QString::number(m_counts.dynamicMin));
+    xml.writeAttribute(QStringLiteral("dmax"), QString::number(m_counts.dynamicMax));
+    xml.writeAttribute(QStringLiteral("x"), MetresText(metresX * scenePos().x()));
+    xml.writeAttribute(QStringLiteral("z"),
+                       MetresText(settings.worldHeight - metresZ * scenePos().y()));
+    xml.writeAttribute(QStringLiteral("r"),
+                       MetresText(static_cast<double>(settings.metresPerPixelX * m_radius)));
+    if (!exportMode) {
+        xml.writeAttribute(QStringLiteral("d"), QString::number(Depth()));
+    }
+}
+
+void Zone::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* /*widget*/)
+{
+    if (option->state & QStyle::State_Selected) {
+        const QRectF bounds = boundingRect();
+        painter->setBrush(Qt::transparent);
+        painter->setPen(QPen(QBrush(Qt::red), 3, Qt::DotLine, Qt::SquareCap, Qt::SvgMiterJoin));
+        painter->drawRect(Truncated(bounds.x() + 3), Truncated(bounds.y() + 3),
+                          Truncated(bounds.width() - 6), Truncated(bounds.height() - 6));
+    }
+    const int grey = qBound(MinDepth, Depth(), MaxDepth);
+    const auto radius = static_cast<qreal>(m_radius);
+    QPen outline = pen();
+    outline.setBrush(QColor(grey, grey, grey));
+    outline.setWidth(2);
+    painter->setPen(outline);
+    painter->setBrush(m_color);
+    painter->drawEllipse(rect().center(), radius, radius);
+
+    const QPixmap icon = ZoneIcons::Icon(m_usage);
+    if (icon.isNull()) {
+        return;
+    }
+    const qreal scale = qBound(0.05, radius / icon.width(), 1.0);
+    painter->scale(scale, scale);
+    painter->drawPixmap(Truncated(-icon.width() * 0.5), Truncated(-icon.height() * 0.5), icon);
+}
+
+void Zone::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* /*event*/) {}

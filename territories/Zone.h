@@ -1,0 +1,104 @@
+#pragma once
+
+#include "territories/SpawnCounts.h"
+
+#include <QColor>
+#include <QGraphicsEllipseItem>
+#include <QString>
+
+class QXmlStreamReader;
+class QXmlStreamWriter;
+class Territory;
+
+/// One circle of the world map at which creatures are placed. It is an item of the map scene, and
+/// belongs to the territory whose table holds it; whichever of the three dies first, the others
+/// forget the zone or take it along.
+class Zone : public QGraphicsEllipseItem
+{
+public:
+    enum Usage
+    {
+        Rest = 1,
+        Graze = 2,
+        Water = 3,
+        HuntingGround = 4,
+        DynamicEvent = 5,
+    };
+    enum
+    {
+        Type = UserType + 15,
+    };
+    static constexpr int MinDepth = 2;
+    static constexpr int MaxDepth = 255;
+
+    /// territory gives the colour and may be null.
+    Zone(Territory* territory, float radiusMetres, QGraphicsItem* parent = nullptr);
+    /// Without geometry, to be read from a file.
+    explicit Zone(Territory* territory, QGraphicsItem* parent = nullptr);
+    ~Zone() override;
+    Q_DISABLE_COPY(Zone)
+
+    int type() const override { return Type; }
+    /// Unique in the process and never reused; also the item data under Qt::UserRole.
+    int Id() const { return m_id; }
+    /// The territory that the zone was made for: of a copy that of its source, also where another
+    /// one holds the copy. When it dies, the holder. Null when there is none.
+    Territory* GetTerritory() const { return m_territory; }
+    /// The territory whose table holds the zone.
+    Territory* Holder() const { return m_holder; }
+    const QColor& Color() const { return m_color; }
+    /// Scene units, i.e. layer pixels.
+    float Radius() const { return m_radius; }
+    const SpawnCounts& Counts() const { return m_counts; }
+    int GetUsage() const { return m_usage; }
+    const QString& EventName() const { return m_eventName; }
+
+    void SetTerritory(Territory* territory);
+    /// Alpha included.
+    void SetColor(const QColor& color);
+    void SetRadius(float metres);
+    void SetStaticMin(int count) { m_counts.staticMin = count; }
+    void SetStaticMax(int count) { m_counts.staticMax = count; }
+    void SetDynamicMin(int count) { m_counts.dynamicMin = count; }
+    void SetDynamicMax(int count) { m_counts.dynamicMax = count; }
+    void SetUsage(int usage);
+    /// Meaningful for DynamicEvent only.
+    void SetEventName(const QString& name) { m_eventName = name; }
+    /// The depth is a whole number from MinDepth to MaxDepth; it is the stacking order and the grey
+    /// level of the outline. Each step takes it 23 further.
+    void BringToFront();
+    void SendToBack();
+
+    /// A zone of the same back-pointer, values, place and depth, with an id of its own, held by
+    /// nobody and in no scene. The caller owns it.
+    Zone* Copy() const;
+
+    /// Reads the attributes of the "zone" element that the reader stands on; places are world
+    /// metres.
+    void Read(const QXmlStreamReader& xml);
+    /// Export mode leaves out the depth, which only the editor needs.
+    void Write(QXmlStreamWriter& xml, bool exportMode) const;
+
+    void paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
+               QWidget* widget = nullptr) override;
+
+protected:
+    void mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) override;
+
+private:
+    friend class Territory;
+
+    int Depth() const;
+    void SetDepth(int depth);
+    void SetSceneRadius(float radius);
+    QString Name() const;
+
+    int m_id;
+    QString m_eventName;
+    QColor m_color;
+    Territory* m_territory = nullptr;
+    Territory* m_holder = nullptr;
+    float m_radius = 0;
+    SpawnCounts m_counts;
+    int m_usage = Rest;
+};

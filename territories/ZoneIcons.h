@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QPixmap>
+
+/// The pictures of the zone usages, made once for the whole process.
+class ZoneIcons
+{
+public:
+    /// Reads the icons from the resources, unless there are some already. Needs the application.
+    static void Load();
+    /// Empty for a usage without an icon, and before Load.
+    static QPixmap Icon(int usage);
+};
