@@ -1,0 +1,88 @@
+#include "app/BatchExport.h"
+
+#include "app/Log.h"
+#include "app/ProjectSettings.h"
+#include "app/Xml.h"
+#include "layers/LayerList.h"
+#include "territories/TerritoryTypeList.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QXmlStreamReader>
+
+namespace {
+
+void ReadDocument(QFile& file, LayerList& layers, TerritoryTypeList& types)
+{
+    QXmlStreamReader xml(&file);
+    WalkXml(xml, {
+                     {QLatin1String("global"),
+                      [](QXmlStreamReader& element) {
+                          ProjectSettings::Instance().ReadXml(element);
+                          return true;
+                      }},
+                     {QLatin1String("layers"),
+                      [&layers](QXmlStreamReader& element) {
+                          layers.ReadXml(element);
+                          return true;
+                      }},
+                     {QLatin1String("territory-type-list"),
+                      [&types](QXmlStreamReader& element) {
+                          types.Read(element, nullptr);
+                          return true;
+                      }},
+                 });
+}
+
+QString DefaultOutputFolder(const QString& configPath, const QDir& configDir)
+{
+    // The typed folder stands twice in it; pipelines rely on the place.
+    return QStringLiteral("%1/%2/Output")
+        .arg(configDir.path(), configPath.section(QLatin1Char('/'), 0, -2));
+}
+
+void ExportTypes(const TerritoryTypeList& types)
+{
+    if (types.IsEmpty()) {
+        return;
+    }
+    // The number is that of the outcome, not of the types.
+    const int isExported = types.ExportAll() ? 1 : 0;
+    LogSuccess(QStringLiteral("%1 territory types exported.").arg(isExported));
+}
+
+void ExportMap(const LayerList& layers, const QString& path)
+{
+    if (!layers.SaveMap(path)) {
+        LogError(QStringLiteral("Failed to export area map to file '%1'.").arg(path));
+    }
+}
+
+} // namespace
+
+ExitCode RunBatchExport(const QString& configPath, const QString& outputPath)
+{
+    QFile file(configPath);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        LogError(QStringLiteral("Failed to open file '%1' for reading.").arg(configPath));
+        return ExitNoConfig;
+    }
+    const QFileInfo config(file);
+    const QDir configDir = config.absoluteDir();
+    LayerList layers;
+    TerritoryTypeList types;
+    ReadDocument(file, layers, types);
+
+    const QString folder =
+        outputPath.isEmpty() ? DefaultOutputFolder(configPath, configDir) : outputPath;
+    if (!configDir.mkpath(folder)) {
+        LogError(QStringLiteral("Failed to create path '%1'.").arg(folder));
+        return ExitNoOutputFolder;
+    }
+    ExportTypes(types);
+    ExportMap(
+        layers,
+        QStringLiteral("%1/%2.map").arg(configDir.absoluteFilePath(folder), config.baseName()));
+    return ExitDone;
+}
