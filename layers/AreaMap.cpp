@@ -12,6 +12,7 @@
 #include <QtEndian>
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 using raster::BitFieldRaster;
@@ -62,7 +63,8 @@ bool WriteMap(OutputFile& file, const LayerList& layers)
         return false;
     }
     QVector<raster::FlaggedMask> masks;
-    for (const Layer* layer : layers.Layers()) {
+    const QVector<Layer*> all = layers.Layers();
+    for (const Layer* layer : all) {
         masks.append({layer->Image(), layer->UsageFlags(), layer->ValueFlags()});
     }
     raster::ComposeFields(masks, usages, values);
@@ -129,9 +131,7 @@ void AddFlagLayer(LayerList& layers, const raster::FlagMask& flagMask, FlagKind 
     const quint32 valueFlags = kind == FlagKind::Value ? flag : 0;
     auto layer = std::make_unique<Layer>(usageFlags, valueFlags, &layers, name);
     layer->SetImage(flagMask.mask, Qt::white);
-    if (layers.AddLayer(layer.get())) {
-        layer.release();
-    }
+    layers.AddLayer(std::move(layer));
 }
 
 void ImportSection(LayerList& layers, QIODevice& device, FlagKind kind,
@@ -156,7 +156,8 @@ void ImportSection(LayerList& layers, QIODevice& device, FlagKind kind,
     const qint64 wordsPerRow = size.width() / (32 / bits);
     const std::vector<quint32> words = ReadWords(device, wordsPerRow * size.height());
     const raster::PackedFields fields{words.data(), static_cast<qint64>(words.size()), bits, size};
-    for (const raster::FlagMask& flagMask : raster::SplitFields(fields, names.size())) {
+    const QVector<raster::FlagMask> flagMasks = raster::SplitFields(fields, names.size());
+    for (const raster::FlagMask& flagMask : flagMasks) {
         AddFlagLayer(layers, flagMask, kind, names.at(flagMask.flag));
     }
 }
@@ -204,7 +205,8 @@ bool ImportAreaMap(LayerList& layers, QIODevice& device)
     settings.worldHeight = worldHeight;
     ImportSection(layers, device, FlagKind::Usage, settings.areaFlagTypes.usages);
     ImportSection(layers, device, FlagKind::Value, settings.areaFlagTypes.values);
-    for (Layer* layer : layers.Layers()) {
+    const QVector<Layer*> all = layers.Layers();
+    for (Layer* layer : all) {
         layer->UpdatePixmap();
     }
     LogInfo(QStringLiteral("Import done"));

@@ -54,12 +54,12 @@ void Layer::Init()
     setDragEnabled(true);
     setDropEnabled(false);
     ShowColor();
-    setData(m_id, Qt::UserRole);
+    QStandardItem::setData(m_id, Qt::UserRole);
 }
 
 void Layer::ShowColor()
 {
-    setData(m_color, Qt::DecorationRole);
+    QStandardItem::setData(m_color, Qt::DecorationRole);
 }
 
 QPixmap Layer::Pixmap() const

@@ -14,7 +14,7 @@
 #include <QXmlStreamWriter>
 
 #include <algorithm>
-#include <memory>
+#include <utility>
 
 LayerList::LayerList(QObject* parent)
     : QObject(parent)
@@ -70,7 +70,8 @@ Layer* LayerList::LayerByName(const QString& name) const
 
 void LayerList::VisibleLayers(QHash<int, Layer*>& out) const
 {
-    for (Layer* layer : Layers()) {
+    const QVector<Layer*> layers = Layers();
+    for (Layer* layer : layers) {
         if (layer->IsVisible()) {
             out.insert(layer->Id(), layer);
         }
@@ -88,6 +89,15 @@ bool LayerList::AddLayer(Layer* layer)
     return true;
 }
 
+bool LayerList::AddLayer(std::unique_ptr<Layer> layer)
+{
+    const bool isAdded = AddLayer(layer.get());
+    if (isAdded) {
+        Q_UNUSED(layer.release())
+    }
+    return isAdded;
+}
+
 void LayerList::RemoveLayer(int id)
 {
     if (const Layer* layer = LayerById(id)) {
@@ -103,14 +113,16 @@ void LayerList::Clear()
 
 void LayerList::HideAll()
 {
-    for (Layer* layer : Layers()) {
+    const QVector<Layer*> layers = Layers();
+    for (Layer* layer : layers) {
         layer->SetVisible(false);
     }
 }
 
 void LayerList::ResetFlags()
 {
-    for (Layer* layer : Layers()) {
+    const QVector<Layer*> layers = Layers();
+    for (Layer* layer : layers) {
         layer->SetUsageFlags(0);
         layer->SetValueFlags(0);
     }
@@ -169,12 +181,7 @@ bool LayerList::ReadXml(QXmlStreamReader& xml)
              pending = ReadLayer(element, this);
              return true;
          },
-         [&] {
-             if (AddLayer(pending.get())) {
-                 pending.release();
-             }
-             pending.reset();
-         }},
+         [&] { AddLayer(std::move(pending)); }},
     };
     WalkXml(xml, handlers, QLatin1String("layers"));
     return !xml.hasError();

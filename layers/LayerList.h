@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QVector>
 
+#include <memory>
+
 class Layer;
 class QIODevice;
 class QStandardItem;
@@ -38,6 +40,8 @@ public:
     /// Appends the layer and takes it over. False for null and for a layer without an image, which
     /// stays the caller's; true without change for one that is in the list already.
     bool AddLayer(Layer* layer);
+    /// The same for a caller that has no use for a refused layer: it is destroyed.
+    bool AddLayer(std::unique_ptr<Layer> layer);
     /// Destroys the layer; an unknown id does nothing.
     void RemoveLayer(int id);
     /// Destroys all layers.

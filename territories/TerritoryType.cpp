@@ -34,7 +34,7 @@ TerritoryType::TerritoryType(const QString& name)
 {
     setCheckable(true);
     setEditable(true);
-    setData(m_id, Qt::UserRole);
+    QStandardItem::setData(m_id, Qt::UserRole);
 }
 
 TerritoryType::~TerritoryType()
@@ -60,7 +60,8 @@ QVector<Territory*> TerritoryType::Territories() const
 SpawnCounts TerritoryType::Totals() const
 {
     SpawnCounts totals;
-    for (const Territory* territory : Territories()) {
+    const QVector<Territory*> territories = Territories();
+    for (const Territory* territory : territories) {
         totals += territory->Totals();
     }
     return totals;
@@ -82,7 +83,8 @@ void TerritoryType::AddTerritory(Territory* territory)
 
 Territory* TerritoryType::GetTerritory(int id) const
 {
-    for (Territory* territory : Territories()) {
+    const QVector<Territory*> territories = Territories();
+    for (Territory* territory : territories) {
         if (territory->Id() == id) {
             return territory;
         }
@@ -99,7 +101,8 @@ void TerritoryType::RemoveTerritory(int id)
 
 void TerritoryType::SetVisible(bool isVisible)
 {
-    for (Territory* territory : Territories()) {
+    const QVector<Territory*> territories = Territories();
+    for (Territory* territory : territories) {
         territory->SetVisible(isVisible);
         territory->setCheckState(isVisible ? Qt::Checked : Qt::Unchecked);
     }
@@ -107,7 +110,8 @@ void TerritoryType::SetVisible(bool isVisible)
 
 void TerritoryType::UpdateVisibility()
 {
-    for (Territory* territory : Territories()) {
+    const QVector<Territory*> territories = Territories();
+    for (Territory* territory : territories) {
         territory->SetVisible(territory->checkState() == Qt::Checked);
     }
 }
@@ -128,7 +132,8 @@ void TerritoryType::Write(QXmlStreamWriter& xml) const
 {
     xml.writeStartElement(QStringLiteral("territory-type"));
     xml.writeAttribute(QStringLiteral("name"), text());
-    for (const Territory* territory : Territories()) {
+    const QVector<Territory*> territories = Territories();
+    for (const Territory* territory : territories) {
         territory->Write(xml, false);
     }
     xml.writeEndElement();
@@ -151,7 +156,8 @@ bool TerritoryType::Export() const
     xml.setAutoFormatting(true);
     xml.writeStartDocument();
     xml.writeStartElement(QStringLiteral("territory-type"));
-    for (const Territory* territory : Territories()) {
+    const QVector<Territory*> territories = Territories();
+    for (const Territory* territory : territories) {
         territory->Write(xml, true);
     }
     xml.writeEndElement();

@@ -39,7 +39,8 @@ QVector<TerritoryType*> TerritoryTypeList::Types() const
 
 TerritoryType* TerritoryTypeList::TypeById(int id) const
 {
-    for (TerritoryType* type : Types()) {
+    const QVector<TerritoryType*> types = Types();
+    for (TerritoryType* type : types) {
         if (type->Id() == id) {
             return type;
         }
@@ -66,7 +67,8 @@ void TerritoryTypeList::Clear()
 
 void TerritoryTypeList::UpdateVisibility()
 {
-    for (TerritoryType* type : Types()) {
+    const QVector<TerritoryType*> types = Types();
+    for (TerritoryType* type : types) {
         type->UpdateVisibility();
     }
 }
@@ -104,7 +106,7 @@ bool TerritoryTypeList::Read(QXmlStreamReader& xml, QGraphicsScene* scene)
          },
          [this, &open] {
              if (AddType(open.get())) {
-                 open.release();
+                 Q_UNUSED(open.release())
              }
          }},
         {QLatin1String("territory"),

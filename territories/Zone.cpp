@@ -29,27 +29,26 @@ int Truncated(double value)
     return qIsNaN(value) ? 0 : static_cast<int>(qBound(-limit, value, limit));
 }
 
-/// The names of the fixed usages; any other name is that of a dynamic event.
-struct UsageName
+/// The names of the fixed usages from Rest on; any other name is that of a dynamic event.
+constexpr std::array<const char*, 4> UsageNames = {"Rest", "Graze", "Water", "HuntingGround"};
+
+bool IsFixedUsage(int usage)
 {
-    int usage;
-    QLatin1String name;
-};
-constexpr std::array<UsageName, 4> UsageNames = {{
-    {Zone::Rest, QLatin1String("Rest")},
-    {Zone::Graze, QLatin1String("Graze")},
-    {Zone::Water, QLatin1String("Water")},
-    {Zone::HuntingGround, QLatin1String("HuntingGround")},
-}};
+    return usage >= Zone::Rest && usage < Zone::DynamicEvent;
+}
+
+QLatin1String UsageName(int usage)
+{
+    return QLatin1String(UsageNames[static_cast<std::size_t>(usage - Zone::Rest)]);
+}
 
 int UsageOf(const QString& name)
 {
-    for (const UsageName& usage : UsageNames) {
-        if (name == usage.name) {
-            return usage.usage;
-        }
+    int usage = Zone::Rest;
+    while (IsFixedUsage(usage) && name != UsageName(usage)) {
+        ++usage;
     }
-    return Zone::DynamicEvent;
+    return usage;
 }
 
 /// World metres as files hold them: six significant digits of a 32-bit number.
@@ -176,12 +175,7 @@ void Zone::Read(const QXmlStreamReader& xml)
 
 QString Zone::Name() const
 {
-    for (const UsageName& usage : UsageNames) {
-        if (m_usage == usage.usage) {
-            return usage.name;
-        }
-    }
-    return m_eventName;
+    return IsFixedUsage(m_usage) ? QString(UsageName(m_usage)) : m_eventName;
 }
 
 void Zone::Write(QXmlStreamWriter& xml, bool exportMode) const

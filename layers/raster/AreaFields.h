@@ -11,8 +11,8 @@ namespace raster {
 struct FlaggedMask
 {
     QImage mask;
-    quint32 usageFlags;
-    quint32 valueFlags;
+    quint32 usageFlags = 0;
+    quint32 valueFlags = 0;
 };
 
 /// ORs the flags of every mask into the fields of both rasters, in one pass over the masks.
@@ -24,17 +24,17 @@ void ComposeFields(const QVector<FlaggedMask>& masks, BitFieldRaster& usages,
 /// The pixels whose field has the bit of one flag set.
 struct FlagMask
 {
-    int flag;
+    int flag = 0;
     QImage mask;
 };
 
 /// The leading words of a section whose later words count as 0.
 struct PackedFields
 {
-    const quint32* words;
-    qint64 wordCount;
+    const quint32* words = nullptr;
+    qint64 wordCount = 0;
     /// 1, 2, 4, 8, 16 or 32.
-    int bits;
+    int bits = 1;
     /// The raster's size in pixels.
     QSize size;
 };
