@@ -2,6 +2,7 @@
 # declare libraries and tests.
 
 option(QUILLMAP_WERROR "Treat warnings as errors" OFF)
+option(QUILLMAP_CHECK_HEADERS "Compile each header alone too" OFF)
 option(QUILLMAP_BENCHMARKS "Build the programs in benchmarks/" OFF)
 set(QUILLMAP_SANITIZE "" CACHE STRING "Sanitizers to build with, as in -fsanitize=")
 
@@ -52,6 +53,22 @@ function(quillmap_library name)
   add_library(${name} STATIC ${ARG_SOURCES} ${headers})
   target_include_directories(${name} PUBLIC ${tree})
   target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE quillmap_flags ${ARG_PRIVATE_LINKS})
+  if(QUILLMAP_CHECK_HEADERS)
+    quillmap_check_headers(${name} ${headers})
+  endif()
+endfunction()
+
+# Compiles each header of a library alone.
+function(quillmap_check_headers name)
+  foreach(header IN LISTS ARGN)
+    string(MAKE_C_IDENTIFIER ${header} id)
+    set(unit ${PROJECT_BINARY_DIR}/headers/${id}.cpp)
+    file(CONFIGURE OUTPUT ${unit} CONTENT "#include \"${header}\"\n")
+    list(APPEND units ${unit})
+  endforeach()
+  add_library(${name}_headers OBJECT ${units})
+  set_target_properties(${name}_headers PROPERTIES AUTOMOC OFF AUTOUIC OFF AUTORCC OFF)
+  target_link_libraries(${name}_headers PRIVATE quillmap_flags ${name})
 endfunction()
 
 # quillmap_test(FOLDER/tst_Name LIBRARY...)
