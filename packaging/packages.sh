@@ -1,0 +1,43 @@
+# Sourced by the scripts in the project's root: installs the Debian packages that are missing.
+
+# What each command needs beyond a bare Debian 12.
+build_packages=(ca-certificates cmake g++ git ninja-build qtbase5-dev qtbase5-dev-tools)
+run_packages=(fonts-dejavu-core)
+test_packages=(fonts-dejavu-core imagemagick python3 python3-pil)
+check_packages=(clang clang-format clang-tidy clazy)
+bench_packages=(libbenchmark-dev libopencv-dev python3 python3-numpy python3-pil)
+
+# ensure_packages PURPOSE PACKAGE...
+# Says what it installs and what for; nothing when all is there.
+ensure_packages() {
+  local purpose=$1 package missing=()
+  shift
+  for package in "$@"; do
+    if [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" != installed ]; then
+      missing+=("$package")
+    fi
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+  echo "Installing the packages that are needed $purpose: ${missing[*]}"
+  local as_root=()
+  [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+  "${as_root[@]}" apt-get update -qq
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# build_preset PRESET [TARGET...]
+# Configures and builds quietly; shows what the tools said when they fail.
+build_preset() {
+  local preset=$1 log
+  shift
+  log=$(mktemp)
+  if ! { cmake --preset "$preset" && cmake --build --preset "$preset" ${1:+--target "$@"}; } \
+    >"$log" 2>&1; then
+    cat "$log" >&2
+    rm -f "$log"
+    echo "The build of preset '$preset' failed." >&2
+    return 1
+  fi
+  rm -f "$log"
+}
