@@ -30,8 +30,8 @@ endif()
 
 # quillmap_library(NAME [SOURCES ...] [LINKS ...] [PRIVATE_LINKS ...])
 #
-# A static library of one level. Each source stands beside its header of the same name; HEADERS
-# names headers without a source. A library sees its own headers and those of the libraries it
+# A static library of one level. Paths are relative to the project's root. Each source stands beside
+# its header of the same name; HEADERS names headers without a source. A library sees its own headers and those of the libraries it
 # links, and no others: its include path is a folder of links to exactly its headers, so that an
 # include against the layering does not compile.
 function(quillmap_library name)
@@ -50,7 +50,8 @@ function(quillmap_library name)
     file(MAKE_DIRECTORY ${tree}/${folder})
     file(CREATE_LINK ${PROJECT_SOURCE_DIR}/${header} ${tree}/${header} SYMBOLIC)
   endforeach()
-  add_library(${name} STATIC ${ARG_SOURCES} ${headers})
+  list(TRANSFORM ARG_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
+  add_library(${name} STATIC ${ARG_SOURCES})
   target_include_directories(${name} PUBLIC ${tree})
   target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE quillmap_flags ${ARG_PRIVATE_LINKS})
   if(QUILLMAP_CHECK_HEADERS)

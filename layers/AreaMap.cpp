@@ -5,8 +5,9 @@
 #include "app/ProjectSettings.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
-#include "layers/raster/AreaFields.h"
+#include "layers/raster/ComposeFields.h"
 #include "layers/raster/Mask.h"
+#include "layers/raster/SplitFields.h"
 
 #include <QIODevice>
 #include <QtEndian>

@@ -29,13 +29,13 @@ BitFieldRaster::BitFieldRaster(int bits, int width, int height)
     }
     m_wordsPerRow = qMax(width, 0) / PixelsPerWord();
     if (WordCount() > 0) {
-        m_words = MakeZeroed<quint32>(static_cast<std::size_t>(WordCount()));
+        m_words = ZeroedMemory(static_cast<std::size_t>(WordCount()) * sizeof(quint32));
     }
 }
 
 bool BitFieldRaster::Holds(int x, int row) const
 {
-    return m_words && x >= 0 && x < FieldsPerRow() && row >= 0 && row < m_height;
+    return !m_words.IsEmpty() && x >= 0 && x < FieldsPerRow() && row >= 0 && row < m_height;
 }
 
 void BitFieldRaster::Set(quint32 value, int x, int row)
@@ -50,8 +50,7 @@ quint32 BitFieldRaster::Get(int x, int row) const
     if (!Holds(x, row)) {
         return 0;
     }
-    const quint32 word =
-        m_words[static_cast<std::size_t>(row * m_wordsPerRow + x / PixelsPerWord())];
+    const quint32 word = Words()[row * m_wordsPerRow + x / PixelsPerWord()];
     return (word >> Shift(x)) & FieldMask();
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "layers/raster/ZeroedArray.h"
+#include "layers/raster/ZeroedMemory.h"
 
 #include <QtGlobal>
 
@@ -27,16 +27,16 @@ public:
     /// Pixels of a row that have a place in its words.
     int FieldsPerRow() const { return static_cast<int>(m_wordsPerRow) * PixelsPerWord(); }
     /// False when there was no memory for the words.
-    bool IsValid() const { return WordCount() == 0 || m_words; }
+    bool IsValid() const { return WordCount() == 0 || !m_words.IsEmpty(); }
 
     /// ORs the low bits of value into the field; a place outside the raster is ignored.
     void Set(quint32 value, int x, int row);
     /// 0 outside the raster.
     quint32 Get(int x, int row) const;
 
-    quint32* Row(int row) { return m_words.get() + row * m_wordsPerRow; }
-    const quint32* Words() const { return m_words.get(); }
-    quint32* Words() { return m_words.get(); }
+    quint32* Row(int row) { return Words() + row * m_wordsPerRow; }
+    const quint32* Words() const { return m_words.As<quint32>(); }
+    quint32* Words() { return m_words.As<quint32>(); }
 
 private:
     bool Holds(int x, int row) const;
@@ -46,7 +46,7 @@ private:
     int m_bits;
     int m_height;
     qint64 m_wordsPerRow;
-    ZeroedArray<quint32> m_words;
+    ZeroedMemory m_words;
 };
 
 } // namespace raster

@@ -1,8 +1,10 @@
 #include "layers/raster/Mask.h"
 
-#include "layers/raster/ZeroedArray.h"
+#include "layers/raster/ZeroedMemory.h"
 
 #include <QVector>
+
+#include <memory>
 
 namespace raster {
 
@@ -25,16 +27,17 @@ QImage BlankMask(QSize size)
     }
     const int bytesPerLine = (size.width() + 3) & ~3;
     const auto rows = static_cast<std::size_t>(size.height());
-    auto pixels = MakeZeroed<uchar>(static_cast<std::size_t>(bytesPerLine) * rows);
-    if (!pixels) {
+    auto pixels = std::make_unique<ZeroedMemory>(static_cast<std::size_t>(bytesPerLine) * rows);
+    if (pixels->IsEmpty()) {
         return {};
     }
-    QImage mask(pixels.get(), size.width(), size.height(), bytesPerLine, QImage::Format_Indexed8,
-                std::free, pixels.get());
+    const auto release = [](void* memory) { delete static_cast<ZeroedMemory*>(memory); };
+    QImage mask(pixels->As<uchar>(), size.width(), size.height(), bytesPerLine,
+                QImage::Format_Indexed8, release, pixels.get());
     if (mask.isNull()) {
         return {};
     }
-    pixels.release();
+    Q_UNUSED(pixels.release())
     mask.setColorTable(GreyTable());
     return mask;
 }

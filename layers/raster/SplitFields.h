@@ -1,25 +1,10 @@
 #pragma once
 
-#include "layers/raster/BitFieldRaster.h"
-
 #include <QImage>
+#include <QSize>
 #include <QVector>
 
 namespace raster {
-
-/// A mask and the flags that each of its set pixels (any index but 0) carries.
-struct FlaggedMask
-{
-    QImage mask;
-    quint32 usageFlags = 0;
-    quint32 valueFlags = 0;
-};
-
-/// ORs the flags of every mask into the fields of both rasters, in one pass over the masks.
-/// Image row 0 goes to the rasters' last row; pixels outside a mask are clear. The rasters must be
-/// fresh, valid and of one height; they may differ in bits and so in the pixels that they hold.
-void ComposeFields(const QVector<FlaggedMask>& masks, BitFieldRaster& usages,
-                   BitFieldRaster& values);
 
 /// The pixels whose field has the bit of one flag set.
 struct FlagMask
@@ -28,7 +13,7 @@ struct FlagMask
     QImage mask;
 };
 
-/// The leading words of a section whose later words count as 0.
+/// The leading words of an area map section whose later words count as 0.
 struct PackedFields
 {
     const quint32* words = nullptr;

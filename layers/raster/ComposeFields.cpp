@@ -1,0 +1,282 @@
+#include "layers/raster/ComposeFields.h"
+
+#include "layers/raster/FieldPacking.h"
+#include "layers/raster/Mask.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace raster {
+namespace {
+
+/// Masks are looked at in chunks of this many pixels: most are wholly clear or wholly set.
+constexpr int ChunkSize = 128;
+/// Rows that are composed together, so that each layer is read in long pieces.
+constexpr int BandRows = 64;
+
+enum ChunkKind : uchar
+{
+    Clear = 0,
+    Mixed = 1,
+    Set = 2,
+};
+
+/// Two words that are combined at once, as both GCC and Clang have them; left to themselves they
+/// make scalar code of the loop below.
+using Words = quint64 __attribute__((vector_size(16)));
+
+/// Without branches, so that looking at the masks runs at the speed of the memory.
+ChunkKind KindOf(const uchar* pixels)
+{
+    Words any = {0, 0};
+    Words all = {~quint64(0), ~quint64(0)};
+    for (int i = 0; i < ChunkSize; i += int(sizeof(Words))) {
+        Words words;
+        std::memcpy(&words, pixels + i, sizeof words);
+        any |= words;
+        all &= words;
+    }
+    return static_cast<ChunkKind>(int((any[0] | any[1]) != 0) +
+                                  int((all[0] & all[1]) == ~quint64(0)));
+}
+
+/// The fields of one section for a band of rows, unpacked so that flags can be ORed side by side.
+class FieldBand
+{
+public:
+    virtual ~FieldBand() = default;
+    FieldBand() = default;
+    Q_DISABLE_COPY(FieldBand)
+
+    virtual void Clear() = 0;
+    /// ORs flags into the fields of a chunk whose pixel is set, or into all fields of the chunks up
+    /// to end.
+    virtual void OrSet(int row, int chunk, const uchar* pixels, quint32 flags) = 0;
+    virtual void OrAll(int row, int chunk, int end, quint32 flags) = 0;
+    /// Writes one row's words; a row that nothing was ORed into is left alone.
+    virtual void Pack(int row, quint32* words) = 0;
+};
+
+template <int Bits>
+class FieldBandOf final : public FieldBand
+{
+public:
+    explicit FieldBandOf(const BitFieldRaster& raster)
+        : m_chunks((raster.FieldsPerRow() + ChunkSize - 1) / ChunkSize)
+        , m_wordsPerRow(raster.WordsPerRow())
+        , m_fields(static_cast<std::size_t>(m_chunks) * ChunkSize * BandRows)
+        , m_whole(static_cast<std::size_t>(m_chunks) * BandRows)
+        , m_isTouched(BandRows)
+    {
+    }
+
+    void Clear() override
+    {
+        std::fill(m_fields.begin(), m_fields.end(), FieldType(0));
+        std::fill(m_whole.begin(), m_whole.end(), FieldType(0));
+        std::fill(m_isTouched.begin(), m_isTouched.end(), uchar(0));
+    }
+
+    void OrSet(int row, int chunk, const uchar* pixels, quint32 flags) override
+    {
+        if (!IsWanted(chunk, flags)) {
+            return;
+        }
+        FieldType* __restrict fields = Chunk(row, chunk);
+        const auto bits = static_cast<FieldType>(flags & Mask);
+        for (int i = 0; i < ChunkSize; ++i) {
+            const FieldType added = pixels[i] != MaskClear ? bits : FieldType(0);
+            fields[i] = static_cast<FieldType>(fields[i] | added);
+        }
+        m_isTouched[static_cast<std::size_t>(row)] = 1;
+    }
+
+    void OrAll(int row, int chunk, int end, quint32 flags) override
+    {
+        if (!IsWanted(chunk, flags)) {
+            return;
+        }
+        const auto bits = static_cast<FieldType>(flags & Mask);
+        FieldType* whole = m_whole.data() + static_cast<std::ptrdiff_t>(row) * m_chunks;
+        for (int i = chunk; i < std::min(end, m_chunks); ++i) {
+            whole[i] = static_cast<FieldType>(whole[i] | bits);
+        }
+        m_isTouched[static_cast<std::size_t>(row)] = 1;
+    }
+
+    void Pack(int row, quint32* words) override
+    {
+        if (m_isTouched[static_cast<std::size_t>(row)] == 0) {
+            return;
+        }
+        for (int chunk = 0; chunk < m_chunks; ++chunk) {
+            const FieldType whole = m_whole[static_cast<std::size_t>(row * m_chunks + chunk)];
+            if (whole != 0) {
+                FieldType* fields = Chunk(row, chunk);
+                for (int i = 0; i < ChunkSize; ++i) {
+                    fields[i] = static_cast<FieldType>(fields[i] | whole);
+                }
+            }
+        }
+        PackFields<Bits>(Chunk(row, 0), words, m_wordsPerRow);
+    }
+
+private:
+    using FieldType = Field<Bits>;
+    static constexpr quint32 Mask = 0xFFFFFFFFU >> (32 - Bits);
+
+    bool IsWanted(int chunk, quint32 flags) const
+    {
+        return (flags & Mask) != 0 && chunk < m_chunks;
+    }
+
+    FieldType* Chunk(int row, int chunk)
+    {
+        return m_fields.data() + static_cast<std::ptrdiff_t>(row * m_chunks + chunk) * ChunkSize;
+    }
+
+    int m_chunks;
+    qint64 m_wordsPerRow;
+    std::vector<FieldType> m_fields;
+    /// Flags of all pixels of a chunk.
+    std::vector<FieldType> m_whole;
+    std::vector<uchar> m_isTouched;
+};
+
+std::unique_ptr<FieldBand> MakeBand(const BitFieldRaster& raster)
+{
+    switch (raster.Bits()) {
+    case 1:
+        return std::make_unique<FieldBandOf<1>>(raster);
+    case 2:
+        return std::make_unique<FieldBandOf<2>>(raster);
+    case 4:
+        return std::make_unique<FieldBandOf<4>>(raster);
+    case 8:
+        return std::make_unique<FieldBandOf<8>>(raster);
+    case 16:
+        return std::make_unique<FieldBandOf<16>>(raster);
+    default:
+        return std::make_unique<FieldBandOf<32>>(raster);
+    }
+}
+
+class Composer
+{
+public:
+    Composer(const QVector<FlaggedMask>& masks, BitFieldRaster& usageRaster,
+             BitFieldRaster& valueRaster)
+        : m_masks(masks)
+        , m_usageRaster(usageRaster)
+        , m_valueRaster(valueRaster)
+        , m_usages(MakeBand(usageRaster))
+        , m_values(MakeBand(valueRaster))
+        , m_width(std::max(usageRaster.FieldsPerRow(), valueRaster.FieldsPerRow()))
+        , m_height(std::max(usageRaster.Height(), valueRaster.Height()))
+        , m_kinds(static_cast<std::size_t>(m_width / ChunkSize) * BandRows)
+    {
+    }
+
+    void Compose()
+    {
+        for (int top = 0; top < m_height; top += BandRows) {
+            const int rows = std::min(BandRows, m_height - top);
+            m_usages->Clear();
+            m_values->Clear();
+            for (const FlaggedMask& flagged : m_masks) {
+                if ((flagged.usageFlags | flagged.valueFlags) != 0) {
+                    Add(flagged, top, std::min(rows, flagged.mask.height() - top));
+                }
+            }
+            for (int row = 0; row < rows; ++row) {
+                PackRow(row, m_height - 1 - top - row);
+            }
+        }
+    }
+
+private:
+    /// Looks at all rows of the band before anything is done with what they hold: work that
+    /// depends on pixels still under way would stop the reading ahead.
+    void Add(const FlaggedMask& flagged, int top, int rows)
+    {
+        const int end = std::min(m_width, flagged.mask.width());
+        const int chunks = end / ChunkSize;
+        ChunkKind* kind = m_kinds.data();
+        for (int row = 0; row < rows; ++row) {
+            const uchar* pixels = flagged.mask.constScanLine(top + row);
+            for (int chunk = 0; chunk < chunks; ++chunk) {
+                *kind++ = KindOf(pixels + chunk * ChunkSize);
+            }
+        }
+        for (int row = 0; row < rows; ++row) {
+            const uchar* pixels = flagged.mask.constScanLine(top + row);
+            AddRow(flagged, row, pixels, m_kinds.data() + std::ptrdiff_t(row) * chunks, chunks);
+            if (chunks * ChunkSize < end) {
+                uchar padded[ChunkSize] = {};
+                std::copy(pixels + chunks * ChunkSize, pixels + end, padded);
+                AddChunks(flagged, row, chunks, chunks + 1, padded, KindOf(padded));
+            }
+        }
+    }
+
+    void AddRow(const FlaggedMask& flagged, int row, const uchar* pixels, const ChunkKind* kinds,
+                int chunks)
+    {
+        for (int chunk = 0; chunk < chunks;) {
+            const ChunkKind kind = kinds[chunk];
+            int end = chunk + 1;
+            while (end < chunks && kinds[end] == kind) {
+                ++end;
+            }
+            AddChunks(flagged, row, chunk, end, pixels + chunk * ChunkSize, kind);
+            chunk = end;
+        }
+    }
+
+    /// Chunks of one kind, side by side.
+    void AddChunks(const FlaggedMask& flagged, int row, int chunk, int end, const uchar* pixels,
+                   ChunkKind kind)
+    {
+        if (kind == Set) {
+            m_usages->OrAll(row, chunk, end, flagged.usageFlags);
+            m_values->OrAll(row, chunk, end, flagged.valueFlags);
+        } else if (kind == Mixed) {
+            for (; chunk < end; ++chunk, pixels += ChunkSize) {
+                m_usages->OrSet(row, chunk, pixels, flagged.usageFlags);
+                m_values->OrSet(row, chunk, pixels, flagged.valueFlags);
+            }
+        }
+    }
+
+    void PackRow(int row, int fileRow)
+    {
+        if (fileRow < m_usageRaster.Height()) {
+            m_usages->Pack(row, m_usageRaster.Row(fileRow));
+        }
+        if (fileRow < m_valueRaster.Height()) {
+            m_values->Pack(row, m_valueRaster.Row(fileRow));
+        }
+    }
+
+    const QVector<FlaggedMask>& m_masks;
+    BitFieldRaster& m_usageRaster;
+    BitFieldRaster& m_valueRaster;
+    std::unique_ptr<FieldBand> m_usages;
+    std::unique_ptr<FieldBand> m_values;
+    int m_width;
+    int m_height;
+    /// Of one layer in the band at hand.
+    std::vector<ChunkKind> m_kinds;
+};
+
+} // namespace
+
+void ComposeFields(const QVector<FlaggedMask>& masks, BitFieldRaster& usages,
+                   BitFieldRaster& values)
+{
+    Composer(masks, usages, values).Compose();
+}
+
+} // namespace raster

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "layers/raster/BitFieldRaster.h"
+
+#include <QImage>
+#include <QVector>
+
+namespace raster {
+
+/// A mask and the flags that each of its set pixels (any index but 0) carries.
+struct FlaggedMask
+{
+    QImage mask;
+    quint32 usageFlags = 0;
+    quint32 valueFlags = 0;
+};
+
+/// ORs the flags of every mask into the fields of both rasters, in one pass over the masks.
+/// Image row 0 goes to the rasters' last row; pixels outside a mask are clear. The rasters must be
+/// fresh, valid and, where they have words, of one height; they may differ in bits and so in the
+/// pixels that they hold.
+void ComposeFields(const QVector<FlaggedMask>& masks, BitFieldRaster& usages,
+                   BitFieldRaster& values);
+
+} // namespace raster

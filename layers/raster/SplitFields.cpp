@@ -1,0 +1,146 @@
+#include "layers/raster/SplitFields.h"
+
+#include "layers/raster/FieldPacking.h"
+#include "layers/raster/Mask.h"
+
+#include <algorithm>
+#include <array>
+
+namespace raster {
+namespace {
+
+/// Words that are looked at together: most such pieces hold one field throughout.
+constexpr qint64 PieceWords = 16;
+
+/// Makes the masks of one section while its pixels go by.
+class Splitter
+{
+public:
+    Splitter(QSize size, int flagCount)
+        : m_size(size)
+        , m_wanted(flagCount > 0 ? 0xFFFFFFFFU >> (32 - std::min(flagCount, 32)) : 0)
+    {
+    }
+
+    QVector<FlagMask> Masks() const { return m_masks; }
+
+    template <int Bits>
+    void Split(const PackedFields& fields)
+    {
+        constexpr int pixelsPerWord = 32 / Bits;
+        const qint64 wordsPerRow = fields.size.width() / pixelsPerWord;
+        for (int row = 0; row < m_size.height() && row * wordsPerRow < fields.wordCount; ++row) {
+            const quint32* words = fields.words + row * wordsPerRow;
+            const qint64 count = std::min(wordsPerRow, fields.wordCount - row * wordsPerRow);
+            m_imageRow = m_size.height() - 1 - row;
+            for (qint64 w = 0; w < count; w += PieceWords) {
+                AddPiece<Bits>(words + w, std::min(PieceWords, count - w),
+                               static_cast<int>(w) * pixelsPerWord);
+            }
+        }
+    }
+
+private:
+    template <int Bits>
+    void AddPiece(const quint32* words, qint64 wordCount, int x)
+    {
+        constexpr int pixelsPerWord = 32 / Bits;
+        quint32 any = 0;
+        for (qint64 w = 0; w < wordCount; ++w) {
+            any |= words[w];
+        }
+        if (any == 0) {
+            return;
+        }
+        std::array<Field<Bits>, PieceWords * pixelsPerWord> fields;
+        UnpackFields<Bits>(words, wordCount, fields.data());
+        AddFields(fields.data(), static_cast<int>(wordCount) * pixelsPerWord, x);
+    }
+
+    template <typename T>
+    void AddFields(const T* fields, int count, int x)
+    {
+        quint32 present = 0;
+        quint32 common = 0xFFFFFFFFU;
+        for (int i = 0; i < count; ++i) {
+            present |= fields[i];
+            common &= fields[i];
+        }
+        present &= m_wanted;
+        if ((present & ~m_known) != 0) {
+            AddNewFlags(fields, count);
+        }
+        for (FlagMask& mask : m_masks) {
+            const quint32 bit = 1U << mask.flag;
+            if ((present & bit) == 0) {
+                continue;
+            }
+            uchar* pixels = mask.mask.scanLine(m_imageRow) + x;
+            if ((common & bit) != 0) {
+                std::fill(pixels, pixels + count, MaskSet);
+                continue;
+            }
+            for (int i = 0; i < count; ++i) {
+                pixels[i] = (fields[i] & bit) != 0 ? MaskSet : MaskClear;
+            }
+        }
+    }
+
+    template <typename T>
+    void AddNewFlags(const T* fields, int count)
+    {
+        for (int i = 0; i < count; ++i) {
+            const quint32 added = fields[i] & m_wanted & ~m_known;
+            for (int flag = 0; added != 0 && flag < 32; ++flag) {
+                if ((added >> flag & 1U) != 0) {
+                    AddFlag(flag);
+                }
+            }
+        }
+    }
+
+    void AddFlag(int flag)
+    {
+        m_known |= 1U << flag;
+        const QImage mask = BlankMask(m_size);
+        if (!mask.isNull()) {
+            m_masks.append({flag, mask});
+        }
+    }
+
+    QSize m_size;
+    quint32 m_wanted;
+    quint32 m_known = 0;
+    int m_imageRow = 0;
+    QVector<FlagMask> m_masks;
+};
+
+} // namespace
+
+QVector<FlagMask> SplitFields(const PackedFields& fields, int flagCount)
+{
+    Splitter splitter(fields.size, flagCount);
+    switch (fields.bits) {
+    case 1:
+        splitter.Split<1>(fields);
+        break;
+    case 2:
+        splitter.Split<2>(fields);
+        break;
+    case 4:
+        splitter.Split<4>(fields);
+        break;
+    case 8:
+        splitter.Split<8>(fields);
+        break;
+    case 16:
+        splitter.Split<16>(fields);
+        break;
+    default:
+        splitter.Split<32>(fields);
+        break;
+    }
+    return splitter.Masks();
+}
+
+} // namespace raster
