@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QImage>
+#include <QSize>
+
+/// A mask of land-like shapes with ragged edges, about a third of it set; value noise over five
+/// octaves (Perlin, 1985), the same for the same seed.
+QImage NaturalMask(QSize size, quint32 seed);
+
+/// Every second pixel set: the worst case of run lengths.
+QImage CheckerboardMask(QSize size);
+
+/// Copies the pixels into a second buffer that stays warm: the yardstick of memory speed.
+void CopyPixels(const QImage& mask);
+
+/// Reads every byte of the mask once and returns their sum.
+quint64 ReadPixels(const QImage& mask);
