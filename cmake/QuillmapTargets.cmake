@@ -74,7 +74,8 @@ endfunction()
 
 # quillmap_test(FOLDER/tst_Name LIBRARY...)
 #
-# A Qt Test program tests/FOLDER/tst_Name.cpp, run offscreen by ctest.
+# A Qt Test program tests/FOLDER/tst_Name.cpp with the libraries that it tests, run offscreen by
+# ctest. It sees test_support too.
 function(quillmap_test path)
   get_filename_component(name ${path} NAME)
   add_executable(${name} ${path}.cpp)

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "tests/support/Random.h"
+
+#include <QImage>
+#include <QStringList>
+
+/// A mask with one pixel a character: '.' is clear, '#' is set, '+' is index 1, which is neither.
+QImage MaskFromArt(const QStringList& rows);
+/// The same the other way; indices other than 0, 1 and 255 show as '?', a null image as no row.
+QStringList ArtFromMask(const QImage& mask);
+
+/// A mask with overlapping rectangles of set pixels and some noise of any index.
+QImage RandomMask(Random& random, QSize size);

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <random>
+
+/// Random numbers whose seed is printed, so that a failure can be had again: the environment
+/// variable QUILLMAP_SEED sets it.
+class Random
+{
+public:
+    Random();
+
+    /// 0 to bound - 1; bound is at least 1.
+    int Below(int bound);
+    /// first to last.
+    int Between(int first, int last) { return first + Below(last - first + 1); }
+    quint32 Bits() { return static_cast<quint32>(m_engine()); }
+
+private:
+    std::mt19937 m_engine;
+};
