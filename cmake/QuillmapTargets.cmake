@@ -80,6 +80,8 @@ function(quillmap_test path)
   get_filename_component(name ${path} NAME)
   add_executable(${name} ${path}.cpp)
   target_link_libraries(${name} PRIVATE quillmap_flags test_support Qt5::Test ${ARGN})
+  # Expected texts are easier to read as plain literals, which are UTF-8 here.
+  target_compile_options(${name} PRIVATE -UQT_NO_CAST_FROM_ASCII)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT "${QUILLMAP_TEST_ENVIRONMENT}")
 endfunction()

@@ -1,0 +1,83 @@
+#include "app/Names.h"
+
+#include <QtTest>
+
+class NamesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void namesThatCanBeFileNamesAreValid_data();
+    void namesThatCanBeFileNamesAreValid();
+    void validNamesAreKept_data();
+    void validNamesAreKept();
+    void invalidNamesBecomeValidOnesThatResembleThem_data();
+    void invalidNamesBecomeValidOnesThatResembleThem();
+};
+
+void NamesTest::namesThatCanBeFileNamesAreValid_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("isValid");
+    QTest::newRow("letters, digits and spaces") << "North Hills 2" << true;
+    QTest::newRow("accents") << "Forêt" << true;
+    QTest::newRow("dots") << ".." << true;
+    QTest::newRow("other punctuation") << "a-b_c+d (2) [x] 'y' #1 %1" << true;
+    QTest::newRow("blanks around") << " coast " << true;
+    QTest::newRow("null") << QString() << false;
+    QTest::newRow("empty") << "" << false;
+    QTest::newRow("blanks only") << " \t " << false;
+    for (const QChar forbidden : QStringLiteral("<>:\"/\\|?*")) {
+        const QByteArray row = QByteArrayLiteral("with ") + char(forbidden.unicode());
+        QTest::newRow(row.constData()) << QString("co%1ast").arg(forbidden) << false;
+        const QByteArray aloneRow = QByteArrayLiteral("only ") + char(forbidden.unicode());
+        QTest::newRow(aloneRow.constData()) << QString(forbidden) << false;
+    }
+}
+
+void NamesTest::namesThatCanBeFileNamesAreValid()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, isValid);
+    QCOMPARE(IsValidName(name), isValid);
+}
+
+void NamesTest::validNamesAreKept_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("plain") << "coast";
+    QTest::newRow("blanks around") << " coast ";
+    QTest::newRow("dots") << "..";
+}
+
+void NamesTest::validNamesAreKept()
+{
+    QFETCH(QString, name);
+    QCOMPARE(ToValidName(name), name);
+}
+
+void NamesTest::invalidNamesBecomeValidOnesThatResembleThem_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("validName");
+    QTest::newRow("path upward") << "../coast"
+                                 << ".._coast";
+    QTest::newRow("all forbidden characters") << QStringLiteral("a<>:\"/\\|?*b") << "a_________b";
+    QTest::newRow("empty") << ""
+                           << "Unnamed";
+    QTest::newRow("blanks only") << "  "
+                                 << "Unnamed";
+}
+
+void NamesTest::invalidNamesBecomeValidOnesThatResembleThem()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, validName);
+    QVERIFY(!IsValidName(name));
+    QCOMPARE(ToValidName(name), validName);
+    QVERIFY(IsValidName(validName));
+}
+
+QTEST_GUILESS_MAIN(NamesTest)
+
+#include "tst_Names.moc"
