@@ -1,0 +1,253 @@
+#include "app/OutputFile.h"
+
+#include "tests/support/FailingDisk.h"
+#include "tests/support/Files.h"
+
+#include <QtTest>
+
+#include <thread>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+class OutputFileTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void aNewFileAppearsWithTheCommit();
+    void theOldFileIsReplacedWithTheCommit();
+    void textModeChangesNoByteHere();
+    void withoutCommitTheOldFileStays();
+    void aFileInAMissingFolderCannotBeOpened();
+    void aDirectoryCannotBeOpened();
+    void aWriteThatIsTakenInPartFails();
+    void aFailedFlushFails();
+    void afterAFailedWriteNothingMoreIsWritten();
+    void aFileThatCannotBePutInPlaceFailsTheCommit();
+    void aLinkIsWrittenThrough();
+    void aPipeIsWrittenInPlace();
+    void aFullDeviceFailsTheCommit();
+    void aFileWhoseFolderTakesNoNewFileIsWrittenInPlace();
+    void aNewFileInAFolderThatTakesNoneCannotBeOpened();
+
+private:
+    QString Target() const { return m_folder->filePath("target"); }
+    QStringList FilesInFolder() const;
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+namespace {
+
+/// While it lives, the folder takes no new file, not even from root, who is nobody for so long.
+class ReadOnlyFolder
+{
+public:
+    explicit ReadOnlyFolder(const QString& path)
+        : m_path(QFile::encodeName(path))
+        , m_userBefore(geteuid())
+    {
+        constexpr uid_t nobody = 65534;
+        if (chmod(m_path.constData(), 0555) != 0 || (m_userBefore == 0 && seteuid(nobody) != 0)) {
+            qFatal("Cannot make a folder read-only.");
+        }
+    }
+    ~ReadOnlyFolder()
+    {
+        if (seteuid(m_userBefore) != 0 || chmod(m_path.constData(), 0700) != 0) {
+            qFatal("Cannot make a folder writable again.");
+        }
+    }
+    Q_DISABLE_COPY(ReadOnlyFolder)
+
+private:
+    QByteArray m_path;
+    uid_t m_userBefore;
+};
+
+} // namespace
+
+void OutputFileTest::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_folder->isValid());
+}
+
+QStringList OutputFileTest::FilesInFolder() const
+{
+    return QDir(m_folder->path()).entryList(QDir::Files | QDir::System, QDir::Name);
+}
+
+void OutputFileTest::aNewFileAppearsWithTheCommit()
+{
+    OutputFile file(Target());
+    QVERIFY(file.Open());
+    QVERIFY(file.Write("ab", 2));
+    QVERIFY(file.Write("cd"));
+    QVERIFY(!QFile::exists(Target()));
+    QVERIFY(file.Commit());
+    QCOMPARE(ReadBytes(Target()), QByteArray("abcd"));
+    QCOMPARE(FilesInFolder(), QStringList{"target"});
+}
+
+void OutputFileTest::theOldFileIsReplacedWithTheCommit()
+{
+    WriteBytes(Target(), "the old content");
+    OutputFile file(Target());
+    QVERIFY(file.Open());
+    QVERIFY(file.Write("new"));
+    QCOMPARE(ReadBytes(Target()), QByteArray("the old content"));
+    QVERIFY(file.Commit());
+    QCOMPARE(ReadBytes(Target()), QByteArray("new"));
+}
+
+void OutputFileTest::textModeChangesNoByteHere()
+{
+    const QByteArray bytes("a\nb\r\n\0\n", 7);
+    OutputFile file(Target());
+    QVERIFY(file.Open(QIODevice::Text));
+    QVERIFY(file.Write(bytes));
+    QVERIFY(file.Commit());
+    QCOMPARE(ReadBytes(Target()), bytes);
+}
+
+void OutputFileTest::withoutCommitTheOldFileStays()
+{
+    WriteBytes(Target(), "old");
+    {
+        OutputFile file(Target());
+        QVERIFY(file.Open());
+        QVERIFY(file.Write("new"));
+    }
+    QCOMPARE(ReadBytes(Target()), QByteArray("old"));
+    QCOMPARE(FilesInFolder(), QStringList{"target"});
+}
+
+void OutputFileTest::aFileInAMissingFolderCannotBeOpened()
+{
+    OutputFile file(m_folder->filePath("missing/target"));
+    QVERIFY(!file.Open());
+    QVERIFY(!file.ErrorString().isEmpty());
+    QVERIFY(!QFile::exists(m_folder->filePath("missing")));
+}
+
+void OutputFileTest::aDirectoryCannotBeOpened()
+{
+    QVERIFY(QDir().mkdir(Target()));
+    OutputFile file(Target());
+    QVERIFY(!file.Open());
+    QVERIFY(QFileInfo(Target()).isDir());
+}
+
+void OutputFileTest::aWriteThatIsTakenInPartFails()
+{
+    WriteBytes(Target(), "old");
+    OutputFile file(Target());
+    QVERIFY(file.Open());
+    const FileSizeLimit limit(40000);
+    QVERIFY(!file.Write(QByteArray(100000, 'x')));
+    QVERIFY(!file.Commit());
+    QCOMPARE(ReadBytes(Target()), QByteArray("old"));
+    QCOMPARE(FilesInFolder(), QStringList{"target"});
+}
+
+void OutputFileTest::aFailedFlushFails()
+{
+    WriteBytes(Target(), "old");
+    OutputFile file(Target());
+    QVERIFY(file.Open());
+    const FileSizeLimit limit(4);
+    // So little is buffered, and only the commit tells that there is no room for it.
+    QVERIFY(file.Write("123456789"));
+    QVERIFY(!file.Commit());
+    QCOMPARE(ReadBytes(Target()), QByteArray("old"));
+    QCOMPARE(FilesInFolder(), QStringList{"target"});
+}
+
+void OutputFileTest::afterAFailedWriteNothingMoreIsWritten()
+{
+    OutputFile file(Target());
+    QVERIFY(file.Open());
+    {
+        const FileSizeLimit limit(40000);
+        QVERIFY(!file.Write(QByteArray(100000, 'x')));
+    }
+    QVERIFY(!file.Write("there is room for this"));
+    QVERIFY(!file.Commit());
+    QCOMPARE(FilesInFolder(), QStringList());
+}
+
+void OutputFileTest::aFileThatCannotBePutInPlaceFailsTheCommit()
+{
+    WriteBytes(Target(), "old");
+    OutputFile file(Target());
+    QVERIFY(file.Open());
+    QVERIFY(file.Write("new"));
+    const RenamesFail fail;
+    QVERIFY(!file.Commit());
+    QCOMPARE(ReadBytes(Target()), QByteArray("old"));
+    QCOMPARE(FilesInFolder(), QStringList{"target"});
+}
+
+void OutputFileTest::aLinkIsWrittenThrough()
+{
+    WriteBytes(m_folder->filePath("pointed"), "old");
+    QVERIFY(QFile::link("pointed", Target()));
+    OutputFile file(Target());
+    QVERIFY(file.Open());
+    QVERIFY(file.Write("new"));
+    QVERIFY(file.Commit());
+    QVERIFY(QFileInfo(Target()).isSymLink());
+    QCOMPARE(ReadBytes(m_folder->filePath("pointed")), QByteArray("new"));
+}
+
+void OutputFileTest::aPipeIsWrittenInPlace()
+{
+    QCOMPARE(mkfifo(QFile::encodeName(Target()).constData(), 0600), 0);
+    QByteArray received;
+    std::thread reader([&] { received = ReadBytes(Target()); });
+    bool isWritten = false;
+    {
+        OutputFile file(Target());
+        isWritten = file.Open() && file.Write("bytes") && file.Commit();
+    }
+    reader.join();
+    QVERIFY(isWritten);
+    QCOMPARE(received, QByteArray("bytes"));
+    QVERIFY(!QFileInfo(Target()).isFile());
+}
+
+void OutputFileTest::aFullDeviceFailsTheCommit()
+{
+    OutputFile file("/dev/full");
+    QVERIFY(file.Open());
+    QVERIFY(file.Write("bytes"));
+    QVERIFY(!file.Commit());
+    QVERIFY(!QFileInfo("/dev/full").isFile());
+}
+
+void OutputFileTest::aFileWhoseFolderTakesNoNewFileIsWrittenInPlace()
+{
+    WriteBytes(Target(), "the old content");
+    QVERIFY(QFile::setPermissions(Target(), QFile::Permissions(0x6666)));
+    const ReadOnlyFolder readOnly(m_folder->path());
+    OutputFile file(Target());
+    QVERIFY(file.Open());
+    QVERIFY(file.Write("new"));
+    QVERIFY(file.Commit());
+    QCOMPARE(ReadBytes(Target()), QByteArray("new"));
+}
+
+void OutputFileTest::aNewFileInAFolderThatTakesNoneCannotBeOpened()
+{
+    const ReadOnlyFolder readOnly(m_folder->path());
+    OutputFile file(Target());
+    QVERIFY(!file.Open());
+    QVERIFY(!QFile::exists(Target()));
+}
+
+QTEST_GUILESS_MAIN(OutputFileTest)
+
+#include "tst_OutputFile.moc"
