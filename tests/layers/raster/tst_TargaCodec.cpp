@@ -1,0 +1,539 @@
+#include "layers/raster/Mask.h"
+#include "layers/raster/TargaCodec.h"
+
+#include "tests/support/LiteralTarga.h"
+#include "tests/support/Masks.h"
+
+#include <QtTest>
+
+using raster::TargaError;
+using raster::TargaPacking;
+using raster::TargaResult;
+
+Q_DECLARE_METATYPE(raster::TargaError)
+
+class TargaCodecTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theHeaderSaysWhatFollows_data();
+    void theHeaderSaysWhatFollows();
+    void runsAreWrittenInPacketsOfAtMost128Pixels_data();
+    void runsAreWrittenInPacketsOfAtMost128Pixels();
+    void runsGoOnAcrossRowEnds();
+    void rawDataHasNoPadding();
+    void largeMasksAreHandedOnInBlocks();
+    void aNullMaskIsWrittenAsItsHeader();
+    void theWriterStopsWhenTheSinkDoes_data();
+    void theWriterStopsWhenTheSinkDoes();
+    void theWriterWritesWhatTheLiteralOneDoes();
+    void whatIsWrittenIsReadBackTheSame();
+
+    void filesThatAreNoMaskOfTheSizeAreRefused_data();
+    void filesThatAreNoMaskOfTheSizeAreRefused();
+    void headerFieldsWithoutMeaningAreIgnored_data();
+    void headerFieldsWithoutMeaningAreIgnored();
+    void rowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo_data();
+    void rowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo();
+    void sixteenBitPixelsAreReadByteByByte();
+    void masksHaveTheGreyTable();
+    void packetsAreDecoded_data();
+    void packetsAreDecoded();
+    void missingRawBytesAreThoseOfTheRowBefore_data();
+    void missingRawBytesAreThoseOfTheRowBefore();
+    void filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes_data();
+    void filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes();
+    void randomPacketsAreReadLikeTheLiteralReaderDoes();
+    void bytesBehindThoseOfTheMaskAreIgnored();
+    void sizesWithoutAnImageGiveNone_data();
+    void sizesWithoutAnImageGiveNone();
+    void theMostBytesAreThoseOfOnePacketAPixel_data();
+    void theMostBytesAreThoseOfOnePacketAPixel();
+};
+
+namespace {
+
+const QByteArray TopDown = QByteArray::fromHex("20");
+const QByteArray BottomUp = QByteArray::fromHex("00");
+
+TargaResult Decode(const QByteArray& file, QSize size)
+{
+    // A copy of its exact size lets the address sanitizer see every read behind the end.
+    const std::vector<uchar> bytes(file.begin(), file.end());
+    return raster::DecodeTarga(bytes.data(), file.size(), size);
+}
+
+QByteArray Encode(const QImage& mask, TargaPacking packing)
+{
+    QByteArray file;
+    raster::EncodeTarga(mask, packing, [&file](const char* bytes, qint64 count) {
+        file.append(bytes, static_cast<int>(count));
+        return true;
+    });
+    return file;
+}
+
+QByteArray Size16(int length)
+{
+    QByteArray bytes;
+    bytes.append(static_cast<char>(length % 256)).append(static_cast<char>(length / 256));
+    return bytes;
+}
+
+QByteArray HeaderBytes(char imageType, QSize size, const QByteArray& descriptor = TopDown)
+{
+    return QByteArray(2, '\0') + imageType + QByteArray(9, '\0') + Size16(size.width()) +
+           Size16(size.height()) + '\x08' + descriptor;
+}
+
+constexpr char RawType = 3;
+constexpr char RunLengthType = 11;
+
+/// The pixel indices row by row, from the top.
+QByteArray Indices(const QImage& mask)
+{
+    QByteArray indices;
+    for (int y = 0; y < mask.height(); ++y) {
+        indices.append(reinterpret_cast<const char*>(mask.constScanLine(y)), mask.width());
+    }
+    return indices;
+}
+
+QImage MaskOfIndices(QSize size, const QByteArray& indices)
+{
+    QImage mask = raster::BlankMask(size);
+    for (int i = 0; i < indices.size(); ++i) {
+        mask.scanLine(i / size.width())[i % size.width()] = static_cast<uchar>(indices.at(i));
+    }
+    return mask;
+}
+
+QSize RandomSize(Random& random)
+{
+    return {random.Between(1, 40), random.Between(1, 20)};
+}
+
+} // namespace
+
+void TargaCodecTest::theHeaderSaysWhatFollows_data()
+{
+    QTest::addColumn<int>("packing");
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QByteArray>("header");
+    const int raw = int(TargaPacking::Raw);
+    const int runLength = int(TargaPacking::RunLength);
+    QTest::newRow("raw") << raw << QSize(2, 1)
+                         << QByteArray::fromHex("0000 03 0000 0000 00 0000 0000 0200 0100 08 20");
+    QTest::newRow("run-length") << runLength << QSize(2, 1)
+                                << QByteArray::fromHex(
+                                       "0000 0b 0000 0000 00 0000 0000 0200 0100 08 20");
+    QTest::newRow("two-byte sizes")
+        << runLength << QSize(0x0123, 0x0456)
+        << QByteArray::fromHex("0000 0b 0000 0000 00 0000 0000 2301 5604 08 20");
+    QTest::newRow("longest sides")
+        << runLength << QSize(65535, 1)
+        << QByteArray::fromHex("0000 0b 0000 0000 00 0000 0000 ffff 0100 08 20");
+}
+
+void TargaCodecTest::theHeaderSaysWhatFollows()
+{
+    QFETCH(int, packing);
+    QFETCH(QSize, size);
+    QFETCH(QByteArray, header);
+    const QByteArray file = Encode(raster::BlankMask(size), TargaPacking(packing));
+    QCOMPARE(file.left(18).toHex(), header.toHex());
+}
+
+void TargaCodecTest::runsAreWrittenInPacketsOfAtMost128Pixels_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QByteArray>("indices");
+    QTest::addColumn<QByteArray>("packets");
+    QTest::newRow("one pixel") << QSize(1, 1) << QByteArray(1, '\xff')
+                               << QByteArray::fromHex("80ff");
+    QTest::newRow("alternating") << QSize(4, 1) << QByteArray::fromHex("00ff00ff")
+                                 << QByteArray::fromHex("8000 80ff 8000 80ff");
+    QTest::newRow("indices other than set and clear")
+        << QSize(4, 1) << QByteArray::fromHex("01017ffe") << QByteArray::fromHex("8101 807f 80fe");
+    QTest::newRow("a run of 128") << QSize(128, 1) << QByteArray(128, '\xff')
+                                  << QByteArray::fromHex("ffff");
+    QTest::newRow("a run of 129") << QSize(129, 1) << QByteArray(129, '\xff')
+                                  << QByteArray::fromHex("ffff 80ff");
+    QTest::newRow("a run of 300") << QSize(300, 1) << QByteArray(300, '\xff')
+                                  << QByteArray::fromHex("ffff ffff abff");
+    QTest::newRow("a run of 300 in between")
+        << QSize(304, 1) << QByteArray(2, '\0') + QByteArray(300, '\xff') + QByteArray(2, '\0')
+        << QByteArray::fromHex("8100 ffff ffff abff 8100");
+}
+
+void TargaCodecTest::runsAreWrittenInPacketsOfAtMost128Pixels()
+{
+    QFETCH(QSize, size);
+    QFETCH(QByteArray, indices);
+    QFETCH(QByteArray, packets);
+    const QByteArray file = Encode(MaskOfIndices(size, indices), TargaPacking::RunLength);
+    QCOMPARE(file.mid(18).toHex(), packets.toHex());
+}
+
+void TargaCodecTest::runsGoOnAcrossRowEnds()
+{
+    const QImage mask = MaskFromArt({"..###", "####.", "....."});
+    QCOMPARE(Encode(mask, TargaPacking::RunLength).mid(18).toHex(), QByteArray("810086ff8500"));
+}
+
+void TargaCodecTest::rawDataHasNoPadding()
+{
+    const QImage narrow = MaskFromArt({"..###", "####.", "....."});
+    QCOMPARE(Encode(narrow, TargaPacking::Raw).mid(18), Indices(narrow));
+    const QImage aligned = MaskFromArt({"..##", "+##."});
+    QCOMPARE(Encode(aligned, TargaPacking::Raw).mid(18), Indices(aligned));
+}
+
+void TargaCodecTest::largeMasksAreHandedOnInBlocks()
+{
+    // Alternating pixels are the longest data: a packet each.
+    QImage mask = raster::BlankMask({512, 512});
+    for (int y = 0; y < mask.height(); ++y) {
+        for (int x = y % 2; x < mask.width(); x += 2) {
+            mask.scanLine(y)[x] = raster::MaskSet;
+        }
+    }
+    int calls = 0;
+    QByteArray file;
+    QVERIFY(
+        raster::EncodeTarga(mask, TargaPacking::RunLength, [&](const char* bytes, qint64 count) {
+            ++calls;
+            file.append(bytes, static_cast<int>(count));
+            return true;
+        }));
+    QVERIFY2(calls > 2 && calls < 10, QByteArray::number(calls).constData());
+    QCOMPARE(file, literal::WriteTarga(mask, true));
+    QCOMPARE(Decode(file, mask.size()).mask, mask);
+}
+
+void TargaCodecTest::aNullMaskIsWrittenAsItsHeader()
+{
+    QCOMPARE(Encode({}, TargaPacking::RunLength), HeaderBytes(RunLengthType, {0, 0}));
+    QCOMPARE(Encode({}, TargaPacking::Raw), HeaderBytes(RawType, {0, 0}));
+}
+
+void TargaCodecTest::theWriterStopsWhenTheSinkDoes_data()
+{
+    QTest::addColumn<int>("packing");
+    QTest::addColumn<QSize>("size");
+    for (const QSize size : {QSize(64, 2), QSize(63, 3), QSize(768, 1024)}) {
+        const QByteArray name = QByteArray::number(size.width());
+        QTest::newRow((name + " raw").constData()) << int(TargaPacking::Raw) << size;
+        QTest::newRow((name + " run-length").constData()) << int(TargaPacking::RunLength) << size;
+    }
+}
+
+void TargaCodecTest::theWriterStopsWhenTheSinkDoes()
+{
+    QFETCH(int, packing);
+    QFETCH(QSize, size);
+    QImage mask = raster::BlankMask(size);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            mask.scanLine(y)[x] = static_cast<uchar>(x);
+        }
+    }
+    int callCount = 0;
+    const auto countCalls = [&callCount](const char*, qint64) {
+        ++callCount;
+        return true;
+    };
+    QVERIFY(raster::EncodeTarga(mask, TargaPacking(packing), countCalls));
+    QVERIFY(callCount >= 2);
+    for (int failing = 1; failing <= callCount; ++failing) {
+        int call = 0;
+        const auto failOnce = [&](const char*, qint64) { return ++call != failing; };
+        QVERIFY(!raster::EncodeTarga(mask, TargaPacking(packing), failOnce));
+        QCOMPARE(call, failing);
+    }
+}
+
+void TargaCodecTest::theWriterWritesWhatTheLiteralOneDoes()
+{
+    Random random;
+    for (int i = 0; i < 200; ++i) {
+        const QImage mask = RandomMask(random, RandomSize(random));
+        QCOMPARE(Encode(mask, TargaPacking::RunLength), literal::WriteTarga(mask, true));
+        QCOMPARE(Encode(mask, TargaPacking::Raw), literal::WriteTarga(mask, false));
+    }
+}
+
+void TargaCodecTest::whatIsWrittenIsReadBackTheSame()
+{
+    Random random;
+    for (int i = 0; i < 200; ++i) {
+        const QImage mask = RandomMask(random, RandomSize(random));
+        for (const TargaPacking packing : {TargaPacking::Raw, TargaPacking::RunLength}) {
+            const TargaResult result = Decode(Encode(mask, packing), mask.size());
+            QCOMPARE(result.error, TargaError::None);
+            QCOMPARE(result.mask, mask);
+        }
+    }
+}
+
+void TargaCodecTest::filesThatAreNoMaskOfTheSizeAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("header");
+    QTest::addColumn<TargaError>("error");
+    const QByteArray good = HeaderBytes(RawType, {4, 2});
+    const auto with = [&good](int offset, char byte) {
+        QByteArray header = good;
+        header[offset] = byte;
+        return header;
+    };
+    QTest::newRow("good") << good << TargaError::None;
+    QTest::newRow("identification") << with(0, 1) << TargaError::TypeMismatch;
+    QTest::newRow("colour map") << with(1, 1) << TargaError::TypeMismatch;
+    for (int type = 0; type < 256; ++type) {
+        QTest::newRow(("type " + QByteArray::number(type)).constData())
+            << with(2, static_cast<char>(type))
+            << (type % 4 == 3 ? TargaError::None : TargaError::ColourFormat);
+    }
+    QTest::newRow("too narrow") << with(12, 3) << TargaError::WrongSize;
+    QTest::newRow("too wide") << with(13, 1) << TargaError::WrongSize;
+    QTest::newRow("too low") << with(14, 1) << TargaError::WrongSize;
+    QTest::newRow("too high") << with(15, 1) << TargaError::WrongSize;
+    QTest::newRow("sides swapped") << HeaderBytes(RawType, {2, 4}) << TargaError::WrongSize;
+    QTest::newRow("identification before colour")
+        << QByteArray::fromHex("0100020000") << TargaError::TypeMismatch;
+    QTest::newRow("colour before size") << HeaderBytes(2, {9, 9}) << TargaError::ColourFormat;
+    QTest::newRow("empty") << QByteArray() << TargaError::ColourFormat;
+    QTest::newRow("only the type") << QByteArray::fromHex("000003") << TargaError::WrongSize;
+    QTest::newRow("only half of the height") << good.left(15) << TargaError::None;
+}
+
+void TargaCodecTest::filesThatAreNoMaskOfTheSizeAreRefused()
+{
+    QFETCH(QByteArray, header);
+    QFETCH(TargaError, error);
+    const TargaResult result = Decode(header, {4, 2});
+    QCOMPARE(result.error, error);
+    QCOMPARE(result.mask.isNull(), error != TargaError::None);
+}
+
+void TargaCodecTest::headerFieldsWithoutMeaningAreIgnored_data()
+{
+    QTest::addColumn<int>("offset");
+    for (const int offset : {3, 4, 5, 6, 7, 8, 9, 10, 11, 16}) {
+        QTest::newRow(("byte " + QByteArray::number(offset)).constData()) << offset;
+    }
+}
+
+void TargaCodecTest::headerFieldsWithoutMeaningAreIgnored()
+{
+    QFETCH(int, offset);
+    const QImage mask = MaskFromArt({"#..", ".#."});
+    QByteArray file = Encode(mask, TargaPacking::RunLength);
+    file[offset] = '\xff';
+    QCOMPARE(Decode(file, mask.size()).mask, mask);
+}
+
+void TargaCodecTest::rowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo_data()
+{
+    QTest::addColumn<char>("imageType");
+    QTest::addColumn<char>("descriptor");
+    QTest::addColumn<bool>("isTopDown");
+    for (const char type : {RawType, RunLengthType, char(7), char(15)}) {
+        const QByteArray name = "type " + QByteArray::number(type);
+        QTest::newRow((name + ", 00").constData()) << type << '\x00' << false;
+        QTest::newRow((name + ", 20").constData()) << type << '\x20' << true;
+        QTest::newRow((name + ", df").constData()) << type << '\xdf' << false;
+        QTest::newRow((name + ", ff").constData()) << type << '\xff' << true;
+    }
+}
+
+void TargaCodecTest::rowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo()
+{
+    QFETCH(char, imageType);
+    QFETCH(char, descriptor);
+    QFETCH(bool, isTopDown);
+    const QStringList art = {"#....", ".##..", "+...#"};
+    const QImage mask = MaskFromArt(art);
+    const bool isRunLength = (imageType & 8) != 0;
+    QByteArray file = literal::WriteTarga(mask, isRunLength);
+    file[2] = imageType;
+    file[17] = descriptor;
+    const QStringList flipped = {"+...#", ".##..", "#...."};
+    QCOMPARE(ArtFromMask(Decode(file, mask.size()).mask), isTopDown ? art : flipped);
+}
+
+void TargaCodecTest::sixteenBitPixelsAreReadByteByByte()
+{
+    QByteArray file = HeaderBytes(RawType, {2, 2}) + QByteArray::fromHex("01020304 05060708");
+    file[16] = 16;
+    const TargaResult result = Decode(file, {2, 2});
+    QCOMPARE(result.error, TargaError::None);
+    QCOMPARE(Indices(result.mask).toHex(), QByteArray("01020304"));
+}
+
+void TargaCodecTest::masksHaveTheGreyTable()
+{
+    const QImage mask = Decode(HeaderBytes(RawType, {3, 3}), {3, 3}).mask;
+    QCOMPARE(mask.format(), QImage::Format_Indexed8);
+    QCOMPARE(mask.colorTable(), raster::GreyTable());
+}
+
+void TargaCodecTest::packetsAreDecoded_data()
+{
+    QTest::addColumn<QByteArray>("packets");
+    QTest::addColumn<QByteArray>("indices");
+    // All masks are 4 x 2 pixels.
+    QTest::newRow("one run") << QByteArray::fromHex("87 09") << QByteArray("0909090909090909");
+    QTest::newRow("one raw packet")
+        << QByteArray::fromHex("07 0102030405060708") << QByteArray("0102030405060708");
+    QTest::newRow("run and raw") << QByteArray::fromHex("82 ff 04 0102030405")
+                                 << QByteArray("ffffff0102030405");
+    QTest::newRow("clear after set")
+        << QByteArray::fromHex("80 ff 86 00") << QByteArray("ff00000000000000");
+    QTest::newRow("a run past the end is cut off")
+        << QByteArray::fromHex("83 01 ff 02") << QByteArray("0101010102020202");
+    QTest::newRow("raw pixels past the end are cut off")
+        << QByteArray::fromHex("83 01 05 020304050607") << QByteArray("0101010102030405");
+    QTest::newRow("the last run goes on")
+        << QByteArray::fromHex("80 01 80 02") << QByteArray("0102020202020202");
+    QTest::newRow("the last raw pixel goes on")
+        << QByteArray::fromHex("01 0102") << QByteArray("0102020202020202");
+    QTest::newRow("a raw packet that ends early")
+        << QByteArray::fromHex("07 010203") << QByteArray("0102030303030303");
+    QTest::newRow("a run without its value")
+        << QByteArray::fromHex("80 05 81") << QByteArray("0505050505050505");
+    QTest::newRow("a raw packet without pixels")
+        << QByteArray::fromHex("80 05 03") << QByteArray("0505050505050505");
+    QTest::newRow("a first run without its value")
+        << QByteArray::fromHex("ff") << QByteArray("0000000000000000");
+    QTest::newRow("no packet") << QByteArray() << QByteArray("0000000000000000");
+}
+
+void TargaCodecTest::packetsAreDecoded()
+{
+    QFETCH(QByteArray, packets);
+    QFETCH(QByteArray, indices);
+    const TargaResult result = Decode(HeaderBytes(RunLengthType, {4, 2}) + packets, {4, 2});
+    QCOMPARE(result.error, TargaError::None);
+    QCOMPARE(Indices(result.mask).toHex(), indices);
+}
+
+void TargaCodecTest::missingRawBytesAreThoseOfTheRowBefore_data()
+{
+    QTest::addColumn<QByteArray>("data");
+    QTest::addColumn<QByteArray>("indices");
+    // All masks are 3 x 3 pixels.
+    QTest::newRow("all there") << QByteArray::fromHex("010203 040506 070809")
+                               << QByteArray("010203040506070809");
+    QTest::newRow("a part of the last row")
+        << QByteArray::fromHex("010203 040506 07") << QByteArray("010203040506070506");
+    QTest::newRow("a part of the second row")
+        << QByteArray::fromHex("010203 0405") << QByteArray("010203040503040503");
+    QTest::newRow("one row") << QByteArray::fromHex("010203") << QByteArray("010203010203010203");
+    QTest::newRow("a part of the first row")
+        << QByteArray::fromHex("0102") << QByteArray("010200010200010200");
+    QTest::newRow("none") << QByteArray() << QByteArray("000000000000000000");
+}
+
+void TargaCodecTest::missingRawBytesAreThoseOfTheRowBefore()
+{
+    QFETCH(QByteArray, data);
+    QFETCH(QByteArray, indices);
+    const QImage mask = Decode(HeaderBytes(RawType, {3, 3}) + data, {3, 3}).mask;
+    QCOMPARE(Indices(mask).toHex(), indices);
+}
+
+void TargaCodecTest::filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes_data()
+{
+    QTest::addColumn<bool>("isRunLength");
+    QTest::addColumn<QByteArray>("descriptor");
+    QTest::newRow("raw, top down") << false << TopDown;
+    QTest::newRow("raw, bottom up") << false << BottomUp;
+    QTest::newRow("run-length, top down") << true << TopDown;
+    QTest::newRow("run-length, bottom up") << true << BottomUp;
+}
+
+void TargaCodecTest::filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes()
+{
+    QFETCH(bool, isRunLength);
+    QFETCH(QByteArray, descriptor);
+    Random random;
+    for (const QSize size : {QSize(1, 1), QSize(16, 9), QSize(13, 11), QSize(33, 17)}) {
+        QByteArray file = literal::WriteTarga(RandomMask(random, size), isRunLength);
+        file.replace(17, 1, descriptor);
+        for (int length = 0; length <= file.size(); ++length) {
+            const QByteArray part = file.left(length);
+            QCOMPARE(Decode(part, size).mask, literal::ReadTarga(part, size));
+        }
+    }
+}
+
+void TargaCodecTest::randomPacketsAreReadLikeTheLiteralReaderDoes()
+{
+    Random random;
+    for (int i = 0; i < 2000; ++i) {
+        const QSize size = RandomSize(random);
+        QByteArray file = HeaderBytes(static_cast<char>(3 + 4 * random.Below(4)), size,
+                                      random.Below(2) == 0 ? TopDown : BottomUp);
+        for (int count = random.Below(size.width() * size.height() * 2); count > 0; --count) {
+            // Short packets and clear pixels come often, so that all ways to go on are met.
+            const int byte = random.Below(2) == 0 ? random.Below(256) : 128 * random.Below(2);
+            file.append(static_cast<char>(byte + random.Below(2) * random.Below(20)));
+        }
+        QCOMPARE(Decode(file, size).mask, literal::ReadTarga(file, size));
+    }
+}
+
+void TargaCodecTest::bytesBehindThoseOfTheMaskAreIgnored()
+{
+    const QImage mask = MaskFromArt({"##..#", ".#+#."});
+    for (const TargaPacking packing : {TargaPacking::Raw, TargaPacking::RunLength}) {
+        const QByteArray file = Encode(mask, packing) + "trailing bytes";
+        QCOMPARE(Decode(file, mask.size()).mask, mask);
+    }
+}
+
+void TargaCodecTest::sizesWithoutAnImageGiveNone_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<TargaError>("error");
+    QTest::newRow("nothing") << QSize(0, 0) << TargaError::NoImage;
+    QTest::newRow("no width") << QSize(0, 5) << TargaError::NoImage;
+    QTest::newRow("no height") << QSize(5, 0) << TargaError::NoImage;
+    QTest::newRow("negative") << QSize(-1, -1) << TargaError::WrongSize;
+    QTest::newRow("longer than files can say") << QSize(65536, 1) << TargaError::WrongSize;
+}
+
+void TargaCodecTest::sizesWithoutAnImageGiveNone()
+{
+    QFETCH(QSize, size);
+    QFETCH(TargaError, error);
+    const TargaResult result = Decode(HeaderBytes(RawType, size), size);
+    QCOMPARE(result.error, error);
+    QVERIFY(result.mask.isNull());
+}
+
+void TargaCodecTest::theMostBytesAreThoseOfOnePacketAPixel_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<qint64>("bytes");
+    QTest::newRow("usual") << QSize(2048, 2048) << qint64(8388626);
+    QTest::newRow("none") << QSize(0, 0) << qint64(18);
+    QTest::newRow("negative") << QSize(-5, -5) << qint64(18);
+    QTest::newRow("one side negative") << QSize(-5, 5) << qint64(18);
+    QTest::newRow("largest") << QSize(65535, 65535) << qint64(8589672468);
+    QTest::newRow("larger than an image can be")
+        << QSize(2147483647, 2147483647) << qint64(9223372028264841236);
+}
+
+void TargaCodecTest::theMostBytesAreThoseOfOnePacketAPixel()
+{
+    QFETCH(QSize, size);
+    QFETCH(qint64, bytes);
+    QCOMPARE(raster::TargaMaxBytes(size), bytes);
+}
+
+QTEST_GUILESS_MAIN(TargaCodecTest)
+
+#include "tst_TargaCodec.moc"
