@@ -9,8 +9,9 @@ namespace {
 std::unique_ptr<QFileDevice> MakeDevice(const QString& path)
 {
     const QFileInfo target(path);
-    if (target.exists() && !target.isFile()) {
-        // A save file would put a regular file in the place of a device node.
+    if (path.isEmpty() || (target.exists() && !target.isFile())) {
+        // A save file would put a regular file in the place of a device node, and would take no
+        // name for one until the commit.
         return std::make_unique<QFile>(path);
     }
     auto file = std::make_unique<QSaveFile>(path);

@@ -22,6 +22,7 @@ private slots:
     void withoutCommitTheOldFileStays();
     void aFileInAMissingFolderCannotBeOpened();
     void aDirectoryCannotBeOpened();
+    void withoutANameNothingCanBeOpened();
     void aWriteThatIsTakenInPartFails();
     void aFailedFlushFails();
     void afterAFailedWriteNothingMoreIsWritten();
@@ -139,6 +140,13 @@ void OutputFileTest::aDirectoryCannotBeOpened()
     OutputFile file(Target());
     QVERIFY(!file.Open());
     QVERIFY(QFileInfo(Target()).isDir());
+}
+
+void OutputFileTest::withoutANameNothingCanBeOpened()
+{
+    OutputFile file({});
+    QVERIFY(!file.Open());
+    QVERIFY(!file.Commit());
 }
 
 void OutputFileTest::aWriteThatIsTakenInPartFails()
