@@ -27,11 +27,10 @@ void NamesTest::namesThatCanBeFileNamesAreValid_data()
     QTest::newRow("null") << QString() << false;
     QTest::newRow("empty") << "" << false;
     QTest::newRow("blanks only") << " \t " << false;
-    for (const QChar forbidden : QStringLiteral("<>:\"/\\|?*")) {
-        const QByteArray row = QByteArrayLiteral("with ") + char(forbidden.unicode());
-        QTest::newRow(row.constData()) << QString("co%1ast").arg(forbidden) << false;
-        const QByteArray aloneRow = QByteArrayLiteral("only ") + char(forbidden.unicode());
-        QTest::newRow(aloneRow.constData()) << QString(forbidden) << false;
+    for (const char* forbidden : {"<", ">", ":", "\"", "/", "\\", "|", "?", "*"}) {
+        const QByteArray row(forbidden);
+        QTest::newRow(("with " + row).constData()) << QString("co%1ast").arg(forbidden) << false;
+        QTest::newRow(("only " + row).constData()) << QString(forbidden) << false;
     }
 }
 

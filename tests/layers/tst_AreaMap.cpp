@@ -7,9 +7,11 @@
 #include "tests/support/LiteralMap.h"
 #include "tests/support/LogSpy.h"
 #include "tests/support/Masks.h"
+#include "tests/support/Models.h"
 #include "tests/support/ProjectFixture.h"
 
 #include <QBuffer>
+#include <QStandardItemModel>
 #include <QtEndian>
 #include <QtTest>
 
@@ -135,11 +137,7 @@ bool Import(LayerList& layers, const QByteArray& map)
 
 QStringList NamesOf(const LayerList& layers)
 {
-    QStringList names;
-    for (const Layer* layer : layers.Layers()) {
-        names.append(layer->text());
-    }
-    return names;
+    return RowTexts(*layers.model());
 }
 
 QVector<int> ProjectSizes()
@@ -180,7 +178,8 @@ private:
     int m_pieceSize;
 };
 
-const QString TooManyTypes = "Error: An area map holds at most 32 usage and 32 value flag types.";
+constexpr const char* TooManyTypes =
+    "Error: An area map holds at most 32 usage and 32 value flag types.";
 
 void AddTooManyTypes()
 {
@@ -553,7 +552,8 @@ void AreaMapTest::importedLayersAreWhiteHiddenAndNamed()
     LayerList layers;
     QVERIFY(Import(layers, Ints({1, 1, 100, 100, 32, 0x80000000, 32, 0x80000000})));
     QCOMPARE(NamesOf(layers), (QStringList{"usage31", "value31"}));
-    for (const Layer* layer : layers.Layers()) {
+    for (int row = 0; row < 2; ++row) {
+        const Layer* layer = layers.LayerAt(row);
         QCOMPARE(layer->Color(), QColor(Qt::white));
         QVERIFY(!layer->IsVisible());
         QCOMPARE(layer->Code(), QString());

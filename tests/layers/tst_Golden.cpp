@@ -63,7 +63,8 @@ void ReadProject(const QDir& folder, LayerList& layers)
 QStringList Description(const LayerList& layers)
 {
     QStringList lines;
-    for (const Layer* layer : layers.Layers()) {
+    const QVector<Layer*> all = layers.Layers();
+    for (const Layer* layer : all) {
         lines.append(QString("%1 %2 %3")
                          .arg(QString::number(layer->UsageFlags()),
                               QString::number(layer->ValueFlags()), layer->text()));
@@ -142,10 +143,10 @@ void GoldenTest::areaTypesAreReadAsExpected()
     const bool isRead = types.ReadFile(folder.filePath("file.xml"));
     QStringList lines;
     for (const QString& name : qAsConst(types.usages)) {
-        lines.append("usage " + name);
+        lines.append(QString("usage \"%1\"").arg(name));
     }
     for (const QString& name : qAsConst(types.values)) {
-        lines.append("value " + name);
+        lines.append(QString("value \"%1\"").arg(name));
     }
     QCOMPARE(lines + log.Messages(), ReadLines(folder.filePath("expected.txt")));
     QCOMPARE(isRead, log.Messages().isEmpty());

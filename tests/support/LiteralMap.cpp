@@ -108,7 +108,8 @@ void WriteSection(QByteArray& map, const QVector<QImage>& images, const QVector<
     if (bits == 0) {
         return;
     }
-    for (const quint32 word : SectionWords(images, flags, bits, size)) {
+    const QVector<quint32> words = SectionWords(images, flags, bits, size);
+    for (const quint32 word : words) {
         AppendInt(map, word);
     }
 }
@@ -196,10 +197,12 @@ QVector<MapLayer> ReadMap(const QByteArray& map, int usageTypeCount, int valueTy
     reader.Next();
     reader.Next();
     QVector<MapLayer> layers;
-    for (const FlagImage& usage : ReadSection(reader, size, usageTypeCount)) {
+    const QVector<FlagImage> usages = ReadSection(reader, size, usageTypeCount);
+    for (const FlagImage& usage : usages) {
         layers.append({usage.image, 1U << usage.flag, 0});
     }
-    for (const FlagImage& value : ReadSection(reader, size, valueTypeCount)) {
+    const QVector<FlagImage> values = ReadSection(reader, size, valueTypeCount);
+    for (const FlagImage& value : values) {
         layers.append({value.image, 0, 1U << value.flag});
     }
     return layers;

@@ -54,8 +54,8 @@ private slots:
 
 namespace {
 
-const QByteArray TopDown = QByteArray::fromHex("20");
-const QByteArray BottomUp = QByteArray::fromHex("00");
+constexpr char TopDown = 0x20;
+constexpr char BottomUp = 0;
 
 TargaResult Decode(const QByteArray& file, QSize size)
 {
@@ -81,7 +81,7 @@ QByteArray Size16(int length)
     return bytes;
 }
 
-QByteArray HeaderBytes(char imageType, QSize size, const QByteArray& descriptor = TopDown)
+QByteArray HeaderBytes(char imageType, QSize size, char descriptor = TopDown)
 {
     return QByteArray(2, '\0') + imageType + QByteArray(9, '\0') + Size16(size.width()) +
            Size16(size.height()) + '\x08' + descriptor;
@@ -447,7 +447,7 @@ void TargaCodecTest::missingRawBytesAreThoseOfTheRowBefore()
 void TargaCodecTest::filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes_data()
 {
     QTest::addColumn<bool>("isRunLength");
-    QTest::addColumn<QByteArray>("descriptor");
+    QTest::addColumn<char>("descriptor");
     QTest::newRow("raw, top down") << false << TopDown;
     QTest::newRow("raw, bottom up") << false << BottomUp;
     QTest::newRow("run-length, top down") << true << TopDown;
@@ -457,11 +457,11 @@ void TargaCodecTest::filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes_data()
 void TargaCodecTest::filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes()
 {
     QFETCH(bool, isRunLength);
-    QFETCH(QByteArray, descriptor);
+    QFETCH(char, descriptor);
     Random random;
     for (const QSize size : {QSize(1, 1), QSize(16, 9), QSize(13, 11), QSize(33, 17)}) {
         QByteArray file = literal::WriteTarga(RandomMask(random, size), isRunLength);
-        file.replace(17, 1, descriptor);
+        file[17] = descriptor;
         for (int length = 0; length <= file.size(); ++length) {
             const QByteArray part = file.left(length);
             QCOMPARE(Decode(part, size).mask, literal::ReadTarga(part, size));
