@@ -7,6 +7,7 @@
 #include "tests/support/LiteralMap.h"
 #include "tests/support/LogSpy.h"
 #include "tests/support/Masks.h"
+#include "tests/support/MemoryLimit.h"
 #include "tests/support/Models.h"
 #include "tests/support/ProjectFixture.h"
 
@@ -65,6 +66,7 @@ private slots:
     void sizesWithoutAnImageEndTheSection_data();
     void sizesWithoutAnImageEndTheSection();
     void moreWordsThanTheFileHoldsCountAsClear();
+    void layersWithoutMemoryAreLeftOut();
     void aDeviceThatFailsInTheHeaderFailsTheImport_data();
     void aDeviceThatFailsInTheHeaderFailsTheImport();
     void aDeviceThatFailsInASectionKeepsWhatWasRead();
@@ -689,6 +691,26 @@ void AreaMapTest::moreWordsThanTheFileHoldsCountAsClear()
     QCOMPARE(image.pixelIndex(1, 999), 255);
     QCOMPARE(image.pixelIndex(0, 999), 0);
     QCOMPARE(image.pixelIndex(2, 999), 0);
+}
+
+void AreaMapTest::layersWithoutMemoryAreLeftOut()
+{
+    SetTypes(32, 32);
+    // Each layer takes a quarter of a gigabyte of address space.
+    const QByteArray map = Ints({16384, 16384, 100, 100, 32, 0xFFFFFFFF});
+    constexpr quint64 mebibyte = 1 << 20;
+    LayerList layers;
+    {
+        const MemoryLimit limit(640 * mebibyte);
+        QVERIFY(Import(layers, map));
+    }
+    QCOMPARE(NamesOf(layers), (QStringList{"usage0", "usage1"}));
+    const MemoryLimit limit(64 * mebibyte);
+    m_log.Take();
+    QVERIFY(Import(layers, map));
+    QCOMPARE(m_log.Messages().at(1),
+             "Error: The area map has an invalid size: 16384x16384 pixels.");
+    QCOMPARE(layers.Layers().size(), 2);
 }
 
 void AreaMapTest::aDeviceThatFailsInTheHeaderFailsTheImport_data()

@@ -50,6 +50,7 @@ private slots:
     void layersOfOneNameAreRenamedForSaving();
     void namesThatAreNoFileNamesAreReplacedForSaving();
     void aFullDiskIsAnErrorAndTheElementsAreWritten();
+    void aListThatIsClearedWhileItIsSavedEndsThere();
 
     void attributesHaveDefaults_data();
     void attributesHaveDefaults();
@@ -66,6 +67,7 @@ private slots:
     void readingAtTheEndOfTheDocumentDoesNothing();
     void nestedLayersAreReadOnce();
     void readingAppendsToTheList();
+    void aListThatIsClearedWhileItIsReadGoesOn();
 
 private:
     std::unique_ptr<ProjectFixture> m_project;
@@ -481,6 +483,20 @@ void LayerListTest::aFullDiskIsAnErrorAndTheElementsAreWritten()
                                             message.arg(m_project->Path("layers/town.tga"))}));
 }
 
+void LayerListTest::aListThatIsClearedWhileItIsSavedEndsThere()
+{
+    // Who shows a message lets the user act, even close the project.
+    LayerList layers;
+    Add(layers, "coast");
+    Add(layers, "town");
+    const QObject context;
+    connect(&Log::Instance(), &Log::MessageReceived, &context, [&layers] { layers.Clear(); });
+    const QString text = Written(layers);
+    QCOMPARE(text.count("<layer "), 1);
+    QVERIFY(text.endsWith("</layers>"));
+    QCOMPARE(m_log.Messages(), QStringList{"Success: Layer 'coast' successfully saved."});
+}
+
 void LayerListTest::attributesHaveDefaults_data()
 {
     QTest::addColumn<QString>("attributes");
@@ -660,6 +676,16 @@ void LayerListTest::readingAppendsToTheList()
     Add(layers, "former");
     QVERIFY(Read(layers, "<layers><layer name='coast'/></layers>"));
     QCOMPARE(NamesOf(layers), (QStringList{"former", "coast"}));
+}
+
+void LayerListTest::aListThatIsClearedWhileItIsReadGoesOn()
+{
+    LayerList layers;
+    Add(layers, "former");
+    const QObject context;
+    connect(&Log::Instance(), &Log::MessageReceived, &context, [&layers] { layers.Clear(); });
+    QVERIFY(Read(layers, "<layers><layer name='coast'/><layer name='town'/></layers>"));
+    QCOMPARE(NamesOf(layers), QStringList{"town"});
 }
 
 QTEST_MAIN(LayerListTest)

@@ -1,6 +1,7 @@
 #include "layers/raster/Mask.h"
 
 #include "tests/support/Masks.h"
+#include "tests/support/MemoryLimit.h"
 
 #include <QtTest>
 
@@ -14,6 +15,7 @@ private slots:
     void blankMasksAreClearAndGrey();
     void sizesWithoutAMaskGiveANullImage_data();
     void sizesWithoutAMaskGiveANullImage();
+    void withoutMemoryTheMaskIsNull();
     void pixelsThatEqualTheColourAreSet_data();
     void pixelsThatEqualTheColourAreSet();
     void masksAreReturnedAsTheyAre();
@@ -74,6 +76,14 @@ void MaskTest::sizesWithoutAMaskGiveANullImage()
 {
     QFETCH(QSize, size);
     QVERIFY(raster::BlankMask(size).isNull());
+}
+
+void MaskTest::withoutMemoryTheMaskIsNull()
+{
+    constexpr quint64 mebibyte = 1 << 20;
+    const MemoryLimit limit(64 * mebibyte);
+    QVERIFY(raster::BlankMask({16384, 16384}).isNull());
+    QVERIFY(!raster::BlankMask({16, 16}).isNull());
 }
 
 void MaskTest::pixelsThatEqualTheColourAreSet_data()

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QtGlobal>
+
+/// While it lives, this process gets no more than this many bytes of address space on top of what
+/// it has: large allocations fail, small ones do not.
+class MemoryLimit
+{
+public:
+    explicit MemoryLimit(quint64 byteCount);
+    ~MemoryLimit();
+    Q_DISABLE_COPY(MemoryLimit)
+
+private:
+    quint64 m_limitBefore;
+};
