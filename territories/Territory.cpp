@@ -94,13 +94,18 @@ void Territory::RemoveZone(int zoneId)
 
 void Territory::AddCopiesOfSelection(QGraphicsScene& scene)
 {
-    const QList<QGraphicsItem*> selection = scene.selectedItems();
-    for (const QGraphicsItem* item : selection) {
+    // The scene gives them in an order that differs from run to run.
+    QMap<int, const Zone*> selection;
+    const QList<QGraphicsItem*> items = scene.selectedItems();
+    for (const QGraphicsItem* item : items) {
         if (const auto* zone = qgraphicsitem_cast<const Zone*>(item)) {
-            Zone* copy = zone->Copy();
-            AddZone(copy);
-            scene.addItem(copy);
+            selection.insert(zone->Id(), zone);
         }
+    }
+    for (const Zone* zone : qAsConst(selection)) {
+        Zone* copy = zone->Copy();
+        AddZone(copy);
+        scene.addItem(copy);
     }
 }
 

@@ -41,8 +41,8 @@ public:
     bool AddZone(Zone* zone);
     /// The zone leaves the table and is the caller's; an unknown id does nothing.
     void RemoveZone(int zoneId);
-    /// Adds a copy of each selected zone of the scene to this territory and to the scene. A copy
-    /// keeps the colour of its source's territory.
+    /// Adds a copy of each selected zone of the scene to this territory and to the scene, in the
+    /// order of their ids. A copy keeps the colour of its source's territory.
     void AddCopiesOfSelection(QGraphicsScene& scene);
 
     /// Keeps the alpha; a colour that differs only in alpha changes nothing. Like the next two, it

@@ -76,6 +76,7 @@ private slots:
     void ZonesCanBeHidden();
     void CopiesOfTheSelectionJoinTerritoryAndScene();
     void CopiesKeepTheColorOfTheirSource();
+    void CopiesFollowTheOrderOfTheirSources();
     void OtherSelectedItemsAreNotCopied();
     void ZonesAreWrittenByAscendingId();
     void ProjectFilesHoldNameAndVisibility();
@@ -366,6 +367,26 @@ void tst_Territory::CopiesKeepTheColorOfTheirSource()
         QCOMPARE(copy->GetTerritory(), &selection.source);
     }
     QCOMPARE(ZoneColors(*selection.target), QVector<QRgb>(2, 0x80FF0000));
+}
+
+void tst_Territory::CopiesFollowTheOrderOfTheirSources()
+{
+    QGraphicsScene scene;
+    Territory source;
+    QVector<int> counts;
+    for (int count = 0; count < 32; ++count) {
+        Zone* zone = AddZone(source, count, 0, 0, 0);
+        scene.addItem(zone);
+        zone->setSelected(true);
+        counts.append(count);
+    }
+    Territory target;
+    target.AddCopiesOfSelection(scene);
+    QVector<int> copied;
+    for (const Zone* copy : target.Zones()) {
+        copied.append(copy->Counts().staticMin);
+    }
+    QCOMPARE(copied, counts);
 }
 
 void tst_Territory::OtherSelectedItemsAreNotCopied()
