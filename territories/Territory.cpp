@@ -10,7 +10,6 @@
 #include <QXmlStreamWriter>
 
 #include <memory>
-#include <utility>
 
 namespace {
 
@@ -50,11 +49,10 @@ void Territory::Init()
 
 Territory::~Territory()
 {
-    const QMap<int, Zone*> zones = std::exchange(m_zones, {});
-    for (Zone* zone : zones) {
-        zone->m_holder = nullptr;
+    // Each leaves the table as it dies, and takes the zones along that are items inside it.
+    while (!m_zones.isEmpty()) {
+        delete m_zones.first();
     }
-    qDeleteAll(zones);
     const QSet<Zone*> referrers = m_referrers;
     for (Zone* zone : referrers) {
         zone->SetTerritory(zone->Holder());

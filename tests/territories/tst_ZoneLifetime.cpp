@@ -146,6 +146,7 @@ private slots:
     void ZoneOfNobody();
     void RemovedZoneOutlivesItsTerritory();
     void CopyOfNobodyForgetsTheDeadTerritory();
+    void ZonesInsideOneAnother();
     void SceneAndListOnTheStack_data();
     void SceneAndListOnTheStack();
     void ModelOutlivesTheList();
@@ -219,6 +220,16 @@ void tst_ZoneLifetime::CopyOfNobodyForgetsTheDeadTerritory()
     QCOMPARE(copy->GetTerritory(), nullptr);
     const std::unique_ptr<Zone> copyOfCopy(copy->Copy());
     QCOMPARE(copyOfCopy->GetTerritory(), nullptr);
+}
+
+void tst_ZoneLifetime::ZonesInsideOneAnother()
+{
+    Territory territory;
+    auto* outer = new Zone(&territory, 10.0F);
+    auto* inner = new Zone(&territory, 5.0F, outer);
+    QVERIFY(territory.AddZone(outer));
+    QVERIFY(territory.AddZone(inner));
+    QCOMPARE(territory.Zones().size(), 2);
 }
 
 void tst_ZoneLifetime::SceneAndListOnTheStack_data()
