@@ -12,7 +12,7 @@ ProjectFixture::ProjectFixture(QSize layerSize, QSize worldSize)
     settings.projectFileName = QStringLiteral("project.xml");
     settings.projectName = QStringLiteral("project");
     settings.projectDir = QDir(m_folder.path());
-    settings.backgroundColor = {};
+    settings.backgroundColor = QColor();
     settings.SetSizes(layerSize.width(), layerSize.height(), worldSize.width(), worldSize.height());
     settings.modified = false;
 }
