@@ -11,7 +11,8 @@ class Log : public QObject
     Q_OBJECT
 
 public:
-    enum MessageType
+    /// Other numbers are taken for information.
+    enum MessageType : int
     {
         Info = 0,
         Success = 1,
