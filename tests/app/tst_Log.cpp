@@ -1,0 +1,211 @@
+#include "app/Log.h"
+
+#include <QCoreApplication>
+#include <QRegularExpression>
+#include <QTest>
+#include <QThread>
+#include <QTime>
+
+#include <memory>
+#include <utility>
+
+Q_DECLARE_METATYPE(QtMsgType)
+
+namespace {
+
+/// What reached the console while it lives.
+class ConsoleSpy
+{
+public:
+    using Line = std::pair<QtMsgType, QString>;
+
+    ConsoleSpy()
+    {
+        Lines().clear();
+        m_previous = qInstallMessageHandler(
+            [](QtMsgType type, const QMessageLogContext&, const QString& line) {
+                Lines().append({type, line});
+            });
+    }
+    ~ConsoleSpy() { qInstallMessageHandler(m_previous); }
+    Q_DISABLE_COPY(ConsoleSpy)
+
+    static QVector<Line>& Lines()
+    {
+        static QVector<Line> lines;
+        return lines;
+    }
+
+private:
+    QtMessageHandler m_previous;
+};
+
+QString WithoutTime(const QString& line)
+{
+    static const QRegularExpression time("^[0-2][0-9]:[0-5][0-9]:[0-5][0-9] - ");
+    return time.match(line).hasMatch() ? line.mid(11) : "no time in: " + line;
+}
+
+} // namespace
+
+class tst_Log : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void ThereIsOneLog();
+    void TypesAreNumbered();
+    void MessagesReachConsoleAndSignal_data();
+    void MessagesReachConsoleAndSignal();
+    void TimeIsTheTimeOfDay();
+    void ContentIsTakenAsItIs_data();
+    void ContentIsTakenAsItIs();
+    void HelpersLogTheirTypeAndProcessEvents_data();
+    void HelpersLogTheirTypeAndProcessEvents();
+    void LoggingAloneProcessesNoEvents();
+    void MessagesOfOtherThreadsAreQueued();
+};
+
+void tst_Log::ThereIsOneLog()
+{
+    QCOMPARE(&Log::Instance(), &Log::Instance());
+}
+
+void tst_Log::TypesAreNumbered()
+{
+    QCOMPARE(int(Log::Info), 0);
+    QCOMPARE(int(Log::Success), 1);
+    QCOMPARE(int(Log::Error), 2);
+}
+
+void tst_Log::MessagesReachConsoleAndSignal_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<QtMsgType>("channel");
+    QTest::newRow("info") << int(Log::Info) << QtDebugMsg;
+    QTest::newRow("success") << int(Log::Success) << QtDebugMsg;
+    QTest::newRow("error") << int(Log::Error) << QtCriticalMsg;
+    QTest::newRow("above the types") << 3 << QtDebugMsg;
+    QTest::newRow("below the types") << -1 << QtDebugMsg;
+}
+
+void tst_Log::MessagesReachConsoleAndSignal()
+{
+    QFETCH(int, type);
+    QFETCH(QtMsgType, channel);
+    QStringList received;
+    QVector<int> receivedTypes;
+    QObject context;
+    connect(&Log::Instance(), &Log::MessageReceived, &context,
+            [&](const QString& line, Log::MessageType receivedType) {
+                received.append(line);
+                receivedTypes.append(receivedType);
+            });
+    {
+        const ConsoleSpy console;
+        Log::Instance().LogMessage("Saving project 'a'...", static_cast<Log::MessageType>(type));
+    }
+    QCOMPARE(ConsoleSpy::Lines().size(), 1);
+    QCOMPARE(ConsoleSpy::Lines().first().first, channel);
+    QCOMPARE(WithoutTime(ConsoleSpy::Lines().first().second), "Saving project 'a'...");
+    QCOMPARE(received, QStringList{ConsoleSpy::Lines().first().second});
+    QCOMPARE(receivedTypes, QVector<int>{type});
+}
+
+void tst_Log::TimeIsTheTimeOfDay()
+{
+    const ConsoleSpy console;
+    const auto now = [] { return QTime::currentTime().toString("HH:mm:ss"); };
+    // The second may change between the two.
+    QString before;
+    do {
+        ConsoleSpy::Lines().clear();
+        before = now();
+        Log::Instance().LogMessage("content", Log::Info);
+    } while (before != now());
+    QCOMPARE(ConsoleSpy::Lines().first().second, before + " - content");
+}
+
+void tst_Log::ContentIsTakenAsItIs_data()
+{
+    QTest::addColumn<QString>("content");
+    QTest::newRow("empty") << "";
+    QTest::newRow("format characters") << "%s %1 %n 100%";
+    QTest::newRow("beyond ASCII") << "Gebiet 'Süd 鹿' 🦌";
+    QTest::newRow("two lines") << "one\ntwo";
+}
+
+void tst_Log::ContentIsTakenAsItIs()
+{
+    QFETCH(QString, content);
+    const ConsoleSpy console;
+    Log::Instance().LogMessage(content, Log::Error);
+    QCOMPARE(WithoutTime(ConsoleSpy::Lines().first().second), content);
+}
+
+void tst_Log::HelpersLogTheirTypeAndProcessEvents_data()
+{
+    using Helper = void (*)(const QString&);
+    QTest::addColumn<Helper>("log");
+    QTest::addColumn<int>("type");
+    QTest::newRow("info") << Helper(LogInfo) << int(Log::Info);
+    QTest::newRow("success") << Helper(LogSuccess) << int(Log::Success);
+    QTest::newRow("error") << Helper(LogError) << int(Log::Error);
+}
+
+using LogHelper = void (*)(const QString&);
+Q_DECLARE_METATYPE(LogHelper)
+
+void tst_Log::HelpersLogTheirTypeAndProcessEvents()
+{
+    QFETCH(LogHelper, log);
+    QFETCH(int, type);
+    QVector<int> types;
+    bool areEventsProcessed = false;
+    QObject context;
+    connect(&Log::Instance(), &Log::MessageReceived, &context,
+            [&](const QString&, Log::MessageType receivedType) {
+                QVERIFY(!areEventsProcessed);
+                types.append(receivedType);
+            });
+    QMetaObject::invokeMethod(
+        &context, [&] { areEventsProcessed = true; }, Qt::QueuedConnection);
+    const ConsoleSpy console;
+    log("content");
+    QCOMPARE(types, QVector<int>{type});
+    QVERIFY(areEventsProcessed);
+}
+
+void tst_Log::LoggingAloneProcessesNoEvents()
+{
+    bool areEventsProcessed = false;
+    QObject context;
+    QMetaObject::invokeMethod(
+        &context, [&] { areEventsProcessed = true; }, Qt::QueuedConnection);
+    const ConsoleSpy console;
+    Log::Instance().LogMessage("content", Log::Info);
+    QVERIFY(!areEventsProcessed);
+}
+
+void tst_Log::MessagesOfOtherThreadsAreQueued()
+{
+    qRegisterMetaType<Log::MessageType>();
+    QStringList received;
+    QObject context;
+    connect(&Log::Instance(), &Log::MessageReceived, &context,
+            [&](const QString& line, Log::MessageType) {
+                QCOMPARE(QThread::currentThread(), QCoreApplication::instance()->thread());
+                received.append(line);
+            });
+    const ConsoleSpy console;
+    const std::unique_ptr<QThread> thread(QThread::create([] { LogError("from the worker"); }));
+    thread->start();
+    QVERIFY(thread->wait());
+    QVERIFY(received.isEmpty());
+    QCoreApplication::processEvents();
+    QCOMPARE(received.size(), 1);
+    QCOMPARE(WithoutTime(received.first()), "from the worker");
+}
+
+QTEST_GUILESS_MAIN(tst_Log)
+#include "tst_Log.moc"
