@@ -1,0 +1,166 @@
+#include "app/ProjectDocument.h"
+
+#include "app/ProjectSettings.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "territories/TerritoryType.h"
+#include "territories/TerritoryTypeList.h"
+#include "tests/support/ProjectFixture.h"
+
+#include <QFile>
+#include <QTest>
+#include <QXmlStreamWriter>
+
+#include <memory>
+
+namespace {
+
+QByteArray Written(const ProjectParts& parts)
+{
+    QByteArray document;
+    QXmlStreamWriter xml(&document);
+    WriteProjectDocument(xml, parts);
+    return document;
+}
+
+void WriteBrush(QXmlStreamWriter& xml)
+{
+    xml.writeEmptyElement("brush");
+}
+
+} // namespace
+
+class tst_ProjectDocument : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void PartsAreWrittenInOrder();
+    void EmptyProjectHasNoLists();
+    void SelectedRowIsWritten_data();
+    void SelectedRowIsWritten();
+    void CallerIsToldBeforeTheLayers();
+
+private:
+    std::unique_ptr<ProjectFixture> m_project;
+};
+
+void tst_ProjectDocument::init()
+{
+    m_project.reset();
+    m_project = std::make_unique<ProjectFixture>(QSize(4, 4), QSize(100, 100));
+}
+
+void tst_ProjectDocument::PartsAreWrittenInOrder()
+{
+    ProjectSettings& settings = ProjectSettings::Instance();
+    settings.backgroundFile = "world.png";
+    settings.backgroundColor = QColor(0, 0, 0, 0);
+    settings.areaFlagTypes.values = QVector<QString>{"rich"};
+    LayerList layers;
+    auto* coast = new Layer(1, 2, &layers, "coast");
+    coast->SetImage(settings.BlankLayerImage(), Qt::white);
+    QVERIFY(layers.AddLayer(coast));
+    TerritoryTypeList types;
+    types.AddType(new TerritoryType("Deer"));
+
+    QCOMPARE(Written({0, WriteBrush, {}, layers, types}).constData(),
+             R"(<?xml version="1.0" encoding="UTF-8"?>
+<!--Tarvo Ledger tool project file-->
+<qm-config>
+    <!--GUI props-->
+    <selected row="0"/>
+    <global>
+        <background file="world.png" rgba="0"/>
+        <layer size="4"/>
+        <world size="100"/>
+    </global>
+    <areas>
+        <usages/>
+        <values>
+            <value name="rich"/>
+        </values>
+    </areas>
+    <brush/>
+    <!--Layers-->
+    <layers>
+        <layer usage_flags="1" value_flags="2" color="4294967295" visible="0" name="coast"/>
+    </layers>
+    <!--Territories-->
+    <territory-type-list>
+        <territory-type name="Deer"/>
+    </territory-type-list>
+</qm-config>
+)");
+    QVERIFY(QFile::exists(m_project->Path("layers/coast.tga")));
+}
+
+void tst_ProjectDocument::EmptyProjectHasNoLists()
+{
+    LayerList layers;
+    const TerritoryTypeList types;
+    QCOMPARE(Written({-1, {}, {}, layers, types}).constData(),
+             R"(<?xml version="1.0" encoding="UTF-8"?>
+<!--Tarvo Ledger tool project file-->
+<qm-config>
+    <!--GUI props-->
+    <global>
+        <background file="" rgba="4278190080"/>
+        <layer size="4"/>
+        <world size="100"/>
+    </global>
+    <areas>
+        <usages/>
+        <values/>
+    </areas>
+</qm-config>
+)");
+}
+
+void tst_ProjectDocument::SelectedRowIsWritten_data()
+{
+    QTest::addColumn<int>("row");
+    QTest::addColumn<QByteArray>("element");
+    QTest::newRow("none") << -1 << QByteArray();
+    QTest::newRow("first") << 0 << QByteArray("<selected row=\"0\"/>");
+    QTest::newRow("another") << 12 << QByteArray("<selected row=\"12\"/>");
+}
+
+void tst_ProjectDocument::SelectedRowIsWritten()
+{
+    QFETCH(int, row);
+    QFETCH(QByteArray, element);
+    LayerList layers;
+    const TerritoryTypeList types;
+    const QByteArray document = Written({row, {}, {}, layers, types});
+    QCOMPARE(document.contains("<selected"), !element.isEmpty());
+    QVERIFY(document.contains(element));
+}
+
+void tst_ProjectDocument::CallerIsToldBeforeTheLayers()
+{
+    LayerList layers;
+    auto* coast = new Layer(0, 0, &layers, "coast");
+    coast->SetImage(ProjectSettings::Instance().BlankLayerImage(), Qt::white);
+    QVERIFY(layers.AddLayer(coast));
+    const TerritoryTypeList types;
+    QByteArray document;
+    QByteArray documentThen;
+    bool isBitmapThere = true;
+    QXmlStreamWriter xml(&document);
+    WriteProjectDocument(xml, {-1, WriteBrush,
+                               [&] {
+                                   documentThen = document;
+                                   isBitmapThere =
+                                       QFile::exists(m_project->Path("layers/coast.tga"));
+                               },
+                               layers, types});
+    QVERIFY(documentThen.contains("</global>"));
+    QVERIFY(documentThen.contains("<brush"));
+    QVERIFY(!documentThen.contains("<layers>"));
+    QVERIFY(!isBitmapThere);
+}
+
+QTEST_GUILESS_MAIN(tst_ProjectDocument)
+#include "tst_ProjectDocument.moc"
