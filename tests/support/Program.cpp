@@ -1,0 +1,53 @@
+#include "tests/support/Program.h"
+
+#include <QProcess>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+bool IsToolkitWarning(const QString& line)
+{
+    static const std::array<QLatin1String, 3> starts = {QLatin1String("QStandardPaths: "),
+                                                        QLatin1String("QCommandLineParser: "),
+                                                        QLatin1String("QFSFileEngine::open: ")};
+    return std::any_of(starts.begin(), starts.end(),
+                       [&line](QLatin1String start) { return line.startsWith(start); });
+}
+
+} // namespace
+
+ProgramRun RunProgram(const QString& path, const QStringList& arguments, const QString& folder,
+                      const QProcessEnvironment& environment)
+{
+    QProcess process;
+    process.setWorkingDirectory(folder);
+    process.setProcessEnvironment(environment);
+    process.start(path, arguments, QIODevice::ReadOnly);
+    ProgramRun run;
+    if (process.waitForFinished() && process.exitStatus() == QProcess::NormalExit) {
+        run.exitCode = process.exitCode();
+    }
+    run.output = QString::fromUtf8(process.readAllStandardOutput());
+    const QString errors = QString::fromUtf8(process.readAllStandardError());
+    const QStringList lines = errors.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    for (const QString& line : lines) {
+        if (!IsToolkitWarning(line)) {
+            run.log.append(line);
+        }
+    }
+    return run;
+}
+
+QStringList WithoutTimes(const QStringList& lines)
+{
+    static const QRegularExpression time(QStringLiteral("^[0-2][0-9]:[0-5][0-9]:[0-5][0-9] - "));
+    QStringList stripped;
+    for (const QString& line : lines) {
+        const bool hasTime = line.contains(time);
+        stripped.append(hasTime ? line.mid(11) : QStringLiteral("no time in: ") + line);
+    }
+    return stripped;
+}
