@@ -70,8 +70,9 @@ QImage FullMask(QSize size)
 
 QSize RandomSize(Random& random)
 {
-    // Longer than the chunks in which masks are looked at, now and then.
-    return {random.Between(1, random.Below(4) == 0 ? 300 : 70), random.Between(1, 12)};
+    // Now and then longer than the chunks, and higher than the bands, in which masks are looked at.
+    return {random.Between(1, random.Below(4) == 0 ? 300 : 70),
+            random.Between(1, random.Below(4) == 0 ? 150 : 12)};
 }
 
 QVector<FlaggedMask> RandomMasks(Random& random, QSize size)
