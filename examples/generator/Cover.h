@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Roads.h"
+#include "Sites.h"
+
+namespace generator {
+
+/// What grows and lies on the ground.
+struct Cover
+{
+    Mask forest;
+    Mask farmland;
+    Mask swamp;
+    /// Shares of the ground, 0 to 1.
+    Field sand;
+    Field rock;
+    Field snow;
+    /// 0 dry to 1 moist.
+    Field moisture;
+    /// Pixels to the nearest cell of forest, and to the nearest that has none.
+    Field toForest;
+    Field toOpen;
+    /// Pixels to the edge of the nearest settlement; below 0 inside.
+    Field toSettlement;
+    Mask isCompound;
+};
+
+Cover GrowCover(const Terrain& terrain, const Water& water, const Sites& sites, const Roads& roads);
+
+} // namespace generator
