@@ -1,0 +1,37 @@
+#pragma once
+
+#include "Habitat.h"
+
+#include <QColor>
+
+namespace generator {
+
+/// The zones of one usage that a territory of a species has.
+struct ZoneDemand
+{
+    int usage;
+    /// The event, for dynamic events.
+    const char* eventName;
+    int count;
+    float minRadiusMetres;
+    float maxRadiusMetres;
+    /// The most creatures that a zone gets, those that stay and those that come and go.
+    int maxStatic;
+    int maxDynamic;
+    float (*suits)(const Habitat& habitat, Point place);
+};
+
+struct Species
+{
+    const char* name;
+    QRgb color;
+    int territoryCount;
+    /// How far its zones lie from the middle of a territory, in pixels.
+    float reach;
+    float (*suits)(const Habitat& habitat, Point place);
+    std::vector<ZoneDemand> demands;
+};
+
+std::vector<Species> AllSpecies();
+
+} // namespace generator
