@@ -5,6 +5,7 @@ build_packages=(ca-certificates cmake g++ git ninja-build qtbase5-dev qtbase5-de
 run_packages=(fonts-dejavu-core)
 test_packages=(fonts-dejavu-core imagemagick python3 python3-pil)
 check_packages=(clang clang-format clang-tidy clazy)
+icon_packages=(librsvg2-bin)
 bench_packages=(libbenchmark-dev libopencv-dev python3 python3-numpy python3-pil)
 
 # ensure_packages PURPOSE PACKAGE...
