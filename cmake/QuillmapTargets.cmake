@@ -31,9 +31,9 @@ endif()
 # quillmap_library(NAME [SOURCES ...] [LINKS ...] [PRIVATE_LINKS ...])
 #
 # A static library of one level. Paths are relative to the project's root. Each source stands beside
-# its header of the same name; HEADERS names headers without a source. A library sees its own headers and those of the libraries it
-# links, and no others: its include path is a folder of links to exactly its headers, so that an
-# include against the layering does not compile.
+# its header of the same name; HEADERS names headers without a source. A library sees its own headers
+# and those of the libraries it links, and no others: its include path is a folder of links to
+# exactly its headers, so that an include against the layering does not compile.
 function(quillmap_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS;LINKS;PRIVATE_LINKS" ${ARGN})
   set(headers ${ARG_HEADERS})
