@@ -112,7 +112,7 @@ public:
             return;
         }
         for (int chunk = 0; chunk < m_chunks; ++chunk) {
-            const FieldType whole = m_whole[static_cast<std::size_t>(row * m_chunks + chunk)];
+            const FieldType whole = m_whole[WholeIndex(row, chunk)];
             if (whole != 0) {
                 FieldType* fields = Chunk(row, chunk);
                 for (int i = 0; i < ChunkSize; ++i) {
@@ -132,9 +132,15 @@ private:
         return (flags & Mask) != 0 && chunk < m_chunks;
     }
 
+    std::size_t WholeIndex(int row, int chunk) const
+    {
+        return static_cast<std::size_t>(row) * static_cast<std::size_t>(m_chunks) +
+               static_cast<std::size_t>(chunk);
+    }
+
     FieldType* Chunk(int row, int chunk)
     {
-        return m_fields.data() + static_cast<std::ptrdiff_t>(row * m_chunks + chunk) * ChunkSize;
+        return m_fields.data() + WholeIndex(row, chunk) * ChunkSize;
     }
 
     int m_chunks;

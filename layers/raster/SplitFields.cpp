@@ -52,7 +52,7 @@ private:
         if (any == 0) {
             return;
         }
-        std::array<Field<Bits>, PieceWords * pixelsPerWord> fields;
+        std::array<Field<Bits>, PieceWords * pixelsPerWord> fields{};
         UnpackFields<Bits>(words, wordCount, fields.data());
         AddFields(fields.data(), static_cast<int>(wordCount) * pixelsPerWord, x);
     }
