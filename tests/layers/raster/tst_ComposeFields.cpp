@@ -1,0 +1,193 @@
+#include "layers/raster/ComposeFields.h"
+
+#include "layers/raster/Mask.h"
+
+#include "tests/support/LiteralMap.h"
+#include "tests/support/Masks.h"
+
+#include <QtTest>
+
+using raster::BitFieldRaster;
+using raster::FlaggedMask;
+
+class ComposeFieldsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theTopLeftPixelIsInTheLastRowsHighestField();
+    void flagsOfOverlappingMasksAreOred();
+    void everyIndexButZeroIsSet();
+    void masksWithoutFlagsOfAKindStayOutOfItsSection();
+    void pixelsOutsideAMaskAreClear();
+    void pixelsOfALargerMaskThatHaveNoPlaceAreLeftOut();
+    void theRemainderOfARowIsLeftOut();
+    void flagsAboveTheBitCountAreLeftOut();
+    void rastersWithoutWordsStayEmpty();
+    void fieldsAreComposedLikeTheLiteralOnes_data();
+    void fieldsAreComposedLikeTheLiteralOnes();
+};
+
+namespace {
+
+void AddBitCounts()
+{
+    QTest::addColumn<int>("bits");
+    for (const int bits : {1, 2, 4, 8, 16, 32}) {
+        QTest::newRow(QByteArray::number(bits).constData()) << bits;
+    }
+}
+
+QVector<quint32> WordsOf(const BitFieldRaster& raster)
+{
+    return {raster.Words(), raster.Words() + raster.WordCount()};
+}
+
+QImage FullMask(QSize size)
+{
+    QImage mask = raster::BlankMask(size);
+    mask.fill(255);
+    return mask;
+}
+
+QSize RandomSize(Random& random)
+{
+    // Longer than the chunks in which masks are looked at, now and then.
+    return {random.Between(1, random.Below(4) == 0 ? 300 : 70), random.Between(1, 12)};
+}
+
+QVector<FlaggedMask> RandomMasks(Random& random, QSize size)
+{
+    QVector<FlaggedMask> masks;
+    for (int count = random.Below(6); count > 0; --count) {
+        const QSize maskSize = random.Below(3) == 0 ? RandomSize(random) : size;
+        const quint32 usages = random.Below(3) == 0 ? 0 : random.Bits() & random.Bits();
+        const quint32 values = random.Below(3) == 0 ? 0 : random.Bits() & random.Bits();
+        masks.append({RandomMask(random, maskSize), usages, values});
+    }
+    return masks;
+}
+
+} // namespace
+
+void ComposeFieldsTest::theTopLeftPixelIsInTheLastRowsHighestField()
+{
+    QImage mask = raster::BlankMask({8, 3});
+    mask.scanLine(0)[0] = raster::MaskSet;
+    BitFieldRaster usages(8, 8, 3);
+    BitFieldRaster values(4, 8, 3);
+    raster::ComposeFields({{mask, 1, 2}}, usages, values);
+    QCOMPARE(WordsOf(usages), (QVector<quint32>{0, 0, 0, 0, 0x01000000, 0}));
+    QCOMPARE(WordsOf(values), (QVector<quint32>{0, 0, 0x20000000}));
+}
+
+void ComposeFieldsTest::flagsOfOverlappingMasksAreOred()
+{
+    BitFieldRaster usages(4, 8, 1);
+    BitFieldRaster values(1, 8, 1);
+    raster::ComposeFields({{MaskFromArt({"##......"}), 1, 0}, {MaskFromArt({".##....."}), 4, 0}},
+                          usages, values);
+    QCOMPARE(WordsOf(usages), QVector<quint32>{0x15400000});
+}
+
+void ComposeFieldsTest::everyIndexButZeroIsSet()
+{
+    QImage mask = raster::BlankMask({4, 1});
+    mask.scanLine(0)[1] = 1;
+    mask.scanLine(0)[2] = 254;
+    BitFieldRaster usages(8, 4, 1);
+    BitFieldRaster values(8, 4, 1);
+    raster::ComposeFields({{mask, 3, 5}}, usages, values);
+    QCOMPARE(WordsOf(usages), QVector<quint32>{0x00030300});
+    QCOMPARE(WordsOf(values), QVector<quint32>{0x00050500});
+}
+
+void ComposeFieldsTest::masksWithoutFlagsOfAKindStayOutOfItsSection()
+{
+    BitFieldRaster usages(32, 2, 1);
+    BitFieldRaster values(32, 2, 1);
+    raster::ComposeFields({{FullMask({2, 1}), 0, 7}, {FullMask({2, 1}), 0, 0}}, usages, values);
+    QCOMPARE(WordsOf(usages), (QVector<quint32>{0, 0}));
+    QCOMPARE(WordsOf(values), (QVector<quint32>{7, 7}));
+}
+
+void ComposeFieldsTest::pixelsOutsideAMaskAreClear()
+{
+    BitFieldRaster usages(8, 8, 2);
+    BitFieldRaster values(1, 8, 2);
+    raster::ComposeFields({{FullMask({3, 1}), 1, 0}, {QImage(), 2, 0}}, usages, values);
+    QCOMPARE(WordsOf(usages), (QVector<quint32>{0, 0, 0x01010100, 0}));
+}
+
+void ComposeFieldsTest::pixelsOfALargerMaskThatHaveNoPlaceAreLeftOut()
+{
+    BitFieldRaster usages(16, 2, 1);
+    BitFieldRaster values(16, 2, 1);
+    raster::ComposeFields({{FullMask({5, 4}), 1, 2}}, usages, values);
+    QCOMPARE(WordsOf(usages), QVector<quint32>{0x00010001});
+    QCOMPARE(WordsOf(values), QVector<quint32>{0x00020002});
+}
+
+void ComposeFieldsTest::theRemainderOfARowIsLeftOut()
+{
+    // Of 7 pixels 4 have a place in the usages and 6 in the values.
+    BitFieldRaster usages(8, 7, 2);
+    BitFieldRaster values(16, 7, 2);
+    raster::ComposeFields({{FullMask({7, 2}), 1, 1}}, usages, values);
+    QCOMPARE(WordsOf(usages), (QVector<quint32>{0x01010101, 0x01010101}));
+    QCOMPARE(WordsOf(values), QVector<quint32>(6, 0x00010001));
+}
+
+void ComposeFieldsTest::flagsAboveTheBitCountAreLeftOut()
+{
+    BitFieldRaster usages(2, 16, 1);
+    BitFieldRaster values(2, 16, 1);
+    raster::ComposeFields({{FullMask({16, 1}), 0xFFFFFFFC, 0xFFFFFFFE}}, usages, values);
+    QCOMPARE(WordsOf(usages), QVector<quint32>{0});
+    QCOMPARE(WordsOf(values), QVector<quint32>{0xAAAAAAAA});
+}
+
+void ComposeFieldsTest::rastersWithoutWordsStayEmpty()
+{
+    BitFieldRaster none(0, 8, 2);
+    BitFieldRaster values(4, 8, 2);
+    raster::ComposeFields({{FullMask({8, 2}), 1, 2}}, none, values);
+    QCOMPARE(none.WordCount(), qint64(0));
+    QCOMPARE(WordsOf(values), (QVector<quint32>{0x22222222, 0x22222222}));
+    BitFieldRaster alsoNone(0, 8, 2);
+    raster::ComposeFields({{FullMask({8, 2}), 1, 2}}, none, alsoNone);
+    QCOMPARE(alsoNone.WordCount(), qint64(0));
+}
+
+void ComposeFieldsTest::fieldsAreComposedLikeTheLiteralOnes_data()
+{
+    AddBitCounts();
+}
+
+void ComposeFieldsTest::fieldsAreComposedLikeTheLiteralOnes()
+{
+    QFETCH(int, bits);
+    Random random;
+    for (int i = 0; i < 60; ++i) {
+        const QSize size = RandomSize(random);
+        const int valueBits = 1 << random.Below(6);
+        const QVector<FlaggedMask> masks = RandomMasks(random, size);
+        BitFieldRaster usages(bits, size.width(), size.height());
+        BitFieldRaster values(valueBits, size.width(), size.height());
+        raster::ComposeFields(masks, usages, values);
+        QVector<QImage> images;
+        QVector<quint32> usageFlags;
+        QVector<quint32> valueFlags;
+        for (const FlaggedMask& mask : masks) {
+            images.append(mask.mask);
+            usageFlags.append(mask.usageFlags);
+            valueFlags.append(mask.valueFlags);
+        }
+        QCOMPARE(WordsOf(usages), literal::SectionWords(images, usageFlags, bits, size));
+        QCOMPARE(WordsOf(values), literal::SectionWords(images, valueFlags, valueBits, size));
+    }
+}
+
+QTEST_GUILESS_MAIN(ComposeFieldsTest)
+
+#include "tst_ComposeFields.moc"

@@ -1,0 +1,184 @@
+#include "layers/raster/SplitFields.h"
+
+#include "layers/raster/BitFieldRaster.h"
+#include "layers/raster/ComposeFields.h"
+#include "layers/raster/Mask.h"
+
+#include "tests/support/LiteralMap.h"
+#include "tests/support/Masks.h"
+
+#include <QtTest>
+
+using raster::BitFieldRaster;
+using raster::FlagMask;
+
+class SplitFieldsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void flagsComeInTheOrderOfTheirFirstPixels();
+    void combinedFlagsAreSplit();
+    void flagsBehindTheKnownOnesAreIgnored_data();
+    void flagsBehindTheKnownOnesAreIgnored();
+    void missingWordsCountAsClear();
+    void masksHaveTheGreyTable();
+    void rowsNarrowerThanAWordHoldNothing();
+    void fieldsAreSplitLikeTheLiteralOnes_data();
+    void fieldsAreSplitLikeTheLiteralOnes();
+    void composedFieldsSplitIntoTheirFlags();
+};
+
+namespace {
+
+void AddBitCounts()
+{
+    QTest::addColumn<int>("bits");
+    for (const int bits : {1, 2, 4, 8, 16, 32}) {
+        QTest::newRow(QByteArray::number(bits).constData()) << bits;
+    }
+}
+
+QVector<quint32> WordsOf(const BitFieldRaster& raster)
+{
+    return {raster.Words(), raster.Words() + raster.WordCount()};
+}
+
+QVector<FlagMask> Split(const QVector<quint32>& words, int bits, QSize size, int flagCount)
+{
+    return raster::SplitFields({words.constData(), words.size(), bits, size}, flagCount);
+}
+
+QSize RandomSize(Random& random)
+{
+    // Longer than the chunks in which masks are looked at, now and then.
+    return {random.Between(1, random.Below(4) == 0 ? 300 : 70), random.Between(1, 12)};
+}
+
+QVector<quint32> RandomWords(Random& random, qint64 count)
+{
+    QVector<quint32> words;
+    const int clearShare = random.Below(5);
+    for (qint64 i = 0; i < count; ++i) {
+        words.append(random.Below(5) < clearShare ? 0 : random.Bits() & random.Bits());
+    }
+    return words;
+}
+
+} // namespace
+
+void SplitFieldsTest::flagsComeInTheOrderOfTheirFirstPixels()
+{
+    // Two rows of two pixels: the bottom row is the first of the file.
+    const QVector<FlagMask> masks = Split({0x00000006, 0x00000009, 0x00000011, 0}, 32, {2, 2}, 8);
+    QVector<int> flags;
+    for (const FlagMask& mask : masks) {
+        flags.append(mask.flag);
+    }
+    QCOMPARE(flags, (QVector<int>{1, 2, 0, 3, 4}));
+    QCOMPARE(ArtFromMask(masks.at(0).mask), (QStringList{"..", "#."}));
+    QCOMPARE(ArtFromMask(masks.at(1).mask), (QStringList{"..", "#."}));
+    QCOMPARE(ArtFromMask(masks.at(2).mask), (QStringList{"#.", ".#"}));
+    QCOMPARE(ArtFromMask(masks.at(3).mask), (QStringList{"..", ".#"}));
+    QCOMPARE(ArtFromMask(masks.at(4).mask), (QStringList{"#.", ".."}));
+}
+
+void SplitFieldsTest::combinedFlagsAreSplit()
+{
+    const QVector<FlagMask> masks = Split({0x00050500}, 8, {4, 1}, 3);
+    QCOMPARE(masks.size(), 2);
+    QCOMPARE(masks.at(0).flag, 0);
+    QCOMPARE(masks.at(1).flag, 2);
+    QCOMPARE(ArtFromMask(masks.at(0).mask), QStringList{".##."});
+    QCOMPARE(ArtFromMask(masks.at(1).mask), QStringList{".##."});
+}
+
+void SplitFieldsTest::flagsBehindTheKnownOnesAreIgnored_data()
+{
+    QTest::addColumn<int>("flagCount");
+    QTest::addColumn<int>("found");
+    QTest::newRow("negative") << -1 << 0;
+    QTest::newRow("0") << 0 << 0;
+    QTest::newRow("1") << 1 << 1;
+    QTest::newRow("31") << 31 << 31;
+    QTest::newRow("32") << 32 << 32;
+    QTest::newRow("more than there are bits") << 40 << 32;
+}
+
+void SplitFieldsTest::flagsBehindTheKnownOnesAreIgnored()
+{
+    QFETCH(int, flagCount);
+    QFETCH(int, found);
+    const QVector<FlagMask> masks = Split({0xFFFFFFFF}, 32, {1, 1}, flagCount);
+    QCOMPARE(masks.size(), found);
+    for (int i = 0; i < found; ++i) {
+        QCOMPARE(masks.at(i).flag, i);
+    }
+}
+
+void SplitFieldsTest::missingWordsCountAsClear()
+{
+    // The second file row, the top one of the image, lacks its second word.
+    const QVector<FlagMask> masks = Split({0x01010101, 0x01010101, 0x01010101}, 8, {8, 3}, 1);
+    QCOMPARE(masks.size(), 1);
+    QCOMPARE(ArtFromMask(masks.at(0).mask), (QStringList{"........", "####....", "########"}));
+    QVERIFY(Split({}, 8, {8, 3}, 1).isEmpty());
+}
+
+void SplitFieldsTest::masksHaveTheGreyTable()
+{
+    const QImage mask = Split({1}, 32, {1, 1}, 1).at(0).mask;
+    QCOMPARE(mask.format(), QImage::Format_Indexed8);
+    QCOMPARE(mask.colorTable(), raster::GreyTable());
+}
+
+void SplitFieldsTest::rowsNarrowerThanAWordHoldNothing()
+{
+    QVERIFY(Split({}, 8, {3, 5}, 8).isEmpty());
+}
+
+void SplitFieldsTest::fieldsAreSplitLikeTheLiteralOnes_data()
+{
+    AddBitCounts();
+}
+
+void SplitFieldsTest::fieldsAreSplitLikeTheLiteralOnes()
+{
+    QFETCH(int, bits);
+    Random random;
+    for (int i = 0; i < 40; ++i) {
+        const QSize size = RandomSize(random);
+        const qint64 fullCount = BitFieldRaster(bits, size.width(), size.height()).WordCount();
+        const qint64 count = random.Below(2) == 0 ? fullCount : random.Below(int(fullCount) + 1);
+        const QVector<quint32> words = RandomWords(random, count);
+        const int flagCount = random.Below(33);
+        const QVector<FlagMask> masks = Split(words, bits, size, flagCount);
+        const auto expected = literal::SplitSection(words, bits, size, flagCount);
+        QCOMPARE(masks.size(), expected.size());
+        for (int m = 0; m < masks.size(); ++m) {
+            QCOMPARE(masks.at(m).flag, expected.at(m).flag);
+            QCOMPARE(masks.at(m).mask, expected.at(m).image);
+        }
+    }
+}
+
+void SplitFieldsTest::composedFieldsSplitIntoTheirFlags()
+{
+    const QImage left = MaskFromArt({"####....", "..##...."});
+    const QImage right = MaskFromArt({"....####", ".....#.."});
+    BitFieldRaster usages(4, 8, 2);
+    BitFieldRaster values(4, 8, 2);
+    raster::ComposeFields({{left, 1, 8}, {right, 2, 4}}, usages, values);
+    const QVector<FlagMask> usageMasks = Split(WordsOf(usages), 4, {8, 2}, 4);
+    QCOMPARE(usageMasks.size(), 2);
+    QCOMPARE(usageMasks.at(0).mask, left);
+    QCOMPARE(usageMasks.at(1).mask, right);
+    const QVector<FlagMask> valueMasks = Split(WordsOf(values), 4, {8, 2}, 4);
+    QCOMPARE(valueMasks.size(), 2);
+    QCOMPARE(valueMasks.at(0).flag, 3);
+    QCOMPARE(valueMasks.at(1).flag, 2);
+}
+
+QTEST_GUILESS_MAIN(SplitFieldsTest)
+
+#include "tst_SplitFields.moc"
