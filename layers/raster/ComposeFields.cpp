@@ -63,9 +63,9 @@ template <int Bits>
 class FieldBandOf final : public FieldBand
 {
 public:
-    explicit FieldBandOf(const BitFieldRaster& raster)
-        : m_chunks((raster.FieldsPerRow() + ChunkSize - 1) / ChunkSize)
-        , m_wordsPerRow(raster.WordsPerRow())
+    explicit FieldBandOf(int fieldsPerRow)
+        : m_chunks((fieldsPerRow + ChunkSize - 1) / ChunkSize)
+        , m_wordsPerRow((fieldsPerRow + PixelsPerWord - 1) / PixelsPerWord)
         , m_fields(static_cast<std::size_t>(m_chunks) * ChunkSize * BandRows)
         , m_whole(static_cast<std::size_t>(m_chunks) * BandRows)
         , m_isTouched(BandRows)
@@ -126,6 +126,7 @@ public:
 private:
     using FieldType = Field<Bits>;
     static constexpr quint32 Mask = 0xFFFFFFFFU >> (32 - Bits);
+    static constexpr int PixelsPerWord = 32 / Bits;
 
     bool IsWanted(int chunk, quint32 flags) const
     {
@@ -151,22 +152,34 @@ private:
     std::vector<uchar> m_isTouched;
 };
 
-std::unique_ptr<FieldBand> MakeBand(const BitFieldRaster& raster)
+/// A band of the raster's first columns, at most maxWidth.
+std::unique_ptr<FieldBand> MakeBand(const BitFieldRaster& raster, int maxWidth)
 {
+    const int width = std::min(raster.FieldsPerRow(), maxWidth);
     switch (raster.Bits()) {
     case 1:
-        return std::make_unique<FieldBandOf<1>>(raster);
+        return std::make_unique<FieldBandOf<1>>(width);
     case 2:
-        return std::make_unique<FieldBandOf<2>>(raster);
+        return std::make_unique<FieldBandOf<2>>(width);
     case 4:
-        return std::make_unique<FieldBandOf<4>>(raster);
+        return std::make_unique<FieldBandOf<4>>(width);
     case 8:
-        return std::make_unique<FieldBandOf<8>>(raster);
+        return std::make_unique<FieldBandOf<8>>(width);
     case 16:
-        return std::make_unique<FieldBandOf<16>>(raster);
+        return std::make_unique<FieldBandOf<16>>(width);
     default:
-        return std::make_unique<FieldBandOf<32>>(raster);
+        return std::make_unique<FieldBandOf<32>>(width);
     }
+}
+
+/// The size that holds every mask. Rasters may be much larger, and stay clear there.
+QSize SizeOfAll(const QVector<FlaggedMask>& masks)
+{
+    QSize size(0, 0);
+    for (const FlaggedMask& flagged : masks) {
+        size = size.expandedTo(flagged.mask.size());
+    }
+    return size;
 }
 
 class Composer
@@ -177,9 +190,11 @@ public:
         : m_masks(masks)
         , m_usageRaster(usageRaster)
         , m_valueRaster(valueRaster)
-        , m_usages(MakeBand(usageRaster))
-        , m_values(MakeBand(valueRaster))
-        , m_width(std::max(usageRaster.FieldsPerRow(), valueRaster.FieldsPerRow()))
+        , m_maskSize(SizeOfAll(masks))
+        , m_usages(MakeBand(usageRaster, m_maskSize.width()))
+        , m_values(MakeBand(valueRaster, m_maskSize.width()))
+        , m_width(std::min(std::max(usageRaster.FieldsPerRow(), valueRaster.FieldsPerRow()),
+                           m_maskSize.width()))
         , m_height(std::max(usageRaster.Height(), valueRaster.Height()))
         , m_kinds(static_cast<std::size_t>(m_width / ChunkSize) * BandRows)
     {
@@ -187,8 +202,9 @@ public:
 
     void Compose()
     {
-        for (int top = 0; top < m_height; top += BandRows) {
-            const int rows = std::min(BandRows, m_height - top);
+        const int end = std::min(m_height, m_maskSize.height());
+        for (int top = 0; top < end; top += BandRows) {
+            const int rows = std::min(BandRows, end - top);
             m_usages->Clear();
             m_values->Clear();
             for (const FlaggedMask& flagged : m_masks) {
@@ -269,6 +285,7 @@ private:
     const QVector<FlaggedMask>& m_masks;
     BitFieldRaster& m_usageRaster;
     BitFieldRaster& m_valueRaster;
+    QSize m_maskSize;
     std::unique_ptr<FieldBand> m_usages;
     std::unique_ptr<FieldBand> m_values;
     int m_width;

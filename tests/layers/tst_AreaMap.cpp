@@ -38,6 +38,8 @@ private slots:
     void sizesOfNothingAreWrittenWithoutWords_data();
     void sizesOfNothingAreWrittenWithoutWords();
     void sizesBeyondAllMemoryAreNotWritten();
+    void oneHugeSideTakesNoMoreMemoryThanTheMap_data();
+    void oneHugeSideTakesNoMoreMemoryThanTheMap();
     void savingSaysWhatItDoes();
     void aMapThatCannotBeOpenedIsAnError();
     void tooManyFlagTypesAreRefusedBeforeTheFileIsOpened_data();
@@ -381,6 +383,31 @@ void AreaMapTest::sizesBeyondAllMemoryAreNotWritten()
     SetTypes(0, 32);
     QVERIFY(!layers.SaveMap(File()));
     QCOMPARE(ReadBytes(File()), QByteArray("old"));
+}
+
+void AreaMapTest::oneHugeSideTakesNoMoreMemoryThanTheMap_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<int>("typeCount");
+    QTest::newRow("widest") << QSize(2147483647, 1) << 1;
+    QTest::newRow("wide") << QSize(4000000, 9) << 8;
+    QTest::newRow("high") << QSize(9, 4000000) << 32;
+}
+
+void AreaMapTest::oneHugeSideTakesNoMoreMemoryThanTheMap()
+{
+    // The sizes are those of the file that was imported last, whatever it said.
+    QFETCH(QSize, size);
+    QFETCH(int, typeCount);
+    SetTypes(typeCount, 0);
+    SetLayerSize(size);
+    LayerList layers;
+    Add(layers, FullMask({200, 300}), 1, 0);
+    constexpr quint64 mebibyte = 1 << 20;
+    const MemoryLimit limit(640 * mebibyte);
+    const FileSizeLimit noFile(0);
+    QVERIFY(!layers.SaveMap(File()));
+    QCOMPARE(m_log.Messages(), QStringList{"Info: Processing binary map ..."});
 }
 
 void AreaMapTest::savingSaysWhatItDoes()
