@@ -24,6 +24,8 @@ private slots:
     void theRemainderOfARowIsLeftOut();
     void flagsAboveTheBitCountAreLeftOut();
     void rastersWithoutWordsStayEmpty();
+    void clearMixedAndSetStretchesAreKeptApart_data();
+    void clearMixedAndSetStretchesAreKeptApart();
     void fieldsAreComposedLikeTheLiteralOnes_data();
     void fieldsAreComposedLikeTheLiteralOnes();
 };
@@ -52,8 +54,9 @@ QImage FullMask(QSize size)
 
 QSize RandomSize(Random& random)
 {
-    // Longer than the chunks in which masks are looked at, now and then.
-    return {random.Between(1, random.Below(4) == 0 ? 300 : 70), random.Between(1, 12)};
+    // Now and then more than the chunks and the bands in which masks are looked at.
+    return {random.Between(1, random.Below(4) == 0 ? 400 : 70),
+            random.Between(1, random.Below(4) == 0 ? 150 : 12)};
 }
 
 QVector<FlaggedMask> RandomMasks(Random& random, QSize size)
@@ -63,7 +66,8 @@ QVector<FlaggedMask> RandomMasks(Random& random, QSize size)
         const QSize maskSize = random.Below(3) == 0 ? RandomSize(random) : size;
         const quint32 usages = random.Below(3) == 0 ? 0 : random.Bits() & random.Bits();
         const quint32 values = random.Below(3) == 0 ? 0 : random.Bits() & random.Bits();
-        masks.append({RandomMask(random, maskSize), usages, values});
+        const bool isFull = random.Below(4) == 0;
+        masks.append({isFull ? FullMask(maskSize) : RandomMask(random, maskSize), usages, values});
     }
     return masks;
 }
@@ -157,6 +161,39 @@ void ComposeFieldsTest::rastersWithoutWordsStayEmpty()
     BitFieldRaster alsoNone(0, 8, 2);
     raster::ComposeFields({{FullMask({8, 2}), 1, 2}}, none, alsoNone);
     QCOMPARE(alsoNone.WordCount(), qint64(0));
+}
+
+void ComposeFieldsTest::clearMixedAndSetStretchesAreKeptApart_data()
+{
+    AddBitCounts();
+}
+
+void ComposeFieldsTest::clearMixedAndSetStretchesAreKeptApart()
+{
+    QFETCH(int, bits);
+    // Each row is another sequence of stretches that are clear, mixed or set throughout, and a
+    // shorter one at its end.
+    constexpr int stretch = 128;
+    constexpr int stretches = 4;
+    const QSize size(stretches * stretch + 40, 81);
+    QImage mask = FullMask(size);
+    for (int y = 0; y < size.height(); ++y) {
+        uchar* pixels = mask.scanLine(y);
+        for (int i = 0, kinds = y; i < stretches; ++i, kinds /= 3, pixels += stretch) {
+            if (kinds % 3 == 0) {
+                std::fill_n(pixels, stretch, raster::MaskClear);
+            } else if (kinds % 3 == 1) {
+                pixels[y] = raster::MaskClear;
+            }
+        }
+    }
+    // The rasters are larger than the mask.
+    const QSize rasterSize(size.width() + 300, size.height() + 70);
+    BitFieldRaster usages(bits, rasterSize.width(), rasterSize.height());
+    BitFieldRaster values(32, rasterSize.width(), rasterSize.height());
+    raster::ComposeFields({{mask, 1, 0x80000001}}, usages, values);
+    QCOMPARE(WordsOf(usages), literal::SectionWords({mask}, {1}, bits, rasterSize));
+    QCOMPARE(WordsOf(values), literal::SectionWords({mask}, {0x80000001}, 32, rasterSize));
 }
 
 void ComposeFieldsTest::fieldsAreComposedLikeTheLiteralOnes_data()
