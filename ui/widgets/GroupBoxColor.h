@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QColor>
+#include <QGroupBox>
+
+class ButtonColor;
+class QLabel;
+class QSlider;
+
+/// A box with a colour button and an opacity slider, as for a layer or the brush's cursor.
+class GroupBoxColor : public QGroupBox
+{
+    Q_OBJECT
+
+public:
+    explicit GroupBoxColor(QWidget* parent = nullptr);
+
+    /// Shows the colour and its alpha. Emits AlphaChanged when the alpha is another one than shown,
+    /// and never ColorChanged.
+    void SetColor(const QColor& color);
+    /// Likewise; alpha is brought into 0 to 255, and that of rgb is ignored.
+    void SetColor(int alpha, QRgb rgb);
+
+public slots:
+    void SliderMoved(int val);
+
+signals:
+    /// The user picked a colour.
+    void ColorChanged(QColor color);
+    /// Alpha from 0 to 255, opacity from 0 to 1.
+    void AlphaChanged(int alpha, float opacity);
+
+private:
+    void BuildForm();
+    void ShowOpacity();
+
+    ButtonColor* m_button;
+    QSlider* m_slider;
+    QLabel* m_label;
+};
