@@ -1,0 +1,54 @@
+#pragma once
+
+#include "canvas/Brush.h"
+
+#include <QDockWidget>
+
+#include <memory>
+
+namespace Ui {
+class BrushDock;
+}
+
+/// The dock in which the user sets the brush's size, cursor colour and outline. It holds the brush,
+/// with which the map scene paints.
+class BrushDock : public QDockWidget
+{
+    Q_OBJECT
+
+public:
+    explicit BrushDock(QWidget* parent = nullptr);
+    ~BrushDock() override;
+    Q_DISABLE_COPY(BrushDock)
+
+    /// Lives as long as the dock.
+    Brush* GetBrush() { return &m_brush; }
+
+    /// The diameter in layer pixels, brought into the slider's range.
+    void SetSize(int size);
+    void GrowBy(int step);
+    void ShrinkBy(int step);
+    /// The cursor's colour; keeps its alpha.
+    void SetColor(const QColor& color);
+    /// The cursor's alpha, 0 to 255.
+    void SetAlpha(int alpha, float opacity);
+    /// With its alpha.
+    void SetOutlineColor(const QColor& color);
+    void SetOutlineWidth(int width);
+    void SetOutline(bool isOn);
+    /// The colour that is painted; keeps its alpha.
+    void SetPaintColor(QRgb rgb);
+    /// Shows a brush that was read from a project. A size that the slider cannot show is clamped.
+    void Refresh();
+
+signals:
+    /// A setting of the brush changed.
+    void Changed();
+
+private:
+    void InitForm();
+    void Connect();
+
+    Brush m_brush;
+    std::unique_ptr<Ui::BrushDock> m_ui;
+};
