@@ -1,0 +1,125 @@
+#include "canvas/RulerTicks.h"
+
+#include <cmath>
+
+namespace {
+
+/// Ticks at every multiple of a step in scene units.
+struct TickSet
+{
+    int step;
+    /// Of the thickness.
+    double gap;
+    bool isLabelled;
+};
+
+using TickSets = std::vector<TickSet>;
+
+/// The closest ticks that can still be told apart; also what bounds their number.
+constexpr double ClosestSpacing = 1;
+/// Ticks farther away are left out: their labels' positions need not fit into an int.
+constexpr double FarthestPosition = 1e6;
+/// More steps from the origin than this cannot be counted.
+constexpr double MostSteps = 1e9;
+
+TickSets TickSetsFor(float zoom)
+{
+    if (zoom >= 6.0F) {
+        return {{25, 0.5, true}, {50, 0.25, false}, {100, 0, false}};
+    }
+    if (zoom >= 3.0F) {
+        return {{25, 0.5, false}, {50, 0.25, true}, {100, 0, false}};
+    }
+    if (zoom > 0.5F) {
+        return {{25, 0.5, false}, {50, 0.25, false}, {100, 0, true}};
+    }
+    const int farStep = zoom > 0.25F ? 200 : 400;
+    return {{25, 0.5, false}, {50, 0.25, false}, {100, 0, false}, {farStep, 0, true}};
+}
+
+/// Walks one set of ticks along a ruler.
+class TickWalk
+{
+public:
+    TickWalk(const RulerScale& scale, const TickSet& set, double thickness,
+             std::vector<RulerTick>& ticks)
+        : m_scale(scale)
+        , m_set(set)
+        , m_thickness(thickness)
+        , m_ticks(ticks)
+        , m_origin(static_cast<double>(scale.origin))
+        , m_spacing(set.step * static_cast<double>(scale.zoom))
+    {
+    }
+
+    void Run(double end)
+    {
+        if (!std::isfinite(m_origin) || !std::isfinite(m_spacing) || m_spacing < ClosestSpacing) {
+            return;
+        }
+        if (m_origin < 0) {
+            Forward(std::trunc(-m_origin / m_spacing), end);
+        } else if (m_origin > end) {
+            Backward(-std::trunc((m_origin - end) / m_spacing));
+        } else {
+            Forward(0, end);
+            Backward(-1);
+        }
+    }
+
+private:
+    double Position(double n) const { return m_origin + n * m_spacing; }
+
+    void Forward(double first, double end)
+    {
+        for (double n = first; n < MostSteps && Position(n) <= end; ++n) {
+            Add(n);
+        }
+    }
+
+    void Backward(double first)
+    {
+        for (double n = first; n > -MostSteps && Position(n) >= 0; --n) {
+            Add(n);
+        }
+    }
+
+    void Add(double n)
+    {
+        if (std::abs(Position(n)) < FarthestPosition) {
+            m_ticks.push_back({Position(n), m_thickness * m_set.gap, Label(n)});
+        }
+    }
+
+    QString Label(double n) const
+    {
+        const double value = n * m_set.step * static_cast<double>(m_scale.unit);
+        if (!m_set.isLabelled || !std::isfinite(value)) {
+            return {};
+        }
+        // 0 has no sign on the map.
+        const double shown = m_scale.flipSign && value != 0 ? -value : value;
+        return QString::number(shown, 'g', 6);
+    }
+
+    const RulerScale& m_scale;
+    const TickSet& m_set;
+    double m_thickness;
+    std::vector<RulerTick>& m_ticks;
+    double m_origin;
+    double m_spacing;
+};
+
+} // namespace
+
+std::vector<RulerTick> RulerTicks(const RulerScale& scale, double length, double thickness)
+{
+    std::vector<RulerTick> ticks;
+    if (!(length > 0) || !(thickness > 0)) {
+        return ticks;
+    }
+    for (const TickSet& set : TickSetsFor(scale.zoom)) {
+        TickWalk(scale, set, thickness, ticks).Run(length);
+    }
+    return ticks;
+}
