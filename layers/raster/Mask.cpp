@@ -1,9 +1,11 @@
 #include "layers/raster/Mask.h"
 
+#include "layers/raster/WideVectors.h"
 #include "layers/raster/ZeroedMemory.h"
 
 #include <QVector>
 
+#include <algorithm>
 #include <memory>
 
 namespace raster {
@@ -40,6 +42,25 @@ QImage BlankMask(QSize size)
     Q_UNUSED(pixels.release())
     mask.setColorTable(GreyTable());
     return mask;
+}
+
+QImage UnfilledCopy(const QImage& image)
+{
+    QImage copy(image.size(), image.format());
+    if (copy.isNull()) {
+        return {};
+    }
+    copy.setColorTable(image.colorTable());
+    copy.setDotsPerMeterX(image.dotsPerMeterX());
+    copy.setDotsPerMeterY(image.dotsPerMeterY());
+    copy.setDevicePixelRatio(image.devicePixelRatio());
+    const int used = (image.width() * image.depth() + 7) / 8;
+    const int stride = std::min(copy.bytesPerLine(), image.bytesPerLine());
+    for (int y = 0; y < copy.height() && used < stride; ++y) {
+        const uchar* padded = image.constScanLine(y);
+        std::copy(padded + used, padded + stride, copy.scanLine(y) + used);
+    }
+    return copy;
 }
 
 QImage ImageToMask(const QImage& source, QRgb rgb)
@@ -80,6 +101,24 @@ QImage MaskToDisplay(const QImage& mask, QRgb rgb)
 bool SameGeometry(const QImage& a, const QImage& b)
 {
     return !a.isNull() && !b.isNull() && a.format() == b.format() && a.size() == b.size();
+}
+
+QUILLMAP_WIDE_VECTORS
+bool IsBinary(const QImage& mask)
+{
+    const int width = mask.width();
+    for (int y = 0; y < mask.height(); ++y) {
+        const uchar* pixels = mask.constScanLine(y);
+        uchar others = 0;
+        for (int x = 0; x < width; ++x) {
+            // 255 and 0 become 0 and 1 when one is added.
+            others |= static_cast<uchar>(pixels[x] + 1);
+        }
+        if (others > 1) {
+            return false;
+        }
+    }
+    return true;
 }
 
 } // namespace raster

@@ -21,6 +21,10 @@ constexpr int MaxMaskLength = 65535;
 /// Its pixels take memory only where something is written.
 QImage BlankMask(QSize size);
 
+/// An image of the same size, format, resolution and colour table, whose pixels are still to be
+/// written; null for a null image and when there is no memory. Bytes that pad a row are copied.
+QImage UnfilledCopy(const QImage& image);
+
 /// The mask of the pixels that equal rgb exactly. The source has 32 bits a pixel and rgb is
 /// opaque. A Format_Indexed8 source is returned as it is; any other depth gives a null image.
 QImage ImageToMask(const QImage& source, QRgb rgb);
@@ -31,5 +35,8 @@ QImage MaskToDisplay(const QImage& mask, QRgb rgb);
 
 /// True when neither image is null and both have the same format, width and height.
 bool SameGeometry(const QImage& a, const QImage& b);
+
+/// True when every pixel of a Format_Indexed8 image is MaskClear or MaskSet.
+bool IsBinary(const QImage& mask);
 
 } // namespace raster
