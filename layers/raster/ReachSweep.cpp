@@ -1,0 +1,98 @@
+#include "layers/raster/ReachSweep.h"
+
+#include "layers/raster/Mask.h"
+#include "layers/raster/RowReach.h"
+#include "layers/raster/WideVectors.h"
+
+#include <algorithm>
+#include <type_traits>
+#include <vector>
+
+namespace raster {
+namespace {
+
+/// Moves on to a row in which own(x, pixel) is what its own pixels reach, and writes its pixels:
+/// from one row to the next everything reaches one row less far.
+template <typename T, typename Own, typename Pixel>
+void Advance(int width, T* __restrict reach, uchar* __restrict pixels, Own own, Pixel toPixel)
+{
+    for (int x = 0; x < width; ++x) {
+        // A reach below 0 is passed over by the maximum, but a byte has none.
+        const T still = std::is_signed_v<T> ? reach[x] : std::max<T>(reach[x], 1);
+        const T here = std::max<T>(static_cast<T>(still - 1), own(x, pixels[x]));
+        reach[x] = here;
+        pixels[x] = toPixel(here, pixels[x]);
+    }
+}
+
+/// MaskSet or MaskClear without a choice, which would be made once more for each flip.
+template <typename T>
+uchar ToPixel(T reach)
+{
+    return static_cast<uchar>(-static_cast<int>(reach != 0));
+}
+
+/// The nearest set pixel of each row says how many rows further a pixel of that row is within the
+/// disc; what the rows above and below still reach is the maximum of these, less one a row. It is
+/// the two-phase scheme of distance transforms (Meijster, Roerdink and Hesselink, 2000) with the
+/// radius known beforehand, which leaves no minimum over parabolas to be found.
+///
+/// This one keeps the reach of the sweep downward in the result, where a byte holds it.
+QUILLMAP_WIDE_VECTORS
+void SweepBytes(const QImage& mask, const DiscShape& disc, uchar flip, QImage& result)
+{
+    const int width = mask.width();
+    RowReach<uchar> row(disc, mask.size());
+    std::vector<uchar> reach(static_cast<std::size_t>(width));
+    for (int y = 0; y < mask.height(); ++y) {
+        const uchar* own = row.Of(mask.constScanLine(y), flip);
+        Advance(
+            width, reach.data(), result.scanLine(y), [own](int x, uchar) { return own[x]; },
+            [](uchar here, uchar) { return here; });
+    }
+    std::fill(reach.begin(), reach.end(), uchar(0));
+    for (int y = mask.height() - 1; y >= 0; --y) {
+        Advance(
+            width, reach.data(), result.scanLine(y), [](int, uchar kept) { return kept; },
+            [flip](uchar here, uchar) -> uchar { return ToPixel(here) ^ flip; });
+    }
+}
+
+/// For a longer reach, which the sweep upward finds once more: that is faster than to keep it, and
+/// takes no memory.
+template <typename T>
+QUILLMAP_WIDE_VECTORS void SweepTwice(const QImage& mask, const DiscShape& disc, uchar flip,
+                                      QImage& result)
+{
+    const int width = mask.width();
+    RowReach<T> row(disc, mask.size());
+    std::vector<T> reach(static_cast<std::size_t>(width));
+    for (int y = 0; y < mask.height(); ++y) {
+        const T* own = row.Of(mask.constScanLine(y), flip);
+        Advance(
+            width, reach.data(), result.scanLine(y), [own](int x, uchar) { return own[x]; },
+            [](T here, uchar) { return ToPixel(here); });
+    }
+    std::fill(reach.begin(), reach.end(), T(0));
+    for (int y = mask.height() - 1; y >= 0; --y) {
+        const T* own = row.Of(mask.constScanLine(y), flip);
+        Advance(
+            width, reach.data(), result.scanLine(y), [own](int x, uchar) { return own[x]; },
+            [flip](T here, uchar above) -> uchar { return (ToPixel(here) | above) ^ flip; });
+    }
+}
+
+} // namespace
+
+void DilateBySweeps(const QImage& mask, const DiscShape& disc, uchar flip, QImage& result)
+{
+    if (RowReach<uchar>::Holds(disc, mask.size())) {
+        SweepBytes(mask, disc, flip, result);
+    } else if (RowReach<qint16>::Holds(disc, mask.size())) {
+        SweepTwice<qint16>(mask, disc, flip, result);
+    } else {
+        SweepTwice<qint32>(mask, disc, flip, result);
+    }
+}
+
+} // namespace raster

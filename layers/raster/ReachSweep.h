@@ -1,0 +1,14 @@
+#pragma once
+
+#include "layers/raster/StructuringElement.h"
+
+#include <QImage>
+
+namespace raster {
+
+/// Dilates a binary mask by a disc, for a cost that does not grow with the radius. result has the
+/// mask's size and format. flip inverts what is read and written: 0 dilates, 255 erodes. Takes
+/// scratch memory for a few rows only.
+void DilateBySweeps(const QImage& mask, const DiscShape& disc, uchar flip, QImage& result);
+
+} // namespace raster
