@@ -1,0 +1,129 @@
+#include "layers/raster/Morphology.h"
+
+#include "layers/raster/ChordUnion.h"
+#include "layers/raster/CrossMaximum.h"
+#include "layers/raster/Mask.h"
+#include "layers/raster/ReachSweep.h"
+#include "layers/raster/RunningMaximum.h"
+#include "layers/raster/StructuringElement.h"
+
+#include <algorithm>
+
+namespace raster {
+namespace {
+
+/// Erosion is the dilation of the complement, complemented; flip inverts what is read and written.
+constexpr uchar DilateFlip = 0;
+constexpr uchar ErodeFlip = 255;
+
+/// Above this radius two sweeps are faster than the chords of packed rows.
+constexpr int LargestChordRadius = 12;
+
+bool IsIndexed(const QImage& mask)
+{
+    return !mask.isNull() && mask.format() == QImage::Format_Indexed8;
+}
+
+QImage DilateByDisc(const QImage& mask, const DiscShape& disc, uchar flip)
+{
+    if (!IsIndexed(mask) || disc.Radius() == 0) {
+        return IsIndexed(mask) ? mask : QImage();
+    }
+    QImage result = UnfilledCopy(mask);
+    if (result.isNull()) {
+        return {};
+    }
+    if (disc.Radius() == 1 && disc.HalfChord(1) == 0) {
+        DilateByCross(mask, flip, result);
+    } else if (!IsBinary(mask)) {
+        DilateByRunningMaxima(mask, disc, flip, result);
+    } else if (disc.Radius() <= LargestChordRadius) {
+        DilateByChords(mask, disc, flip, result);
+    } else {
+        DilateBySweeps(mask, disc, flip, result);
+    }
+    return result;
+}
+
+void TakeLargest(const uchar* from, int count, uchar flip, uchar* __restrict to)
+{
+    for (int x = 0; x < count; ++x) {
+        to[x] = std::max<uchar>(to[x], from[x] ^ flip);
+    }
+}
+
+/// Row by row the maximum of all rows and columns that the offsets point to.
+QImage DilateByOffsets(const QImage& mask, const QVector<QPoint>& offsets, uchar flip)
+{
+    QImage result = UnfilledCopy(mask);
+    const int width = mask.width();
+    for (int y = 0; y < result.height(); ++y) {
+        uchar* row = result.scanLine(y);
+        std::fill_n(row, width, uchar(0));
+        for (const QPoint& offset : offsets) {
+            const qint64 source = qint64(y) + offset.y();
+            const qint64 first = std::max<qint64>(0, -qint64(offset.x()));
+            const qint64 end = std::min<qint64>(width, width - qint64(offset.x()));
+            if (source >= 0 && source < mask.height() && first < end) {
+                const uchar* from = mask.constScanLine(static_cast<int>(source));
+                TakeLargest(from + first + offset.x(), static_cast<int>(end - first), flip,
+                            row + first);
+            }
+        }
+        std::transform(row, row + width, row, [flip](uchar pixel) { return pixel ^ flip; });
+    }
+    return result;
+}
+
+QImage DilateByOffsetsOrDisc(const QImage& mask, const QVector<QPoint>& offsets, uchar flip)
+{
+    if (!IsIndexed(mask)) {
+        return {};
+    }
+    const auto disc = DiscShape::FromOffsets(offsets, mask.size());
+    return disc ? DilateByDisc(mask, *disc, flip) : DilateByOffsets(mask, offsets, flip);
+}
+
+} // namespace
+
+QImage Dilate(const QImage& mask, const QVector<QPoint>& offsets)
+{
+    return DilateByOffsetsOrDisc(mask, offsets, DilateFlip);
+}
+
+QImage Erode(const QImage& mask, const QVector<QPoint>& offsets)
+{
+    return DilateByOffsetsOrDisc(mask, offsets, ErodeFlip);
+}
+
+QImage Open(const QImage& mask, const QVector<QPoint>& offsets)
+{
+    return Dilate(Erode(mask, offsets), offsets);
+}
+
+QImage Close(const QImage& mask, const QVector<QPoint>& offsets)
+{
+    return Erode(Dilate(mask, offsets), offsets);
+}
+
+QImage Dilate(const QImage& mask, float discRadius)
+{
+    return DilateByDisc(mask, DiscShape(discRadius, mask.size()), DilateFlip);
+}
+
+QImage Erode(const QImage& mask, float discRadius)
+{
+    return DilateByDisc(mask, DiscShape(discRadius, mask.size()), ErodeFlip);
+}
+
+QImage Open(const QImage& mask, float discRadius)
+{
+    return Dilate(Erode(mask, discRadius), discRadius);
+}
+
+QImage Close(const QImage& mask, float discRadius)
+{
+    return Erode(Dilate(mask, discRadius), discRadius);
+}
+
+} // namespace raster
