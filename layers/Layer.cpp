@@ -4,6 +4,7 @@
 #include "app/Log.h"
 #include "app/Names.h"
 #include "app/ProjectSettings.h"
+#include "layers/CustomLayer.h"
 #include "layers/Targa.h"
 #include "layers/raster/Mask.h"
 
@@ -100,6 +101,30 @@ void Layer::SetVisible(bool isVisible)
 {
     m_isVisible = isVisible;
     setCheckState(isVisible ? Qt::Checked : Qt::Unchecked);
+}
+
+bool Layer::SetCode(const QString& code)
+{
+    if (code == m_code) {
+        return true;
+    }
+    if (!m_list) {
+        return false;
+    }
+    const QSize size = ProjectSettings::Instance().LayerSize();
+    const QImage mask = Evaluate(*m_list, code, size.width(), size.height());
+    if (mask.isNull()) {
+        return false;
+    }
+    SetComputedImage(code, mask);
+    return true;
+}
+
+void Layer::SetComputedImage(const QString& code, const QImage& mask)
+{
+    m_code = code;
+    m_image = mask;
+    UpdatePixmap();
 }
 
 void Layer::ApplyPaintedImage(const QImage& argb)

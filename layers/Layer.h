@@ -50,6 +50,12 @@ public:
     void SetVisible(bool isVisible);
     void SetUsageFlags(quint32 flags) { m_usageFlags = flags; }
     void SetValueFlags(quint32 flags) { m_valueFlags = flags; }
+    /// Replaces the image by what the code evaluates to over the list at the layer size; an equal
+    /// code changes nothing. False when that is null: the code and the image stay as they are, and
+    /// because null may come with a message, which processes events, the layer may be gone.
+    bool SetCode(const QString& code);
+    /// Takes over a code and the mask that it evaluated to.
+    void SetComputedImage(const QString& code, const QImage& mask);
     /// Takes over the pixels that the brush painted in the layer's colour. Does nothing for a layer
     /// that is in no list, or when the image is no 32-bit image.
     void ApplyPaintedImage(const QImage& argb);

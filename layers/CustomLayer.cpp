@@ -1,0 +1,190 @@
+#include "layers/CustomLayer.h"
+
+#include "app/Log.h"
+#include "app/ProjectSettings.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "layers/raster/Morphology.h"
+#include "layers/raster/SetOperations.h"
+
+#include <cmath>
+#include <cstring>
+
+namespace {
+
+/// By CustomOperation.
+constexpr char OperationCharacters[] = "!+.-edoc";
+
+int OperationOf(const QString& code)
+{
+    return code.isEmpty() ? OperationUnknown : OperationFromChar(code.at(0).toLatin1());
+}
+
+QString AfterFirstParenthesis(const QString& text)
+{
+    return text.mid(text.indexOf(QLatin1Char('(')) + 1);
+}
+
+QString BeforeLastParenthesis(const QString& text)
+{
+    return text.left(text.lastIndexOf(QLatin1Char(')')));
+}
+
+/// Where the parentheses that open behind the operation's character are closed again; -1 when they
+/// never are.
+int EndOfFirstOperand(const QString& code)
+{
+    int depth = 0;
+    for (int position = 1; position < code.size(); ++position) {
+        if (code.at(position) == QLatin1Char('(')) {
+            ++depth;
+        } else if (code.at(position) == QLatin1Char(')')) {
+            --depth;
+        }
+        if (depth == 0) {
+            return position;
+        }
+    }
+    return -1;
+}
+
+/// Null when the list has no such layer.
+QImage ScaledMask(const LayerList& list, int id, int width, int height)
+{
+    const Layer* layer = list.LayerById(id);
+    if (!layer) {
+        return {};
+    }
+    return layer->Image().scaled(width, height, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+}
+
+/// In whole pixels of the layer size. The product is one of 32-bit floats: that decides about radii
+/// that come to a whole number of pixels.
+float RadiusInPixels(const QString& code)
+{
+    const auto metres = static_cast<float>(RadiusFromCode(code));
+    return std::trunc(metres * ProjectSettings::Instance().pixelsPerMetreX);
+}
+
+QImage EvaluateUnary(int operation, const QImage& mask, const QString& code)
+{
+    switch (operation) {
+    case OperationComplement:
+        return raster::Complement(mask);
+    case OperationErosion:
+        return raster::Erode(mask, RadiusInPixels(code));
+    case OperationDilation:
+        return raster::Dilate(mask, RadiusInPixels(code));
+    case OperationOpening:
+        return raster::Open(mask, RadiusInPixels(code));
+    case OperationClosing:
+        return raster::Close(mask, RadiusInPixels(code));
+    default:
+        return {};
+    }
+}
+
+QImage EvaluateBinary(int operation, const QImage& a, const QImage& b)
+{
+    switch (operation) {
+    case OperationUnion:
+        return raster::Union(a, b);
+    case OperationIntersection:
+        return raster::Intersection(a, b);
+    case OperationDifference:
+        return raster::Difference(a, b);
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+bool IsBinaryOperation(int operation)
+{
+    return operation >= OperationUnion && operation <= OperationDifference;
+}
+
+bool IsMorphologicalOperation(int operation)
+{
+    return operation >= OperationErosion && operation <= OperationClosing;
+}
+
+int OperationFromChar(char character)
+{
+    const char* found = character != '\0' ? std::strchr(OperationCharacters, character) : nullptr;
+    return found ? static_cast<int>(found - OperationCharacters) : OperationUnknown;
+}
+
+char OperationChar(int operation)
+{
+    const bool isKnown = operation >= 0 && operation < OperationUnknown;
+    return isKnown ? OperationCharacters[operation] : '?';
+}
+
+QStringList SplitOperands(const QString& code)
+{
+    if (code.isEmpty()) {
+        return {};
+    }
+    if (!IsBinaryOperation(OperationOf(code))) {
+        return {BeforeLastParenthesis(AfterFirstParenthesis(code))};
+    }
+    const int end = EndOfFirstOperand(code);
+    if (end < 0) {
+        return {};
+    }
+    return {AfterFirstParenthesis(code.left(end)), BeforeLastParenthesis(code.mid(end + 2))};
+}
+
+QList<int> ParseIds(const QString& code)
+{
+    QList<int> ids;
+    const bool hasRadius = IsMorphologicalOperation(OperationOf(code));
+    const QStringList operands = SplitOperands(code);
+    for (const QString& operand : operands) {
+        const int colon = hasRadius ? operand.indexOf(QLatin1Char(':')) : -1;
+        const QString text = colon > 0 ? operand.left(colon) : operand;
+        bool isNumber = false;
+        const int id = text.toInt(&isNumber);
+        if (isNumber) {
+            ids.append(id);
+        } else {
+            LogError(QStringLiteral("Code '%1' contains invalid ID - '%2'").arg(code, text));
+        }
+    }
+    return ids;
+}
+
+int RadiusFromCode(const QString& code)
+{
+    const int colon = code.indexOf(QLatin1Char(':'));
+    const int end = code.indexOf(QLatin1Char(')'), colon + 1);
+    return colon < 0 || end < 0 ? 0 : code.midRef(colon + 1, end - colon - 1).toInt();
+}
+
+QImage Evaluate(const LayerList& list, const QString& code, int width, int height)
+{
+    if (list.IsEmpty() || code.isEmpty()) {
+        return {};
+    }
+    const QList<int> ids = ParseIds(code);
+    const int operation = OperationOf(code);
+    if (ids.size() == 1) {
+        if (operation != OperationComplement && !IsMorphologicalOperation(operation)) {
+            LogError(QStringLiteral("Unknown unary operator in code '%1'").arg(code));
+            return {};
+        }
+        return EvaluateUnary(operation, ScaledMask(list, ids.first(), width, height), code);
+    }
+    if (ids.size() == 2) {
+        if (!IsBinaryOperation(operation)) {
+            LogError(QStringLiteral("Unknown binary operator in code '%1'").arg(code));
+            return {};
+        }
+        return EvaluateBinary(operation, ScaledMask(list, ids.first(), width, height),
+                              ScaledMask(list, ids.last(), width, height));
+    }
+    LogError(QStringLiteral("Unsupported operation in code '%1'").arg(code));
+    return {};
+}
