@@ -1,0 +1,109 @@
+#include "layers/CustomLayerWorker.h"
+
+#include "app/ProjectSettings.h"
+#include "layers/CustomLayer.h"
+
+#include <QThread>
+
+#include <memory>
+#include <utility>
+
+CustomLayerWorker::CustomLayerWorker(QObject* parent)
+    : QObject(parent)
+{
+    qRegisterMetaType<Layer*>();
+    qRegisterMetaType<const LayerList*>();
+}
+
+void CustomLayerWorker::ComputePreview(const LayerList* layerList, const QString& code,
+                                       QSize previewSize)
+{
+    Enqueue([this, layerList, code, previewSize] {
+        QImage preview;
+        if (layerList) {
+            preview = Evaluate(*layerList, code, previewSize.width(), previewSize.height());
+        }
+        emit PreviewComputationFinished(preview);
+    });
+}
+
+void CustomLayerWorker::ComputeLayer(const LayerList* layerList, const QString& code,
+                                     Layer* layerToModify)
+{
+    Enqueue([this, layerList, code, layerToModify] {
+        QImage image;
+        if (layerList && !code.isEmpty()) {
+            image = layerToModify ? ModifyLayer(layerToModify, code)
+                                  : EvaluateAtLayerSize(*layerList, code);
+        }
+        emit LayerComputationFinished(image);
+    });
+}
+
+void CustomLayerWorker::Enqueue(const Request& request)
+{
+    m_waiting.append(request);
+    if (m_holds == 0) {
+        ++m_holds;
+        RunNext();
+    }
+}
+
+void CustomLayerWorker::RunNext()
+{
+    const Request request = m_waiting.takeFirst();
+    request();
+    Release();
+}
+
+/// Leaves the next request to the event loop, which a thread that is to end does not return to.
+void CustomLayerWorker::Release()
+{
+    --m_holds;
+    if (m_holds == 0 && !m_waiting.isEmpty()) {
+        ++m_holds;
+        QMetaObject::invokeMethod(this, &CustomLayerWorker::RunNext, Qt::QueuedConnection);
+    }
+}
+
+QImage CustomLayerWorker::EvaluateAtLayerSize(const LayerList& layerList, const QString& code) const
+{
+    const QSize size = ProjectSettings::Instance().LayerSize();
+    return Evaluate(layerList, code, size.width(), size.height());
+}
+
+/// The layer's image afterwards; null when the code evaluates to nothing.
+QImage CustomLayerWorker::ModifyLayer(Layer* layer, const QString& code)
+{
+    LayerList* list = layer->List();
+    if (!list || list->thread() == QThread::currentThread()) {
+        return layer->SetCode(code) ? layer->Image() : QImage();
+    }
+    if (code == layer->Code()) {
+        return layer->Image();
+    }
+    const int layerId = layer->Id();
+    const QImage image = EvaluateAtLayerSize(*list, code);
+    if (!image.isNull()) {
+        PostChange(list, layerId, code, image);
+    }
+    return image;
+}
+
+void CustomLayerWorker::PostChange(LayerList* list, int layerId, const QString& code,
+                                   const QImage& image)
+{
+    // Dies with the posted change, on whichever thread that is, and tells this worker, if there
+    // still is one, that the change was made or was dropped together with the list.
+    auto receipt = std::make_shared<QObject>();
+    receipt->moveToThread(nullptr);
+    connect(receipt.get(), &QObject::destroyed, this, &CustomLayerWorker::Release,
+            Qt::QueuedConnection);
+    ++m_holds;
+    auto change = [list, layerId, code, image, receipt = std::move(receipt)] {
+        if (Layer* layer = list->LayerById(layerId)) {
+            layer->SetComputedImage(code, image);
+        }
+    };
+    QMetaObject::invokeMethod(list, std::move(change), Qt::QueuedConnection);
+}
