@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace raster {
 namespace {
@@ -45,6 +46,11 @@ quint64 SquareOfDiagonal(QSize picture)
     const auto width = static_cast<quint64>(picture.width());
     const auto height = static_cast<quint64>(picture.height());
     return width * width + height * height;
+}
+
+int LongestOffset(QSize picture)
+{
+    return std::max({picture.width(), picture.height(), 1}) - 1;
 }
 
 quint64 SquaredLength(QPoint offset)
@@ -116,12 +122,13 @@ QVector<QPoint> Disc(float radius)
 }
 
 DiscShape::DiscShape(float radius, QSize picture)
-    : DiscShape(LargestSquare(radius, SquareOfDiagonal(picture)), picture)
+    : DiscShape(
+          HalfChords(LargestSquare(radius, SquareOfDiagonal(picture)), LongestOffset(picture)))
 {
 }
 
-DiscShape::DiscShape(quint64 square, QSize picture)
-    : m_halfChords(HalfChords(square, std::max({picture.width(), picture.height(), 1}) - 1))
+DiscShape::DiscShape(std::vector<int> halfChords)
+    : m_halfChords(std::move(halfChords))
 {
 }
 
@@ -141,7 +148,7 @@ std::optional<DiscShape> DiscShape::FromOffsets(const QVector<QPoint>& offsets, 
     if (OffsetCount(HalfChords(square, last)) != offsets.size() || !AreDistinct(offsets, last)) {
         return std::nullopt;
     }
-    return DiscShape(square, picture);
+    return DiscShape(HalfChords(square, LongestOffset(picture)));
 }
 
 } // namespace raster

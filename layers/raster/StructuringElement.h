@@ -35,7 +35,7 @@ public:
     int HalfChord(int distance) const { return m_halfChords[static_cast<std::size_t>(distance)]; }
 
 private:
-    DiscShape(quint64 square, QSize picture);
+    explicit DiscShape(std::vector<int> halfChords);
 
     std::vector<int> m_halfChords;
 };

@@ -1,0 +1,445 @@
+#include "layers/raster/Morphology.h"
+
+#include "layers/raster/Mask.h"
+#include "layers/raster/SetOperations.h"
+#include "layers/raster/StructuringElement.h"
+
+#include "tests/support/LiteralMorphology.h"
+#include "tests/support/Masks.h"
+#include "tests/support/Random.h"
+
+#include <QtTest>
+
+#include <algorithm>
+#include <limits>
+
+using literal::Step;
+using raster::BlankMask;
+using raster::Close;
+using raster::Complement;
+using raster::Dilate;
+using raster::Disc;
+using raster::Erode;
+using raster::Open;
+
+class MorphologyTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aPixelGrowsToADisc_data();
+    void aPixelGrowsToADisc();
+    void aFullMaskIsNotErodedFromTheBorders_data();
+    void aFullMaskIsNotErodedFromTheBorders();
+    void anEmptyMaskStaysEmpty();
+    void radiiBelowAPixelChangeNothing_data();
+    void radiiBelowAPixelChangeNothing();
+    void radiiBeyondTheDiagonalChangeNothingMore();
+    void openingRemovesWhatIsSmaller();
+    void closingFillsWhatIsSmaller();
+    void resultsKeepTheColours();
+    void otherFormatsGiveNull_data();
+    void otherFormatsGiveNull();
+
+    void noOffsetsReachNothing();
+    void offsetsPointFromThePixelToItsNeighbours();
+    void farOffsetsAreSkipped();
+    void randomOffsetsEqualTheLiteralResult();
+    void listedDiscsEqualTheLiteralResult();
+
+    void smallMasksEqualTheLiteralResult_data();
+    void smallMasksEqualTheLiteralResult();
+    void longMasksEqualTheLiteralResult_data();
+    void longMasksEqualTheLiteralResult();
+    void singlePixelsAtCornersEqualTheLiteralResult();
+    void allRadiiEqualTheLiteralResult();
+    void greyMasksThatLookBinaryAreNoticed();
+    void openAndCloseAreTheirSteps();
+    void floatsAreComparedAtLargeRadii();
+    void veryHighMasksAreServed();
+};
+
+namespace {
+
+constexpr float NotANumber = std::numeric_limits<float>::quiet_NaN();
+constexpr float Infinity = std::numeric_limits<float>::infinity();
+
+QImage Filled(QSize size, uchar index)
+{
+    QImage mask = BlankMask(size);
+    mask.fill(index);
+    return mask;
+}
+
+QImage WithPixel(QSize size, QPoint pixel)
+{
+    QImage mask = BlankMask(size);
+    mask.setPixel(pixel, raster::MaskSet);
+    return mask;
+}
+
+/// What the pixels of random masks are like.
+enum class Content
+{
+    Noise,
+    Sparse,
+    Blocks,
+    Grey,
+    Even,
+};
+
+uchar RandomPixel(Random& random, Content content, int x, int y)
+{
+    switch (content) {
+    case Content::Noise:
+        return random.Below(2) != 0 ? 255 : 0;
+    case Content::Sparse:
+        return random.Below(60) == 0 ? 255 : 0;
+    case Content::Blocks:
+        return ((x / 7 + y / 5) % 3) != 0 ? 0 : 255;
+    case Content::Grey:
+        return static_cast<uchar>(random.Below(256));
+    case Content::Even:
+        break;
+    }
+    return 0;
+}
+
+QImage RandomContent(Random& random, QSize size)
+{
+    const auto content = static_cast<Content>(random.Below(5));
+    QImage mask = BlankMask(size);
+    for (int y = 0; y < size.height(); ++y) {
+        uchar* row = mask.scanLine(y);
+        for (int x = 0; x < size.width(); ++x) {
+            row[x] = RandomPixel(random, content, x, y);
+        }
+    }
+    return random.Below(3) == 0 ? Complement(mask) : mask;
+}
+
+QString Describe(const QImage& mask, float radius)
+{
+    return QStringLiteral("%1x%2, radius %3")
+        .arg(mask.width())
+        .arg(mask.height())
+        .arg(static_cast<double>(radius));
+}
+
+/// Whether dilation and erosion are those of the definition; says for what they are not.
+bool EqualsLiteral(const QImage& mask, float radius)
+{
+    const bool isEqual = Dilate(mask, radius) == literal::Apply(Step::Dilate, mask, radius) &&
+                         Erode(mask, radius) == literal::Apply(Step::Erode, mask, radius);
+    if (!isEqual) {
+        qWarning("%s", qPrintable(Describe(mask, radius)));
+    }
+    return isEqual;
+}
+
+} // namespace
+
+void MorphologyTest::aPixelGrowsToADisc_data()
+{
+    QTest::addColumn<float>("radius");
+    QTest::addColumn<QStringList>("rows");
+    QTest::newRow("1") << 1.0F << QStringList{".......", ".......", "...#...", "..###..",
+                                              "...#...", ".......", "......."};
+    QTest::newRow("2") << 2.0F << QStringList{".......", "...#...", "..###..", ".#####.",
+                                              "..###..", "...#...", "......."};
+    QTest::newRow("3") << 3.0F << QStringList{"...#...", ".#####.", ".#####.", "#######",
+                                              ".#####.", ".#####.", "...#..."};
+}
+
+void MorphologyTest::aPixelGrowsToADisc()
+{
+    QFETCH(float, radius);
+    QFETCH(QStringList, rows);
+    const QImage pixel = WithPixel({7, 7}, {3, 3});
+    QCOMPARE(ArtFromMask(Dilate(pixel, radius)), rows);
+    QCOMPARE(ArtFromMask(Dilate(pixel, Disc(radius))), rows);
+    QCOMPARE(Erode(Complement(pixel), radius), Complement(Dilate(pixel, radius)));
+}
+
+void MorphologyTest::aFullMaskIsNotErodedFromTheBorders_data()
+{
+    QTest::addColumn<float>("radius");
+    for (const float radius : {1.0F, 2.0F, 5.0F, 13.0F, 30.0F, 200.0F}) {
+        QTest::addRow("%g", static_cast<double>(radius)) << radius;
+    }
+}
+
+void MorphologyTest::aFullMaskIsNotErodedFromTheBorders()
+{
+    QFETCH(float, radius);
+    const QImage full = Filled({37, 29}, raster::MaskSet);
+    QCOMPARE(Erode(full, radius), full);
+    QCOMPARE(Dilate(full, radius), full);
+}
+
+void MorphologyTest::anEmptyMaskStaysEmpty()
+{
+    const QImage empty = BlankMask({37, 29});
+    for (const float radius : {1.0F, 3.0F, 25.0F, 300.0F}) {
+        QCOMPARE(Dilate(empty, radius), empty);
+        QCOMPARE(Erode(empty, radius), empty);
+    }
+}
+
+void MorphologyTest::radiiBelowAPixelChangeNothing_data()
+{
+    QTest::addColumn<float>("radius");
+    for (const float radius : {0.0F, -5.0F, 0.99F, NotANumber, -Infinity}) {
+        QTest::addRow("%g", static_cast<double>(radius)) << radius;
+    }
+}
+
+void MorphologyTest::radiiBelowAPixelChangeNothing()
+{
+    QFETCH(float, radius);
+    const QImage mask = MaskFromArt({"#..", ".#+"});
+    for (const QImage& result :
+         {Dilate(mask, radius), Erode(mask, radius), Open(mask, radius), Close(mask, radius)}) {
+        QCOMPARE(result, mask);
+    }
+    QCOMPARE(Dilate(mask, Disc(0)), mask);
+}
+
+void MorphologyTest::radiiBeyondTheDiagonalChangeNothingMore()
+{
+    const QImage pixel = WithPixel({40, 30}, {0, 0});
+    const QImage full = Filled({40, 30}, raster::MaskSet);
+    for (const float radius : {50.0F, 51.0F, 30000.0F, 1e20F, Infinity}) {
+        QCOMPARE(Dilate(pixel, radius), full);
+        QCOMPARE(Erode(pixel, radius), BlankMask({40, 30}));
+    }
+    QVERIFY(Dilate(pixel, 48) != full);
+}
+
+void MorphologyTest::openingRemovesWhatIsSmaller()
+{
+    const QImage mask = MaskFromArt({"#.......", "....#...", "...###..", "....#...", "........"});
+    QCOMPARE(ArtFromMask(Open(mask, 1)),
+             QStringList({"........", "....#...", "...###..", "....#...", "........"}));
+    QCOMPARE(Open(mask, Disc(1)), Open(mask, 1));
+}
+
+void MorphologyTest::closingFillsWhatIsSmaller()
+{
+    const QImage mask = MaskFromArt({"#######", "#######", "###.###", "#######", "#######"});
+    QCOMPARE(Close(mask, 1), Filled(mask.size(), raster::MaskSet));
+    QCOMPARE(Close(mask, Disc(1)), Close(mask, 1));
+}
+
+void MorphologyTest::resultsKeepTheColours()
+{
+    QImage mask = WithPixel({50, 50}, {10, 10});
+    mask.setColor(7, qRgb(1, 2, 3));
+    const QVector<QPoint> line = {{0, 0}, {1, 0}};
+    for (const QImage& result : {Dilate(mask, 1), Dilate(mask, 5), Erode(mask, 30), Open(mask, 3),
+                                 Close(mask, 2), Dilate(mask, line)}) {
+        QCOMPARE(result.format(), QImage::Format_Indexed8);
+        QCOMPARE(result.colorTable(), mask.colorTable());
+    }
+}
+
+void MorphologyTest::otherFormatsGiveNull_data()
+{
+    QTest::addColumn<QImage>("image");
+    QTest::newRow("null") << QImage();
+    QTest::newRow("32 bits") << QImage(8, 8, QImage::Format_ARGB32_Premultiplied);
+    QTest::newRow("8 bits, not indexed") << QImage(8, 8, QImage::Format_Grayscale8);
+}
+
+void MorphologyTest::otherFormatsGiveNull()
+{
+    QFETCH(QImage, image);
+    const QVector<QPoint> line = {{0, 0}, {1, 0}};
+    for (const QImage& result :
+         {Dilate(image, 0), Erode(image, 0), Dilate(image, 3), Open(image, 3), Close(image, 3),
+          Dilate(image, Disc(2)), Erode(image, line), Open(image, line), Close(image, line)}) {
+        QVERIFY(result.isNull());
+    }
+}
+
+void MorphologyTest::noOffsetsReachNothing()
+{
+    const QImage mask = MaskFromArt({"#.+"});
+    QCOMPARE(ArtFromMask(Dilate(mask, QVector<QPoint>())), QStringList("..."));
+    QCOMPARE(ArtFromMask(Erode(mask, QVector<QPoint>())), QStringList("###"));
+}
+
+void MorphologyTest::offsetsPointFromThePixelToItsNeighbours()
+{
+    const QImage pixel = WithPixel({5, 3}, {2, 1});
+    const QVector<QPoint> right = {{1, 0}};
+    QCOMPARE(ArtFromMask(Dilate(pixel, right)), QStringList({".....", ".#...", "....."}));
+    const QVector<QPoint> above = {{0, -1}};
+    QCOMPARE(ArtFromMask(Dilate(pixel, above)), QStringList({".....", ".....", "..#.."}));
+}
+
+void MorphologyTest::farOffsetsAreSkipped()
+{
+    constexpr int farthest = std::numeric_limits<int>::max();
+    const QImage mask = MaskFromArt({"#..", "..#"});
+    const QVector<QPoint> offsets = {{0, 0}, {farthest, 0}, {-farthest, 1}, {1, -farthest - 1}};
+    QCOMPARE(Dilate(mask, offsets), mask);
+    QCOMPARE(Erode(mask, offsets), mask);
+}
+
+void MorphologyTest::randomOffsetsEqualTheLiteralResult()
+{
+    Random random;
+    for (int i = 0; i < 300; ++i) {
+        QVector<QPoint> offsets;
+        for (int count = random.Below(12); count > 0; --count) {
+            const QPoint offset(random.Between(-9, 9), random.Between(-9, 9));
+            if (!offsets.contains(offset)) {
+                offsets.append(offset);
+            }
+        }
+        const QImage mask = RandomContent(random, {random.Between(1, 30), random.Between(1, 20)});
+        QCOMPARE(Dilate(mask, offsets), literal::Apply(Step::Dilate, mask, offsets));
+        QCOMPARE(Erode(mask, offsets), literal::Apply(Step::Erode, mask, offsets));
+    }
+}
+
+void MorphologyTest::listedDiscsEqualTheLiteralResult()
+{
+    Random random;
+    for (int i = 0; i < 200; ++i) {
+        const QVector<QPoint> offsets = Disc(static_cast<float>(random.Below(60)) / 4);
+        const QImage mask = RandomContent(random, {random.Between(1, 30), random.Between(1, 20)});
+        QCOMPARE(Dilate(mask, offsets), literal::Apply(Step::Dilate, mask, offsets));
+        QCOMPARE(Erode(mask, offsets), literal::Apply(Step::Erode, mask, offsets));
+    }
+}
+
+void MorphologyTest::smallMasksEqualTheLiteralResult_data()
+{
+    QTest::addColumn<int>("largestRadius");
+    QTest::newRow("next neighbours") << 3;
+    QTest::newRow("packed rows") << 16;
+    QTest::newRow("sweeps") << 45;
+}
+
+void MorphologyTest::smallMasksEqualTheLiteralResult()
+{
+    QFETCH(int, largestRadius);
+    Random random;
+    for (int i = 0; i < 1000; ++i) {
+        const QImage mask = RandomContent(random, {random.Between(1, 22), random.Between(1, 22)});
+        const bool isWhole = random.Below(2) == 0;
+        const float radius = isWhole ? static_cast<float>(random.Below(largestRadius + 1))
+                                     : static_cast<float>(random.Below(64 * largestRadius)) / 64;
+        QVERIFY(EqualsLiteral(mask, radius));
+    }
+}
+
+void MorphologyTest::longMasksEqualTheLiteralResult_data()
+{
+    QTest::addColumn<QSize>("largest");
+    QTest::addColumn<int>("largestRadius");
+    // More than one vector of packed pixels, rows of many runs, and a reach beyond one byte.
+    QTest::newRow("wide") << QSize(500, 3) << 60;
+    QTest::newRow("high") << QSize(3, 700) << 400;
+    QTest::newRow("very wide") << QSize(2000, 1) << 700;
+}
+
+void MorphologyTest::longMasksEqualTheLiteralResult()
+{
+    QFETCH(QSize, largest);
+    QFETCH(int, largestRadius);
+    Random random;
+    for (int i = 0; i < 40; ++i) {
+        const QSize size(random.Between(1, largest.width()), random.Between(1, largest.height()));
+        const QImage mask = RandomContent(random, size);
+        QVERIFY(EqualsLiteral(mask, static_cast<float>(random.Below(largestRadius))));
+    }
+}
+
+void MorphologyTest::singlePixelsAtCornersEqualTheLiteralResult()
+{
+    Random random;
+    for (int i = 0; i < 200; ++i) {
+        const QSize size(random.Between(1, 50), random.Between(1, 50));
+        const QRect all(QPoint(0, 0), size);
+        const float radius = static_cast<float>(random.Below(80));
+        for (const QPoint& corner :
+             {all.topLeft(), all.topRight(), all.bottomLeft(), all.bottomRight()}) {
+            const QImage pixel = WithPixel(size, corner);
+            const QImage grown = Dilate(pixel, radius);
+            for (int y = 0; y < size.height(); ++y) {
+                for (int x = 0; x < size.width(); ++x) {
+                    const bool isInDisc = literal::IsInDisc(radius, x - corner.x(), y - corner.y());
+                    QCOMPARE(grown.constScanLine(y)[x], uchar(isInDisc ? 255 : 0));
+                }
+            }
+            QCOMPARE(Erode(Complement(pixel), radius), Complement(grown));
+        }
+    }
+}
+
+void MorphologyTest::allRadiiEqualTheLiteralResult()
+{
+    Random random;
+    for (int radius = 0; radius <= 60; ++radius) {
+        QVERIFY(EqualsLiteral(RandomContent(random, {31, 23}), static_cast<float>(radius)));
+    }
+}
+
+void MorphologyTest::greyMasksThatLookBinaryAreNoticed()
+{
+    // A single pixel that is neither set nor clear, far into the picture.
+    for (const uchar index : {uchar(1), uchar(128), uchar(254)}) {
+        QImage mask = WithPixel({41, 41}, {5, 5});
+        mask.scanLine(40)[40] = index;
+        for (const float radius : {1.0F, 2.0F, 9.0F, 21.0F, 50.0F}) {
+            QVERIFY(EqualsLiteral(mask, radius));
+            QVERIFY(EqualsLiteral(Complement(mask), radius));
+        }
+    }
+}
+
+void MorphologyTest::openAndCloseAreTheirSteps()
+{
+    Random random;
+    for (int i = 0; i < 200; ++i) {
+        const QImage mask = RandomContent(random, {random.Between(1, 24), random.Between(1, 24)});
+        const float radius = static_cast<float>(random.Below(30));
+        const QImage eroded = literal::Apply(Step::Erode, mask, radius);
+        const QImage dilated = literal::Apply(Step::Dilate, mask, radius);
+        QCOMPARE(Open(mask, radius), literal::Apply(Step::Dilate, eroded, radius));
+        QCOMPARE(Close(mask, radius), literal::Apply(Step::Erode, dilated, radius));
+    }
+}
+
+void MorphologyTest::floatsAreComparedAtLargeRadii()
+{
+    // 5801 * 5801 + 1 * 1 is more than 5801 * 5801, but both are the same float.
+    const QImage grown = Dilate(WithPixel({5803, 3}, {0, 0}), 5801);
+    for (int y = 0; y < grown.height(); ++y) {
+        for (int x = 0; x < grown.width(); ++x) {
+            const bool isSet = grown.constScanLine(y)[x] == raster::MaskSet;
+            QCOMPARE(isSet, literal::IsInDisc(5801, x, y));
+        }
+    }
+    QVERIFY(grown.constScanLine(1)[5801] == raster::MaskSet);
+}
+
+void MorphologyTest::veryHighMasksAreServed()
+{
+    // A reach beyond 16 bits.
+    const QSize size(2, 40000);
+    const QImage grown = Dilate(WithPixel(size, {0, 100}), 33000);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            const bool isSet = grown.constScanLine(y)[x] == raster::MaskSet;
+            QCOMPARE(isSet, literal::IsInDisc(33000, x, y - 100));
+        }
+    }
+}
+
+QTEST_APPLESS_MAIN(MorphologyTest)
+
+#include "tst_Morphology.moc"

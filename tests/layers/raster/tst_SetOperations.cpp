@@ -1,0 +1,189 @@
+#include "layers/raster/SetOperations.h"
+
+#include "layers/raster/Mask.h"
+
+#include "tests/support/Masks.h"
+#include "tests/support/Random.h"
+
+#include <QtTest>
+
+#include <vector>
+
+using raster::BlankMask;
+using raster::Complement;
+using raster::Difference;
+using raster::Intersection;
+using raster::Union;
+
+class SetOperationsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void masksAreCombined_data();
+    void masksAreCombined();
+    void everyPairOfIndicesIsCombinedBitByBit();
+    void randomMasksEqualTheLiteralResult();
+    void paddingIsTreatedLikePixels();
+    void foreignStridesAreServed();
+    void resultsKeepTheFirstMasksColours();
+    void operandsStayAsTheyAre();
+    void otherGeometriesGiveNull_data();
+    void otherGeometriesGiveNull();
+    void theComplementOfNullIsNull();
+};
+
+namespace {
+
+using Operation = QImage (*)(const QImage&, const QImage&);
+
+const QStringList A = {"##..", "##.."};
+const QStringList B = {"#.#.", "#.#."};
+
+uchar Literal(Operation operation, uchar a, uchar b)
+{
+    if (operation == Union) {
+        return a | b;
+    }
+    return operation == Intersection ? a & b : a & static_cast<uchar>(~b);
+}
+
+QImage AllIndices()
+{
+    QImage mask = BlankMask({256, 1});
+    for (int i = 0; i < 256; ++i) {
+        mask.scanLine(0)[i] = static_cast<uchar>(i);
+    }
+    return mask;
+}
+
+} // namespace
+
+void SetOperationsTest::masksAreCombined_data()
+{
+    QTest::addColumn<QImage>("result");
+    QTest::addColumn<QString>("row");
+    const QImage a = MaskFromArt(A);
+    const QImage b = MaskFromArt(B);
+    QTest::newRow("complement") << Complement(a) << "..##";
+    QTest::newRow("union") << Union(a, b) << "###.";
+    QTest::newRow("intersection") << Intersection(a, b) << "#...";
+    QTest::newRow("difference") << Difference(a, b) << ".#..";
+}
+
+void SetOperationsTest::masksAreCombined()
+{
+    QFETCH(QImage, result);
+    QFETCH(QString, row);
+    QCOMPARE(ArtFromMask(result), QStringList({row, row}));
+}
+
+void SetOperationsTest::everyPairOfIndicesIsCombinedBitByBit()
+{
+    const QImage a = AllIndices();
+    for (int i = 0; i < 256; ++i) {
+        QCOMPARE(Complement(a).pixelIndex(i, 0), 255 - i);
+    }
+    for (int j = 0; j < 256; ++j) {
+        QImage b = BlankMask(a.size());
+        b.fill(static_cast<uint>(j));
+        for (const Operation operation : {Union, Intersection, Difference}) {
+            const QImage result = operation(a, b);
+            for (int i = 0; i < 256; ++i) {
+                const uchar expected = Literal(operation, uchar(i), uchar(j));
+                QCOMPARE(result.constScanLine(0)[i], expected);
+            }
+        }
+    }
+}
+
+void SetOperationsTest::randomMasksEqualTheLiteralResult()
+{
+    Random random;
+    for (int i = 0; i < 300; ++i) {
+        const QSize size(random.Between(1, 70), random.Between(1, 9));
+        const QImage a = RandomMask(random, size);
+        const QImage b = RandomMask(random, size);
+        for (const Operation operation : {Union, Intersection, Difference}) {
+            QImage expected = a.copy();
+            for (int y = 0; y < size.height(); ++y) {
+                for (int x = 0; x < size.width(); ++x) {
+                    expected.scanLine(y)[x] =
+                        Literal(operation, a.constScanLine(y)[x], b.constScanLine(y)[x]);
+                }
+            }
+            QCOMPARE(operation(a, b), expected);
+        }
+    }
+}
+
+void SetOperationsTest::paddingIsTreatedLikePixels()
+{
+    const QImage a = MaskFromArt({"#"});
+    QCOMPARE(a.bytesPerLine(), 4);
+    QCOMPARE(Complement(a).constScanLine(0)[3], uchar(~a.constScanLine(0)[3]));
+}
+
+void SetOperationsTest::foreignStridesAreServed()
+{
+    std::vector<uchar> buffer(2 * 12, 0);
+    buffer[0] = buffer[13] = raster::MaskSet;
+    QImage foreign(buffer.data(), 3, 2, 12, QImage::Format_Indexed8);
+    foreign.setColorTable(raster::GreyTable());
+    const QImage own = MaskFromArt({"..#", "..#"});
+    const QStringList both = {"#.#", ".##"};
+    QCOMPARE(ArtFromMask(Union(own, foreign)), both);
+    QCOMPARE(ArtFromMask(Union(foreign, own)), both);
+    QCOMPARE(ArtFromMask(Complement(foreign)), QStringList({".##", "#.#"}));
+}
+
+void SetOperationsTest::resultsKeepTheFirstMasksColours()
+{
+    QImage a = MaskFromArt(A);
+    a.setColor(0, qRgb(1, 2, 3));
+    const QImage b = MaskFromArt(B);
+    for (const QImage& result :
+         {Complement(a), Union(a, b), Intersection(a, b), Difference(a, b)}) {
+        QCOMPARE(result.format(), QImage::Format_Indexed8);
+        QCOMPARE(result.colorTable(), a.colorTable());
+    }
+}
+
+void SetOperationsTest::operandsStayAsTheyAre()
+{
+    const QImage a = MaskFromArt(A);
+    const QImage b = MaskFromArt(B);
+    Complement(a);
+    Union(a, b);
+    Difference(a, b);
+    QCOMPARE(ArtFromMask(a), A);
+    QCOMPARE(ArtFromMask(b), B);
+}
+
+void SetOperationsTest::otherGeometriesGiveNull_data()
+{
+    QTest::addColumn<QImage>("other");
+    QTest::newRow("null") << QImage();
+    QTest::newRow("wider") << BlankMask({5, 2});
+    QTest::newRow("higher") << BlankMask({4, 3});
+    QTest::newRow("another format") << QImage(4, 2, QImage::Format_Grayscale8);
+}
+
+void SetOperationsTest::otherGeometriesGiveNull()
+{
+    QFETCH(QImage, other);
+    const QImage mask = MaskFromArt(A);
+    for (const Operation operation : {Union, Intersection, Difference}) {
+        QVERIFY(operation(mask, other).isNull());
+        QVERIFY(operation(other, mask).isNull());
+    }
+}
+
+void SetOperationsTest::theComplementOfNullIsNull()
+{
+    QVERIFY(Complement(QImage()).isNull());
+}
+
+QTEST_APPLESS_MAIN(SetOperationsTest)
+
+#include "tst_SetOperations.moc"

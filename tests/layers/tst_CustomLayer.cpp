@@ -1,0 +1,488 @@
+#include "layers/CustomLayer.h"
+
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "layers/raster/Mask.h"
+#include "layers/raster/Morphology.h"
+#include "layers/raster/SetOperations.h"
+
+#include "tests/support/LogSpy.h"
+#include "tests/support/Masks.h"
+#include "tests/support/ProjectFixture.h"
+
+#include <QTimer>
+#include <QtTest>
+
+#include <memory>
+
+class CustomLayerTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void operationsHaveCharacters_data();
+    void operationsHaveCharacters();
+    void whatIsNoOperationIsAQuestionMark();
+    void otherCharactersAreUnknown();
+    void operandsAreSplit_data();
+    void operandsAreSplit();
+    void idsAreParsed_data();
+    void idsAreParsed();
+    void aRadiusIsRead_data();
+    void aRadiusIsRead();
+
+    void setOperationsAreEvaluated_data();
+    void setOperationsAreEvaluated();
+    void morphologyIsEvaluated_data();
+    void morphologyIsEvaluated();
+    void radiiAreConvertedInFloats_data();
+    void radiiAreConvertedInFloats();
+    void aFactorThatIsNoNumberCountsAsZero();
+    void anInfiniteFactorReachesEverything();
+    void hugeRadiiTakeNoMemory();
+    void operandsAreScaled();
+    void previewsKeepTheRadiusInFullSizePixels();
+    void codesThatCannotBeEvaluatedAreLogged_data();
+    void codesThatCannotBeEvaluatedAreLogged();
+    void nothingIsEvaluatedOverAnEmptyList_data();
+    void nothingIsEvaluatedOverAnEmptyList();
+    void idsOfNoLayerGiveNullSilently_data();
+    void idsOfNoLayerGiveNullSilently();
+    void theListMayGoWhileAMessageIsShown();
+
+    void aCodeReplacesTheImage();
+    void anEqualCodeChangesNothing();
+    void aCodeThatEvaluatesToNothingChangesNothing_data();
+    void aCodeThatEvaluatesToNothingChangesNothing();
+    void aLayerWithoutAListHasNoCode();
+    void theLayerMayGoWhileAMessageIsShown();
+
+private:
+    Layer* AddLayer(const QImage& mask);
+    /// The code with "A" and "B" for the ids of the two layers.
+    QString Code(QString text) const;
+    QImage EvaluateAtLayerSize(const QString& code) const;
+
+    std::unique_ptr<ProjectFixture> m_project;
+    std::unique_ptr<LogSpy> m_log;
+    std::unique_ptr<LayerList> m_layers;
+    Layer* m_a = nullptr;
+    Layer* m_b = nullptr;
+};
+
+namespace {
+
+const QStringList ArtA = {"##......", "##......", "........", "...###..",
+                          "...###..", "...###..", "........", "........"};
+const QStringList ArtB = {"#.......", "#.......", "........", "....#...",
+                          "........", "........", "........", ".......#"};
+
+} // namespace
+
+void CustomLayerTest::init()
+{
+    // One pixel a metre.
+    m_project = std::make_unique<ProjectFixture>(QSize(8, 8), QSize(8, 8));
+    m_log = std::make_unique<LogSpy>();
+    m_layers = std::make_unique<LayerList>();
+    m_a = AddLayer(MaskFromArt(ArtA));
+    m_b = AddLayer(MaskFromArt(ArtB));
+}
+
+void CustomLayerTest::cleanup()
+{
+    m_layers.reset();
+    m_log.reset();
+    m_project.reset();
+}
+
+Layer* CustomLayerTest::AddLayer(const QImage& mask)
+{
+    auto layer = std::make_unique<Layer>(0, 0, m_layers.get(), "area");
+    layer->SetImage(mask, Qt::white);
+    return m_layers->AddLayer(layer.get()) ? layer.release() : nullptr;
+}
+
+QString CustomLayerTest::Code(QString text) const
+{
+    return text.replace('A', QString::number(m_a->Id())).replace('B', QString::number(m_b->Id()));
+}
+
+QImage CustomLayerTest::EvaluateAtLayerSize(const QString& code) const
+{
+    const QSize size = ProjectSettings::Instance().LayerSize();
+    return Evaluate(*m_layers, code, size.width(), size.height());
+}
+
+void CustomLayerTest::operationsHaveCharacters_data()
+{
+    QTest::addColumn<int>("operation");
+    QTest::addColumn<char>("character");
+    QTest::addColumn<bool>("isBinary");
+    QTest::addColumn<bool>("isMorphological");
+    QTest::newRow("complement") << 0 << '!' << false << false;
+    QTest::newRow("union") << 1 << '+' << true << false;
+    QTest::newRow("intersection") << 2 << '.' << true << false;
+    QTest::newRow("difference") << 3 << '-' << true << false;
+    QTest::newRow("erosion") << 4 << 'e' << false << true;
+    QTest::newRow("dilation") << 5 << 'd' << false << true;
+    QTest::newRow("opening") << 6 << 'o' << false << true;
+    QTest::newRow("closing") << 7 << 'c' << false << true;
+}
+
+void CustomLayerTest::operationsHaveCharacters()
+{
+    QFETCH(int, operation);
+    QFETCH(char, character);
+    QTEST(IsBinaryOperation(operation), "isBinary");
+    QTEST(IsMorphologicalOperation(operation), "isMorphological");
+    QCOMPARE(OperationChar(operation), character);
+    QCOMPARE(OperationFromChar(character), operation);
+}
+
+void CustomLayerTest::whatIsNoOperationIsAQuestionMark()
+{
+    for (const int operation : {-1, 8, 9, 1000}) {
+        QCOMPARE(OperationChar(operation), '?');
+        QVERIFY(!IsBinaryOperation(operation));
+        QVERIFY(!IsMorphologicalOperation(operation));
+    }
+}
+
+void CustomLayerTest::otherCharactersAreUnknown()
+{
+    for (const char character : {'?', 'x', 'E', ' ', '\0', '\xFF'}) {
+        QCOMPARE(OperationFromChar(character), 8);
+    }
+}
+
+void CustomLayerTest::operandsAreSplit_data()
+{
+    QTest::addColumn<QString>("code");
+    QTest::addColumn<QStringList>("operands");
+    QTest::newRow("nothing") << "" << QStringList();
+    QTest::newRow("complement") << "!(12)" << QStringList{"12"};
+    QTest::newRow("difference") << "-(3)(7)" << QStringList{"3", "7"};
+    QTest::newRow("morphological") << "e(5:25)" << QStringList{"5:25"};
+    QTest::newRow("unknown") << "?( )" << QStringList{" "};
+    QTest::newRow("a unary one of two") << "!(4)(5)" << QStringList{"4)(5"};
+    QTest::newRow("nested") << "+((1))((2))" << QStringList{"(1)", "(2)"};
+    QTest::newRow("one behind the other") << "+(1)x(2)" << QStringList{"1", "(2"};
+    QTest::newRow("a binary one of one") << "+(1)" << QStringList{"1", ""};
+    QTest::newRow("never closed") << "+((1)" << QStringList();
+    QTest::newRow("a character alone") << "+" << QStringList();
+    QTest::newRow("no parentheses at all") << "!12" << QStringList{"!12"};
+    QTest::newRow("opened only") << "!(12" << QStringList{"12"};
+    QTest::newRow("closed only") << "!12)" << QStringList{"!12"};
+    QTest::newRow("binary without the first") << "+12(3)" << QStringList{"+", "(3"};
+    QTest::newRow("binary without the last") << "+(12)(3" << QStringList{"12", "3"};
+}
+
+void CustomLayerTest::operandsAreSplit()
+{
+    QFETCH(QString, code);
+    QTEST(SplitOperands(code), "operands");
+}
+
+void CustomLayerTest::idsAreParsed_data()
+{
+    QTest::addColumn<QString>("code");
+    QTest::addColumn<QList<int>>("ids");
+    QTest::addColumn<QStringList>("invalid");
+    QTest::newRow("nothing") << "" << QList<int>() << QStringList();
+    QTest::newRow("complement") << "!(12)" << QList<int>{12} << QStringList();
+    QTest::newRow("union") << "+(3)(7)" << QList<int>{3, 7} << QStringList();
+    QTest::newRow("morphological") << "c(5:25)" << QList<int>{5} << QStringList();
+    QTest::newRow("without a radius") << "c(5)" << QList<int>{5} << QStringList();
+    QTest::newRow("a radius only") << "c(:25)" << QList<int>() << QStringList{":25"};
+    QTest::newRow("a radius where none is") << "!(5:25)" << QList<int>() << QStringList{"5:25"};
+    QTest::newRow("no number") << "+(3)(x)" << QList<int>{3} << QStringList{"x"};
+    QTest::newRow("no numbers") << "+(y)(x)" << QList<int>() << QStringList{"y", "x"};
+    QTest::newRow("cut before it is said") << "d(x:25)" << QList<int>() << QStringList{"x"};
+    QTest::newRow("a place holder") << "!(%2)" << QList<int>() << QStringList{"%2"};
+    QTest::newRow("blank") << "?( )" << QList<int>() << QStringList{" "};
+}
+
+void CustomLayerTest::idsAreParsed()
+{
+    QFETCH(QString, code);
+    QFETCH(QStringList, invalid);
+    QTEST(ParseIds(code), "ids");
+    QStringList messages;
+    for (const QString& operand : qAsConst(invalid)) {
+        messages.append("Error: Code '" + code + "' contains invalid ID - '" + operand + "'");
+    }
+    QCOMPARE(m_log->Messages(), messages);
+}
+
+void CustomLayerTest::aRadiusIsRead_data()
+{
+    QTest::addColumn<QString>("code");
+    QTest::addColumn<int>("radius");
+    QTest::newRow("a radius") << "e(5:25)" << 25;
+    QTest::newRow("the longest") << "e(5:2000)" << 2000;
+    QTest::newRow("no colon") << "e(25)" << 0;
+    QTest::newRow("no parenthesis") << "e(5:25" << 0;
+    QTest::newRow("no number") << "e(5:x)" << 0;
+    QTest::newRow("no whole number") << "e(5:2.5)" << 0;
+    QTest::newRow("too large") << "e(5:99999999999)" << 0;
+    QTest::newRow("the first colon and what closes behind it") << "e)5:25)(:3)" << 25;
+    QTest::newRow("nothing") << "" << 0;
+}
+
+void CustomLayerTest::aRadiusIsRead()
+{
+    QFETCH(QString, code);
+    QTEST(RadiusFromCode(code), "radius");
+}
+
+void CustomLayerTest::setOperationsAreEvaluated_data()
+{
+    QTest::addColumn<QString>("code");
+    QTest::addColumn<QImage>("expected");
+    const QImage a = MaskFromArt(ArtA);
+    const QImage b = MaskFromArt(ArtB);
+    QTest::newRow("complement") << "!(A)" << raster::Complement(a);
+    QTest::newRow("union") << "+(A)(B)" << raster::Union(a, b);
+    QTest::newRow("intersection") << ".(A)(B)" << raster::Intersection(a, b);
+    QTest::newRow("difference") << "-(A)(B)" << raster::Difference(a, b);
+    QTest::newRow("the other difference") << "-(B)(A)" << raster::Difference(b, a);
+}
+
+void CustomLayerTest::setOperationsAreEvaluated()
+{
+    QFETCH(QString, code);
+    QTEST(EvaluateAtLayerSize(Code(code)), "expected");
+    QCOMPARE(m_log->Messages(), QStringList());
+}
+
+void CustomLayerTest::morphologyIsEvaluated_data()
+{
+    QTest::addColumn<QString>("code");
+    QTest::addColumn<QImage>("expected");
+    const QImage a = MaskFromArt(ArtA);
+    QTest::newRow("erosion") << "e(A:1)" << raster::Erode(a, 1);
+    QTest::newRow("dilation") << "d(A:2)" << raster::Dilate(a, 2);
+    QTest::newRow("opening") << "o(A:1)" << raster::Open(a, 1);
+    QTest::newRow("closing") << "c(A:2)" << raster::Close(a, 2);
+    QTest::newRow("without a radius") << "e(A)" << a;
+    QTest::newRow("radius 0") << "d(A:0)" << a;
+    QTest::newRow("a negative radius") << "d(A:-3)" << a;
+}
+
+void CustomLayerTest::morphologyIsEvaluated()
+{
+    QFETCH(QString, code);
+    QTEST(EvaluateAtLayerSize(Code(code)), "expected");
+    QCOMPARE(m_log->Messages(), QStringList());
+}
+
+void CustomLayerTest::radiiAreConvertedInFloats_data()
+{
+    QTest::addColumn<int>("layerSize");
+    QTest::addColumn<int>("worldSize");
+    QTest::addColumn<int>("metres");
+    QTest::addColumn<int>("pixels");
+    QTest::newRow("truncated") << 2048 << 15360 << 25 << 3;
+    QTest::newRow("below a pixel") << 2048 << 15360 << 7 << 0;
+    QTest::newRow("in double it would be 3") << 2048 << 12800 << 25 << 4;
+    QTest::newRow("100 m") << 2048 << 12800 << 100 << 16;
+    QTest::newRow("625 m") << 4096 << 5000 << 625 << 512;
+}
+
+void CustomLayerTest::radiiAreConvertedInFloats()
+{
+    QFETCH(int, layerSize);
+    QFETCH(int, worldSize);
+    QFETCH(int, metres);
+    QFETCH(int, pixels);
+    ProjectSettings::Instance().SetSizes(layerSize, layerSize, worldSize, worldSize);
+    QImage row = raster::BlankMask({2 * 512 + 3, 1});
+    row.setPixel(513, 0, raster::MaskSet);
+    m_a->SetImage(row, Qt::white);
+    const QString code = QString("d(%1:%2)").arg(m_a->Id()).arg(metres);
+    const QImage grown = Evaluate(*m_layers, code, row.width(), row.height());
+    for (int x = 0; x < row.width(); ++x) {
+        QCOMPARE(grown.pixelIndex(x, 0) == 255, qAbs(x - 513) <= pixels);
+    }
+}
+
+void CustomLayerTest::aFactorThatIsNoNumberCountsAsZero()
+{
+    ProjectSettings::Instance().SetSizes(0, 0, 0, 0);
+    QVERIFY(qIsNaN(ProjectSettings::Instance().pixelsPerMetreX));
+    QCOMPARE(Evaluate(*m_layers, Code("d(A:25)"), 8, 8), m_a->Image());
+}
+
+void CustomLayerTest::anInfiniteFactorReachesEverything()
+{
+    ProjectSettings::Instance().SetSizes(8, 8, 0, 0);
+    const QImage full = raster::Complement(raster::BlankMask({8, 8}));
+    QCOMPARE(EvaluateAtLayerSize(Code("d(A:1)")), full);
+    QCOMPARE(EvaluateAtLayerSize(Code("d(A:0)")), m_a->Image());
+}
+
+void CustomLayerTest::hugeRadiiTakeNoMemory()
+{
+    // 2000 m are 128000 pixels here, of which a list would hold more offsets than there is memory.
+    ProjectSettings::Instance().SetSizes(512, 512, 8, 8);
+    const QImage full = raster::Complement(raster::BlankMask({512, 512}));
+    QCOMPARE(EvaluateAtLayerSize(Code("d(A:2000)")), full);
+    QCOMPARE(EvaluateAtLayerSize(Code("e(A:2000)")), raster::BlankMask({512, 512}));
+}
+
+void CustomLayerTest::operandsAreScaled()
+{
+    const QImage preview = Evaluate(*m_layers, Code("+(A)(B)"), 4, 2);
+    const auto scaled = [](const Layer* layer) {
+        return layer->Image().scaled(4, 2, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    };
+    QCOMPARE(preview, raster::Union(scaled(m_a), scaled(m_b)));
+    QCOMPARE(preview.format(), QImage::Format_Indexed8);
+
+    m_b->SetImage(raster::BlankMask({3, 5}), Qt::white);
+    QCOMPARE(EvaluateAtLayerSize(Code("+(A)(B)")), m_a->Image());
+}
+
+void CustomLayerTest::previewsKeepTheRadiusInFullSizePixels()
+{
+    const QImage half = m_b->Image().scaled(4, 4, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    QCOMPARE(Evaluate(*m_layers, Code("d(B:2)"), 4, 4), raster::Dilate(half, 2));
+}
+
+void CustomLayerTest::codesThatCannotBeEvaluatedAreLogged_data()
+{
+    QTest::addColumn<QString>("code");
+    QTest::addColumn<QStringList>("messages");
+    QTest::newRow("one id of two") << "+(A)(x)"
+                                   << QStringList{"Code '%1' contains invalid ID - 'x'",
+                                                  "Unknown unary operator in code '%1'"};
+    QTest::newRow("two operands of one") << "!(4)(5)"
+                                         << QStringList{"Code '%1' contains invalid ID - '4)(5'",
+                                                        "Unsupported operation in code '%1'"};
+    QTest::newRow("no operation") << "?( )"
+                                  << QStringList{"Code '%1' contains invalid ID - ' '",
+                                                 "Unsupported operation in code '%1'"};
+    QTest::newRow("an unknown operation")
+        << "x(A)" << QStringList{"Unknown unary operator in code '%1'"};
+    QTest::newRow("operands that never end")
+        << "+((A)" << QStringList{"Unsupported operation in code '%1'"};
+    QTest::newRow("another alphabet")
+        << QString::fromUtf8("é(A)") << QStringList{"Unknown unary operator in code '%1'"};
+}
+
+void CustomLayerTest::codesThatCannotBeEvaluatedAreLogged()
+{
+    QFETCH(QString, code);
+    QFETCH(QStringList, messages);
+    code = Code(code);
+    QVERIFY(EvaluateAtLayerSize(code).isNull());
+    for (QString& message : messages) {
+        message = "Error: " + message.replace("%1", code);
+    }
+    QCOMPARE(m_log->Messages(), messages);
+}
+
+void CustomLayerTest::nothingIsEvaluatedOverAnEmptyList_data()
+{
+    QTest::addColumn<QString>("code");
+    for (const char* code : {"", "!(0)", "+(0)(1)", "e(0:5)", "?( )", "+(0)(x)"}) {
+        QTest::addRow("'%s'", code) << code;
+    }
+}
+
+void CustomLayerTest::nothingIsEvaluatedOverAnEmptyList()
+{
+    QFETCH(QString, code);
+    QVERIFY(Evaluate(LayerList(), code, 8, 8).isNull());
+    QCOMPARE(m_log->Messages(), QStringList());
+    QVERIFY(EvaluateAtLayerSize("").isNull());
+}
+
+void CustomLayerTest::idsOfNoLayerGiveNullSilently_data()
+{
+    QTest::addColumn<QString>("code");
+    for (const char* code : {"!(99999)", "d(99999:1)", "+(A)(99999)", "-(99999)(B)", "!(-1)"}) {
+        QTest::addRow("'%s'", code) << code;
+    }
+}
+
+void CustomLayerTest::idsOfNoLayerGiveNullSilently()
+{
+    QFETCH(QString, code);
+    QVERIFY(EvaluateAtLayerSize(Code(code)).isNull());
+    QCOMPARE(m_log->Messages(), QStringList());
+}
+
+void CustomLayerTest::theListMayGoWhileAMessageIsShown()
+{
+    const QString code = Code("+(A)(x)");
+    QTimer::singleShot(0, this, [this] { m_layers.reset(); });
+    QVERIFY(EvaluateAtLayerSize(code).isNull());
+    QVERIFY(!m_layers);
+    QCOMPARE(m_log->Messages().size(), 2);
+}
+
+void CustomLayerTest::aCodeReplacesTheImage()
+{
+    const quint64 revision = m_b->PictureRevision();
+    QVERIFY(m_b->SetCode(Code("!(A)")));
+    QCOMPARE(m_b->Code(), Code("!(A)"));
+    QCOMPARE(m_b->Image(), raster::Complement(MaskFromArt(ArtA)));
+    QVERIFY(m_b->PictureRevision() != revision);
+    QCOMPARE(ArtFromMask(m_a->Image()), ArtA);
+}
+
+void CustomLayerTest::anEqualCodeChangesNothing()
+{
+    // The complement of itself: evaluated anew it would flip each time.
+    const QString code = Code("!(A)");
+    QVERIFY(m_a->SetCode(code));
+    const QImage image = m_a->Image();
+    const quint64 revision = m_a->PictureRevision();
+    QVERIFY(m_a->SetCode(code));
+    QCOMPARE(m_a->Image(), image);
+    QCOMPARE(m_a->PictureRevision(), revision);
+}
+
+void CustomLayerTest::aCodeThatEvaluatesToNothingChangesNothing_data()
+{
+    QTest::addColumn<QString>("code");
+    for (const char* code : {"", "?( )", "!(99999)", "+(A)(x)"}) {
+        QTest::addRow("'%s'", code) << code;
+    }
+}
+
+void CustomLayerTest::aCodeThatEvaluatesToNothingChangesNothing()
+{
+    QFETCH(QString, code);
+    const QString before = Code("d(B:1)");
+    QVERIFY(m_a->SetCode(before));
+    const QImage image = m_a->Image();
+    QVERIFY(!m_a->SetCode(Code(code)));
+    QCOMPARE(m_a->Code(), before);
+    QCOMPARE(m_a->Image(), image);
+}
+
+void CustomLayerTest::aLayerWithoutAListHasNoCode()
+{
+    Layer layer(0, 0, nullptr, "alone");
+    layer.SetImage(MaskFromArt(ArtA), Qt::white);
+    QVERIFY(!layer.SetCode(Code("!(A)")));
+    QCOMPARE(layer.Code(), QString());
+    QCOMPARE(ArtFromMask(layer.Image()), ArtA);
+}
+
+void CustomLayerTest::theLayerMayGoWhileAMessageIsShown()
+{
+    QTimer::singleShot(0, this, [this] { m_layers->RemoveLayer(m_a->Id()); });
+    QVERIFY(!m_a->SetCode(Code("x(B)")));
+    QCOMPARE(m_layers->Layers(), QVector<Layer*>{m_b});
+}
+
+QTEST_MAIN(CustomLayerTest)
+
+#include "tst_CustomLayer.moc"
