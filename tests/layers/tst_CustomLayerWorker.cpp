@@ -1,0 +1,434 @@
+#include "layers/CustomLayerWorker.h"
+
+#include "app/Log.h"
+#include "layers/CustomLayer.h"
+#include "layers/raster/Mask.h"
+#include "layers/raster/Morphology.h"
+#include "layers/raster/SetOperations.h"
+
+#include "tests/support/LogSpy.h"
+#include "tests/support/OrderedEvents.h"
+#include "tests/support/ProjectFixture.h"
+
+#include <QSignalSpy>
+#include <QThread>
+#include <QWidget>
+#include <QtTest>
+
+#include <algorithm>
+#include <future>
+#include <memory>
+#include <mutex>
+
+/// Requests like a dialog that owns the worker's thread, and collects the results on its own.
+class Requester : public QObject
+{
+    Q_OBJECT
+
+public:
+    Requester()
+        : m_worker(new CustomLayerWorker)
+    {
+        m_worker->moveToThread(&m_thread);
+        connect(&m_thread, &QThread::finished, m_worker, &QObject::deleteLater);
+        connect(this, &Requester::PreviewRequested, m_worker, &CustomLayerWorker::ComputePreview);
+        connect(this, &Requester::LayerRequested, m_worker, &CustomLayerWorker::ComputeLayer);
+        connect(m_worker, &CustomLayerWorker::PreviewComputationFinished, this,
+                [this](const QImage& preview) { m_previews.append(preview); });
+        connect(m_worker, &CustomLayerWorker::LayerComputationFinished, this,
+                [this](const QImage& image) { m_images.append(image); });
+        connect(
+            m_worker, &CustomLayerWorker::LayerComputationFinished, m_worker,
+            [this] {
+                if (!m_hasReported) {
+                    m_hasReported = true;
+                    m_firstReport.set_value();
+                }
+            },
+            Qt::DirectConnection);
+        m_thread.start(QThread::InheritPriority);
+    }
+
+    ~Requester() override
+    {
+        m_thread.quit();
+        m_thread.wait();
+    }
+
+    CustomLayerWorker* Worker() const { return m_worker; }
+    int ImageCount() const { return m_images.size(); }
+
+    /// Waits for the first image to be reported, on the worker's thread.
+    void WaitWithoutEvents() { m_firstReport.get_future().wait(); }
+
+    QImage TakePreview() { return Take(m_previews); }
+    QImage TakeImage() { return Take(m_images); }
+
+signals:
+    void PreviewRequested(const LayerList* layerList, QString code, QSize previewSize);
+    void LayerRequested(const LayerList* layerList, QString code, Layer* layerToModify);
+
+private:
+    /// The first of the results, waiting for it.
+    static QImage Take(QList<QImage>& results)
+    {
+        if (!QTest::qWaitFor([&] { return !results.isEmpty(); })) {
+            qFatal("No result came.");
+        }
+        return results.takeFirst();
+    }
+
+    QThread m_thread;
+    CustomLayerWorker* m_worker;
+    std::promise<void> m_firstReport;
+    bool m_hasReported = false;
+    QList<QImage> m_previews;
+    QList<QImage> m_images;
+};
+
+class CustomLayerWorkerTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void aPreviewIsReported();
+    void aLayerIsComputedAtTheLayerSize();
+    void missingListsAndCodesGiveNull_data();
+    void missingListsAndCodesGiveNull();
+    void argumentsCrossThreadsByName();
+
+    void onTheListsThreadALayerChangesAtOnce();
+    void onTheWorkersThreadALayerChangesBeforeItIsReported();
+    void theChangeIsMadeOnTheListsThread();
+    void anEqualCodeIsNotEvaluatedAgain();
+    void aCodeThatEvaluatesToNothingKeepsTheLayer();
+    void aLayerThatWentMeanwhileIsNotChanged();
+    void aListThatWentMeanwhileIsNotChanged();
+    void theWorkerNeverWaitsForTheListsThread();
+    void aRequestReadsWhatTheOneBeforeItChanged();
+    void aRequestWaitsWhileAnotherShowsAMessage();
+    void requestsLeftAtTheEndAreDropped();
+    void thePictureIsPaintedWhileTheWorkerWrites();
+
+private:
+    Layer* AddLayer(const QImage& mask);
+    QString Code(QString text) const;
+
+    std::unique_ptr<ProjectFixture> m_project;
+    std::unique_ptr<LogSpy> m_log;
+    std::unique_ptr<LayerList> m_layers;
+    Layer* m_a = nullptr;
+    Layer* m_b = nullptr;
+};
+
+namespace {
+
+constexpr int LayerSize = 64;
+
+QImage MaskA()
+{
+    QImage mask = raster::BlankMask({LayerSize, LayerSize});
+    for (int y = 10; y < 30; ++y) {
+        std::fill_n(mask.scanLine(y) + 20, 25, raster::MaskSet);
+    }
+    return mask;
+}
+
+QImage MaskB()
+{
+    QImage mask = raster::BlankMask({LayerSize, LayerSize});
+    std::fill_n(mask.scanLine(20), LayerSize, raster::MaskSet);
+    return mask;
+}
+
+QImage OnlyResult(const QSignalSpy& spy)
+{
+    return spy.size() == 1 ? spy.first().first().value<QImage>() : QImage();
+}
+
+} // namespace
+
+void CustomLayerWorkerTest::initTestCase()
+{
+    // Messages reach the spy from other threads.
+    qRegisterMetaType<Log::MessageType>("Log::MessageType");
+}
+
+void CustomLayerWorkerTest::init()
+{
+    const QSize size(LayerSize, LayerSize);
+    m_project = std::make_unique<ProjectFixture>(size, size);
+    m_log = std::make_unique<LogSpy>();
+    m_layers = std::make_unique<LayerList>();
+    m_a = AddLayer(MaskA());
+    m_b = AddLayer(MaskB());
+}
+
+void CustomLayerWorkerTest::cleanup()
+{
+    m_layers.reset();
+    m_log.reset();
+    m_project.reset();
+}
+
+Layer* CustomLayerWorkerTest::AddLayer(const QImage& mask)
+{
+    auto layer = std::make_unique<Layer>(0, 0, m_layers.get(), "area");
+    layer->SetImage(mask, Qt::white);
+    return m_layers->AddLayer(layer.get()) ? layer.release() : nullptr;
+}
+
+QString CustomLayerWorkerTest::Code(QString text) const
+{
+    return text.replace('A', QString::number(m_a->Id())).replace('B', QString::number(m_b->Id()));
+}
+
+void CustomLayerWorkerTest::aPreviewIsReported()
+{
+    Requester requester;
+    emit requester.PreviewRequested(m_layers.get(), Code("d(A:2)"), QSize(40, 20));
+    QCOMPARE(requester.TakePreview(), Evaluate(*m_layers, Code("d(A:2)"), 40, 20));
+}
+
+void CustomLayerWorkerTest::aLayerIsComputedAtTheLayerSize()
+{
+    Requester requester;
+    emit requester.LayerRequested(m_layers.get(), Code("-(A)(B)"), nullptr);
+    QCOMPARE(requester.TakeImage(), raster::Difference(MaskA(), MaskB()));
+    QCOMPARE(m_a->Image(), MaskA());
+}
+
+void CustomLayerWorkerTest::missingListsAndCodesGiveNull_data()
+{
+    QTest::addColumn<bool>("hasList");
+    QTest::addColumn<QString>("code");
+    QTest::newRow("no list") << false << "!(A)";
+    QTest::newRow("no code") << true << "";
+}
+
+void CustomLayerWorkerTest::missingListsAndCodesGiveNull()
+{
+    QFETCH(bool, hasList);
+    QFETCH(QString, code);
+    const LayerList* list = hasList ? m_layers.get() : nullptr;
+    Requester requester;
+    emit requester.PreviewRequested(list, Code(code), QSize(8, 8));
+    emit requester.LayerRequested(list, Code(code), m_a);
+    QVERIFY(requester.TakePreview().isNull());
+    QVERIFY(requester.TakeImage().isNull());
+    QCOMPARE(m_a->Image(), MaskA());
+    QCOMPARE(m_a->Code(), QString());
+}
+
+void CustomLayerWorkerTest::argumentsCrossThreadsByName()
+{
+    Requester requester;
+    const LayerList* list = m_layers.get();
+    Layer* none = nullptr;
+    QVERIFY(QMetaObject::invokeMethod(requester.Worker(), "ComputeLayer", Qt::QueuedConnection,
+                                      Q_ARG(const LayerList*, list), Q_ARG(QString, Code("!(A)")),
+                                      Q_ARG(Layer*, none)));
+    QCOMPARE(requester.TakeImage(), raster::Complement(MaskA()));
+}
+
+void CustomLayerWorkerTest::onTheListsThreadALayerChangesAtOnce()
+{
+    CustomLayerWorker worker;
+    QSignalSpy finished(&worker, &CustomLayerWorker::LayerComputationFinished);
+    worker.ComputeLayer(m_layers.get(), Code("!(A)"), m_b);
+    QCOMPARE(OnlyResult(finished), raster::Complement(MaskA()));
+    QCOMPARE(m_b->Image(), raster::Complement(MaskA()));
+    QCOMPARE(m_b->Code(), Code("!(A)"));
+}
+
+void CustomLayerWorkerTest::onTheWorkersThreadALayerChangesBeforeItIsReported()
+{
+    Requester requester;
+    QString codeWhenReported;
+    QImage imageWhenReported;
+    connect(requester.Worker(), &CustomLayerWorker::LayerComputationFinished, this, [&] {
+        codeWhenReported = m_b->Code();
+        imageWhenReported = m_b->Image();
+    });
+    const quint64 revision = m_b->PictureRevision();
+    emit requester.LayerRequested(m_layers.get(), Code("d(A:5)"), m_b);
+    const QImage image = requester.TakeImage();
+    QCOMPARE(image, raster::Dilate(MaskA(), 5));
+    QCOMPARE(imageWhenReported, image);
+    QCOMPARE(codeWhenReported, Code("d(A:5)"));
+    QVERIFY(m_b->PictureRevision() != revision);
+}
+
+void CustomLayerWorkerTest::theChangeIsMadeOnTheListsThread()
+{
+    Requester requester;
+    emit requester.LayerRequested(m_layers.get(), Code("!(A)"), m_b);
+    requester.WaitWithoutEvents();
+    // Posted, but this thread has not come round to it.
+    QCOMPARE(m_b->Image(), MaskB());
+    QCOMPARE(m_b->Code(), QString());
+    QTRY_COMPARE(m_b->Image(), raster::Complement(MaskA()));
+}
+
+void CustomLayerWorkerTest::anEqualCodeIsNotEvaluatedAgain()
+{
+    const QString code = Code("!(A)");
+    QVERIFY(m_a->SetCode(code));
+    const QImage image = m_a->Image();
+    Requester requester;
+    emit requester.LayerRequested(m_layers.get(), code, m_a);
+    QCOMPARE(requester.TakeImage(), image);
+    QCOMPARE(m_a->Image(), image);
+}
+
+void CustomLayerWorkerTest::aCodeThatEvaluatesToNothingKeepsTheLayer()
+{
+    Requester requester;
+    const QString code = Code("+(A)(x)");
+    emit requester.LayerRequested(m_layers.get(), code, m_b);
+    QVERIFY(requester.TakeImage().isNull());
+    QCOMPARE(m_b->Image(), MaskB());
+    QCOMPARE(m_b->Code(), QString());
+    const QStringList messages = {
+        "Error: Code '" + code + "' contains invalid ID - 'x'",
+        "Error: Unknown unary operator in code '" + code + "'",
+    };
+    QTRY_COMPARE(m_log->Messages(), messages);
+
+    CustomLayerWorker worker;
+    QSignalSpy finishedHere(&worker, &CustomLayerWorker::LayerComputationFinished);
+    worker.ComputeLayer(m_layers.get(), "!(99999)", m_b);
+    QCOMPARE(finishedHere.size(), 1);
+    QVERIFY(OnlyResult(finishedHere).isNull());
+    QCOMPARE(m_b->Image(), MaskB());
+}
+
+void CustomLayerWorkerTest::aLayerThatWentMeanwhileIsNotChanged()
+{
+    Requester requester;
+    emit requester.LayerRequested(m_layers.get(), Code("!(A)"), m_b);
+    requester.WaitWithoutEvents();
+    m_layers->RemoveLayer(m_b->Id());
+    QCOMPARE(requester.TakeImage(), raster::Complement(MaskA()));
+    // The worker takes the next request all the same.
+    emit requester.LayerRequested(m_layers.get(), QString("!(%1)").arg(m_a->Id()), nullptr);
+    QCOMPARE(requester.TakeImage(), raster::Complement(MaskA()));
+}
+
+void CustomLayerWorkerTest::aListThatWentMeanwhileIsNotChanged()
+{
+    Requester requester;
+    emit requester.LayerRequested(m_layers.get(), Code("!(A)"), m_b);
+    requester.WaitWithoutEvents();
+    m_layers.reset();
+    QCOMPARE(requester.TakeImage(), raster::Complement(MaskA()));
+    emit requester.LayerRequested(nullptr, "!(0)", nullptr);
+    QVERIFY(requester.TakeImage().isNull());
+}
+
+void CustomLayerWorkerTest::theWorkerNeverWaitsForTheListsThread()
+{
+    // The list's thread waits for the worker's to end, as a dialog's destructor does.
+    auto requester = std::make_unique<Requester>();
+    emit requester->LayerRequested(m_layers.get(), Code("!(A)"), m_b);
+    requester->WaitWithoutEvents();
+    requester.reset();
+    QCOMPARE(m_b->Image(), MaskB());
+    QCoreApplication::processEvents();
+    QCOMPARE(m_b->Image(), raster::Complement(MaskA()));
+}
+
+void CustomLayerWorkerTest::aRequestReadsWhatTheOneBeforeItChanged()
+{
+    Requester requester;
+    emit requester.LayerRequested(m_layers.get(), Code("!(A)"), m_b);
+    emit requester.LayerRequested(m_layers.get(), Code("!(B)"), m_a);
+    emit requester.PreviewRequested(m_layers.get(), Code("+(A)(B)"), QSize(LayerSize, LayerSize));
+    QCOMPARE(requester.TakeImage(), raster::Complement(MaskA()));
+    QCOMPARE(requester.TakeImage(), MaskA());
+    QCOMPARE(requester.TakePreview(),
+             raster::Complement(raster::BlankMask({LayerSize, LayerSize})));
+}
+
+void CustomLayerWorkerTest::aRequestWaitsWhileAnotherShowsAMessage()
+{
+    // All are there when the first starts; it shows two messages, each of which processes the
+    // events of its thread.
+    Requester requester;
+    QStringList order;
+    std::mutex mutex;
+    const auto note = [&](const QString& text) {
+        const std::lock_guard locker(mutex);
+        order.append(text);
+    };
+    connect(
+        &Log::Instance(), &Log::MessageReceived, requester.Worker(),
+        [&](const QString&) { note("message"); }, Qt::DirectConnection);
+    connect(
+        requester.Worker(), &CustomLayerWorker::LayerComputationFinished, requester.Worker(),
+        [&](const QImage& image) { note(image.isNull() ? "nothing" : "image"); },
+        Qt::DirectConnection);
+    CustomLayerWorker* worker = requester.Worker();
+    const auto request = [this, worker](const QString& code) {
+        worker->ComputeLayer(m_layers.get(), Code(code), nullptr);
+    };
+    const auto requestAll = [worker, request] {
+        for (const char* code : {"!(A)", "?( )"}) {
+            QMetaObject::invokeMethod(
+                worker, [request, code] { request(code); }, Qt::QueuedConnection);
+        }
+        request("+(A)(x)");
+    };
+    QMetaObject::invokeMethod(worker, requestAll, Qt::QueuedConnection);
+    QTRY_COMPARE(requester.ImageCount(), 3);
+    const std::lock_guard locker(mutex);
+    QCOMPARE(order, QStringList({"message", "message", "nothing", "image", "message", "message",
+                                 "nothing"}));
+}
+
+void CustomLayerWorkerTest::requestsLeftAtTheEndAreDropped()
+{
+    auto requester = std::make_unique<Requester>();
+    // The second waits for a change that this thread does not come round to.
+    emit requester->LayerRequested(m_layers.get(), Code("!(A)"), m_b);
+    emit requester->LayerRequested(m_layers.get(), Code("!(B)"), m_a);
+    requester.reset();
+    QCoreApplication::processEvents();
+    QCOMPARE(m_a->Image(), MaskA());
+    QCOMPARE(m_a->Code(), QString());
+}
+
+void CustomLayerWorkerTest::thePictureIsPaintedWhileTheWorkerWrites()
+{
+    // With a widget there is a GUI, so that layers have pictures.
+    QWidget window;
+    Requester requester;
+    constexpr int rounds = 20;
+    for (int i = 0; i < rounds; ++i) {
+        emit requester.LayerRequested(m_layers.get(),
+                                      Code("c(A:R)").replace('R', QString::number(i % 7)), m_b);
+        emit requester.LayerRequested(m_layers.get(), Code("-(B)(A)"), m_b);
+    }
+    int paintedCount = 0;
+    while (requester.ImageCount() < 2 * rounds && paintedCount < 100000) {
+        QVERIFY(!m_b->Pixmap().isNull());
+        QVERIFY(!m_a->Pixmap().isNull());
+        ++paintedCount;
+        QCoreApplication::processEvents();
+    }
+    QCOMPARE(requester.ImageCount(), 2 * rounds);
+    QCOMPARE(m_a->Image(), MaskA());
+}
+
+int main(int argc, char* argv[])
+{
+    OrderedApplication application(argc, argv);
+    CustomLayerWorkerTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_CustomLayerWorker.moc"
