@@ -17,7 +17,7 @@ constexpr uchar DilateFlip = 0;
 constexpr uchar ErodeFlip = 255;
 
 /// Above this radius two sweeps are faster than the chords of packed rows.
-constexpr int LargestChordRadius = 12;
+constexpr int LargestChordRadius = 20;
 
 bool IsIndexed(const QImage& mask)
 {

@@ -76,38 +76,80 @@ RowReach<T>::RowReach(const DiscShape& disc, QSize picture)
 template <typename T>
 const T* RowReach<T>::Of(const uchar* pixels, uchar flip)
 {
+    const T* reach = Remember(pixels, flip);
+    m_edges.resize(m_remembered.back());
+    m_remembered.pop_back();
+    return reach;
+}
+
+template <typename T>
+const T* RowReach<T>::Remember(const uchar* pixels, uchar flip)
+{
     const auto set = static_cast<uchar>(~flip);
+    const std::size_t firstEdge = m_edges.size();
+    m_remembered.push_back(firstEdge);
     // A busy row is mostly followed by another one.
-    if (m_isBusy || !FillByRuns(pixels, set, false)) {
+    if (m_isBusy || !FindRuns(pixels, set, false)) {
+        m_edges.resize(firstEdge);
         m_isBusy = FillByDistances(pixels, set);
-        if (!m_isBusy) {
-            FillByRuns(pixels, set, true);
+        if (m_isBusy) {
+            return m_reach.data();
         }
+        FindRuns(pixels, set, true);
+    }
+    FillByRuns(firstEdge);
+    if (m_edges.size() - firstEdge > static_cast<std::size_t>(m_width / 8)) {
+        m_edges.resize(firstEdge);
     }
     return m_reach.data();
 }
 
-/// Natural shapes have a few long runs in a row, whose insides are one value and whose surroundings
-/// are copied. False when the runs turn out to be too short for that and it is not patient.
 template <typename T>
-bool RowReach<T>::FillByRuns(const uchar* pixels, uchar set, bool isPatient)
+const T* RowReach<T>::Recall(const uchar* pixels, uchar flip)
 {
-    T* reach = m_reach.data();
+    const std::size_t firstEdge = m_remembered.back();
+    m_remembered.pop_back();
+    if (firstEdge == m_edges.size()) {
+        return Of(pixels, flip);
+    }
+    FillByRuns(firstEdge);
+    m_edges.resize(firstEdge);
+    return m_reach.data();
+}
+
+/// Natural shapes have a few long runs in a row. False when the runs turn out to be too short for
+/// that and it is not patient.
+template <typename T>
+bool RowReach<T>::FindRuns(const uchar* pixels, uchar set, bool isPatient)
+{
     int judgedAt = 0;
     for (int gap = 0, runs = 1; gap < m_width; ++runs) {
         const int run = Find(pixels, gap, m_width, set);
-        const int end = Find(pixels, run, m_width, static_cast<uchar>(~set));
-        FillGap(reach + gap, run - gap, gap > 0, run < m_width);
-        std::fill(reach + run, reach + end, m_outward.front());
-        gap = end;
+        gap = Find(pixels, run, m_width, static_cast<uchar>(~set));
+        m_edges.push_back(run);
+        m_edges.push_back(gap);
         if (!isPatient && runs % RunsBeforeJudging == 0) {
-            if (end - judgedAt < RunsBeforeJudging * BusyRunLength) {
+            if (gap - judgedAt < RunsBeforeJudging * BusyRunLength) {
                 return false;
             }
-            judgedAt = end;
+            judgedAt = gap;
         }
     }
     return true;
+}
+
+/// The insides of runs are one value, and their surroundings are copied.
+template <typename T>
+void RowReach<T>::FillByRuns(std::size_t firstEdge)
+{
+    T* reach = m_reach.data();
+    int gap = 0;
+    for (std::size_t edge = firstEdge; edge < m_edges.size(); edge += 2) {
+        const int run = m_edges[edge];
+        FillGap(reach + gap, run - gap, gap > 0, run < m_width);
+        gap = m_edges[edge + 1];
+        std::fill(reach + run, reach + gap, m_outward.front());
+    }
 }
 
 /// Fills the clear pixels between two runs, of which the picture's edges may cut off either.
