@@ -44,9 +44,24 @@ QImage BlankMask(QSize size)
     return mask;
 }
 
+namespace {
+
+/// The allocator keeps blocks of up to this size and hands them out again; larger ones come fresh
+/// from the system each time, best in huge pages.
+constexpr qsizetype LargestKeptBlock = qsizetype(32) << 20;
+
+QImage Unfilled(const QImage& image)
+{
+    const bool isLargeMask =
+        image.format() == QImage::Format_Indexed8 && image.sizeInBytes() > LargestKeptBlock;
+    return isLargeMask ? BlankMask(image.size()) : QImage(image.size(), image.format());
+}
+
+} // namespace
+
 QImage UnfilledCopy(const QImage& image)
 {
-    QImage copy(image.size(), image.format());
+    QImage copy = Unfilled(image);
     if (copy.isNull()) {
         return {};
     }

@@ -2,6 +2,7 @@
 
 #include "layers/raster/Mask.h"
 
+#include <QtAlgorithms>
 #include <QtEndian>
 
 #include <algorithm>
@@ -186,18 +187,32 @@ private:
     std::size_t m_used = 0;
 };
 
+/// How many of the words' bytes equal the value before another one comes.
+qint64 EqualBytes(const uchar* bytes, qint64 count, quint64 words)
+{
+    qint64 equal = 0;
+    while (equal + qint64(sizeof words) <= count) {
+        const quint64 difference = qFromLittleEndian<quint64>(bytes + equal) ^ words;
+        if (difference != 0) {
+            return equal + qCountTrailingZeroBits(difference) / 8;
+        }
+        equal += sizeof words;
+    }
+    while (equal < count && bytes[equal] == uchar(words)) {
+        ++equal;
+    }
+    return equal;
+}
+
 /// How many of the bytes equal the first one before another value comes.
 qint64 RunLength(const uchar* bytes, qint64 count)
 {
     constexpr int block = 64;
-    constexpr int shortRun = 8;
     const uchar value = bytes[0];
-    qint64 length = 1;
-    while (length < std::min<qint64>(count, shortRun)) {
-        if (bytes[length] != value) {
-            return length;
-        }
-        ++length;
+    const quint64 words = value * 0x0101010101010101U;
+    qint64 length = EqualBytes(bytes, std::min<qint64>(count, block), words);
+    if (length < block) {
+        return length;
     }
     while (length + block <= count) {
         uchar difference = 0;
@@ -209,10 +224,7 @@ qint64 RunLength(const uchar* bytes, qint64 count)
         }
         length += block;
     }
-    while (length < count && bytes[length] == value) {
-        ++length;
-    }
-    return length;
+    return length + EqualBytes(bytes + length, count - length, words);
 }
 
 bool EncodeRunLength(const QImage& mask, const ByteSink& sink)
