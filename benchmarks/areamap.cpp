@@ -1,5 +1,6 @@
 // Composing and importing area maps of 2048 x 2048 pixels.
 
+#include "benchmarks/support/ColdTime.h"
 #include "benchmarks/support/LiteralCodecs.h"
 #include "benchmarks/support/PythonScript.h"
 #include "benchmarks/support/RatioReporter.h"
@@ -23,12 +24,14 @@ constexpr int UsageCount = 6;
 constexpr int ValueCount = 4;
 constexpr QSize Size(Side, Side);
 
+/// The example's layers, as often as it takes.
 QVector<FlaggedMask> NaturalLayers()
 {
+    const std::vector<QImage> masks = ExampleMasks();
     QVector<FlaggedMask> layers;
     for (int i = 0; i < LayerCount; ++i) {
-        layers.append({NaturalMask(Size, 100U + static_cast<quint32>(i)), 1U << (i % UsageCount),
-                       1U << (i % ValueCount)});
+        const QImage& mask = masks[static_cast<std::size_t>(i) % masks.size()];
+        layers.append({mask.copy(), 1U << (i % UsageCount), 1U << (i % ValueCount)});
     }
     return layers;
 }
@@ -49,13 +52,11 @@ benchmark::internal::Benchmark* Register(const std::string& name, qint64 bytes, 
 {
     return benchmark::RegisterBenchmark(name.c_str(),
                                         [work, bytes](State& state) {
-                                            for (auto _ : state) {
-                                                work();
-                                            }
+                                            MeasureCold(state, work);
                                             state.SetBytesProcessed(state.iterations() * bytes);
                                         })
         ->Unit(benchmark::kMillisecond)
-        ->UseRealTime();
+        ->UseManualTime();
 }
 
 void RegisterCompose(const std::string& name, const QVector<FlaggedMask>& layers)

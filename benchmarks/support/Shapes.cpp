@@ -1,6 +1,10 @@
 #include "benchmarks/support/Shapes.h"
 
 #include "layers/raster/Mask.h"
+#include "layers/raster/TargaCodec.h"
+
+#include <QDir>
+#include <QFile>
 
 #include <benchmark/benchmark.h>
 
@@ -61,6 +65,23 @@ QImage NaturalMask(QSize size, quint32 seed)
         }
     }
     return mask;
+}
+
+std::vector<QImage> ExampleMasks()
+{
+    constexpr QSize size(2048, 2048);
+    const QDir folder(QStringLiteral(BENCH_EXAMPLE "/layers"));
+    const QStringList names = folder.entryList({QStringLiteral("*.tga")}, QDir::Files, QDir::Name);
+    std::vector<QImage> masks;
+    for (const QString& name : names) {
+        QFile file(folder.filePath(name));
+        if (file.open(QIODevice::ReadOnly)) {
+            const QByteArray bytes = file.readAll();
+            const auto* begin = reinterpret_cast<const uchar*>(bytes.constData());
+            masks.push_back(raster::DecodeTarga(begin, bytes.size(), size).mask);
+        }
+    }
+    return masks;
 }
 
 QImage CheckerboardMask(QSize size)

@@ -3,9 +3,14 @@
 #include <QImage>
 #include <QSize>
 
+#include <vector>
+
 /// A mask of land-like shapes with ragged edges, about a third of it set; value noise over five
 /// octaves (Perlin, 1985), the same for the same seed.
 QImage NaturalMask(QSize size, quint32 seed);
+
+/// The layers of the example project, 2048 x 2048 pixels each, in the order of their names.
+std::vector<QImage> ExampleMasks();
 
 /// Every second pixel set: the worst case of run lengths.
 QImage CheckerboardMask(QSize size);
