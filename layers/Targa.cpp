@@ -9,40 +9,58 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+#include <array>
 #include <memory>
+#include <new>
 
 namespace {
 
-QString MessageOf(raster::TargaError error)
+using raster::TargaError;
+using raster::TargaResult;
+
+/// Empty for a size of nothing, of which there is no image to miss.
+QString MessageOf(TargaError error, QSize size)
 {
     switch (error) {
-    case raster::TargaError::TypeMismatch:
+    case TargaError::TypeMismatch:
         return QStringLiteral("TARGA : Identification field and data type mismatch.");
-    case raster::TargaError::ColourFormat:
+    case TargaError::ColourFormat:
         return QStringLiteral("TARGA : Colour formats are not supported.");
-    case raster::TargaError::WrongSize:
+    case TargaError::WrongSize:
         return QStringLiteral("TARGA : Wrong size of the image.");
-    case raster::TargaError::NoImage:
-    case raster::TargaError::None:
+    case TargaError::NoImage:
+        return size.isEmpty() ? QString()
+                              : QStringLiteral("TARGA : Not enough memory for %1x%2 pixels.")
+                                    .arg(size.width())
+                                    .arg(size.height());
+    case TargaError::None:
         break;
     }
     return {};
 }
 
-struct FileBytes
+/// The header is looked at before there is memory for the rest, of which a broken file may pretend
+/// to have any amount. The rest comes in one read and is not zeroed first: masks are large.
+TargaResult ReadTarga(QFile& file, QSize size)
 {
-    std::unique_ptr<uchar[]> bytes;
-    qint64 count = 0;
-};
-
-/// The file's first bytes, at most maxCount, in one read. Not zeroed first: masks are large.
-FileBytes ReadBytes(QFile& file, qint64 maxCount)
-{
-    FileBytes read;
-    const qint64 wanted = qMin(file.size(), maxCount);
-    read.bytes.reset(new uchar[static_cast<std::size_t>(wanted)]);
-    read.count = qMax<qint64>(file.read(reinterpret_cast<char*>(read.bytes.get()), wanted), 0);
-    return read;
+    std::array<char, raster::TargaHeaderSize> header{};
+    const qint64 headerCount = qMax<qint64>(file.read(header.data(), header.size()), 0);
+    const TargaError error =
+        raster::CheckTargaHeader(reinterpret_cast<const uchar*>(header.data()), headerCount, size);
+    if (error != TargaError::None) {
+        return {{}, error};
+    }
+    const qint64 count = qMax(qMin(file.size(), raster::TargaMaxBytes(size)), headerCount);
+    const std::unique_ptr<char[]> bytes(new (std::nothrow) char[static_cast<std::size_t>(count)]);
+    if (!bytes) {
+        return {{}, TargaError::NoImage};
+    }
+    std::copy_n(header.begin(), headerCount, bytes.get());
+    const qint64 dataCount =
+        qMax<qint64>(file.read(bytes.get() + headerCount, count - headerCount), 0);
+    return raster::DecodeTarga(reinterpret_cast<const uchar*>(bytes.get()), headerCount + dataCount,
+                               size);
 }
 
 } // namespace
@@ -54,10 +72,8 @@ QImage LoadTarga(const QString& fileName)
         return {};
     }
     const QSize size = ProjectSettings::Instance().LayerSize();
-    const FileBytes content = ReadBytes(file, raster::TargaMaxBytes(size));
-    const raster::TargaResult result =
-        raster::DecodeTarga(content.bytes.get(), content.count, size);
-    const QString message = MessageOf(result.error);
+    const TargaResult result = ReadTarga(file, size);
+    const QString message = MessageOf(result.error, size);
     if (!message.isEmpty()) {
         LogError(message);
     }

@@ -13,7 +13,6 @@
 namespace raster {
 namespace {
 
-constexpr int HeaderSize = 18;
 constexpr int MaxRun = 128;
 constexpr uchar GreyBits = 3;
 constexpr uchar RunLengthBit = 8;
@@ -22,7 +21,7 @@ constexpr uchar RunBit = 0x80;
 
 struct Header
 {
-    std::array<uchar, HeaderSize> bytes{};
+    std::array<uchar, TargaHeaderSize> bytes{};
 
     uchar IdLength() const { return bytes[0]; }
     uchar ColourMapType() const { return bytes[1]; }
@@ -31,6 +30,13 @@ struct Header
     int Height() const { return qFromLittleEndian<quint16>(&bytes[14]); }
     bool IsTopDown() const { return (bytes[17] & TopDownBit) != 0; }
 };
+
+Header HeaderOf(const uchar* file, qint64 byteCount)
+{
+    Header header;
+    std::copy(file, file + std::min<qint64>(byteCount, TargaHeaderSize), header.bytes.begin());
+    return header;
+}
 
 TargaError Check(const Header& header, QSize size)
 {
@@ -46,23 +52,75 @@ TargaError Check(const Header& header, QSize size)
     return TargaError::None;
 }
 
-/// The pixels in storage order, wherever the image keeps its rows. Pixels start clear, so clear
-/// runs are not written: their memory need not exist.
+/// Takes the pixels in storage order and puts them where they belong in the mask. Its pixels start
+/// clear, so clear runs are not written: their memory need not exist.
 class PixelWriter
 {
 public:
-    PixelWriter(uchar* pixels, qint64 count)
-        : m_next(pixels)
-        , m_end(pixels + count)
+    PixelWriter(QImage& mask, bool isTopDown)
+        : m_pieceLength(mask.width())
+        , m_piecesLeft(mask.height() - 1)
+        , m_step(isTopDown ? mask.bytesPerLine() : -mask.bytesPerLine())
     {
+        if (m_step == m_pieceLength) {
+            m_pieceLength *= mask.height();
+            m_piecesLeft = 0;
+        }
+        BeginPiece(mask.scanLine(isTopDown ? 0 : mask.height() - 1));
     }
 
-    qint64 Room() const { return m_end - m_next; }
+    qint64 Room() const { return RoomInPiece() + m_piecesLeft * m_pieceLength; }
 
     void Repeat(uchar value, qint64 count)
     {
-        count = std::min(count, Room());
-        if (count <= ShortRun && Room() >= ShortRun) {
+        while (count > RoomInPiece()) {
+            count -= RoomInPiece();
+            RepeatInPiece(value, RoomInPiece());
+            if (!NextPiece()) {
+                return;
+            }
+        }
+        RepeatInPiece(value, count);
+    }
+
+    void Copy(const uchar* from, qint64 count)
+    {
+        while (count > RoomInPiece()) {
+            count -= RoomInPiece();
+            from = CopyInPiece(from, RoomInPiece());
+            if (!NextPiece()) {
+                return;
+            }
+        }
+        CopyInPiece(from, count);
+    }
+
+private:
+    static constexpr int ShortRun = 16;
+
+    qint64 RoomInPiece() const { return m_end - m_next; }
+
+    void BeginPiece(uchar* begin)
+    {
+        m_begin = begin;
+        m_next = begin;
+        m_end = begin + m_pieceLength;
+        m_writtenEnd = begin;
+    }
+
+    bool NextPiece()
+    {
+        if (m_piecesLeft == 0) {
+            return false;
+        }
+        --m_piecesLeft;
+        BeginPiece(m_begin + m_step);
+        return true;
+    }
+
+    void RepeatInPiece(uchar value, qint64 count)
+    {
+        if (count <= ShortRun && RoomInPiece() >= ShortRun) {
             // A store of fixed size is much faster; what it writes too much is written again.
             std::memset(m_next, value, ShortRun);
             m_writtenEnd = m_next + ShortRun;
@@ -75,18 +133,22 @@ public:
         m_next += count;
     }
 
-    void Copy(const uchar* from, qint64 count)
+    const uchar* CopyInPiece(const uchar* from, qint64 count)
     {
-        count = std::min(count, Room());
         std::memcpy(m_next, from, static_cast<std::size_t>(count));
         m_next += count;
+        return from + count;
     }
 
-private:
-    static constexpr int ShortRun = 16;
-
-    uchar* m_next;
-    uchar* m_end;
+    /// Pixels that lie side by side: a row, or all of them where rows follow without padding.
+    qint64 m_pieceLength;
+    qint64 m_piecesLeft;
+    /// From one piece to the next in storage order.
+    qint64 m_step;
+    uchar* m_begin = nullptr;
+    uchar* m_next = nullptr;
+    uchar* m_end = nullptr;
+    /// Up to here the piece may hold something else than clear pixels.
     uchar* m_writtenEnd = nullptr;
 };
 
@@ -124,27 +186,10 @@ void DecodeRaw(const uchar* data, const uchar* end, int width, PixelWriter pixel
         std::copy(data + wholeRows - width, data + wholeRows, row.begin());
     }
     std::copy(data + wholeRows, end, row.begin());
-    while (pixels.Room() > 0) {
+    const bool isClear =
+        std::all_of(row.begin(), row.end(), [](uchar pixel) { return pixel == MaskClear; });
+    while (!isClear && pixels.Room() > 0) {
         pixels.Copy(row.data(), width);
-    }
-}
-
-void DecodePixels(const Header& header, const uchar* data, const uchar* end, uchar* pixels)
-{
-    const PixelWriter writer(pixels, qint64(header.Width()) * header.Height());
-    if ((header.ImageType() & RunLengthBit) != 0) {
-        DecodeRunLength(data, end, writer);
-    } else {
-        DecodeRaw(data, end, header.Width(), writer);
-    }
-}
-
-void FlipRows(QImage& mask)
-{
-    const int height = mask.height();
-    for (int y = 0; y < height / 2; ++y) {
-        uchar* upper = mask.scanLine(y);
-        std::swap_ranges(upper, upper + mask.width(), mask.scanLine(height - 1 - y));
     }
 }
 
@@ -267,14 +312,17 @@ bool EncodeRaw(const QImage& mask, const ByteSink& sink)
 
 qint64 TargaMaxBytes(QSize size)
 {
-    return HeaderSize + 2 * qint64(qMax(size.width(), 0)) * qMax(size.height(), 0);
+    return TargaHeaderSize + 2 * qint64(qMax(size.width(), 0)) * qMax(size.height(), 0);
+}
+
+TargaError CheckTargaHeader(const uchar* file, qint64 byteCount, QSize size)
+{
+    return Check(HeaderOf(file, byteCount), size);
 }
 
 TargaResult DecodeTarga(const uchar* file, qint64 byteCount, QSize size)
 {
-    Header header;
-    const qint64 present = std::min<qint64>(byteCount, HeaderSize);
-    std::copy(file, file + present, header.bytes.begin());
+    const Header header = HeaderOf(file, byteCount);
     const TargaError error = Check(header, size);
     if (error != TargaError::None) {
         return {{}, error};
@@ -283,21 +331,13 @@ TargaResult DecodeTarga(const uchar* file, qint64 byteCount, QSize size)
     if (mask.isNull()) {
         return {{}, TargaError::NoImage};
     }
-    const uchar* data = file + present;
+    const uchar* data = file + std::min<qint64>(byteCount, TargaHeaderSize);
     const uchar* end = file + byteCount;
-    if (mask.bytesPerLine() == mask.width()) {
-        DecodePixels(header, data, end, mask.bits());
+    const PixelWriter pixels(mask, header.IsTopDown());
+    if ((header.ImageType() & RunLengthBit) != 0) {
+        DecodeRunLength(data, end, pixels);
     } else {
-        const auto width = static_cast<std::size_t>(mask.width());
-        std::vector<uchar> pixels(width * static_cast<std::size_t>(mask.height()));
-        DecodePixels(header, data, end, pixels.data());
-        for (int y = 0; y < mask.height(); ++y) {
-            std::memcpy(mask.scanLine(y), pixels.data() + width * static_cast<std::size_t>(y),
-                        width);
-        }
-    }
-    if (!header.IsTopDown()) {
-        FlipRows(mask);
+        DecodeRaw(data, end, mask.width(), pixels);
     }
     return {mask, TargaError::None};
 }
@@ -311,7 +351,7 @@ bool EncodeTarga(const QImage& mask, TargaPacking packing, const ByteSink& sink)
     qToLittleEndian(static_cast<quint16>(mask.height()), &header.bytes[14]);
     header.bytes[16] = 8;
     header.bytes[17] = TopDownBit;
-    if (!sink(reinterpret_cast<const char*>(header.bytes.data()), HeaderSize)) {
+    if (!sink(reinterpret_cast<const char*>(header.bytes.data()), TargaHeaderSize)) {
         return false;
     }
     if (mask.isNull()) {

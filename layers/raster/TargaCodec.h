@@ -16,7 +16,7 @@ enum class TargaError
     ColourFormat,
     /// The image has another size than the one asked for.
     WrongSize,
-    /// No image of that size can be made.
+    /// No image of that size can be made, or there is no memory for it.
     NoImage,
 };
 
@@ -31,6 +31,11 @@ enum class TargaPacking
     Raw,
     RunLength,
 };
+
+constexpr int TargaHeaderSize = 18;
+
+/// Whether DecodeTarga would refuse a file with these first bytes; looks at the header alone.
+TargaError CheckTargaHeader(const uchar* file, qint64 byteCount, QSize size);
 
 /// The most bytes that a file of a mask of this size needs, however it is packed. Bytes behind
 /// them are of no use to the reader.

@@ -7,8 +7,10 @@
 #include "tests/support/LiteralTarga.h"
 #include "tests/support/LogSpy.h"
 #include "tests/support/Masks.h"
+#include "tests/support/MemoryLimit.h"
 #include "tests/support/ProjectFixture.h"
 
+#include <QtEndian>
 #include <QtTest>
 
 class TargaTest : public QObject
@@ -45,6 +47,8 @@ private slots:
     void layerSizesOfNothingGiveNoMask();
     void filesThatEndEarlyAreRead();
     void trailingBytesAreIgnored();
+    void aFileThatPretendsToBeHugeIsAnError();
+    void aRefusedFileIsNotReadAsAWhole();
 
 private:
     QString File() const { return m_project->Path("mask.tga"); }
@@ -52,6 +56,24 @@ private:
     std::unique_ptr<ProjectFixture> m_project;
     LogSpy m_log;
 };
+
+namespace {
+
+constexpr quint64 AMebibyte = 1 << 20;
+
+/// A run-length file of 9 GB, none of which takes room on the disk but its header.
+void WriteSparseTarga(const QString& path, QSize size)
+{
+    QByteArray header = literal::WriteTarga(raster::BlankMask({1, 1}), true).left(18);
+    qToLittleEndian(static_cast<quint16>(size.width()), header.data() + 12);
+    qToLittleEndian(static_cast<quint16>(size.height()), header.data() + 14);
+    WriteBytes(path, header);
+    if (!QFile::resize(path, 9000000000)) {
+        qFatal("Cannot make a sparse file.");
+    }
+}
+
+} // namespace
 
 void TargaTest::init()
 {
@@ -327,6 +349,25 @@ void TargaTest::trailingBytesAreIgnored()
     const QImage mask = MaskFromArt({"##..#", "#+.#.", "###.."});
     WriteBytes(File(), literal::WriteTarga(mask, true) + QByteArray(1000, '\x55'));
     QCOMPARE(LoadTarga(File()), mask);
+}
+
+void TargaTest::aFileThatPretendsToBeHugeIsAnError()
+{
+    WriteSparseTarga(File(), {65535, 65535});
+    ProjectSettings::Instance().SetSizes(65535, 65535, 100, 100);
+    const MemoryLimit limit(AMebibyte * 512);
+    QVERIFY(LoadTarga(File()).isNull());
+    QCOMPARE(m_log.Messages(),
+             QStringList{"Error: TARGA : Not enough memory for 65535x65535 pixels."});
+}
+
+void TargaTest::aRefusedFileIsNotReadAsAWhole()
+{
+    WriteSparseTarga(File(), {65535, 65534});
+    ProjectSettings::Instance().SetSizes(65535, 65535, 100, 100);
+    const MemoryLimit limit(AMebibyte * 512);
+    QVERIFY(LoadTarga(File()).isNull());
+    QCOMPARE(m_log.Messages(), QStringList{"Error: TARGA : Wrong size of the image."});
 }
 
 QTEST_GUILESS_MAIN(TargaTest)

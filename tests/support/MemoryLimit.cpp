@@ -9,10 +9,17 @@
 
 namespace {
 
+/// The bytes that one of the page counts of this process stands for.
+quint64 CountedMemory(int index)
+{
+    const QByteArray counts = ReadBytes(QStringLiteral("/proc/self/statm"));
+    return counts.split(' ').value(index).toULongLong() *
+           static_cast<quint64>(sysconf(_SC_PAGESIZE));
+}
+
 quint64 UsedAddressSpace()
 {
-    const QByteArray pageCount = ReadBytes(QStringLiteral("/proc/self/statm")).split(' ').value(0);
-    return pageCount.toULongLong() * static_cast<quint64>(sysconf(_SC_PAGESIZE));
+    return CountedMemory(0);
 }
 
 } // namespace
@@ -34,4 +41,9 @@ MemoryLimit::~MemoryLimit()
     getrlimit(RLIMIT_AS, &limit);
     limit.rlim_cur = m_limitBefore;
     setrlimit(RLIMIT_AS, &limit);
+}
+
+quint64 ResidentMemory()
+{
+    return CountedMemory(1);
 }

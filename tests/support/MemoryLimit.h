@@ -14,3 +14,6 @@ public:
 private:
     quint64 m_limitBefore;
 };
+
+/// How many bytes of this process's memory exist at the moment.
+quint64 ResidentMemory();

@@ -3,6 +3,7 @@
 
 #include "tests/support/LiteralTarga.h"
 #include "tests/support/Masks.h"
+#include "tests/support/MemoryLimit.h"
 
 #include <QtTest>
 
@@ -46,8 +47,14 @@ private slots:
     void filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes();
     void randomPacketsAreReadLikeTheLiteralReaderDoes();
     void bytesBehindThoseOfTheMaskAreIgnored();
+    void largeMasksAreDecodedInPlace_data();
+    void largeMasksAreDecodedInPlace();
+    void clearPixelsTakeNoMemory_data();
+    void clearPixelsTakeNoMemory();
     void sizesWithoutAnImageGiveNone_data();
     void sizesWithoutAnImageGiveNone();
+    void theHeaderAloneTellsWhatIsRefused_data();
+    void theHeaderAloneTellsWhatIsRefused();
     void theMostBytesAreThoseOfOnePacketAPixel_data();
     void theMostBytesAreThoseOfOnePacketAPixel();
 };
@@ -494,6 +501,62 @@ void TargaCodecTest::bytesBehindThoseOfTheMaskAreIgnored()
     }
 }
 
+void TargaCodecTest::largeMasksAreDecodedInPlace_data()
+{
+    QTest::addColumn<char>("imageType");
+    QTest::addColumn<char>("descriptor");
+    QTest::newRow("raw, top-down") << RawType << TopDown;
+    QTest::newRow("raw, bottom-up") << RawType << BottomUp;
+    QTest::newRow("run-length, top-down") << RunLengthType << TopDown;
+    QTest::newRow("run-length, bottom-up") << RunLengthType << BottomUp;
+}
+
+void TargaCodecTest::largeMasksAreDecodedInPlace()
+{
+    QFETCH(char, imageType);
+    QFETCH(char, descriptor);
+    // Such rows are padded in memory.
+    const QSize size(65535, 4000);
+    constexpr quint64 mebibyte = 1 << 20;
+    const MemoryLimit limit(320 * mebibyte);
+    const TargaResult result = Decode(HeaderBytes(imageType, size, descriptor), size);
+    QCOMPARE(result.error, TargaError::None);
+    QCOMPARE(result.mask.size(), size);
+}
+
+void TargaCodecTest::clearPixelsTakeNoMemory_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<QByteArray>("packets");
+    QTest::addColumn<char>("imageType");
+    QTest::addColumn<char>("descriptor");
+    const QByteArray packets = QByteArray("\xff\0", 2).repeated(1 << 16);
+    for (const int width : {32764, 32765}) {
+        for (const char descriptor : {TopDown, BottomUp}) {
+            const QByteArray name =
+                QByteArray::number(width) + (descriptor == TopDown ? ", top-down" : ", bottom-up");
+            QTest::newRow((name + ", run-length").constData())
+                << width << packets << RunLengthType << descriptor;
+            QTest::newRow((name + ", raw").constData())
+                << width << QByteArray() << RawType << descriptor;
+        }
+    }
+}
+
+void TargaCodecTest::clearPixelsTakeNoMemory()
+{
+    QFETCH(int, width);
+    QFETCH(QByteArray, packets);
+    QFETCH(char, imageType);
+    QFETCH(char, descriptor);
+    const QSize size(width, 4000);
+    const quint64 before = ResidentMemory();
+    const TargaResult result = Decode(HeaderBytes(imageType, size, descriptor) + packets, size);
+    constexpr quint64 mebibyte = 1 << 20;
+    QVERIFY(ResidentMemory() < before + 40 * mebibyte);
+    QCOMPARE(result.mask.size(), size);
+}
+
 void TargaCodecTest::sizesWithoutAnImageGiveNone_data()
 {
     QTest::addColumn<QSize>("size");
@@ -512,6 +575,28 @@ void TargaCodecTest::sizesWithoutAnImageGiveNone()
     const TargaResult result = Decode(HeaderBytes(RawType, size), size);
     QCOMPARE(result.error, error);
     QVERIFY(result.mask.isNull());
+}
+
+void TargaCodecTest::theHeaderAloneTellsWhatIsRefused_data()
+{
+    QTest::addColumn<QByteArray>("header");
+    QTest::addColumn<TargaError>("error");
+    const QByteArray good = HeaderBytes(RawType, {5, 3});
+    QTest::newRow("good") << good << TargaError::None;
+    QTest::newRow("good, and more") << good + "bytes" << TargaError::None;
+    QTest::newRow("no bytes") << QByteArray() << TargaError::ColourFormat;
+    QTest::newRow("cut off") << good.left(12) << TargaError::WrongSize;
+    QTest::newRow("image identification")
+        << good.mid(2, 1) + good.mid(1) << TargaError::TypeMismatch;
+    QTest::newRow("another size") << HeaderBytes(RawType, {5, 4}) << TargaError::WrongSize;
+}
+
+void TargaCodecTest::theHeaderAloneTellsWhatIsRefused()
+{
+    QFETCH(QByteArray, header);
+    QFETCH(TargaError, error);
+    const auto* bytes = reinterpret_cast<const uchar*>(header.constData());
+    QCOMPARE(raster::CheckTargaHeader(bytes, header.size(), {5, 3}), error);
 }
 
 void TargaCodecTest::theMostBytesAreThoseOfOnePacketAPixel_data()
