@@ -12,6 +12,7 @@
 #include <QIODevice>
 #include <QtEndian>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -94,29 +95,46 @@ bool ReadInt(QIODevice& device, qint32& value)
     return count >= 0;
 }
 
-/// The words that the device still holds, at most maxCount: a header may promise more than there
-/// is.
-std::vector<quint32> ReadWords(QIODevice& device, qint64 maxCount)
+/// The words that the device still holds, at most wordCount, block by block: a header may promise
+/// more than there is, and a sparse file may hold more than there is memory for.
+class WordReader
 {
-    constexpr qint64 blockSize = 1 << 20;
-    std::vector<quint32> words;
-    qint64 wanted = 4 * maxCount;
-    qint64 used = 0;
-    while (wanted > 0) {
-        const qint64 block = device.isSequential() ? blockSize : device.bytesAvailable();
-        const qint64 count = qMin(wanted, qMax<qint64>(block, 1));
-        words.resize(static_cast<std::size_t>((used + count + 3) / 4));
-        const qint64 read = device.read(reinterpret_cast<char*>(words.data()) + used, count);
-        if (read <= 0) {
-            break;
-        }
-        used += read;
-        wanted -= read;
+public:
+    WordReader(QIODevice& device, qint64 wordCount)
+        : m_device(device)
+        , m_wanted(4 * wordCount)
+        , m_words(static_cast<std::size_t>(qMin(wordCount, BlockWords)))
+    {
     }
-    words.resize(static_cast<std::size_t>((used + 3) / 4));
-    qFromLittleEndian<quint32>(words.data(), static_cast<qint64>(words.size()), words.data());
-    return words;
-}
+
+    raster::WordBlock Next()
+    {
+        auto* bytes = reinterpret_cast<char*>(m_words.data());
+        const qint64 room = qMin(4 * BlockWords, m_wanted);
+        qint64 used = 0;
+        while (used < room) {
+            const qint64 count = m_device.read(bytes + used, room - used);
+            if (count <= 0) {
+                m_wanted = used;
+                break;
+            }
+            used += count;
+        }
+        m_wanted -= used;
+        const qint64 wordCount = (used + 3) / 4;
+        std::fill(bytes + used, bytes + 4 * wordCount, '\0');
+        qFromLittleEndian<quint32>(m_words.data(), wordCount, m_words.data());
+        return {m_words.data(), wordCount};
+    }
+
+private:
+    static constexpr qint64 BlockWords = 1 << 18;
+
+    QIODevice& m_device;
+    /// Bytes still to come.
+    qint64 m_wanted;
+    std::vector<quint32> m_words;
+};
 
 enum class FlagKind
 {
@@ -148,18 +166,22 @@ void ImportSection(LayerList& layers, QIODevice& device, FlagKind kind,
         return;
     }
     const QSize size = ProjectSettings::Instance().LayerSize();
-    if (raster::BlankMask(size).isNull()) {
+    if (!raster::IsMaskSize(size)) {
         LogError(QStringLiteral("The area map has an invalid size: %1x%2 pixels.")
                      .arg(size.width())
                      .arg(size.height()));
         return;
     }
     const qint64 wordsPerRow = size.width() / (32 / bits);
-    const std::vector<quint32> words = ReadWords(device, wordsPerRow * size.height());
-    const raster::PackedFields fields{words.data(), static_cast<qint64>(words.size()), bits, size};
-    const QVector<raster::FlagMask> flagMasks = raster::SplitFields(fields, names.size());
-    for (const raster::FlagMask& flagMask : flagMasks) {
+    WordReader reader(device, wordsPerRow * size.height());
+    const raster::SplitResult result =
+        raster::SplitFields({[&reader] { return reader.Next(); }, bits, size}, names.size());
+    for (const raster::FlagMask& flagMask : result.masks) {
         AddFlagLayer(layers, flagMask, kind, names.at(flagMask.flag));
+    }
+    if (result.missingCount > 0) {
+        LogError(QStringLiteral("There is no memory for %1 layers of the area map.")
+                     .arg(result.missingCount));
     }
 }
 

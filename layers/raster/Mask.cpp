@@ -22,9 +22,14 @@ const QVector<QRgb>& GreyTable()
     return table;
 }
 
+bool IsMaskSize(QSize size)
+{
+    return !size.isEmpty() && qMax(size.width(), size.height()) <= MaxMaskLength;
+}
+
 QImage BlankMask(QSize size)
 {
-    if (size.isEmpty() || qMax(size.width(), size.height()) > MaxMaskLength) {
+    if (!IsMaskSize(size)) {
         return {};
     }
     const int bytesPerLine = (size.width() + 3) & ~3;

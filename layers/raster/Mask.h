@@ -16,8 +16,10 @@ const QVector<QRgb>& GreyTable();
 /// Longer sides do not fit the 16-bit sizes of the files that masks are stored in.
 constexpr int MaxMaskLength = 65535;
 
-/// A mask with every pixel clear; null for an empty size, for one with a side above MaxMaskLength
-/// and when there is no memory.
+/// True for sides of 1 to MaxMaskLength.
+bool IsMaskSize(QSize size);
+
+/// A mask with every pixel clear; null when there is no memory and where IsMaskSize is false.
 /// Its pixels take memory only where something is written.
 QImage BlankMask(QSize size);
 

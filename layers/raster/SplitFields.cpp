@@ -22,20 +22,30 @@ public:
     {
     }
 
-    QVector<FlagMask> Masks() const { return m_masks; }
+    SplitResult Result() const { return m_result; }
 
     template <int Bits>
-    void Split(const PackedFields& fields)
+    void Split(const WordSource& nextWords)
     {
         constexpr int pixelsPerWord = 32 / Bits;
-        const qint64 wordsPerRow = fields.size.width() / pixelsPerWord;
-        for (int row = 0; row < m_size.height() && row * wordsPerRow < fields.wordCount; ++row) {
-            const quint32* words = fields.words + row * wordsPerRow;
-            const qint64 count = std::min(wordsPerRow, fields.wordCount - row * wordsPerRow);
-            m_imageRow = m_size.height() - 1 - row;
-            for (qint64 w = 0; w < count; w += PieceWords) {
-                AddPiece<Bits>(words + w, std::min(PieceWords, count - w),
-                               static_cast<int>(w) * pixelsPerWord);
+        const qint64 wordsPerRow = m_size.width() / pixelsPerWord;
+        qint64 column = 0;
+        m_imageRow = m_size.height() - 1;
+        for (WordBlock block = nextWords(); block.count > 0 && wordsPerRow > 0;
+             block = nextWords()) {
+            while (block.count > 0 && m_imageRow >= 0) {
+                const qint64 count = std::min(wordsPerRow - column, block.count);
+                for (qint64 w = 0; w < count; w += PieceWords) {
+                    AddPiece<Bits>(block.words + w, std::min(PieceWords, count - w),
+                                   static_cast<int>(column + w) * pixelsPerWord);
+                }
+                block.words += count;
+                block.count -= count;
+                column += count;
+                if (column == wordsPerRow) {
+                    column = 0;
+                    --m_imageRow;
+                }
             }
         }
     }
@@ -70,7 +80,7 @@ private:
         if ((present & ~m_known) != 0) {
             AddNewFlags(fields, count);
         }
-        for (FlagMask& mask : m_masks) {
+        for (FlagMask& mask : m_result.masks) {
             const quint32 bit = 1U << mask.flag;
             if ((present & bit) == 0) {
                 continue;
@@ -103,8 +113,10 @@ private:
     {
         m_known |= 1U << flag;
         const QImage mask = BlankMask(m_size);
-        if (!mask.isNull()) {
-            m_masks.append({flag, mask});
+        if (mask.isNull()) {
+            ++m_result.missingCount;
+        } else {
+            m_result.masks.append({flag, mask});
         }
     }
 
@@ -112,35 +124,35 @@ private:
     quint32 m_wanted;
     quint32 m_known = 0;
     int m_imageRow = 0;
-    QVector<FlagMask> m_masks;
+    SplitResult m_result;
 };
 
 } // namespace
 
-QVector<FlagMask> SplitFields(const PackedFields& fields, int flagCount)
+SplitResult SplitFields(const PackedFields& fields, int flagCount)
 {
     Splitter splitter(fields.size, flagCount);
     switch (fields.bits) {
     case 1:
-        splitter.Split<1>(fields);
+        splitter.Split<1>(fields.nextWords);
         break;
     case 2:
-        splitter.Split<2>(fields);
+        splitter.Split<2>(fields.nextWords);
         break;
     case 4:
-        splitter.Split<4>(fields);
+        splitter.Split<4>(fields.nextWords);
         break;
     case 8:
-        splitter.Split<8>(fields);
+        splitter.Split<8>(fields.nextWords);
         break;
     case 16:
-        splitter.Split<16>(fields);
+        splitter.Split<16>(fields.nextWords);
         break;
     default:
-        splitter.Split<32>(fields);
+        splitter.Split<32>(fields.nextWords);
         break;
     }
-    return splitter.Masks();
+    return splitter.Result();
 }
 
 } // namespace raster

@@ -6,11 +6,13 @@
 
 #include "tests/support/LiteralMap.h"
 #include "tests/support/Masks.h"
+#include "tests/support/MemoryLimit.h"
 
 #include <QtTest>
 
 using raster::BitFieldRaster;
 using raster::FlagMask;
+using raster::SplitResult;
 
 class SplitFieldsTest : public QObject
 {
@@ -27,6 +29,8 @@ private slots:
     void fieldsAreSplitLikeTheLiteralOnes_data();
     void fieldsAreSplitLikeTheLiteralOnes();
     void composedFieldsSplitIntoTheirFlags();
+    void wordsBehindTheLastRowAreIgnored();
+    void masksWithoutMemoryAreCounted();
 };
 
 namespace {
@@ -44,9 +48,23 @@ QVector<quint32> WordsOf(const BitFieldRaster& raster)
     return {raster.Words(), raster.Words() + raster.WordCount()};
 }
 
+/// The words in blocks of at most blockSize.
+SplitResult SplitBlocks(const QVector<quint32>& words, int blockSize, int bits, QSize size,
+                        int flagCount)
+{
+    int used = 0;
+    const auto nextWords = [&]() -> raster::WordBlock {
+        const quint32* block = words.constData() + used;
+        const int count = qMin(blockSize, words.size() - used);
+        used += count;
+        return {block, count};
+    };
+    return raster::SplitFields({nextWords, bits, size}, flagCount);
+}
+
 QVector<FlagMask> Split(const QVector<quint32>& words, int bits, QSize size, int flagCount)
 {
-    return raster::SplitFields({words.constData(), words.size(), bits, size}, flagCount);
+    return SplitBlocks(words, qMax(words.size(), 1), bits, size, flagCount).masks;
 }
 
 QSize RandomSize(Random& random)
@@ -152,7 +170,8 @@ void SplitFieldsTest::fieldsAreSplitLikeTheLiteralOnes()
         const qint64 count = random.Below(2) == 0 ? fullCount : random.Below(int(fullCount) + 1);
         const QVector<quint32> words = RandomWords(random, count);
         const int flagCount = random.Below(33);
-        const QVector<FlagMask> masks = Split(words, bits, size, flagCount);
+        const int blockSize = random.Between(1, random.Below(2) == 0 ? 5 : 1000);
+        const QVector<FlagMask> masks = SplitBlocks(words, blockSize, bits, size, flagCount).masks;
         const auto expected = literal::SplitSection(words, bits, size, flagCount);
         QCOMPARE(masks.size(), expected.size());
         for (int m = 0; m < masks.size(); ++m) {
@@ -177,6 +196,21 @@ void SplitFieldsTest::composedFieldsSplitIntoTheirFlags()
     QCOMPARE(valueMasks.size(), 2);
     QCOMPARE(valueMasks.at(0).flag, 3);
     QCOMPARE(valueMasks.at(1).flag, 2);
+}
+
+void SplitFieldsTest::wordsBehindTheLastRowAreIgnored()
+{
+    const QVector<FlagMask> masks = Split({0x01000000, 0x00000001, 0x02020202}, 8, {4, 2}, 8);
+    QCOMPARE(masks.size(), 1);
+    QCOMPARE(ArtFromMask(masks.at(0).mask), (QStringList{"...#", "#..."}));
+}
+
+void SplitFieldsTest::masksWithoutMemoryAreCounted()
+{
+    const MemoryLimit limit(64 << 20);
+    const SplitResult result = SplitBlocks({0xFFFF0003, 4}, 1, 32, {16384, 16384}, 8);
+    QVERIFY(result.masks.isEmpty());
+    QCOMPARE(result.missingCount, 3);
 }
 
 QTEST_GUILESS_MAIN(SplitFieldsTest)
