@@ -84,6 +84,23 @@ bool CheckFlagTypes()
     return doFit;
 }
 
+/// Fields are written for layer sizes that masks can have. The sizes may come from a broken file,
+/// and without flag types, or with sizes of nothing, there is a map for any.
+bool CheckLayerSize()
+{
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    const AreaFlagTypes& types = settings.areaFlagTypes;
+    const bool isWritable = (types.usages.isEmpty() && types.values.isEmpty()) ||
+                            settings.LayerSize().isEmpty() ||
+                            raster::IsMaskSize(settings.LayerSize());
+    if (!isWritable) {
+        LogError(QStringLiteral("An area map with flag types cannot have %1x%2 pixels.")
+                     .arg(settings.layerWidth)
+                     .arg(settings.layerHeight));
+    }
+    return isWritable;
+}
+
 /// Reads one header integer; what the device is too short for leaves value as it is.
 bool ReadInt(QIODevice& device, qint32& value)
 {
@@ -189,7 +206,7 @@ void ImportSection(LayerList& layers, QIODevice& device, FlagKind kind,
 
 bool SaveAreaMap(const LayerList& layers, const QString& path)
 {
-    if (!CheckFlagTypes()) {
+    if (!CheckFlagTypes() || !CheckLayerSize()) {
         return false;
     }
     OutputFile file(path);

@@ -70,9 +70,17 @@ public:
     }
 
     qint64 Room() const { return RoomInPiece() + m_piecesLeft * m_pieceLength; }
+    bool IsFull() const { return m_next == m_end && m_piecesLeft == 0; }
 
     void Repeat(uchar value, qint64 count)
     {
+        if (count <= ShortRun && RoomInPiece() >= ShortRun) {
+            // A store of fixed size is much faster; what it writes too much is written again.
+            std::memset(m_next, value, ShortRun);
+            m_writtenEnd = m_next + ShortRun;
+            m_next += count;
+            return;
+        }
         while (count > RoomInPiece()) {
             count -= RoomInPiece();
             RepeatInPiece(value, RoomInPiece());
@@ -120,11 +128,7 @@ private:
 
     void RepeatInPiece(uchar value, qint64 count)
     {
-        if (count <= ShortRun && RoomInPiece() >= ShortRun) {
-            // A store of fixed size is much faster; what it writes too much is written again.
-            std::memset(m_next, value, ShortRun);
-            m_writtenEnd = m_next + ShortRun;
-        } else if (value != MaskClear) {
+        if (value != MaskClear) {
             std::memset(m_next, value, static_cast<std::size_t>(count));
         } else if (m_next < m_writtenEnd) {
             const qint64 written = std::min<qint64>(count, m_writtenEnd - m_next);
@@ -155,7 +159,7 @@ private:
 void DecodeRunLength(const uchar* data, const uchar* end, PixelWriter pixels)
 {
     uchar last = MaskClear;
-    while (pixels.Room() > 0 && data < end) {
+    while (!pixels.IsFull() && data < end) {
         const uchar header = *data++;
         const int count = (header & ~RunBit) + 1;
         if (data == end) {
@@ -178,7 +182,7 @@ void DecodeRaw(const uchar* data, const uchar* end, int width, PixelWriter pixel
 {
     const qint64 wholeRows = std::min<qint64>(pixels.Room(), (end - data) / width * width);
     pixels.Copy(data, wholeRows);
-    if (pixels.Room() == 0) {
+    if (pixels.IsFull()) {
         return;
     }
     std::vector<uchar> row(static_cast<std::size_t>(width), MaskClear);
@@ -188,7 +192,7 @@ void DecodeRaw(const uchar* data, const uchar* end, int width, PixelWriter pixel
     std::copy(data + wholeRows, end, row.begin());
     const bool isClear =
         std::all_of(row.begin(), row.end(), [](uchar pixel) { return pixel == MaskClear; });
-    while (!isClear && pixels.Room() > 0) {
+    while (!isClear && !pixels.IsFull()) {
         pixels.Copy(row.data(), width);
     }
 }

@@ -37,9 +37,13 @@ private slots:
     void theRemainderOfARowIsLeftOut();
     void sizesOfNothingAreWrittenWithoutWords_data();
     void sizesOfNothingAreWrittenWithoutWords();
-    void sizesBeyondAllMemoryAreNotWritten();
-    void oneHugeSideTakesNoMoreMemoryThanTheMap_data();
-    void oneHugeSideTakesNoMoreMemoryThanTheMap();
+    void sizesThatNoMaskHasAreRefusedBeforeTheFileIsOpened_data();
+    void sizesThatNoMaskHasAreRefusedBeforeTheFileIsOpened();
+    void theLargestSizesAreWritten_data();
+    void theLargestSizesAreWritten();
+    void withoutFlagTypesAMapOfAnySizeIsItsHeader_data();
+    void withoutFlagTypesAMapOfAnySizeIsItsHeader();
+    void aMapWithoutMemoryLeavesTheOldOne();
     void savingSaysWhatItDoes();
     void aMapThatCannotBeOpenedIsAnError();
     void tooManyFlagTypesAreRefusedBeforeTheFileIsOpened_data();
@@ -375,41 +379,87 @@ void AreaMapTest::sizesOfNothingAreWrittenWithoutWords()
     QCOMPARE(ReadBytes(File()), Ints({size.width(), size.height(), 15360, 10240, 8, 4}));
 }
 
-void AreaMapTest::sizesBeyondAllMemoryAreNotWritten()
-{
-    WriteBytes(File(), "old");
-    SetTypes(1, 0);
-    SetLayerSize({2147483647, 2147483647});
-    LayerList layers;
-    Add(layers, FullMask({8, 2}), 1, 1);
-    QVERIFY(!layers.SaveMap(File()));
-    SetTypes(0, 32);
-    QVERIFY(!layers.SaveMap(File()));
-    QCOMPARE(ReadBytes(File()), QByteArray("old"));
-}
-
-void AreaMapTest::oneHugeSideTakesNoMoreMemoryThanTheMap_data()
+void AreaMapTest::sizesThatNoMaskHasAreRefusedBeforeTheFileIsOpened_data()
 {
     QTest::addColumn<QSize>("size");
-    QTest::addColumn<int>("typeCount");
-    QTest::newRow("widest") << QSize(2147483647, 1) << 1;
-    QTest::newRow("wide") << QSize(4000000, 9) << 8;
-    QTest::newRow("high") << QSize(9, 4000000) << 32;
+    QTest::addColumn<int>("usageCount");
+    QTest::addColumn<int>("valueCount");
+    const int largest = std::numeric_limits<int>::max();
+    for (const QSize size : {QSize(1, largest), QSize(largest, 1), QSize(1000000000, 1),
+                             QSize(largest, largest), QSize(65536, 1), QSize(1, 65536)}) {
+        const QByteArray name =
+            QByteArray::number(size.width()) + 'x' + QByteArray::number(size.height());
+        QTest::newRow((name + ", 1 type").constData()) << size << 1 << 0;
+        QTest::newRow((name + ", 32 types").constData()) << size << 0 << 32;
+    }
 }
 
-void AreaMapTest::oneHugeSideTakesNoMoreMemoryThanTheMap()
+void AreaMapTest::sizesThatNoMaskHasAreRefusedBeforeTheFileIsOpened()
 {
     // The sizes are those of the file that was imported last, whatever it said.
     QFETCH(QSize, size);
-    QFETCH(int, typeCount);
-    SetTypes(typeCount, 0);
+    QFETCH(int, usageCount);
+    QFETCH(int, valueCount);
+    SetTypes(usageCount, valueCount);
     SetLayerSize(size);
     LayerList layers;
-    Add(layers, FullMask({200, 300}), 1, 0);
-    const MemoryLimit limit(640 * AMebibyte);
-    const FileSizeLimit noFile(0);
-    QVERIFY(!layers.SaveMap(File()));
-    QCOMPARE(m_log.Messages(), QStringList{"Info: Processing binary map ..."});
+    Add(layers, FullMask({8, 2}), 1, 1);
+    QVERIFY(!layers.SaveMap(m_project->Path("missing/area.map")));
+    QCOMPARE(m_log.Messages(),
+             QStringList{QString("Error: An area map with flag types cannot have %1x%2 pixels.")
+                             .arg(size.width())
+                             .arg(size.height())});
+}
+
+void AreaMapTest::theLargestSizesAreWritten_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("widest") << QSize(65535, 1);
+    QTest::newRow("highest") << QSize(1, 65535);
+}
+
+void AreaMapTest::theLargestSizesAreWritten()
+{
+    QFETCH(QSize, size);
+    SetTypes(32, 0);
+    SetLayerSize(size);
+    LayerList layers;
+    QVERIFY(layers.SaveMap(File()));
+    QCOMPARE(QFileInfo(File()).size(), qint64(24 + 4 * 65535));
+}
+
+void AreaMapTest::withoutFlagTypesAMapOfAnySizeIsItsHeader_data()
+{
+    QTest::addColumn<QSize>("size");
+    const int largest = std::numeric_limits<int>::max();
+    QTest::newRow("zero") << QSize(0, 0);
+    QTest::newRow("negative") << QSize(-1, -1);
+    QTest::newRow("widest") << QSize(largest, 1);
+    QTest::newRow("highest") << QSize(1, largest);
+    QTest::newRow("largest") << QSize(largest, largest);
+}
+
+void AreaMapTest::withoutFlagTypesAMapOfAnySizeIsItsHeader()
+{
+    QFETCH(QSize, size);
+    SetLayerSize(size);
+    LayerList layers;
+    Add(layers, FullMask({8, 2}), 1, 1);
+    QVERIFY(layers.SaveMap(File()));
+    QCOMPARE(ReadBytes(File()), Ints({size.width(), size.height(), 15360, 10240, 0, 0}));
+}
+
+void AreaMapTest::aMapWithoutMemoryLeavesTheOldOne()
+{
+    WriteBytes(File(), "old");
+    SetTypes(32, 0);
+    SetLayerSize({16384, 16384});
+    LayerList layers;
+    {
+        const MemoryLimit limit(640 * AMebibyte);
+        QVERIFY(!layers.SaveMap(File()));
+    }
+    QCOMPARE(ReadBytes(File()), QByteArray("old"));
 }
 
 void AreaMapTest::savingSaysWhatItDoes()

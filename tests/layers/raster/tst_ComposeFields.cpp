@@ -4,6 +4,7 @@
 
 #include "tests/support/LiteralMap.h"
 #include "tests/support/Masks.h"
+#include "tests/support/MemoryLimit.h"
 
 #include <QtTest>
 
@@ -28,6 +29,8 @@ private slots:
     void clearMixedAndSetStretchesAreKeptApart();
     void fieldsAreComposedLikeTheLiteralOnes_data();
     void fieldsAreComposedLikeTheLiteralOnes();
+    void oneHugeSideTakesNoMoreMemoryThanTheMasks_data();
+    void oneHugeSideTakesNoMoreMemoryThanTheMasks();
 };
 
 namespace {
@@ -223,6 +226,39 @@ void ComposeFieldsTest::fieldsAreComposedLikeTheLiteralOnes()
         QCOMPARE(WordsOf(usages), literal::SectionWords(images, usageFlags, bits, size));
         QCOMPARE(WordsOf(values), literal::SectionWords(images, valueFlags, valueBits, size));
     }
+}
+
+void ComposeFieldsTest::oneHugeSideTakesNoMoreMemoryThanTheMasks_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<int>("bits");
+    for (const int bits : {1, 32}) {
+        const QByteArray name = ", " + QByteArray::number(bits) + " bits";
+        QTest::newRow(("highest" + name).constData()) << QSize(1, 2147483647) << bits;
+        QTest::newRow(("widest" + name).constData()) << QSize(2147483647, 1) << bits;
+        QTest::newRow(("wide" + name).constData()) << QSize(1000000000, 1) << bits;
+    }
+}
+
+void ComposeFieldsTest::oneHugeSideTakesNoMoreMemoryThanTheMasks()
+{
+    QFETCH(QSize, size);
+    QFETCH(int, bits);
+#ifdef __SANITIZE_ADDRESS__
+    if (bits == 32) {
+        QSKIP("The sanitizer marks every byte of the words.");
+    }
+#endif
+    const quint64 before = ResidentMemory();
+    BitFieldRaster usages(bits, size.width(), size.height());
+    BitFieldRaster values(0, size.width(), size.height());
+    if (!usages.IsValid()) {
+        QSKIP("There is no address space for so many words.");
+    }
+    raster::ComposeFields({{FullMask({200, 300}), 1, 1}}, usages, values);
+    QVERIFY(ResidentMemory() < before + (100 << 20));
+    QCOMPARE(usages.Get(0, size.height() - 1), usages.WordCount() > 0 ? 1U : 0U);
+    QCOMPARE(usages.Get(200, size.height() - 1), 0U);
 }
 
 QTEST_GUILESS_MAIN(ComposeFieldsTest)
