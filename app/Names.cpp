@@ -16,6 +16,11 @@ bool IsValidName(const QString& name)
     return !name.trimmed().isEmpty() && !name.contains(ForbiddenCharacters());
 }
 
+bool LeadsUpward(const QString& name)
+{
+    return name.startsWith(QLatin1String("../")) || name.contains(QLatin1String("/../"));
+}
+
 QString ToValidName(const QString& name)
 {
     QString valid = name;

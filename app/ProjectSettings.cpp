@@ -105,15 +105,6 @@ QString ProjectSettings::TerritoryTypePath(const QString& typeName) const
     return PathBelow(QStringLiteral("territoryTypes"), typeName + QStringLiteral(".xml"));
 }
 
-bool ProjectSettings::IsInsideProject(const QString& path) const
-{
-    QString folder = QDir::cleanPath(projectDir.absolutePath());
-    if (!folder.endsWith(QLatin1Char('/'))) {
-        folder += QLatin1Char('/');
-    }
-    return QDir::cleanPath(QDir::current().absoluteFilePath(path)).startsWith(folder);
-}
-
 QString ProjectSettings::PathBelow(const QString& folder, const QString& fileName) const
 {
     projectDir.mkdir(folder);

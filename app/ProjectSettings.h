@@ -58,9 +58,6 @@ public:
     QString LayerPath(const QString& layerName) const;
     QString TerritoryTypePath(const QString& typeName) const;
 
-    /// False for a path that leaves projectDir by way of "..".
-    bool IsInsideProject(const QString& path) const;
-
 private:
     ProjectSettings() = default;
     QString PathBelow(const QString& folder, const QString& fileName) const;

@@ -154,13 +154,11 @@ std::unique_ptr<Layer> ReadLayer(const QXmlStreamReader& xml, LayerList* list)
     const bool isVisible = IntAttribute(xml, QLatin1String("visible"), 0) > 0;
 
     LogInfo(QStringLiteral("Loading layer \"%1\"...").arg(name));
-    const ProjectSettings& settings = ProjectSettings::Instance();
-    const QString path = settings.LayerPath(name);
-    if (!settings.IsInsideProject(path)) {
+    if (LeadsUpward(name)) {
         LogError(QStringLiteral("The bitmap of layer '%1' lies outside the project.").arg(name));
         return nullptr;
     }
-    const QImage image = LoadTarga(path);
+    const QImage image = LoadTarga(ProjectSettings::Instance().LayerPath(name));
     if (image.isNull()) {
         return nullptr;
     }

@@ -9,6 +9,8 @@ class NamesTest : public QObject
 private slots:
     void namesThatCanBeFileNamesAreValid_data();
     void namesThatCanBeFileNamesAreValid();
+    void namesThatLeadUpwardAreTold_data();
+    void namesThatLeadUpwardAreTold();
     void validNamesAreKept_data();
     void validNamesAreKept();
     void invalidNamesBecomeValidOnesThatResembleThem_data();
@@ -39,6 +41,28 @@ void NamesTest::namesThatCanBeFileNamesAreValid()
     QFETCH(QString, name);
     QFETCH(bool, isValid);
     QCOMPARE(IsValidName(name), isValid);
+}
+
+void NamesTest::namesThatLeadUpwardAreTold_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("isUpward");
+    QTest::newRow("plain") << "coast" << false;
+    QTest::newRow("below") << "north/coast" << false;
+    QTest::newRow("from the root") << "/coast" << false;
+    QTest::newRow("upward") << "../coast" << true;
+    QTest::newRow("down and up") << "north/../coast" << true;
+    QTest::newRow("up behind two slashes") << "north//../coast" << true;
+    // The file's suffix makes something else of these.
+    QTest::newRow("only dots") << ".." << false;
+    QTest::newRow("dots at the end") << "north/.." << false;
+    QTest::newRow("dots in a folder's name") << "..north/so..uth/west../..." << false;
+}
+
+void NamesTest::namesThatLeadUpwardAreTold()
+{
+    QFETCH(QString, name);
+    QTEST(LeadsUpward(name), "isUpward");
 }
 
 void NamesTest::validNamesAreKept_data()

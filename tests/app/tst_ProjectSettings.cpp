@@ -61,8 +61,6 @@ private slots:
     void SubFoldersAreCreatedOnEachCall();
     void SubFolderThatCannotBeCreatedIsIgnored();
     void PathsWithoutAProjectAreRelative();
-    void PathsOutsideTheProjectAreTold_data();
-    void PathsOutsideTheProjectAreTold();
 
 private:
     std::unique_ptr<ProjectFixture> m_project;
@@ -403,39 +401,6 @@ void tst_ProjectSettings::PathsWithoutAProjectAreRelative()
     QCOMPARE(typePath, "./territoryTypes/b.xml");
     QVERIFY(QDir(m_project->Path("layers")).exists());
     QVERIFY(QDir(m_project->Path("territoryTypes")).exists());
-}
-
-void tst_ProjectSettings::PathsOutsideTheProjectAreTold_data()
-{
-    QTest::addColumn<QString>("projectDir");
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<bool>("isInside");
-    QTest::newRow("below") << "/p"
-                           << "/p/layers/a.tga" << true;
-    QTest::newRow("back and forth") << "/p"
-                                    << "/p/layers/../map/a.map" << true;
-    QTest::newRow("parent") << "/p"
-                            << "/p/layers/../../a.tga" << false;
-    QTest::newRow("name that starts alike") << "/p"
-                                            << "/p/../p2/a.tga" << false;
-    QTest::newRow("the folder itself") << "/p"
-                                       << "/p" << false;
-    QTest::newRow("folder not clean") << "/q/../p/"
-                                      << "/p/layers/a.tga" << true;
-    QTest::newRow("root") << "/"
-                          << "//layers/a.tga" << true;
-    QTest::newRow("working directory") << "."
-                                       << "./layers/a.tga" << true;
-    QTest::newRow("above the working directory") << "."
-                                                 << "./layers/../../a.tga" << false;
-}
-
-void tst_ProjectSettings::PathsOutsideTheProjectAreTold()
-{
-    QFETCH(QString, projectDir);
-    QFETCH(QString, path);
-    Settings().projectDir = QDir(projectDir);
-    QTEST(Settings().IsInsideProject(path), "isInside");
 }
 
 QTEST_GUILESS_MAIN(tst_ProjectSettings)

@@ -591,8 +591,10 @@ void LayerListTest::bitmapsOutsideTheProjectAreNotRead_data()
     QTest::newRow("beside the project") << "../../outside/coast" << false;
     QTest::newRow("through a layer") << "coast/../../../outside/coast" << false;
     QTest::newRow("absolute") << "/coast" << true;
-    QTest::newRow("in the project") << "../layers/coast" << true;
+    QTest::newRow("up and back") << "../layers/coast" << false;
+    QTest::newRow("up from where a link leads") << "linked/../secret" << false;
     QTest::newRow("in a folder of the project") << "north/coast" << true;
+    QTest::newRow("in a linked folder") << "linked/coast" << true;
 }
 
 void LayerListTest::bitmapsOutsideTheProjectAreNotRead()
@@ -603,6 +605,9 @@ void LayerListTest::bitmapsOutsideTheProjectAreNotRead()
     WriteBytes(m_project->Path("outside/coast.tga"), bitmap);
     WriteBytes(m_project->Path("inner/layers/coast.tga"), bitmap);
     WriteBytes(m_project->Path("inner/layers/north/coast.tga"), bitmap);
+    WriteBytes(m_project->Path("outside/linked/coast.tga"), bitmap);
+    WriteBytes(m_project->Path("outside/secret.tga"), bitmap);
+    QVERIFY(QFile::link(m_project->Path("outside/linked"), m_project->Path("inner/layers/linked")));
     ProjectSettings::Instance().projectDir = QDir(m_project->Path("inner"));
     LayerList layers;
     QVERIFY(Read(layers, "<layers><layer name='" + name + "'/></layers>"));
