@@ -4,19 +4,45 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace {
+
+/// A save file would put a regular file in the place of a device node, and would take no name for
+/// one until the commit.
+bool IsWrittenInPlace(const QString& path)
+{
+    const QFileInfo target(path);
+    return path.isEmpty() || (target.exists() && !target.isFile());
+}
 
 std::unique_ptr<QFileDevice> MakeDevice(const QString& path)
 {
-    const QFileInfo target(path);
-    if (path.isEmpty() || (target.exists() && !target.isFile())) {
-        // A save file would put a regular file in the place of a device node, and would take no
-        // name for one until the commit.
+    if (IsWrittenInPlace(path)) {
         return std::make_unique<QFile>(path);
     }
     auto file = std::make_unique<QSaveFile>(path);
     file->setDirectWriteFallback(true);
     return file;
+}
+
+/// Opening a pipe that nobody reads would wait for a reader, maybe for ever; here it fails. Writing
+/// waits as usual.
+bool OpenWithoutWaiting(QFile& file, QIODevice::OpenMode mode)
+{
+    const QByteArray path = QFile::encodeName(file.fileName());
+    const int descriptor = open(path.constData(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return false;
+    }
+    const int flags = fcntl(descriptor, F_GETFL);
+    if (fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) == 0 &&
+        file.open(descriptor, mode, QFileDevice::AutoCloseHandle)) {
+        return true;
+    }
+    close(descriptor);
+    return false;
 }
 
 } // namespace
@@ -30,7 +56,10 @@ OutputFile::~OutputFile() = default;
 
 bool OutputFile::Open(QIODevice::OpenMode flags)
 {
-    return m_device->open(QIODevice::WriteOnly | flags);
+    const QIODevice::OpenMode mode = QIODevice::WriteOnly | flags;
+    auto* inPlace = qobject_cast<QFile*>(m_device.get());
+    m_isWhole = inPlace ? OpenWithoutWaiting(*inPlace, mode) : m_device->open(mode);
+    return m_isWhole;
 }
 
 bool OutputFile::Write(const char* bytes, qint64 count)

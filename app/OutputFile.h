@@ -7,7 +7,8 @@
 
 /// A file being written that takes its target's place only as a whole: until Commit succeeds, and
 /// whenever anything failed, the old file stays as it was. Where the target exists and is no
-/// regular file (a device, a pipe), or its folder takes no new file, it is written in place.
+/// regular file (a device, a pipe), or its folder takes no new file, it is written in place: a
+/// failure then leaves a file that is cut off, and the old content is lost.
 class OutputFile
 {
 public:
@@ -16,14 +17,14 @@ public:
     ~OutputFile();
     Q_DISABLE_COPY(OutputFile)
 
-    /// flags may hold QIODevice::Text.
+    /// flags may hold QIODevice::Text. Never waits: a pipe that nobody reads cannot be opened.
     bool Open(QIODevice::OpenMode flags = QIODevice::NotOpen);
     /// False unless every byte was taken; a failure is remembered until Commit.
     bool Write(const char* bytes, qint64 count);
     bool Write(const QByteArray& bytes) { return Write(bytes.constData(), bytes.size()); }
-    /// Puts the finished file in its place; false, and nothing is replaced, after any failure.
+    /// Puts the finished file in its place; false, and nothing is put there, after any failure.
     bool Commit();
-    /// The reason of the last failure, in the toolkit's words.
+    /// The reason of the last failure of a regular file, in the toolkit's words.
     QString ErrorString() const { return m_device->errorString(); }
 
 private:

@@ -7,6 +7,7 @@
 
 #include <thread>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -29,6 +30,7 @@ private slots:
     void aFileThatCannotBePutInPlaceFailsTheCommit();
     void aLinkIsWrittenThrough();
     void aPipeIsWrittenInPlace();
+    void aPipeThatNobodyReadsCannotBeOpened();
     void aFullDeviceFailsTheCommit();
     void aFileWhoseFolderTakesNoNewFileIsWrittenInPlace();
     void aNewFileInAFolderThatTakesNoneCannotBeOpened();
@@ -213,18 +215,32 @@ void OutputFileTest::aLinkIsWrittenThrough()
 
 void OutputFileTest::aPipeIsWrittenInPlace()
 {
-    QCOMPARE(mkfifo(QFile::encodeName(Target()).constData(), 0600), 0);
+    const QByteArray path = QFile::encodeName(Target());
+    QCOMPARE(mkfifo(path.constData(), 0600), 0);
+    // More than a pipe holds, so that the writer has to wait for the reader.
+    const QByteArray bytes(1000000, 'x');
+    QFile pipe;
+    QVERIFY(pipe.open(open(path.constData(), O_RDONLY | O_NONBLOCK), QIODevice::ReadOnly,
+                      QFileDevice::AutoCloseHandle));
+    OutputFile file(Target());
+    QVERIFY(file.Open());
+    QCOMPARE(fcntl(pipe.handle(), F_SETFL, O_RDONLY), 0);
     QByteArray received;
-    std::thread reader([&] { received = ReadBytes(Target()); });
-    bool isWritten = false;
-    {
-        OutputFile file(Target());
-        isWritten = file.Open() && file.Write("bytes") && file.Commit();
-    }
+    std::thread reader([&] { received = pipe.readAll(); });
+    const bool isWritten = file.Write(bytes) && file.Commit();
     reader.join();
     QVERIFY(isWritten);
-    QCOMPARE(received, QByteArray("bytes"));
+    QVERIFY(received == bytes);
     QVERIFY(!QFileInfo(Target()).isFile());
+}
+
+void OutputFileTest::aPipeThatNobodyReadsCannotBeOpened()
+{
+    QCOMPARE(mkfifo(QFile::encodeName(Target()).constData(), 0600), 0);
+    OutputFile file(Target());
+    QVERIFY(!file.Open());
+    QVERIFY(!file.Commit());
+    QVERIFY(QFileInfo::exists(Target()));
 }
 
 void OutputFileTest::aFullDeviceFailsTheCommit()
