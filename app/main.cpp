@@ -5,8 +5,13 @@
 #include <QApplication>
 #include <QTextCodec>
 
+#include <csignal>
+
 int main(int argc, char* argv[])
 {
+    // A file may be limited in size. To write beyond shall fail and be reported like a full disk,
+    // instead of ending the program without a word.
+    std::signal(SIGXFSZ, SIG_IGN);
     // Paths and console messages are UTF-8, also in the C locale.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     ChoosePlatform(argc, argv);

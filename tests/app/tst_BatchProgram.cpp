@@ -9,6 +9,8 @@
 
 #include <memory>
 
+#include <sys/stat.h>
+
 namespace {
 
 constexpr char Project[] =
@@ -39,6 +41,8 @@ private slots:
     void MissingOutputFolderEndsWithThree();
     void UnwrittenMapEndsWithZero();
     void FullDiskIsReported();
+    void FileSizeLimitIsReported();
+    void PipesThatNobodyReadsAreReported();
     void UnwrittenTypeEndsWithZero();
     void FolderStandsTwiceInTheDefault();
     void RelativeOutputStartsAtTheConfig();
@@ -212,6 +216,36 @@ void tst_BatchProgram::FullDiskIsReported()
     QCOMPARE(WithoutTimes(run.log),
              (QStringList{"0 territory types exported.", "Processing binary map ...",
                           "Failed to export area map to file '" + Path("out/a.map") + "'."}));
+}
+
+void tst_BatchProgram::FileSizeLimitIsReported()
+{
+    WriteBytes(Path("a.xml"), Project);
+    const QString limited =
+        "ulimit -f 0; exec " QUILLMAP_PROGRAM " --no-gui --config a.xml --output out";
+    const ProgramRun run = RunProgram("/bin/sh", {"-c", limited}, m_folder->path(), m_environment);
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(WithoutTimes(run.log),
+             (QStringList{"0 territory types exported.", "Processing binary map ...",
+                          "Failed to export area map to file '" + Path("out/a.map") + "'."}));
+    QVERIFY(!QFile::exists(Path("out/a.map")));
+}
+
+void tst_BatchProgram::PipesThatNobodyReadsAreReported()
+{
+    WriteBytes(Path("a.xml"), Project);
+    QVERIFY(QDir().mkpath(Path("out")));
+    QVERIFY(QDir().mkpath(Path("territoryTypes")));
+    for (const char* name : {"out/a.map", "territoryTypes/Deer.xml"}) {
+        QCOMPARE(mkfifo(QFile::encodeName(Path(name)).constData(), 0600), 0);
+    }
+    const ProgramRun run = Run({"--no-gui", "--config", "a.xml", "--output", "out"});
+    QCOMPARE(run.exitCode, 0);
+    const QString path = Path("out/a.map");
+    QCOMPARE(WithoutTimes(run.log),
+             (QStringList{"0 territory types exported.",
+                          "Failed to open file '" + path + "' for writing.",
+                          "Failed to export area map to file '" + path + "'."}));
 }
 
 void tst_BatchProgram::UnwrittenTypeEndsWithZero()
