@@ -16,6 +16,11 @@ bool IsValidName(const QString& name)
     return !name.trimmed().isEmpty() && !name.contains(ForbiddenCharacters());
 }
 
+bool IsRename(const QString& oldName, const QString& newName)
+{
+    return newName != oldName && IsValidName(newName);
+}
+
 bool LeadsUpward(const QString& name)
 {
     return name.startsWith(QLatin1String("../")) || name.contains(QLatin1String("/../"));
@@ -26,4 +31,16 @@ QString ToValidName(const QString& name)
     QString valid = name;
     valid.replace(ForbiddenCharacters(), QStringLiteral("_"));
     return valid.trimmed().isEmpty() ? QStringLiteral("Unnamed") : valid;
+}
+
+QString FreeNames::Take(const QString& base)
+{
+    QString name = base;
+    int& number = m_lastNumbers[base];
+    for (number = qMax(number, 1); m_taken.contains(name);) {
+        ++number;
+        name = QStringLiteral("%1 (%2)").arg(base, QString::number(number));
+    }
+    m_taken.insert(name);
+    return name;
 }

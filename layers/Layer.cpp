@@ -152,7 +152,7 @@ void Layer::setData(const QVariant& value, int role)
         return;
     }
     const QString name = value.toString();
-    if (name != text() && IsValidName(name)) {
+    if (IsRename(text(), name)) {
         setText(name);
     }
 }

@@ -192,6 +192,7 @@ void LayerList::RenameForSaving()
     for (const Layer* layer : layers) {
         taken.insert(layer->text());
     }
+    FreeNames freeNames(taken);
     QSet<QString> kept;
     QStringList messages;
     for (Layer* layer : layers) {
@@ -200,12 +201,7 @@ void LayerList::RenameForSaving()
             kept.insert(oldName);
             continue;
         }
-        const QString base = ToValidName(oldName);
-        QString name = base;
-        for (int number = 2; taken.contains(name); ++number) {
-            name = QStringLiteral("%1 (%2)").arg(base, QString::number(number));
-        }
-        taken.insert(name);
+        const QString name = freeNames.Take(ToValidName(oldName));
         kept.insert(name);
         layer->setText(name);
         messages.append(

@@ -123,7 +123,7 @@ void TerritoryType::setData(const QVariant& value, int role)
         return;
     }
     const QString name = value.toString();
-    if (name != text() && IsValidName(name)) {
+    if (IsRename(text(), name)) {
         setText(name);
     }
 }

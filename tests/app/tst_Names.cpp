@@ -9,12 +9,15 @@ class NamesTest : public QObject
 private slots:
     void namesThatCanBeFileNamesAreValid_data();
     void namesThatCanBeFileNamesAreValid();
+    void renamesAreToOtherValidNames();
     void namesThatLeadUpwardAreTold_data();
     void namesThatLeadUpwardAreTold();
     void validNamesAreKept_data();
     void validNamesAreKept();
     void invalidNamesBecomeValidOnesThatResembleThem_data();
     void invalidNamesBecomeValidOnesThatResembleThem();
+    void freeNamesAreTheFirstThatAreNotTaken();
+    void manyFreeNamesAreFoundInNoTime();
 };
 
 void NamesTest::namesThatCanBeFileNamesAreValid_data()
@@ -41,6 +44,16 @@ void NamesTest::namesThatCanBeFileNamesAreValid()
     QFETCH(QString, name);
     QFETCH(bool, isValid);
     QCOMPARE(IsValidName(name), isValid);
+}
+
+void NamesTest::renamesAreToOtherValidNames()
+{
+    QVERIFY(IsRename("coast", "Coast"));
+    QVERIFY(IsRename("a/b", "coast"));
+    QVERIFY(!IsRename("coast", "coast"));
+    QVERIFY(!IsRename("coast", "a/b"));
+    QVERIFY(!IsRename("coast", " "));
+    QVERIFY(!IsRename("a/b", "a/b"));
 }
 
 void NamesTest::namesThatLeadUpwardAreTold_data()
@@ -99,6 +112,35 @@ void NamesTest::invalidNamesBecomeValidOnesThatResembleThem()
     QVERIFY(!IsValidName(name));
     QCOMPARE(ToValidName(name), validName);
     QVERIFY(IsValidName(validName));
+}
+
+void NamesTest::freeNamesAreTheFirstThatAreNotTaken()
+{
+    FreeNames names({"coast", "coast (3)", "town (2)"});
+    for (const char* name : {"coast (2)", "coast (4)", "coast (5)"}) {
+        QCOMPARE(names.Take("coast"), name);
+    }
+    for (const char* name : {"town", "town (3)"}) {
+        QCOMPARE(names.Take("town"), name);
+    }
+    QCOMPARE(names.Take("coast (4)"), "coast (4) (2)");
+    QCOMPARE(names.Take("coast (6)"), "coast (6)");
+    QCOMPARE(names.Take("coast"), "coast (7)");
+}
+
+void NamesTest::manyFreeNamesAreFoundInNoTime()
+{
+    // Trying all numbers for each would take minutes.
+    constexpr int count = 30000;
+    QElapsedTimer timer;
+    timer.start();
+    FreeNames names({"coast"});
+    QString last;
+    for (int i = 0; i < count; ++i) {
+        last = names.Take("coast");
+    }
+    QCOMPARE(last, QString("coast (%1)").arg(count + 1));
+    QVERIFY(timer.elapsed() < 10000);
 }
 
 QTEST_GUILESS_MAIN(NamesTest)
