@@ -83,7 +83,10 @@ bool LayerList::AddLayer(Layer* layer)
     if (!layer || layer->Image().isNull()) {
         return false;
     }
-    if (layer->model() != m_model) {
+    if (layer->parent() || (layer->model() && layer->model() != m_model)) {
+        return false;
+    }
+    if (!layer->model()) {
         m_model->appendRow(layer);
     }
     return true;

@@ -37,8 +37,9 @@ public:
     Layer* LayerByName(const QString& name) const;
     void VisibleLayers(QHash<int, Layer*>& out) const;
 
-    /// Appends the layer and takes it over. False for null and for a layer without an image, which
-    /// stays the caller's; true without change for one that is in the list already.
+    /// Appends the layer and takes it over. False, and nothing changes hands, for null, a layer
+    /// without an image and one that another model or item owns; true without change for one that
+    /// is in the list already.
     bool AddLayer(Layer* layer);
     /// The same for a caller that has no use for a refused layer: it is destroyed.
     bool AddLayer(std::unique_ptr<Layer> layer);

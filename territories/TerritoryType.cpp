@@ -76,7 +76,7 @@ Territory* TerritoryType::NewTerritory()
 
 void TerritoryType::AddTerritory(Territory* territory)
 {
-    if (territory && !territory->parent()) {
+    if (territory && !territory->parent() && !territory->model()) {
         appendRow(territory);
     }
 }

@@ -27,7 +27,8 @@ public:
     SpawnCounts Totals() const;
 
     Territory* NewTerritory();
-    /// Takes the territory over, as the last row; nothing when it is one of the rows already.
+    /// Takes the territory over, as the last row; nothing for null and for a territory that another
+    /// item or a model owns, or this type already.
     void AddTerritory(Territory* territory);
     /// Null when there is none.
     Territory* GetTerritory(int id) const;

@@ -50,10 +50,10 @@ TerritoryType* TerritoryTypeList::TypeById(int id) const
 
 bool TerritoryTypeList::AddType(TerritoryType* type)
 {
-    if (!type) {
+    if (!type || type->parent() || (type->model() && type->model() != m_model)) {
         return false;
     }
-    if (type->model() != m_model) {
+    if (!type->model()) {
         m_model->appendRow(type);
     }
     return true;

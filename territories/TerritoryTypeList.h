@@ -28,8 +28,9 @@ public:
     /// Null when there is none.
     TerritoryType* TypeById(int id) const;
 
-    /// Appends the type and takes it over. False for null; true without change for a type that is
-    /// in the list already.
+    /// Appends the type and takes it over. False, and nothing changes hands, for null and for a
+    /// type that another model or item owns; true without change for one that is in the list
+    /// already.
     bool AddType(TerritoryType* type);
     /// Destroys all types.
     void Clear();

@@ -29,6 +29,7 @@ private slots:
     void layersAreAppendedInOrder();
     void layersWithoutAnImageAreRefused();
     void aLayerInTheListIsNotAddedAgain();
+    void layersOfOthersAreRefused();
     void removingALayerDestroysIt();
     void clearingDestroysAllLayers();
     void theListDestroysItsLayersAndThenItsModel();
@@ -187,6 +188,23 @@ void LayerListTest::aLayerInTheListIsNotAddedAgain()
     Add(layers, "town");
     QVERIFY(layers.AddLayer(coast));
     QCOMPARE(NamesOf(layers), (QStringList{"coast", "town"}));
+}
+
+void LayerListTest::layersOfOthersAreRefused()
+{
+    LayerList layers;
+    LayerList others;
+    Layer* coast = Add(others, "coast");
+    QVERIFY(!layers.AddLayer(coast));
+    QCOMPARE(NamesOf(others), QStringList{"coast"});
+    QCOMPARE(coast->model(), others.model());
+    QStandardItem parent;
+    auto* child = new Layer(0, 0, &layers, "child");
+    child->SetImage(raster::BlankMask({5, 2}), Qt::red);
+    parent.appendRow(child);
+    QVERIFY(!layers.AddLayer(child));
+    QCOMPARE(child->parent(), &parent);
+    QVERIFY(layers.IsEmpty());
 }
 
 void LayerListTest::removingALayerDestroysIt()

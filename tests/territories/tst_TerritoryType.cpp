@@ -50,6 +50,7 @@ private slots:
     void AddedTerritoryIsTheLastRow();
     void TerritoryIsAddedOnce();
     void TerritoryOfAnotherTypeStaysThere();
+    void TerritoriesOfOthersAreNotTaken();
     void TerritoriesAreFoundById();
     void RemovedTerritoryIsDestroyed();
     void TerritoriesAreInTheOrderOfTheirIds();
@@ -307,6 +308,18 @@ void tst_TerritoryType::IsWrittenWithItsTerritories()
              "<territory name=\"first\" visible=\"0\" color=\"4278190080\"/>"
              "<territory name=\"second\" visible=\"0\" color=\"4278190080\"/>"
              "</territory-type>");
+}
+
+void tst_TerritoryType::TerritoriesOfOthersAreNotTaken()
+{
+    QStandardItemModel model;
+    auto* territory = new Territory("north");
+    model.appendRow(territory);
+    TerritoryType type("Deer");
+    type.AddTerritory(territory);
+    QVERIFY(type.Territories().isEmpty());
+    QCOMPARE(territory->model(), &model);
+    QCOMPARE(model.rowCount(), 1);
 }
 
 QTEST_MAIN(tst_TerritoryType)

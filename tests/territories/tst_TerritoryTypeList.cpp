@@ -89,6 +89,7 @@ class tst_TerritoryTypeList : public QObject
 private slots:
     void initTestCase();
     void TakesEachTypeOnce();
+    void TypesOfOthersAreRefused();
     void TypesAreFoundById();
     void ClearDestroysTheTypes();
     void ModelIsReleasedWithTheList();
@@ -461,6 +462,23 @@ void tst_TerritoryTypeList::DamagedInputNeverCrashes()
         QCOMPARE(isRead, !xml.hasError());
         QCOMPARE(scene.items().size(), ZoneCount(list));
     }
+}
+
+void tst_TerritoryTypeList::TypesOfOthersAreRefused()
+{
+    TerritoryTypeList list;
+    TerritoryTypeList others;
+    auto* deer = new TerritoryType("Deer");
+    QVERIFY(others.AddType(deer));
+    QVERIFY(!list.AddType(deer));
+    QCOMPARE(others.Types(), QVector<TerritoryType*>{deer});
+    QCOMPARE(deer->model(), others.model());
+    QStandardItem parent;
+    auto* child = new TerritoryType("Wolf");
+    parent.appendRow(child);
+    QVERIFY(!list.AddType(child));
+    QCOMPARE(child->parent(), &parent);
+    QVERIFY(list.IsEmpty());
 }
 
 QTEST_MAIN(tst_TerritoryTypeList)
