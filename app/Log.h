@@ -23,7 +23,8 @@ public:
     static Log& Instance();
 
 public slots:
-    /// May be called from any thread. Errors go to the critical console channel, all else to debug.
+    /// May be called from any thread. Errors go to the critical console channel, all else to debug;
+    /// on the console control characters become spaces, so that each message is one line.
     void LogMessage(const QString& content, Log::MessageType type);
 
 signals:

@@ -1,7 +1,8 @@
 #include "app/Log.h"
 
+#include "tests/support/Program.h"
+
 #include <QCoreApplication>
-#include <QRegularExpression>
 #include <QTest>
 #include <QThread>
 #include <QTime>
@@ -40,12 +41,6 @@ private:
     QtMessageHandler m_previous;
 };
 
-QString WithoutTime(const QString& line)
-{
-    static const QRegularExpression time("^[0-2][0-9]:[0-5][0-9]:[0-5][0-9] - ");
-    return time.match(line).hasMatch() ? line.mid(11) : "no time in: " + line;
-}
-
 } // namespace
 
 class tst_Log : public QObject
@@ -60,6 +55,8 @@ private slots:
     void TimeIsTheTimeOfDay();
     void ContentIsTakenAsItIs_data();
     void ContentIsTakenAsItIs();
+    void EachMessageIsOneConsoleLine_data();
+    void EachMessageIsOneConsoleLine();
     void HelpersLogTheirTypeAndProcessEvents_data();
     void HelpersLogTheirTypeAndProcessEvents();
     void LoggingAloneProcessesNoEvents();
@@ -107,7 +104,8 @@ void tst_Log::MessagesReachConsoleAndSignal()
     }
     QCOMPARE(ConsoleSpy::Lines().size(), 1);
     QCOMPARE(ConsoleSpy::Lines().first().first, channel);
-    QCOMPARE(WithoutTime(ConsoleSpy::Lines().first().second), "Saving project 'a'...");
+    QCOMPARE(WithoutTimes({ConsoleSpy::Lines().first().second}),
+             QStringList{"Saving project 'a'..."});
     QCOMPARE(received, QStringList{ConsoleSpy::Lines().first().second});
     QCOMPARE(receivedTypes, QVector<int>{type});
 }
@@ -132,7 +130,6 @@ void tst_Log::ContentIsTakenAsItIs_data()
     QTest::newRow("empty") << "";
     QTest::newRow("format characters") << "%s %1 %n 100%";
     QTest::newRow("beyond ASCII") << "Gebiet 'Süd 鹿' 🦌";
-    QTest::newRow("two lines") << "one\ntwo";
 }
 
 void tst_Log::ContentIsTakenAsItIs()
@@ -140,7 +137,38 @@ void tst_Log::ContentIsTakenAsItIs()
     QFETCH(QString, content);
     const ConsoleSpy console;
     Log::Instance().LogMessage(content, Log::Error);
-    QCOMPARE(WithoutTime(ConsoleSpy::Lines().first().second), content);
+    QCOMPARE(WithoutTimes({ConsoleSpy::Lines().first().second}), QStringList{content});
+}
+
+void tst_Log::EachMessageIsOneConsoleLine_data()
+{
+    QTest::addColumn<QString>("content");
+    QTest::addColumn<QString>("console");
+    QTest::newRow("line break") << "one\n12:00:00 - two"
+                                << "one 12:00:00 - two";
+    QTest::newRow("carriage return") << "one\r\ntwo"
+                                     << "one  two";
+    QTest::newRow("escape sequence") << "\033[2Jone"
+                                     << " [2Jone";
+    QTest::newRow("null") << QString("one").append(QChar(0)).append("two") << "one two";
+    QTest::newRow("delete and upper controls")
+        << QString("a%1b%2c").arg(QChar(0x7F), QChar(0x85)) << "a b c";
+    QTest::newRow("separators") << QString("a%1b%2c").arg(QChar(0x2028), QChar(0x2029)) << "a b c";
+}
+
+void tst_Log::EachMessageIsOneConsoleLine()
+{
+    QFETCH(QString, content);
+    QFETCH(QString, console);
+    QStringList received;
+    QObject context;
+    connect(&Log::Instance(), &Log::MessageReceived, &context,
+            [&](const QString& line, Log::MessageType) { received.append(line); });
+    const ConsoleSpy spy;
+    Log::Instance().LogMessage(content, Log::Error);
+    QCOMPARE(WithoutTimes({ConsoleSpy::Lines().first().second}), QStringList{console});
+    // Whoever shows it elsewhere gets what was logged.
+    QCOMPARE(WithoutTimes(received), QStringList{content});
 }
 
 void tst_Log::HelpersLogTheirTypeAndProcessEvents_data()
@@ -204,7 +232,7 @@ void tst_Log::MessagesOfOtherThreadsAreQueued()
     QVERIFY(received.isEmpty());
     QCoreApplication::processEvents();
     QCOMPARE(received.size(), 1);
-    QCOMPARE(WithoutTime(received.first()), "from the worker");
+    QCOMPARE(WithoutTimes(received), QStringList{"from the worker"});
 }
 
 QTEST_GUILESS_MAIN(tst_Log)
