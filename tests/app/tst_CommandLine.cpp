@@ -20,6 +20,7 @@ class tst_CommandLine : public QObject
 private slots:
     void OptionsAreTakenAsTyped_data();
     void OptionsAreTakenAsTyped();
+    void HelpIsRegisteredBehindEachOption();
     void HelpHasNoEffect_data();
     void HelpHasNoEffect();
     void WrongArgumentsAreErrors_data();
@@ -74,6 +75,21 @@ void tst_CommandLine::OptionsAreTakenAsTyped()
     QTEST(commandLine.outputPath, "outputPath");
     QTEST(commandLine.noGui, "noGui");
     QCOMPARE(commandLine.error, "");
+}
+
+void tst_CommandLine::HelpIsRegisteredBehindEachOption()
+{
+    // The toolkit warns of each name of the second and the third registration.
+    static QStringList warnings;
+    warnings.clear();
+    const QtMessageHandler before = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString& line) { warnings.append(line); });
+    Parsed({});
+    qInstallMessageHandler(before);
+    QCOMPARE(warnings.size(), 4);
+    for (const QString& warning : qAsConst(warnings)) {
+        QVERIFY2(warning.contains("already having an option named"), qPrintable(warning));
+    }
 }
 
 void tst_CommandLine::HelpHasNoEffect_data()
