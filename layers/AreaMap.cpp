@@ -27,17 +27,20 @@ bool WriteInt(OutputFile& file, qint32 value)
     return file.Write(reinterpret_cast<const char*>(&bytes), sizeof bytes);
 }
 
+int BitCount(int flagTypeCount)
+{
+    return static_cast<int>(raster::NextPowerOfTwo(static_cast<quint32>(flagTypeCount)));
+}
+
 BitFieldRaster SectionRaster(int flagTypeCount)
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    const auto bits = raster::NextPowerOfTwo(static_cast<quint32>(flagTypeCount));
-    return {static_cast<int>(bits), settings.layerWidth, settings.layerHeight};
+    return {BitCount(flagTypeCount), settings.layerWidth, settings.layerHeight};
 }
 
 bool WriteSection(OutputFile& file, int flagTypeCount, BitFieldRaster& fields)
 {
-    const auto bits = raster::NextPowerOfTwo(static_cast<quint32>(flagTypeCount));
-    if (!WriteInt(file, static_cast<qint32>(bits))) {
+    if (!WriteInt(file, BitCount(flagTypeCount))) {
         return false;
     }
     const qint64 wordCount = fields.WordCount();
@@ -177,7 +180,7 @@ void ImportSection(LayerList& layers, QIODevice& device, FlagKind kind,
     if (!ReadInt(device, bits) || bits == 0) {
         return;
     }
-    if (bits < 0 || bits > 32 || raster::NextPowerOfTwo(quint32(bits)) != quint32(bits)) {
+    if (!raster::IsFieldSize(bits)) {
         LogError(
             QStringLiteral("The area map has an invalid number of bits per pixel: %1.").arg(bits));
         return;

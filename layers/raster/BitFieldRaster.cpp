@@ -15,14 +15,17 @@ quint32 NextPowerOfTwo(quint32 n)
     return n + 1;
 }
 
+bool IsFieldSize(qint64 bits)
+{
+    return bits > 0 && bits <= 32 && NextPowerOfTwo(static_cast<quint32>(bits)) == bits;
+}
+
 BitFieldRaster::BitFieldRaster(int bits, int width, int height)
     : m_bits(bits)
     , m_height(qMax(height, 0))
     , m_wordsPerRow(0)
 {
-    const bool isPacked =
-        bits > 0 && bits <= 32 && NextPowerOfTwo(static_cast<quint32>(bits)) == quint32(bits);
-    if (!isPacked) {
+    if (!IsFieldSize(bits)) {
         m_bits = 32;
         m_height = 0;
         return;

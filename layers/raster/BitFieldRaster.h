@@ -9,6 +9,9 @@ namespace raster {
 /// The smallest power of two that is not below n; 0 for 0 and for n above 2^31.
 quint32 NextPowerOfTwo(quint32 n);
 
+/// True for 1, 2, 4, 8, 16 and 32, the bits that a field can have.
+bool IsFieldSize(qint64 bits);
+
 /// The packed rows of an area map section: 32 / bits pixels to a 32-bit word, the leftmost pixel
 /// in the most significant field, rows in file order (bottom row of the map first). Where the width
 /// is no multiple of the pixels per word, the rightmost remainder has no place and is left out.
