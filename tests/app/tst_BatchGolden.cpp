@@ -2,7 +2,6 @@
 #include "tests/support/Program.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -10,23 +9,27 @@ namespace {
 
 using FileMap = QMap<QString, QByteArray>;
 
-/// Every file below the folder, by its path in there.
-FileMap FilesBelow(const QString& folder)
-{
-    FileMap files;
-    QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString path = it.next();
-        files.insert(QDir(folder).relativeFilePath(path), ReadBytes(path));
-    }
-    return files;
-}
-
-/// The lines of a file of the case, with {FOLDER} as the folder of the run.
+/// The lines of a file of the case, empty ones too, with {FOLDER} as the folder of the run.
 QStringList Lines(const QString& path, const QString& folder)
 {
-    const QString text = QString::fromUtf8(ReadBytes(path)).replace("{FOLDER}", folder);
-    return text.split('\n', Qt::SkipEmptyParts);
+    QString text = QString::fromUtf8(ReadBytes(path)).replace("{FOLDER}", folder);
+    if (text.isEmpty()) {
+        return {};
+    }
+    if (text.endsWith('\n')) {
+        text.chop(1);
+    }
+    return text.split('\n');
+}
+
+/// What is in a folder of the case and what git cannot hold there: folders without files.
+FileMap FilesAndFolders(const QString& folder, const QStringList& emptyFolders)
+{
+    FileMap files = FilesBelow(folder);
+    for (const QString& name : emptyFolders) {
+        files.insert(name, {});
+    }
+    return files;
 }
 
 } // namespace
@@ -59,7 +62,11 @@ void tst_BatchGolden::CaseRunsAsExpected()
     const FileMap project = FilesBelow(path + "/project");
     QVERIFY(!project.isEmpty());
     for (auto it = project.begin(); it != project.end(); ++it) {
-        WriteBytes(folder.filePath(it.key()), it.value());
+        if (it.key().endsWith('/')) {
+            QVERIFY(QDir(folder.path()).mkpath(it.key()));
+        } else {
+            WriteBytes(folder.filePath(it.key()), it.value());
+        }
     }
     const ProgramRun run =
         RunProgram(QUILLMAP_PROGRAM, Lines(path + "/arguments.txt", folder.path()), folder.path(),
@@ -68,7 +75,8 @@ void tst_BatchGolden::CaseRunsAsExpected()
     QCOMPARE(QByteArray::number(run.exitCode), ReadBytes(path + "/expected-exit.txt").trimmed());
 
     FileMap expected = project;
-    const FileMap written = FilesBelow(path + "/expected");
+    const FileMap written = FilesAndFolders(
+        path + "/expected", Lines(path + "/expected-empty-folders.txt", folder.path()));
     for (auto it = written.begin(); it != written.end(); ++it) {
         expected.insert(it.key(), it.value());
     }

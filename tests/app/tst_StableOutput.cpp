@@ -2,24 +2,11 @@
 #include "tests/support/Program.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
 namespace {
-
-/// Every file below the folder, by its path in there.
-QMap<QString, QByteArray> Files(const QString& folder)
-{
-    QMap<QString, QByteArray> files;
-    QDirIterator it(folder, QDir::Files, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString path = it.next();
-        files.insert(QDir(folder).relativeFilePath(path), ReadBytes(path));
-    }
-    return files;
-}
 
 /// A project with so many of everything that a hash would hardly keep their order by chance.
 QByteArray ManyOfEverything(const QString& folder)
@@ -77,7 +64,7 @@ QMap<QString, QByteArray> tst_StableOutput::Resaved(const QString& document, con
     environment.insert("QT_QPA_PLATFORM", "offscreen");
     QDir().mkpath(folder);
     const ProgramRun run = RunProgram(RESAVE_PROGRAM, {document, folder}, folder, environment);
-    return run.exitCode == 0 ? Files(folder) : QMap<QString, QByteArray>();
+    return run.exitCode == 0 ? FilesBelow(folder) : QMap<QString, QByteArray>();
 }
 
 void tst_StableOutput::SavedFilesDoNotDependOnTheRun_data()

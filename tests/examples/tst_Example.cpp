@@ -8,8 +8,8 @@
 #include "territories/TerritoryType.h"
 #include "territories/TerritoryTypeList.h"
 #include "territories/Zone.h"
+#include "tests/support/Files.h"
 
-#include <QDirIterator>
 #include <QImageReader>
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -18,6 +18,7 @@
 #include <QXmlStreamReader>
 #include <QtTest>
 
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -27,25 +28,15 @@ QString ExampleFolder()
     return QStringLiteral(QUILLMAP_EXAMPLE_FOLDER);
 }
 
-QByteArray BytesOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 /// Relative paths, sorted. What a batch run leaves in the folder is no part of the example.
-QStringList FilesBelow(const QString& folder)
+QStringList ExampleFilesBelow(const QString& folder)
 {
-    QStringList files;
-    QDirIterator iterator(folder, QDir::Files, QDirIterator::Subdirectories);
-    while (iterator.hasNext()) {
-        const QString file = QDir(folder).relativeFilePath(iterator.next());
-        if (!file.startsWith(QLatin1String("Output/")) &&
-            !file.startsWith(QLatin1String("territoryTypes/"))) {
-            files.append(file);
-        }
-    }
-    files.sort();
+    QStringList files = FilesBelow(folder).keys();
+    const auto isLeftBehind = [](const QString& file) {
+        return file.endsWith(QLatin1Char('/')) || file.startsWith(QLatin1String("Output/")) ||
+               file.startsWith(QLatin1String("territoryTypes/"));
+    };
+    files.erase(std::remove_if(files.begin(), files.end(), isLeftBehind), files.end());
     return files;
 }
 
@@ -239,7 +230,7 @@ void tst_Example::IsSmall()
 {
     constexpr qint64 limit = 6000000;
     qint64 size = 0;
-    const QStringList files = FilesBelow(ExampleFolder());
+    const QStringList files = ExampleFilesBelow(ExampleFolder());
     for (const QString& file : files) {
         size += QFileInfo(ExampleFolder() + QLatin1Char('/') + file).size();
     }
@@ -250,7 +241,7 @@ void tst_Example::IsSmall()
 void tst_Example::BatchRunExportsIt()
 {
     const QTemporaryDir copy;
-    const QStringList files = FilesBelow(ExampleFolder());
+    const QStringList files = ExampleFilesBelow(ExampleFolder());
     for (const QString& file : files) {
         const QString target = copy.filePath(file);
         QVERIFY(QDir().mkpath(QFileInfo(target).path()));
@@ -289,11 +280,11 @@ void tst_Example::IsMadeAgainWithTheSameBytes()
     QVERIFY(generator.waitForFinished(280000));
     QVERIFY2(generator.exitStatus() == QProcess::NormalExit && generator.exitCode() == 0,
              generator.readAll().constData());
-    const QStringList files = FilesBelow(ExampleFolder());
-    QCOMPARE(FilesBelow(folder.path()), files);
+    const QStringList files = ExampleFilesBelow(ExampleFolder());
+    QCOMPARE(ExampleFilesBelow(folder.path()), files);
     for (const QString& file : files) {
-        const QByteArray committed = BytesOf(ExampleFolder() + QLatin1Char('/') + file);
-        QVERIFY2(!committed.isEmpty() && BytesOf(folder.filePath(file)) == committed,
+        const QByteArray committed = ReadBytes(ExampleFolder() + QLatin1Char('/') + file);
+        QVERIFY2(!committed.isEmpty() && ReadBytes(folder.filePath(file)) == committed,
                  qPrintable(file));
     }
 }
