@@ -20,14 +20,13 @@ target_compile_definitions(quillmap_flags INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII  # every text says which encoding it has
   QT_NO_FOREACH                              # range-for does not copy the container
   QT_NO_URL_CAST_FROM_STRING
-  QT_DISABLE_DEPRECATED_BEFORE=0x050F00      # nothing that the toolkit has given up
-  # Sanitizer runs check assertions too. The toolkit's own targets switch them off in every build
-  # that is no debug build.
-  $<$<BOOL:${QUILLMAP_SANITIZE}>:QT_FORCE_ASSERTS>)
+  QT_DISABLE_DEPRECATED_BEFORE=0x050F00)     # nothing that the toolkit has given up
 if(QUILLMAP_SANITIZE)
   target_compile_options(quillmap_flags INTERFACE
     -fsanitize=${QUILLMAP_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(quillmap_flags INTERFACE -fsanitize=${QUILLMAP_SANITIZE})
+  # The toolkit's own targets switch assertions off in every build that is no debug build.
+  target_compile_definitions(quillmap_flags INTERFACE QT_FORCE_ASSERTS)
 endif()
 
 # quillmap_library(NAME [SOURCES ...] [LINKS ...] [PRIVATE_LINKS ...])
