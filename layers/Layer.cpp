@@ -140,6 +140,14 @@ void Layer::ApplyPaintedImage(const QImage& argb)
     UpdatePixmap();
 }
 
+void Layer::TakePaintedMask(const QImage& mask)
+{
+    if (m_list) {
+        m_image = mask;
+        UpdatePixmap();
+    }
+}
+
 void Layer::UpdatePixmap()
 {
     ++m_pictureRevision;

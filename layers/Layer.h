@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/Tracked.h"
+
 #include <QColor>
 #include <QImage>
 #include <QPixmap>
@@ -21,6 +23,7 @@ public:
     Layer(quint32 usageFlags, quint32 valueFlags, LayerList* list, const QString& name,
           const QString& code);
 
+    const Lifetime& GetLifetime() const { return m_lifetime; }
     /// Unique in the process and never reused.
     int Id() const { return m_id; }
     LayerList* List() const { return m_list; }
@@ -59,6 +62,9 @@ public:
     /// Takes over the pixels that the brush painted in the layer's colour. Does nothing for a layer
     /// that is in no list, or when the image is no 32-bit image.
     void ApplyPaintedImage(const QImage& argb);
+    /// The same for a mask, without a copy; null gives the layer's hold on the present one up, so
+    /// that a brush that holds it too can paint in place before it hands it over again.
+    void TakePaintedMask(const QImage& mask);
     /// The picture is out of date.
     void UpdatePixmap();
 
@@ -74,6 +80,7 @@ private:
     void Init();
     void ShowColor();
 
+    Lifetime m_lifetime;
     int m_id;
     LayerList* m_list;
     quint32 m_usageFlags;

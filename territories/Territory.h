@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/Tracked.h"
 #include "territories/SpawnCounts.h"
 
 #include <QColor>
@@ -24,6 +25,7 @@ public:
     ~Territory() override;
     Q_DISABLE_COPY(Territory)
 
+    const Lifetime& GetLifetime() const { return m_lifetime; }
     /// Unique in the process and never reused.
     int Id() const { return m_id; }
     /// The type below which the territory is a row; null before it is.
@@ -67,6 +69,7 @@ private:
     void Init();
     void ShowColor();
 
+    Lifetime m_lifetime;
     int m_id;
     QColor m_color = Qt::black;
     bool m_isVisible = false;

@@ -11,6 +11,7 @@
 #include <QXmlStreamWriter>
 
 #include <array>
+#include <vector>
 
 namespace {
 
@@ -49,6 +50,19 @@ int UsageOf(const QString& name)
         ++usage;
     }
     return usage;
+}
+
+/// Made once: a map shows thousands of zones.
+const QPen& OutlinePen(int grey)
+{
+    static const std::vector<QPen> pens = [] {
+        std::vector<QPen> greys;
+        for (int level = 0; level <= Zone::MaxDepth; ++level) {
+            greys.emplace_back(QColor(level, level, level), 2);
+        }
+        return greys;
+    }();
+    return pens[static_cast<std::size_t>(grey)];
 }
 
 /// World metres as files hold them: six significant digits of a 32-bit number.
@@ -210,10 +224,7 @@ void Zone::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWid
     }
     const int grey = qBound(MinDepth, Depth(), MaxDepth);
     const auto radius = static_cast<qreal>(m_radius);
-    QPen outline = pen();
-    outline.setBrush(QColor(grey, grey, grey));
-    outline.setWidth(2);
-    painter->setPen(outline);
+    painter->setPen(OutlinePen(grey));
     painter->setBrush(m_color);
     painter->drawEllipse(rect().center(), radius, radius);
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/Tracked.h"
 #include "territories/SpawnCounts.h"
 
 #include <QColor>
@@ -39,6 +40,7 @@ public:
     Q_DISABLE_COPY(Zone)
 
     int type() const override { return Type; }
+    const Lifetime& GetLifetime() const { return m_lifetime; }
     /// Unique in the process and never reused; also the item data under Qt::UserRole.
     int Id() const { return m_id; }
     /// The territory that the zone was made for: of a copy that of its source, also where another
@@ -93,6 +95,7 @@ private:
     void SetSceneRadius(float radius);
     QString Name() const;
 
+    Lifetime m_lifetime;
     int m_id;
     QString m_eventName;
     QColor m_color;

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QGraphicsPixmapItem>
+
+class LayerPainter;
+
+/// The layer being edited: shows the working picture, which the painter owns.
+class CurrentLayerItem : public QGraphicsPixmapItem
+{
+public:
+    explicit CurrentLayerItem(const LayerPainter& painter);
+
+    /// The painter has another picture.
+    void PictureChanged();
+
+    /// The whole picture, for whoever asks.
+    QPixmap pixmap() const;
+
+    QRectF boundingRect() const override { return m_bounds; }
+    QPainterPath shape() const override;
+    void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
+
+private:
+    const LayerPainter& m_painter;
+    QRectF m_bounds;
+};

@@ -1,0 +1,408 @@
+#include "canvas/MainScene.h"
+
+#include "app/Log.h"
+#include "app/ProjectSettings.h"
+#include "canvas/Brush.h"
+#include "canvas/CurrentLayerItem.h"
+#include "canvas/LayersItem.h"
+#include "canvas/MainView.h"
+#include "canvas/OverlayItem.h"
+#include "layers/Layer.h"
+#include "territories/Territory.h"
+#include "territories/Zone.h"
+
+#include <QGraphicsSceneMouseEvent>
+#include <QImage>
+#include <QPen>
+
+namespace {
+
+constexpr qreal WorldZ = 0.2;
+constexpr qreal OverlayZ = 0.4;
+constexpr qreal LayersZ = 0.6;
+constexpr qreal CurrentZ = 0.8;
+constexpr qreal BrushZ = 999;
+constexpr float NewZoneRadius = 300.0F;
+
+qreal OpacityOf(const Layer& layer)
+{
+    // In 32 bits, as the colour's alpha was always divided.
+    return static_cast<qreal>(static_cast<float>(layer.Color().alpha()) / 255.0F);
+}
+
+QVector<Zone*> SelectedZones(const QGraphicsScene& scene)
+{
+    QVector<Zone*> zones;
+    const QList<QGraphicsItem*> items = scene.selectedItems();
+    for (QGraphicsItem* item : items) {
+        if (auto* zone = qgraphicsitem_cast<Zone*>(item)) {
+            zones.append(zone);
+        }
+    }
+    return zones;
+}
+
+} // namespace
+
+MainScene::MainScene(float width, float height, MainView* parent)
+    : QGraphicsScene(0, 0, static_cast<qreal>(width), static_cast<qreal>(height), parent)
+    , m_view(parent)
+    , m_worldItem(std::make_unique<QGraphicsPixmapItem>())
+    , m_overlayItem(std::make_unique<OverlayItem>())
+    , m_layersItem(std::make_unique<LayersItem>(QSize(int(width), int(height))))
+    , m_currentItem(std::make_unique<CurrentLayerItem>(m_painter))
+{
+    m_worldItem->setShapeMode(QGraphicsPixmapItem::BoundingRectShape);
+    m_worldItem->hide();
+    m_worldItem->setZValue(WorldZ);
+    m_overlayItem->setZValue(OverlayZ);
+    m_layersItem->setZValue(LayersZ);
+    m_currentItem->setZValue(CurrentZ);
+    addItem(m_worldItem.get());
+    addItem(m_overlayItem.get());
+    addItem(m_layersItem.get());
+    addItem(m_currentItem.get());
+    m_brushCursor.setZValue(BrushZ);
+    m_brushCursor.setStartAngle(0);
+    m_brushCursor.setFlag(QGraphicsItem::ItemIsMovable, true);
+    m_brushCursor.setFlag(QGraphicsItem::ItemIsSelectable, false);
+    m_brushCursor.setFlag(QGraphicsItem::ItemSendsGeometryChanges, true);
+    addItem(&m_brushCursor);
+    connect(this, &QGraphicsScene::selectionChanged, this, &MainScene::ChangeSelection);
+}
+
+MainScene::~MainScene()
+{
+    // Zones that go with the scene would announce a selection that is no longer of use to anybody.
+    blockSignals(true);
+}
+
+Territory* MainScene::CurrentTerritory() const
+{
+    return m_territory;
+}
+
+Layer* MainScene::CurrentLayer() const
+{
+    return m_painter.GetLayer();
+}
+
+void MainScene::ChangeWorld(QString file)
+{
+    const QImage picture(file);
+    if (picture.isNull()) {
+        LogError(QStringLiteral("Could not load background image '%1'.").arg(file));
+        return;
+    }
+    const QSize size = ProjectSettings::Instance().LayerSize();
+    const QImage scaled = picture.scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    if (scaled.isNull()) {
+        LogError(QStringLiteral("Could not scale background image '%1' to %2x%3.")
+                     .arg(file, QString::number(size.width()), QString::number(size.height())));
+        return;
+    }
+    m_worldItem->setPixmap(QPixmap::fromImage(scaled));
+    m_overlayItem->Show(m_overlayItem->Color(), size);
+}
+
+void MainScene::ChangeWorldRGBA(QColor c)
+{
+    m_overlayItem->Show(QColor(c.rgb()), sceneRect().size().toSize());
+    m_overlayItem->setOpacity(c.alphaF());
+}
+
+void MainScene::ChangeWorldColor(QColor c)
+{
+    QColor background = c;
+    background.setAlpha(ProjectSettings::Instance().backgroundColor.alpha());
+    ProjectSettings::Instance().backgroundColor = background;
+    m_overlayItem->Show(c, sceneRect().size().toSize());
+}
+
+void MainScene::ChangeWorldAlpha(int alpha, float opacity)
+{
+    ProjectSettings::Instance().backgroundColor.setAlpha(alpha);
+    m_overlayItem->setOpacity(static_cast<qreal>(opacity));
+}
+
+void MainScene::ChangeWorldVisibility(bool visible)
+{
+    m_worldItem->setVisible(visible);
+    m_overlayItem->setVisible(visible);
+}
+
+void MainScene::AddLayer(Layer* layer)
+{
+    if (layer) {
+        m_layersItem->Add(layer->Image(), layer->Color().rgb(), OpacityOf(*layer));
+    }
+}
+
+void MainScene::ClearCurrent()
+{
+    m_currentItem->setOpacity(0.0);
+}
+
+void MainScene::ClearLayers()
+{
+    m_layersItem->Clear();
+}
+
+void MainScene::ChangeLayer(Layer* layer)
+{
+    // Every brush step has handed its work over already, so there is nothing to hand over here.
+    m_painter.Load(layer);
+    m_currentItem->PictureChanged();
+    m_currentItem->setOpacity(layer ? OpacityOf(*layer) : 0.0);
+}
+
+void MainScene::ChangeLayerColor(QColor /*c*/) {}
+
+void MainScene::ChangeLayerAlpha(float opacity)
+{
+    m_currentItem->setOpacity(static_cast<qreal>(opacity));
+}
+
+void MainScene::ChangeBrush(Brush* brush)
+{
+    m_brush = brush;
+    RefreshBrush();
+}
+
+void MainScene::RefreshBrush()
+{
+    if (!m_brush) {
+        return;
+    }
+    m_brushCursor.setBrush(m_brush->Color());
+    m_brushCursor.setPen(m_brush->HasOutline()
+                             ? QPen(m_brush->OutlineColor(), m_brush->OutlineWidth(), Qt::SolidLine,
+                                    Qt::RoundCap, Qt::RoundJoin)
+                             : QPen(Qt::transparent));
+    const auto radius = static_cast<qreal>(m_brush->Radius());
+    m_brushCursor.setRect(-radius, -radius, m_brush->Size(), m_brush->Size());
+    m_brushCursor.setPos(m_brush->Position());
+}
+
+void MainScene::ChangeTerritory(Territory* t)
+{
+    m_territory = t;
+}
+
+void MainScene::ChangeTerritoryColor(QColor color)
+{
+    if (Territory* territory = m_territory) {
+        territory->SetColor(color);
+    }
+}
+
+void MainScene::ChangeTerritoryAlpha(int alpha, float /*opacity*/)
+{
+    if (Territory* territory = m_territory) {
+        territory->SetAlpha(alpha);
+    }
+}
+
+void MainScene::ChangeSelection()
+{
+    emit ZoneSelected(selectedItems());
+}
+
+void MainScene::RemoveSelection()
+{
+    const QVector<Zone*> zones = SelectedZones(*this);
+    // Whoever shows the selection forgets it before its zones are destroyed.
+    clearSelection();
+    for (Zone* zone : zones) {
+        m_dragStart.remove(zone);
+        removeItem(zone);
+    }
+    // A zone leaves its territory's table, with the totals, as it is destroyed.
+    qDeleteAll(zones);
+    ProjectSettings::Instance().modified = true;
+}
+
+void MainScene::ChangeMode(SceneMode mode)
+{
+    m_brushCursor.setVisible(mode == SceneMode::Paint);
+    m_brushCursor.setPos(m_mousePosition);
+    m_mode = mode;
+}
+
+void MainScene::ChangeSize(int w, int h)
+{
+    setSceneRect(0, 0, w, h);
+    m_layersItem->SetSize({w, h});
+    m_painter.Load(nullptr);
+    m_currentItem->PictureChanged();
+}
+
+void MainScene::BeginPan()
+{
+    EndStroke();
+    if (!m_isPanning) {
+        m_isPanning = true;
+        m_savedMode = m_mode;
+        ChangeMode(SceneMode::Pan);
+    }
+}
+
+void MainScene::EndPan()
+{
+    if (m_isPanning) {
+        m_isPanning = false;
+        ChangeMode(m_savedMode);
+    }
+}
+
+void MainScene::EndStroke()
+{
+    if (m_stroke != BrushAction::None) {
+        m_stroke = BrushAction::None;
+        ProjectSettings::Instance().modified = true;
+    }
+}
+
+void MainScene::mousePressEvent(QGraphicsSceneMouseEvent* event)
+{
+    Press(event);
+}
+
+void MainScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
+{
+    // Of two quick clicks the second comes as a double click; for all tools it is a click like any.
+    if (m_mode == SceneMode::Select) {
+        QGraphicsScene::mouseDoubleClickEvent(event);
+    } else {
+        Press(event);
+    }
+}
+
+void MainScene::Press(QGraphicsSceneMouseEvent* event)
+{
+    EndStroke();
+    const bool isLeft = event->button() == Qt::LeftButton;
+    if (m_mode == SceneMode::Paint) {
+        PressInPaint(event);
+    } else if (m_mode == SceneMode::Insert && isLeft) {
+        PressInInsert(event->scenePos());
+    } else if (m_mode == SceneMode::Select && isLeft) {
+        PressInSelect(event);
+    } else if (m_mode == SceneMode::Query && isLeft) {
+        PressInQuery(event->scenePos());
+    }
+}
+
+void MainScene::PressInPaint(QGraphicsSceneMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton) {
+        m_stroke = BrushAction::Paint;
+        m_strokePoint = event->scenePos();
+    } else if (event->button() == Qt::RightButton) {
+        m_stroke = BrushAction::Erase;
+    } else {
+        return;
+    }
+    PaintDab(event->scenePos());
+}
+
+void MainScene::PressInInsert(QPointF position)
+{
+    Territory* territory = m_territory;
+    if (!territory) {
+        return;
+    }
+    auto* zone = new Zone(territory, NewZoneRadius);
+    zone->setPos(position);
+    addItem(zone);
+    territory->AddZone(zone);
+    ProjectSettings::Instance().modified = true;
+    emit ZoneInserted(zone);
+}
+
+void MainScene::PressInSelect(QGraphicsSceneMouseEvent* event)
+{
+    QGraphicsScene::mousePressEvent(event);
+    m_dragStart.clear();
+    const QVector<Zone*> zones = SelectedZones(*this);
+    for (Zone* zone : zones) {
+        m_dragStart.insert(zone, zone->pos());
+    }
+}
+
+void MainScene::PressInQuery(QPointF position)
+{
+    auto* zone = qgraphicsitem_cast<Zone*>(itemAt(position, QTransform()));
+    Territory* territory = zone ? zone->Holder() : nullptr;
+    if (!territory) {
+        return;
+    }
+    // The answer unlocks the territory's zones and clears the selection, so the zone comes after.
+    const Tracked<Zone> tracked(zone);
+    emit m_view->TerritorySelected(territory);
+    if (tracked) {
+        zone->setSelected(true);
+    }
+}
+
+void MainScene::mouseMoveEvent(QGraphicsSceneMouseEvent* event)
+{
+    m_mousePosition = event->scenePos();
+    if (m_mode == SceneMode::Paint) {
+        PaintStep(m_mousePosition);
+    }
+    QGraphicsScene::mouseMoveEvent(event);
+}
+
+void MainScene::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
+{
+    EndStroke();
+    QGraphicsScene::mouseReleaseEvent(event);
+    FinishZoneDrag();
+}
+
+void MainScene::FinishZoneDrag()
+{
+    const QVector<Zone*> zones = SelectedZones(*this);
+    for (Zone* zone : zones) {
+        if (m_dragStart.value(zone, zone->pos()) != zone->pos()) {
+            ProjectSettings::Instance().modified = true;
+        }
+    }
+    m_dragStart.clear();
+}
+
+void MainScene::focusInEvent(QFocusEvent* event)
+{
+    QGraphicsScene::focusInEvent(event);
+}
+
+void MainScene::focusOutEvent(QFocusEvent* event)
+{
+    QGraphicsScene::focusOutEvent(event);
+}
+
+void MainScene::PaintDab(QPointF position)
+{
+    if (m_brush) {
+        m_brush->SetPosition(position);
+        AfterPainting(m_painter.Dab(*m_brush, m_stroke), position);
+    }
+}
+
+void MainScene::PaintStep(QPointF position)
+{
+    if (m_brush) {
+        m_brush->SetPosition(position);
+        AfterPainting(m_painter.Segment(*m_brush, m_stroke, m_strokePoint), position);
+    }
+}
+
+void MainScene::AfterPainting(const QRect& changed, QPointF position)
+{
+    m_strokePoint = position;
+    if (!changed.isEmpty()) {
+        m_currentItem->update(changed);
+    }
+    m_brushCursor.setPos(position);
+}

@@ -1,0 +1,398 @@
+#include "canvas/MainView.h"
+
+#include "app/ProjectSettings.h"
+#include "canvas/BrushDock.h"
+#include "canvas/HeldKeys.h"
+#include "canvas/MainScene.h"
+#include "canvas/WidgetRuler.h"
+#include "territories/Territory.h"
+#include "territories/Zone.h"
+
+#include <QApplication>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QPainterPath>
+#include <QRubberBand>
+#include <QScrollBar>
+#include <QWheelEvent>
+
+namespace {
+
+constexpr float DefaultSceneSize = 2048.0F;
+constexpr int RulerThickness = 32;
+constexpr float DefaultUnit = 7.5F;
+constexpr float ZoomStep = 0.25F;
+constexpr float MinZoom = 0.25F;
+constexpr float MaxZoom = 12.5F;
+constexpr int KeyRepeatMilliseconds = 60;
+
+bool IsTextBeingEdited()
+{
+    const QWidget* focus = QApplication::focusWidget();
+    return focus && focus->testAttribute(Qt::WA_InputMethodEnabled);
+}
+
+} // namespace
+
+MainView::MainView(QWidget* parent)
+    : QGraphicsView(parent)
+    , m_scene(std::make_unique<MainScene>(DefaultSceneSize, DefaultSceneSize, this))
+    , m_band(new QRubberBand(QRubberBand::Rectangle, this))
+    , m_horizontalRuler(new WidgetRuler(0, this))
+    , m_verticalRuler(new WidgetRuler(1, this))
+{
+    setScene(m_scene.get());
+    setFocusPolicy(Qt::WheelFocus);
+    setMouseTracking(true);
+    setDragMode(NoDrag);
+    // Every item sets what it draws with, so there is nothing to save for the next one.
+    setOptimizationFlag(DontSavePainterState);
+    BuildLayout();
+    for (QScrollBar* bar : {horizontalScrollBar(), verticalScrollBar()}) {
+        connect(bar, &QScrollBar::valueChanged, this, &MainView::UpdateRulers);
+        connect(bar, &QScrollBar::rangeChanged, this, &MainView::UpdateRulers);
+    }
+    m_keyTimer = startTimer(KeyRepeatMilliseconds, Qt::CoarseTimer);
+}
+
+MainView::~MainView() = default;
+
+void MainView::BuildLayout()
+{
+    setViewportMargins(RulerThickness, RulerThickness, 0, 0);
+    auto* corner = new QWidget(this);
+    corner->setBackgroundRole(QPalette::Window);
+    corner->setFixedSize(RulerThickness, RulerThickness);
+    corner->setContentsMargins(0, 0, 0, 0);
+    m_verticalRuler->FlipSign(true);
+    auto* layout = new QGridLayout;
+    layout->setOriginCorner(Qt::TopLeftCorner);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(corner, 0, 0);
+    layout->addWidget(m_horizontalRuler, 0, 1);
+    layout->addWidget(m_verticalRuler, 1, 0);
+    layout->addWidget(viewport(), 1, 1);
+    setLayout(layout);
+}
+
+void MainView::SetBrushDock(BrushDock* dock)
+{
+    m_scene->ChangeBrush(dock->GetBrush());
+    m_brushDock = dock;
+    m_horizontalRuler->SetUnit(DefaultUnit);
+    m_verticalRuler->SetUnit(DefaultUnit);
+}
+
+void MainView::SetSceneSize(int w, int h)
+{
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    m_scene->ChangeSize(w, h);
+    m_horizontalRuler->SetUnit(static_cast<float>(settings.worldWidth) / static_cast<float>(w));
+    m_verticalRuler->SetUnit(static_cast<float>(settings.worldHeight) / static_cast<float>(h));
+}
+
+void MainView::UpdateRulers()
+{
+    const QScrollBar* horizontal = horizontalScrollBar();
+    const QScrollBar* vertical = verticalScrollBar();
+    const QPoint center = viewport()->rect().center();
+    auto x = static_cast<float>(-horizontal->value());
+    auto y = static_cast<float>(vertical->maximum() - vertical->value() + vertical->pageStep());
+    if (horizontal->minimum() == horizontal->maximum()) {
+        x = static_cast<float>(center.x()) - static_cast<float>(m_scene->width()) * m_zoom * 0.5F;
+    }
+    if (vertical->minimum() == vertical->maximum()) {
+        y = static_cast<float>(center.y()) + static_cast<float>(m_scene->height()) * m_zoom * 0.5F;
+    }
+    m_horizontalRuler->SetOrigin(x);
+    m_verticalRuler->SetOrigin(y);
+}
+
+void MainView::wheelEvent(QWheelEvent* event)
+{
+    if (event->modifiers() != Qt::ControlModifier) {
+        QGraphicsView::wheelEvent(event);
+        return;
+    }
+    const float direction = event->angleDelta().y() < 0 ? -1.0F : 1.0F;
+    const QPointF center = mapToScene(event->position().toPoint());
+    m_zoom = qBound(MinZoom, m_zoom + ZoomStep * direction, MaxZoom);
+    const auto scale = static_cast<qreal>(m_zoom);
+    setTransform(QTransform::fromScale(scale, scale));
+    centerOn(center);
+    m_horizontalRuler->SetZoom(m_zoom);
+    m_verticalRuler->SetZoom(m_zoom);
+    UpdateRulers();
+    event->accept();
+    emit ZoomChanged(m_zoom);
+}
+
+void MainView::keyPressEvent(QKeyEvent* event)
+{
+    if (event->isAutoRepeat()) {
+        return;
+    }
+    HeldKeys::Instance().RefreshModifiers();
+    const bool isConsumed = (m_scene->Mode() == SceneMode::Paint && PressInPaint(*event)) ||
+                            (m_scene->Mode() == SceneMode::Select && PressInSelect(*event)) ||
+                            PressShortcut(event);
+    if (!isConsumed) {
+        QGraphicsView::keyPressEvent(event);
+    }
+}
+
+bool MainView::PressInPaint(const QKeyEvent& event)
+{
+    if (!HeldKeys::Instance().PressBracket(event)) {
+        return false;
+    }
+    BrushStep();
+    return true;
+}
+
+bool MainView::PressInSelect(const QKeyEvent& event)
+{
+    if (HeldKeys::Instance().PressArrow(event)) {
+        SelectionStep();
+        return true;
+    }
+    if (event.key() == Qt::Key_C) {
+        CopySelection();
+        return true;
+    }
+    if (event.key() == Qt::Key_V) {
+        Paste();
+        return true;
+    }
+    return false;
+}
+
+bool MainView::PressShortcut(QKeyEvent* event)
+{
+    const HeldKeys& keys = HeldKeys::Instance();
+    const SceneMode mode = m_scene->Mode();
+    const bool hasTerritory = m_scene->CurrentTerritory() != nullptr;
+    switch (event->key()) {
+    case Qt::Key_Space:
+        m_scene->BeginPan();
+        setDragMode(ScrollHandDrag);
+        return true;
+    case Qt::Key_0:
+        if (keys.ctrl) {
+            ResetZoom();
+            event->accept();
+        }
+        return true;
+    case Qt::Key_A:
+        PressA();
+        return true;
+    case Qt::Key_D:
+        if (keys.shift && mode == SceneMode::Select && hasTerritory) {
+            m_scene->RemoveSelection();
+        }
+        return true;
+    case Qt::Key_Q:
+        if (keys.shift) {
+            emit ModeQuery(mode != SceneMode::Query);
+        }
+        return true;
+    case Qt::Key_S:
+        if (keys.shift && (mode == SceneMode::Select || hasTerritory)) {
+            emit ModeSelect(mode != SceneMode::Select);
+        }
+        return true;
+    default:
+        return false;
+    }
+}
+
+void MainView::PressA()
+{
+    const HeldKeys& keys = HeldKeys::Instance();
+    if (!m_scene->CurrentTerritory()) {
+        return;
+    }
+    if (keys.ctrl && m_scene->Mode() == SceneMode::Select) {
+        const ProjectSettings& settings = ProjectSettings::Instance();
+        QPainterPath map;
+        map.addRect(0, 0, settings.layerWidth, settings.layerHeight);
+        m_scene->setSelectionArea(map, Qt::IntersectsItemShape, QTransform());
+    } else if (keys.shift) {
+        emit ModeInsert(m_scene->Mode() != SceneMode::Insert);
+    }
+}
+
+void MainView::ResetZoom()
+{
+    m_zoom = 1.0F;
+    resetTransform();
+    m_scene->EndStroke();
+    emit ZoomChanged(m_zoom);
+}
+
+void MainView::BrushStep()
+{
+    const HeldKeys& keys = HeldKeys::Instance();
+    if (!m_brushDock) {
+        return;
+    }
+    if (keys.grow) {
+        m_brushDock->GrowBy(keys.BrushStep());
+    }
+    if (keys.shrink) {
+        m_brushDock->ShrinkBy(keys.BrushStep());
+    }
+}
+
+void MainView::SelectionStep()
+{
+    const HeldKeys& keys = HeldKeys::Instance();
+    const QPointF offset((int(keys.right) - int(keys.left)) * keys.SelectionStep(),
+                         (int(keys.down) - int(keys.up)) * keys.SelectionStep());
+    if (offset.isNull()) {
+        return;
+    }
+    const QList<QGraphicsItem*> items = m_scene->selectedItems();
+    for (QGraphicsItem* item : items) {
+        item->setPos(item->scenePos() + offset);
+    }
+}
+
+void MainView::CopySelection()
+{
+    if (!HeldKeys::Instance().ctrl || !m_scene->CurrentTerritory()) {
+        return;
+    }
+    m_clipboard.clear();
+    const QList<QGraphicsItem*> items = m_scene->selectedItems();
+    for (QGraphicsItem* item : items) {
+        if (auto* zone = qgraphicsitem_cast<Zone*>(item)) {
+            m_clipboard.append(zone);
+        }
+    }
+}
+
+void MainView::Paste()
+{
+    Territory* territory = m_scene->CurrentTerritory();
+    // Zones that were destroyed since they were copied are not pasted.
+    QVector<Zone*> zones;
+    for (const Tracked<Zone>& zone : qAsConst(m_clipboard)) {
+        if (zone) {
+            zones.append(zone);
+        }
+    }
+    if (!HeldKeys::Instance().ctrl || !territory || zones.isEmpty()) {
+        return;
+    }
+    const QPointF offset = m_scene->MousePosition() - zones.first()->scenePos();
+    for (const Zone* zone : qAsConst(zones)) {
+        Zone* copy = zone->Copy();
+        copy->setPos(copy->scenePos() + offset);
+        copy->SetTerritory(territory);
+        copy->SetColor(territory->Color());
+        territory->AddZone(copy);
+        m_scene->addItem(copy);
+    }
+    ProjectSettings::Instance().modified = true;
+}
+
+void MainView::keyReleaseEvent(QKeyEvent* event)
+{
+    if (event->isAutoRepeat()) {
+        return;
+    }
+    if (event->key() == Qt::Key_Space) {
+        m_scene->EndPan();
+        setDragMode(NoDrag);
+    }
+    HeldKeys::Instance().Release(*event);
+    QGraphicsView::keyReleaseEvent(event);
+}
+
+void MainView::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() != m_keyTimer) {
+        QGraphicsView::timerEvent(event);
+    } else if (m_scene->Mode() == SceneMode::Paint) {
+        BrushStep();
+    } else if (m_scene->Mode() == SceneMode::Select) {
+        SelectionStep();
+    }
+}
+
+QPoint MainView::RulerMargin() const
+{
+    return {m_verticalRuler->width(), m_horizontalRuler->height()};
+}
+
+void MainView::mouseMoveEvent(QMouseEvent* event)
+{
+    m_horizontalRuler->SetCursorPos(event->globalPos());
+    m_verticalRuler->SetCursorPos(event->globalPos());
+    if (m_band->isVisible() && m_scene->Mode() == SceneMode::Select) {
+        m_band->setGeometry(QRect(m_bandOrigin, event->pos() + RulerMargin()).normalized());
+    } else {
+        m_band->setGeometry(0, 0, 0, 0);
+    }
+    emit MouseMoved(static_cast<int>(static_cast<float>(event->x()) - m_horizontalRuler->Origin()),
+                    static_cast<int>(m_verticalRuler->Origin() - static_cast<float>(event->y())));
+    QGraphicsView::mouseMoveEvent(event);
+}
+
+void MainView::mousePressEvent(QMouseEvent* event)
+{
+    QGraphicsView::mousePressEvent(event);
+    StartBand(event->pos());
+}
+
+void MainView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    QGraphicsView::mouseDoubleClickEvent(event);
+    StartBand(event->pos());
+}
+
+void MainView::StartBand(QPoint position)
+{
+    if (m_scene->Mode() != SceneMode::Select || !m_scene->selectedItems().isEmpty()) {
+        return;
+    }
+    m_bandOrigin = position + RulerMargin();
+    m_band->setGeometry(QRect(m_bandOrigin, QSize()));
+    m_band->show();
+}
+
+void MainView::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (m_band->isVisible() && m_scene->Mode() == SceneMode::Select &&
+        m_scene->selectedItems().isEmpty()) {
+        // The band keeps its own left and top, rulers included, and only its size is shortened by
+        // them; designers are used to where it catches zones.
+        const QPoint margin = RulerMargin();
+        QPainterPath area;
+        area.addRect(m_band->x(), m_band->y(), m_band->width() - margin.x(),
+                     m_band->height() - margin.y());
+        m_scene->setSelectionArea(mapToScene(area), Qt::IntersectsItemShape, QTransform());
+    }
+    m_band->hide();
+    QGraphicsView::mouseReleaseEvent(event);
+}
+
+void MainView::enterEvent(QEvent* event)
+{
+    QGraphicsView::enterEvent(event);
+    if (!IsTextBeingEdited()) {
+        setFocus(Qt::MouseFocusReason);
+    }
+}
+
+void MainView::focusOutEvent(QFocusEvent* event)
+{
+    // Releases that go elsewhere would leave keys held for good.
+    HeldKeys::Instance().ReleaseAll();
+    m_scene->EndPan();
+    m_scene->EndStroke();
+    setDragMode(NoDrag);
+    QGraphicsView::focusOutEvent(event);
+}

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "app/Tracked.h"
+
+#include <QGraphicsView>
+#include <QPoint>
+#include <QVector>
+
+#include <memory>
+
+class BrushDock;
+class MainScene;
+class QRubberBand;
+class Territory;
+class WidgetRuler;
+class Zone;
+
+/// Shows the map between two rulers: zooms, pans, selects with a rubber band, copies and nudges
+/// zones, and turns keys into actions. Owns the scene.
+class MainView : public QGraphicsView
+{
+    Q_OBJECT
+
+public:
+    explicit MainView(QWidget* parent = nullptr);
+    ~MainView() override;
+
+    MainScene* Scene() const { return m_scene.get(); }
+    float Zoom() const { return m_zoom; }
+
+    /// The dock whose brush paints; it must outlive the view.
+    void SetBrushDock(BrushDock* dock);
+    /// The size of the layers in pixels; the rulers take the project's world size for it.
+    void SetSceneSize(int w, int h);
+    /// Puts the rulers' origins where the map's edges are.
+    void UpdateRulers();
+
+signals:
+    /// The user asks to switch a zone mode on or off.
+    void ModeInsert(bool isOn);
+    void ModeSelect(bool isOn);
+    void ModeQuery(bool isOn);
+    /// View pixels from the rulers' origins; y grows upward.
+    void MouseMoved(int x, int y);
+    void ZoomChanged(float factor);
+    /// A zone of the territory was clicked in the query mode.
+    void TerritorySelected(Territory* t);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void enterEvent(QEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    void BuildLayout();
+    bool PressInPaint(const QKeyEvent& event);
+    bool PressInSelect(const QKeyEvent& event);
+    bool PressShortcut(QKeyEvent* event);
+    void PressA();
+    void ResetZoom();
+    void BrushStep();
+    void SelectionStep();
+    void CopySelection();
+    void Paste();
+    void StartBand(QPoint position);
+    QPoint RulerMargin() const;
+
+    std::unique_ptr<MainScene> m_scene;
+    QRubberBand* m_band;
+    QPoint m_bandOrigin;
+    QVector<Tracked<Zone>> m_clipboard;
+    BrushDock* m_brushDock = nullptr;
+    WidgetRuler* m_horizontalRuler;
+    WidgetRuler* m_verticalRuler;
+    float m_zoom = 1.0F;
+    int m_keyTimer = 0;
+};

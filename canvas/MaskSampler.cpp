@@ -1,0 +1,129 @@
+#include "canvas/MaskSampler.h"
+
+#include "layers/raster/Mask.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+/// Pixels that are looked at together, to pass over clear stretches.
+constexpr int ChunkSize = 32;
+
+bool IsClear(const uchar* pixels)
+{
+    quint64 words[ChunkSize / sizeof(quint64)];
+    std::memcpy(words, pixels, ChunkSize);
+    return (words[0] | words[1] | words[2] | words[3]) == 0;
+}
+
+/// color times alpha / 255, for all four channels, rounded as QPainter rounds it (Blinn, 1994).
+QRgb Multiplied(QRgb color, uint alpha)
+{
+    uint low = (color & 0x00FF00FFU) * alpha;
+    low = (low + ((low >> 8) & 0x00FF00FFU) + 0x00800080U) >> 8;
+    uint high = ((color >> 8) & 0x00FF00FFU) * alpha;
+    high = high + ((high >> 8) & 0x00FF00FFU) + 0x00800080U;
+    return (low & 0x00FF00FFU) | (high & 0xFF00FF00U);
+}
+
+void BlendBeneath(QRgb* target, const uchar* mask, int count, QRgb color)
+{
+    for (int i = 0; i < count; ++i) {
+        const QRgb below = Multiplied(color, 255U - (target[i] >> 24));
+        target[i] += mask[i] == raster::MaskSet ? below : 0U;
+    }
+}
+
+/// A picture of one row whose opaque pixels tell their own place.
+QImage Ramp(int length)
+{
+    QImage ramp(length, 1, QImage::Format_ARGB32_Premultiplied);
+    auto* pixels = reinterpret_cast<QRgb*>(ramp.bits());
+    for (int i = 0; i < length; ++i) {
+        pixels[i] = 0xFF000000U | static_cast<QRgb>(i);
+    }
+    return ramp;
+}
+
+} // namespace
+
+MaskSampler::Axis MaskSampler::MakeAxis(qreal scale, qreal offset, int size, int begin, int count,
+                                        bool isScaled)
+{
+    static QImage ramp;
+    if (ramp.width() != size) {
+        ramp = Ramp(size);
+    }
+    QImage places(std::max(count, 1), 1, QImage::Format_ARGB32_Premultiplied);
+    places.fill(Qt::transparent);
+    QPainter painter(&places);
+    // The other axis only has to be there; it is scaled exactly when the picture is, because
+    // QPainter has another way to draw pictures that are merely moved.
+    const qreal across = isScaled ? 2 : 1;
+    painter.setTransform(QTransform(scale, 0, 0, across, offset - begin, 0));
+    painter.drawImage(0, 0, ramp);
+    painter.end();
+
+    Axis axis;
+    const auto* pixels = reinterpret_cast<const QRgb*>(places.constBits());
+    while (axis.first < count && pixels[axis.first] == 0) {
+        ++axis.first;
+    }
+    for (int i = axis.first; i < count && pixels[i] != 0; ++i) {
+        axis.pixels.push_back(static_cast<int>(pixels[i] & 0x00FFFFFFU));
+    }
+    axis.isContiguous = !axis.pixels.empty() &&
+                        axis.pixels.back() - axis.pixels.front() + 1 == int(axis.pixels.size()) &&
+                        std::is_sorted(axis.pixels.begin(), axis.pixels.end());
+    return axis;
+}
+
+MaskSampler::MaskSampler(const QTransform& toDevice, QSize size, const QRect& device)
+{
+    const bool isScaled = toDevice.type() == QTransform::TxScale;
+    m_columns =
+        MakeAxis(toDevice.m11(), toDevice.dx(), size.width(), device.x(), device.width(), isScaled);
+    m_rows = MakeAxis(toDevice.m22(), toDevice.dy(), size.height(), device.y(), device.height(),
+                      isScaled);
+}
+
+void MaskSampler::DrawBeneath(QImage& target, const QImage& mask, QRgb color) const
+{
+    const auto columns = static_cast<int>(m_columns.pixels.size());
+    if (columns == 0) {
+        return;
+    }
+    std::vector<uchar> gathered(m_columns.pixels.size());
+    int gatheredRow = -1;
+    for (std::size_t i = 0; i < m_rows.pixels.size(); ++i) {
+        const int row = m_rows.pixels[i];
+        const uchar* pixels = mask.constScanLine(row);
+        if (m_columns.isContiguous) {
+            pixels += m_columns.pixels.front();
+        } else {
+            if (row != gatheredRow) {
+                std::transform(m_columns.pixels.begin(), m_columns.pixels.end(), gathered.begin(),
+                               [pixels](int column) { return pixels[column]; });
+                gatheredRow = row;
+            }
+            pixels = gathered.data();
+        }
+        auto* line = reinterpret_cast<QRgb*>(target.scanLine(m_rows.first + static_cast<int>(i)));
+        DrawRowBeneath(line + m_columns.first, pixels, color);
+    }
+}
+
+void MaskSampler::DrawRowBeneath(QRgb* target, const uchar* mask, QRgb color) const
+{
+    const auto count = static_cast<int>(m_columns.pixels.size());
+    int x = 0;
+    for (; x + ChunkSize <= count; x += ChunkSize) {
+        if (!IsClear(mask + x)) {
+            BlendBeneath(target + x, mask + x, ChunkSize, color);
+        }
+    }
+    BlendBeneath(target + x, mask + x, count - x, color);
+}
