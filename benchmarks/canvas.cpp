@@ -1,0 +1,349 @@
+// What the hand feels: brush moves, showing and hiding layers, panning and many zones, each in a
+// real view of 1200 x 800 pixels, offscreen, with the repaint that follows.
+
+#include "app/ProjectSettings.h"
+#include "benchmarks/support/RatioReporter.h"
+#include "benchmarks/support/Shapes.h"
+#include "canvas/BrushDock.h"
+#include "canvas/MainScene.h"
+#include "canvas/MainView.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "layers/raster/Mask.h"
+#include "territories/Territory.h"
+#include "territories/Zone.h"
+#include "territories/ZoneIcons.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QStandardItemModel>
+
+#include <unistd.h>
+
+#include <cstdio>
+
+using benchmark::State;
+
+namespace {
+
+constexpr int ViewWidth = 1200;
+constexpr int ViewHeight = 800;
+constexpr int LayerCount = 32;
+
+/// A view with a project of one size.
+struct Canvas
+{
+    explicit Canvas(int side)
+    {
+        ProjectSettings::Instance().SetSizes(side, side, 15360, 15360);
+        view.resize(ViewWidth, ViewHeight);
+        view.SetBrushDock(&dock);
+        view.SetSceneSize(side, side);
+        view.show();
+        QCoreApplication::processEvents();
+    }
+
+    void AddLayers(int count)
+    {
+        const ProjectSettings& settings = ProjectSettings::Instance();
+        const QImage first = NaturalMask(settings.LayerSize(), 7);
+        for (int i = 0; i < count; ++i) {
+            auto layer = std::make_unique<Layer>(1, 1, &layers, QStringLiteral("%1").arg(i));
+            // Masks of their own, though alike: making shapes takes longer than what is measured.
+            layer->SetImage(i == 0 ? first : first.copy(), QColor::fromHsv(i * 11, 200, 200, 128));
+            layers.AddLayer(std::move(layer));
+        }
+    }
+
+    void ShowLayers(int first)
+    {
+        scene()->ClearLayers();
+        const QVector<Layer*> all = layers.Layers();
+        for (int i = first; i < all.size(); ++i) {
+            scene()->AddLayer(all.at(i));
+        }
+    }
+
+    void SetZoom(double zoom)
+    {
+        view.setTransform(QTransform::fromScale(zoom, zoom));
+        view.centerOn(view.sceneRect().center());
+        QCoreApplication::processEvents();
+    }
+
+    void Mouse(QEvent::Type type, QPoint position, Qt::MouseButtons buttons)
+    {
+        const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(type, position, view.viewport()->mapToGlobal(position), button, buttons,
+                          Qt::NoModifier);
+        QCoreApplication::sendEvent(view.viewport(), &event);
+    }
+
+    MainScene* scene() { return view.Scene(); }
+
+    LayerList layers;
+    BrushDock dock;
+    MainView view;
+};
+
+/// Only one size of each lives at a time, and none longer than the application.
+std::unique_ptr<Canvas> paintedCanvas;
+std::unique_ptr<Canvas> layeredCanvas;
+
+/// The same canvas for all benchmarks of one size.
+Canvas& CanvasOf(int side)
+{
+    std::unique_ptr<Canvas>& canvas = paintedCanvas;
+    if (!canvas || ProjectSettings::Instance().layerWidth != side) {
+        canvas.reset();
+        canvas = std::make_unique<Canvas>(side);
+        canvas->AddLayers(1);
+        const Layer* layer = canvas->layers.LayerAt(0);
+        canvas->dock.SetPaintColor(layer->Color().rgb());
+        canvas->scene()->ChangeLayer(canvas->layers.LayerAt(0));
+        canvas->scene()->ChangeMode(SceneMode::Paint);
+    }
+    return *canvas;
+}
+
+/// Small steps around the middle of the view.
+QPoint NextPosition()
+{
+    static int step = 0;
+    ++step;
+    return {400 + step * 5 % 300, 300 + step * 3 % 200};
+}
+
+void MoveBrush(State& state, int side, double zoom, int size)
+{
+    Canvas& canvas = CanvasOf(side);
+    canvas.SetZoom(zoom);
+    canvas.dock.SetSize(size);
+    canvas.Mouse(QEvent::MouseButtonPress, NextPosition(), Qt::LeftButton);
+    QCoreApplication::processEvents();
+    for (auto _ : state) {
+        canvas.Mouse(QEvent::MouseMove, NextPosition(), Qt::LeftButton);
+        QCoreApplication::processEvents();
+    }
+    canvas.Mouse(QEvent::MouseButtonRelease, NextPosition(), Qt::NoButton);
+}
+
+/// The whole-image rule: paint, show and convert everything.
+void MoveLiteralBrush(State& state, int side, double zoom, int size)
+{
+    Canvas& canvas = CanvasOf(side);
+    canvas.SetZoom(zoom);
+    Layer* layer = canvas.layers.LayerAt(0);
+    QImage picture = raster::MaskToDisplay(layer->Image(), layer->Color().rgb());
+    QGraphicsPixmapItem item;
+    canvas.scene()->addItem(&item);
+    Brush brush;
+    brush.SetSize(size);
+    brush.SetPaintColor(layer->Color().rgb());
+    QPointF from = canvas.view.mapToScene(NextPosition());
+    for (auto _ : state) {
+        const QPointF to = canvas.view.mapToScene(NextPosition());
+        brush.PaintSegment(picture, from, to);
+        from = to;
+        item.setPixmap(QPixmap::fromImage(picture));
+        benchmark::DoNotOptimize(raster::ImageToMask(picture, layer->Color().rgb()));
+        QCoreApplication::processEvents();
+    }
+    canvas.scene()->removeItem(&item);
+}
+
+void RegisterBrush()
+{
+    for (const int side : {2048, 8192, 16384}) {
+        for (const double zoom : {0.25, 1.0, 4.0}) {
+            for (const int size : {32, 256}) {
+                char name[80];
+                std::snprintf(name, sizeof name, "move at zoom %g, brush %d, %d/", zoom, size,
+                              side);
+                const std::string group = name;
+                benchmark::RegisterBenchmark((group + "ours").c_str(), MoveBrush, side, zoom, size)
+                    ->Unit(benchmark::kMillisecond)
+                    ->UseRealTime();
+                benchmark::RegisterBenchmark((group + "literal").c_str(), MoveLiteralBrush, side,
+                                             zoom, size)
+                    ->Unit(benchmark::kMillisecond)
+                    ->UseRealTime()
+                    ->Iterations(2);
+            }
+        }
+    }
+}
+
+/// A canvas with many layers, of which one comes and goes.
+Canvas& LayersOf(int side)
+{
+    std::unique_ptr<Canvas>& canvas = layeredCanvas;
+    if (!canvas || ProjectSettings::Instance().layerWidth != side) {
+        canvas.reset();
+        canvas = std::make_unique<Canvas>(side);
+        canvas->AddLayers(LayerCount);
+    }
+    return *canvas;
+}
+
+void ToggleLayer(State& state, int side)
+{
+    Canvas& canvas = LayersOf(side);
+    canvas.SetZoom(1);
+    int first = 0;
+    for (auto _ : state) {
+        first = 1 - first;
+        canvas.ShowLayers(first);
+        QCoreApplication::processEvents();
+    }
+}
+
+/// Draws the prebuilt pictures of all layers into one picture and shows that. One picture stands
+/// for all, which memory does not hold at this size.
+void ToggleLiteral(State& state, int side)
+{
+    Canvas& canvas = LayersOf(side);
+    canvas.SetZoom(1);
+    canvas.scene()->ClearLayers();
+    const QPixmap picture = canvas.layers.LayerAt(0)->Pixmap();
+    QGraphicsPixmapItem item;
+    item.setShapeMode(QGraphicsPixmapItem::BoundingRectShape);
+    canvas.scene()->addItem(&item);
+    for (auto _ : state) {
+        QPixmap composed(side, side);
+        composed.fill(Qt::transparent);
+        QPainter painter(&composed);
+        painter.setCompositionMode(QPainter::CompositionMode_DestinationOver);
+        for (int i = 0; i < LayerCount; ++i) {
+            painter.setOpacity(128 / 255.0);
+            painter.drawPixmap(0, 0, picture);
+        }
+        painter.end();
+        item.setPixmap(composed);
+        QCoreApplication::processEvents();
+    }
+    canvas.scene()->removeItem(&item);
+}
+
+void Pan(State& state, Canvas& canvas)
+{
+    QScrollBar* bar = canvas.view.horizontalScrollBar();
+    int step = 0;
+    for (auto _ : state) {
+        bar->setValue(bar->minimum() + 300 + ++step % 50 * 7);
+        QCoreApplication::processEvents();
+    }
+}
+
+void PanLayers(State& state, int side)
+{
+    Canvas& canvas = LayersOf(side);
+    canvas.SetZoom(1);
+    canvas.ShowLayers(0);
+    QCoreApplication::processEvents();
+    Pan(state, canvas);
+}
+
+void PanPrebuilt(State& state, int side)
+{
+    Canvas& canvas = LayersOf(side);
+    canvas.SetZoom(1);
+    canvas.scene()->ClearLayers();
+    QGraphicsPixmapItem item(canvas.layers.LayerAt(0)->Pixmap());
+    item.setShapeMode(QGraphicsPixmapItem::BoundingRectShape);
+    canvas.scene()->addItem(&item);
+    QCoreApplication::processEvents();
+    Pan(state, canvas);
+    canvas.scene()->removeItem(&item);
+}
+
+void RegisterLayers()
+{
+    for (const int side : {2048, 8192}) {
+        const std::string size = std::to_string(side);
+        const auto add = [side](const std::string& name, void (*work)(State&, int),
+                                int iterations) {
+            auto* added = benchmark::RegisterBenchmark(name.c_str(), work, side)
+                              ->Unit(benchmark::kMillisecond)
+                              ->UseRealTime();
+            if (iterations > 0) {
+                added->Iterations(iterations);
+            }
+        };
+        add("toggle one of 32 layers, " + size + "/ours", ToggleLayer, 0);
+        add("toggle one of 32 layers, " + size + "/whole-picture", ToggleLiteral, 2);
+        add("pan with 32 layers, " + size + "/ours", PanLayers, 0);
+        add("pan with 32 layers, " + size + "/one-picture", PanPrebuilt, 0);
+    }
+}
+
+void RepaintZones(State& state)
+{
+    constexpr int zoneCount = 5000;
+    Canvas& canvas = CanvasOf(2048);
+    canvas.SetZoom(1);
+    Territory territory(QStringLiteral("many"));
+    territory.SetRgba(0x80FF8040U);
+    const QPolygonF area = canvas.view.mapToScene(canvas.view.viewport()->rect());
+    const QRectF visible = area.boundingRect();
+    for (int i = 0; i < zoneCount; ++i) {
+        auto* zone = new Zone(&territory, 150);
+        zone->setPos(visible.x() + i * 37 % int(visible.width()),
+                     visible.y() + i * 53 % int(visible.height()));
+        zone->SetUsage(1 + i % 5);
+        territory.AddZone(zone);
+        canvas.scene()->addItem(zone);
+    }
+    QCoreApplication::processEvents();
+    for (auto _ : state) {
+        canvas.view.viewport()->repaint();
+    }
+}
+
+double ResidentBytes()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    if (!file.open(QIODevice::ReadOnly)) {
+        return 0;
+    }
+    return file.readAll().split(' ').value(1).toDouble() *
+           static_cast<double>(sysconf(_SC_PAGESIZE));
+}
+
+void PrintMemory()
+{
+    constexpr int side = 4096;
+    for (const int count : {1, 8, 32}) {
+        Canvas canvas(side);
+        const double before = ResidentBytes();
+        canvas.AddLayers(count);
+        canvas.scene()->ChangeLayer(canvas.layers.LayerAt(0));
+        canvas.ShowLayers(1);
+        canvas.SetZoom(0.5);
+        const double bytes = ResidentBytes() - before;
+        std::printf("memory with %2d shown layers of %d: %.2f bytes a layer pixel\n", count, side,
+                    bytes / (double(side) * side * count));
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    ZoneIcons::Load();
+    PrintMemory();
+    RegisterBrush();
+    RegisterLayers();
+    benchmark::RegisterBenchmark("repaint 5000 zones/ours", RepaintZones)
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
+    const int result = RunBenchmarks(argc, argv);
+    paintedCanvas.reset();
+    layeredCanvas.reset();
+    return result;
+}
