@@ -72,7 +72,9 @@ QRect LayerPainter::Step(const Brush& brush, BrushAction action, const QRect& to
         return {};
     }
     const bool isOtherColor = layer->Color().rgb() != m_rgb;
-    const bool paintsOtherColor = action == BrushAction::Paint && brush.PaintColor().rgb() != m_rgb;
+    // Translucent paint, and shades between two colours of a picture, are other colours too.
+    const bool paintsOtherColor =
+        action == BrushAction::Paint && brush.PaintColor() != QColor(m_rgb);
     if (isOtherColor || paintsOtherColor) {
         MakeArgb();
     }

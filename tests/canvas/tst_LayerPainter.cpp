@@ -1,0 +1,517 @@
+#include "canvas/LayerPainter.h"
+
+#include "canvas/Brush.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "layers/raster/Mask.h"
+#include "tests/support/LiteralCanvas.h"
+#include "tests/support/Masks.h"
+#include "tests/support/Random.h"
+
+#include <QPainter>
+#include <QTest>
+#include <QWidget>
+
+#include <limits>
+#include <memory>
+
+namespace {
+
+/// A layer and what its mask has to be.
+struct LayerUnderTest
+{
+    Layer* layer = nullptr;
+    QImage mask;
+};
+
+/// Does the same to layers with the painter and by the whole-image rule.
+class Editing
+{
+public:
+    explicit Editing(QSize size);
+
+    void RandomStep();
+    void Compare() const;
+
+private:
+    void Load(int index);
+    void ChangeSomething();
+    void ChangeMask(LayerUnderTest& target);
+    void Move(BrushAction action, bool isDab);
+    QPointF RandomPosition();
+    QColor RandomColor();
+    QColor AlmostTheColorOf(const Layer& layer);
+    LayerUnderTest& Current() { return m_layers[m_current]; }
+
+    Random m_random;
+    QSize m_size;
+    LayerList m_list;
+    std::unique_ptr<Layer> m_looseLayer;
+    QVector<LayerUnderTest> m_layers;
+    int m_current = 0;
+    LayerPainter m_painter;
+    Brush m_brush;
+    BrushAction m_action = BrushAction::None;
+    QPointF m_strokePoint;
+    /// The literal one.
+    QImage m_picture;
+};
+
+Editing::Editing(QSize size)
+    : m_size(size)
+{
+    for (int i = 0; i < 3; ++i) {
+        auto layer = std::make_unique<Layer>(1, 1, i == 2 ? nullptr : &m_list);
+        m_layers.append({layer.get(), QImage()});
+        ChangeMask(m_layers.last());
+        if (i == 2) {
+            m_looseLayer = std::move(layer);
+        } else {
+            m_list.AddLayer(std::move(layer));
+        }
+    }
+    Load(0);
+}
+
+QPointF Editing::RandomPosition()
+{
+    const auto near = [this](int length) {
+        return m_random.Between(-60 * 8, (length + 60) * 8) / 8.0;
+    };
+    if (m_random.Below(30) == 0) {
+        const int far = 1 << m_random.Between(8, 20);
+        return {double(m_random.Between(-far, far)), double(m_random.Between(-far, far))};
+    }
+    if (m_random.Below(3) > 0 && m_action != BrushAction::None) {
+        return m_strokePoint + QPointF(m_random.Between(-9, 9), m_random.Between(-9, 9)) / 4;
+    }
+    return {near(m_size.width()), near(m_size.height())};
+}
+
+QColor Editing::RandomColor()
+{
+    static const QColor colors[] = {QColor(255, 0, 0), QColor(0, 128, 255), QColor(1, 2, 3),
+                                    QColor(Qt::black), QColor(Qt::white)};
+    return colors[m_random.Below(5)];
+}
+
+/// Translucent, or different in the bits that no picture holds.
+QColor Editing::AlmostTheColorOf(const Layer& layer)
+{
+    QColor color = layer.Color();
+    color.setAlpha(m_random.Below(256));
+    if (m_random.Below(2) == 0) {
+        const QRgba64 rgba = color.rgba64();
+        color = QRgba64::fromRgba64(rgba.red() ^ 0xFF, rgba.green(), rgba.blue() ^ 0x7F, 0xFFFF);
+    }
+    return color;
+}
+
+void Editing::Load(int index)
+{
+    m_current = index;
+    m_painter.Load(Current().layer);
+    m_picture = literal::Display(Current().mask, Current().layer->Color().rgb());
+    if (m_random.Below(8) > 0) {
+        m_brush.SetPaintColor(Current().layer->Color().rgb());
+    }
+}
+
+void Editing::ChangeMask(LayerUnderTest& target)
+{
+    const QColor color = RandomColor();
+    if (m_random.Below(3) == 0) {
+        QImage picture = literal::Display(RandomMask(m_random, m_size), color.rgb());
+        picture.setPixelColor(0, 0, Qt::green);
+        target.layer->SetImage(picture, color);
+        target.mask = literal::Mask(picture, color.rgb());
+        return;
+    }
+    target.mask = RandomMask(m_random, m_size);
+    if (m_random.Below(2) == 0) {
+        target.mask = literal::Mask(literal::Display(target.mask, color.rgb()), color.rgb());
+    }
+    target.layer->SetImage(target.mask, color);
+}
+
+void Editing::ChangeSomething()
+{
+    switch (m_random.Below(9)) {
+    case 0:
+        Current().layer->SetColor(RandomColor());
+        break;
+    case 1:
+        Current().layer->SetOpacity(m_random.Below(256));
+        break;
+    case 2:
+        m_brush.SetPaintColor(RandomColor());
+        break;
+    case 3:
+        m_brush.SetPaintColor(AlmostTheColorOf(*Current().layer));
+        break;
+    case 4:
+        ChangeMask(Current());
+        break;
+    case 5:
+        m_brush.SetPaintColor(Current().layer->Color().rgb());
+        break;
+    default:
+        Load(m_random.Below(m_layers.size()));
+    }
+}
+
+void Editing::Move(BrushAction action, bool isDab)
+{
+    literal::BrushStep step;
+    step.isDab = isDab;
+    step.isErasing = action == BrushAction::Erase;
+    step.color = m_brush.PaintColor();
+    step.size = m_brush.Size();
+    step.from = m_strokePoint;
+    step.to = RandomPosition();
+    m_brush.SetPosition(step.to);
+    const QImage before = m_painter.Picture();
+    const QRect changed =
+        isDab ? m_painter.Dab(m_brush, action) : m_painter.Segment(m_brush, action, m_strokePoint);
+    m_strokePoint = step.to;
+    if (action != BrushAction::None) {
+        literal::Paint(m_picture, step);
+    }
+    LayerUnderTest& current = Current();
+    if (current.layer->List()) {
+        current.mask = literal::Mask(m_picture, current.layer->Color().rgb());
+    }
+    // What lies beside the rectangle need not be painted again.
+    QImage repainted = before;
+    QPainter painter(&repainted);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.drawImage(changed, m_painter.Picture(), changed);
+    painter.end();
+    QCOMPARE(repainted, m_picture);
+}
+
+void Editing::RandomStep()
+{
+    if (m_random.Below(25) == 0) {
+        ChangeSomething();
+    }
+    if (m_random.Below(10) == 0) {
+        m_brush.SetSize(m_random.Below(4) == 0 ? m_random.Between(1, 256) : m_random.Between(1, 9));
+    }
+    if (m_random.Below(12) > 0) {
+        Move(m_action, false);
+        return;
+    }
+    m_action = static_cast<BrushAction>(m_random.Below(3));
+    if (m_action != BrushAction::None) {
+        Move(m_action, true);
+    }
+}
+
+void Editing::Compare() const
+{
+    for (const LayerUnderTest& each : m_layers) {
+        QCOMPARE(each.layer->Image(), each.mask);
+    }
+    QCOMPARE(m_painter.Picture(), m_picture);
+}
+
+QImage Painted(const LayerPainter& painter, const QTransform& transform)
+{
+    QImage image(120, 90, QImage::Format_ARGB32_Premultiplied);
+    image.fill(QColor(10, 20, 30, 40));
+    QPainter target(&image);
+    target.setOpacity(0.4);
+    target.setTransform(transform);
+    painter.Paint(target, transform.inverted().mapRect(QRectF(image.rect())));
+    return image;
+}
+
+QImage PaintedLiterally(const QImage& picture, const QTransform& transform)
+{
+    QImage image(120, 90, QImage::Format_ARGB32_Premultiplied);
+    image.fill(QColor(10, 20, 30, 40));
+    QPainter target(&image);
+    target.setOpacity(0.4);
+    target.setTransform(transform);
+    target.drawPixmap(0, 0, QPixmap::fromImage(picture));
+    return image;
+}
+
+} // namespace
+
+class tst_LayerPainter : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void PaintsAsTheWholeImageRuleSays_data();
+    void PaintsAsTheWholeImageRuleSays();
+    void NeverMovesTheImageDuringAStroke_data();
+    void NeverMovesTheImageDuringAStroke();
+    void MovesTheImageOnceForOtherValues();
+    void LeavesTheLayerAloneUntilTheFirstStep();
+    void ConvertsTheWholeImageAlsoForAMoveWithoutAButton();
+    void BringsBackWhatAnotherColorHid();
+    void OverwritesAnImageThatWasReplaced();
+    void WipesNothingAtALayerChange();
+    void KeepsThePictureOfALayerInNoList();
+    void ForgetsADestroyedLayer();
+    void StandsLayersWithoutAnImage();
+    void StandsPositionsThatAreNoNumbers();
+    void ShowsThePicture_data();
+    void ShowsThePicture();
+
+private:
+    /// Layers take colours only while there is a window.
+    QWidget m_window;
+};
+
+void tst_LayerPainter::PaintsAsTheWholeImageRuleSays_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<int>("steps");
+    QTest::newRow("97 x 61") << QSize(97, 61) << 3000;
+    QTest::newRow("128 x 64") << QSize(128, 64) << 2000;
+    QTest::newRow("1 x 1") << QSize(1, 1) << 1500;
+    QTest::newRow("3 x 200") << QSize(3, 200) << 1000;
+}
+
+void tst_LayerPainter::PaintsAsTheWholeImageRuleSays()
+{
+    QFETCH(QSize, size);
+    QFETCH(int, steps);
+    Editing editing(size);
+    for (int i = 0; i < steps && !QTest::currentTestFailed(); ++i) {
+        editing.RandomStep();
+        editing.Compare();
+    }
+}
+
+void tst_LayerPainter::NeverMovesTheImageDuringAStroke_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("300 x 200") << QSize(300, 200);
+    QTest::newRow("16384 x 64") << QSize(16384, 64);
+    QTest::newRow("64 x 16384") << QSize(64, 16384);
+}
+
+void tst_LayerPainter::NeverMovesTheImageDuringAStroke()
+{
+    QFETCH(QSize, size);
+    LayerList list;
+    Layer layer(1, 1, &list);
+    layer.SetImage(raster::BlankMask(size), Qt::red);
+    const uchar* pixels = layer.Image().constBits();
+    LayerPainter painter;
+    painter.Load(&layer);
+    Brush brush;
+    brush.SetPaintColor(Qt::red);
+    for (const BrushAction action : {BrushAction::Paint, BrushAction::Erase}) {
+        QPointF from(20, 20);
+        brush.SetPosition(from);
+        painter.Dab(brush, action);
+        for (int i = 0; i < 50; ++i) {
+            brush.SetPosition(from + QPointF(5, 3));
+            painter.Segment(brush, i % 5 == 0 ? BrushAction::None : action, from);
+            from = brush.Position();
+            QCOMPARE(layer.Image().constBits(), pixels);
+        }
+    }
+}
+
+void tst_LayerPainter::MovesTheImageOnceForOtherValues()
+{
+    LayerList list;
+    Layer layer(1, 1, &list);
+    layer.SetImage(MaskFromArt({"..+#", "#..."}), Qt::red);
+    LayerPainter painter;
+    painter.Load(&layer);
+    Brush brush;
+    brush.SetSize(1);
+    brush.SetPaintColor(Qt::red);
+    painter.Segment(brush, BrushAction::None, {});
+    const uchar* pixels = layer.Image().constBits();
+    painter.Segment(brush, BrushAction::Paint, {2, 0});
+    QCOMPARE(layer.Image().constBits(), pixels);
+}
+
+void tst_LayerPainter::LeavesTheLayerAloneUntilTheFirstStep()
+{
+    LayerList list;
+    Layer layer(1, 1, &list);
+    const QImage mask = MaskFromArt({"..+#", "#..."});
+    layer.SetImage(mask, Qt::red);
+    LayerPainter painter;
+    painter.Load(&layer);
+    painter.Load(nullptr);
+    QCOMPARE(layer.Image(), mask);
+    QVERIFY(painter.Size().isEmpty());
+    QVERIFY(painter.Picture().isNull());
+}
+
+void tst_LayerPainter::ConvertsTheWholeImageAlsoForAMoveWithoutAButton()
+{
+    LayerList list;
+    Layer layer(1, 1, &list);
+    layer.SetImage(MaskFromArt({"..+#", "#..."}), Qt::red);
+    LayerPainter painter;
+    painter.Load(&layer);
+    painter.Segment(Brush(), BrushAction::None, {});
+    QCOMPARE(ArtFromMask(layer.Image()), QStringList({"...#", "#..."}));
+}
+
+void tst_LayerPainter::BringsBackWhatAnotherColorHid()
+{
+    LayerList list;
+    Layer layer(1, 1, &list);
+    layer.SetImage(MaskFromArt({"..##"}), Qt::red);
+    LayerPainter painter;
+    painter.Load(&layer);
+    const Brush brush;
+    layer.SetColor(Qt::blue);
+    painter.Segment(brush, BrushAction::None, {});
+    QCOMPARE(ArtFromMask(layer.Image()), QStringList({"...."}));
+    layer.SetColor(Qt::red);
+    painter.Segment(brush, BrushAction::None, {});
+    QCOMPARE(ArtFromMask(layer.Image()), QStringList({"..##"}));
+}
+
+void tst_LayerPainter::OverwritesAnImageThatWasReplaced()
+{
+    LayerList list;
+    Layer layer(1, 1, &list);
+    layer.SetImage(MaskFromArt({"..##"}), Qt::red);
+    LayerPainter painter;
+    painter.Load(&layer);
+    const Brush brush;
+    painter.Segment(brush, BrushAction::None, {});
+    layer.SetImage(MaskFromArt({"##.."}), Qt::red);
+    painter.Segment(brush, BrushAction::None, {});
+    QCOMPARE(ArtFromMask(layer.Image()), QStringList({"..##"}));
+}
+
+void tst_LayerPainter::WipesNothingAtALayerChange()
+{
+    LayerList list;
+    Layer first(1, 1, &list);
+    Layer second(1, 1, &list);
+    first.SetImage(MaskFromArt({"..##"}), Qt::red);
+    second.SetImage(MaskFromArt({"#..."}), Qt::blue);
+    LayerPainter painter;
+    painter.Load(&first);
+    painter.Segment(Brush(), BrushAction::None, {});
+    first.SetColor(Qt::green);
+    first.SetImage(MaskFromArt({".##."}), Qt::green);
+    painter.Load(&second);
+    QCOMPARE(ArtFromMask(first.Image()), QStringList({".##."}));
+    QCOMPARE(ArtFromMask(second.Image()), QStringList({"#..."}));
+    QCOMPARE(painter.GetLayer(), &second);
+}
+
+void tst_LayerPainter::KeepsThePictureOfALayerInNoList()
+{
+    Layer layer(1, 1, nullptr);
+    const QImage mask = MaskFromArt({"....", "...."});
+    layer.SetImage(mask, Qt::red);
+    LayerPainter painter;
+    painter.Load(&layer);
+    Brush brush;
+    brush.SetPaintColor(Qt::red);
+    brush.SetSize(1);
+    painter.Segment(brush, BrushAction::Paint, {3, 0});
+    QCOMPARE(layer.Image(), mask);
+    QCOMPARE(ArtFromMask(literal::Mask(painter.Picture(), qRgb(255, 0, 0))),
+             QStringList({"####", "...."}));
+}
+
+void tst_LayerPainter::ForgetsADestroyedLayer()
+{
+    LayerList list;
+    auto layer = std::make_unique<Layer>(1, 1, &list);
+    layer->SetImage(raster::BlankMask({40, 40}), Qt::red);
+    LayerPainter painter;
+    painter.Load(layer.get());
+    const Brush brush;
+    QVERIFY(!painter.Dab(brush, BrushAction::Paint).isEmpty());
+    layer.reset();
+    QCOMPARE(painter.GetLayer(), nullptr);
+    QVERIFY(painter.Dab(brush, BrushAction::Paint).isEmpty());
+    QVERIFY(painter.Segment(brush, BrushAction::Erase, {5, 5}).isEmpty());
+    painter.Load(nullptr);
+}
+
+void tst_LayerPainter::StandsLayersWithoutAnImage()
+{
+    LayerList list;
+    Layer layer(1, 1, &list);
+    LayerPainter painter;
+    QVERIFY(painter.Dab(Brush(), BrushAction::Paint).isEmpty());
+    painter.Load(&layer);
+    QVERIFY(painter.Dab(Brush(), BrushAction::Paint).isEmpty());
+    QVERIFY(layer.Image().isNull());
+    QCOMPARE(painter.GetLayer(), &layer);
+    // An image that comes later is overwritten only by one.
+    layer.SetImage(MaskFromArt({"..##"}), Qt::red);
+    QVERIFY(painter.Segment(Brush(), BrushAction::Erase, {}).isEmpty());
+    QCOMPARE(ArtFromMask(layer.Image()), QStringList({"..##"}));
+    QCOMPARE(Painted(painter, {}), PaintedLiterally({}, {}));
+}
+
+void tst_LayerPainter::StandsPositionsThatAreNoNumbers()
+{
+    LayerList list;
+    Layer layer(1, 1, &list);
+    const QImage mask = MaskFromArt({"..##"});
+    layer.SetImage(mask, Qt::red);
+    LayerPainter painter;
+    painter.Load(&layer);
+    Brush brush;
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    for (const double bad : {infinity, -infinity, std::numeric_limits<double>::quiet_NaN()}) {
+        brush.SetPosition({bad, 0});
+        QVERIFY(painter.Dab(brush, BrushAction::Erase).isEmpty());
+        QVERIFY(painter.Segment(brush, BrushAction::Erase, {}).isEmpty());
+        brush.SetPosition({0, 0});
+        QVERIFY(painter.Segment(brush, BrushAction::Erase, {0, bad}).isEmpty());
+    }
+    QCOMPARE(layer.Image(), mask);
+}
+
+void tst_LayerPainter::ShowsThePicture_data()
+{
+    QTest::addColumn<QTransform>("transform");
+    QTest::addColumn<bool>("hasOtherColors");
+    const std::pair<const char*, QTransform> transforms[] = {
+        {"as it is", QTransform()},
+        {"moved", QTransform::fromTranslate(-7, 12)},
+        {"moved by parts of a pixel", QTransform::fromTranslate(-7.3, 12.6)},
+        {"larger", QTransform(2.75, 0, 0, 2.75, -31.5, -8)},
+        {"smaller", QTransform(0.25, 0, 0, 0.25, 5, 3)},
+        {"rotated", QTransform().rotate(30)},
+    };
+    for (const auto& [name, transform] : transforms) {
+        QTest::addRow("%s", name) << transform << false;
+        QTest::addRow("%s, other colours", name) << transform << true;
+    }
+}
+
+void tst_LayerPainter::ShowsThePicture()
+{
+    QFETCH(QTransform, transform);
+    QFETCH(bool, hasOtherColors);
+    Random random;
+    LayerList list;
+    Layer layer(1, 1, &list);
+    layer.SetImage(RandomMask(random, {71, 43}), QColor(200, 40, 90));
+    LayerPainter painter;
+    painter.Load(&layer);
+    Brush brush;
+    brush.SetPosition({30, 20});
+    brush.SetPaintColor(hasOtherColors ? QColor(Qt::blue) : layer.Color());
+    painter.Dab(brush, BrushAction::Paint);
+    QCOMPARE(Painted(painter, transform), PaintedLiterally(painter.Picture(), transform));
+}
+
+QTEST_MAIN(tst_LayerPainter)
+#include "tst_LayerPainter.moc"
