@@ -7,14 +7,19 @@ void DrawDeviceImage(QPainter& painter, const QRectF& exposed, const MakeDeviceI
 {
     const QTransform toDevice = painter.deviceTransform();
     const QRect device = toDevice.mapRect(exposed).toAlignedRect();
-    QImage image = make(toDevice, device);
+    const QImage image = make(toDevice, device);
     if (image.isNull()) {
         return;
     }
-    const qreal ratio = painter.device()->devicePixelRatioF();
-    image.setDevicePixelRatio(ratio);
     painter.save();
-    painter.setWorldTransform({});
-    painter.drawImage(QPointF(device.topLeft()) / ratio, image);
+    UseDevicePixels(painter);
+    painter.drawImage(device.topLeft(), image);
     painter.restore();
+}
+
+void UseDevicePixels(QPainter& painter)
+{
+    painter.setWorldTransform({});
+    // What is left are the screen's density and, for widgets, the place in their window.
+    painter.setWorldTransform(painter.deviceTransform().inverted());
 }

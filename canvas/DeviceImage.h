@@ -15,3 +15,6 @@ using MakeDeviceImage = std::function<QImage(const QTransform& toDevice, const Q
 /// Has the image of the exposed part of an item made in device pixels, whatever their density, and
 /// draws it with the painter's opacity.
 void DrawDeviceImage(QPainter& painter, const QRectF& exposed, const MakeDeviceImage& make);
+
+/// From here on the painter's coordinates are device pixels.
+void UseDevicePixels(QPainter& painter);

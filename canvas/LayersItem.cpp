@@ -6,6 +6,8 @@
 #include <QPainterPath>
 #include <QStyleOptionGraphicsItem>
 
+#include <algorithm>
+
 namespace {
 
 /// The colour that QPainter makes of an opaque one at an opacity, premultiplied.
@@ -25,7 +27,7 @@ QRgb WithOpacity(QRgb rgb, qreal opacity)
 } // namespace
 
 LayersItem::LayersItem(QSize size)
-    : m_size(size)
+    : m_size(size.isEmpty() ? QSize(0, 0) : size)
 {
     setShapeMode(BoundingRectShape);
     setFlag(ItemUsesExtendedStyleOption);
@@ -33,7 +35,12 @@ LayersItem::LayersItem(QSize size)
 
 void LayersItem::Add(const QImage& mask, QRgb rgb, qreal opacity)
 {
-    m_pictures.append({mask, WithOpacity(rgb, opacity)});
+    if (m_size.isEmpty() || mask.isNull()) {
+        return;
+    }
+    // What lies beyond a smaller mask is clear.
+    const QImage whole = mask.size() == m_size ? mask : mask.copy({QPoint(), m_size});
+    m_pictures.append({whole, WithOpacity(rgb, opacity)});
     PictureChanged();
 }
 
@@ -45,12 +52,34 @@ void LayersItem::Clear()
 
 void LayersItem::SetSize(QSize size)
 {
-    prepareGeometryChange();
-    m_size = size;
-    for (Picture& picture : m_pictures) {
-        picture.mask = picture.mask.scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    const QSize newSize = size.isEmpty() ? QSize(0, 0) : size;
+    if (newSize == m_size) {
+        return;
     }
+    prepareGeometryChange();
+    Scale(newSize);
+    m_size = newSize;
     PictureChanged();
+}
+
+void LayersItem::Scale(QSize size)
+{
+    if (size.isEmpty()) {
+        m_pictures.clear();
+    }
+    if (m_pictures.isEmpty()) {
+        return;
+    }
+    const QTransform scale =
+        QTransform::fromScale(static_cast<qreal>(size.width()) / m_size.width(),
+                              static_cast<qreal>(size.height()) / m_size.height());
+    const MaskSampler sampler(scale, m_size, {QPoint(), size});
+    for (Picture& picture : m_pictures) {
+        picture.mask = sampler.Sampled(picture.mask);
+    }
+    const auto isLost = [](const Picture& picture) { return picture.mask.isNull(); };
+    m_pictures.erase(std::remove_if(m_pictures.begin(), m_pictures.end(), isLost),
+                     m_pictures.end());
 }
 
 QPixmap LayersItem::pixmap() const

@@ -36,6 +36,7 @@ private:
     };
 
     void PictureChanged();
+    void Scale(QSize size);
     QImage Compose(const QTransform& toDevice, const QRect& device) const;
 
     QSize m_size;

@@ -82,6 +82,7 @@ MaskSampler::Axis MaskSampler::MakeAxis(qreal scale, qreal offset, int size, int
 }
 
 MaskSampler::MaskSampler(const QTransform& toDevice, QSize size, const QRect& device)
+    : m_deviceSize(device.size())
 {
     const bool isScaled = toDevice.type() == QTransform::TxScale;
     m_columns =
@@ -126,4 +127,19 @@ void MaskSampler::DrawRowBeneath(QRgb* target, const uchar* mask, QRgb color) co
         }
     }
     BlendBeneath(target + x, mask + x, count - x, color);
+}
+
+QImage MaskSampler::Sampled(const QImage& mask) const
+{
+    QImage sampled = raster::BlankMask(m_deviceSize);
+    if (sampled.isNull()) {
+        return {};
+    }
+    for (std::size_t i = 0; i < m_rows.pixels.size(); ++i) {
+        const uchar* pixels = mask.constScanLine(m_rows.pixels[i]);
+        uchar* line = sampled.scanLine(m_rows.first + static_cast<int>(i)) + m_columns.first;
+        std::transform(m_columns.pixels.begin(), m_columns.pixels.end(), line,
+                       [pixels](int column) { return pixels[column]; });
+    }
+    return sampled;
 }

@@ -28,6 +28,8 @@ public:
     /// and Duff, 1984) where the mask is 255. The target is a Format_ARGB32_Premultiplied image of
     /// the device rectangle's size.
     void DrawBeneath(QImage& target, const QImage& mask, QRgb color) const;
+    /// A mask of the device rectangle's size; null when there is no memory.
+    QImage Sampled(const QImage& mask) const;
 
 private:
     void DrawRowBeneath(QRgb* target, const uchar* mask, QRgb color) const;
@@ -41,6 +43,7 @@ private:
     };
     static Axis MakeAxis(qreal scale, qreal offset, int size, int begin, int count, bool isScaled);
 
+    QSize m_deviceSize;
     Axis m_columns;
     Axis m_rows;
 };

@@ -29,18 +29,16 @@ void TileCache::Draw(QPainter& painter, const QRectF& exposed, const MakeDeviceI
         m_transform = transform;
     }
     const QRect device = transform.mapRect(exposed).toAlignedRect();
-    const qreal ratio = painter.device()->devicePixelRatioF();
     painter.save();
-    painter.setWorldTransform({});
+    UseDevicePixels(painter);
     for (int row = TileAt(device.top()); row <= TileAt(device.bottom()); ++row) {
         for (int column = TileAt(device.left()); column <= TileAt(device.right()); ++column) {
             const QPoint topLeft(column * TileSize, row * TileSize);
             QImage& tile = m_tiles[{column, row}];
             if (tile.isNull()) {
                 tile = make(transform, {topLeft, QSize(TileSize, TileSize)});
-                tile.setDevicePixelRatio(ratio);
             }
-            painter.drawImage(QPointF(origin + topLeft) / ratio, tile);
+            painter.drawImage(origin + topLeft, tile);
         }
     }
     painter.restore();

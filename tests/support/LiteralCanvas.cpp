@@ -67,7 +67,7 @@ QImage Compose(const QVector<ShownLayer>& layers, QSize size)
         painter.drawPixmap(0, 0, QPixmap::fromImage(Display(layer.mask, layer.rgb)));
     }
     painter.end();
-    return composed.toImage();
+    return composed.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
 } // namespace literal
