@@ -214,7 +214,6 @@ void MainScene::RemoveSelection()
     // Whoever shows the selection forgets it before its zones are destroyed.
     clearSelection();
     for (Zone* zone : zones) {
-        m_dragStart.remove(zone);
         removeItem(zone);
     }
     // A zone leaves its territory's table, with the totals, as it is destroyed.
@@ -273,6 +272,7 @@ void MainScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
     // Of two quick clicks the second comes as a double click; for all tools it is a click like any.
     if (m_mode == SceneMode::Select) {
         QGraphicsScene::mouseDoubleClickEvent(event);
+        BeginZoneDrag();
     } else {
         Press(event);
     }
@@ -323,10 +323,19 @@ void MainScene::PressInInsert(QPointF position)
 void MainScene::PressInSelect(QGraphicsSceneMouseEvent* event)
 {
     QGraphicsScene::mousePressEvent(event);
+    BeginZoneDrag();
+}
+
+void MainScene::BeginZoneDrag()
+{
+    QVector<Zone*> zones = SelectedZones(*this);
+    // With Ctrl a zone moves along without being selected.
+    if (auto* grabbed = qgraphicsitem_cast<Zone*>(mouseGrabberItem())) {
+        zones.append(grabbed);
+    }
     m_dragStart.clear();
-    const QVector<Zone*> zones = SelectedZones(*this);
-    for (Zone* zone : zones) {
-        m_dragStart.insert(zone, zone->pos());
+    for (Zone* zone : qAsConst(zones)) {
+        m_dragStart.append({zone, zone->pos()});
     }
 }
 
@@ -363,9 +372,8 @@ void MainScene::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
 
 void MainScene::FinishZoneDrag()
 {
-    const QVector<Zone*> zones = SelectedZones(*this);
-    for (Zone* zone : zones) {
-        if (m_dragStart.value(zone, zone->pos()) != zone->pos()) {
+    for (const auto& [zone, position] : qAsConst(m_dragStart)) {
+        if (zone && zone->pos() != position) {
             ProjectSettings::Instance().modified = true;
         }
     }

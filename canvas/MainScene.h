@@ -7,8 +7,9 @@
 #include <QColor>
 #include <QGraphicsEllipseItem>
 #include <QGraphicsScene>
-#include <QHash>
+#include <QPair>
 #include <QPointF>
+#include <QVector>
 
 #include <memory>
 
@@ -102,6 +103,7 @@ private:
     void PaintDab(QPointF position);
     void PaintStep(QPointF position);
     void AfterPainting(const QRect& changed, QPointF position);
+    void BeginZoneDrag();
     void FinishZoneDrag();
 
     LayerPainter m_painter;
@@ -119,6 +121,6 @@ private:
     SceneMode m_savedMode = SceneMode::None;
     bool m_isPanning = false;
     BrushAction m_stroke = BrushAction::None;
-    /// Where the selected zones were when the mouse took hold of them.
-    QHash<QGraphicsItem*, QPointF> m_dragStart;
+    /// Where the zones were when the mouse took hold of them.
+    QVector<QPair<Tracked<Zone>, QPointF>> m_dragStart;
 };
