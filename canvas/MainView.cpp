@@ -8,9 +8,11 @@
 #include "territories/Territory.h"
 #include "territories/Zone.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QGridLayout>
 #include <QKeyEvent>
+#include <QMap>
 #include <QPainterPath>
 #include <QRubberBand>
 #include <QScrollBar>
@@ -29,7 +31,9 @@ constexpr int KeyRepeatMilliseconds = 60;
 bool IsTextBeingEdited()
 {
     const QWidget* focus = QApplication::focusWidget();
-    return focus && focus->testAttribute(Qt::WA_InputMethodEnabled);
+    // Lists of items that can be renamed take input methods too, but edit in a widget of their own.
+    return focus && focus->testAttribute(Qt::WA_InputMethodEnabled) &&
+           !qobject_cast<const QAbstractItemView*>(focus);
 }
 
 } // namespace
@@ -264,12 +268,18 @@ void MainView::CopySelection()
     if (!HeldKeys::Instance().ctrl || !m_scene->CurrentTerritory()) {
         return;
     }
-    m_clipboard.clear();
+    // The scene gives them in an order that differs from run to run, and the first one is pasted at
+    // the mouse.
+    QMap<int, Zone*> zones;
     const QList<QGraphicsItem*> items = m_scene->selectedItems();
     for (QGraphicsItem* item : items) {
         if (auto* zone = qgraphicsitem_cast<Zone*>(item)) {
-            m_clipboard.append(zone);
+            zones.insert(zone->Id(), zone);
         }
+    }
+    m_clipboard.clear();
+    for (Zone* zone : qAsConst(zones)) {
+        m_clipboard.append(zone);
     }
 }
 
@@ -349,7 +359,12 @@ void MainView::mousePressEvent(QMouseEvent* event)
 
 void MainView::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    QGraphicsView::mouseDoubleClickEvent(event);
+    if (dragMode() == ScrollHandDrag) {
+        // The base takes hold of the map only by a press.
+        QGraphicsView::mousePressEvent(event);
+    } else {
+        QGraphicsView::mouseDoubleClickEvent(event);
+    }
     StartBand(event->pos());
 }
 
