@@ -1084,9 +1084,9 @@ void tst_MainScene::StandsSizesOfNothing()
     canvas.Scene().ChangeWorldColor(Qt::red);
     canvas.Scene().ChangeWorldVisibility(true);
     canvas.Scene().AddLayer(layer);
-    Layer* none = canvas.AddLayer(Qt::green);
-    canvas.Scene().AddLayer(none);
-    for (Layer* each : {layer, none}) {
+    Layer none(1, 1, &canvas.layers);
+    canvas.Scene().AddLayer(&none);
+    for (Layer* each : {layer, &none}) {
         canvas.Scene().ChangeLayer(each);
         for (const SceneMode mode : Modes) {
             canvas.Scene().ChangeMode(mode);

@@ -29,7 +29,7 @@ public:
     /// The flag, which is false from then on.
     bool TakeModified();
 
-    /// Of the project's size and clear; a part of it is set.
+    /// Of the project's size, which is not empty, and clear; a part of it is set.
     Layer* AddLayer(const QColor& color, const QRect& part = {});
     /// Makes the layer the one that is painted.
     void Edit(Layer* layer);
