@@ -210,14 +210,14 @@ void MainScene::ChangeSelection()
 
 void MainScene::RemoveSelection()
 {
-    const QVector<Zone*> zones = SelectedZones(*this);
+    const QVector<Zone*> selected = SelectedZones(*this);
+    const QVector<Tracked<Zone>> zones(selected.begin(), selected.end());
     // Whoever shows the selection forgets it before its zones are destroyed.
     clearSelection();
-    for (Zone* zone : zones) {
-        removeItem(zone);
+    for (const Tracked<Zone>& zone : zones) {
+        // A zone leaves the scene and its territory's table, with the totals, as it is destroyed.
+        const std::unique_ptr<Zone> removed(zone.Get());
     }
-    // A zone leaves its territory's table, with the totals, as it is destroyed.
-    qDeleteAll(zones);
     ProjectSettings::Instance().modified = true;
 }
 

@@ -121,6 +121,7 @@ private slots:
     void QueriesNothingElse();
     void RemovesTheSelection();
     void RemovesZonesOfOtherTerritories();
+    void RemovesZonesThatTheAnswerDestroys();
     void IsModifiedByRemovingNothing();
     void ForgetsWhatIsDestroyed_data();
     void ForgetsWhatIsDestroyed();
@@ -976,6 +977,21 @@ void tst_MainScene::RemovesZonesOfOtherTerritories()
     canvas.Scene().ChangeTerritory(nullptr);
     canvas.Scene().RemoveSelection();
     QVERIFY(canvas.territory->Zones().isEmpty());
+}
+
+void tst_MainScene::RemovesZonesThatTheAnswerDestroys()
+{
+    CanvasFixture canvas;
+    canvas.AddZone({20, 20})->setSelected(true);
+    canvas.AddZone({50, 20})->setSelected(true);
+    connect(&canvas.Scene(), &MainScene::ZoneSelected, this, [&canvas] {
+        if (canvas.territory->Zones().size() == 2) {
+            delete canvas.territory->Zones().first();
+        }
+    });
+    canvas.Scene().RemoveSelection();
+    QVERIFY(canvas.territory->Zones().isEmpty());
+    QCOMPARE(canvas.Scene().items().size(), 5);
 }
 
 void tst_MainScene::IsModifiedByRemovingNothing()
