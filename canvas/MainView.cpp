@@ -94,6 +94,14 @@ void MainView::SetSceneSize(int w, int h)
     m_scene->ChangeSize(w, h);
     m_horizontalRuler->SetUnit(static_cast<float>(settings.worldWidth) / static_cast<float>(w));
     m_verticalRuler->SetUnit(static_cast<float>(settings.worldHeight) / static_cast<float>(h));
+    UpdateRulers();
+}
+
+void MainView::resizeEvent(QResizeEvent* event)
+{
+    QGraphicsView::resizeEvent(event);
+    // A map that fits stays in the middle, and no scroll bar tells.
+    UpdateRulers();
 }
 
 void MainView::UpdateRulers()

@@ -57,6 +57,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
     void enterEvent(QEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void BuildLayout();

@@ -107,6 +107,7 @@ private slots:
     void CentersOnThePointUnderTheMouse();
     void ResetsTheZoomWithoutTheRulers();
     void PutsTheOriginsAtTheMapsEdges();
+    void OriginsFollowAMapThatFits();
     void BracketsResizeTheBrush_data();
     void BracketsResizeTheBrush();
     void HeldBracketsRepeat();
@@ -437,6 +438,25 @@ void tst_MainView::PutsTheOriginsAtTheMapsEdges()
             QVERIFY(near(vertical->Origin(), view.mapFromScene(0, 160).y()));
         }
     }
+}
+
+void tst_MainView::OriginsFollowAMapThatFits()
+{
+    CanvasFixture canvas;
+    MainView& view = canvas.view;
+    const auto checkOrigins = [&view] {
+        QCoreApplication::processEvents();
+        const QPoint corner = view.mapFromScene(view.sceneRect().bottomLeft());
+        QVERIFY(std::abs(static_cast<double>(Ruler(view, true)->Origin()) - corner.x()) <= 1.0);
+        QVERIFY(std::abs(static_cast<double>(Ruler(view, false)->Origin()) - corner.y()) <= 1.0);
+    };
+    checkOrigins();
+    for (const QSize size : {QSize(700, 380), QSize(700, 600), QSize(420, 380)}) {
+        view.resize(size);
+        checkOrigins();
+    }
+    view.SetSceneSize(300, 100);
+    checkOrigins();
 }
 
 void tst_MainView::BracketsResizeTheBrush_data()
