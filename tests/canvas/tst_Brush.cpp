@@ -73,14 +73,11 @@ struct Operation
 
     QByteArray Text() const
     {
+        const auto number = [](qreal value) { return QString::number(value, 'g', 17); };
         return QStringLiteral("%1 %2, size %3, from %4, %5 to %6, %7")
-            .arg(isErasing ? QStringLiteral("erase") : QStringLiteral("paint"))
-            .arg(isDab ? QStringLiteral("dab") : QStringLiteral("segment"))
-            .arg(size)
-            .arg(from.x(), 0, 'g', 17)
-            .arg(from.y(), 0, 'g', 17)
-            .arg(to.x(), 0, 'g', 17)
-            .arg(to.y(), 0, 'g', 17)
+            .arg(isErasing ? QStringLiteral("erase") : QStringLiteral("paint"),
+                 isDab ? QStringLiteral("dab") : QStringLiteral("segment"), QString::number(size),
+                 number(from.x()), number(from.y()), number(to.x()), number(to.y()))
             .toLatin1();
     }
 };

@@ -75,10 +75,17 @@ private:
 
 namespace {
 
-const QStringList ArtA = {"##......", "##......", "........", "...###..",
-                          "...###..", "...###..", "........", "........"};
-const QStringList ArtB = {"#.......", "#.......", "........", "....#...",
-                          "........", "........", "........", ".......#"};
+QStringList ArtA()
+{
+    return {"##......", "##......", "........", "...###..",
+            "...###..", "...###..", "........", "........"};
+}
+
+QStringList ArtB()
+{
+    return {"#.......", "#.......", "........", "....#...",
+            "........", "........", "........", ".......#"};
+}
 
 } // namespace
 
@@ -88,8 +95,8 @@ void CustomLayerTest::init()
     m_project = std::make_unique<ProjectFixture>(QSize(8, 8), QSize(8, 8));
     m_log = std::make_unique<LogSpy>();
     m_layers = std::make_unique<LayerList>();
-    m_a = AddLayer(MaskFromArt(ArtA));
-    m_b = AddLayer(MaskFromArt(ArtB));
+    m_a = AddLayer(MaskFromArt(ArtA()));
+    m_b = AddLayer(MaskFromArt(ArtB()));
 }
 
 void CustomLayerTest::cleanup()
@@ -243,8 +250,8 @@ void CustomLayerTest::setOperationsAreEvaluated_data()
 {
     QTest::addColumn<QString>("code");
     QTest::addColumn<QImage>("expected");
-    const QImage a = MaskFromArt(ArtA);
-    const QImage b = MaskFromArt(ArtB);
+    const QImage a = MaskFromArt(ArtA());
+    const QImage b = MaskFromArt(ArtB());
     QTest::newRow("complement") << "!(A)" << raster::Complement(a);
     QTest::newRow("union") << "+(A)(B)" << raster::Union(a, b);
     QTest::newRow("intersection") << ".(A)(B)" << raster::Intersection(a, b);
@@ -263,7 +270,7 @@ void CustomLayerTest::morphologyIsEvaluated_data()
 {
     QTest::addColumn<QString>("code");
     QTest::addColumn<QImage>("expected");
-    const QImage a = MaskFromArt(ArtA);
+    const QImage a = MaskFromArt(ArtA());
     QTest::newRow("erosion") << "e(A:1)" << raster::Erode(a, 1);
     QTest::newRow("dilation") << "d(A:2)" << raster::Dilate(a, 2);
     QTest::newRow("opening") << "o(A:1)" << raster::Open(a, 1);
@@ -431,9 +438,9 @@ void CustomLayerTest::aCodeReplacesTheImage()
     const quint64 revision = m_b->PictureRevision();
     QVERIFY(m_b->SetCode(Code("!(A)")));
     QCOMPARE(m_b->Code(), Code("!(A)"));
-    QCOMPARE(m_b->Image(), raster::Complement(MaskFromArt(ArtA)));
+    QCOMPARE(m_b->Image(), raster::Complement(MaskFromArt(ArtA())));
     QVERIFY(m_b->PictureRevision() != revision);
-    QCOMPARE(ArtFromMask(m_a->Image()), ArtA);
+    QCOMPARE(ArtFromMask(m_a->Image()), ArtA());
 }
 
 void CustomLayerTest::anEqualCodeChangesNothing()
@@ -470,10 +477,10 @@ void CustomLayerTest::aCodeThatEvaluatesToNothingChangesNothing()
 void CustomLayerTest::aLayerWithoutAListHasNoCode()
 {
     Layer layer(0, 0, nullptr, "alone");
-    layer.SetImage(MaskFromArt(ArtA), Qt::white);
+    layer.SetImage(MaskFromArt(ArtA()), Qt::white);
     QVERIFY(!layer.SetCode(Code("!(A)")));
     QCOMPARE(layer.Code(), QString());
-    QCOMPARE(ArtFromMask(layer.Image()), ArtA);
+    QCOMPARE(ArtFromMask(layer.Image()), ArtA());
 }
 
 void CustomLayerTest::theLayerMayGoWhileAMessageIsShown()

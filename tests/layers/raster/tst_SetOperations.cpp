@@ -37,8 +37,15 @@ namespace {
 
 using Operation = QImage (*)(const QImage&, const QImage&);
 
-const QStringList A = {"##..", "##.."};
-const QStringList B = {"#.#.", "#.#."};
+QStringList ArtA()
+{
+    return {"##..", "##.."};
+}
+
+QStringList ArtB()
+{
+    return {"#.#.", "#.#."};
+}
 
 uchar Literal(Operation operation, uchar a, uchar b)
 {
@@ -63,8 +70,8 @@ void SetOperationsTest::masksAreCombined_data()
 {
     QTest::addColumn<QImage>("result");
     QTest::addColumn<QString>("row");
-    const QImage a = MaskFromArt(A);
-    const QImage b = MaskFromArt(B);
+    const QImage a = MaskFromArt(ArtA());
+    const QImage b = MaskFromArt(ArtB());
     QTest::newRow("complement") << Complement(a) << "..##";
     QTest::newRow("union") << Union(a, b) << "###.";
     QTest::newRow("intersection") << Intersection(a, b) << "#...";
@@ -139,9 +146,9 @@ void SetOperationsTest::foreignStridesAreServed()
 
 void SetOperationsTest::resultsKeepTheFirstMasksColours()
 {
-    QImage a = MaskFromArt(A);
+    QImage a = MaskFromArt(ArtA());
     a.setColor(0, qRgb(1, 2, 3));
-    const QImage b = MaskFromArt(B);
+    const QImage b = MaskFromArt(ArtB());
     for (const QImage& result :
          {Complement(a), Union(a, b), Intersection(a, b), Difference(a, b)}) {
         QCOMPARE(result.format(), QImage::Format_Indexed8);
@@ -151,13 +158,13 @@ void SetOperationsTest::resultsKeepTheFirstMasksColours()
 
 void SetOperationsTest::operandsStayAsTheyAre()
 {
-    const QImage a = MaskFromArt(A);
-    const QImage b = MaskFromArt(B);
+    const QImage a = MaskFromArt(ArtA());
+    const QImage b = MaskFromArt(ArtB());
     Complement(a);
     Union(a, b);
     Difference(a, b);
-    QCOMPARE(ArtFromMask(a), A);
-    QCOMPARE(ArtFromMask(b), B);
+    QCOMPARE(ArtFromMask(a), ArtA());
+    QCOMPARE(ArtFromMask(b), ArtB());
 }
 
 void SetOperationsTest::otherGeometriesGiveNull_data()
@@ -172,7 +179,7 @@ void SetOperationsTest::otherGeometriesGiveNull_data()
 void SetOperationsTest::otherGeometriesGiveNull()
 {
     QFETCH(QImage, other);
-    const QImage mask = MaskFromArt(A);
+    const QImage mask = MaskFromArt(ArtA());
     for (const Operation operation : {Union, Intersection, Difference}) {
         QVERIFY(operation(mask, other).isNull());
         QVERIFY(operation(other, mask).isNull());

@@ -89,7 +89,8 @@ void tst_GroupBoxColor::FitsItsSize()
     box.SetColor(255, qRgb(0, 0, 0));
     box.show();
     const QRect contents = box.contentsRect();
-    for (const auto* child : box.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+    const auto children = box.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    for (const auto* child : children) {
         QVERIFY2(contents.contains(child->geometry()), qPrintable(child->objectName()));
         QVERIFY(child->width() >= child->minimumSizeHint().width());
         QVERIFY(child->height() >= child->minimumSizeHint().height());
