@@ -3,6 +3,7 @@
 #include "app/ProjectSettings.h"
 #include "layers/CustomLayer.h"
 
+#include <QPointer>
 #include <QThread>
 
 #include <memory>
@@ -18,26 +19,24 @@ CustomLayerWorker::CustomLayerWorker(QObject* parent)
 void CustomLayerWorker::ComputePreview(const LayerList* layerList, const QString& code,
                                        QSize previewSize)
 {
-    Enqueue([this, layerList, code, previewSize] {
-        QImage preview;
-        if (layerList) {
-            preview = Evaluate(*layerList, code, previewSize.width(), previewSize.height());
-        }
-        emit PreviewComputationFinished(preview);
-    });
+    const auto evaluate = [layerList, code, previewSize] {
+        return layerList ? Evaluate(*layerList, code, previewSize.width(), previewSize.height())
+                         : QImage();
+    };
+    Enqueue({evaluate, &CustomLayerWorker::PreviewComputationFinished});
 }
 
 void CustomLayerWorker::ComputeLayer(const LayerList* layerList, const QString& code,
                                      Layer* layerToModify)
 {
-    Enqueue([this, layerList, code, layerToModify] {
-        QImage image;
-        if (layerList && !code.isEmpty()) {
-            image = layerToModify ? ModifyLayer(layerToModify, code)
-                                  : EvaluateAtLayerSize(*layerList, code);
+    const auto evaluate = [this, layerList, code, layerToModify] {
+        if (!layerList || code.isEmpty()) {
+            return QImage();
         }
-        emit LayerComputationFinished(image);
-    });
+        return layerToModify ? ModifyLayer(layerToModify, code)
+                             : EvaluateAtLayerSize(*layerList, code);
+    };
+    Enqueue({evaluate, &CustomLayerWorker::LayerComputationFinished});
 }
 
 void CustomLayerWorker::Enqueue(const Request& request)
@@ -49,11 +48,18 @@ void CustomLayerWorker::Enqueue(const Request& request)
     }
 }
 
+/// Messages and reports run foreign code, which may delete this worker on its own thread.
 void CustomLayerWorker::RunNext()
 {
+    const QPointer<CustomLayerWorker> self(this);
     const Request request = m_waiting.takeFirst();
-    request();
-    Release();
+    const QImage image = request.evaluate();
+    if (self) {
+        emit(this->*request.report)(image);
+    }
+    if (self) {
+        Release();
+    }
 }
 
 /// Leaves the next request to the event loop, which a thread that is to end does not return to.

@@ -38,7 +38,12 @@ signals:
     void LayerComputationFinished(QImage image);
 
 private:
-    using Request = std::function<void()>;
+    struct Request
+    {
+        /// Logs only when the result is null; after that this worker may be gone.
+        std::function<QImage()> evaluate;
+        void (CustomLayerWorker::*report)(QImage image);
+    };
 
     void Enqueue(const Request& request);
     void RunNext();

@@ -10,8 +10,10 @@
 #include "tests/support/OrderedEvents.h"
 #include "tests/support/ProjectFixture.h"
 
+#include <QPointer>
 #include <QSignalSpy>
 #include <QThread>
+#include <QTimer>
 #include <QWidget>
 #include <QtTest>
 
@@ -112,6 +114,8 @@ private slots:
     void aRequestReadsWhatTheOneBeforeItChanged();
     void aRequestWaitsWhileAnotherShowsAMessage();
     void requestsLeftAtTheEndAreDropped();
+    void aWorkerMayGoWhileItShowsAMessage();
+    void aWorkerMayGoWhileItReports();
     void thePictureIsPaintedWhileTheWorkerWrites();
 
 private:
@@ -400,6 +404,27 @@ void CustomLayerWorkerTest::requestsLeftAtTheEndAreDropped()
     QCoreApplication::processEvents();
     QCOMPARE(m_a->Image(), MaskA());
     QCOMPARE(m_a->Code(), QString());
+}
+
+void CustomLayerWorkerTest::aWorkerMayGoWhileItShowsAMessage()
+{
+    auto* worker = new CustomLayerWorker;
+    QSignalSpy finished(worker, &CustomLayerWorker::LayerComputationFinished);
+    const QPointer<CustomLayerWorker> alive(worker);
+    QTimer::singleShot(0, [worker] { delete worker; });
+    worker->ComputeLayer(m_layers.get(), "?( )", nullptr);
+    QVERIFY(!alive);
+    QCOMPARE(finished.size(), 0);
+}
+
+void CustomLayerWorkerTest::aWorkerMayGoWhileItReports()
+{
+    auto* worker = new CustomLayerWorker;
+    const QPointer<CustomLayerWorker> alive(worker);
+    connect(worker, &CustomLayerWorker::LayerComputationFinished, worker,
+            [worker] { delete worker; });
+    worker->ComputeLayer(m_layers.get(), Code("!(A)"), nullptr);
+    QVERIFY(!alive);
 }
 
 void CustomLayerWorkerTest::thePictureIsPaintedWhileTheWorkerWrites()
