@@ -118,6 +118,23 @@ QImage Checkerboard(int size)
     return MakeMask(size, [](int x, int y) { return (x + y) % 2 * 255; });
 }
 
+/// Noise with long gaps in each row.
+QImage HalfNoise(int size)
+{
+    std::mt19937 random(1);
+    return MakeMask(size, [&](int x, int) { return x % 200 < 150 ? random() % 2 * 255 : 0; });
+}
+
+QImage HalfCheckerboard(int size)
+{
+    return MakeMask(size, [size](int x, int y) { return x < size / 2 ? (x + y) % 2 * 255 : 0; });
+}
+
+QImage Lines(int size)
+{
+    return MakeMask(size, [](int x, int) { return x % 26 == 0 ? 255 : 0; });
+}
+
 struct NamedMask
 {
     std::string name;
@@ -149,6 +166,9 @@ std::vector<NamedMask> Masks(int size)
     return {{"natural", NaturalShapes(size)},
             {"noise", RandomMask(size, 2)},
             {"checkerboard", Checkerboard(size)},
+            {"half_noise", HalfNoise(size)},
+            {"half_checkerboard", HalfCheckerboard(size)},
+            {"lines", Lines(size)},
             {"full", raster::Complement(raster::BlankMask({size, size}))},
             {"empty", MakeMask(size, [](int, int) { return 0; })}};
 }

@@ -1,5 +1,6 @@
 #include "layers/raster/ReachSweep.h"
 
+#include "layers/raster/EdgeStack.h"
 #include "layers/raster/Mask.h"
 #include "layers/raster/RowReach.h"
 #include "layers/raster/WideVectors.h"
@@ -78,19 +79,21 @@ void SweepBytes(const QImage& mask, const DiscShape& disc, uchar flip, QImage& r
     }
 }
 
-/// For a longer reach, which the sweep upward finds once more from what the rows remember: that is
-/// faster than to keep it, and takes less memory.
+/// For a longer reach, which the sweep upward finds once more, from the edges of the rows where
+/// there was room for them: that is faster than to keep it, and takes less memory.
 template <typename T>
 QUILLMAP_WIDE_VECTORS void SweepTwice(const QImage& mask, const DiscShape& disc, uchar flip,
                                       QImage& result)
 {
     const int width = mask.width();
     RowReach<T> row(disc, mask.size());
+    EdgeStack remembered(mask.size());
     std::vector<T> reach(static_cast<std::size_t>(width));
     for (int y = 0; y < mask.height(); ++y) {
         Prefetch(mask, y + RowsAhead);
         Prefetch(result, y + RowsAhead);
-        const T* own = row.Remember(mask.constScanLine(y), flip);
+        const T* own = row.Of(mask.constScanLine(y), flip);
+        remembered.Push(row.Edges());
         Advance(
             width, reach.data(), result.scanLine(y), [own](int x, uchar) { return own[x]; },
             [](T here, uchar) { return ToPixel(here); });
@@ -98,7 +101,8 @@ QUILLMAP_WIDE_VECTORS void SweepTwice(const QImage& mask, const DiscShape& disc,
     std::fill(reach.begin(), reach.end(), T(0));
     for (int y = mask.height() - 1; y >= 0; --y) {
         Prefetch(result, y - RowsAhead);
-        const T* own = row.Recall(mask.constScanLine(y), flip);
+        const EdgeStack::Edges edges = remembered.Pop();
+        const T* own = edges.IsEmpty() ? row.Of(mask.constScanLine(y), flip) : row.Of(edges);
         Advance(
             width, reach.data(), result.scanLine(y), [own](int x, uchar) { return own[x]; },
             [flip](T here, uchar above) -> uchar { return (ToPixel(here) | above) ^ flip; });

@@ -1,5 +1,7 @@
 #include "layers/raster/RowReach.h"
 
+#include "layers/raster/WideVectors.h"
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -11,8 +13,9 @@ namespace {
 constexpr int FarDistance = 15;
 /// Marks a distance that is not known (yet); the largest step added to it still fits a byte.
 constexpr uchar UnknownDistance = 128;
-/// A row whose runs and gaps are shorter on average is busy.
-constexpr int BusyRunLength = 24;
+/// A row is busy whose runs, each with the gap before it, are shorter on average: below that their
+/// ends cost more to find and to fill around than distances for all pixels.
+constexpr int BusyPeriod = 32;
 constexpr int RunsBeforeJudging = 8;
 
 /// The first index from start on that holds value, or width.
@@ -23,28 +26,33 @@ int Find(const uchar* pixels, int start, int width, uchar value)
     return found ? static_cast<int>(static_cast<const uchar*>(found) - pixels) : width;
 }
 
-/// Lets distances of up to twice step spread from either side.
-void SpreadDistances(const uchar* from, int width, int step, uchar* __restrict to)
-{
-    for (int x = 0; x < width; ++x) {
-        const auto beside = std::min(from[x - step], from[x + step]);
-        to[x] = std::min(from[x], static_cast<uchar>(beside + step));
-    }
-}
-
-uchar Largest(const uchar* values, int count)
+/// Lets distances of up to twice step spread from either side. Gives the largest that is left.
+QUILLMAP_WIDE_VECTORS
+uchar SpreadDistances(const uchar* from, int width, int step, uchar* __restrict to)
 {
     uchar largest = 0;
-    for (int i = 0; i < count; ++i) {
-        largest = std::max(largest, values[i]);
+    for (int x = 0; x < width; ++x) {
+        const auto beside = std::min(from[x - step], from[x + step]);
+        const auto nearest = std::min(from[x], static_cast<uchar>(beside + step));
+        to[x] = nearest;
+        largest = std::max(largest, nearest);
     }
     return largest;
 }
 
+QUILLMAP_WIDE_VECTORS
 void AddFrom(const uchar* distances, int width, int distance, uchar drop, uchar* __restrict drops)
 {
     for (int x = 0; x < width; ++x) {
         drops[x] += static_cast<uchar>(distances[x] >= distance ? drop : 0);
+    }
+}
+
+template <typename T>
+QUILLMAP_WIDE_VECTORS void Subtract(T top, const uchar* drops, int width, T* __restrict reach)
+{
+    for (int x = 0; x < width; ++x) {
+        reach[x] = static_cast<T>(top - drops[x]);
     }
 }
 
@@ -66,6 +74,7 @@ RowReach<T>::RowReach(const DiscShape& disc, QSize picture)
     , m_nearer(m_distances.size())
     , m_reach(static_cast<std::size_t>(picture.width()))
 {
+    Q_ASSERT(m_radius > FarDistance);
     for (int distance = 0; distance <= m_radius; ++distance) {
         const int rows = std::min(disc.HalfChord(distance), picture.height() - 1) + 1;
         m_outward[static_cast<std::size_t>(distance)] = static_cast<T>(rows);
@@ -76,60 +85,29 @@ RowReach<T>::RowReach(const DiscShape& disc, QSize picture)
 template <typename T>
 const T* RowReach<T>::Of(const uchar* pixels, uchar flip)
 {
-    const T* reach = Remember(pixels, flip);
-    m_edges.resize(m_remembered.back());
-    m_remembered.pop_back();
-    return reach;
-}
-
-template <typename T>
-const T* RowReach<T>::Remember(const uchar* pixels, uchar flip)
-{
     const auto set = static_cast<uchar>(~flip);
-    const std::size_t firstEdge = m_edges.size();
-    m_remembered.push_back(firstEdge);
-    // A busy row is mostly followed by another one.
-    if (m_isBusy || !FindRuns(pixels, set, false)) {
-        m_edges.resize(firstEdge);
-        m_isBusy = FillByDistances(pixels, set);
-        if (m_isBusy) {
-            return m_reach.data();
-        }
-        FindRuns(pixels, set, true);
+    if (FindRuns(pixels, set)) {
+        return Of(EdgeStack::Edges{m_edges.data(), m_edges.data() + m_edges.size()});
     }
-    FillByRuns(firstEdge);
-    if (m_edges.size() - firstEdge > static_cast<std::size_t>(m_width / 8)) {
-        m_edges.resize(firstEdge);
-    }
-    return m_reach.data();
-}
-
-template <typename T>
-const T* RowReach<T>::Recall(const uchar* pixels, uchar flip)
-{
-    const std::size_t firstEdge = m_remembered.back();
-    m_remembered.pop_back();
-    if (firstEdge == m_edges.size()) {
-        return Of(pixels, flip);
-    }
-    FillByRuns(firstEdge);
-    m_edges.resize(firstEdge);
+    m_edges.clear();
+    FillByDistances(pixels, set);
     return m_reach.data();
 }
 
 /// Natural shapes have a few long runs in a row. False when the runs turn out to be too short for
-/// that and it is not patient.
+/// that.
 template <typename T>
-bool RowReach<T>::FindRuns(const uchar* pixels, uchar set, bool isPatient)
+bool RowReach<T>::FindRuns(const uchar* pixels, uchar set)
 {
+    m_edges.clear();
     int judgedAt = 0;
     for (int gap = 0, runs = 1; gap < m_width; ++runs) {
         const int run = Find(pixels, gap, m_width, set);
         gap = Find(pixels, run, m_width, static_cast<uchar>(~set));
         m_edges.push_back(run);
         m_edges.push_back(gap);
-        if (!isPatient && runs % RunsBeforeJudging == 0) {
-            if (gap - judgedAt < RunsBeforeJudging * BusyRunLength) {
+        if (runs % RunsBeforeJudging == 0) {
+            if (gap - judgedAt < RunsBeforeJudging * BusyPeriod) {
                 return false;
             }
             judgedAt = gap;
@@ -140,16 +118,17 @@ bool RowReach<T>::FindRuns(const uchar* pixels, uchar set, bool isPatient)
 
 /// The insides of runs are one value, and their surroundings are copied.
 template <typename T>
-void RowReach<T>::FillByRuns(std::size_t firstEdge)
+const T* RowReach<T>::Of(EdgeStack::Edges edges)
 {
     T* reach = m_reach.data();
     int gap = 0;
-    for (std::size_t edge = firstEdge; edge < m_edges.size(); edge += 2) {
-        const int run = m_edges[edge];
+    for (const int* edge = edges.begin; edge != edges.end; edge += 2) {
+        const int run = edge[0];
         FillGap(reach + gap, run - gap, gap > 0, run < m_width);
-        gap = m_edges[edge + 1];
+        gap = edge[1];
         std::fill(reach + run, reach + gap, m_outward.front());
     }
+    return reach;
 }
 
 /// Fills the clear pixels between two runs, of which the picture's edges may cut off either.
@@ -165,9 +144,9 @@ void RowReach<T>::FillGap(T* reach, int length, bool hasLeft, bool hasRight) con
 }
 
 /// For rows of many short runs: the distance to the nearest set pixel, from both sides in steps of
-/// powers of two, and from it the value. False when some pixel is too far from any set one.
+/// powers of two, and from it the value. The middles of gaps that are longer than that remain.
 template <typename T>
-bool RowReach<T>::FillByDistances(const uchar* pixels, uchar set)
+void RowReach<T>::FillByDistances(const uchar* pixels, uchar set)
 {
     constexpr int margin = FarDistance + 1;
     const int width = m_width;
@@ -180,27 +159,37 @@ bool RowReach<T>::FillByDistances(const uchar* pixels, uchar set)
     }
     int farthest = UnknownDistance;
     for (int step = 1; step <= FarDistance && farthest > FarDistance; step *= 2) {
-        SpreadDistances(distances, width, step, nearer);
+        farthest = SpreadDistances(distances, width, step, nearer);
         std::swap(distances, nearer);
-        farthest = Largest(distances, width);
-    }
-    if (farthest > FarDistance) {
-        return false;
     }
     uchar* drops = nearer;
     std::fill_n(drops, width, uchar(0));
-    for (int distance = 1; distance <= farthest; ++distance) {
+    for (int distance = 1; distance <= std::min(farthest, FarDistance); ++distance) {
         const auto index = static_cast<std::size_t>(distance);
-        const int here = distance <= m_radius ? m_outward[index] : 0;
-        const int before = distance <= m_radius + 1 ? m_outward[index - 1] : 0;
-        if (here != before) {
-            AddFrom(distances, width, distance, static_cast<uchar>(before - here), drops);
+        const int drop = m_outward[index - 1] - m_outward[index];
+        if (drop != 0) {
+            AddFrom(distances, width, distance, static_cast<uchar>(drop), drops);
         }
     }
-    const T top = m_outward.front();
-    std::transform(drops, drops + width, m_reach.begin(),
-                   [top](uchar drop) { return static_cast<T>(top - drop); });
-    return true;
+    Subtract(m_outward.front(), drops, width, m_reach.data());
+    if (farthest > FarDistance) {
+        FillUnknown(distances);
+    }
+}
+
+/// What is too far from a set pixel on either side has known distances up to FarDistance around it,
+/// except at the picture's edges: with these it is a gap.
+template <typename T>
+void RowReach<T>::FillUnknown(const uchar* distances)
+{
+    int first = Find(distances, 0, m_width, UnknownDistance);
+    while (first < m_width) {
+        const int end = Find(distances, first, m_width, FarDistance);
+        const int gap = first > 0 ? first - FarDistance : 0;
+        const int run = end < m_width ? end + FarDistance : m_width;
+        FillGap(m_reach.data() + gap, run - gap, gap > 0, run < m_width);
+        first = Find(distances, end, m_width, UnknownDistance);
+    }
 }
 
 template class RowReach<uchar>;

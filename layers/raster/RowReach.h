@@ -1,5 +1,6 @@
 #pragma once
 
+#include "layers/raster/EdgeStack.h"
 #include "layers/raster/StructuringElement.h"
 
 #include <QSize>
@@ -19,32 +20,30 @@ public:
     /// True when T is wide enough.
     static bool Holds(const DiscShape& disc, QSize picture);
 
+    /// The disc's radius is more than 15.
     RowReach(const DiscShape& disc, QSize picture);
 
     /// The values of a row of 0 and 255, valid until the next call. flip: 0 or 255, inverts what is
     /// read.
     const T* Of(const uchar* pixels, uchar flip);
-    /// The same, and keeps what Recall needs: at most half a byte a pixel.
-    const T* Remember(const uchar* pixels, uchar flip);
-    /// The values of the row remembered last, which it forgets.
-    const T* Recall(const uchar* pixels, uchar flip);
+    /// The first set pixel and the first clear one in turn of that row; empty where its runs are
+    /// too short for them to be of use.
+    const std::vector<int>& Edges() const { return m_edges; }
+    /// The values of the row that has these edges, of which there are some.
+    const T* Of(EdgeStack::Edges edges);
 
 private:
-    bool FindRuns(const uchar* pixels, uchar set, bool isPatient);
-    void FillByRuns(std::size_t firstEdge);
+    bool FindRuns(const uchar* pixels, uchar set);
     void FillGap(T* reach, int length, bool hasLeft, bool hasRight) const;
-    bool FillByDistances(const uchar* pixels, uchar set);
+    void FillByDistances(const uchar* pixels, uchar set);
+    void FillUnknown(const uchar* distances);
 
     int m_width;
     int m_radius;
-    bool m_isBusy = false;
     /// The values by their distance from the nearest set pixel, 0 to m_radius, and backwards.
     std::vector<T> m_outward;
     std::vector<T> m_inward;
-    /// The first set pixel and the first clear one in turn, of the row and of the remembered ones
-    /// before it, and where each of those begins.
     std::vector<int> m_edges;
-    std::vector<std::size_t> m_remembered;
     std::vector<uchar> m_distances;
     std::vector<uchar> m_nearer;
     std::vector<T> m_reach;

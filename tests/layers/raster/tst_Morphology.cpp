@@ -6,6 +6,7 @@
 
 #include "tests/support/LiteralMorphology.h"
 #include "tests/support/Masks.h"
+#include "tests/support/MemoryLimit.h"
 #include "tests/support/Random.h"
 
 #include <QtTest>
@@ -57,10 +58,12 @@ private slots:
     void openAndCloseAreTheirSteps();
     void floatsAreComparedAtLargeRadii();
     void veryHighMasksAreServed();
+    void sweepsDoWithoutMemoryForEdges();
 };
 
 namespace {
 
+constexpr quint64 Mebibyte = quint64(1) << 20;
 constexpr float NotANumber = std::numeric_limits<float>::quiet_NaN();
 constexpr float Infinity = std::numeric_limits<float>::infinity();
 
@@ -85,6 +88,10 @@ enum class Content
     Sparse,
     Blocks,
     Grey,
+    /// Noise and long gaps in the same row.
+    HalfNoise,
+    /// Lines whose distance is near that at which a row counts as busy.
+    Lines,
     Even,
 };
 
@@ -99,6 +106,10 @@ uchar RandomPixel(Random& random, Content content, int x, int y)
         return ((x / 7 + y / 5) % 3) != 0 ? 0 : 255;
     case Content::Grey:
         return static_cast<uchar>(random.Below(256));
+    case Content::HalfNoise:
+        return x % 100 < 50 && random.Below(2) != 0 ? 255 : 0;
+    case Content::Lines:
+        return x % (26 + y % 12) == 0 ? 255 : 0;
     case Content::Even:
         break;
     }
@@ -107,7 +118,7 @@ uchar RandomPixel(Random& random, Content content, int x, int y)
 
 QImage RandomContent(Random& random, QSize size)
 {
-    const auto content = static_cast<Content>(random.Below(5));
+    const auto content = static_cast<Content>(random.Below(7));
     QImage mask = BlankMask(size);
     for (int y = 0; y < size.height(); ++y) {
         uchar* row = mask.scanLine(y);
@@ -438,6 +449,22 @@ void MorphologyTest::veryHighMasksAreServed()
             QCOMPARE(isSet, literal::IsInDisc(33000, x, y - 100));
         }
     }
+}
+
+void MorphologyTest::sweepsDoWithoutMemoryForEdges()
+{
+    QImage mask = BlankMask({8192, 4100});
+    for (int y = 0; y < mask.height(); ++y) {
+        uchar* row = mask.scanLine(y);
+        for (int x = y % 7; x < mask.width(); x += 40) {
+            row[x] = raster::MaskSet;
+        }
+    }
+    mask = Complement(mask);
+    const QImage eroded = Erode(mask, 300);
+    // The result, and a quarter of a byte a pixel.
+    const MemoryLimit limit(44 * Mebibyte);
+    QCOMPARE(Erode(mask, 300), eroded);
 }
 
 QTEST_APPLESS_MAIN(MorphologyTest)
