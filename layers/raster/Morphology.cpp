@@ -8,6 +8,7 @@
 #include "layers/raster/StructuringElement.h"
 
 #include <algorithm>
+#include <new>
 
 namespace raster {
 namespace {
@@ -80,8 +81,21 @@ QImage DilateByOffsetsOrDisc(const QImage& mask, const QVector<QPoint>& offsets,
     if (!IsIndexed(mask)) {
         return {};
     }
-    const auto disc = DiscShape::FromOffsets(offsets, mask.size());
-    return disc ? DilateByDisc(mask, *disc, flip) : DilateByOffsets(mask, offsets, flip);
+    try {
+        const auto disc = DiscShape::FromOffsets(offsets, mask.size());
+        return disc ? DilateByDisc(mask, *disc, flip) : DilateByOffsets(mask, offsets, flip);
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
+
+QImage DilateByRadius(const QImage& mask, float discRadius, uchar flip)
+{
+    try {
+        return DilateByDisc(mask, DiscShape(discRadius, mask.size()), flip);
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
 }
 
 } // namespace
@@ -108,12 +122,12 @@ QImage Close(const QImage& mask, const QVector<QPoint>& offsets)
 
 QImage Dilate(const QImage& mask, float discRadius)
 {
-    return DilateByDisc(mask, DiscShape(discRadius, mask.size()), DilateFlip);
+    return DilateByRadius(mask, discRadius, DilateFlip);
 }
 
 QImage Erode(const QImage& mask, float discRadius)
 {
-    return DilateByDisc(mask, DiscShape(discRadius, mask.size()), ErodeFlip);
+    return DilateByRadius(mask, discRadius, ErodeFlip);
 }
 
 QImage Open(const QImage& mask, float discRadius)

@@ -59,6 +59,8 @@ private slots:
     void floatsAreComparedAtLargeRadii();
     void veryHighMasksAreServed();
     void sweepsDoWithoutMemoryForEdges();
+    void withoutMemoryTheResultIsNull_data();
+    void withoutMemoryTheResultIsNull();
 };
 
 namespace {
@@ -465,6 +467,29 @@ void MorphologyTest::sweepsDoWithoutMemoryForEdges()
     // The result, and a quarter of a byte a pixel.
     const MemoryLimit limit(44 * Mebibyte);
     QCOMPARE(Erode(mask, 300), eroded);
+}
+
+void MorphologyTest::withoutMemoryTheResultIsNull_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<float>("discRadius");
+    QTest::newRow("no memory for the result") << QSize(8192, 8192) << 40.0F;
+    // What is checked is a bit for each offset of the square around the disc.
+    QTest::newRow("no memory to recognise a disc") << QSize(16, 16) << 2500.0F;
+}
+
+void MorphologyTest::withoutMemoryTheResultIsNull()
+{
+    QFETCH(QSize, size);
+    QFETCH(float, discRadius);
+    const QImage mask = WithPixel(size, {1, 1});
+    const QVector<QPoint> offsets = Disc(discRadius);
+#ifdef __SANITIZE_ADDRESS__
+    QSKIP("The sanitizer ends the program when there is no memory.");
+#endif
+    const MemoryLimit limit(Mebibyte);
+    QVERIFY(Dilate(mask, offsets).isNull());
+    QVERIFY(Close(mask, offsets).isNull());
 }
 
 QTEST_APPLESS_MAIN(MorphologyTest)
