@@ -59,7 +59,9 @@ QImage Unfilled(const QImage& image)
 {
     const bool isLargeMask =
         image.format() == QImage::Format_Indexed8 && image.sizeInBytes() > LargestKeptBlock;
-    return isLargeMask ? BlankMask(image.size()) : QImage(image.size(), image.format());
+    // Layers are no longer than masks, but other pictures may be.
+    const QImage mask = isLargeMask ? BlankMask(image.size()) : QImage();
+    return mask.isNull() ? QImage(image.size(), image.format()) : mask;
 }
 
 } // namespace

@@ -31,6 +31,7 @@ private slots:
     void otherGeometriesGiveNull_data();
     void otherGeometriesGiveNull();
     void theComplementOfNullIsNull();
+    void picturesLongerThanMasksAreServed();
 };
 
 namespace {
@@ -189,6 +190,16 @@ void SetOperationsTest::otherGeometriesGiveNull()
 void SetOperationsTest::theComplementOfNullIsNull()
 {
     QVERIFY(Complement(QImage()).isNull());
+}
+
+void SetOperationsTest::picturesLongerThanMasksAreServed()
+{
+    QImage picture(70000, 600, QImage::Format_Indexed8);
+    picture.fill(raster::MaskSet);
+    const QImage complement = Complement(picture);
+    QCOMPARE(complement.size(), picture.size());
+    QCOMPARE(complement.constScanLine(599)[69999], raster::MaskClear);
+    QCOMPARE(Union(complement, picture), picture);
 }
 
 QTEST_APPLESS_MAIN(SetOperationsTest)
