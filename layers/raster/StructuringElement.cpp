@@ -103,12 +103,10 @@ bool AreDistinct(const QVector<QPoint>& offsets, int radius)
 
 QVector<QPoint> Disc(float radius)
 {
-    if (radius > MaxListedRadius) {
-        return {};
-    }
     constexpr auto longest = static_cast<int>(MaxListedRadius);
     const quint64 limit = SquareOfDiagonal(QSize(longest, longest));
-    const std::vector<int> halfChords = HalfChords(LargestSquare(radius, limit), longest);
+    const std::vector<int> halfChords =
+        HalfChords(LargestSquare(std::min(radius, MaxListedRadius), limit), longest);
     const int last = static_cast<int>(halfChords.size()) - 1;
     QVector<QPoint> offsets;
     offsets.reserve(static_cast<int>(OffsetCount(halfChords)));
