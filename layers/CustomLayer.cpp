@@ -188,3 +188,9 @@ QImage Evaluate(const LayerList& list, const QString& code, int width, int heigh
     LogError(QStringLiteral("Unsupported operation in code '%1'").arg(code));
     return {};
 }
+
+QImage EvaluateAtLayerSize(const LayerList& list, const QString& code)
+{
+    const QSize size = ProjectSettings::Instance().LayerSize();
+    return Evaluate(list, code, size.width(), size.height());
+}

@@ -7,10 +7,9 @@
 
 class LayerList;
 
-/// How a computed layer is made from other layers of its list. A code names the operation by a
-/// character, its operands by their layer ids and a radius in metres: !(12), -(3)(7), e(5:25).
-
-/// In the order in which the user is offered them.
+/// How a computed layer is made from other layers of its list; in the order in which the user is
+/// offered them. A code names the operation by a character, its operands by their layer ids and a
+/// radius in metres: !(12), -(3)(7), e(5:25).
 enum CustomOperation
 {
     OperationComplement = 0,
@@ -51,3 +50,5 @@ int RadiusFromCode(const QString& code);
 /// a code that cannot be evaluated, which is logged. So whatever was re-entered through a message,
 /// the result is null, and the list is not looked at again.
 QImage Evaluate(const LayerList& list, const QString& code, int width, int height);
+/// The same at the project's layer size.
+QImage EvaluateAtLayerSize(const LayerList& list, const QString& code);

@@ -1,6 +1,5 @@
 #include "layers/CustomLayerWorker.h"
 
-#include "app/ProjectSettings.h"
 #include "layers/CustomLayer.h"
 
 #include <QPointer>
@@ -70,12 +69,6 @@ void CustomLayerWorker::Release()
         ++m_holds;
         QMetaObject::invokeMethod(this, &CustomLayerWorker::RunNext, Qt::QueuedConnection);
     }
-}
-
-QImage CustomLayerWorker::EvaluateAtLayerSize(const LayerList& layerList, const QString& code) const
-{
-    const QSize size = ProjectSettings::Instance().LayerSize();
-    return Evaluate(layerList, code, size.width(), size.height());
 }
 
 /// The layer's image afterwards; null when the code evaluates to nothing.

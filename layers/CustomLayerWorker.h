@@ -48,7 +48,6 @@ private:
     void Enqueue(const Request& request);
     void RunNext();
     void Release();
-    QImage EvaluateAtLayerSize(const LayerList& layerList, const QString& code) const;
     QImage ModifyLayer(Layer* layer, const QString& code);
     void PostChange(LayerList* list, int layerId, const QString& code, const QImage& image);
 

@@ -111,8 +111,7 @@ bool Layer::SetCode(const QString& code)
     if (!m_list) {
         return false;
     }
-    const QSize size = ProjectSettings::Instance().LayerSize();
-    const QImage mask = Evaluate(*m_list, code, size.width(), size.height());
+    const QImage mask = EvaluateAtLayerSize(*m_list, code);
     if (mask.isNull()) {
         return false;
     }
