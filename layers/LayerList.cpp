@@ -29,6 +29,16 @@ LayerList::~LayerList()
     m_model->deleteLater();
 }
 
+bool LayerList::IsEmpty() const
+{
+    for (int row = 0; row < m_model->rowCount(); ++row) {
+        if (LayerAt(row)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 QVector<Layer*> LayerList::Layers() const
 {
     QVector<Layer*> layers;

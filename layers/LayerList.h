@@ -26,7 +26,7 @@ public:
     /// For the views.
     QStandardItemModel* model() const { return m_model; }
 
-    bool IsEmpty() const { return Layers().isEmpty(); }
+    bool IsEmpty() const;
     /// All layers in row order; rows that are no layers are passed over.
     QVector<Layer*> Layers() const;
     /// Null when there is no such row, or no layer in it.
