@@ -31,7 +31,7 @@ public:
     {
         uchar* __restrict bytes = m_bytes.data() + m_margin;
         std::fill_n(bytes, m_length, uchar(0));
-        for (int segment = 0; segment < 8; ++segment) {
+        for (int segment = 0; segment < 8 && SegmentLength(segment) > 0; ++segment) {
             const uchar* from = pixels + segment * m_length;
             const auto bit = static_cast<uchar>(1U << segment);
             const int count = SegmentLength(segment);
@@ -47,7 +47,7 @@ public:
 
     void Unpack(const uchar* bytes, uchar flip, uchar* __restrict pixels) const
     {
-        for (int segment = 0; segment < 8; ++segment) {
+        for (int segment = 0; segment < 8 && SegmentLength(segment) > 0; ++segment) {
             uchar* __restrict to = pixels + segment * m_length;
             const auto bit = static_cast<uchar>(1U << segment);
             const int count = SegmentLength(segment);
