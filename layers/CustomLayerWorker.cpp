@@ -11,8 +11,6 @@
 CustomLayerWorker::CustomLayerWorker(QObject* parent)
     : QObject(parent)
 {
-    qRegisterMetaType<Layer*>();
-    qRegisterMetaType<const LayerList*>();
 }
 
 void CustomLayerWorker::ComputePreview(const LayerList* layerList, const QString& code,
