@@ -1,6 +1,7 @@
 #include "layers/raster/EdgeStack.h"
 
 #include <algorithm>
+#include <new>
 
 namespace raster {
 namespace {
@@ -18,9 +19,9 @@ std::size_t ByteCount(QSize picture)
 
 EdgeStack::EdgeStack(QSize picture)
     : m_capacity(ByteCount(picture) / sizeof(int))
-    , m_memory(m_capacity * sizeof(int))
+    , m_numbers(new (std::nothrow) int[m_capacity])
 {
-    if (m_memory.IsEmpty()) {
+    if (!m_numbers) {
         m_capacity = 0;
     }
 }
@@ -31,7 +32,7 @@ void EdgeStack::Push(const std::vector<int>& edges)
         ++m_rowsWithoutRoom;
         return;
     }
-    int* const top = m_memory.As<int>() + m_size;
+    int* const top = m_numbers.get() + m_size;
     *std::copy(edges.begin(), edges.end(), top) = static_cast<int>(edges.size());
     m_size += edges.size() + 1;
 }
@@ -42,7 +43,7 @@ EdgeStack::Edges EdgeStack::Pop()
         --m_rowsWithoutRoom;
         return {nullptr, nullptr};
     }
-    const int* const end = m_memory.As<int>() + m_size - 1;
+    const int* const end = m_numbers.get() + m_size - 1;
     m_size -= static_cast<std::size_t>(*end) + 1;
     return {end - *end, end};
 }

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "layers/raster/ZeroedMemory.h"
-
 #include <QSize>
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 namespace raster {
@@ -35,7 +34,7 @@ private:
     std::size_t m_size = 0;
     /// Rows pushed after the last one that found room.
     int m_rowsWithoutRoom = 0;
-    ZeroedMemory m_memory;
+    std::unique_ptr<int[]> m_numbers;
 };
 
 } // namespace raster

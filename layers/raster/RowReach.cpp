@@ -16,7 +16,7 @@ constexpr uchar UnknownDistance = 128;
 /// A row is busy whose runs, each with the gap before it, are shorter on average: below that their
 /// ends cost more to find and to fill around than distances for all pixels.
 constexpr int BusyPeriod = 32;
-constexpr int RunsBeforeJudging = 8;
+constexpr int RunsBeforeJudging = 16;
 
 /// The first index from start on that holds value, or width.
 int Find(const uchar* pixels, int start, int width, uchar value)
