@@ -9,9 +9,9 @@ namespace raster {
 /// Each takes a Format_Indexed8 mask and gives one with the same colour table; any other format, a
 /// null image and a lack of memory give a null image. A pixel's neighbours are those at the offsets
 /// from it that lie inside the picture: what lies outside is neither set nor clear. Any indices are
-/// served, but masks of 0 and 255 alone are many times as fast. Scratch memory takes at most half a
-/// byte a pixel and 32 MiB more than a few dozen rows. A disc is recognised among offsets; all
-/// other shapes take time in proportion to the number of their offsets.
+/// served, but masks of 0 and 255 alone are many times as fast. Scratch memory is that of a few
+/// dozen rows and half a byte a pixel, but no more than 32 MiB. A disc is recognised among offsets;
+/// all other shapes take time in proportion to the number of their offsets.
 
 /// The largest index among the neighbours; 0 where there are none.
 QImage Dilate(const QImage& mask, const QVector<QPoint>& offsets);
