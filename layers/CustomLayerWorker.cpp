@@ -80,7 +80,7 @@ QImage CustomLayerWorker::ModifyLayer(Layer* layer, const QString& code)
         return layer->Image();
     }
     const int layerId = layer->Id();
-    const QImage image = EvaluateAtLayerSize(*list, code);
+    QImage image = EvaluateAtLayerSize(*list, code);
     if (!image.isNull()) {
         PostChange(list, layerId, code, image);
     }

@@ -403,7 +403,7 @@ void CustomLayerWorkerTest::aWorkerMayGoWhileItShowsAMessage()
     auto* worker = new CustomLayerWorker;
     QSignalSpy finished(worker, &CustomLayerWorker::LayerComputationFinished);
     const QPointer<CustomLayerWorker> alive(worker);
-    QTimer::singleShot(0, [worker] { delete worker; });
+    QTimer::singleShot(0, worker, [worker] { delete worker; });
     worker->ComputeLayer(m_layers.get(), "?( )", nullptr);
     QVERIFY(!alive);
     QCOMPARE(finished.size(), 0);
