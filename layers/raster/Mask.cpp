@@ -1,5 +1,6 @@
 #include "layers/raster/Mask.h"
 
+#include "layers/raster/LargeBlock.h"
 #include "layers/raster/WideVectors.h"
 #include "layers/raster/ZeroedMemory.h"
 
@@ -51,17 +52,19 @@ QImage BlankMask(QSize size)
 
 namespace {
 
-/// The allocator keeps blocks of up to this size and hands them out again; larger ones come fresh
-/// from the system each time, best in huge pages.
-constexpr qsizetype LargestKeptBlock = qsizetype(32) << 20;
-
 QImage Unfilled(const QImage& image)
 {
-    const bool isLargeMask =
-        image.format() == QImage::Format_Indexed8 && image.sizeInBytes() > LargestKeptBlock;
-    // Layers are no longer than masks, but other pictures may be.
-    const QImage mask = isLargeMask ? BlankMask(image.size()) : QImage();
-    return mask.isNull() ? QImage(image.size(), image.format()) : mask;
+    const int bytesPerLine = (image.width() + 3) & ~3;
+    const qint64 byteCount = qint64(bytesPerLine) * image.height();
+    if (image.format() != QImage::Format_Indexed8 || !LargeBlock::Serves(byteCount)) {
+        return {image.size(), image.format()};
+    }
+    LargeBlock* block = LargeBlock::Take(byteCount);
+    if (!block) {
+        return {};
+    }
+    return {block->Bytes(), image.width(),        image.height(), bytesPerLine,
+            image.format(), LargeBlock::GiveBack, block};
 }
 
 } // namespace

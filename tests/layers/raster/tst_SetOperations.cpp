@@ -31,6 +31,7 @@ private slots:
     void otherGeometriesGiveNull_data();
     void otherGeometriesGiveNull();
     void theComplementOfNullIsNull();
+    void largeResultsKeepToThemselves();
     void picturesLongerThanMasksAreServed();
 };
 
@@ -200,6 +201,24 @@ void SetOperationsTest::picturesLongerThanMasksAreServed()
     QCOMPARE(complement.size(), picture.size());
     QCOMPARE(complement.constScanLine(599)[69999], raster::MaskClear);
     QCOMPARE(Union(complement, picture), picture);
+}
+
+void SetOperationsTest::largeResultsKeepToThemselves()
+{
+    // Above 32 MB the memory of a result that is gone is used again.
+    const QSize size(6001, 6001);
+    const QImage clear = BlankMask(size);
+    QImage first = Complement(clear);
+    const QImage second = Complement(clear);
+    const QImage copyOfFirst = first;
+    first = Complement(second);
+    QCOMPARE(first, clear);
+    QCOMPARE(copyOfFirst, second);
+    first = Union(clear, second);
+    first = Difference(second, clear);
+    QCOMPARE(first, second);
+    QCOMPARE(first.colorTable(), clear.colorTable());
+    QCOMPARE(second.pixelIndex(6000, 6000), 255);
 }
 
 QTEST_APPLESS_MAIN(SetOperationsTest)
