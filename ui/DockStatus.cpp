@@ -1,0 +1,102 @@
+#include "ui/DockStatus.h"
+
+#include "ui_DockStatus.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QMenu>
+#include <QStyledItemDelegate>
+
+/// Gives all lines one size, that of the widest: the list then lays out thousands of them without
+/// measuring each, and still scrolls to the end of the longest.
+class DockStatus::LineDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        const QSize size = QStyledItemDelegate::sizeHint(option, index);
+        return {qMax(size.width(), m_width), size.height()};
+    }
+
+    void MakeRoomFor(const QStyleOptionViewItem& option, const QModelIndex& index)
+    {
+        m_width = sizeHint(option, index).width();
+    }
+
+private:
+    int m_width = 0;
+};
+
+DockStatus::DockStatus(QWidget* parent)
+    : QDockWidget(parent)
+    , m_ui(std::make_unique<Ui::DockStatus>())
+    , m_delegate(new LineDelegate(this))
+{
+    m_ui->setupUi(this);
+    m_ui->messageListView->setItemDelegate(m_delegate);
+    m_ui->messageListView->setModel(&m_model);
+    connect(m_ui->messageListView, &QWidget::customContextMenuRequested, this,
+            &DockStatus::ShowContextMenu);
+}
+
+DockStatus::~DockStatus() = default;
+
+void DockStatus::AddMessage(const QString& content, Log::MessageType type)
+{
+    auto* line = new QStandardItem(content);
+    if (type == Log::Success) {
+        line->setForeground(QBrush(Qt::darkGreen, Qt::SolidPattern));
+    } else if (type == Log::Error) {
+        line->setForeground(QBrush(Qt::red, Qt::SolidPattern));
+    }
+    m_model.appendRow(line);
+    QStyleOptionViewItem option;
+    option.initFrom(m_ui->messageListView);
+    option.font = m_ui->messageListView->font();
+    m_delegate->MakeRoomFor(option, line->index());
+    m_ui->messageListView->scrollToBottom();
+}
+
+void DockStatus::SetBusy()
+{
+    m_ui->pgrStatus->setRange(0, 0);
+    m_ui->pgrStatus->setValue(0);
+    QCoreApplication::processEvents();
+}
+
+/// The spacer takes the bar's place, so that the list keeps its height.
+void DockStatus::SetProgressVisible(bool isVisible)
+{
+    m_ui->pgrStatus->setVisible(isVisible);
+    if (isVisible) {
+        m_ui->spacer->changeSize(0, 0, QSizePolicy::Fixed, QSizePolicy::Fixed);
+    } else {
+        m_ui->spacer->changeSize(1, 1, QSizePolicy::Expanding, QSizePolicy::Fixed);
+    }
+    m_ui->verticalLayout->invalidate();
+    QCoreApplication::processEvents();
+}
+
+bool DockStatus::IsProgressOnScreen() const
+{
+    return m_ui->pgrStatus->isVisible();
+}
+
+void DockStatus::ShowContextMenu(const QPoint& position)
+{
+    QMenu menu(this);
+    menu.addAction(tr("Copy all"), this, &DockStatus::CopyAll);
+    menu.exec(m_ui->messageListView->viewport()->mapToGlobal(position));
+}
+
+void DockStatus::CopyAll() const
+{
+    QStringList lines;
+    lines.reserve(m_model.rowCount());
+    for (int row = 0; row < m_model.rowCount(); ++row) {
+        lines.append(m_model.item(row)->text());
+    }
+    QApplication::clipboard()->setText(lines.join(QLatin1Char('\n')));
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "app/Log.h"
+
+#include <QDockWidget>
+#include <QStandardItemModel>
+
+#include <memory>
+
+namespace Ui {
+class DockStatus;
+}
+
+/// The dock that lists every message since the start, coloured by type, and shows a progress bar
+/// while long work runs.
+class DockStatus : public QDockWidget
+{
+    Q_OBJECT
+
+public:
+    explicit DockStatus(QWidget* parent = nullptr);
+    ~DockStatus() override;
+    Q_DISABLE_COPY(DockStatus)
+
+    /// Lets the progress bar run without an end. Processes events once, like the next.
+    void SetBusy();
+    void SetProgressVisible(bool isVisible);
+    /// Whether the user can see the bar: not while the dock is hidden or behind another.
+    bool IsProgressOnScreen() const;
+
+public slots:
+    /// Appends one line.
+    void AddMessage(const QString& content, Log::MessageType type);
+
+private:
+    void ShowContextMenu(const QPoint& position);
+    void CopyAll() const;
+
+    class LineDelegate;
+
+    std::unique_ptr<Ui::DockStatus> m_ui;
+    QStandardItemModel m_model;
+    LineDelegate* m_delegate;
+};
