@@ -6,7 +6,7 @@
 
 #include <QXmlStreamWriter>
 
-void WriteProjectDocument(QXmlStreamWriter& xml, const ProjectParts& parts)
+int WriteProjectDocument(QXmlStreamWriter& xml, const ProjectParts& parts)
 {
     xml.setAutoFormatting(true);
     xml.writeStartDocument();
@@ -24,8 +24,9 @@ void WriteProjectDocument(QXmlStreamWriter& xml, const ProjectParts& parts)
     if (parts.beforeLayers) {
         parts.beforeLayers();
     }
-    parts.layers.WriteXml(xml);
+    const int failures = parts.layers.WriteXml(xml);
     parts.types.Write(xml);
     xml.writeEndElement();
     xml.writeEndDocument();
+    return failures;
 }

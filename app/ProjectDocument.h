@@ -21,5 +21,6 @@ struct ProjectParts
     const TerritoryTypeList& types;
 };
 
-/// Writes the document, and with it every layer's bitmap below the project's folder.
-void WriteProjectDocument(QXmlStreamWriter& xml, const ProjectParts& parts);
+/// Writes the document, and with it every layer's bitmap below the project's folder. Returns how
+/// many of the bitmaps could not be written.
+int WriteProjectDocument(QXmlStreamWriter& xml, const ProjectParts& parts);

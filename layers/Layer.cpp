@@ -164,7 +164,7 @@ void Layer::setData(const QVariant& value, int role)
     }
 }
 
-void Layer::WriteXml(QXmlStreamWriter& xml) const
+bool Layer::WriteXml(QXmlStreamWriter& xml) const
 {
     xml.writeStartElement(QStringLiteral("layer"));
     xml.writeAttribute(QStringLiteral("usage_flags"), QString::number(m_usageFlags));
@@ -172,8 +172,9 @@ void Layer::WriteXml(QXmlStreamWriter& xml) const
     xml.writeAttribute(QStringLiteral("color"), QString::number(m_color.rgba()));
     xml.writeAttribute(QStringLiteral("visible"), QString::number(m_isVisible ? 1 : 0));
     xml.writeAttribute(QStringLiteral("name"), text());
-    SaveBitmap();
+    const bool isSaved = SaveBitmap();
     xml.writeEndElement();
+    return isSaved;
 }
 
 bool Layer::SaveBitmap() const

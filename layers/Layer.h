@@ -71,8 +71,8 @@ public:
     /// A rename that is no valid name is silently dropped.
     void setData(const QVariant& value, int role = Qt::UserRole + 1) override;
 
-    /// Writes the "layer" element and, before it is closed, the bitmap.
-    void WriteXml(QXmlStreamWriter& xml) const;
+    /// Writes the "layer" element and, before it is closed, the bitmap; false when that failed.
+    bool WriteXml(QXmlStreamWriter& xml) const;
     /// Writes the mask into the project's "layers" folder; logs what came of it.
     bool SaveBitmap() const;
 

@@ -226,20 +226,22 @@ void LayerList::RenameForSaving()
     }
 }
 
-void LayerList::WriteXml(QXmlStreamWriter& xml)
+int LayerList::WriteXml(QXmlStreamWriter& xml)
 {
     RenameForSaving();
     if (IsEmpty()) {
-        return;
+        return 0;
     }
+    int failures = 0;
     xml.writeComment(QStringLiteral("Layers"));
     xml.writeStartElement(QStringLiteral("layers"));
     for (int row = 0; row < m_model->rowCount(); ++row) {
         if (const Layer* layer = LayerAt(row)) {
-            layer->WriteXml(xml);
+            failures += layer->WriteXml(xml) ? 0 : 1;
         }
     }
     xml.writeEndElement();
+    return failures;
 }
 
 bool LayerList::SaveMap(const QString& path) const

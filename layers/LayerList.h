@@ -56,8 +56,8 @@ public:
     bool ReadXml(QXmlStreamReader& xml);
     /// Writes the "layers" element and every layer's bitmap; nothing for an empty list. Layers
     /// whose bitmaps would be written over one another or elsewhere than into the folder are
-    /// renamed first, with a logged error.
-    void WriteXml(QXmlStreamWriter& xml);
+    /// renamed first, with a logged error. Returns how many bitmaps could not be written.
+    int WriteXml(QXmlStreamWriter& xml);
 
     /// Writes the binary area map of all layers, visible or not. Logs its progress and, except for
     /// failed writes, which its callers report, its result.

@@ -1,0 +1,92 @@
+#include "app/BackgroundPicture.h"
+
+#include "app/Log.h"
+#include "app/ProjectSettings.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryFile>
+
+#include <cstdio>
+
+namespace {
+
+bool CopyBytes(QFile& from, QFile& to)
+{
+    constexpr qint64 blockSize = 1 << 20;
+    while (!from.atEnd()) {
+        const QByteArray block = from.read(blockSize);
+        if (block.isEmpty() || to.write(block) != block.size()) {
+            return false;
+        }
+    }
+    return to.flush();
+}
+
+/// Copies under another name first, so that at no time half a picture stands at the place.
+bool CopyIntoPlace(const QString& source, const QString& place)
+{
+    QFile from(source);
+    QTemporaryFile to(place + QStringLiteral(".XXXXXX"));
+    if (!from.open(QIODevice::ReadOnly) || !to.open() || !CopyBytes(from, to)) {
+        return false;
+    }
+    to.setPermissions(from.permissions());
+    const bool isInPlace = std::rename(QFile::encodeName(to.fileName()).constData(),
+                                       QFile::encodeName(place).constData()) == 0;
+    to.setAutoRemove(!isInPlace);
+    return isInPlace;
+}
+
+/// Follows links, as far as the path exists.
+bool IsBelow(const QDir& folder, const QString& path)
+{
+    const QString parent = QFileInfo(path).dir().canonicalPath();
+    const QString root = folder.canonicalPath();
+    return !root.isEmpty() && (parent == root || parent.startsWith(root + QLatin1Char('/')) ||
+                               root == QLatin1String("/"));
+}
+
+bool Exists(const QString& path)
+{
+    const QFileInfo file(path);
+    return file.exists() || file.isSymLink();
+}
+
+/// Whether the picture is at the place afterwards.
+bool Carry(const QString& source, const QDir& folder, const QString& backgroundFile)
+{
+    const QString place = QStringLiteral("%1/%2").arg(folder.absolutePath(), backgroundFile);
+    const QString canonicalSource = QFileInfo(source).canonicalFilePath();
+    if (canonicalSource.isEmpty()) {
+        return false;
+    }
+    if (canonicalSource == QFileInfo(place).canonicalFilePath()) {
+        return true;
+    }
+    if (backgroundFile.contains(QLatin1Char('/'))) {
+        folder.mkpath(backgroundFile.section(QLatin1Char('/'), 0, -2));
+    }
+    if (Exists(place) && !IsBelow(folder, place)) {
+        LogError(QStringLiteral("The background image was not copied to '%1': there is another "
+                                "file, outside the project's folder.")
+                     .arg(place));
+        return false;
+    }
+    return CopyIntoPlace(source, place);
+}
+
+} // namespace
+
+void CarryBackgroundTo(const QDir& folder)
+{
+    ProjectSettings& settings = ProjectSettings::Instance();
+    if (settings.backgroundFile.isEmpty()) {
+        return;
+    }
+    const QString source = settings.BackgroundPath();
+    if (!Carry(source, folder, settings.backgroundFile)) {
+        settings.backgroundFile = folder.relativeFilePath(QFileInfo(source).absoluteFilePath());
+    }
+}

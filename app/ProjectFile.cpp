@@ -1,0 +1,85 @@
+#include "app/ProjectFile.h"
+
+#include "app/BackgroundPicture.h"
+#include "app/Log.h"
+#include "app/OutputFile.h"
+#include "app/ProjectDocument.h"
+#include "app/ProjectSettings.h"
+
+#include <QFileInfo>
+#include <QXmlStreamWriter>
+
+namespace {
+
+/// Where a project lives, to be put back when it cannot move.
+struct Place
+{
+    QString fileName;
+    QString name;
+    QDir dir;
+    QString backgroundFile;
+
+    static Place Current()
+    {
+        const ProjectSettings& settings = ProjectSettings::Instance();
+        return {settings.projectFileName, settings.projectName, settings.projectDir,
+                settings.backgroundFile};
+    }
+
+    void Restore() const
+    {
+        ProjectSettings& settings = ProjectSettings::Instance();
+        settings.projectFileName = fileName;
+        settings.projectName = name;
+        settings.projectDir = dir;
+        settings.backgroundFile = backgroundFile;
+    }
+};
+
+void MoveProjectTo(const QFileInfo& target)
+{
+    ProjectSettings& settings = ProjectSettings::Instance();
+    const QDir folder = target.absoluteDir();
+    if (folder.absolutePath() != settings.projectDir.absolutePath()) {
+        CarryBackgroundTo(folder);
+    }
+    settings.projectName = target.baseName();
+    settings.projectFileName = target.fileName();
+    settings.projectDir = folder;
+}
+
+void LogNotWritten(const QString& fileName)
+{
+    LogError(QStringLiteral("Failed to open file '%1' for writing.").arg(fileName));
+}
+
+} // namespace
+
+bool SaveProjectTo(const QString& path, const ProjectParts& parts)
+{
+    const QString fileName = path.section(QLatin1Char('/'), -1);
+    OutputFile file(path);
+    if (!file.Open(QIODevice::Text)) {
+        LogNotWritten(fileName);
+        return false;
+    }
+    const Place oldPlace = Place::Current();
+    MoveProjectTo(QFileInfo(path));
+
+    QByteArray document;
+    QXmlStreamWriter xml(&document);
+    const int failures = WriteProjectDocument(xml, parts);
+    if (!file.Write(document) || !file.Commit()) {
+        const QString reason = file.ErrorString();
+        oldPlace.Restore();
+        LogNotWritten(fileName);
+        LogError(reason);
+        return false;
+    }
+    LogSuccess(QStringLiteral("Project saved to file '%1'.").arg(fileName));
+    ProjectSettings::Instance().modified = failures > 0;
+    if (failures > 0) {
+        LogError(QStringLiteral("%1 layer bitmaps could not be saved.").arg(failures));
+    }
+    return true;
+}

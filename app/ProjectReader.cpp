@@ -1,0 +1,57 @@
+#include "app/ProjectReader.h"
+
+#include "app/ProjectSettings.h"
+#include "app/Xml.h"
+
+#include <QIODevice>
+
+ProjectReader::ProjectReader(QIODevice& device)
+    : m_device(device)
+{
+}
+
+void ProjectReader::ReadSettings()
+{
+    ProjectSettings& settings = ProjectSettings::Instance();
+    m_device.seek(0);
+    QXmlStreamReader xml(&m_device);
+    WalkXml(xml, {
+                     {QLatin1String("global"),
+                      [&settings](QXmlStreamReader& element) {
+                          settings.ReadXml(element);
+                          return true;
+                      }},
+                     {QLatin1String("areas"),
+                      [&settings](QXmlStreamReader& element) {
+                          settings.areaFlagTypes.ReadXml(element);
+                          return true;
+                      }},
+                 });
+}
+
+bool ProjectReader::Read(const Handlers& handlers)
+{
+    ReadSettings();
+    m_device.seek(0);
+    m_xml.setDevice(&m_device);
+    m_selectedRow = -1;
+    return WalkXml(m_xml, {
+                              {QLatin1String("selected"),
+                               [this](QXmlStreamReader& element) {
+                                   m_selectedRow = IntAttribute(element, QLatin1String("row"), -1);
+                                   return true;
+                               }},
+                              {QLatin1String("brush"),
+                               [&handlers](QXmlStreamReader& element) {
+                                   handlers.brush(element);
+                                   return true;
+                               }},
+                              {QLatin1String("layers"), handlers.layers},
+                              {QLatin1String("territory-type-list"), handlers.territoryTypes},
+                          });
+}
+
+void ProjectReader::Stop()
+{
+    m_xml.raiseError();
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QXmlStreamReader>
+
+#include <functional>
+
+class QIODevice;
+
+/// Reads a project document for the editor. The order of its elements does not matter: the sizes
+/// and flag types, on which layers and zones depend, are read in a first pass.
+class ProjectReader
+{
+public:
+    /// Read the element whose start tag the reader stands on. A false result ends the reading.
+    struct Handlers
+    {
+        std::function<void(QXmlStreamReader&)> brush;
+        std::function<bool(QXmlStreamReader&)> layers;
+        std::function<bool(QXmlStreamReader&)> territoryTypes;
+    };
+
+    /// The device is open and can be read from its start again.
+    explicit ProjectReader(QIODevice& device);
+
+    /// False when a handler failed; a document that ends early or is malformed elsewhere is taken
+    /// as far as it goes.
+    bool Read(const Handlers& handlers);
+    /// The row of the layer that was selected when the project was saved; -1 for none.
+    int SelectedRow() const { return m_selectedRow; }
+    /// Makes a Read that is under way, up the call stack, end at the next element, as failed.
+    void Stop();
+
+private:
+    void ReadSettings();
+
+    QIODevice& m_device;
+    QXmlStreamReader m_xml;
+    int m_selectedRow = -1;
+};
