@@ -31,18 +31,18 @@ void ProjectSettings::SetSizes(int newLayerWidth, int newLayerHeight, int newWor
 
 void ProjectSettings::ReadXml(QXmlStreamReader& xml)
 {
-    constexpr quint32 defaultColor = 2;
     constexpr int defaultLayerSize = 2048;
     constexpr int defaultWorldSize = 15360;
     int layerSize = defaultLayerSize;
     int worldSize = defaultWorldSize;
     backgroundFile.clear();
-    backgroundColor.setRgba(defaultColor);
+    backgroundColor.setRgba(DefaultBackground);
     const XmlHandlers handlers = {
         {QLatin1String("background"),
          [this](QXmlStreamReader& element) {
              backgroundFile = TextAttribute(element, QLatin1String("file"));
-             backgroundColor.setRgba(UIntAttribute(element, QLatin1String("rgba"), defaultColor));
+             backgroundColor.setRgba(
+                 UIntAttribute(element, QLatin1String("rgba"), DefaultBackground));
              return true;
          }},
         {QLatin1String("layer"),

@@ -16,6 +16,9 @@ class QXmlStreamWriter;
 class ProjectSettings
 {
 public:
+    /// ARGB of a project that stores no background colour: one that hides nothing.
+    static constexpr quint32 DefaultBackground = 2;
+
     static ProjectSettings& Instance();
 
     AreaFlagTypes areaFlagTypes;

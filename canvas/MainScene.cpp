@@ -105,6 +105,11 @@ void MainScene::ChangeWorld(QString file)
     m_overlayItem->Show(m_overlayItem->Color(), size);
 }
 
+void MainScene::ClearWorld()
+{
+    m_worldItem->setPixmap(QPixmap());
+}
+
 void MainScene::ChangeWorldRGBA(QColor c)
 {
     m_overlayItem->Show(QColor(c.rgb()), sceneRect().size().toSize());

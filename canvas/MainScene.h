@@ -55,6 +55,8 @@ public slots:
     /// Shows the picture in the file, scaled to the layer size without smoothing; one that cannot
     /// be loaded logs an error and leaves the picture before.
     void ChangeWorld(QString file);
+    /// No picture; the overlay stays.
+    void ClearWorld();
     /// The overlay in the opaque colour, at the colour's opacity.
     void ChangeWorldRGBA(QColor c);
     /// The overlay in the colour; the project's background colour keeps its alpha.

@@ -90,11 +90,16 @@ void MainView::SetBrushDock(BrushDock* dock)
 
 void MainView::SetSceneSize(int w, int h)
 {
-    const ProjectSettings& settings = ProjectSettings::Instance();
     m_scene->ChangeSize(w, h);
+    SetRulerUnits(w, h);
+    UpdateRulers();
+}
+
+void MainView::SetRulerUnits(int w, int h)
+{
+    const ProjectSettings& settings = ProjectSettings::Instance();
     m_horizontalRuler->SetUnit(static_cast<float>(settings.worldWidth) / static_cast<float>(w));
     m_verticalRuler->SetUnit(static_cast<float>(settings.worldHeight) / static_cast<float>(h));
-    UpdateRulers();
 }
 
 void MainView::resizeEvent(QResizeEvent* event)

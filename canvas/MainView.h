@@ -32,6 +32,8 @@ public:
     void SetBrushDock(BrushDock* dock);
     /// The size of the layers in pixels; the rulers take the project's world size for it.
     void SetSceneSize(int w, int h);
+    /// Lets the rulers count in metres of the project's world, for a map of that many layer pixels.
+    void SetRulerUnits(int w, int h);
     /// Puts the rulers' origins where the map's edges are.
     void UpdateRulers();
 

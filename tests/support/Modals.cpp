@@ -1,0 +1,95 @@
+#include "tests/support/Modals.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QTest>
+
+namespace {
+
+QString Question(const QWidget& dialog)
+{
+    const auto* box = qobject_cast<const QMessageBox*>(&dialog);
+    return box ? box->windowTitle() + QStringLiteral(": ") + box->text() : dialog.windowTitle();
+}
+
+void Click(QWidget& dialog, const QString& text)
+{
+    const QList<QAbstractButton*> buttons = dialog.findChildren<QAbstractButton*>();
+    for (QAbstractButton* button : buttons) {
+        if (button->isVisible() && button->text().remove(QLatin1Char('&')) == text) {
+            QTest::mouseClick(button, Qt::LeftButton);
+            return;
+        }
+    }
+    QFAIL(qPrintable(QStringLiteral("There is no button '%1'.").arg(text)));
+}
+
+} // namespace
+
+ModalAnswers::ModalAnswers()
+{
+    constexpr int milliseconds = 5;
+    connect(&m_timer, &QTimer::timeout, this, &ModalAnswers::AnswerOne);
+    m_timer.setInterval(milliseconds);
+    m_timer.start();
+}
+
+ModalAnswers::~ModalAnswers()
+{
+    if (m_next < m_answers.size()) {
+        QTest::qFail(
+            qPrintable(
+                QStringLiteral("%1 answers were not asked for.").arg(m_answers.size() - m_next)),
+            __FILE__, __LINE__);
+    }
+}
+
+void ModalAnswers::AddButton(const QString& text)
+{
+    Add([text](QWidget& dialog) { Click(dialog, text); });
+}
+
+void ModalAnswers::AddFile(const QString& path)
+{
+    Add([path](QWidget& dialog) {
+        auto* fileDialog = qobject_cast<QFileDialog*>(&dialog);
+        QVERIFY(fileDialog);
+        auto* name = fileDialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        QVERIFY(name);
+        name->setText(path);
+        static_cast<QDialog*>(fileDialog)->accept();
+    });
+}
+
+void ModalAnswers::AddCancel()
+{
+    Add([](QWidget& dialog) {
+        if (auto* asDialog = qobject_cast<QDialog*>(&dialog)) {
+            asDialog->reject();
+        }
+    });
+}
+
+void ModalAnswers::AnswerOne()
+{
+    // A timer does not fire while it is being answered, but an answer may open the next dialog.
+    m_timer.start();
+    QWidget* dialog = QApplication::activeModalWidget();
+    if (!dialog || dialog == m_answered) {
+        return;
+    }
+    m_answered = dialog;
+    m_asked.append(Question(*dialog));
+    if (m_next < m_answers.size()) {
+        m_answers[m_next++](*dialog);
+        // A dialog may stay open and be answered again.
+        m_answered = nullptr;
+        return;
+    }
+    QTest::qFail(qPrintable(QStringLiteral("No answer for '%1'.").arg(m_asked.last())), __FILE__,
+                 __LINE__);
+    dialog->close();
+}

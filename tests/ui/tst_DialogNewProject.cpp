@@ -1,0 +1,266 @@
+#include "ui/DialogNewProject.h"
+
+#include "tests/support/Files.h"
+#include "tests/support/Forms.h"
+#include "tests/support/Modals.h"
+#include "tests/support/ProjectFixture.h"
+
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+
+#include <unistd.h>
+
+namespace {
+
+void Press(DialogNewProject& dialog, const char* button)
+{
+    QTest::mouseClick(dialog.findChild<QPushButton*>(button), Qt::LeftButton);
+}
+
+QLineEdit* Line(const DialogNewProject& dialog, const char* name)
+{
+    return dialog.findChild<QLineEdit*>(name);
+}
+
+} // namespace
+
+class tst_DialogNewProject : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void HasItsForm_data();
+    void HasItsForm();
+    void GivesWhatWasEntered();
+    void PutsChosenFilesIntoTheirLines();
+    void AppendsTheSuffix_data();
+    void AppendsTheSuffix();
+    void AsksAgainWhenTheAppendedNameExists_data();
+    void AsksAgainWhenTheAppendedNameExists();
+    void NeedsAProjectFile();
+    void NeedsAProjectFileThatCanBeWritten();
+    void Cancels();
+    void ClipsNothing();
+
+private:
+    ProjectFixture m_project;
+};
+
+void tst_DialogNewProject::HasItsForm_data()
+{
+    QTest::addColumn<QString>("object");
+    QTest::addColumn<QString>("className");
+    QTest::addColumn<QByteArray>("property");
+    QTest::addColumn<QVariant>("value");
+
+    const auto row = [](const char* object, const char* className, const char* property,
+                        const QVariant& value) {
+        QTest::addRow("%s %s", object, property)
+            << object << className << QByteArray(property) << value;
+    };
+    row("DialogNewProject", "QDialog", "windowTitle", "Dialog");
+    row("DialogNewProject", "QDialog", "minimumSize", QSize(340, 200));
+    row("DialogNewProject", "QDialog", "maximumSize", QSize(340, 200));
+    row("gboLayerSize", "QGroupBox", "title", "Layer size");
+    row("spinLayerSizeX", "QSpinBox", "minimum", 32);
+    row("spinLayerSizeX", "QSpinBox", "maximum", 16384);
+    row("spinLayerSizeX", "QSpinBox", "value", 2048);
+    row("lblLayerSizeX", "QLabel", "text", "pixels");
+    row("gboWorldSize", "QGroupBox", "title", "World size");
+    row("spinWorldSizeX", "QSpinBox", "minimum", 1);
+    row("spinWorldSizeX", "QSpinBox", "maximum", 65536);
+    row("spinWorldSizeX", "QSpinBox", "value", 15360);
+    row("lblWorldSizeX", "QLabel", "text", "meters");
+    row("lblWorldImage", "QLabel", "text", "Background");
+    row("txtWorldImage", "QLineEdit", "text", "");
+    row("btnSelectWorldImg", "QPushButton", "text", "load");
+    row("lblAreaFlagsFile", "QLabel", "text", "Area flags");
+    row("txtAreaFlagsFile", "QLineEdit", "text", "");
+    row("btnSelectAreaFlags", "QPushButton", "text", "import");
+    row("lblConfigName", "QLabel", "text", "Project name");
+    row("txtProjectName", "QLineEdit", "text", "");
+    row("btnSaveProject", "QPushButton", "text", "select file");
+    row("btnOk", "QPushButton", "text", "OK");
+    row("btnCancel", "QPushButton", "text", "Cancel");
+}
+
+void tst_DialogNewProject::HasItsForm()
+{
+    QFETCH(QString, object);
+    QFETCH(QString, className);
+    QFETCH(QByteArray, property);
+    QFETCH(QVariant, value);
+    DialogNewProject dialog;
+
+    CheckForm(dialog, object, className, property, value);
+}
+
+void tst_DialogNewProject::GivesWhatWasEntered()
+{
+    DialogNewProject dialog;
+    dialog.findChild<QWidget*>("spinLayerSizeX")->setFocus();
+    QTest::keyClicks(dialog.findChild<QWidget*>("spinLayerSizeX"), "\b\b\b\b512");
+    dialog.findChild<QObject*>("spinWorldSizeX")->setProperty("value", 4000);
+    QTest::keyClicks(Line(dialog, "txtWorldImage"), "/a/world.png");
+    QTest::keyClicks(Line(dialog, "txtAreaFlagsFile"), "/a/areas.xml");
+    QTest::keyClicks(Line(dialog, "txtProjectName"), "/a/project.xml");
+
+    QCOMPARE(dialog.findChild<QObject*>("spinLayerSizeX")->property("value").toInt(),
+             dialog.LayerSize());
+    QCOMPARE(dialog.WorldSize(), 4000);
+    QCOMPARE(dialog.BackgroundPath(), "/a/world.png");
+    QCOMPARE(dialog.AreaFlagsPath(), "/a/areas.xml");
+    QCOMPARE(dialog.ProjectPath(), "/a/project.xml");
+}
+
+void tst_DialogNewProject::PutsChosenFilesIntoTheirLines()
+{
+    WriteBytes(m_project.Path("world.png"), "x");
+    WriteBytes(m_project.Path("areas.xml"), "x");
+    DialogNewProject dialog;
+    dialog.show();
+    ModalAnswers answers;
+    answers.AddFile("world.png");
+    answers.AddFile("areas.xml");
+    answers.AddFile("new.xml");
+    answers.AddCancel();
+
+    Press(dialog, "btnSelectWorldImg");
+    Press(dialog, "btnSelectAreaFlags");
+    Press(dialog, "btnSaveProject");
+    // A cancelled choice leaves the earlier one.
+    Press(dialog, "btnSelectWorldImg");
+
+    QCOMPARE(answers.Asked(), (QStringList{"Load background image", "Import area flag types",
+                                           "Save", "Load background image"}));
+    QCOMPARE(Line(dialog, "txtWorldImage")->text(), m_project.Path("world.png"));
+    QCOMPARE(Line(dialog, "txtAreaFlagsFile")->text(), m_project.Path("areas.xml"));
+    QCOMPARE(Line(dialog, "txtProjectName")->text(), m_project.Path("new.xml"));
+}
+
+void tst_DialogNewProject::AppendsTheSuffix_data()
+{
+    QTest::addColumn<QString>("chosen");
+    QTest::addColumn<QString>("path");
+
+    QTest::newRow("none") << "proj"
+                          << "proj.xml";
+    QTest::newRow("there") << "proj.xml"
+                           << "proj.xml";
+    QTest::newRow("in capitals") << "proj.XML"
+                                 << "proj.XML.xml";
+    QTest::newRow("another") << "proj.txt"
+                             << "proj.txt.xml";
+}
+
+void tst_DialogNewProject::AppendsTheSuffix()
+{
+    QFETCH(QString, chosen);
+    QFETCH(QString, path);
+    DialogNewProject dialog;
+    dialog.show();
+    ModalAnswers answers;
+    answers.AddFile(chosen);
+
+    Press(dialog, "btnSaveProject");
+
+    QCOMPARE(dialog.ProjectPath(), m_project.Path(path));
+}
+
+void tst_DialogNewProject::AsksAgainWhenTheAppendedNameExists_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<bool>("isTaken");
+
+    QTest::newRow("yes") << "Yes" << true;
+    QTest::newRow("no") << "No" << false;
+}
+
+void tst_DialogNewProject::AsksAgainWhenTheAppendedNameExists()
+{
+    QFETCH(QString, button);
+    QFETCH(bool, isTaken);
+    WriteBytes(m_project.Path("old.XML.xml"), "x");
+    DialogNewProject dialog;
+    dialog.show();
+    ModalAnswers answers;
+    answers.AddFile("old.XML");
+    answers.AddButton(button);
+
+    Press(dialog, "btnSaveProject");
+
+    QCOMPARE(answers.Asked().last(),
+             "Save: old.XML.xml already exists.\nDo you want to replace it?");
+    QCOMPARE(dialog.ProjectPath(), isTaken ? m_project.Path("old.XML.xml") : QString());
+}
+
+void tst_DialogNewProject::NeedsAProjectFile()
+{
+    DialogNewProject dialog;
+    dialog.show();
+    ModalAnswers answers;
+    answers.AddButton("OK");
+
+    Press(dialog, "btnOk");
+
+    QCOMPARE(answers.Asked(), QStringList{"Dialog: No project file selected"});
+    QVERIFY(dialog.isVisible());
+
+    QTest::keyClicks(Line(dialog, "txtProjectName"), m_project.Path("new.xml"));
+    Press(dialog, "btnOk");
+
+    QCOMPARE(dialog.result(), int(QDialog::Accepted));
+}
+
+void tst_DialogNewProject::NeedsAProjectFileThatCanBeWritten()
+{
+    if (geteuid() == 0) {
+        QSKIP("Root can write to any file.");
+    }
+    WriteBytes(m_project.Path("locked.xml"), "x");
+    QFile::setPermissions(m_project.Path("locked.xml"), QFile::ReadOwner);
+    DialogNewProject dialog;
+    dialog.show();
+    QTest::keyClicks(Line(dialog, "txtProjectName"), m_project.Path("locked.xml"));
+    ModalAnswers answers;
+    answers.AddButton("OK");
+
+    Press(dialog, "btnOk");
+
+    QCOMPARE(answers.Asked(), QStringList{"Dialog: Selected project file cannot be saved"});
+    QVERIFY(dialog.isVisible());
+}
+
+void tst_DialogNewProject::Cancels()
+{
+    DialogNewProject dialog;
+    dialog.show();
+    QTest::keyClicks(Line(dialog, "txtProjectName"), m_project.Path("new.xml"));
+
+    Press(dialog, "btnCancel");
+
+    QVERIFY(!dialog.isVisible());
+    QCOMPARE(dialog.result(), int(QDialog::Rejected));
+}
+
+void tst_DialogNewProject::ClipsNothing()
+{
+    DialogNewProject dialog;
+    dialog.show();
+    const QList<QPushButton*> buttons = dialog.findChildren<QPushButton*>();
+    for (const QPushButton* button : buttons) {
+        QVERIFY2(button->width() >= button->minimumSizeHint().width(),
+                 qPrintable(button->objectName()));
+    }
+    const QList<QLabel*> labels = dialog.findChildren<QLabel*>();
+    for (const QLabel* label : labels) {
+        QVERIFY2(label->width() >= label->minimumSizeHint().width(),
+                 qPrintable(label->objectName()));
+    }
+}
+
+QTEST_MAIN(tst_DialogNewProject)
+#include "tst_DialogNewProject.moc"

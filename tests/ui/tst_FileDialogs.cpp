@@ -1,0 +1,149 @@
+#include "ui/FileDialogs.h"
+
+#include "tests/support/Files.h"
+#include "tests/support/Forms.h"
+#include "tests/support/Modals.h"
+#include "tests/support/ProjectFixture.h"
+
+#include <QAbstractButton>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QTest>
+
+Q_DECLARE_METATYPE(FilePurpose)
+
+class tst_FileDialogs : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void HasTextsAndIcon_data();
+    void HasTextsAndIcon();
+    void GivesTheChosenFile();
+    void GivesNothingWhenCancelled();
+    void AddsTheSuffixBeforeItAsks();
+    void SelectsTheProjectToBeSaved();
+    void AsksYesOrNo_data();
+    void AsksYesOrNo();
+
+private:
+    ProjectFixture m_project;
+    QWidget m_parent;
+};
+
+void tst_FileDialogs::HasTextsAndIcon_data()
+{
+    QTest::addColumn<FilePurpose>("purpose");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("filter");
+    QTest::addColumn<QString>("icon");
+    QTest::addColumn<bool>("isSave");
+
+    QTest::newRow("load") << FilePurpose::LoadProject << "Load"
+                          << "XML file (*.xml)"
+                          << ":/icon-open" << false;
+    QTest::newRow("save") << FilePurpose::SaveProject << "Save"
+                          << "XML file (*.xml)"
+                          << ":/icon-save" << true;
+    QTest::newRow("background") << FilePurpose::BackgroundPicture << "Load background image"
+                                << "Images (*.png *.bmp *.jpg)"
+                                << ":/icon-world" << false;
+    QTest::newRow("flag types") << FilePurpose::AreaFlagTypes << "Import area flag types"
+                                << "XML file (*.xml)"
+                                << ":/icon-areas" << false;
+    QTest::newRow("map") << FilePurpose::AreaMap << "Import area map"
+                         << "Map file (*.map)"
+                         << ":/icon-import" << false;
+}
+
+void tst_FileDialogs::HasTextsAndIcon()
+{
+    QFETCH(FilePurpose, purpose);
+    QFETCH(QString, title);
+    QFETCH(QString, filter);
+    QFETCH(QString, icon);
+    QFETCH(bool, isSave);
+    ModalAnswers answers;
+    answers.Add([&](QWidget& widget) {
+        auto* dialog = qobject_cast<QFileDialog*>(&widget);
+        QVERIFY(dialog);
+        QCOMPARE(dialog->windowTitle(), title);
+        QCOMPARE(dialog->nameFilters(), QStringList{filter});
+        QVERIFY(ShowsIcon(dialog->windowIcon(), icon));
+        QCOMPARE(dialog->acceptMode(), isSave ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+        QCOMPARE(dialog->fileMode(), isSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+        QVERIFY(dialog->testOption(QFileDialog::DontUseNativeDialog));
+        QCOMPARE(dialog->directory().absolutePath(),
+                 ProjectSettings::Instance().projectDir.absolutePath());
+        QCOMPARE(dialog->parentWidget(), &m_parent);
+        dialog->close();
+    });
+
+    QCOMPARE(AskForFile(&m_parent, purpose), QString());
+}
+
+void tst_FileDialogs::GivesTheChosenFile()
+{
+    WriteBytes(m_project.Path("world.png"), "x");
+    ModalAnswers answers;
+    answers.AddFile("world.png");
+
+    QCOMPARE(AskForFile(&m_parent, FilePurpose::BackgroundPicture), m_project.Path("world.png"));
+}
+
+void tst_FileDialogs::GivesNothingWhenCancelled()
+{
+    ModalAnswers answers;
+    answers.AddCancel();
+
+    QCOMPARE(AskForFile(&m_parent, FilePurpose::SaveProject), QString());
+}
+
+void tst_FileDialogs::AddsTheSuffixBeforeItAsks()
+{
+    WriteBytes(m_project.Path("taken.xml"), "x");
+    ModalAnswers answers;
+    answers.AddFile("taken");
+    answers.AddButton("Yes");
+
+    QCOMPARE(AskForFile(&m_parent, FilePurpose::SaveProject), m_project.Path("taken.xml"));
+    QCOMPARE(answers.Asked().size(), 2);
+    QVERIFY(answers.Asked().last().contains("taken.xml already exists."));
+}
+
+void tst_FileDialogs::SelectsTheProjectToBeSaved()
+{
+    ModalAnswers answers;
+    answers.Add([](QWidget& widget) { qobject_cast<QDialog*>(&widget)->accept(); });
+
+    QCOMPARE(AskForFile(&m_parent, FilePurpose::SaveProject), m_project.Path("project.xml"));
+}
+
+void tst_FileDialogs::AsksYesOrNo_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<bool>("isYes");
+
+    QTest::newRow("yes") << "Yes" << true;
+    QTest::newRow("no") << "No" << false;
+}
+
+void tst_FileDialogs::AsksYesOrNo()
+{
+    QFETCH(QString, button);
+    QFETCH(bool, isYes);
+    ModalAnswers answers;
+    answers.Add([&](QWidget& widget) {
+        auto* box = qobject_cast<QMessageBox*>(&widget);
+        QVERIFY(box);
+        QCOMPARE(box->icon(), QMessageBox::Question);
+        QCOMPARE(box->standardButtons(), QMessageBox::Yes | QMessageBox::No);
+        box->button(isYes ? QMessageBox::Yes : QMessageBox::No)->click();
+    });
+
+    QCOMPARE(AskYesNo(&m_parent, "Title", "Text?"), isYes);
+    QCOMPARE(answers.Asked(), QStringList{"Title: Text?"});
+}
+
+QTEST_MAIN(tst_FileDialogs)
+#include "tst_FileDialogs.moc"

@@ -1,0 +1,102 @@
+#include "ui/DialogNewProject.h"
+
+#include "ui/FileDialogs.h"
+#include "ui/widgets/WheelFocus.h"
+#include "ui_DialogNewProject.h"
+
+#include <QFileInfo>
+#include <QMessageBox>
+
+DialogNewProject::DialogNewProject(QWidget* parent)
+    : QDialog(parent)
+    , m_ui(std::make_unique<Ui::DialogNewProject>())
+{
+    m_ui->setupUi(this);
+    TakeWheelOnlyWithFocus(m_ui->spinLayerSizeX);
+    TakeWheelOnlyWithFocus(m_ui->spinWorldSizeX);
+    connect(m_ui->btnSelectWorldImg, &QPushButton::clicked, this,
+            &DialogNewProject::LoadBgImageDialog);
+    connect(m_ui->btnSelectAreaFlags, &QPushButton::clicked, this,
+            &DialogNewProject::ImportAreaFlagsDialog);
+    connect(m_ui->btnSaveProject, &QPushButton::clicked, this,
+            &DialogNewProject::SaveProjectDialog);
+    connect(m_ui->btnOk, &QPushButton::clicked, this, &DialogNewProject::ConfirmDialog);
+    connect(m_ui->btnCancel, &QPushButton::clicked, this, &DialogNewProject::CloseDialog);
+}
+
+DialogNewProject::~DialogNewProject() = default;
+
+int DialogNewProject::LayerSize() const
+{
+    return m_ui->spinLayerSizeX->value();
+}
+
+int DialogNewProject::WorldSize() const
+{
+    return m_ui->spinWorldSizeX->value();
+}
+
+QString DialogNewProject::BackgroundPath() const
+{
+    return m_ui->txtWorldImage->text();
+}
+
+QString DialogNewProject::AreaFlagsPath() const
+{
+    return m_ui->txtAreaFlagsFile->text();
+}
+
+QString DialogNewProject::ProjectPath() const
+{
+    return m_ui->txtProjectName->text();
+}
+
+void DialogNewProject::LoadBgImageDialog()
+{
+    const QString path = AskForFile(this, FilePurpose::BackgroundPicture);
+    if (!path.isEmpty()) {
+        m_ui->txtWorldImage->setText(path);
+    }
+}
+
+void DialogNewProject::ImportAreaFlagsDialog()
+{
+    const QString path = AskForFile(this, FilePurpose::AreaFlagTypes);
+    if (!path.isEmpty()) {
+        m_ui->txtAreaFlagsFile->setText(path);
+    }
+}
+
+void DialogNewProject::SaveProjectDialog()
+{
+    const QString chosen = AskForFile(this, FilePurpose::SaveProject);
+    if (chosen.isEmpty()) {
+        return;
+    }
+    const QString suffix = QStringLiteral(".xml");
+    const QString path = chosen.endsWith(suffix) ? chosen : chosen + suffix;
+    // The file dialog asked about the file that was chosen, not about this one.
+    const bool isAnother = path != chosen && QFileInfo::exists(path);
+    const QString text = tr("%1 already exists.\nDo you want to replace it?");
+    if (isAnother && !AskYesNo(this, tr("Save"), text.arg(QFileInfo(path).fileName()))) {
+        return;
+    }
+    m_ui->txtProjectName->setText(path);
+}
+
+void DialogNewProject::ConfirmDialog()
+{
+    const QFileInfo file(ProjectPath());
+    if (ProjectPath().isEmpty()) {
+        QMessageBox::warning(this, windowTitle(), tr("No project file selected"));
+    } else if (file.exists() && !file.isWritable()) {
+        QMessageBox::warning(this, windowTitle(), tr("Selected project file cannot be saved"));
+    } else {
+        accept();
+    }
+}
+
+void DialogNewProject::CloseDialog()
+{
+    reject();
+}

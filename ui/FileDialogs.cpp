@@ -1,0 +1,69 @@
+#include "ui/FileDialogs.h"
+
+#include "app/ProjectSettings.h"
+
+#include <QCoreApplication>
+#include <QFileDialog>
+#include <QIcon>
+#include <QMessageBox>
+
+namespace {
+
+struct DialogTexts
+{
+    const char* title;
+    const char* filter;
+    const char* icon;
+};
+
+DialogTexts TextsFor(FilePurpose purpose)
+{
+    switch (purpose) {
+    case FilePurpose::LoadProject:
+        return {QT_TRANSLATE_NOOP("FileDialogs", "Load"),
+                QT_TRANSLATE_NOOP("FileDialogs", "XML file (*.xml)"), ":/icon-open"};
+    case FilePurpose::SaveProject:
+        return {QT_TRANSLATE_NOOP("FileDialogs", "Save"),
+                QT_TRANSLATE_NOOP("FileDialogs", "XML file (*.xml)"), ":/icon-save"};
+    case FilePurpose::BackgroundPicture:
+        return {QT_TRANSLATE_NOOP("FileDialogs", "Load background image"),
+                QT_TRANSLATE_NOOP("FileDialogs", "Images (*.png *.bmp *.jpg)"), ":/icon-world"};
+    case FilePurpose::AreaFlagTypes:
+        return {QT_TRANSLATE_NOOP("FileDialogs", "Import area flag types"),
+                QT_TRANSLATE_NOOP("FileDialogs", "XML file (*.xml)"), ":/icon-areas"};
+    case FilePurpose::AreaMap:
+        return {QT_TRANSLATE_NOOP("FileDialogs", "Import area map"),
+                QT_TRANSLATE_NOOP("FileDialogs", "Map file (*.map)"), ":/icon-import"};
+    }
+    Q_UNREACHABLE();
+}
+
+} // namespace
+
+QString AskForFile(QWidget* parent, FilePurpose purpose)
+{
+    const DialogTexts texts = TextsFor(purpose);
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    QFileDialog dialog(parent, QCoreApplication::translate("FileDialogs", texts.title), QString(),
+                       QCoreApplication::translate("FileDialogs", texts.filter));
+    dialog.setWindowIcon(QIcon(QLatin1String(texts.icon)));
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setDirectory(settings.projectDir);
+    if (purpose == FilePurpose::SaveProject) {
+        dialog.setAcceptMode(QFileDialog::AcceptSave);
+        dialog.setDefaultSuffix(QStringLiteral("xml"));
+        dialog.selectFile(settings.projectFileName);
+    } else {
+        dialog.setFileMode(QFileDialog::ExistingFile);
+    }
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+        return {};
+    }
+    return dialog.selectedFiles().first();
+}
+
+bool AskYesNo(QWidget* parent, const QString& title, const QString& text)
+{
+    return QMessageBox::question(parent, title, text, QMessageBox::Yes | QMessageBox::No) ==
+           QMessageBox::Yes;
+}

@@ -1,0 +1,36 @@
+#include "ui/InputBlock.h"
+
+#include <QApplication>
+#include <QEvent>
+
+InputBlock::InputBlock()
+{
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+bool InputBlock::eventFilter(QObject* watched, QEvent* event)
+{
+    if (!watched->isWidgetType() || QApplication::activeModalWidget()) {
+        return false;
+    }
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+    case QEvent::Wheel:
+    case QEvent::KeyPress:
+    case QEvent::Shortcut:
+    case QEvent::ShortcutOverride:
+    case QEvent::ContextMenu:
+    case QEvent::InputMethod:
+    case QEvent::DragEnter:
+    case QEvent::Drop:
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TabletPress:
+    case QEvent::TabletMove:
+        return true;
+    default:
+        return false;
+    }
+}
