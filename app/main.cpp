@@ -1,11 +1,23 @@
 #include "app/BatchExport.h"
 #include "app/CommandLine.h"
 #include "app/Log.h"
+#include "ui/QuillmapWindow.h"
 
 #include <QApplication>
 #include <QTextCodec>
 
 #include <csignal>
+
+namespace {
+
+int RunEditor(const QString& configPath)
+{
+    QuillmapWindow window(configPath);
+    window.show();
+    return QApplication::exec();
+}
+
+} // namespace
 
 int main(int argc, char* argv[])
 {
@@ -15,6 +27,7 @@ int main(int argc, char* argv[])
     // Paths and console messages are UTF-8, also in the C locale.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     ChoosePlatform(argc, argv);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);
 
     const CommandLine commandLine = ParseCommandLine(QCoreApplication::arguments());
@@ -22,13 +35,9 @@ int main(int argc, char* argv[])
         LogError(commandLine.error);
         return ExitBadArguments;
     }
-    int exitCode = ExitDone;
-    if (commandLine.noGui) {
-        exitCode = RunBatchExport(commandLine.configPath, commandLine.outputPath);
-    } else {
-        LogError(QStringLiteral("This build has no editor window yet; use --no-gui."));
-        exitCode = ExitBadArguments;
-    }
+    const int exitCode = commandLine.noGui
+                             ? RunBatchExport(commandLine.configPath, commandLine.outputPath)
+                             : RunEditor(commandLine.configPath);
     // The lists hand their models to deferred deletion, which processing events does not run.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     return exitCode;

@@ -80,6 +80,7 @@ bool Territory::AddZone(Zone* zone)
     }
     zone->m_holder = this;
     m_zones.insert(zone->Id(), zone);
+    TotalsChanged();
     return true;
 }
 
@@ -87,6 +88,14 @@ void Territory::RemoveZone(int zoneId)
 {
     if (Zone* zone = m_zones.take(zoneId)) {
         zone->m_holder = nullptr;
+        TotalsChanged();
+    }
+}
+
+void Territory::TotalsChanged()
+{
+    if (const TerritoryType* type = GetType()) {
+        type->TotalsChanged();
     }
 }
 

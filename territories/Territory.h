@@ -68,6 +68,7 @@ private:
 
     void Init();
     void ShowColor();
+    void TotalsChanged();
 
     Lifetime m_lifetime;
     int m_id;

@@ -67,6 +67,13 @@ SpawnCounts TerritoryType::Totals() const
     return totals;
 }
 
+void TerritoryType::TotalsChanged() const
+{
+    if (m_totalsListener) {
+        m_totalsListener();
+    }
+}
+
 Territory* TerritoryType::NewTerritory()
 {
     auto* territory = new Territory;

@@ -5,6 +5,8 @@
 #include <QStandardItem>
 #include <QVector>
 
+#include <functional>
+
 class QXmlStreamWriter;
 class Territory;
 
@@ -25,6 +27,10 @@ public:
     QVector<Territory*> Territories() const;
     /// The sums over the territories.
     SpawnCounts Totals() const;
+    /// Called when zones came, went or changed their counts. It may come in the middle of a change:
+    /// the callback only notes it.
+    void SetTotalsListener(const std::function<void()>& listener) { m_totalsListener = listener; }
+    void TotalsChanged() const;
 
     Territory* NewTerritory();
     /// Takes the territory over, as the last row; nothing for null and for a territory that another
@@ -51,4 +57,5 @@ public:
 
 private:
     int m_id;
+    std::function<void()> m_totalsListener;
 };

@@ -54,6 +54,11 @@ bool TerritoryTypeList::AddType(TerritoryType* type)
         return false;
     }
     if (!type->model()) {
+        type->SetTotalsListener([this] {
+            if (m_totalsListener) {
+                m_totalsListener();
+            }
+        });
         m_model->appendRow(type);
     }
     return true;

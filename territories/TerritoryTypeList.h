@@ -3,6 +3,8 @@
 #include <QObject>
 #include <QVector>
 
+#include <functional>
+
 class QGraphicsScene;
 class QStandardItemModel;
 class QXmlStreamReader;
@@ -32,6 +34,9 @@ public:
     /// type that another model or item owns; true without change for one that is in the list
     /// already.
     bool AddType(TerritoryType* type);
+    /// Who shows totals is told when those of any type may have changed. It may come in the middle
+    /// of a change: the callback only notes it.
+    void SetTotalsListener(const std::function<void()>& listener) { m_totalsListener = listener; }
     /// Destroys all types.
     void Clear();
     void UpdateVisibility();
@@ -49,4 +54,5 @@ public:
 
 private:
     QStandardItemModel* m_model;
+    std::function<void()> m_totalsListener;
 };

@@ -1,0 +1,342 @@
+#include "ui/DialogCustomLayer.h"
+
+#include "app/Names.h"
+#include "layers/CustomLayer.h"
+#include "layers/CustomLayerWorker.h"
+#include "layers/LayerList.h"
+#include "ui/widgets/WheelFocus.h"
+#include "ui_DialogCustomLayer.h"
+
+#include <QCloseEvent>
+#include <QStandardItemModel>
+#include <QStyledItemDelegate>
+
+namespace {
+
+constexpr int NoLayer = -1;
+const QColor GoodName(255, 255, 255);
+const QColor BadName(255, 192, 192);
+
+/// Shows layers without their check boxes, which would show and hide them on the map.
+class LayerDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    bool editorEvent(QEvent* /*event*/, QAbstractItemModel* /*model*/,
+                     const QStyleOptionViewItem& /*option*/, const QModelIndex& /*index*/) override
+    {
+        return false;
+    }
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->features &= ~QStyleOptionViewItem::HasCheckIndicator;
+    }
+};
+
+} // namespace
+
+DialogCustomLayer::DialogCustomLayer(LayerList* list, Layer* layerToModify, QWidget* parent)
+    : QDialog(parent, Qt::CustomizeWindowHint | Qt::WindowTitleHint)
+    , m_ui(std::make_unique<Ui::DialogCustomLayer>())
+    , m_list(list)
+    , m_layerToModify(layerToModify && !layerToModify->Image().isNull() ? layerToModify : nullptr)
+{
+    m_ui->setupUi(this);
+    Connect();
+    InitForm();
+    StartWorker();
+    LayOut();
+    SetPreviewA(m_ui->cboInputA->currentIndex());
+    SetPreviewB(m_ui->cboInputB->currentIndex());
+    m_canRequest = true;
+    EnableControls(true);
+    RequestPreview();
+}
+
+DialogCustomLayer::~DialogCustomLayer()
+{
+    m_thread.quit();
+    m_thread.wait();
+}
+
+void DialogCustomLayer::Connect()
+{
+    const auto indexChanged = qOverload<int>(&QComboBox::currentIndexChanged);
+    connect(m_ui->btnOk, &QPushButton::clicked, this, &DialogCustomLayer::ConfirmDialog);
+    connect(m_ui->btnCancel, &QPushButton::clicked, this, &DialogCustomLayer::CloseDialog);
+    connect(m_ui->cboOperation, indexChanged, this, &DialogCustomLayer::UpdateOperation);
+    connect(m_ui->cboInputA, indexChanged, this, &DialogCustomLayer::SetPreviewA);
+    connect(m_ui->cboInputB, indexChanged, this, &DialogCustomLayer::SetPreviewB);
+    connect(m_ui->txtOutputName, &QLineEdit::textEdited, this, &DialogCustomLayer::ValidateContent);
+    connect(m_ui->spnRadius, &QSpinBox::editingFinished, this, &DialogCustomLayer::RequestPreview);
+}
+
+void DialogCustomLayer::InitForm()
+{
+    TakeWheelOnlyWithFocus(m_ui->spnRadius);
+    for (QComboBox* combo : {m_ui->cboInputA, m_ui->cboInputB}) {
+        combo->setItemDelegate(new LayerDelegate(combo));
+        combo->setModel(m_list->model());
+        TakeWheelOnlyWithFocus(combo);
+    }
+    TakeWheelOnlyWithFocus(m_ui->cboOperation);
+    setWindowTitle(tr("Add layer"));
+    if (m_layerToModify) {
+        ShowLayerToModify();
+    }
+}
+
+void DialogCustomLayer::ShowLayerToModify()
+{
+    const QString code = m_layerToModify->Code();
+    const int id = m_layerToModify->Id();
+    setWindowTitle(tr("Modify layer - %1").arg(m_layerToModify->text()));
+    m_ui->txtOutputName->setText(m_layerToModify->text());
+    if (code.isEmpty()) {
+        SelectLayer(m_ui->cboInputA, id);
+        SelectLayer(m_ui->cboInputB, id);
+        return;
+    }
+    const int operation = OperationFromChar(code.at(0).toLatin1());
+    m_ui->cboOperation->setCurrentIndex(operation == OperationUnknown ? 0 : operation);
+    const QList<int> ids = ParseIds(code);
+    if (!ids.isEmpty()) {
+        SelectLayer(m_ui->cboInputA, ids.first());
+    }
+    if (ids.size() > 1) {
+        SelectLayer(m_ui->cboInputB, ids.at(1));
+    }
+    if (IsMorphologicalOperation(operation)) {
+        m_ui->spnRadius->setValue(RadiusFromCode(code));
+    }
+}
+
+void DialogCustomLayer::SelectLayer(QComboBox* combo, int id)
+{
+    const int row = combo->findData(id, Qt::UserRole);
+    combo->setCurrentIndex(row < 0 ? 0 : row);
+}
+
+void DialogCustomLayer::StartWorker()
+{
+    qRegisterMetaType<const LayerList*>("const LayerList*");
+    qRegisterMetaType<Layer*>("Layer*");
+    auto* worker = new CustomLayerWorker;
+    worker->moveToThread(&m_thread);
+    connect(&m_thread, &QThread::finished, worker, &QObject::deleteLater);
+    connect(this, &DialogCustomLayer::PreviewComputationRequested, worker,
+            &CustomLayerWorker::ComputePreview);
+    connect(worker, &CustomLayerWorker::PreviewComputationFinished, this,
+            &DialogCustomLayer::FinalizePreviewComputation);
+    connect(this, &DialogCustomLayer::LayerComputationRequested, worker,
+            &CustomLayerWorker::ComputeLayer);
+    connect(worker, &CustomLayerWorker::LayerComputationFinished, this,
+            &DialogCustomLayer::FinalizeLayerComputation);
+    m_thread.start(QThread::InheritPriority);
+}
+
+/// The first pictures are made before the dialog is shown, and shall have the size of their labels.
+void DialogCustomLayer::LayOut()
+{
+    ensurePolished();
+    layout()->activate();
+    for (const QGroupBox* box :
+         {m_ui->groupBoxInputA, m_ui->groupBoxInputB, m_ui->groupBoxOutput}) {
+        box->layout()->activate();
+    }
+}
+
+void DialogCustomLayer::EnableControls(bool isIdle)
+{
+    if (!isIdle && !m_isComputing) {
+        m_focus = focusWidget();
+    }
+    m_isComputing = !isIdle;
+    const int operation = m_ui->cboOperation->currentIndex();
+    for (QWidget* control :
+         std::initializer_list<QWidget*>{m_ui->txtOutputName, m_ui->btnOk, m_ui->btnCancel,
+                                         m_ui->cboOperation, m_ui->cboInputA}) {
+        control->setEnabled(isIdle);
+    }
+    if (IsBinaryOperation(operation)) {
+        m_ui->cboInputB->setEnabled(isIdle);
+    }
+    if (IsMorphologicalOperation(operation)) {
+        m_ui->spnRadius->setEnabled(isIdle);
+    }
+    m_ui->pgr->setValue(0);
+    m_ui->pgr->setRange(0, isIdle ? 1 : 0);
+    if (isIdle && m_focus) {
+        m_focus->setFocus();
+    }
+}
+
+void DialogCustomLayer::UpdateOperation(int index)
+{
+    m_ui->groupBoxInputB->setEnabled(IsBinaryOperation(index));
+    m_ui->lblRadius->setEnabled(IsMorphologicalOperation(index));
+    m_ui->spnRadius->setEnabled(IsMorphologicalOperation(index));
+    RequestPreview();
+}
+
+void DialogCustomLayer::SetPreviewA(int row)
+{
+    ShowInput(m_ui->cboInputA, row, m_ui->lblImageInputA, m_idA);
+    RequestPreview();
+}
+
+void DialogCustomLayer::SetPreviewB(int row)
+{
+    ShowInput(m_ui->cboInputB, row, m_ui->lblImageInputB, m_idB);
+    RequestPreview();
+}
+
+void DialogCustomLayer::ShowInput(QComboBox* combo, int row, QLabel* label, int& id)
+{
+    id = row < 0 ? NoLayer : combo->itemData(row, Qt::UserRole).toInt();
+    const Layer* layer = m_list->LayerById(id);
+    label->setPixmap(layer ? QPixmap::fromImage(layer->Image().scaled(
+                                 label->size(), Qt::IgnoreAspectRatio, Qt::FastTransformation))
+                           : QPixmap());
+}
+
+void DialogCustomLayer::TakeExistingLayer(QComboBox* combo, int& id)
+{
+    if (m_list->LayerById(id)) {
+        return;
+    }
+    combo->setModel(m_list->model());
+    const int row = combo->currentIndex();
+    id = row < 0 ? NoLayer : combo->itemData(row, Qt::UserRole).toInt();
+}
+
+QString DialogCustomLayer::BuildCode()
+{
+    TakeExistingLayer(m_ui->cboInputA, m_idA);
+    TakeExistingLayer(m_ui->cboInputB, m_idB);
+    const int operation = m_ui->cboOperation->currentIndex();
+    const QString code(QLatin1Char(OperationChar(operation)));
+    if (operation == OperationComplement) {
+        return code + QStringLiteral("(%1)").arg(m_idA);
+    }
+    if (IsBinaryOperation(operation)) {
+        return code + QStringLiteral("(%1)(%2)").arg(m_idA).arg(m_idB);
+    }
+    if (IsMorphologicalOperation(operation)) {
+        const auto radius = static_cast<double>(m_ui->spnRadius->value());
+        return code + QStringLiteral("(%1:%2)").arg(m_idA).arg(radius, 0, 'g',
+                                                               QLocale::FloatingPointShortest);
+    }
+    return code + QStringLiteral("( )");
+}
+
+void DialogCustomLayer::RequestPreview()
+{
+    if (!m_canRequest) {
+        return;
+    }
+    const QString code = BuildCode();
+    if (m_isComputing) {
+        // Disabling the radius box ends its editing once more.
+        m_isOutdated = m_isOutdated || code != m_runningCode;
+        return;
+    }
+    m_runningCode = code;
+    m_isOutdated = false;
+    EnableControls(false);
+    emit PreviewComputationRequested(m_list, code, m_ui->lblImageOutput->size());
+}
+
+void DialogCustomLayer::FinalizePreviewComputation(const QImage& preview)
+{
+    EnableControls(true);
+    m_ui->lblImageOutput->setPixmap(QPixmap::fromImage(preview));
+    if (m_isOutdated) {
+        RequestPreview();
+    }
+}
+
+bool DialogCustomLayer::IsNameFree(const QString& name) const
+{
+    const QVector<Layer*> layers = m_list->Layers();
+    return std::none_of(layers.begin(), layers.end(), [&](const Layer* layer) {
+        return layer->text() == name && !layer->Image().isNull() &&
+               !(m_layerToModify && m_layerToModify->text() == name);
+    });
+}
+
+void DialogCustomLayer::ValidateContent(const QString& name)
+{
+    const bool isGood = IsValidName(name) && IsNameFree(name);
+    const QColor color = isGood ? GoodName : BadName;
+    m_ui->txtOutputName->setStyleSheet(QStringLiteral("QLineEdit { background: %1 }")
+                                           .arg(QStringLiteral("rgb(%1, %2, %3)")
+                                                    .arg(color.red())
+                                                    .arg(color.green())
+                                                    .arg(color.blue())));
+    m_ui->btnOk->setEnabled(isGood);
+}
+
+void DialogCustomLayer::ConfirmDialog()
+{
+    if (m_isComputing) {
+        return;
+    }
+    ValidateContent(m_ui->txtOutputName->text());
+    if (!m_ui->btnOk->isEnabled()) {
+        return;
+    }
+    m_runningCode = BuildCode();
+    m_isOutdated = false;
+    EnableControls(false);
+    emit LayerComputationRequested(m_list, m_runningCode, m_layerToModify);
+}
+
+std::unique_ptr<Layer> DialogCustomLayer::MakeLayer(const QString& name, const QImage& image)
+{
+    auto layer = std::make_unique<Layer>(0, 0, m_list, name, BuildCode());
+    layer->SetImage(image, Qt::white);
+    return layer;
+}
+
+void DialogCustomLayer::FinalizeLayerComputation(const QImage& image)
+{
+    EnableControls(true);
+    const QString name = m_ui->txtOutputName->text();
+    if (m_layerToModify) {
+        // Without a result the layer stays what it was, name included.
+        if (!image.isNull()) {
+            m_layerToModify->setText(name);
+        }
+    } else {
+        std::unique_ptr<Layer> layer = MakeLayer(name, image);
+        Layer* created = layer.get();
+        m_createdLayer = m_list->AddLayer(std::move(layer)) ? created : nullptr;
+    }
+    accept();
+}
+
+void DialogCustomLayer::CloseDialog()
+{
+    reject();
+}
+
+void DialogCustomLayer::reject()
+{
+    if (!m_isComputing) {
+        QDialog::reject();
+    }
+}
+
+void DialogCustomLayer::closeEvent(QCloseEvent* event)
+{
+    if (m_isComputing) {
+        event->ignore();
+    } else {
+        QDialog::closeEvent(event);
+    }
+}

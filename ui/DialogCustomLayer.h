@@ -1,0 +1,86 @@
+#pragma once
+
+#include "app/Tracked.h"
+#include "layers/Layer.h"
+
+#include <QDialog>
+#include <QPointer>
+#include <QThread>
+
+#include <memory>
+
+class LayerList;
+class QComboBox;
+class QLabel;
+
+namespace Ui {
+class DialogCustomLayer;
+}
+
+/// Lets the user define a layer that is computed from others, with pictures of what goes in and
+/// comes out. Computes on a thread of its own, one request at a time; meanwhile its controls are
+/// disabled and it cannot be closed. Modal: nothing else may change the layers.
+class DialogCustomLayer : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// layerToModify: the layer to be defined anew; null, or without an image, to add one.
+    DialogCustomLayer(LayerList* list, Layer* layerToModify, QWidget* parent = nullptr);
+    ~DialogCustomLayer() override;
+    Q_DISABLE_COPY(DialogCustomLayer)
+
+    /// The layer that was added; null when none was.
+    Layer* CreatedLayer() const { return m_createdLayer; }
+
+public slots:
+    void FinalizePreviewComputation(const QImage& preview);
+    void FinalizeLayerComputation(const QImage& image);
+    void ConfirmDialog();
+    void CloseDialog();
+    /// Shows by its colour whether the layer can have the name, and enables "OK" when it can.
+    void ValidateContent(const QString& name);
+    void UpdateOperation(int index);
+    void SetPreviewA(int row);
+    void SetPreviewB(int row);
+    void RequestPreview();
+    /// Does nothing while a computation runs.
+    void reject() override;
+
+signals:
+    void PreviewComputationRequested(const LayerList* layerList, QString code, QSize previewSize);
+    void LayerComputationRequested(const LayerList* layerList, QString code, Layer* layerToModify);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void InitForm();
+    void Connect();
+    void ShowLayerToModify();
+    void StartWorker();
+    void LayOut();
+    void EnableControls(bool isIdle);
+    QString BuildCode();
+    void TakeExistingLayer(QComboBox* combo, int& id);
+    void ShowInput(QComboBox* combo, int row, QLabel* label, int& id);
+    void SelectLayer(QComboBox* combo, int id);
+    bool IsNameFree(const QString& name) const;
+    std::unique_ptr<Layer> MakeLayer(const QString& name, const QImage& image);
+
+    std::unique_ptr<Ui::DialogCustomLayer> m_ui;
+    LayerList* m_list;
+    Tracked<Layer> m_createdLayer;
+    Tracked<Layer> m_layerToModify;
+    int m_idA = 0;
+    int m_idB = 0;
+    /// Not before the worker listens.
+    bool m_canRequest = false;
+    bool m_isComputing = false;
+    QString m_runningCode;
+    /// Another code was asked for while one was computed.
+    bool m_isOutdated = false;
+    /// What had the focus before the controls were disabled.
+    QPointer<QWidget> m_focus;
+    QThread m_thread;
+};

@@ -1,0 +1,125 @@
+#include "ui/DockLayerProps.h"
+
+#include "app/ProjectSettings.h"
+#include "ui_DockLayerProps.h"
+
+#include <QCheckBox>
+#include <QSignalBlocker>
+
+namespace {
+
+constexpr char BitProperty[] = "bit";
+constexpr float FullAlpha = 255.0F;
+
+quint32 BitOf(const QCheckBox& box)
+{
+    return static_cast<quint32>(box.property(BitProperty).toInt());
+}
+
+quint32 CheckedBits(const QList<QCheckBox*>& boxes)
+{
+    quint32 bits = 0;
+    for (const QCheckBox* box : boxes) {
+        bits |= box->isChecked() ? BitOf(*box) : 0;
+    }
+    return bits;
+}
+
+void Check(const QList<QCheckBox*>& boxes, quint32 bits)
+{
+    for (QCheckBox* box : boxes) {
+        box->setChecked((bits & BitOf(*box)) != 0);
+    }
+}
+
+} // namespace
+
+DockLayerProps::DockLayerProps(QWidget* parent)
+    : QDockWidget(parent)
+    , m_ui(std::make_unique<Ui::DockLayerProps>())
+{
+    m_ui->setupUi(this);
+    setEnabled(false);
+    connect(m_ui->gboLayerClrOp, &GroupBoxColor::ColorChanged, this, &DockLayerProps::UpdateColor);
+    connect(m_ui->gboLayerClrOp, &GroupBoxColor::AlphaChanged, this, &DockLayerProps::UpdateAlpha);
+}
+
+DockLayerProps::~DockLayerProps() = default;
+
+void DockLayerProps::BuildFlagBoxes()
+{
+    const AreaFlagTypes& types = ProjectSettings::Instance().areaFlagTypes;
+    AddBoxes(types.usages, m_ui->gboLayerUsageFlags, m_ui->layoutAreaUsageFlags, m_usageBoxes);
+    AddBoxes(types.values, m_ui->gboLayerValueFlags, m_ui->layoutAreaValueFlags, m_valueBoxes);
+}
+
+void DockLayerProps::AddBoxes(const QVector<QString>& names, QGroupBox* group, QGridLayout* grid,
+                              QList<QCheckBox*>& boxes)
+{
+    constexpr int columns = 2;
+    for (int i = 0; i < names.size(); ++i) {
+        auto* box = new QCheckBox(names[i], group);
+        const quint32 bit = 1U << (i % AreaFlagTypes::MaxCount);
+        box->setProperty(BitProperty, static_cast<int>(bit));
+        grid->addWidget(box, i / columns, i % columns);
+        connect(box, &QCheckBox::clicked, this, &DockLayerProps::UpdateFlags);
+        boxes.append(box);
+    }
+}
+
+void DockLayerProps::Refresh()
+{
+    qDeleteAll(m_usageBoxes);
+    qDeleteAll(m_valueBoxes);
+    m_usageBoxes.clear();
+    m_valueBoxes.clear();
+    BuildFlagBoxes();
+    SetLayer(m_layer, false);
+}
+
+void DockLayerProps::SetLayer(Layer* layer, bool announce)
+{
+    m_layer = layer;
+    setEnabled(layer != nullptr);
+    Check(m_usageBoxes, layer ? layer->UsageFlags() : 0);
+    Check(m_valueBoxes, layer ? layer->ValueFlags() : 0);
+    if (!layer) {
+        return;
+    }
+    {
+        const QSignalBlocker notEdited(m_ui->gboLayerClrOp);
+        m_ui->gboLayerClrOp->SetColor(layer->Color().alpha(), layer->Color().rgb());
+    }
+    if (announce) {
+        const float opacity = static_cast<float>(layer->Color().alpha()) / FullAlpha;
+        emit ColorChanged();
+        emit OpacityChanged(opacity);
+    }
+}
+
+void DockLayerProps::UpdateFlags()
+{
+    if (Layer* layer = m_layer) {
+        layer->SetUsageFlags(CheckedBits(m_usageBoxes));
+        layer->SetValueFlags(CheckedBits(m_valueBoxes));
+        ProjectSettings::Instance().modified = true;
+    }
+}
+
+void DockLayerProps::UpdateColor(const QColor& color)
+{
+    if (Layer* layer = m_layer) {
+        layer->SetColor(color);
+        ProjectSettings::Instance().modified = true;
+        emit ColorChanged();
+    }
+}
+
+void DockLayerProps::UpdateAlpha(int alpha, float opacity)
+{
+    if (Layer* layer = m_layer) {
+        layer->SetOpacity(alpha);
+        ProjectSettings::Instance().modified = true;
+        emit OpacityChanged(opacity);
+    }
+}

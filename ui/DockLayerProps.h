@@ -1,0 +1,54 @@
+#pragma once
+
+#include "app/Tracked.h"
+#include "layers/Layer.h"
+
+#include <QDockWidget>
+#include <QList>
+#include <QVector>
+
+#include <memory>
+
+class QCheckBox;
+class QGridLayout;
+class QGroupBox;
+
+namespace Ui {
+class DockLayerProps;
+}
+
+/// The dock that shows and edits the flags, colour and opacity of the selected layer. Disabled
+/// while none is.
+class DockLayerProps : public QDockWidget
+{
+    Q_OBJECT
+
+public:
+    explicit DockLayerProps(QWidget* parent = nullptr);
+    ~DockLayerProps() override;
+    Q_DISABLE_COPY(DockLayerProps)
+
+    /// Adds a box for each of the project's area flag types; those that are there stay.
+    void BuildFlagBoxes();
+    /// Replaces the boxes when the project's area flag types are others, and shows the layer again.
+    void Refresh();
+    /// Null for none. With announce, colour and opacity are emitted.
+    void SetLayer(Layer* layer, bool announce);
+
+signals:
+    void ColorChanged();
+    /// 0 to 1.
+    void OpacityChanged(float opacity);
+
+private:
+    void AddBoxes(const QVector<QString>& names, QGroupBox* group, QGridLayout* grid,
+                  QList<QCheckBox*>& boxes);
+    void UpdateFlags();
+    void UpdateColor(const QColor& color);
+    void UpdateAlpha(int alpha, float opacity);
+
+    std::unique_ptr<Ui::DockLayerProps> m_ui;
+    QList<QCheckBox*> m_usageBoxes;
+    QList<QCheckBox*> m_valueBoxes;
+    Tracked<Layer> m_layer;
+};

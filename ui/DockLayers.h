@@ -1,0 +1,75 @@
+#pragma once
+
+#include <QDockWidget>
+
+#include <memory>
+
+class DockLayerProps;
+class Layer;
+class LayerList;
+class QStandardItem;
+class QXmlStreamReader;
+class QXmlStreamWriter;
+
+namespace Ui {
+class DockLayers;
+}
+
+/// The dock that lists the project's layers: adds, renames, modifies, removes, hides and reorders
+/// them. It owns the list.
+class DockLayers : public QDockWidget
+{
+    Q_OBJECT
+
+public:
+    /// props shows the selected layer and outlives the dock.
+    explicit DockLayers(DockLayerProps* props, QWidget* parent = nullptr);
+    ~DockLayers() override;
+    Q_DISABLE_COPY(DockLayers)
+
+    LayerList* List() const { return m_list.get(); }
+    bool HasLayers() const;
+    /// Enables "hide all" exactly while there is a layer.
+    void UpdateHideAll();
+    /// Makes the layer the selected one; null, and nothing changes, for a row that there is not.
+    Layer* SelectRow(int row);
+    void SelectItem(QStandardItem* item);
+    /// Logs an error when it fails.
+    bool SaveMap(const QString& path);
+    bool ReadXml(QXmlStreamReader& xml);
+    int WriteXml(QXmlStreamWriter& xml);
+    void Clear();
+
+signals:
+    void Added(Layer* layer);
+    /// The user showed or hid the layer.
+    void Checked(Layer* layer);
+    void Modified(Layer* layer);
+    /// The layer of that id is gone.
+    void Removed(int id);
+    void Selected(Layer* layer);
+    void AllHidden();
+    /// The layers stand in another order.
+    void Reordered();
+
+public slots:
+    void AddCustom(bool checked = false);
+    void AddPainted(bool checked = false);
+    void HideAll(bool checked = false);
+    void Selection(const QModelIndex& current, const QModelIndex& previous);
+    /// In pixels of the tree's viewport.
+    void ContextMenu(const QPoint& point);
+    void Modify(bool checked = false);
+    void Rename(bool checked = false);
+    void Remove(bool checked = false);
+
+private:
+    void Connect();
+    Layer* CurrentLayer() const;
+    void FollowRename(const QVector<int>& roles);
+    void FollowMove(Layer* layer);
+
+    std::unique_ptr<Ui::DockLayers> m_ui;
+    DockLayerProps* m_props;
+    std::unique_ptr<LayerList> m_list;
+};

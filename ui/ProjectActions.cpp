@@ -1,0 +1,452 @@
+#include "ui/ProjectActions.h"
+
+#include "app/Log.h"
+#include "app/ProjectDocument.h"
+#include "app/ProjectFile.h"
+#include "app/ProjectReader.h"
+#include "app/ProjectSettings.h"
+#include "canvas/BrushDock.h"
+#include "canvas/MainScene.h"
+#include "canvas/MainView.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "territories/TerritoryTypeList.h"
+#include "ui/DialogNewProject.h"
+#include "ui/DockLayerProps.h"
+#include "ui/DockLayers.h"
+#include "ui/DockStatus.h"
+#include "ui/DockTerTypeProps.h"
+#include "ui/DockTerTypes.h"
+#include "ui/FileDialogs.h"
+#include "ui/InputBlock.h"
+#include "ui/InteractionModes.h"
+#include "ui/LayerComposition.h"
+#include "ui/QuillmapWindow.h"
+#include "ui_QuillmapWindow.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+ProjectSettings& Settings()
+{
+    return ProjectSettings::Instance();
+}
+
+QString Question(const QString& consequence, const QString& action)
+{
+    return QStringLiteral("%1\n\nAre you sure you want to %2?").arg(consequence, action);
+}
+
+/// Whether nothing would be lost, or the user agrees to lose it.
+bool MayDiscard(QWidget& window, const QString& title, const QString& action)
+{
+    return !Settings().modified ||
+           AskYesNo(&window, title,
+                    Question(QStringLiteral(
+                                 "This action will remove all current data. All unsaved work will "
+                                 "be lost."),
+                             action));
+}
+
+/// A project that was never saved: it has no name, and its background picture is found from the
+/// folder.
+void LeaveOldPlace(const QDir& folder)
+{
+    ProjectSettings& settings = Settings();
+    if (!settings.backgroundFile.isEmpty()) {
+        const QFileInfo picture(settings.BackgroundPath());
+        settings.backgroundFile = folder.relativeFilePath(picture.absoluteFilePath());
+    }
+    settings.projectFileName.clear();
+    settings.projectName.clear();
+    settings.projectDir = folder;
+}
+
+void LogNotRead(const QString& name)
+{
+    LogError(QStringLiteral("Failed to open file '%1' for reading.").arg(name));
+}
+
+} // namespace
+
+/// While it lives no other action begins and no input changes the project.
+class ProjectActions::Busy
+{
+public:
+    Busy(ProjectActions& actions, Work work)
+        : m_actions(actions)
+        , m_workBefore(actions.m_work)
+    {
+        m_actions.m_work = work;
+    }
+    ~Busy() { m_actions.m_work = m_workBefore; }
+    Q_DISABLE_COPY(Busy)
+
+private:
+    ProjectActions& m_actions;
+    Work m_workBefore;
+    InputBlock m_inputBlock;
+};
+
+ProjectActions::ProjectActions(const EditorParts& parts, LayerComposition& composition,
+                               InteractionModes& modes)
+    : m_parts(parts)
+    , m_composition(composition)
+    , m_modes(modes)
+{
+}
+
+void ProjectActions::New()
+{
+    if (IsBusy() ||
+        !MayDiscard(m_parts.window, QStringLiteral("New project"), QStringLiteral("continue"))) {
+        return;
+    }
+    DialogNewProject dialog(&m_parts.window);
+    if (dialog.exec() == QDialog::Accepted) {
+        Create(dialog);
+    }
+}
+
+void ProjectActions::Create(const DialogNewProject& dialog)
+{
+    const Busy loading(*this, Work::Loading);
+    EmptyLists();
+    Settings().areaFlagTypes = {};
+    Settings().backgroundFile.clear();
+    Settings().backgroundColor = QColor::fromRgba(ProjectSettings::DefaultBackground);
+    m_parts.scene.ClearWorld();
+    Settings().SetSizes(dialog.LayerSize(), dialog.LayerSize(), dialog.WorldSize(),
+                        dialog.WorldSize());
+    if (!dialog.BackgroundPath().isEmpty()) {
+        LoadWorldImageFile(dialog.BackgroundPath());
+    }
+    if (!dialog.AreaFlagsPath().isEmpty()) {
+        LoadAreaTypesFile(dialog.AreaFlagsPath());
+    }
+    const bool isSaved = SaveTo(dialog.ProjectPath());
+    if (!isSaved) {
+        LeaveOldPlace(QFileInfo(dialog.ProjectPath()).absoluteDir());
+        m_parts.window.SetTitle(QString());
+    }
+    Finalize(true, -1);
+    Settings().modified = !isSaved;
+}
+
+void ProjectActions::StartWith(const QString& configPath)
+{
+    const QFileInfo file(configPath);
+    Settings().projectFileName = file.fileName();
+    Settings().projectDir = file.absoluteDir();
+    m_isStartUp = true;
+    Load();
+}
+
+/// False when the user does not want to load after all.
+bool ProjectActions::AskForProject()
+{
+    if (!MayDiscard(m_parts.window, QStringLiteral("Load configuration"),
+                    QStringLiteral("load a different configuration"))) {
+        return false;
+    }
+    if (m_isStartUp) {
+        return true;
+    }
+    const QString path = AskForFile(&m_parts.window, FilePurpose::LoadProject);
+    if (path.isEmpty()) {
+        return false;
+    }
+    const QFileInfo file(path);
+    Settings().projectFileName = file.fileName();
+    Settings().projectDir = file.absoluteDir();
+    return true;
+}
+
+void ProjectActions::Load()
+{
+    if (IsBusy()) {
+        return;
+    }
+    const QString oldName = Settings().projectFileName;
+    const QDir oldDir = Settings().projectDir;
+    m_composition.Clear();
+    if (!AskForProject()) {
+        m_composition.Fill();
+        return;
+    }
+    m_isStartUp = false;
+    const Busy loading(*this, Work::Loading);
+    QFile file(Settings().ProjectFilePath());
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        const QString name = Settings().projectFileName;
+        Settings().projectFileName = oldName;
+        Settings().projectDir = oldDir;
+        m_composition.Fill();
+        LogNotRead(name);
+        return;
+    }
+    Settings().projectName = QFileInfo(file).baseName();
+    m_parts.window.SetTitle(Settings().projectName);
+    ReadFrom(file);
+}
+
+void ProjectActions::ReadFrom(QFile& file)
+{
+    BeginReplacing();
+    ProjectReader reader(file);
+    m_reader = &reader;
+    const bool isRead =
+        reader.Read({[this](QXmlStreamReader& xml) { m_parts.brush.GetBrush()->ReadXml(xml); },
+                     [this](QXmlStreamReader& xml) { return m_parts.layers.ReadXml(xml); },
+                     [this](QXmlStreamReader& xml) { return m_parts.terTypes.Read(xml); }});
+    m_reader = nullptr;
+    Finalize(isRead, isRead ? reader.SelectedRow() : -1);
+}
+
+/// Empties what the file about to be read replaces, and shows that work is under way.
+void ProjectActions::BeginReplacing()
+{
+    m_isStopped = false;
+    EmptyLists();
+    EnableEditing(false);
+    m_parts.view.setEnabled(false);
+    m_parts.terTypes.ResetModeButtons();
+    m_parts.status.SetProgressVisible(true);
+    m_parts.status.SetBusy();
+}
+
+void ProjectActions::EmptyLists()
+{
+    m_modes.Reset();
+    m_parts.terTypes.ClearSelection();
+    m_composition.SetCurrent(nullptr);
+    m_parts.scene.ChangeLayer(nullptr);
+    m_parts.layers.Clear();
+    m_parts.terTypes.Clear();
+    m_parts.terTypeProps.ForgetTemplate();
+    m_composition.Clear();
+    m_parts.scene.ClearLayers();
+}
+
+void ProjectActions::Finalize(bool isSuccessful, int selected)
+{
+    m_parts.layerProps.Refresh();
+    m_parts.status.SetProgressVisible(false);
+    EnableEditing(true);
+    // The sizes are those of the file even where the rest of it could not be read.
+    m_parts.view.SetSceneSize(Settings().layerWidth, Settings().layerHeight);
+    m_parts.scene.ClearWorld();
+    if (isSuccessful) {
+        ShowProject(selected);
+        return;
+    }
+    EmptyLists();
+    m_modes.EnablePaint(false);
+    if (!m_isStopped) {
+        LogError(QStringLiteral("Failed to parse input."));
+    }
+}
+
+void ProjectActions::ShowProject(int selected)
+{
+    MainScene& scene = m_parts.scene;
+    scene.ClearLayers();
+    if (!Settings().backgroundFile.isEmpty()) {
+        scene.ChangeWorld(Settings().BackgroundPath());
+    }
+    scene.ChangeWorldRGBA(Settings().backgroundColor);
+    m_parts.form.gboBgOver->SetColor(Settings().backgroundColor);
+    if (Layer* layer = m_parts.layers.SelectRow(selected)) {
+        m_parts.brush.SetPaintColor(layer->Color().rgb());
+        m_composition.SetCurrent(layer);
+        m_modes.EnablePaint(true);
+    } else {
+        m_composition.SetCurrent(nullptr);
+        m_modes.EnablePaint(false);
+    }
+    m_parts.brush.Refresh();
+    m_modes.Reset();
+    m_composition.Fill();
+    m_parts.layers.UpdateHideAll();
+    m_composition.Recompose();
+    m_parts.window.UpdateWorldScale();
+    Settings().modified = false;
+}
+
+void ProjectActions::EnableEditing(bool isEnabled)
+{
+    Ui::QuillmapWindowClass& form = m_parts.form;
+    for (QAction* action : {form.actionSave, form.actionSaveAll, form.actionLoadWorld,
+                            form.actionImportAreas, form.actionImportMap}) {
+        action->setEnabled(isEnabled);
+    }
+    for (QWidget* widget : std::initializer_list<QWidget*>{
+             &m_parts.layers, &m_parts.terTypes, &m_parts.view, form.gboPaintMode,
+             form.gboWorldScale, form.gboWorldRSteps, form.gboWorldPos, form.gboBgOver}) {
+        widget->setEnabled(isEnabled);
+    }
+    m_parts.view.setInteractive(isEnabled);
+    if (isEnabled) {
+        m_parts.window.addAction(form.actionTogglePaintMode);
+    } else {
+        m_parts.window.removeAction(form.actionTogglePaintMode);
+    }
+}
+
+bool ProjectActions::Save()
+{
+    if (IsBusy()) {
+        return false;
+    }
+    const QString path = AskForFile(&m_parts.window, FilePurpose::SaveProject);
+    return !path.isEmpty() && SaveTo(path);
+}
+
+bool ProjectActions::SaveTo(const QString& path)
+{
+    const Busy saving(*this, Work::Saving);
+    Layer* current = m_composition.Current();
+    ProjectParts parts{
+        current ? current->row() : -1,
+        [this](QXmlStreamWriter& xml) { m_parts.brush.GetBrush()->WriteXml(xml); },
+        [this] {
+            m_parts.window.SetTitle(Settings().projectName);
+            LogInfo(QStringLiteral("Saving project '%1'...").arg(Settings().projectName));
+        },
+        *m_parts.layers.List(), *m_parts.terTypes.List()};
+    const bool isSaved = SaveProjectTo(path, parts);
+    m_parts.window.SetTitle(Settings().projectName);
+    return isSaved;
+}
+
+void ProjectActions::SaveAll()
+{
+    if (m_parts.layers.HasLayers() && Save()) {
+        SaveMap();
+        ExportTypes(false);
+        LogInfo(QStringLiteral("Save done"));
+    }
+}
+
+void ProjectActions::SaveMap()
+{
+    if (m_parts.layers.HasLayers()) {
+        const Busy saving(*this, Work::Saving);
+        m_parts.layers.SaveMap(Settings().MapPath());
+    }
+}
+
+void ProjectActions::ExportTypes(bool checkedOnly)
+{
+    const Busy saving(*this, Work::Saving);
+    const bool isExported =
+        checkedOnly ? m_parts.terTypes.ExportChecked() : m_parts.terTypes.ExportAll();
+    if (!isExported) {
+        LogError(QStringLiteral("Failed to export territory types."));
+    } else if (checkedOnly) {
+        LogSuccess(QStringLiteral("Selected territory types succesfully exported."));
+    } else {
+        LogSuccess(QStringLiteral("Territory types succesfully exported."));
+    }
+}
+
+void ProjectActions::LoadWorldImage()
+{
+    const QString path = AskForFile(&m_parts.window, FilePurpose::BackgroundPicture);
+    if (!path.isEmpty()) {
+        LoadWorldImageFile(path);
+        Settings().modified = true;
+    }
+}
+
+void ProjectActions::LoadWorldImageFile(const QString& path)
+{
+    Settings().backgroundFile = Settings().projectDir.relativeFilePath(path);
+    m_parts.scene.ChangeWorld(Settings().BackgroundPath());
+}
+
+void ProjectActions::ImportAreaTypes()
+{
+    const AreaFlagTypes& types = Settings().areaFlagTypes;
+    const bool hasTypes = !types.usages.isEmpty() || !types.values.isEmpty();
+    const QString title = QStringLiteral("Import area flag types");
+    if (IsBusy() ||
+        (hasTypes &&
+         !AskYesNo(&m_parts.window, title,
+                   Question(QStringLiteral("This action will replace all area flag types and "
+                                           "resets flags on all layers."),
+                            QStringLiteral("continue"))))) {
+        return;
+    }
+    const QString path = AskForFile(&m_parts.window, FilePurpose::AreaFlagTypes);
+    if (!path.isEmpty()) {
+        LoadAreaTypesFile(path);
+    }
+}
+
+bool ProjectActions::LoadAreaTypesFile(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        LogNotRead(path);
+        return false;
+    }
+    const AreaFlagTypes oldTypes = Settings().areaFlagTypes;
+    if (!Settings().areaFlagTypes.ReadFile(path)) {
+        Settings().areaFlagTypes = oldTypes;
+        return true;
+    }
+    m_parts.layers.List()->ResetFlags();
+    m_parts.layerProps.Refresh();
+    Settings().modified = true;
+    return true;
+}
+
+void ProjectActions::ImportAreaMap()
+{
+    if (IsBusy()) {
+        return;
+    }
+    m_composition.Clear();
+    const QString title = QStringLiteral("Import area map");
+    const bool isWanted = MayDiscard(m_parts.window, title, QStringLiteral("continue"));
+    const QString path = isWanted ? AskForFile(&m_parts.window, FilePurpose::AreaMap) : QString();
+    if (path.isEmpty()) {
+        m_composition.Fill();
+        return;
+    }
+    const Busy loading(*this, Work::Loading);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        m_composition.Fill();
+        LogNotRead(path);
+        return;
+    }
+    // A map is no text: each byte that looks like a line end is one of its own.
+    file.setTextModeEnabled(false);
+    ReadMap(file);
+}
+
+void ProjectActions::ReadMap(QFile& file)
+{
+    Settings().projectName = QFileInfo(file).baseName();
+    m_parts.window.SetTitle(Settings().projectName);
+    BeginReplacing();
+    const bool isRead = m_parts.layers.List()->ImportMap(file);
+    if (!isRead && !m_isStopped) {
+        LogError(QStringLiteral("Reading map file failed."));
+    }
+    Finalize(isRead, -1);
+    // The layers exist nowhere else yet.
+    Settings().modified = Settings().modified || isRead;
+}
+
+void ProjectActions::StopLoading()
+{
+    m_isStopped = true;
+    if (m_reader) {
+        m_reader->Stop();
+    }
+}

@@ -1,0 +1,347 @@
+#include "ui/QuillmapWindow.h"
+
+#include "app/Log.h"
+#include "app/ProjectSettings.h"
+#include "canvas/BrushDock.h"
+#include "canvas/MainScene.h"
+#include "canvas/MainView.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "territories/Zone.h"
+#include "ui/DockLayerProps.h"
+#include "ui/DockLayers.h"
+#include "ui/DockStatus.h"
+#include "ui/DockTerTypeProps.h"
+#include "ui/DockTerTypes.h"
+#include "ui/FileDialogs.h"
+#include "ui/InteractionModes.h"
+#include "ui/LayerComposition.h"
+#include "ui/ProjectActions.h"
+#include "ui/StatusTexts.h"
+#include "ui/WindowState.h"
+#include "ui_QuillmapWindow.h"
+
+#include <QCloseEvent>
+#include <QMessageBox>
+#include <QTimer>
+
+namespace {
+
+constexpr QPoint FirstPlace(50, 50);
+constexpr int CloseRetryMilliseconds = 50;
+
+const QString AxisX = QStringLiteral("X");
+const QString AxisZ = QStringLiteral("Z");
+
+} // namespace
+
+QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
+    : QMainWindow(parent)
+    , m_ui(std::make_unique<Ui::QuillmapWindowClass>())
+{
+    m_ui->setupUi(this);
+    AddDocks();
+    const EditorParts parts{
+        *this,       *m_ui,          *m_ui->paintView, *m_ui->paintView->Scene(),
+        *m_brush,    *m_layers,      *m_layerProps,    *m_status,
+        *m_terTypes, *m_terTypeProps};
+    m_composition = std::make_unique<LayerComposition>(*m_layers->List(), *m_ui->paintView);
+    m_modes = std::make_unique<InteractionModes>(parts);
+    m_project = std::make_unique<ProjectActions>(parts, *m_composition, *m_modes);
+    ConnectLog();
+    ConnectActions();
+    ConnectLayers();
+    ConnectTerritories();
+    ConnectMap();
+    m_ui->paintView->Scene()->ChangeWorldVisibility(true);
+    m_status->SetProgressVisible(false);
+    SetTitle(QString());
+    move(FirstPlace);
+    if (!configPath.isEmpty()) {
+        OpenForViewing(configPath);
+    }
+    WindowState::Restore(*this);
+    m_project->EnableEditing(false);
+    m_brush->setVisible(m_ui->gboPaintMode->isChecked());
+    ShowDockStates();
+    m_ui->paintView->SetBrushDock(m_brush.get());
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    if (settings.layerWidth > 0) {
+        m_ui->paintView->SetRulerUnits(settings.layerWidth, settings.layerHeight);
+    }
+}
+
+QuillmapWindow::~QuillmapWindow()
+{
+    // What dies from here on would report to slots that work on what is dead already.
+    const QList<QObject*> children = findChildren<QObject*>();
+    for (QObject* child : children) {
+        child->disconnect(this);
+    }
+}
+
+void QuillmapWindow::AddDocks()
+{
+    m_brush = std::make_unique<BrushDock>(this);
+    m_layerProps = std::make_unique<DockLayerProps>(this);
+    m_layers = std::make_unique<DockLayers>(m_layerProps.get(), this);
+    m_status = std::make_unique<DockStatus>(this);
+    m_terTypeProps = std::make_unique<DockTerTypeProps>(this);
+    m_terTypes =
+        std::make_unique<DockTerTypes>(m_ui->paintView->Scene(), m_terTypeProps.get(), this);
+    addDockWidget(Qt::LeftDockWidgetArea, m_layers.get());
+    addDockWidget(Qt::LeftDockWidgetArea, m_layerProps.get());
+    addDockWidget(Qt::BottomDockWidgetArea, m_status.get());
+    addDockWidget(Qt::RightDockWidgetArea, m_terTypes.get());
+    addDockWidget(Qt::RightDockWidgetArea, m_terTypeProps.get());
+    addDockWidget(Qt::RightDockWidgetArea, m_brush.get());
+    m_terTypes->hide();
+    m_terTypeProps->hide();
+}
+
+/// The project is there to be looked at; what the user was working on last decides where file
+/// dialogs start.
+void QuillmapWindow::OpenForViewing(const QString& configPath)
+{
+    m_project->StartWith(configPath);
+    if (!ProjectSettings::Instance().projectName.isEmpty()) {
+        LogInfo(QStringLiteral("Project opened for viewing. Load it (Ctrl+O) to edit."));
+    }
+}
+
+void QuillmapWindow::SetTitle(const QString& name)
+{
+    setWindowTitle(tr("%1 - Tarvo Ledger Tool").arg(name.isEmpty() ? tr("Unsaved") : name));
+}
+
+void QuillmapWindow::QuitApplication()
+{
+    close();
+}
+
+void QuillmapWindow::NewProject()
+{
+    m_project->New();
+}
+
+void QuillmapWindow::LoadProject()
+{
+    m_project->Load();
+}
+
+bool QuillmapWindow::SaveProject()
+{
+    return m_project->Save();
+}
+
+void QuillmapWindow::SaveAll()
+{
+    m_project->SaveAll();
+}
+
+void QuillmapWindow::SaveAreaMap()
+{
+    m_project->SaveMap();
+}
+
+void QuillmapWindow::LoadWorldImage()
+{
+    m_project->LoadWorldImage();
+}
+
+void QuillmapWindow::ImportAreaTypes()
+{
+    m_project->ImportAreaTypes();
+}
+
+void QuillmapWindow::ImportAreaMap()
+{
+    m_project->ImportAreaMap();
+}
+
+bool QuillmapWindow::SaveProjectFile(const QString& filepath)
+{
+    return m_project->SaveTo(filepath);
+}
+
+bool QuillmapWindow::LoadAreaTypesFile(const QString& filepath)
+{
+    return m_project->LoadAreaTypesFile(filepath);
+}
+
+void QuillmapWindow::LoadWorldImageFile(const QString& filepath)
+{
+    m_project->LoadWorldImageFile(filepath);
+}
+
+void QuillmapWindow::FinalizeConfigurationLoad(bool isSuccessful, int selected)
+{
+    m_project->Finalize(isSuccessful, selected);
+}
+
+void QuillmapWindow::ExportSelectedTerritoryTypes()
+{
+    m_project->ExportTypes(true);
+}
+
+void QuillmapWindow::ExportAllTerritoryTypes()
+{
+    m_project->ExportTypes(false);
+}
+
+void QuillmapWindow::ShowLayers(bool checked)
+{
+    m_layers->setVisible(checked);
+    m_layerProps->setVisible(checked);
+}
+
+void QuillmapWindow::ShowTerritoryTypes(bool checked)
+{
+    m_terTypes->setVisible(checked);
+    m_terTypeProps->setVisible(checked);
+}
+
+void QuillmapWindow::ShowStatus(bool checked)
+{
+    m_status->setVisible(checked);
+}
+
+void QuillmapWindow::LayerChecked(Layer* layer)
+{
+    m_composition->Follow(layer);
+    m_composition->Recompose();
+    ProjectSettings::Instance().modified = true;
+}
+
+void QuillmapWindow::LayerSelected(Layer* layer)
+{
+    if (layer != m_composition->Current()) {
+        m_brush->SetPaintColor(layer->Color().rgb());
+        m_composition->SetCurrent(layer);
+        m_composition->Recompose();
+        ProjectSettings::Instance().modified = true;
+    }
+    m_modes->EnablePaint(true);
+    m_modes->EnableZoomLabels();
+}
+
+void QuillmapWindow::LayersHidden()
+{
+    m_composition->Clear();
+    m_composition->SetCurrent(nullptr);
+    m_modes->LeavePaint();
+    m_modes->EnablePaint(false);
+    m_composition->Recompose();
+    ProjectSettings::Instance().modified = true;
+}
+
+void QuillmapWindow::LayerModified(Layer* layer)
+{
+    if (layer == m_composition->Current()) {
+        m_layerProps->SetLayer(layer, false);
+    }
+    m_composition->Recompose();
+}
+
+void QuillmapWindow::LayerRemoved()
+{
+    if (!m_composition->Current()) {
+        m_modes->LeavePaint();
+        m_modes->EnablePaint(false);
+    }
+    m_composition->Recompose();
+}
+
+void QuillmapWindow::RecomposeChanged()
+{
+    m_composition->Fill();
+    m_composition->Recompose();
+}
+
+void QuillmapWindow::UpdateLayerColor(const QColor& color)
+{
+    m_composition->Recompose();
+    m_brush->SetPaintColor(color.rgb());
+    ProjectSettings::Instance().modified = true;
+}
+
+void QuillmapWindow::UpdateLayerOpacity(float opacity)
+{
+    m_ui->paintView->Scene()->ChangeLayerAlpha(opacity);
+    ProjectSettings::Instance().modified = true;
+}
+
+void QuillmapWindow::TogglePaintMode(bool isOn)
+{
+    m_modes->TogglePaint(isOn);
+}
+
+void QuillmapWindow::InsertZoneMode(bool isOn)
+{
+    m_modes->EnterZoneMode(SceneMode::Insert, isOn);
+}
+
+void QuillmapWindow::SelectZoneMode(bool isOn)
+{
+    m_modes->EnterZoneMode(SceneMode::Select, isOn);
+}
+
+void QuillmapWindow::SelectQueryMode(bool isOn)
+{
+    m_modes->EnterZoneMode(SceneMode::Query, isOn);
+}
+
+void QuillmapWindow::ZoneSelected(const QList<QGraphicsItem*>& items)
+{
+    m_terTypes->SetSelectionControlsEnabled(!items.isEmpty());
+    m_terTypeProps->ShowZone(items.size() == 1 ? qgraphicsitem_cast<Zone*>(items.first())
+                                               : nullptr);
+}
+
+void QuillmapWindow::SetZoomLevel(float zoom)
+{
+    m_ui->lblZoomValue->setText(StatusTexts::Zoom(zoom));
+}
+
+void QuillmapWindow::UpdateWorldScale()
+{
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    m_ui->lblWorldScaleX->setText(StatusTexts::Scale(AxisX, settings.metresPerPixelX));
+    m_ui->lblWorldScaleZ->setText(StatusTexts::Scale(AxisZ, settings.metresPerPixelZ));
+    m_ui->lblWorldRStepX->setText(StatusTexts::RulerStep(AxisX, settings.metresPerPixelX));
+    m_ui->lblWorldRStepZ->setText(StatusTexts::RulerStep(AxisZ, settings.metresPerPixelZ));
+}
+
+void QuillmapWindow::UpdateWorldPos(int x, int z)
+{
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    const float zoom = m_ui->paintView->Zoom();
+    m_ui->lblWorldPosX->setText(StatusTexts::Position(AxisX, x, zoom, settings.metresPerPixelX));
+    m_ui->lblWorldPosZ->setText(StatusTexts::Position(AxisZ, z, zoom, settings.metresPerPixelZ));
+}
+
+void QuillmapWindow::closeEvent(QCloseEvent* event)
+{
+    if (m_project->IsSaving()) {
+        // What is being written is finished first.
+        event->ignore();
+        QTimer::singleShot(CloseRetryMilliseconds, this, &QWidget::close);
+        return;
+    }
+    if (m_status->IsProgressOnScreen()) {
+        QMessageBox::information(this, tr("Load in progress"),
+                                 tr("Configuration file is now being loaded. Application cannot be "
+                                    "closed right now."));
+        event->ignore();
+        return;
+    }
+    const QString question = tr("All unsaved work will be lost.\n\nAre you sure you want to quit "
+                                "the application?");
+    if (ProjectSettings::Instance().modified && !AskYesNo(this, tr("Exit application"), question)) {
+        event->ignore();
+        return;
+    }
+    m_project->StopLoading();
+    WindowState::Store(*this);
+    event->accept();
+}

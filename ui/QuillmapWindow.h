@@ -1,0 +1,112 @@
+#pragma once
+
+#include <QColor>
+#include <QList>
+#include <QMainWindow>
+#include <QString>
+
+#include <memory>
+
+class BrushDock;
+class DockLayerProps;
+class DockLayers;
+class DockStatus;
+class DockTerTypeProps;
+class DockTerTypes;
+class InteractionModes;
+class Layer;
+class LayerComposition;
+class LayerList;
+class ProjectActions;
+class QGraphicsItem;
+class TerritoryTypeList;
+
+namespace Ui {
+class QuillmapWindowClass;
+}
+
+/// The editor: the map in the middle, the docks around it, menus and tool bar. It owns them and
+/// says who talks to whom; what its actions do is in ProjectActions, InteractionModes and
+/// LayerComposition.
+class QuillmapWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    /// configPath: a project to open for viewing; may be empty.
+    explicit QuillmapWindow(const QString& configPath, QWidget* parent = nullptr);
+    ~QuillmapWindow() override;
+    Q_DISABLE_COPY(QuillmapWindow)
+
+    /// Shows the project's name; without one "Unsaved".
+    void SetTitle(const QString& name);
+
+signals:
+    /// Never emitted; declared for those who connect to it.
+    void ConfigurationLoadRequested(LayerList* layerList, TerritoryTypeList* territoryTypeList);
+
+public slots:
+    void QuitApplication();
+    void NewProject();
+    void LoadProject();
+    bool SaveProject();
+    void SaveAll();
+    void SaveAreaMap();
+    void LoadWorldImage();
+    void ImportAreaTypes();
+    void ImportAreaMap();
+    bool SaveProjectFile(const QString& filepath);
+    bool LoadAreaTypesFile(const QString& filepath);
+    void LoadWorldImageFile(const QString& filepath);
+    void ShowLayers(bool checked);
+    void ShowTerritoryTypes(bool checked);
+    void ShowStatus(bool checked);
+    void LayerChecked(Layer* layer);
+    void LayerSelected(Layer* layer);
+    void LayersHidden();
+    void UpdateLayerColor(const QColor& color);
+    /// 0 to 1.
+    void UpdateLayerOpacity(float opacity);
+    void TogglePaintMode(bool isOn);
+    void SetZoomLevel(float zoom);
+    void UpdateWorldScale();
+    /// View pixels from the rulers' origins.
+    void UpdateWorldPos(int x, int z);
+    /// selected: the row of the layer that becomes the current one.
+    void FinalizeConfigurationLoad(bool isSuccessful, int selected = -1);
+    void InsertZoneMode(bool isOn);
+    void SelectZoneMode(bool isOn);
+    void SelectQueryMode(bool isOn);
+    void ZoneSelected(const QList<QGraphicsItem*>& items);
+    void ExportSelectedTerritoryTypes();
+    void ExportAllTerritoryTypes();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void AddDocks();
+    void ConnectLog();
+    void ConnectActions();
+    void ConnectLayers();
+    void ConnectTerritories();
+    void ConnectMap();
+    void OpenForViewing(const QString& configPath);
+    void LayerModified(Layer* layer);
+    void RecomposeChanged();
+    void LayerRemoved();
+    void ShowDockStates();
+
+    std::unique_ptr<Ui::QuillmapWindowClass> m_ui;
+    std::unique_ptr<BrushDock> m_brush;
+    std::unique_ptr<DockLayerProps> m_layerProps;
+    std::unique_ptr<DockLayers> m_layers;
+    std::unique_ptr<DockStatus> m_status;
+    std::unique_ptr<DockTerTypeProps> m_terTypeProps;
+    std::unique_ptr<DockTerTypes> m_terTypes;
+    std::unique_ptr<LayerComposition> m_composition;
+    std::unique_ptr<InteractionModes> m_modes;
+    std::unique_ptr<ProjectActions> m_project;
+    bool m_isCloseAsked = false;
+};

@@ -1,0 +1,122 @@
+#include "app/Log.h"
+#include "app/ProjectSettings.h"
+#include "canvas/BrushDock.h"
+#include "canvas/MainScene.h"
+#include "canvas/MainView.h"
+#include "layers/Layer.h"
+#include "ui/DockLayerProps.h"
+#include "ui/DockLayers.h"
+#include "ui/DockStatus.h"
+#include "ui/DockTerTypeProps.h"
+#include "ui/DockTerTypes.h"
+#include "ui/LayerComposition.h"
+#include "ui/QuillmapWindow.h"
+#include "ui_QuillmapWindow.h"
+
+#include <QEvent>
+
+// Who talks to whom in the editor's window, and nothing else.
+
+void QuillmapWindow::ConnectLog()
+{
+    qRegisterMetaType<Log::MessageType>("Log::MessageType");
+    connect(&Log::Instance(), &Log::MessageReceived, m_status.get(), &DockStatus::AddMessage);
+}
+
+void QuillmapWindow::ConnectActions()
+{
+    const Ui::QuillmapWindowClass& ui = *m_ui;
+    connect(ui.actionNew, &QAction::triggered, this, &QuillmapWindow::NewProject);
+    connect(ui.actionLoad, &QAction::triggered, this, &QuillmapWindow::LoadProject);
+    connect(ui.actionSave, &QAction::triggered, this, &QuillmapWindow::SaveProject);
+    connect(ui.actionSaveAll, &QAction::triggered, this, &QuillmapWindow::SaveAll);
+    connect(ui.actionLoadWorld, &QAction::triggered, this, &QuillmapWindow::LoadWorldImage);
+    connect(ui.actionImportAreas, &QAction::triggered, this, &QuillmapWindow::ImportAreaTypes);
+    connect(ui.actionImportMap, &QAction::triggered, this, &QuillmapWindow::ImportAreaMap);
+    connect(ui.actionExit, &QAction::triggered, this, &QuillmapWindow::QuitApplication);
+    connect(ui.actionTogglePaintMode, &QAction::triggered, this, &QuillmapWindow::TogglePaintMode);
+    connect(ui.gboPaintMode, &QGroupBox::clicked, this, &QuillmapWindow::TogglePaintMode);
+    connect(ui.actionViewLayers, &QAction::triggered, this, &QuillmapWindow::ShowLayers);
+    connect(ui.actionViewTerritoryTypes, &QAction::triggered, this,
+            &QuillmapWindow::ShowTerritoryTypes);
+    connect(ui.actionViewStatus, &QAction::triggered, this, &QuillmapWindow::ShowStatus);
+    for (QDockWidget* dock :
+         std::initializer_list<QDockWidget*>{m_layers.get(), m_layerProps.get(), m_terTypes.get(),
+                                             m_terTypeProps.get(), m_status.get()}) {
+        dock->installEventFilter(this);
+    }
+}
+
+void QuillmapWindow::ConnectLayers()
+{
+    connect(m_layers.get(), &DockLayers::Checked, this, &QuillmapWindow::LayerChecked);
+    connect(m_layers.get(), &DockLayers::Selected, this, &QuillmapWindow::LayerSelected);
+    connect(m_layers.get(), &DockLayers::AllHidden, this, &QuillmapWindow::LayersHidden);
+    connect(m_layers.get(), &DockLayers::Added, this, &QuillmapWindow::RecomposeChanged);
+    connect(m_layers.get(), &DockLayers::Modified, this, &QuillmapWindow::LayerModified);
+    connect(m_layers.get(), &DockLayers::Removed, this, &QuillmapWindow::LayerRemoved);
+    connect(m_layers.get(), &DockLayers::Reordered, this, &QuillmapWindow::RecomposeChanged);
+    connect(m_layerProps.get(), &DockLayerProps::ColorChanged, this, [this] {
+        if (const Layer* layer = m_composition->Current()) {
+            UpdateLayerColor(QColor(layer->Color().rgb()));
+        }
+    });
+    connect(m_layerProps.get(), &DockLayerProps::OpacityChanged, this,
+            &QuillmapWindow::UpdateLayerOpacity);
+}
+
+void QuillmapWindow::ConnectTerritories()
+{
+    MainScene* scene = m_ui->paintView->Scene();
+    connect(m_terTypes.get(), &DockTerTypes::InsertClicked, this, &QuillmapWindow::InsertZoneMode);
+    connect(m_terTypes.get(), &DockTerTypes::SelectClicked, this, &QuillmapWindow::SelectZoneMode);
+    connect(m_terTypes.get(), &DockTerTypes::QueryClicked, this, &QuillmapWindow::SelectQueryMode);
+    connect(m_terTypes.get(), &DockTerTypes::Selected, scene, &MainScene::ChangeTerritory);
+    connect(m_terTypes.get(), &DockTerTypes::ExportSelectedClicked, this,
+            &QuillmapWindow::ExportSelectedTerritoryTypes);
+    connect(m_terTypes.get(), &DockTerTypes::ExportAllClicked, this,
+            &QuillmapWindow::ExportAllTerritoryTypes);
+    connect(m_ui->paintView, &MainView::ModeInsert, m_terTypes.get(), &DockTerTypes::InsertMode);
+    connect(m_ui->paintView, &MainView::ModeSelect, m_terTypes.get(), &DockTerTypes::SelectMode);
+    connect(m_ui->paintView, &MainView::ModeQuery, m_terTypes.get(), &DockTerTypes::QueryMode);
+    connect(m_ui->paintView, &MainView::TerritorySelected, m_terTypes.get(), &DockTerTypes::Select);
+    connect(scene, &MainScene::ZoneInserted, m_terTypeProps.get(),
+            &DockTerTypeProps::ApplyToNewZone);
+    // update() has overloads that a pointer would have to be told apart from.
+    connect(m_terTypeProps.get(), SIGNAL(Changed(const QRectF&)), scene,
+            SLOT(update(const QRectF&)));
+}
+
+void QuillmapWindow::ConnectMap()
+{
+    const Ui::QuillmapWindowClass& ui = *m_ui;
+    MainScene* scene = ui.paintView->Scene();
+    connect(scene, &MainScene::ZoneSelected, this, &QuillmapWindow::ZoneSelected);
+    connect(scene, &MainScene::ZoomChanged, this, &QuillmapWindow::SetZoomLevel);
+    connect(ui.paintView, &MainView::ZoomChanged, this, &QuillmapWindow::SetZoomLevel);
+    connect(ui.paintView, &MainView::MouseMoved, this, &QuillmapWindow::UpdateWorldPos);
+    connect(m_brush.get(), &BrushDock::Changed, scene, &MainScene::RefreshBrush);
+    connect(ui.gboBgOver, &GroupBoxColor::ColorChanged, scene, &MainScene::ChangeWorldColor);
+    connect(ui.gboBgOver, &GroupBoxColor::AlphaChanged, scene, &MainScene::ChangeWorldAlpha);
+    connect(ui.gboBgOver, &GroupBoxColor::ColorChanged, this,
+            [] { ProjectSettings::Instance().modified = true; });
+    connect(ui.gboBgOver, &GroupBoxColor::AlphaChanged, this,
+            [] { ProjectSettings::Instance().modified = true; });
+}
+
+bool QuillmapWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    // A dock that is tabbed behind another is not hidden, so its visibility on screen is no guide.
+    if (event->type() == QEvent::HideToParent || event->type() == QEvent::ShowToParent) {
+        ShowDockStates();
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void QuillmapWindow::ShowDockStates()
+{
+    m_ui->actionViewLayers->setChecked(!m_layers->isHidden() || !m_layerProps->isHidden());
+    m_ui->actionViewTerritoryTypes->setChecked(!m_terTypes->isHidden() ||
+                                               !m_terTypeProps->isHidden());
+    m_ui->actionViewStatus->setChecked(!m_status->isHidden());
+}

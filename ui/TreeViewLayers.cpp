@@ -1,0 +1,52 @@
+#include "ui/TreeViewLayers.h"
+
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+
+#include <QDropEvent>
+#include <QStandardItemModel>
+
+TreeViewLayers::TreeViewLayers(QWidget* parent)
+    : QTreeView(parent)
+{
+}
+
+void TreeViewLayers::SetList(LayerList* list)
+{
+    m_list = list;
+    setModel(list->model());
+}
+
+/// The base would let the model move the data of the row, and so destroy the layer. The event stays
+/// unaccepted: a view removes rows whose drag was accepted as a move.
+void TreeViewLayers::dropEvent(QDropEvent* event)
+{
+    event->setDropAction(Qt::IgnoreAction);
+    event->ignore();
+    stopAutoScroll();
+    setState(NoState);
+    viewport()->update();
+    const QModelIndexList selected = selectionModel()->selectedRows(0);
+    const QModelIndex target = indexAt(event->pos());
+    if (!m_list || selected.isEmpty() || !target.isValid()) {
+        return;
+    }
+    const int sourceRow = selected.first().row();
+    if (sourceRow < 0 || target.row() < 0 || sourceRow == target.row()) {
+        return;
+    }
+    const uint id = selected.first().data(Qt::UserRole).toUInt();
+    if (Layer* layer = m_list->LayerById(static_cast<int>(id))) {
+        MoveTo(target.row(), layer);
+    }
+}
+
+void TreeViewLayers::MoveTo(int targetRow, Layer* layer)
+{
+    QStandardItemModel* model = m_list->model();
+    m_isMoving = true;
+    model->insertRow(targetRow, model->takeRow(layer->row()));
+    selectionModel()->setCurrentIndex(layer->index(), QItemSelectionModel::ClearAndSelect);
+    m_isMoving = false;
+    emit Moved(layer);
+}
