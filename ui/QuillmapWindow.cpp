@@ -8,6 +8,7 @@
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "territories/Zone.h"
+#include "territories/ZoneIcons.h"
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
 #include "ui/DockStatus.h"
@@ -23,6 +24,7 @@
 
 #include <QCloseEvent>
 #include <QMessageBox>
+#include <QScreen>
 #include <QTimer>
 
 namespace {
@@ -40,6 +42,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     , m_ui(std::make_unique<Ui::QuillmapWindowClass>())
 {
     m_ui->setupUi(this);
+    ZoneIcons::Load();
     AddDocks();
     const EditorParts parts{
         *this,       *m_ui,          *m_ui->paintView, *m_ui->paintView->Scene(),
@@ -57,6 +60,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     m_status->SetProgressVisible(false);
     SetTitle(QString());
     move(FirstPlace);
+    FitScreen();
     if (!configPath.isEmpty()) {
         OpenForViewing(configPath);
     }
@@ -97,6 +101,15 @@ void QuillmapWindow::AddDocks()
     addDockWidget(Qt::RightDockWidgetArea, m_brush.get());
     m_terTypes->hide();
     m_terTypeProps->hide();
+}
+
+/// As large as the form has it, unless the screen is smaller; what the window system adds around it
+/// is not known yet.
+void QuillmapWindow::FitScreen()
+{
+    constexpr QSize frame(20, 50);
+    const QSize room = screen()->availableGeometry().size() - QSize(FirstPlace.x(), FirstPlace.y());
+    resize(size().boundedTo(room - frame));
 }
 
 /// The project is there to be looked at; what the user was working on last decides where file

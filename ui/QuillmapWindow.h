@@ -87,6 +87,7 @@ protected:
 
 private:
     void AddDocks();
+    void FitScreen();
     void ConnectLog();
     void ConnectActions();
     void ConnectLayers();
