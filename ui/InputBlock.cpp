@@ -1,6 +1,7 @@
 #include "ui/InputBlock.h"
 
-#include <QApplication>
+#include <QCoreApplication>
+#include <QDialog>
 #include <QEvent>
 
 InputBlock::InputBlock()
@@ -10,7 +11,8 @@ InputBlock::InputBlock()
 
 bool InputBlock::eventFilter(QObject* watched, QEvent* event)
 {
-    if (!watched->isWidgetType() || QApplication::activeModalWidget()) {
+    const auto* widget = qobject_cast<const QWidget*>(watched);
+    if (!widget || qobject_cast<const QDialog*>(widget->window())) {
         return false;
     }
     switch (event->type()) {

@@ -77,7 +77,8 @@ void ModalAnswers::AnswerOne()
 {
     // A timer does not fire while it is being answered, but an answer may open the next dialog.
     m_timer.start();
-    QWidget* dialog = QApplication::activeModalWidget();
+    // The editor's window is modal itself.
+    QWidget* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     if (!dialog || dialog == m_answered) {
         return;
     }
