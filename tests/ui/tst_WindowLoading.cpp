@@ -1,0 +1,411 @@
+#include "app/Log.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "territories/Zone.h"
+#include "tests/support/Files.h"
+#include "tests/support/WindowFixture.h"
+#include "ui/DockLayers.h"
+
+#include <QCheckBox>
+#include <QFileDialog>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QTest>
+#include <QTreeView>
+
+#include <algorithm>
+#include <functional>
+
+namespace {
+
+const QString Discard = "Load configuration: This action will remove all current data. All unsaved "
+                        "work will be lost.\n\nAre you sure you want to load a different "
+                        "configuration?";
+
+LayerList& Layers(const WindowFixture& fixture)
+{
+    return *fixture.Child<DockLayers>("DockLayers")->List();
+}
+
+int ZonesOnTheMap(const WindowFixture& fixture)
+{
+    int count = 0;
+    const QList<QGraphicsItem*> items = fixture.Scene().items();
+    for (const QGraphicsItem* item : items) {
+        count += item->type() == Zone::Type ? 1 : 0;
+    }
+    return count;
+}
+
+/// Does something once, when the next message is logged.
+class AtNextMessage : public QObject
+{
+public:
+    explicit AtNextMessage(const std::function<void()>& action)
+    {
+        connect(&Log::Instance(), &Log::MessageReceived, this, [this, action] {
+            if (!m_wasDone) {
+                m_wasDone = true;
+                action();
+            }
+        });
+    }
+
+private:
+    bool m_wasDone = false;
+};
+
+} // namespace
+
+class tst_WindowLoading : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void LoadsAProject();
+    void SelectsTheStoredRow();
+    void WithoutAStoredRowThereIsNothingToPaint();
+    void TakesElementsInAnyOrder();
+    void TakesElementsBelowAnotherRoot();
+    void AsksBeforeItDiscards_data();
+    void AsksBeforeItDiscards();
+    void CancelKeepsWhatIsThere();
+    void AMissingFileLeavesAllAsItWas();
+    void AMalformedProjectLeavesNothing_data();
+    void AMalformedProjectLeavesNothing();
+    void OldFlagBoxesGo();
+    void AnOldBackgroundGoes();
+    void OpensTheProjectOfTheCommandLine();
+    void RefusesToCloseWhileItLoads();
+    void ClosesWhileItLoadsWithoutTheStatusDock();
+    void IsNotStartedTwice();
+};
+
+void tst_WindowLoading::LoadsAProject()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.log.Take();
+
+    fixture.Load(path);
+
+    QCOMPARE(fixture.log.Take(),
+             (QStringList{"Info: Loading layer \"red\"...", "Info: Loading layer \"blue\"..."}));
+    QCOMPARE(fixture.window->windowTitle(), "small - Tarvo Ledger Tool");
+    QCOMPARE(Layers(fixture).Layers().size(), 2);
+    QCOMPARE(ZonesOnTheMap(fixture), 1);
+    QCOMPARE(ProjectSettings::Instance().projectFileName, "small.xml");
+    QCOMPARE(ProjectSettings::Instance().projectDir.path(), fixture.Path("small"));
+    QCOMPARE(ProjectSettings::Instance().areaFlagTypes.usages, (QVector<QString>{"Town", "Farm"}));
+    QVERIFY(!fixture.Modified());
+    QCOMPARE(fixture.Child<QLabel>("lblWorldScaleX")->text(), "X: 1 px = 10 m");
+    QCOMPARE(fixture.Child<QLabel>("lblWorldScaleZ")->text(), "Z: 1 px = 10 m");
+    QCOMPARE(fixture.Child<QLabel>("lblWorldRStepX")->text(), "X step = 250 m");
+    QCOMPARE(fixture.Child<QLabel>("lblWorldRStepZ")->text(), "Z step = 250 m");
+    QCOMPARE(fixture.Scene().sceneRect(), QRectF(0, 0, 64, 64));
+    for (const char* name : {"actionSave", "actionSaveAll", "actionLoadWorld", "actionImportAreas",
+                             "actionImportMap", "actionTogglePaintMode"}) {
+        QVERIFY2(fixture.Action(name)->isEnabled(), name);
+    }
+    for (const char* name : {"DockLayers", "DockTerTypes", "paintView", "gboPaintMode", "gboBgOver",
+                             "gboWorldScale", "gboWorldRSteps", "gboWorldPos", "btnHideAll"}) {
+        QVERIFY2(fixture.Child<QWidget>(name)->isEnabled(), name);
+    }
+    QVERIFY(fixture.View().isInteractive());
+    QVERIFY(fixture.window->actions().contains(fixture.Action("actionTogglePaintMode")));
+    QVERIFY(fixture.Child<QWidget>("pgrStatus")->isHidden());
+    QVERIFY(fixture.Child<QWidget>("BrushDock")->isHidden());
+}
+
+void tst_WindowLoading::SelectsTheStoredRow()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+
+    QCOMPARE(fixture.Child<QTreeView>("treeLayers")->currentIndex().row(), 1);
+    QCOMPARE(fixture.Scene().CurrentLayer(), Layers(fixture).LayerAt(1));
+    const auto boxes = fixture.Child<QGroupBox>("gboLayerUsageFlags")->findChildren<QCheckBox*>();
+    QCOMPARE(boxes.size(), 2);
+    QVERIFY(!boxes[0]->isChecked());
+    QVERIFY(boxes[1]->isChecked());
+}
+
+void tst_WindowLoading::WithoutAStoredRowThereIsNothingToPaint()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    QByteArray document = ReadBytes(path);
+    WriteBytes(path, document.replace("<selected row=\"1\"/>", ""));
+
+    fixture.Load(path);
+
+    QVERIFY(!fixture.Action("actionTogglePaintMode")->isEnabled());
+    QVERIFY(!fixture.Child<QWidget>("gboPaintMode")->isEnabled());
+    QCOMPARE(fixture.Scene().CurrentLayer(), nullptr);
+    QVERIFY(!fixture.Child<QWidget>("DockLayerProps")->isEnabled());
+}
+
+void tst_WindowLoading::TakesElementsInAnyOrder()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    QByteArray document = ReadBytes(path);
+    const int global = document.indexOf("<global>");
+    const int layers = document.indexOf("<layers>");
+    const QByteArray settings = document.mid(global, layers - global);
+    document.remove(global, settings.size());
+    document.insert(document.indexOf("</qm-config>"), settings);
+    WriteBytes(path, document);
+
+    fixture.Load(path);
+
+    QCOMPARE(Layers(fixture).Layers().size(), 2);
+    QCOMPARE(ZonesOnTheMap(fixture), 1);
+    const QList<QGraphicsItem*> items = fixture.Scene().items(QPointF(10, 10));
+    QVERIFY(std::any_of(items.begin(), items.end(), [](const QGraphicsItem* item) {
+        return item->type() == Zone::Type && item->pos() == QPointF(10, 10);
+    }));
+}
+
+void tst_WindowLoading::TakesElementsBelowAnotherRoot()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    QByteArray document = ReadBytes(path);
+    document.replace("<qm-config>", "<old><project>").replace("</qm-config>", "</project></old>");
+    WriteBytes(path, document);
+
+    fixture.Load(path);
+
+    QCOMPARE(Layers(fixture).Layers().size(), 2);
+}
+
+void tst_WindowLoading::AsksBeforeItDiscards_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<QString>("title");
+
+    QTest::newRow("yes") << "Yes"
+                         << "other - Tarvo Ledger Tool";
+    QTest::newRow("no") << "No"
+                        << "small - Tarvo Ledger Tool";
+}
+
+void tst_WindowLoading::AsksBeforeItDiscards()
+{
+    QFETCH(QString, button);
+    QFETCH(QString, title);
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    fixture.Modified() = true;
+    fixture.answers.AddButton(button);
+    const QString other = fixture.WriteProject("other");
+
+    if (button == "Yes") {
+        fixture.answers.AddFile(other);
+    }
+    fixture.Trigger("actionLoad");
+
+    QCOMPARE(fixture.answers.Asked().at(1), Discard);
+    QCOMPARE(fixture.window->windowTitle(), title);
+    QCOMPARE(fixture.Modified(), button == "No");
+    QCOMPARE(Layers(fixture).Layers().size(), 2);
+}
+
+void tst_WindowLoading::CancelKeepsWhatIsThere()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    fixture.answers.AddCancel();
+
+    fixture.Trigger("actionLoad");
+
+    QCOMPARE(Layers(fixture).Layers().size(), 2);
+    // Its layers are still those that are shown.
+    Layer* red = Layers(fixture).LayerAt(0);
+    red->setCheckState(Qt::Unchecked);
+    QCOMPARE(fixture.window->windowTitle(), "small - Tarvo Ledger Tool");
+}
+
+void tst_WindowLoading::AMissingFileLeavesAllAsItWas()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    const QString other = fixture.WriteProject("other");
+    fixture.log.Take();
+    fixture.answers.Add([&](QWidget& dialog) {
+        auto* file = dialog.findChild<QLineEdit*>("fileNameEdit");
+        file->setText(other);
+        static_cast<QDialog*>(qobject_cast<QFileDialog*>(&dialog))->accept();
+        // Gone between the choice and the loading.
+        QFile::remove(other);
+    });
+
+    fixture.Trigger("actionLoad");
+
+    QCOMPARE(fixture.log.Take(),
+             QStringList{"Error: Failed to open file 'other.xml' for reading."});
+    QCOMPARE(ProjectSettings::Instance().projectFileName, "small.xml");
+    QCOMPARE(ProjectSettings::Instance().projectDir.path(), fixture.Path("small"));
+    QCOMPARE(Layers(fixture).Layers().size(), 2);
+    QCOMPARE(fixture.window->windowTitle(), "small - Tarvo Ledger Tool");
+}
+
+void tst_WindowLoading::AMalformedProjectLeavesNothing_data()
+{
+    QTest::addColumn<QByteArray>("cutBefore");
+    QTest::addColumn<bool>("isLoaded");
+
+    QTest::newRow("within the layers") << QByteArray("</layers>") << false;
+    QTest::newRow("within the territories") << QByteArray("</territory-type-list>") << false;
+    QTest::newRow("behind both") << QByteArray("</qm-config>") << true;
+    QTest::newRow("before both") << QByteArray("<layers>") << true;
+}
+
+void tst_WindowLoading::AMalformedProjectLeavesNothing()
+{
+    QFETCH(QByteArray, cutBefore);
+    QFETCH(bool, isLoaded);
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    QByteArray document = ReadBytes(path);
+    document.truncate(document.indexOf(cutBefore));
+    WriteBytes(path, document + "<&");
+    fixture.log.Take();
+
+    fixture.Load(path);
+
+    const bool hasError = fixture.log.Take().contains("Error: Failed to parse input.");
+    QCOMPARE(hasError, !isLoaded);
+    if (!isLoaded) {
+        QVERIFY(Layers(fixture).IsEmpty());
+        QCOMPARE(ZonesOnTheMap(fixture), 0);
+        QCOMPARE(ProjectSettings::Instance().layerWidth, 64);
+        QVERIFY(fixture.Action("actionSave")->isEnabled());
+        QVERIFY(fixture.Child<QWidget>("pgrStatus")->isHidden());
+    }
+}
+
+void tst_WindowLoading::OldFlagBoxesGo()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Load(path);
+    fixture.Load(path);
+
+    const auto boxes = [&](const char* group) {
+        return fixture.Child<QGroupBox>(group)->findChildren<QCheckBox*>().size();
+    };
+    QCOMPARE(boxes("gboLayerUsageFlags"), 2);
+    QCOMPARE(boxes("gboLayerValueFlags"), 1);
+}
+
+void tst_WindowLoading::AnOldBackgroundGoes()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    QImage picture(4, 4, QImage::Format_RGB32);
+    picture.fill(Qt::magenta);
+    QVERIFY(picture.save(fixture.Path("small/world.png")));
+    const QByteArray document = ReadBytes(path);
+    QByteArray withPicture = document;
+    WriteBytes(path, withPicture.replace("file=\"\"", "file=\"world.png\""));
+    const auto shown = [&] {
+        const QList<QGraphicsItem*> items = fixture.Scene().items();
+        for (QGraphicsItem* item : items) {
+            auto* pixmapItem = qgraphicsitem_cast<QGraphicsPixmapItem*>(item);
+            if (pixmapItem && qFuzzyCompare(item->zValue(), 0.2)) {
+                return pixmapItem->pixmap();
+            }
+        }
+        return QPixmap();
+    };
+
+    fixture.Load(path);
+    QCOMPARE(shown().size(), QSize(64, 64));
+
+    WriteBytes(path, document);
+    fixture.Load(path);
+    QVERIFY(shown().isNull());
+}
+
+void tst_WindowLoading::OpensTheProjectOfTheCommandLine()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.log.Take();
+
+    fixture.Restart(path);
+
+    QCOMPARE(fixture.log.Take().last(),
+             "Info: Project opened for viewing. Load it (Ctrl+O) to edit.");
+    QCOMPARE(fixture.window->windowTitle(), "small - Tarvo Ledger Tool");
+    QCOMPARE(Layers(fixture).Layers().size(), 2);
+    // To be edited it is loaded; file dialogs start where the user was last.
+    QVERIFY(!fixture.Action("actionSave")->isEnabled());
+    QVERIFY(!fixture.Child<QWidget>("paintView")->isEnabled());
+    QCOMPARE(ProjectSettings::Instance().projectDir.path(), QDir::currentPath());
+
+    // The flag is for one time only: now the file is asked for.
+    fixture.Load(path);
+    QVERIFY(fixture.Action("actionSave")->isEnabled());
+}
+
+void tst_WindowLoading::RefusesToCloseWhileItLoads()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.answers.AddFile(path);
+    fixture.answers.AddButton("OK");
+    bool wasClosed = true;
+    const AtNextMessage attempt([&] { wasClosed = fixture.window->close(); });
+
+    fixture.Trigger("actionLoad");
+
+    QVERIFY(!wasClosed);
+    QCOMPARE(fixture.answers.Asked().last(),
+             "Load in progress: Configuration file is now being loaded. Application cannot be "
+             "closed right now.");
+    QVERIFY(fixture.window->isVisible());
+    QCOMPARE(Layers(fixture).Layers().size(), 2);
+}
+
+void tst_WindowLoading::ClosesWhileItLoadsWithoutTheStatusDock()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Trigger("actionViewStatus");
+    bool wasClosed = false;
+    const AtNextMessage attempt([&] { wasClosed = fixture.window->close(); });
+    fixture.log.Take();
+
+    fixture.Load(path);
+
+    QVERIFY(wasClosed);
+    QVERIFY(!fixture.window->isVisible());
+    // It ends at once, which is no error.
+    QCOMPARE(fixture.log.Take(), QStringList{"Info: Loading layer \"red\"..."});
+}
+
+void tst_WindowLoading::IsNotStartedTwice()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    const AtNextMessage attempt([&] {
+        for (const char* action : {"actionLoad", "actionNew", "actionSave", "actionSaveAll",
+                                   "actionImportMap", "actionImportAreas"}) {
+            fixture.Action(action)->setEnabled(true);
+            fixture.Trigger(action);
+        }
+    });
+
+    fixture.Load(path);
+
+    QCOMPARE(fixture.answers.Asked(), QStringList{"Load"});
+    QCOMPARE(Layers(fixture).Layers().size(), 2);
+}
+
+QTEST_MAIN(tst_WindowLoading)
+#include "tst_WindowLoading.moc"
