@@ -3,7 +3,6 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QFileDialog>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QTest>
 
@@ -57,9 +56,7 @@ void ModalAnswers::AddFile(const QString& path)
     Add([path](QWidget& dialog) {
         auto* fileDialog = qobject_cast<QFileDialog*>(&dialog);
         QVERIFY(fileDialog);
-        auto* name = fileDialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-        QVERIFY(name);
-        name->setText(path);
+        fileDialog->selectFile(fileDialog->directory().absoluteFilePath(path));
         static_cast<QDialog*>(fileDialog)->accept();
     });
 }

@@ -75,6 +75,13 @@ void WindowFixture::TriggerWithFile(const char* action, const QString& path)
     Trigger(action);
 }
 
+void WindowFixture::SaveOver(const char* action, const QString& path)
+{
+    answers.AddFile(path);
+    answers.AddButton(QStringLiteral("Yes"));
+    Trigger(action);
+}
+
 QString WindowFixture::WriteProject(const QString& name)
 {
     const ProjectSettings before = ProjectSettings::Instance();

@@ -32,6 +32,8 @@ public:
     void Trigger(const char* action) const { Action(action)->trigger(); }
     /// Chooses the file in the dialog that the action opens.
     void TriggerWithFile(const char* action, const QString& path);
+    /// The same for a file that is there already, which is to be replaced.
+    void SaveOver(const char* action, const QString& path);
     /// Writes a small project with two layers, the second one selected, and a territory with a
     /// zone; 64 pixels and 640 metres a side. Returns its path.
     QString WriteProject(const QString& name = QStringLiteral("small"));

@@ -1,0 +1,484 @@
+#include "app/Log.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "tests/support/FailingDisk.h"
+#include "tests/support/Files.h"
+#include "tests/support/WindowFixture.h"
+#include "ui/DialogNewProject.h"
+#include "ui/DockLayers.h"
+
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSettings>
+#include <QSpinBox>
+#include <QTest>
+
+namespace {
+
+const QString Discard = ": This action will remove all current data. All unsaved work will be "
+                        "lost.\n\nAre you sure you "
+                        "want to continue?";
+
+LayerList& Layers(const WindowFixture& fixture)
+{
+    return *fixture.Child<DockLayers>("DockLayers")->List();
+}
+
+/// Fills in the dialog for a new project and presses OK.
+ModalAnswers::Answer NewProject(int layerSize, int worldSize, const QString& path,
+                                const QString& background = {}, const QString& flags = {})
+{
+    return [=](QWidget& dialog) {
+        dialog.findChild<QSpinBox*>("spinLayerSizeX")->setValue(layerSize);
+        dialog.findChild<QSpinBox*>("spinWorldSizeX")->setValue(worldSize);
+        dialog.findChild<QLineEdit*>("txtWorldImage")->setText(background);
+        dialog.findChild<QLineEdit*>("txtAreaFlagsFile")->setText(flags);
+        dialog.findChild<QLineEdit*>("txtProjectName")->setText(path);
+        QTest::mouseClick(dialog.findChild<QPushButton*>("btnOk"), Qt::LeftButton);
+    };
+}
+
+} // namespace
+
+class tst_WindowSaving : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void SavesWhatItLoaded();
+    void SavesIntoAnotherFolder();
+    void CancelledSaveSavesNothing();
+    void AFailedSaveKeepsTheProjectModified();
+    void AFailedBitmapKeepsTheProjectModified();
+    void SavesAll();
+    void SavesNoMapWithoutLayers();
+    void BeginsANewProject();
+    void ANewProjectNeedsNoFiles();
+    void AsksBeforeANewProject_data();
+    void AsksBeforeANewProject();
+    void ANewProjectThatCannotBeSavedHasNoName();
+    void ImportsAMap();
+    void AsksBeforeItImportsAMap();
+    void AnUnreadableMapLeavesAllAsItWas();
+    void ImportsFlagTypes_data();
+    void ImportsFlagTypes();
+    void MalformedFlagTypesLeaveThoseThatWere();
+    void LoadsABackground();
+    void ClosesWithoutAQuestion();
+    void AsksBeforeItCloses_data();
+    void AsksBeforeItCloses();
+    void ClosesAfterARunningSave();
+};
+
+void tst_WindowSaving::SavesWhatItLoaded()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Load(path);
+    fixture.SaveOver("actionSave", path);
+    const QByteArray saved = ReadBytes(path);
+    fixture.Modified() = true;
+    fixture.log.Take();
+
+    fixture.SaveOver("actionSave", path);
+
+    QCOMPARE(fixture.log.Take(), (QStringList{"Info: Saving project 'small'...",
+                                              "Success: Layer 'red' successfully saved.",
+                                              "Success: Layer 'blue' successfully saved.",
+                                              "Success: Project saved to file 'small.xml'."}));
+    QCOMPARE(ReadBytes(path), saved);
+    QVERIFY(!fixture.Modified());
+    QVERIFY(saved.contains("<selected row=\"1\"/>"));
+    fixture.Load(path);
+    fixture.SaveOver("actionSave", path);
+    QCOMPARE(ReadBytes(path), saved);
+}
+
+void tst_WindowSaving::SavesIntoAnotherFolder()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    QDir().mkpath(fixture.Path("moved"));
+
+    fixture.TriggerWithFile("actionSave", fixture.Path("moved/copy"));
+
+    QCOMPARE(fixture.window->windowTitle(), "copy - Tarvo Ledger Tool");
+    QCOMPARE(ProjectSettings::Instance().projectDir.path(), fixture.Path("moved"));
+    QVERIFY(QFile::exists(fixture.Path("moved/copy.xml")));
+    QCOMPARE(ReadBytes(fixture.Path("moved/layers/red.tga")),
+             ReadBytes(fixture.Path("small/layers/red.tga")));
+}
+
+void tst_WindowSaving::CancelledSaveSavesNothing()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Load(path);
+    const QByteArray before = ReadBytes(path);
+    fixture.Modified() = true;
+    fixture.answers.AddCancel();
+
+    QVERIFY(!fixture.window->SaveProject());
+
+    QVERIFY(fixture.Modified());
+    QCOMPARE(ReadBytes(path), before);
+}
+
+void tst_WindowSaving::AFailedSaveKeepsTheProjectModified()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Load(path);
+    const QByteArray before = ReadBytes(path);
+    fixture.Modified() = true;
+    fixture.log.Take();
+    {
+        // Room for the bitmaps and not for the document.
+        const FileSizeLimit fullDisk(700);
+        fixture.TriggerWithFile("actionSave", fixture.Path("other.xml"));
+    }
+    QVERIFY(fixture.log.Messages().contains("Error: Failed to open file 'other.xml' for writing."));
+    QVERIFY(fixture.Modified());
+    QCOMPARE(fixture.window->windowTitle(), "small - Tarvo Ledger Tool");
+    QCOMPARE(ProjectSettings::Instance().projectFileName, "small.xml");
+    QCOMPARE(ReadBytes(path), before);
+    QVERIFY(!QFile::exists(fixture.Path("other.xml")));
+}
+
+void tst_WindowSaving::AFailedBitmapKeepsTheProjectModified()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Load(path);
+    const QString bitmap = fixture.Path("small/layers/red.tga");
+    QFile::remove(bitmap);
+    QDir().mkpath(bitmap);
+    fixture.log.Take();
+
+    fixture.SaveOver("actionSave", path);
+
+    QCOMPARE(fixture.log.Messages().mid(fixture.log.Messages().size() - 2),
+             (QStringList{"Success: Project saved to file 'small.xml'.",
+                          "Error: 1 layer bitmaps could not be saved."}));
+    QVERIFY(fixture.Modified());
+}
+
+void tst_WindowSaving::SavesAll()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Load(path);
+    fixture.log.Take();
+
+    fixture.SaveOver("actionSaveAll", path);
+
+    QCOMPARE(fixture.log.Messages().last(), "Info: Save done");
+    QVERIFY(fixture.log.Messages().contains("Success: Territory types succesfully exported."));
+    QVERIFY(QFileInfo(fixture.Path("small/map/small.map")).size() > 24);
+    QVERIFY(QFile::exists(fixture.Path("small/territoryTypes/Deer.xml")));
+}
+
+void tst_WindowSaving::SavesNoMapWithoutLayers()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    fixture.Child<DockLayers>("DockLayers")->Clear();
+
+    fixture.window->SaveAll();
+    fixture.window->SaveAreaMap();
+
+    QCOMPARE(fixture.answers.Asked(), QStringList{"Load"});
+    QVERIFY(!QFile::exists(fixture.Path("small/map")));
+}
+
+void tst_WindowSaving::BeginsANewProject()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    QImage picture(4, 4, QImage::Format_RGB32);
+    picture.fill(Qt::magenta);
+    QVERIFY(picture.save(fixture.Path("small/world.png")));
+    WriteBytes(fixture.Path("types.xml"),
+               R"(<areas><usages><usage name="Only"/></usages></areas>)");
+    QDir().mkpath(fixture.Path("fresh"));
+    fixture.answers.Add(NewProject(128, 1280, fixture.Path("fresh/fresh.xml"),
+                                   fixture.Path("small/world.png"), fixture.Path("types.xml")));
+
+    fixture.Trigger("actionNew");
+
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    QCOMPARE(fixture.window->windowTitle(), "fresh - Tarvo Ledger Tool");
+    QVERIFY(Layers(fixture).IsEmpty());
+    QCOMPARE(settings.LayerSize(), QSize(128, 128));
+    QCOMPARE(settings.worldWidth, 1280);
+    QCOMPARE(settings.areaFlagTypes.usages, QVector<QString>{"Only"});
+    QVERIFY(settings.areaFlagTypes.values.isEmpty());
+    QCOMPARE(settings.backgroundColor.rgba(), 2U);
+    QCOMPARE(settings.backgroundFile, "world.png");
+    QVERIFY(QFile::exists(fixture.Path("fresh/world.png")));
+    QVERIFY(!settings.modified);
+    QVERIFY(!fixture.Action("actionTogglePaintMode")->isEnabled());
+    QVERIFY(!fixture.Child<QWidget>("btnHideAll")->isEnabled());
+    QCOMPARE(fixture.Child<QGroupBox>("gboLayerUsageFlags")->findChildren<QCheckBox*>().size(), 1);
+    QCOMPARE(fixture.Scene().sceneRect(), QRectF(0, 0, 128, 128));
+    QVERIFY(!ReadBytes(fixture.Path("fresh/fresh.xml")).contains("selected"));
+}
+
+void tst_WindowSaving::ANewProjectNeedsNoFiles()
+{
+    WindowFixture fixture;
+    fixture.log.Take();
+    fixture.answers.Add(NewProject(64, 640, fixture.Path("fresh.xml")));
+
+    fixture.Trigger("actionNew");
+
+    QCOMPARE(fixture.log.Take(), (QStringList{"Info: Saving project 'fresh'...",
+                                              "Success: Project saved to file 'fresh.xml'."}));
+    QCOMPARE(ProjectSettings::Instance().backgroundFile, QString());
+    QVERIFY(fixture.Action("actionSave")->isEnabled());
+}
+
+void tst_WindowSaving::AsksBeforeANewProject_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<int>("questions");
+
+    QTest::newRow("yes") << "Yes" << 2;
+    QTest::newRow("no") << "No" << 1;
+}
+
+void tst_WindowSaving::AsksBeforeANewProject()
+{
+    QFETCH(QString, button);
+    QFETCH(int, questions);
+    WindowFixture fixture;
+    fixture.Modified() = true;
+    fixture.answers.AddButton(button);
+    if (questions > 1) {
+        fixture.answers.AddCancel();
+    }
+
+    fixture.Trigger("actionNew");
+
+    QCOMPARE(fixture.answers.Asked().size(), questions);
+    QCOMPARE(fixture.answers.Asked().first(), "New project" + Discard);
+    QVERIFY(fixture.Modified());
+}
+
+void tst_WindowSaving::ANewProjectThatCannotBeSavedHasNoName()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    fixture.log.Take();
+    fixture.answers.Add(NewProject(64, 640, fixture.Path("nowhere/fresh.xml")));
+
+    fixture.Trigger("actionNew");
+
+    QCOMPARE(fixture.log.Take(),
+             QStringList{"Error: Failed to open file 'fresh.xml' for writing."});
+    QCOMPARE(fixture.window->windowTitle(), "Unsaved - Tarvo Ledger Tool");
+    QCOMPARE(ProjectSettings::Instance().projectFileName, QString());
+    QCOMPARE(ProjectSettings::Instance().projectName, QString());
+    QVERIFY(ProjectSettings::Instance().projectDir.path() != fixture.Path("small"));
+    QVERIFY(fixture.Modified());
+    QVERIFY(Layers(fixture).IsEmpty());
+}
+
+void tst_WindowSaving::ImportsAMap()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Load(path);
+    fixture.window->SaveAreaMap();
+    const QString map = fixture.Path("small/map/small.map");
+    QVERIFY(QFile::copy(map, fixture.Path("world.old.map")));
+
+    fixture.TriggerWithFile("actionImportMap", fixture.Path("world.old.map"));
+
+    QCOMPARE(fixture.window->windowTitle(), "world - Tarvo Ledger Tool");
+    QStringList names;
+    const QVector<Layer*> layers = Layers(fixture).Layers();
+    for (const Layer* layer : layers) {
+        names.append(layer->text());
+        QVERIFY(!layer->IsVisible());
+    }
+    QCOMPARE(names, (QStringList{"Town", "Farm", "Rich"}));
+    QVERIFY(fixture.Modified());
+    QVERIFY(fixture.Child<QWidget>("btnHideAll")->isEnabled());
+    QVERIFY(fixture.Child<QWidget>("pgrStatus")->isHidden());
+}
+
+void tst_WindowSaving::AsksBeforeItImportsAMap()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    fixture.Modified() = true;
+    fixture.answers.AddButton("No");
+
+    fixture.Trigger("actionImportMap");
+
+    QCOMPARE(fixture.answers.Asked().last(), "Import area map" + Discard);
+    QCOMPARE(Layers(fixture).Layers().size(), 2);
+}
+
+void tst_WindowSaving::AnUnreadableMapLeavesAllAsItWas()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    const QString path = fixture.Path("gone.map");
+    WriteBytes(path, "x");
+    fixture.log.Take();
+    fixture.answers.Add([&](QWidget& dialog) {
+        dialog.findChild<QLineEdit*>("fileNameEdit")->setText(path);
+        static_cast<QDialog*>(qobject_cast<QDialog*>(&dialog))->accept();
+        QFile::remove(path);
+    });
+
+    fixture.Trigger("actionImportMap");
+
+    QCOMPARE(fixture.log.Take(),
+             QStringList{QString("Error: Failed to open file '%1' for reading.").arg(path)});
+    QCOMPARE(Layers(fixture).Layers().size(), 2);
+    QCOMPARE(fixture.window->windowTitle(), "small - Tarvo Ledger Tool");
+}
+
+void tst_WindowSaving::ImportsFlagTypes_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<bool>("isImported");
+
+    QTest::newRow("yes") << "Yes" << true;
+    QTest::newRow("no") << "No" << false;
+}
+
+void tst_WindowSaving::ImportsFlagTypes()
+{
+    QFETCH(QString, button);
+    QFETCH(bool, isImported);
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    WriteBytes(
+        fixture.Path("types.xml"),
+        R"(<areas><usages><usage name="A"/><usage name="B"/><usage name="C"/></usages></areas>)");
+    fixture.answers.AddButton(button);
+    if (isImported) {
+        fixture.answers.AddFile(fixture.Path("types.xml"));
+    }
+
+    fixture.Trigger("actionImportAreas");
+
+    QCOMPARE(
+        fixture.answers.Asked().at(1),
+        "Import area flag types: This action will replace all area flag types and resets flags "
+        "on all layers.\n\nAre you sure you want to continue?");
+    QCOMPARE(Layers(fixture).LayerAt(1)->UsageFlags(), isImported ? 0U : 2U);
+    QCOMPARE(fixture.Child<QGroupBox>("gboLayerUsageFlags")->findChildren<QCheckBox*>().size(),
+             isImported ? 3 : 2);
+    QCOMPARE(fixture.Modified(), isImported);
+}
+
+void tst_WindowSaving::MalformedFlagTypesLeaveThoseThatWere()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    WriteBytes(fixture.Path("types.xml"), R"(<areas><usages><usage name="A"/><usage)");
+
+    fixture.window->LoadAreaTypesFile(fixture.Path("types.xml"));
+
+    QCOMPARE(ProjectSettings::Instance().areaFlagTypes.usages, (QVector<QString>{"Town", "Farm"}));
+    QCOMPARE(Layers(fixture).LayerAt(1)->UsageFlags(), 2U);
+    fixture.log.Take();
+    QVERIFY(!fixture.window->LoadAreaTypesFile(fixture.Path("none.xml")));
+    QCOMPARE(
+        fixture.log.Take(),
+        QStringList{
+            QString("Error: Failed to open file '%1' for reading.").arg(fixture.Path("none.xml"))});
+}
+
+void tst_WindowSaving::LoadsABackground()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    QImage picture(4, 4, QImage::Format_RGB32);
+    picture.fill(Qt::magenta);
+    QVERIFY(picture.save(fixture.Path("world.png")));
+
+    fixture.TriggerWithFile("actionLoadWorld", fixture.Path("world.png"));
+
+    QCOMPARE(ProjectSettings::Instance().backgroundFile, "../world.png");
+    QVERIFY(fixture.Modified());
+}
+
+void tst_WindowSaving::ClosesWithoutAQuestion()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+
+    QVERIFY(fixture.window->close());
+
+    QCOMPARE(fixture.answers.Asked(), QStringList{"Load"});
+    QSettings settings("Halvern Works", "Tarvo Tools");
+    settings.beginGroup("Brantle");
+    QCOMPARE(settings.value("path").toString(), fixture.Path("small"));
+    QVERIFY(settings.contains("geometry"));
+    QVERIFY(settings.contains("windowState"));
+
+    fixture.Restart();
+    QCOMPARE(ProjectSettings::Instance().projectDir.path(), fixture.Path("small"));
+}
+
+void tst_WindowSaving::AsksBeforeItCloses_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<bool>("isClosed");
+
+    QTest::newRow("yes") << "Yes" << true;
+    QTest::newRow("no") << "No" << false;
+}
+
+void tst_WindowSaving::AsksBeforeItCloses()
+{
+    QFETCH(QString, button);
+    QFETCH(bool, isClosed);
+    WindowFixture fixture;
+    fixture.Modified() = true;
+    fixture.answers.AddButton(button);
+
+    fixture.Trigger("actionExit");
+
+    QCOMPARE(
+        fixture.answers.Asked(),
+        QStringList{"Exit application: All unsaved work will be lost.\n\nAre you sure you want "
+                    "to quit the application?"});
+    QCOMPARE(fixture.window->isVisible(), !isClosed);
+    QCOMPARE(QSettings("Halvern Works", "Tarvo Tools").contains("Brantle/path"), isClosed);
+}
+
+void tst_WindowSaving::ClosesAfterARunningSave()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Load(path);
+    fixture.Modified() = true;
+    bool wasClosed = true;
+    QObject context;
+    connect(&Log::Instance(), &Log::MessageReceived, &context, [&](const QString& line) {
+        if (line.contains("Saving")) {
+            wasClosed = fixture.window->close();
+        }
+    });
+
+    fixture.SaveOver("actionSave", path);
+
+    QVERIFY(!wasClosed);
+    QVERIFY(!fixture.Modified());
+    QTRY_VERIFY(!fixture.window->isVisible());
+    QCOMPARE(fixture.answers.Asked(), (QStringList{"Load", "Save",
+                                                   "Save: small.xml already exists.\nDo you want "
+                                                   "to replace it?"}));
+}
+
+QTEST_MAIN(tst_WindowSaving)
+#include "tst_WindowSaving.moc"
