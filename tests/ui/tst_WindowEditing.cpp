@@ -1,0 +1,470 @@
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "territories/Territory.h"
+#include "territories/TerritoryType.h"
+#include "territories/TerritoryTypeList.h"
+#include "territories/Zone.h"
+#include "tests/support/WindowFixture.h"
+#include "ui/DockLayers.h"
+#include "ui/DockTerTypes.h"
+
+#include "ui/widgets/ButtonColor.h"
+#include "ui/widgets/GroupBoxColor.h"
+
+#include <QAbstractButton>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPainter>
+#include <QSlider>
+#include <QTest>
+#include <QTreeView>
+
+namespace {
+
+/// A window with the small project, which can be edited.
+class Editor : public WindowFixture
+{
+public:
+    Editor()
+    {
+        Load(WriteProject());
+        View().setFocus();
+    }
+
+    LayerList& Layers() const { return *Child<DockLayers>("DockLayers")->List(); }
+    TerritoryType* Type() const
+    {
+        return Child<DockTerTypes>("DockTerTypes")->List()->Types().first();
+    }
+    Territory* North() const { return Type()->Territories().first(); }
+    QTreeView& LayerTree() const { return *Child<QTreeView>("treeLayers"); }
+    void SelectTerritory() const
+    {
+        Child<QTreeView>("treeTerTypes")->setCurrentIndex(North()->index());
+    }
+    QAbstractButton* Button(const char* name) const { return Child<QAbstractButton>(name); }
+    void Click(const char* button) const { QTest::mouseClick(Button(button), Qt::LeftButton); }
+    QPoint At(QPointF scenePosition) const { return View().mapFromScene(scenePosition); }
+    void ClickAt(QPointF scenePosition) const
+    {
+        QTest::mouseMove(View().viewport(), At(scenePosition));
+        QTest::mouseClick(View().viewport(), Qt::LeftButton, {}, At(scenePosition));
+    }
+    bool IsPaintShown() const
+    {
+        const bool isBox = Child<QGroupBox>("gboPaintMode")->isChecked();
+        const bool isAction = Action("actionTogglePaintMode")->isChecked();
+        const bool isDock = Child<QWidget>("BrushDock")->isVisible();
+        [=] { QVERIFY(isBox == isAction && isBox == isDock); }();
+        return isBox;
+    }
+};
+
+} // namespace
+
+class tst_WindowEditing : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void TogglesPaintMode();
+    void PaintsTheCurrentLayer();
+    void PaintModeIsLeft_data();
+    void PaintModeIsLeft();
+    void ShowsCheckedLayers();
+    void SelectingALayerMakesItCurrent();
+    void RemovingTheCurrentLayerTakesTheNext();
+    void RemovingTheLastLayerLeavesNothingToPaint();
+    void HidesAllLayers();
+    void ColorsTheCurrentLayer();
+    void FadesTheCurrentLayer();
+    void ZoneButtonsSwitchTheMode_data();
+    void ZoneButtonsSwitchTheMode();
+    void KeysPressTheZoneButtons_data();
+    void KeysPressTheZoneButtons();
+    void PlacesAZone();
+    void PlacesAZoneLikeTheLastOne();
+    void SelectsAndRemovesAZone();
+    void CopiesTheSelectionIntoANewTerritory();
+    void FindsATerritoryByItsZone();
+    void SelectionEnablesItsControls();
+    void ShowsTheWorldPosition();
+    void TheOverlayIsData();
+    void ATypeRowEndsZoneModes();
+};
+
+void tst_WindowEditing::TogglesPaintMode()
+{
+    const Editor editor;
+    editor.SelectTerritory();
+    editor.Click("btnToggleZoneInsert");
+    QCOMPARE(editor.Scene().Mode(), SceneMode::Insert);
+
+    editor.Trigger("actionTogglePaintMode");
+
+    QCOMPARE(editor.Scene().Mode(), SceneMode::Paint);
+    QVERIFY(editor.IsPaintShown());
+    QVERIFY(!editor.Button("btnToggleZoneInsert")->isChecked());
+
+    editor.Trigger("actionTogglePaintMode");
+
+    QCOMPARE(editor.Scene().Mode(), SceneMode::None);
+    QVERIFY(!editor.IsPaintShown());
+
+    emit editor.Child<QGroupBox>("gboPaintMode")->clicked(true);
+
+    QCOMPARE(editor.Scene().Mode(), SceneMode::Paint);
+    QVERIFY(editor.IsPaintShown());
+}
+
+void tst_WindowEditing::PaintsTheCurrentLayer()
+{
+    const Editor editor;
+    Layer* blue = editor.Layers().LayerAt(1);
+    QCOMPARE(blue->Image().pixelIndex(40, 40), 0);
+    editor.Trigger("actionTogglePaintMode");
+
+    editor.ClickAt({40, 40});
+
+    QCOMPARE(blue->Image().pixelIndex(40, 40), 255);
+    QVERIFY(editor.Modified());
+    QCOMPARE(editor.Layers().LayerAt(0)->Image().pixelIndex(40, 40), 0);
+}
+
+void tst_WindowEditing::PaintModeIsLeft_data()
+{
+    QTest::addColumn<QString>("by");
+
+    for (const char* by : {"insert mode", "hide all", "load", "removal of all layers", "query"}) {
+        QTest::newRow(by) << by;
+    }
+}
+
+void tst_WindowEditing::PaintModeIsLeft()
+{
+    QFETCH(QString, by);
+    Editor editor;
+    editor.SelectTerritory();
+    editor.Trigger("actionTogglePaintMode");
+    QVERIFY(editor.IsPaintShown());
+
+    if (by == "insert mode") {
+        editor.Click("btnToggleZoneInsert");
+    } else if (by == "hide all") {
+        editor.Click("btnHideAll");
+    } else if (by == "load") {
+        editor.Modified() = false;
+        editor.Load(editor.Path("small/small.xml"));
+    } else if (by == "query") {
+        editor.Click("btnToggleQueryTer");
+    } else {
+        editor.LayerTree().setCurrentIndex(editor.Layers().LayerAt(0)->index());
+        editor.Trigger("actionRemove");
+        editor.Trigger("actionRemove");
+    }
+
+    QVERIFY(!editor.IsPaintShown());
+    QVERIFY(editor.Scene().Mode() != SceneMode::Paint);
+}
+
+void tst_WindowEditing::ShowsCheckedLayers()
+{
+    const Editor editor;
+    const QColor red = Qt::red;
+    const auto pixel = [&] {
+        QImage picture(64, 64, QImage::Format_ARGB32_Premultiplied);
+        picture.fill(0);
+        QPainter painter(&picture);
+        editor.Scene().render(&painter, QRectF(), QRectF(0, 0, 64, 64));
+        return picture.pixelColor(12, 12);
+    };
+    editor.Child<DockTerTypes>("DockTerTypes")->Clear();
+    // Blue is current and so on top; it hides red, until red is current.
+    QCOMPARE(pixel(), QColor(Qt::blue));
+    editor.LayerTree().setCurrentIndex(editor.Layers().LayerAt(0)->index());
+    QCOMPARE(pixel(), red);
+
+    editor.Click("btnHideAll");
+    QCOMPARE(pixel().alpha(), 0);
+    editor.Modified() = false;
+
+    editor.Layers().LayerAt(1)->setCheckState(Qt::Checked);
+
+    QCOMPARE(pixel(), QColor(Qt::blue));
+    QVERIFY(editor.Modified());
+}
+
+void tst_WindowEditing::SelectingALayerMakesItCurrent()
+{
+    const Editor editor;
+    Layer* red = editor.Layers().LayerAt(0);
+
+    editor.LayerTree().setCurrentIndex(red->index());
+
+    QCOMPARE(editor.Scene().CurrentLayer(), red);
+    QVERIFY(editor.Modified());
+    editor.Trigger("actionTogglePaintMode");
+    editor.ClickAt({50, 50});
+    QCOMPARE(red->Image().pixelIndex(50, 50), 255);
+}
+
+void tst_WindowEditing::RemovingTheCurrentLayerTakesTheNext()
+{
+    const Editor editor;
+    Layer* red = editor.Layers().LayerAt(0);
+
+    editor.Trigger("actionRemove");
+
+    QCOMPARE(editor.Layers().Layers(), QVector<Layer*>{red});
+    QCOMPARE(editor.Scene().CurrentLayer(), red);
+    QVERIFY(editor.Action("actionTogglePaintMode")->isEnabled());
+}
+
+void tst_WindowEditing::RemovingTheLastLayerLeavesNothingToPaint()
+{
+    const Editor editor;
+    editor.Trigger("actionRemove");
+    editor.Trigger("actionRemove");
+
+    QVERIFY(editor.Layers().IsEmpty());
+    QCOMPARE(editor.Scene().CurrentLayer(), nullptr);
+    QVERIFY(!editor.Action("actionTogglePaintMode")->isEnabled());
+    QVERIFY(!editor.Child<QWidget>("gboPaintMode")->isEnabled());
+    QVERIFY(!editor.Child<QWidget>("DockLayerProps")->isEnabled());
+    QVERIFY(!editor.Child<QWidget>("btnHideAll")->isEnabled());
+}
+
+void tst_WindowEditing::HidesAllLayers()
+{
+    const Editor editor;
+    editor.Trigger("actionTogglePaintMode");
+
+    editor.Click("btnHideAll");
+
+    QVERIFY(!editor.Layers().LayerAt(0)->IsVisible());
+    QVERIFY(!editor.Layers().LayerAt(1)->IsVisible());
+    QVERIFY(!editor.LayerTree().currentIndex().isValid());
+    QVERIFY(!editor.Action("actionTogglePaintMode")->isEnabled());
+    QVERIFY(!editor.Child<QWidget>("DockLayerProps")->isEnabled());
+    QVERIFY(editor.Modified());
+}
+
+void tst_WindowEditing::ColorsTheCurrentLayer()
+{
+    const Editor editor;
+    Layer* blue = editor.Layers().LayerAt(1);
+    const auto* group = editor.Child<QWidget>("gboLayerClrOp");
+    emit group->findChild<ButtonColor*>("button")->ColorChanged(QColor(1, 2, 3));
+
+    QCOMPARE(blue->Color().rgb(), qRgb(1, 2, 3));
+    QVERIFY(editor.Modified());
+    // What is painted from now on has the new colour, by which the mask knows it.
+    editor.Trigger("actionTogglePaintMode");
+    editor.ClickAt({40, 40});
+    QCOMPARE(blue->Image().pixelIndex(40, 40), 255);
+    QCOMPARE(blue->Image().pixelIndex(12, 12), 255);
+}
+
+void tst_WindowEditing::FadesTheCurrentLayer()
+{
+    const Editor editor;
+    editor.Child<QWidget>("gboLayerClrOp")->findChild<QSlider*>("slider")->setValue(51);
+
+    QCOMPARE(editor.Layers().LayerAt(1)->Color().alpha(), 51);
+    QVERIFY(editor.Modified());
+    const QList<QGraphicsItem*> items = editor.Scene().items();
+    QVERIFY(std::any_of(items.begin(), items.end(), [](const QGraphicsItem* item) {
+        return qFuzzyCompare(item->zValue(), 0.8) && qAbs(item->opacity() - 0.2) < 0.001;
+    }));
+}
+
+void tst_WindowEditing::ZoneButtonsSwitchTheMode_data()
+{
+    QTest::addColumn<int>("mode");
+
+    QTest::newRow("btnToggleZoneInsert") << int(SceneMode::Insert);
+    QTest::newRow("btnToggleZoneSelect") << int(SceneMode::Select);
+    QTest::newRow("btnToggleQueryTer") << int(SceneMode::Query);
+}
+
+void tst_WindowEditing::ZoneButtonsSwitchTheMode()
+{
+    QFETCH(int, mode);
+    const Editor editor;
+    editor.SelectTerritory();
+
+    editor.Click(QTest::currentDataTag());
+
+    QCOMPARE(int(editor.Scene().Mode()), mode);
+    for (const char* name : {"btnToggleZoneInsert", "btnToggleZoneSelect", "btnToggleQueryTer"}) {
+        QCOMPARE(editor.Button(name)->isChecked(), QLatin1String(name) == QTest::currentDataTag());
+    }
+
+    editor.Click(QTest::currentDataTag());
+
+    QCOMPARE(editor.Scene().Mode(), SceneMode::None);
+}
+
+void tst_WindowEditing::KeysPressTheZoneButtons_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("mode");
+
+    QTest::newRow("btnToggleZoneInsert") << int(Qt::Key_A) << int(SceneMode::Insert);
+    QTest::newRow("btnToggleZoneSelect") << int(Qt::Key_S) << int(SceneMode::Select);
+    QTest::newRow("btnToggleQueryTer") << int(Qt::Key_Q) << int(SceneMode::Query);
+}
+
+void tst_WindowEditing::KeysPressTheZoneButtons()
+{
+    QFETCH(int, key);
+    QFETCH(int, mode);
+    const Editor editor;
+    editor.SelectTerritory();
+    for (int i = 0; i < 2; ++i) {
+        QTest::keyPress(&editor.View(), Qt::Key_Shift, Qt::ShiftModifier);
+        QTest::keyClick(&editor.View(), Qt::Key(key), Qt::ShiftModifier);
+        QTest::keyRelease(&editor.View(), Qt::Key_Shift);
+
+        const bool isOn = i == 0;
+        QCOMPARE(int(editor.Scene().Mode()), isOn ? mode : int(SceneMode::None));
+        QCOMPARE(editor.Button(QTest::currentDataTag())->isChecked(), isOn);
+    }
+}
+
+void tst_WindowEditing::PlacesAZone()
+{
+    const Editor editor;
+    editor.SelectTerritory();
+    editor.Click("btnToggleZoneInsert");
+
+    editor.ClickAt({40, 40});
+
+    QCOMPARE(editor.North()->Zones().size(), 2);
+    const Zone* zone = editor.North()->Zones().last();
+    QCOMPARE(zone->pos(), QPointF(40, 40));
+    QCOMPARE(zone->Radius(), 30.0F);
+    QVERIFY(editor.Modified());
+}
+
+void tst_WindowEditing::PlacesAZoneLikeTheLastOne()
+{
+    const Editor editor;
+    editor.SelectTerritory();
+    editor.Click("btnToggleZoneSelect");
+    editor.ClickAt({10, 10});
+    QCOMPARE(editor.Scene().selectedItems().size(), 1);
+    editor.Click("btnToggleZoneInsert");
+
+    editor.ClickAt({40, 40});
+
+    const Zone* zone = editor.North()->Zones().last();
+    QCOMPARE(zone->Radius(), 6.0F);
+    QCOMPARE(zone->Counts().dynamicMax, 4);
+    QCOMPARE(zone->zValue(), 5.0);
+    QTRY_COMPARE(editor.Child<QLabel>("lblTerDynMaxVal")->text(), "8");
+}
+
+void tst_WindowEditing::SelectsAndRemovesAZone()
+{
+    const Editor editor;
+    editor.SelectTerritory();
+    editor.Click("btnToggleZoneSelect");
+    editor.ClickAt({10, 10});
+    QVERIFY(editor.Child<QWidget>("gboZone")->isEnabled());
+
+    editor.Click("btnZoneDelete");
+
+    QVERIFY(editor.North()->Zones().isEmpty());
+    QVERIFY(!editor.Child<QWidget>("gboZone")->isEnabled());
+    QTRY_COMPARE(editor.Child<QLabel>("lblTerTotalMaxVal")->text(), "0");
+    QVERIFY(editor.Modified());
+}
+
+void tst_WindowEditing::CopiesTheSelectionIntoANewTerritory()
+{
+    const Editor editor;
+    editor.SelectTerritory();
+    editor.Click("btnToggleZoneSelect");
+    editor.ClickAt({10, 10});
+
+    editor.Click("btnZoneCopy");
+
+    const QVector<Territory*> territories = editor.Type()->Territories();
+    QCOMPARE(territories.size(), 2);
+    QCOMPARE(territories.last()->Zones().size(), 1);
+    QCOMPARE(territories.last()->Color(), editor.North()->Color());
+    QCOMPARE(editor.Scene().CurrentTerritory(), territories.last());
+    QVERIFY(editor.Scene().selectedItems().isEmpty());
+}
+
+void tst_WindowEditing::FindsATerritoryByItsZone()
+{
+    const Editor editor;
+    editor.Click("btnToggleQueryTer");
+
+    editor.ClickAt({10, 10});
+
+    QCOMPARE(editor.Scene().CurrentTerritory(), editor.North());
+    QCOMPARE(editor.Scene().Mode(), SceneMode::Select);
+    QVERIFY(editor.Button("btnToggleZoneSelect")->isChecked());
+    QVERIFY(!editor.Button("btnToggleQueryTer")->isChecked());
+    QCOMPARE(editor.Scene().selectedItems().size(), 1);
+}
+
+void tst_WindowEditing::SelectionEnablesItsControls()
+{
+    const Editor editor;
+    editor.SelectTerritory();
+    editor.Click("btnToggleZoneSelect");
+    QVERIFY(!editor.Button("btnZoneDelete")->isEnabled());
+    QVERIFY(!editor.Button("btnZoneCopy")->isEnabled());
+
+    editor.ClickAt({10, 10});
+    QVERIFY(editor.Button("btnZoneDelete")->isEnabled());
+    QVERIFY(editor.Button("btnZoneCopy")->isEnabled());
+
+    editor.Scene().clearSelection();
+    QVERIFY(!editor.Button("btnZoneDelete")->isEnabled());
+    QVERIFY(!editor.Button("btnZoneCopy")->isEnabled());
+}
+
+void tst_WindowEditing::ShowsTheWorldPosition()
+{
+    const Editor editor;
+    emit editor.View().MouseMoved(10, 20);
+    QCOMPARE(editor.Child<QLabel>("lblWorldPosX")->text(), "X = 100");
+    QCOMPARE(editor.Child<QLabel>("lblWorldPosZ")->text(), "Z = 200");
+}
+
+void tst_WindowEditing::TheOverlayIsData()
+{
+    const Editor editor;
+    editor.Child<QWidget>("gboBgOver")->findChild<QSlider*>("slider")->setValue(100);
+
+    QCOMPARE(ProjectSettings::Instance().backgroundColor.alpha(), 100);
+    QVERIFY(editor.Modified());
+    editor.Modified() = false;
+
+    emit editor.Child<GroupBoxColor>("gboBgOver")->ColorChanged(QColor(9, 8, 7));
+
+    QCOMPARE(ProjectSettings::Instance().backgroundColor.rgba(), qRgba(9, 8, 7, 100));
+    QVERIFY(editor.Modified());
+}
+
+void tst_WindowEditing::ATypeRowEndsZoneModes()
+{
+    const Editor editor;
+    editor.SelectTerritory();
+    editor.Click("btnToggleZoneInsert");
+
+    editor.Child<QTreeView>("treeTerTypes")->setCurrentIndex(editor.Type()->index());
+
+    QCOMPARE(editor.Scene().Mode(), SceneMode::None);
+    QCOMPARE(editor.Scene().CurrentTerritory(), nullptr);
+    QVERIFY(!editor.Button("btnToggleZoneInsert")->isEnabled());
+    QVERIFY(!editor.Button("btnToggleZoneInsert")->isChecked());
+}
+
+QTEST_MAIN(tst_WindowEditing)
+#include "tst_WindowEditing.moc"
