@@ -59,6 +59,8 @@ DialogCustomLayer::DialogCustomLayer(LayerList* list, Layer* layerToModify, QWid
 
 DialogCustomLayer::~DialogCustomLayer()
 {
+    // A radius box that loses the focus as it dies ends its editing.
+    m_ui->spnRadius->disconnect(this);
     m_thread.quit();
     m_thread.wait();
 }

@@ -50,7 +50,12 @@ DockTerTypeProps::DockTerTypeProps(QWidget* parent)
     ShowNothing();
 }
 
-DockTerTypeProps::~DockTerTypeProps() = default;
+DockTerTypeProps::~DockTerTypeProps()
+{
+    // Boxes that lose the focus as they die end their editing.
+    m_ui->spbStaticMax->disconnect(this);
+    m_ui->spbDynMax->disconnect(this);
+}
 
 void DockTerTypeProps::Connect()
 {

@@ -1,0 +1,574 @@
+#include "ui/DialogCustomLayer.h"
+
+#include "layers/CustomLayerWorker.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "layers/raster/Mask.h"
+#include "tests/support/Forms.h"
+#include "tests/support/LogSpy.h"
+#include "tests/support/ProjectFixture.h"
+
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QSpinBox>
+#include <QTest>
+
+#include <cstring>
+#include <memory>
+
+namespace {
+
+QImage Mask(const QRect& part)
+{
+    QImage mask = raster::BlankMask({64, 64});
+    for (int y = part.top(); y <= part.bottom(); ++y) {
+        memset(mask.scanLine(y) + part.left(), 255, static_cast<size_t>(part.width()));
+    }
+    return mask;
+}
+
+/// The dialog, shown, over two layers; what it asks the worker for is remembered.
+class Opened
+{
+public:
+    explicit Opened(LayerList& list, Layer* layer = nullptr)
+        : dialog(&list, layer)
+        , previews(&dialog, &DialogCustomLayer::PreviewComputationRequested)
+        , layers(&dialog, &DialogCustomLayer::LayerComputationRequested)
+    {
+        dialog.show();
+        [&] { QVERIFY(QTest::qWaitForWindowActive(&dialog)); }();
+        WaitIdle();
+    }
+
+    template <typename T>
+    T* Child(const char* name) const
+    {
+        return dialog.findChild<T*>(QLatin1String(name));
+    }
+    bool IsIdle() const { return Child<QPushButton>("btnCancel")->isEnabled(); }
+    void WaitIdle() const { QTRY_VERIFY(IsIdle()); }
+    void Choose(const char* combo, int index) const
+    {
+        Child<QComboBox>(combo)->setCurrentIndex(index);
+        WaitIdle();
+    }
+    QString LastCode() const { return previews.last().at(1).toString(); }
+    void PressOk() const { QTest::mouseClick(Child<QPushButton>("btnOk"), Qt::LeftButton); }
+
+    DialogCustomLayer dialog;
+    QSignalSpy previews;
+    QSignalSpy layers;
+};
+
+} // namespace
+
+class tst_DialogCustomLayer : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void HasItsForm_data();
+    void HasItsForm();
+    void HasNoCloseButton();
+    void AddsALayer();
+    void OpensWithAPreviewOfTheLabelsSize();
+    void BuildsTheCode_data();
+    void BuildsTheCode();
+    void EnablesWhatTheOperationNeeds_data();
+    void EnablesWhatTheOperationNeeds();
+    void ShowsItsInputs();
+    void OpensAPaintedLayer();
+    void TurnsAPaintedLayerIntoAComputedOne();
+    void OpensAComputedLayer_data();
+    void OpensAComputedLayer();
+    void ALayerWithoutAnImageIsAdded();
+    void ChecksTheName_data();
+    void ChecksTheName();
+    void ALayerMayKeepItsName();
+    void ABadNameIsNotConfirmed();
+    void IsBusyWhileItComputes();
+    void CannotBeLeftWhileItComputes();
+    void IgnoresARequestForTheSameCode();
+    void ComputesLaterWhatWasAskedMeanwhile();
+    void ConfirmsFromTheRadiusBox();
+    void EnterInTheRadiusBoxShowsAPreview();
+    void AnEmptyListGivesNoLayer();
+    void ALayerThatIsRefusedIsNotCreated();
+    void ShowsNoCheckBoxesInItsLists();
+
+private:
+    Layer* Add(const QString& name, const QRect& part, const QString& code = {});
+
+    /// Layers hold what only views show while there is a window.
+    QWidget m_window;
+    std::unique_ptr<ProjectFixture> m_project;
+    std::unique_ptr<LayerList> m_list;
+    Layer* m_first = nullptr;
+    Layer* m_second = nullptr;
+};
+
+Layer* tst_DialogCustomLayer::Add(const QString& name, const QRect& part, const QString& code)
+{
+    auto layer = std::make_unique<Layer>(0, 0, m_list.get(), name, code);
+    layer->SetImage(Mask(part), Qt::red);
+    Layer* added = layer.get();
+    m_list->AddLayer(std::move(layer));
+    return added;
+}
+
+void tst_DialogCustomLayer::init()
+{
+    m_list.reset();
+    m_project.reset();
+    m_project = std::make_unique<ProjectFixture>(QSize(64, 64), QSize(640, 640));
+    m_list = std::make_unique<LayerList>();
+    m_first = Add("first", QRect(0, 0, 32, 64));
+    m_second = Add("second", QRect(0, 0, 64, 16));
+}
+
+void tst_DialogCustomLayer::HasItsForm_data()
+{
+    QTest::addColumn<QString>("object");
+    QTest::addColumn<QString>("className");
+    QTest::addColumn<QByteArray>("property");
+    QTest::addColumn<QVariant>("value");
+
+    const auto row = [](const char* object, const char* className, const char* property,
+                        const QVariant& value) {
+        QTest::addRow("%s %s", object, property)
+            << object << className << QByteArray(property) << value;
+    };
+    row("DialogCustomLayer", "QDialog", "windowTitle", "Add layer");
+    row("groupBoxDefinition", "QGroupBox", "title", "Definition");
+    row("lblOperation", "QLabel", "text", "Operation:");
+    row("cboOperation", "QComboBox", "count", 8);
+    row("cboOperation", "QComboBox", "currentIndex", 0);
+    row("lblRadius", "QLabel", "text", "Radius (meters):");
+    row("lblRadius", "QLabel", "enabled", false);
+    row("spnRadius", "QSpinBox", "minimum", 1);
+    row("spnRadius", "QSpinBox", "maximum", 2000);
+    row("spnRadius", "QSpinBox", "value", 25);
+    row("spnRadius", "QSpinBox", "enabled", false);
+    row("groupBoxInputA", "QGroupBox", "title", "Input A");
+    row("groupBoxInputA", "QGroupBox", "enabled", true);
+    row("label_5", "QLabel", "text", "Layer:");
+    row("cboInputA", "QComboBox", "minimumSize", QSize(160, 0));
+    row("lblImageInputA", "QLabel", "text", "");
+    row("lblImageInputA", "QLabel", "minimumSize", QSize(384, 384));
+    row("groupBoxInputB", "QGroupBox", "title", "Input B");
+    row("groupBoxInputB", "QGroupBox", "enabled", false);
+    row("cboInputB", "QComboBox", "minimumSize", QSize(160, 0));
+    row("lblImageInputB", "QLabel", "text", "");
+    row("lblImageInputB", "QLabel", "minimumSize", QSize(384, 384));
+    row("groupBoxOutput", "QGroupBox", "title", "Output (preview)");
+    row("label", "QLabel", "text", "Name:");
+    row("txtOutputName", "QLineEdit", "text", "unnamed");
+    row("txtOutputName", "QLineEdit", "readOnly", false);
+    row("lblImageOutput", "QLabel", "text", "");
+    row("lblImageOutput", "QLabel", "minimumSize", QSize(384, 384));
+    row("pgr", "QProgressBar", "value", 0);
+    row("pgr", "QProgressBar", "alignment", int(Qt::AlignCenter));
+    row("btnCancel", "QPushButton", "text", "Cancel");
+    row("btnCancel", "QPushButton", "autoDefault", false);
+    row("btnOk", "QPushButton", "text", "OK");
+    row("btnOk", "QPushButton", "autoDefault", false);
+    row("btnOk", "QPushButton", "default", false);
+    for (const char* layout :
+         {"verticalLayout_2", "horizontalLayout_2", "horizontalLayout", "horizontalLayout_3"}) {
+        row(layout, "QBoxLayout", "", {});
+    }
+}
+
+void tst_DialogCustomLayer::HasItsForm()
+{
+    QFETCH(QString, object);
+    QFETCH(QString, className);
+    QFETCH(QByteArray, property);
+    QFETCH(QVariant, value);
+    DialogCustomLayer dialog(m_list.get(), nullptr);
+
+    CheckForm(dialog, object, className, property, value);
+
+    QCOMPARE(dialog.size(), QSize(1250, 583));
+    QStringList operations;
+    const auto* combo = dialog.findChild<QComboBox*>("cboOperation");
+    for (int i = 0; i < combo->count(); ++i) {
+        operations.append(combo->itemText(i));
+    }
+    QCOMPARE(operations, (QStringList{"Complement", "Union", "Intersection", "Difference",
+                                      "Erosion", "Dilation", "Opening", "Closing"}));
+}
+
+void tst_DialogCustomLayer::HasNoCloseButton()
+{
+    const DialogCustomLayer dialog(m_list.get(), nullptr);
+    QVERIFY(dialog.windowFlags() & Qt::CustomizeWindowHint);
+    QVERIFY(dialog.windowFlags() & Qt::WindowTitleHint);
+    QVERIFY(!(dialog.windowFlags() & Qt::WindowCloseButtonHint));
+}
+
+void tst_DialogCustomLayer::AddsALayer()
+{
+    const Opened opened(*m_list);
+    QCOMPARE(opened.dialog.CreatedLayer(), nullptr);
+    opened.Choose("cboOperation", 2);
+    opened.Choose("cboInputB", 1);
+    opened.Child<QLineEdit>("txtOutputName")->setText("both");
+
+    opened.PressOk();
+
+    QTRY_COMPARE(opened.dialog.result(), int(QDialog::Accepted));
+    Layer* created = opened.dialog.CreatedLayer();
+    QVERIFY(created);
+    QCOMPARE(m_list->Layers().last(), created);
+    QCOMPARE(created->text(), "both");
+    QCOMPARE(created->Code(), QString(".(%1)(%2)").arg(m_first->Id()).arg(m_second->Id()));
+    QCOMPARE(created->UsageFlags(), 0U);
+    QCOMPARE(created->Color(), QColor(Qt::white));
+    QCOMPARE(created->Image(), Mask(QRect(0, 0, 32, 16)));
+    QCOMPARE(opened.layers.size(), 1);
+    QCOMPARE(opened.layers.first().at(2).value<Layer*>(), nullptr);
+}
+
+void tst_DialogCustomLayer::OpensWithAPreviewOfTheLabelsSize()
+{
+    DialogCustomLayer dialog(m_list.get(), nullptr);
+    const auto* output = dialog.findChild<QLabel*>("lblImageOutput");
+    const QSize before = output->size();
+    QVERIFY(before != QSize(640, 480));
+    dialog.show();
+    QTRY_VERIFY(output->pixmap(Qt::ReturnByValue).size() == output->size());
+    QCOMPARE(dialog.findChild<QLabel*>("lblImageInputA")->pixmap(Qt::ReturnByValue).size(), before);
+}
+
+void tst_DialogCustomLayer::BuildsTheCode_data()
+{
+    QTest::addColumn<int>("operation");
+    QTest::addColumn<QString>("code");
+
+    QTest::newRow("complement") << 0 << "!(A)";
+    QTest::newRow("union") << 1 << "+(A)(B)";
+    QTest::newRow("intersection") << 2 << ".(A)(B)";
+    QTest::newRow("difference") << 3 << "-(A)(B)";
+    QTest::newRow("erosion") << 4 << "e(A:25)";
+    QTest::newRow("dilation") << 5 << "d(A:25)";
+    QTest::newRow("opening") << 6 << "o(A:25)";
+    QTest::newRow("closing") << 7 << "c(A:25)";
+}
+
+void tst_DialogCustomLayer::BuildsTheCode()
+{
+    QFETCH(int, operation);
+    QFETCH(QString, code);
+    const Opened opened(*m_list);
+    opened.Choose("cboOperation", operation);
+    opened.Choose("cboInputA", 1);
+    opened.Choose("cboInputB", 0);
+
+    code.replace("A", QString::number(m_second->Id())).replace("B", QString::number(m_first->Id()));
+    QCOMPARE(opened.LastCode(), code);
+}
+
+void tst_DialogCustomLayer::EnablesWhatTheOperationNeeds_data()
+{
+    QTest::addColumn<int>("operation");
+    QTest::addColumn<bool>("hasB");
+    QTest::addColumn<bool>("hasRadius");
+
+    for (int operation = 0; operation < 8; ++operation) {
+        QTest::addRow("%d", operation)
+            << operation << (operation >= 1 && operation <= 3) << (operation >= 4);
+    }
+}
+
+void tst_DialogCustomLayer::EnablesWhatTheOperationNeeds()
+{
+    QFETCH(int, operation);
+    const Opened opened(*m_list);
+    // From union to erosion: the second input goes, the radius comes.
+    opened.Choose("cboOperation", 1);
+
+    opened.Choose("cboOperation", operation);
+
+    QTEST(opened.Child<QWidget>("groupBoxInputB")->isEnabled(), "hasB");
+    QTEST(opened.Child<QWidget>("cboInputB")->isEnabled(), "hasB");
+    QTEST(opened.Child<QWidget>("lblRadius")->isEnabled(), "hasRadius");
+    QTEST(opened.Child<QWidget>("spnRadius")->isEnabled(), "hasRadius");
+}
+
+void tst_DialogCustomLayer::ShowsItsInputs()
+{
+    const Opened opened(*m_list);
+    const auto* label = opened.Child<QLabel>("lblImageInputA");
+    const auto shows = [label](const Layer& layer) {
+        const QImage expected = layer.Image().scaled(label->pixmap(Qt::ReturnByValue).size(),
+                                                     Qt::IgnoreAspectRatio, Qt::FastTransformation);
+        return label->pixmap(Qt::ReturnByValue).toImage().convertToFormat(QImage::Format_RGB32) ==
+               expected.convertToFormat(QImage::Format_RGB32);
+    };
+    QVERIFY(shows(*m_first));
+
+    opened.Choose("cboInputA", 1);
+
+    QVERIFY(shows(*m_second));
+}
+
+void tst_DialogCustomLayer::OpensAPaintedLayer()
+{
+    const Opened opened(*m_list, m_second);
+
+    QCOMPARE(opened.dialog.windowTitle(), "Modify layer - second");
+    QCOMPARE(opened.Child<QLineEdit>("txtOutputName")->text(), "second");
+    QCOMPARE(opened.Child<QComboBox>("cboOperation")->currentIndex(), 0);
+    QCOMPARE(opened.Child<QComboBox>("cboInputA")->currentIndex(), 1);
+    QCOMPARE(opened.Child<QComboBox>("cboInputB")->currentIndex(), 1);
+}
+
+void tst_DialogCustomLayer::TurnsAPaintedLayerIntoAComputedOne()
+{
+    const Opened opened(*m_list, m_second);
+    opened.Child<QLineEdit>("txtOutputName")->setText("other");
+
+    opened.PressOk();
+
+    QTRY_COMPARE(opened.dialog.result(), int(QDialog::Accepted));
+    QCOMPARE(m_second->Code(), QString("!(%1)").arg(m_second->Id()));
+    QCOMPARE(m_second->Image(), Mask(QRect(0, 16, 64, 48)));
+    QCOMPARE(m_second->text(), "other");
+    QCOMPARE(opened.dialog.CreatedLayer(), nullptr);
+    QCOMPARE(m_list->Layers().size(), 2);
+}
+
+void tst_DialogCustomLayer::OpensAComputedLayer_data()
+{
+    QTest::addColumn<QString>("code");
+    QTest::addColumn<int>("operation");
+    QTest::addColumn<int>("rowA");
+    QTest::addColumn<int>("rowB");
+    QTest::addColumn<int>("radius");
+
+    QTest::newRow("one input") << "!(B)" << 0 << 1 << 0 << 25;
+    QTest::newRow("two inputs") << "-(B)(A)" << 3 << 1 << 0 << 25;
+    QTest::newRow("a radius") << "d(B:40)" << 5 << 1 << 0 << 40;
+    QTest::newRow("an unknown operation") << "x(B)" << 0 << 1 << 0 << 25;
+    QTest::newRow("an id that is gone") << "!(999999)" << 0 << 0 << 0 << 25;
+}
+
+void tst_DialogCustomLayer::OpensAComputedLayer()
+{
+    QFETCH(QString, code);
+    code.replace("A", QString::number(m_first->Id())).replace("B", QString::number(m_second->Id()));
+    const Opened opened(*m_list, Add("computed", QRect(0, 0, 4, 4), code));
+
+    QCOMPARE(opened.dialog.windowTitle(), "Modify layer - computed");
+    QTEST(opened.Child<QComboBox>("cboOperation")->currentIndex(), "operation");
+    QTEST(opened.Child<QComboBox>("cboInputA")->currentIndex(), "rowA");
+    QTEST(opened.Child<QComboBox>("cboInputB")->currentIndex(), "rowB");
+    QTEST(opened.Child<QSpinBox>("spnRadius")->value(), "radius");
+}
+
+void tst_DialogCustomLayer::ALayerWithoutAnImageIsAdded()
+{
+    Layer layer(0, 0, m_list.get(), "empty");
+    const Opened opened(*m_list, &layer);
+    QCOMPARE(opened.dialog.windowTitle(), "Add layer");
+}
+
+void tst_DialogCustomLayer::ChecksTheName_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("isGood");
+
+    QTest::newRow("another") << "third" << true;
+    QTest::newRow("of a layer") << "first" << false;
+    QTest::newRow("with a colon") << "a:b" << false;
+    QTest::newRow("blank") << "  " << false;
+    QTest::newRow("empty") << "" << false;
+}
+
+void tst_DialogCustomLayer::ChecksTheName()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, isGood);
+    const Opened opened(*m_list);
+    auto* edit = opened.Child<QLineEdit>("txtOutputName");
+    QCOMPARE(edit->styleSheet(), QString());
+    edit->selectAll();
+
+    QTest::keyClicks(edit, name.isEmpty() ? "\b" : name);
+
+    QCOMPARE(edit->styleSheet(), isGood ? "QLineEdit { background: rgb(255, 255, 255) }"
+                                        : "QLineEdit { background: rgb(255, 192, 192) }");
+    QCOMPARE(opened.Child<QPushButton>("btnOk")->isEnabled(), isGood);
+}
+
+void tst_DialogCustomLayer::ALayerMayKeepItsName()
+{
+    Opened opened(*m_list, m_second);
+    opened.dialog.ValidateContent("second");
+    QVERIFY(opened.Child<QPushButton>("btnOk")->isEnabled());
+    opened.dialog.ValidateContent("first");
+    QVERIFY(!opened.Child<QPushButton>("btnOk")->isEnabled());
+}
+
+void tst_DialogCustomLayer::ABadNameIsNotConfirmed()
+{
+    const Opened opened(*m_list);
+    // Set, not typed: it is checked when it is confirmed.
+    opened.Child<QLineEdit>("txtOutputName")->setText("first");
+
+    opened.PressOk();
+
+    QVERIFY(opened.dialog.isVisible());
+    QCOMPARE(opened.layers.size(), 0);
+    QVERIFY(!opened.Child<QPushButton>("btnOk")->isEnabled());
+}
+
+void tst_DialogCustomLayer::IsBusyWhileItComputes()
+{
+    const Opened opened(*m_list);
+    const auto* bar = opened.Child<QProgressBar>("pgr");
+    QCOMPARE(bar->maximum(), 1);
+
+    // The result comes by the event loop, so until then it computes.
+    opened.Child<QComboBox>("cboOperation")->setCurrentIndex(1);
+
+    for (const char* name :
+         {"btnOk", "btnCancel", "txtOutputName", "cboOperation", "cboInputA", "cboInputB"}) {
+        QVERIFY2(!opened.Child<QWidget>(name)->isEnabled(), name);
+    }
+    QCOMPARE(bar->minimum(), 0);
+    QCOMPARE(bar->maximum(), 0);
+    opened.WaitIdle();
+    QCOMPARE(bar->maximum(), 1);
+    QVERIFY(opened.Child<QWidget>("cboInputB")->isEnabled());
+}
+
+void tst_DialogCustomLayer::CannotBeLeftWhileItComputes()
+{
+    Opened opened(*m_list);
+    opened.Child<QComboBox>("cboInputA")->setCurrentIndex(1);
+
+    QVERIFY(!opened.dialog.close());
+    QTest::keyClick(&opened.dialog, Qt::Key_Escape);
+    opened.dialog.reject();
+    QVERIFY(opened.dialog.isVisible());
+
+    opened.WaitIdle();
+    QTest::keyClick(&opened.dialog, Qt::Key_Escape);
+    QVERIFY(!opened.dialog.isVisible());
+    QCOMPARE(opened.dialog.result(), int(QDialog::Rejected));
+}
+
+void tst_DialogCustomLayer::IgnoresARequestForTheSameCode()
+{
+    Opened opened(*m_list);
+    opened.Child<QComboBox>("cboInputA")->setCurrentIndex(1);
+    const int count = opened.previews.size();
+
+    opened.dialog.RequestPreview();
+    opened.WaitIdle();
+    QTest::qWait(20);
+
+    QCOMPARE(opened.previews.size(), count);
+}
+
+void tst_DialogCustomLayer::ComputesLaterWhatWasAskedMeanwhile()
+{
+    const Opened opened(*m_list);
+    opened.Choose("cboOperation", 4);
+    auto* radius = opened.Child<QSpinBox>("spnRadius");
+    radius->setFocus();
+    radius->selectAll();
+    QTest::keyClicks(radius, "30");
+    QTest::keyClick(radius, Qt::Key_Return);
+    const int count = opened.previews.size();
+    radius->setValue(50);
+    emit radius->editingFinished();
+    QCOMPARE(opened.previews.size(), count);
+
+    QTRY_COMPARE(opened.previews.size(), count + 1);
+
+    QVERIFY(opened.LastCode().endsWith(":50)"));
+    opened.WaitIdle();
+}
+
+void tst_DialogCustomLayer::ConfirmsFromTheRadiusBox()
+{
+    const Opened opened(*m_list);
+    opened.Choose("cboOperation", 5);
+    auto* radius = opened.Child<QSpinBox>("spnRadius");
+    radius->setFocus();
+    radius->selectAll();
+    QTest::keyClicks(radius, "100");
+
+    opened.PressOk();
+
+    QTRY_COMPARE(opened.dialog.result(), int(QDialog::Accepted));
+    QCOMPARE(opened.dialog.CreatedLayer()->Code(), QString("d(%1:100)").arg(m_first->Id()));
+    QCOMPARE(opened.layers.size(), 1);
+}
+
+void tst_DialogCustomLayer::EnterInTheRadiusBoxShowsAPreview()
+{
+    const Opened opened(*m_list);
+    opened.Choose("cboOperation", 5);
+    auto* radius = opened.Child<QSpinBox>("spnRadius");
+    radius->setFocus();
+    radius->selectAll();
+    QTest::keyClicks(radius, "100");
+    QTest::keyClick(radius, Qt::Key_Return);
+
+    QVERIFY(opened.LastCode().endsWith(":100)"));
+    opened.WaitIdle();
+    QVERIFY(opened.dialog.isVisible());
+    // Whoever typed goes on typing.
+    QVERIFY(radius->hasFocus());
+}
+
+void tst_DialogCustomLayer::AnEmptyListGivesNoLayer()
+{
+    m_list->Clear();
+    const Opened opened(*m_list);
+
+    opened.PressOk();
+
+    QTRY_COMPARE(opened.dialog.result(), int(QDialog::Accepted));
+    QCOMPARE(opened.dialog.CreatedLayer(), nullptr);
+    QVERIFY(m_list->IsEmpty());
+}
+
+void tst_DialogCustomLayer::ALayerThatIsRefusedIsNotCreated()
+{
+    Opened opened(*m_list);
+
+    opened.dialog.FinalizeLayerComputation(QImage());
+
+    QCOMPARE(opened.dialog.CreatedLayer(), nullptr);
+    QCOMPARE(m_list->Layers().size(), 2);
+}
+
+void tst_DialogCustomLayer::ShowsNoCheckBoxesInItsLists()
+{
+    m_first->SetVisible(true);
+    const Opened opened(*m_list);
+    auto* combo = opened.Child<QComboBox>("cboInputA");
+    combo->showPopup();
+    QVERIFY(QTest::qWaitForWindowExposed(combo->view()->window()));
+    const QRect row = combo->view()->visualRect(combo->model()->index(0, 0));
+
+    QTest::mouseClick(combo->view()->viewport(), Qt::LeftButton, {}, QPoint(8, row.center().y()));
+
+    opened.WaitIdle();
+    QVERIFY(m_first->IsVisible());
+}
+
+QTEST_MAIN(tst_DialogCustomLayer)
+#include "tst_DialogCustomLayer.moc"
