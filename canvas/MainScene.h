@@ -42,6 +42,8 @@ public:
     /// Pans while the space bar is held; the mode before is restored at the end, unless none began.
     void BeginPan();
     void EndPan();
+    /// No world picture; the overlay stays.
+    void ClearWorld();
     /// Whatever else ends a stroke than its button: keys, a lost focus or mouse.
     void EndStroke();
 
@@ -55,8 +57,6 @@ public slots:
     /// Shows the picture in the file, scaled to the layer size without smoothing; one that cannot
     /// be loaded logs an error and leaves the picture before.
     void ChangeWorld(QString file);
-    /// No picture; the overlay stays.
-    void ClearWorld();
     /// The overlay in the opaque colour, at the colour's opacity.
     void ChangeWorldRGBA(QColor c);
     /// The overlay in the colour; the project's background colour keeps its alpha.

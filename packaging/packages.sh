@@ -3,7 +3,7 @@
 # What each command needs beyond a bare Debian 12.
 build_packages=(ca-certificates cmake g++ git ninja-build qtbase5-dev qtbase5-dev-tools)
 run_packages=(fonts-dejavu-core)
-test_packages=(fonts-dejavu-core imagemagick python3 python3-pil)
+test_packages=(fonts-dejavu-core imagemagick openbox python3 python3-pil x11-utils xauth xvfb)
 check_packages=(clang clang-format clang-tidy clazy)
 icon_packages=(librsvg2-bin)
 bench_packages=(libbenchmark-dev libopencv-dev python3 python3-numpy python3-pil)

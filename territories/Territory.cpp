@@ -73,6 +73,15 @@ SpawnCounts Territory::Totals() const
     return totals;
 }
 
+void Territory::TotalsChanged() const
+{
+    // Not while its row is being removed.
+    const TerritoryType* type = model() ? GetType() : nullptr;
+    if (type) {
+        type->TotalsChanged();
+    }
+}
+
 bool Territory::AddZone(Zone* zone)
 {
     if (!zone || zone->m_holder) {
@@ -89,13 +98,6 @@ void Territory::RemoveZone(int zoneId)
     if (Zone* zone = m_zones.take(zoneId)) {
         zone->m_holder = nullptr;
         TotalsChanged();
-    }
-}
-
-void Territory::TotalsChanged()
-{
-    if (const TerritoryType* type = GetType()) {
-        type->TotalsChanged();
     }
 }
 

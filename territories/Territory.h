@@ -68,7 +68,7 @@ private:
 
     void Init();
     void ShowColor();
-    void TotalsChanged();
+    void TotalsChanged() const;
 
     Lifetime m_lifetime;
     int m_id;

@@ -5,6 +5,7 @@
 #include "app/OutputFile.h"
 #include "app/ProjectSettings.h"
 #include "territories/Territory.h"
+#include "territories/TerritoryTypeList.h"
 
 #include <QDir>
 #include <QXmlStreamWriter>
@@ -69,8 +70,8 @@ SpawnCounts TerritoryType::Totals() const
 
 void TerritoryType::TotalsChanged() const
 {
-    if (m_totalsListener) {
-        m_totalsListener();
+    if (m_list && model() == m_list->model()) {
+        m_list->TotalsChanged();
     }
 }
 
@@ -106,11 +107,11 @@ void TerritoryType::RemoveTerritory(int id)
     }
 }
 
-void TerritoryType::SetVisible(bool isVisible)
+void TerritoryType::SetVisible(bool isVisible, const Territory* alwaysShown)
 {
     const QVector<Territory*> territories = Territories();
     for (Territory* territory : territories) {
-        territory->SetVisible(isVisible);
+        territory->SetVisible(isVisible || territory == alwaysShown);
         territory->setCheckState(isVisible ? Qt::Checked : Qt::Unchecked);
     }
 }

@@ -1,14 +1,15 @@
 #pragma once
 
+#include "app/Tracked.h"
 #include "territories/SpawnCounts.h"
 
+#include <QPointer>
 #include <QStandardItem>
 #include <QVector>
 
-#include <functional>
-
 class QXmlStreamWriter;
 class Territory;
+class TerritoryTypeList;
 
 /// A named group of territories; a top-level row of the territory tree. It owns its territories,
 /// which are its child rows. Its name becomes the name of its export file.
@@ -21,15 +22,14 @@ public:
     ~TerritoryType() override;
     Q_DISABLE_COPY(TerritoryType)
 
+    const Lifetime& GetLifetime() const { return m_lifetime; }
     /// Unique in the process and never reused; also the item data under Qt::UserRole.
     int Id() const { return m_id; }
     /// By ascending id.
     QVector<Territory*> Territories() const;
     /// The sums over the territories.
     SpawnCounts Totals() const;
-    /// Called when zones came, went or changed their counts. It may come in the middle of a change:
-    /// the callback only notes it.
-    void SetTotalsListener(const std::function<void()>& listener) { m_totalsListener = listener; }
+    /// Tells the list that they may have changed.
     void TotalsChanged() const;
 
     Territory* NewTerritory();
@@ -41,8 +41,9 @@ public:
     /// Destroys the territory and its zones; an unknown id does nothing.
     void RemoveTerritory(int id);
 
-    /// Shows or hides all territories, and checks or unchecks them to match.
-    void SetVisible(bool isVisible);
+    /// Shows or hides all territories, and checks or unchecks them to match. One of them may be
+    /// named that is shown in any case.
+    void SetVisible(bool isVisible, const Territory* alwaysShown = nullptr);
     /// Shows exactly the territories that are checked.
     void UpdateVisibility();
 
@@ -56,6 +57,9 @@ public:
     bool Export() const;
 
 private:
+    friend class TerritoryTypeList;
+
+    Lifetime m_lifetime;
     int m_id;
-    std::function<void()> m_totalsListener;
+    QPointer<TerritoryTypeList> m_list;
 };

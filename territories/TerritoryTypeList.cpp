@@ -10,15 +10,20 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 TerritoryTypeList::TerritoryTypeList(QObject* parent)
     : QObject(parent)
     , m_model(new QStandardItemModel)
 {
+    connect(m_model, &QStandardItemModel::rowsInserted, this, &TerritoryTypeList::TotalsChanged);
+    connect(m_model, &QStandardItemModel::rowsRemoved, this, &TerritoryTypeList::TotalsChanged);
 }
 
 TerritoryTypeList::~TerritoryTypeList()
 {
+    // Whoever shows totals may be going too.
+    m_totalsCallback = nullptr;
     Clear();
     m_model->deleteLater();
 }
@@ -54,11 +59,7 @@ bool TerritoryTypeList::AddType(TerritoryType* type)
         return false;
     }
     if (!type->model()) {
-        type->SetTotalsListener([this] {
-            if (m_totalsListener) {
-                m_totalsListener();
-            }
-        });
+        type->m_list = this;
         m_model->appendRow(type);
     }
     return true;
@@ -75,6 +76,18 @@ void TerritoryTypeList::UpdateVisibility()
     const QVector<TerritoryType*> types = Types();
     for (TerritoryType* type : types) {
         type->UpdateVisibility();
+    }
+}
+
+void TerritoryTypeList::SetTotalsCallback(std::function<void()> callback)
+{
+    m_totalsCallback = std::move(callback);
+}
+
+void TerritoryTypeList::TotalsChanged() const
+{
+    if (m_totalsCallback) {
+        m_totalsCallback();
     }
 }
 

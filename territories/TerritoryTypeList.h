@@ -34,12 +34,16 @@ public:
     /// type that another model or item owns; true without change for one that is in the list
     /// already.
     bool AddType(TerritoryType* type);
-    /// Who shows totals is told when those of any type may have changed. It may come in the middle
-    /// of a change: the callback only notes it.
-    void SetTotalsListener(const std::function<void()>& listener) { m_totalsListener = listener; }
     /// Destroys all types.
     void Clear();
     void UpdateVisibility();
+
+    /// What is called when totals of spawn counts may have changed: a zone was added, removed or
+    /// counts other creatures now, or rows came or went. One action can bring a call for each of
+    /// its zones, so whoever shows totals sums them up once afterwards. Empty for none.
+    void SetTotalsCallback(std::function<void()> callback);
+    /// Calls it.
+    void TotalsChanged() const;
 
     /// Reads the "territory-type-list" element whose start tag the reader stands on; zones are
     /// added to the scene when there is one. False when the reader has an error; the types that
@@ -54,5 +58,5 @@ public:
 
 private:
     QStandardItemModel* m_model;
-    std::function<void()> m_totalsListener;
+    std::function<void()> m_totalsCallback;
 };

@@ -128,38 +128,18 @@ void Zone::SetSceneRadius(float radius)
     setRect(-r, -r, 2 * r, 2 * r);
 }
 
-void Zone::SetCount(int SpawnCounts::*count, int value)
-{
-    m_counts.*count = value;
-    if (m_holder) {
-        m_holder->TotalsChanged();
-    }
-}
-
-void Zone::SetStaticMin(int count)
-{
-    SetCount(&SpawnCounts::staticMin, count);
-}
-
-void Zone::SetStaticMax(int count)
-{
-    SetCount(&SpawnCounts::staticMax, count);
-}
-
-void Zone::SetDynamicMin(int count)
-{
-    SetCount(&SpawnCounts::dynamicMin, count);
-}
-
-void Zone::SetDynamicMax(int count)
-{
-    SetCount(&SpawnCounts::dynamicMax, count);
-}
-
 void Zone::SetUsage(int usage)
 {
     m_usage = usage;
     update();
+}
+
+void Zone::SetCount(int& count, int value)
+{
+    count = value;
+    if (m_holder) {
+        m_holder->TotalsChanged();
+    }
 }
 
 int Zone::Depth() const

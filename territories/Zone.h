@@ -59,10 +59,10 @@ public:
     /// Alpha included.
     void SetColor(const QColor& color);
     void SetRadius(float metres);
-    void SetStaticMin(int count);
-    void SetStaticMax(int count);
-    void SetDynamicMin(int count);
-    void SetDynamicMax(int count);
+    void SetStaticMin(int count) { SetCount(m_counts.staticMin, count); }
+    void SetStaticMax(int count) { SetCount(m_counts.staticMax, count); }
+    void SetDynamicMin(int count) { SetCount(m_counts.dynamicMin, count); }
+    void SetDynamicMax(int count) { SetCount(m_counts.dynamicMax, count); }
     void SetUsage(int usage);
     /// Meaningful for DynamicEvent only.
     void SetEventName(const QString& name) { m_eventName = name; }
@@ -90,7 +90,7 @@ protected:
 private:
     friend class Territory;
 
-    void SetCount(int SpawnCounts::*count, int value);
+    void SetCount(int& count, int value);
     int Depth() const;
     void SetDepth(int depth);
     void SetSceneRadius(float radius);

@@ -1,33 +1,30 @@
 #include "ui/DockTerTypeProps.h"
 
 #include "app/ProjectSettings.h"
+#include "territories/Territory.h"
 #include "territories/TerritoryType.h"
+#include "territories/Zone.h"
 #include "ui/widgets/WheelFocus.h"
 #include "ui_DockTerTypeProps.h"
 
 #include <QSignalBlocker>
-#include <QStandardItemModel>
+
+#include <algorithm>
 
 namespace {
 
-constexpr float MinRadius = 50.0F;
-constexpr float MaxRadius = 32768.0F;
+constexpr float SmallestRadius = 50.0F;
+constexpr float LargestRadius = 32768.0F;
 
 float RadiusMetres(const Zone& zone)
 {
-    return zone.Radius() * ProjectSettings::Instance().metresPerPixelX;
+    return ProjectSettings::Instance().metresPerPixelX * zone.Radius();
 }
 
-void SetSilently(QSpinBox* box, int value)
+/// A name as the title of a box, where an ampersand would mark a key.
+QString TitleText(QString name)
 {
-    const QSignalBlocker notEdited(box);
-    box->setValue(value);
-}
-
-/// Sums over foreign files may be any number.
-int Sum(int a, int b)
-{
-    return static_cast<int>(static_cast<unsigned>(a) + static_cast<unsigned>(b));
+    return name.replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
 } // namespace
@@ -37,176 +34,185 @@ DockTerTypeProps::DockTerTypeProps(QWidget* parent)
     , m_ui(std::make_unique<Ui::DockTerTypeProps>())
 {
     m_ui->setupUi(this);
-    const QList<QRadioButton*> usages = {m_ui->rdoRest, m_ui->rdoGraze, m_ui->rdoWater,
-                                         m_ui->rdoHunting, m_ui->rdoDynEvent};
-    for (int i = 0; i < usages.size(); ++i) {
-        m_ui->btngAIUsage->setId(usages[i], Zone::Rest + i);
-    }
-    for (QSpinBox* box :
-         {m_ui->spbStaticMin, m_ui->spbStaticMax, m_ui->spbDynMin, m_ui->spbDynMax}) {
-        TakeWheelOnlyWithFocus(box);
-    }
+    m_ui->btngAIUsage->setId(m_ui->rdoRest, Zone::Rest);
+    m_ui->btngAIUsage->setId(m_ui->rdoGraze, Zone::Graze);
+    m_ui->btngAIUsage->setId(m_ui->rdoWater, Zone::Water);
+    m_ui->btngAIUsage->setId(m_ui->rdoHunting, Zone::HuntingGround);
+    m_ui->btngAIUsage->setId(m_ui->rdoDynEvent, Zone::DynamicEvent);
+    m_totalsTimer.setSingleShot(true);
+    m_totalsTimer.setInterval(0);
     Connect();
     ShowNothing();
 }
 
-DockTerTypeProps::~DockTerTypeProps()
-{
-    // Boxes that lose the focus as they die end their editing.
-    m_ui->spbStaticMax->disconnect(this);
-    m_ui->spbDynMax->disconnect(this);
-}
+DockTerTypeProps::~DockTerTypeProps() = default;
 
+/// Only what the user does comes back: filling a control emits none of these signals, or is done
+/// with them blocked.
 void DockTerTypeProps::Connect()
 {
-    const auto changed = qOverload<int>(&QSpinBox::valueChanged);
+    connect(m_ui->gboTerClrOp, &GroupBoxColor::ColorChanged, this, &DockTerTypeProps::UpdateColor);
+    connect(m_ui->gboTerClrOp, &GroupBoxColor::AlphaChanged, this,
+            &DockTerTypeProps::UpdateOpacity);
     connect(m_ui->txtSize, &QLineEdit::textEdited, this, &DockTerTypeProps::UpdateSize);
-    connect(m_ui->spbStaticMin, changed, this, &DockTerTypeProps::UpdateStaticMin);
-    connect(m_ui->spbStaticMax, changed, this, &DockTerTypeProps::UpdateStaticMax);
-    connect(m_ui->spbDynMin, changed, this, &DockTerTypeProps::UpdateDynMin);
-    connect(m_ui->spbDynMax, changed, this, &DockTerTypeProps::UpdateDynMax);
-    for (QSpinBox* box : {m_ui->spbStaticMax, m_ui->spbDynMax}) {
-        connect(box, &QSpinBox::editingFinished, this, &DockTerTypeProps::ShowStoredCounts);
+    connect(m_ui->txtSize, &QLineEdit::editingFinished, this, &DockTerTypeProps::ShowSize);
+    const struct
+    {
+        QSpinBox* box;
+        void (DockTerTypeProps::*update)(int);
+    } spinBoxes[] = {
+        {m_ui->spbStaticMin, &DockTerTypeProps::UpdateStaticMin},
+        {m_ui->spbStaticMax, &DockTerTypeProps::UpdateStaticMax},
+        {m_ui->spbDynMin, &DockTerTypeProps::UpdateDynMin},
+        {m_ui->spbDynMax, &DockTerTypeProps::UpdateDynMax},
+    };
+    for (const auto& spinBox : spinBoxes) {
+        TakeWheelOnlyWithFocus(spinBox.box);
+        connect(spinBox.box, QOverload<int>::of(&QSpinBox::valueChanged), this, spinBox.update);
+        connect(spinBox.box, &QSpinBox::editingFinished, this, &DockTerTypeProps::ShowCounts);
     }
     connect(m_ui->btngAIUsage, &QButtonGroup::idClicked, this, &DockTerTypeProps::UpdateUsage);
     connect(m_ui->txtDynEvent, &QLineEdit::textEdited, this, &DockTerTypeProps::UpdateEvent);
-    connect(m_ui->btnToFront, &QPushButton::clicked, this, &DockTerTypeProps::ToFront);
-    connect(m_ui->btnToBack, &QPushButton::clicked, this, &DockTerTypeProps::ToBack);
-    connect(m_ui->gboTerColor, &GroupBoxColor::ColorChanged, this, &DockTerTypeProps::UpdateColor);
-    connect(m_ui->gboTerColor, &GroupBoxColor::AlphaChanged, this,
-            &DockTerTypeProps::UpdateOpacity);
-}
-
-void DockTerTypeProps::ShowTerritory(Territory* territory)
-{
-    m_territory = territory;
-    m_typeRow = QModelIndex();
-    if (!territory) {
-        ShowNothing();
-        return;
-    }
-    setEnabled(true);
-    RefreshTitle();
-    m_ui->gboTerColor->setEnabled(true);
-    {
-        const QSignalBlocker notEdited(m_ui->gboTerColor);
-        m_ui->gboTerColor->SetColor(territory->Color());
-    }
-    ShowTotals(territory->Totals());
-}
-
-void DockTerTypeProps::ShowType(TerritoryType* type)
-{
-    m_territory = nullptr;
-    m_typeRow = type ? type->index() : QModelIndex();
-    if (!type) {
-        ShowNothing();
-        return;
-    }
-    setEnabled(true);
-    RefreshTitle();
-    m_ui->gboTerColor->setEnabled(false);
-    ShowTotals(type->Totals());
+    connect(m_ui->btnToFront, &QToolButton::clicked, this, &DockTerTypeProps::ToFront);
+    connect(m_ui->btnToBack, &QToolButton::clicked, this, &DockTerTypeProps::ToBack);
+    connect(&m_totalsTimer, &QTimer::timeout, this, &DockTerTypeProps::RefreshTotals);
 }
 
 void DockTerTypeProps::ShowNothing()
 {
     m_territory = nullptr;
-    m_typeRow = QModelIndex();
+    m_type = nullptr;
     m_ui->gboTer->setTitle(tr("Territory"));
     ShowTotals({});
-    ShowZone(nullptr);
     setEnabled(false);
 }
 
-TerritoryType* DockTerTypeProps::ShownType() const
+void DockTerTypeProps::ShowTerritory(Territory* territory)
 {
-    const auto* model = qobject_cast<const QStandardItemModel*>(m_typeRow.model());
-    return model ? dynamic_cast<TerritoryType*>(model->itemFromIndex(m_typeRow)) : nullptr;
+    if (!territory) {
+        ShowNothing();
+        return;
+    }
+    m_territory = territory;
+    m_type = nullptr;
+    setEnabled(true);
+    m_ui->gboTer->setTitle(tr("Territory: %1").arg(TitleText(territory->text())));
+    m_ui->gboTerClrOp->setEnabled(true);
+    const QSignalBlocker blocker(m_ui->gboTerClrOp);
+    m_ui->gboTerClrOp->SetColor(territory->Color());
+    ShowTotals(territory->Totals());
 }
 
-void DockTerTypeProps::RefreshTitle()
+void DockTerTypeProps::ShowType(TerritoryType* type)
 {
-    if (const Territory* territory = m_territory) {
-        m_ui->gboTer->setTitle(tr("Territory: %1").arg(territory->text()));
-    } else if (const TerritoryType* type = ShownType()) {
-        m_ui->gboTer->setTitle(tr("Territory type: %1").arg(type->text()));
+    if (!type) {
+        ShowNothing();
+        return;
     }
+    m_territory = nullptr;
+    m_type = type;
+    setEnabled(true);
+    m_ui->gboTer->setTitle(tr("Territory type: %1").arg(TitleText(type->text())));
+    m_ui->gboTerClrOp->setEnabled(false);
+    ShowTotals(type->Totals());
 }
 
 void DockTerTypeProps::RefreshTotals()
 {
+    m_totalsTimer.stop();
     if (const Territory* territory = m_territory) {
         ShowTotals(territory->Totals());
-    } else if (const TerritoryType* type = ShownType()) {
+    } else if (const TerritoryType* type = m_type) {
         ShowTotals(type->Totals());
+    }
+}
+
+void DockTerTypeProps::RefreshTotalsLater()
+{
+    if (!m_totalsTimer.isActive()) {
+        m_totalsTimer.start();
     }
 }
 
 void DockTerTypeProps::ShowTotals(const SpawnCounts& totals)
 {
+    // Counts from a file may be so large that their sums wrap.
+    const auto sum = [](int a, int b) {
+        return static_cast<int>(static_cast<unsigned>(a) + static_cast<unsigned>(b));
+    };
     m_ui->lblTerStaticMinVal->setNum(totals.staticMin);
     m_ui->lblTerStaticMaxVal->setNum(totals.staticMax);
     m_ui->lblTerDynMinVal->setNum(totals.dynamicMin);
     m_ui->lblTerDynMaxVal->setNum(totals.dynamicMax);
-    m_ui->lblTerTotalMinVal->setNum(Sum(totals.staticMin, totals.dynamicMin));
-    m_ui->lblTerTotalMaxVal->setNum(Sum(totals.staticMax, totals.dynamicMax));
+    m_ui->lblTerTotalMinVal->setNum(sum(totals.staticMin, totals.dynamicMin));
+    m_ui->lblTerTotalMaxVal->setNum(sum(totals.staticMax, totals.dynamicMax));
 }
 
 void DockTerTypeProps::ShowZone(Zone* zone)
 {
     m_zone = zone;
-    ResetZone();
     m_ui->gboZone->setEnabled(zone != nullptr);
+    ShowSize();
+    ShowCounts();
+    ShowUsage();
     if (zone) {
-        FillZone(*zone);
-        RememberTemplate();
+        TakeTemplate();
     }
 }
 
-void DockTerTypeProps::ResetZone()
+void DockTerTypeProps::ShowSize()
 {
-    m_ui->txtSize->clear();
+    if (const Zone* zone = m_zone) {
+        const auto metres = static_cast<double>(RadiusMetres(*zone));
+        m_ui->txtSize->setText(QString::number(metres, 'g', 6));
+    } else {
+        m_ui->txtSize->clear();
+    }
+}
+
+void DockTerTypeProps::ShowCounts()
+{
+    const Zone* zone = m_zone;
+    const SpawnCounts counts = zone ? zone->Counts() : SpawnCounts();
+    const auto show = [](QSpinBox* box, int count) {
+        const QSignalBlocker blocker(box);
+        box->setValue(count);
+    };
+    show(m_ui->spbStaticMin, counts.staticMin);
+    show(m_ui->spbStaticMax, counts.staticMax);
+    show(m_ui->spbDynMin, counts.dynamicMin);
+    show(m_ui->spbDynMax, counts.dynamicMax);
+}
+
+void DockTerTypeProps::ShowUsage()
+{
     m_ui->txtDynEvent->clear();
     m_ui->txtDynEvent->setEnabled(false);
-    // Of an exclusive group one button always stays checked.
+    // An exclusive group does not let go of its last checked button.
     m_ui->btngAIUsage->setExclusive(false);
     const QList<QAbstractButton*> buttons = m_ui->btngAIUsage->buttons();
     for (QAbstractButton* button : buttons) {
         button->setChecked(false);
     }
     m_ui->btngAIUsage->setExclusive(true);
-}
-
-void DockTerTypeProps::FillZone(const Zone& zone)
-{
-    m_ui->txtSize->setText(QString::number(static_cast<double>(RadiusMetres(zone)), 'g', 6));
-    ShowStoredCounts();
-    if (QAbstractButton* button = m_ui->btngAIUsage->button(zone.GetUsage())) {
+    const Zone* zone = m_zone;
+    if (!zone) {
+        return;
+    }
+    if (QAbstractButton* button = m_ui->btngAIUsage->button(zone->GetUsage())) {
         button->setChecked(true);
     }
-    if (zone.GetUsage() == Zone::DynamicEvent) {
+    if (zone->GetUsage() == Zone::DynamicEvent) {
         m_ui->txtDynEvent->setEnabled(true);
-        m_ui->txtDynEvent->setText(zone.EventName());
+        m_ui->txtDynEvent->setText(zone->EventName());
     }
 }
 
-void DockTerTypeProps::ShowStoredCounts()
+void DockTerTypeProps::TakeTemplate()
 {
-    if (const Zone* zone = m_zone) {
-        SetSilently(m_ui->spbStaticMin, zone->Counts().staticMin);
-        SetSilently(m_ui->spbStaticMax, zone->Counts().staticMax);
-        SetSilently(m_ui->spbDynMin, zone->Counts().dynamicMin);
-        SetSilently(m_ui->spbDynMax, zone->Counts().dynamicMax);
-    }
-}
-
-void DockTerTypeProps::RememberTemplate()
-{
-    if (const Zone* zone = m_zone) {
-        m_template = Template{RadiusMetres(*zone), zone->Counts(), zone->GetUsage(),
-                              zone->EventName(), zone->zValue()};
-    }
+    const Zone* zone = m_zone;
+    m_template = Template{RadiusMetres(*zone), zone->Counts(), zone->GetUsage(), zone->EventName(),
+                          zone->zValue()};
 }
 
 void DockTerTypeProps::ApplyToNewZone(Zone* zone)
@@ -215,7 +221,7 @@ void DockTerTypeProps::ApplyToNewZone(Zone* zone)
         return;
     }
     zone->SetRadius(m_template->radiusMetres);
-    if (const Territory* territory = zone->Holder()) {
+    if (const Territory* territory = m_territory) {
         zone->SetColor(territory->Color());
     }
     zone->SetStaticMin(m_template->counts.staticMin);
@@ -225,6 +231,7 @@ void DockTerTypeProps::ApplyToNewZone(Zone* zone)
     zone->SetUsage(m_template->usage);
     zone->SetEventName(m_template->eventName);
     zone->setZValue(m_template->depth);
+    RefreshTotals();
 }
 
 void DockTerTypeProps::ForgetTemplate()
@@ -235,96 +242,114 @@ void DockTerTypeProps::ForgetTemplate()
 void DockTerTypeProps::ZoneEdited()
 {
     ProjectSettings::Instance().modified = true;
-    RememberTemplate();
+    TakeTemplate();
 }
 
 void DockTerTypeProps::UpdateSize(const QString& text)
 {
-    const float metres = text.toFloat();
-    if (m_zone && metres >= MinRadius && metres <= MaxRadius) {
-        m_zone->SetRadius(metres);
+    bool isNumber = false;
+    const float metres = text.toFloat(&isNumber);
+    Zone* zone = m_zone;
+    if (zone && isNumber && metres >= SmallestRadius && metres <= LargestRadius) {
+        zone->SetRadius(metres);
         ZoneEdited();
     }
 }
 
 void DockTerTypeProps::UpdateColor(const QColor& color)
 {
-    if (m_territory) {
-        m_territory->SetColor(color);
+    if (Territory* territory = m_territory) {
+        territory->SetColor(color);
         ProjectSettings::Instance().modified = true;
     }
 }
 
 void DockTerTypeProps::UpdateOpacity(int alpha)
 {
-    if (m_territory) {
-        m_territory->SetAlpha(alpha);
+    if (Territory* territory = m_territory) {
+        territory->SetAlpha(alpha);
         ProjectSettings::Instance().modified = true;
         emit Changed(QRectF());
     }
 }
 
-void DockTerTypeProps::SetCount(void (Zone::*setter)(int), int count)
-{
-    if (m_zone) {
-        (m_zone.Get()->*setter)(count);
-        ZoneEdited();
-    }
-}
-
 void DockTerTypeProps::UpdateStaticMin(int count)
 {
-    SetCount(&Zone::SetStaticMin, count);
+    if (Zone* zone = m_zone) {
+        zone->SetStaticMin(count);
+        ZoneEdited();
+        RefreshTotals();
+    }
 }
 
 void DockTerTypeProps::UpdateStaticMax(int count)
 {
-    SetCount(&Zone::SetStaticMax, m_zone ? qMax(count, m_zone->Counts().staticMin) : count);
+    if (Zone* zone = m_zone) {
+        zone->SetStaticMax(std::max(count, zone->Counts().staticMin));
+        ZoneEdited();
+        RefreshTotals();
+    }
 }
 
 void DockTerTypeProps::UpdateDynMin(int count)
 {
-    SetCount(&Zone::SetDynamicMin, count);
+    if (Zone* zone = m_zone) {
+        zone->SetDynamicMin(count);
+        ZoneEdited();
+        RefreshTotals();
+    }
 }
 
 void DockTerTypeProps::UpdateDynMax(int count)
 {
-    SetCount(&Zone::SetDynamicMax, m_zone ? qMax(count, m_zone->Counts().dynamicMin) : count);
+    if (Zone* zone = m_zone) {
+        zone->SetDynamicMax(std::max(count, zone->Counts().dynamicMin));
+        ZoneEdited();
+        RefreshTotals();
+    }
 }
 
 void DockTerTypeProps::ToFront()
 {
-    if (m_zone) {
-        m_zone->BringToFront();
+    if (Zone* zone = m_zone) {
+        zone->BringToFront();
         ZoneEdited();
     }
 }
 
 void DockTerTypeProps::ToBack()
 {
-    if (m_zone) {
-        m_zone->SendToBack();
+    if (Zone* zone = m_zone) {
+        zone->SendToBack();
         ZoneEdited();
     }
 }
 
-void DockTerTypeProps::UpdateUsage(int usage)
+void DockTerTypeProps::UpdateUsage(int id)
 {
-    if (!m_zone) {
+    Zone* zone = m_zone;
+    if (!zone) {
         return;
     }
-    m_zone->SetUsage(usage);
+    zone->SetUsage(id);
     ZoneEdited();
-    if (usage != 0) {
-        m_ui->txtDynEvent->setEnabled(usage == Zone::DynamicEvent);
-        emit Changed(m_zone->sceneBoundingRect());
+    if (id == 0) {
+        return;
     }
+    const bool isEvent = id == Zone::DynamicEvent;
+    m_ui->txtDynEvent->setEnabled(isEvent);
+    if (isEvent) {
+        // The zone may have been that of an event before.
+        m_ui->txtDynEvent->setText(zone->EventName());
+    }
+    emit Changed(zone->sceneBoundingRect());
 }
 
 void DockTerTypeProps::UpdateEvent(const QString& text)
 {
-    if (m_zone && m_zone->GetUsage() == Zone::DynamicEvent && m_zone->EventName() != text) {
-        m_zone->SetEventName(text);
+    Zone* zone = m_zone;
+    if (zone && zone->GetUsage() == Zone::DynamicEvent && zone->EventName() != text) {
+        zone->SetEventName(text);
         ZoneEdited();
     }
 }

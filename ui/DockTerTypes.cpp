@@ -3,12 +3,13 @@
 #include "app/Log.h"
 #include "app/ProjectSettings.h"
 #include "canvas/MainScene.h"
+#include "territories/Territory.h"
 #include "territories/TerritoryType.h"
-#include "territories/TerritoryTypeList.h"
 #include "ui/DockTerTypeProps.h"
 #include "ui_DockTerTypes.h"
 
 #include <QMenu>
+#include <QScopedValueRollback>
 #include <QStandardItemModel>
 
 DockTerTypes::DockTerTypes(MainScene* scene, DockTerTypeProps* props, QWidget* parent)
@@ -16,83 +17,111 @@ DockTerTypes::DockTerTypes(MainScene* scene, DockTerTypeProps* props, QWidget* p
     , m_ui(std::make_unique<Ui::DockTerTypes>())
     , m_scene(scene)
     , m_props(props)
-    , m_list(std::make_unique<TerritoryTypeList>())
 {
     m_ui->setupUi(this);
-    m_ui->treeTerTypes->setModel(m_list->model());
-    m_ui->treeTerTypes->addAction(m_ui->actionRename);
     auto* menu = new QMenu(m_ui->btnAdd);
     menu->addAction(m_ui->actionAdd);
     m_ui->btnAdd->setMenu(menu);
-    Connect();
-    SelectNothing();
-    SetSelectionControlsEnabled(false);
+    m_ui->treeTerTypes->setModel(m_list.model());
+    ConnectModel();
+    ConnectControls();
+    ShowNoRow();
 }
 
 DockTerTypes::~DockTerTypes()
 {
-    m_list->SetTotalsListener({});
-    m_list->model()->disconnect(this);
+    m_list.SetTotalsCallback(nullptr);
+    m_list.model()->disconnect(this);
     m_ui->treeTerTypes->selectionModel()->disconnect(this);
+    // Selected zones that die are announced by the scene, and the answer may come back here.
+    m_list.Clear();
 }
 
-void DockTerTypes::Connect()
+void DockTerTypes::ConnectModel()
 {
+    m_list.SetTotalsCallback([this] {
+        if (m_props) {
+            m_props->RefreshTotalsLater();
+        }
+    });
+    connect(m_list.model(), &QStandardItemModel::dataChanged, this,
+            [this](const QModelIndex& first, const QModelIndex& /*last*/,
+                   const QVector<int>& roles) { DataChanged(first, roles); });
+    connect(m_list.model(), &QStandardItemModel::rowsAboutToBeRemoved, this,
+            &DockTerTypes::RowsAboutToBeRemoved);
+    connect(m_ui->treeTerTypes->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &DockTerTypes::Selection);
+}
+
+void DockTerTypes::ConnectControls()
+{
+    connect(m_ui->treeTerTypes, &QWidget::customContextMenuRequested, this,
+            &DockTerTypes::ContextMenu);
     connect(m_ui->btnAdd, &QToolButton::clicked, this, &DockTerTypes::AddTerritoryType);
-    connect(m_ui->actionAdd, &QAction::triggered, this, &DockTerTypes::AddTerritory);
-    connect(m_ui->actionRename, &QAction::triggered, this, &DockTerTypes::Rename);
-    connect(m_ui->actionRemove, &QAction::triggered, this, &DockTerTypes::Remove);
-    connect(m_ui->actionExport, &QAction::triggered, this, &DockTerTypes::Export);
-    connect(m_ui->btnToggleZoneInsert, &QToolButton::clicked, this, &DockTerTypes::InsertMode);
-    connect(m_ui->btnToggleZoneSelect, &QToolButton::clicked, this, &DockTerTypes::SelectMode);
-    connect(m_ui->btnToggleQueryTer, &QToolButton::clicked, this, &DockTerTypes::QueryMode);
-    connect(m_ui->btnZoneDelete, &QToolButton::clicked, m_scene, &MainScene::RemoveSelection);
-    connect(m_ui->btnZoneCopy, &QToolButton::clicked, this, &DockTerTypes::CopySelection);
+    connect(m_ui->btnToggleZoneInsert, &QPushButton::clicked, this, &DockTerTypes::InsertMode);
+    connect(m_ui->btnToggleZoneSelect, &QPushButton::clicked, this, &DockTerTypes::SelectMode);
+    connect(m_ui->btnToggleQueryTer, &QPushButton::clicked, this, &DockTerTypes::QueryMode);
+    connect(m_ui->btnZoneDelete, &QPushButton::clicked, this, [this] {
+        if (m_scene) {
+            m_scene->RemoveSelection();
+        }
+    });
+    connect(m_ui->btnZoneCopy, &QPushButton::clicked, this, &DockTerTypes::CopySelection);
     connect(m_ui->btnExportSelected, &QPushButton::clicked, this,
             &DockTerTypes::ExportSelectedClicked);
     connect(m_ui->btnExportAll, &QPushButton::clicked, this, &DockTerTypes::ExportAllClicked);
-    connect(m_ui->treeTerTypes, &QWidget::customContextMenuRequested, this,
-            &DockTerTypes::ContextMenu);
-    connect(m_ui->treeTerTypes->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            &DockTerTypes::Selection);
-    connect(m_list->model(), &QAbstractItemModel::dataChanged, this,
-            [this](const QModelIndex& index, const QModelIndex&, const QVector<int>& roles) {
-                FollowData(index, roles);
-            });
-    connect(m_list->model(), &QAbstractItemModel::rowsRemoved, this, &DockTerTypes::FollowRemoval);
-    // Zones come and go many at a time, and in the middle of changes.
-    m_totalsTimer.setSingleShot(true);
-    m_totalsTimer.setInterval(0);
-    connect(&m_totalsTimer, &QTimer::timeout, m_props, &DockTerTypeProps::RefreshTotals);
-    m_list->SetTotalsListener([this] { m_totalsTimer.start(); });
+    connect(m_ui->actionAdd, &QAction::triggered, this, &DockTerTypes::AddTerritory);
+    connect(m_ui->actionRemove, &QAction::triggered, this, &DockTerTypes::Remove);
+    connect(m_ui->actionExport, &QAction::triggered, this, &DockTerTypes::Export);
+    connect(m_ui->actionRename, &QAction::triggered, this, &DockTerTypes::Rename);
+}
+
+TerritoryType* DockTerTypes::TypeAt(const QModelIndex& index) const
+{
+    return dynamic_cast<TerritoryType*>(m_list.model()->itemFromIndex(index));
+}
+
+Territory* DockTerTypes::TerritoryAt(const QModelIndex& index) const
+{
+    return dynamic_cast<Territory*>(m_list.model()->itemFromIndex(index));
 }
 
 void DockTerTypes::Clear()
 {
     ClearSelection();
-    m_list->Clear();
+    if (m_props) {
+        m_props->ForgetTemplate();
+    }
+    m_list.Clear();
 }
 
 bool DockTerTypes::Read(QXmlStreamReader& xml)
 {
-    const bool isRead = m_list->Read(xml, m_scene);
+    const bool isRead = m_list.Read(xml, m_scene);
     m_ui->treeTerTypes->expandAll();
     return isRead;
 }
 
 void DockTerTypes::Write(QXmlStreamWriter& xml) const
 {
-    m_list->Write(xml);
+    m_list.Write(xml);
 }
 
 bool DockTerTypes::ExportAll() const
 {
-    return m_list->ExportAll();
+    return m_list.ExportAll();
 }
 
 bool DockTerTypes::ExportChecked() const
 {
-    return m_list->ExportChecked();
+    return m_list.ExportChecked();
+}
+
+void DockTerTypes::ResetModeButtons()
+{
+    m_ui->btnToggleZoneInsert->setChecked(false);
+    m_ui->btnToggleZoneSelect->setChecked(false);
+    m_ui->btnToggleQueryTer->setChecked(false);
 }
 
 void DockTerTypes::ClearSelection()
@@ -103,139 +132,126 @@ void DockTerTypes::ClearSelection()
     m_ui->treeTerTypes->selectionModel()->clear();
 }
 
-void DockTerTypes::ResetModeButtons()
-{
-    for (QToolButton* button :
-         {m_ui->btnToggleZoneInsert, m_ui->btnToggleZoneSelect, m_ui->btnToggleQueryTer}) {
-        button->setChecked(false);
-    }
-}
-
 void DockTerTypes::SetSelectionControlsEnabled(bool isEnabled)
 {
     m_ui->btnZoneDelete->setEnabled(isEnabled);
     m_ui->btnZoneCopy->setEnabled(isEnabled);
 }
 
-QStandardItem* DockTerTypes::ItemAt(const QModelIndex& index) const
-{
-    return m_list->model()->itemFromIndex(index);
-}
-
-TerritoryType* DockTerTypes::CurrentType() const
-{
-    return dynamic_cast<TerritoryType*>(ItemAt(m_ui->treeTerTypes->currentIndex()));
-}
-
 void DockTerTypes::Selection(const QModelIndex& current, const QModelIndex& previous)
 {
-    if (m_isSelecting) {
-        return;
+    m_territory = nullptr;
+    if (m_scene) {
+        m_scene->clearSelection();
     }
-    m_current = nullptr;
-    m_hasCurrent = false;
-    m_scene->clearSelection();
-    m_list->UpdateVisibility();
+    m_list.UpdateVisibility();
     m_ui->btnToggleQueryTer->setEnabled(true);
-    if (auto* before = dynamic_cast<Territory*>(ItemAt(previous))) {
-        before->SetZonesEditable(false);
+    if (Territory* left = TerritoryAt(previous)) {
+        left->SetZonesEditable(false);
     }
-    m_ui->btnToggleZoneSelect->setEnabled(false);
-    m_ui->btnToggleZoneInsert->setEnabled(false);
-    QStandardItem* item = ItemAt(current);
-    if (auto* territory = dynamic_cast<Territory*>(item)) {
-        SelectTerritory(*territory);
-    } else if (auto* type = dynamic_cast<TerritoryType*>(item)) {
-        SelectType(*type);
+    if (Territory* territory = TerritoryAt(current)) {
+        ShowTerritoryRow(territory);
+    } else if (TerritoryType* type = TypeAt(current)) {
+        ShowTypeRow(type);
     } else {
-        SelectNothing();
+        ShowNoRow();
     }
 }
 
-void DockTerTypes::SelectNothing()
+void DockTerTypes::ShowTerritoryRow(Territory* territory)
 {
-    m_ui->btnToggleZoneSelect->setEnabled(false);
-    m_ui->btnToggleZoneInsert->setEnabled(false);
-    emit Selected(nullptr);
-    LeaveModes({m_ui->btnToggleZoneSelect, m_ui->btnToggleZoneInsert, m_ui->btnToggleQueryTer});
-    m_props->ShowNothing();
-}
-
-void DockTerTypes::SelectTerritory(Territory& territory)
-{
-    m_current = &territory;
-    m_hasCurrent = true;
+    m_territory = territory;
+    m_ui->actionAdd->setEnabled(false);
     m_ui->btnToggleZoneSelect->setEnabled(true);
     m_ui->btnToggleZoneInsert->setEnabled(true);
-    territory.SetZonesEditable(true);
-    territory.SetVisible(true);
-    m_props->ShowTerritory(&territory);
-    emit Selected(&territory);
+    territory->SetZonesEditable(true);
+    territory->SetVisible(true);
+    if (m_props) {
+        m_props->ShowTerritory(territory);
+    }
+    emit Selected(territory);
 }
 
-void DockTerTypes::SelectType(TerritoryType& type)
+void DockTerTypes::ShowTypeRow(TerritoryType* type)
 {
+    m_ui->actionAdd->setEnabled(true);
+    m_ui->btnToggleZoneSelect->setEnabled(false);
+    m_ui->btnToggleZoneInsert->setEnabled(false);
+    if (m_props) {
+        m_props->ShowType(type);
+    }
     emit Selected(nullptr);
-    LeaveModes({m_ui->btnToggleZoneSelect, m_ui->btnToggleZoneInsert});
-    m_props->ShowType(&type);
+    Leave(m_ui->btnToggleZoneSelect, &DockTerTypes::SelectClicked);
+    Leave(m_ui->btnToggleZoneInsert, &DockTerTypes::InsertClicked);
 }
 
-/// The map must not stay in a mode whose button cannot be pressed.
-void DockTerTypes::LeaveModes(const QList<QToolButton*>& buttons)
+void DockTerTypes::ShowNoRow()
 {
-    const bool isInserting = m_ui->btnToggleZoneInsert->isChecked();
-    const bool isSelecting = m_ui->btnToggleZoneSelect->isChecked();
-    const bool isQuerying =
-        m_ui->btnToggleQueryTer->isChecked() && buttons.contains(m_ui->btnToggleQueryTer);
-    for (QToolButton* button : buttons) {
+    m_ui->actionAdd->setEnabled(false);
+    m_ui->btnToggleZoneSelect->setEnabled(false);
+    m_ui->btnToggleZoneInsert->setEnabled(false);
+    if (m_props) {
+        m_props->ShowTerritory(nullptr);
+    }
+    emit Selected(nullptr);
+    Leave(m_ui->btnToggleZoneSelect, &DockTerTypes::SelectClicked);
+    Leave(m_ui->btnToggleZoneInsert, &DockTerTypes::InsertClicked);
+    Leave(m_ui->btnToggleQueryTer, &DockTerTypes::QueryClicked);
+}
+
+void DockTerTypes::Leave(QPushButton* button, ModeSignal changed)
+{
+    if (button->isChecked()) {
         button->setChecked(false);
-    }
-    if (isInserting) {
-        emit InsertClicked(false);
-    }
-    if (isSelecting) {
-        emit SelectClicked(false);
-    }
-    if (isQuerying) {
-        emit QueryClicked(false);
+        emit(this->*changed)(false);
     }
 }
 
-void DockTerTypes::SetMode(QToolButton* button, bool isOn, void (DockTerTypes::*signal)(bool))
+void DockTerTypes::DataChanged(const QModelIndex& index, const QVector<int>& roles)
 {
-    if (isOn) {
-        ResetModeButtons();
+    if (roles.contains(Qt::CheckStateRole)) {
+        ProjectSettings::Instance().modified = true;
+        Changed(m_list.model()->itemFromIndex(index));
+    } else if (roles.contains(Qt::DisplayRole)) {
+        ProjectSettings::Instance().modified = true;
+        ShowName(index);
     }
-    button->setChecked(isOn);
-    emit(this->*signal)(isOn);
 }
 
-void DockTerTypes::InsertMode(bool isOn)
+void DockTerTypes::ShowName(const QModelIndex& renamed)
 {
-    SetMode(m_ui->btnToggleZoneInsert, isOn, &DockTerTypes::InsertClicked);
-}
-
-void DockTerTypes::SelectMode(bool isOn)
-{
-    SetMode(m_ui->btnToggleZoneSelect, isOn, &DockTerTypes::SelectClicked);
-}
-
-void DockTerTypes::QueryMode(bool isOn)
-{
-    SetMode(m_ui->btnToggleQueryTer, isOn, &DockTerTypes::QueryClicked);
-}
-
-void DockTerTypes::Select(Territory* territory)
-{
-    if (!territory || territory->model() != m_list->model()) {
+    if (!m_props || renamed != m_ui->treeTerTypes->currentIndex()) {
         return;
     }
-    const QModelIndex previous = m_ui->treeTerTypes->currentIndex();
-    m_isSelecting = true;
-    m_ui->treeTerTypes->setCurrentIndex(territory->index());
-    m_isSelecting = false;
-    Selection(territory->index(), previous);
-    SelectMode(true);
+    if (Territory* territory = TerritoryAt(renamed)) {
+        m_props->ShowTerritory(territory);
+    } else {
+        m_props->ShowType(TypeAt(renamed));
+    }
+}
+
+void DockTerTypes::Changed(QStandardItem* item)
+{
+    if (m_isApplyingCheckMark || !item) {
+        return;
+    }
+    const bool isChecked = item->checkState() == Qt::Checked;
+    if (auto* type = dynamic_cast<TerritoryType*>(item)) {
+        // The marks of its territories, which follow, have nothing left to do.
+        const QScopedValueRollback<bool> guard(m_isApplyingCheckMark, true);
+        type->SetVisible(isChecked, m_territory);
+    } else if (auto* territory = dynamic_cast<Territory*>(item)) {
+        territory->SetVisible(isChecked || territory == m_territory);
+    }
+}
+
+void DockTerTypes::RowsAboutToBeRemoved(const QModelIndex& parent, int first, int last)
+{
+    // Of a current row that goes with its type the selection model says nothing.
+    const QModelIndex type = m_ui->treeTerTypes->currentIndex().parent();
+    if (!parent.isValid() && type.isValid() && type.row() >= first && type.row() <= last) {
+        m_ui->treeTerTypes->selectionModel()->clear();
+    }
 }
 
 void DockTerTypes::ContextMenu(const QPoint& pos)
@@ -244,55 +260,39 @@ void DockTerTypes::ContextMenu(const QPoint& pos)
     if (!index.isValid()) {
         return;
     }
+    m_ui->treeTerTypes->setCurrentIndex(index);
     QMenu menu(this);
-    if (index.parent().isValid()) {
-        menu.addAction(m_ui->actionRename);
-        menu.addAction(m_ui->actionRemove);
-    } else {
+    const bool isType = TypeAt(index) != nullptr;
+    if (isType) {
         menu.addAction(m_ui->actionAdd);
-        menu.addAction(m_ui->actionRename);
-        menu.addAction(m_ui->actionRemove);
+    }
+    menu.addAction(m_ui->actionRename);
+    menu.addAction(m_ui->actionRemove);
+    if (isType) {
         menu.addSeparator();
         menu.addAction(m_ui->actionExport);
     }
     menu.exec(m_ui->treeTerTypes->viewport()->mapToGlobal(pos));
 }
 
-/// Check marks come one at a time, and those that follow from another come here again.
-void DockTerTypes::FollowData(const QModelIndex& index, const QVector<int>& roles)
+void DockTerTypes::Select(Territory* territory)
 {
-    if (roles.contains(Qt::EditRole)) {
-        ProjectSettings::Instance().modified = true;
-        m_props->RefreshTitle();
-    }
-    if (roles.contains(Qt::CheckStateRole) && !m_isFollowing) {
-        m_isFollowing = true;
-        Changed(ItemAt(index));
-        m_isFollowing = false;
-    }
-}
-
-void DockTerTypes::Changed(QStandardItem* item)
-{
-    if (!item) {
+    if (!territory || territory->model() != m_list.model()) {
         return;
     }
-    const bool isChecked = item->checkState() == Qt::Checked;
-    if (auto* type = dynamic_cast<TerritoryType*>(item)) {
-        type->SetVisible(isChecked);
-        if (m_current && m_current->GetType() == type) {
-            m_current->SetVisible(true);
-        }
-    } else if (auto* territory = dynamic_cast<Territory*>(item)) {
-        territory->SetVisible(isChecked || territory == m_current);
+    const QModelIndex index = territory->index();
+    if (index == m_ui->treeTerTypes->currentIndex()) {
+        Selection(index, {});
+    } else {
+        m_ui->treeTerTypes->setCurrentIndex(index);
     }
-    ProjectSettings::Instance().modified = true;
+    SelectMode(true);
 }
 
 void DockTerTypes::AddTerritoryType()
 {
     auto type = std::make_unique<TerritoryType>();
-    if (m_list->AddType(type.get())) {
+    if (m_list.AddType(type.get())) {
         Q_UNUSED(type.release())
         ProjectSettings::Instance().modified = true;
     }
@@ -300,16 +300,20 @@ void DockTerTypes::AddTerritoryType()
 
 void DockTerTypes::AddTerritory()
 {
-    if (TerritoryType* type = CurrentType()) {
+    const QModelIndex index = m_ui->treeTerTypes->currentIndex();
+    if (TerritoryType* type = TypeAt(index)) {
         type->NewTerritory();
-        m_ui->treeTerTypes->expand(type->index());
+        m_ui->treeTerTypes->expand(index);
         ProjectSettings::Instance().modified = true;
     }
 }
 
 void DockTerTypes::Rename()
 {
-    m_ui->treeTerTypes->edit(m_ui->treeTerTypes->currentIndex());
+    const QModelIndex index = m_ui->treeTerTypes->currentIndex();
+    if (index.isValid()) {
+        m_ui->treeTerTypes->edit(index);
+    }
 }
 
 void DockTerTypes::Remove()
@@ -318,41 +322,64 @@ void DockTerTypes::Remove()
     if (!index.isValid()) {
         return;
     }
-    // Whoever shows the selection forgets it before its zones are destroyed.
-    m_scene->clearSelection();
-    m_list->model()->removeRow(index.row(), index.parent());
-    ProjectSettings::Instance().modified = true;
-}
-
-/// With a type that was not the current row the current territory may have gone.
-void DockTerTypes::FollowRemoval()
-{
-    if (m_hasCurrent && !m_current) {
-        Selection(m_ui->treeTerTypes->currentIndex(), QModelIndex());
+    // Before its end the tree makes a neighbour the current row.
+    if (const Territory* territory = TerritoryAt(index)) {
+        territory->GetType()->RemoveTerritory(territory->Id());
+    } else {
+        m_list.model()->removeRow(index.row());
     }
+    ProjectSettings::Instance().modified = true;
 }
 
 void DockTerTypes::Export()
 {
-    if (const TerritoryType* type = CurrentType()) {
-        const QString name = type->text();
-        if (type->Export()) {
-            LogSuccess(QStringLiteral("%1 successfully exported.").arg(name));
-        }
+    const TerritoryType* type = TypeAt(m_ui->treeTerTypes->currentIndex());
+    if (!type) {
+        return;
     }
+    const QString name = type->text();
+    if (type->Export()) {
+        LogSuccess(QStringLiteral("%1 successfully exported.").arg(name));
+    }
+}
+
+void DockTerTypes::InsertMode(bool isOn)
+{
+    SetMode(m_ui->btnToggleZoneInsert, &DockTerTypes::InsertClicked, isOn);
+}
+
+void DockTerTypes::SelectMode(bool isOn)
+{
+    SetMode(m_ui->btnToggleZoneSelect, &DockTerTypes::SelectClicked, isOn);
+}
+
+void DockTerTypes::QueryMode(bool isOn)
+{
+    SetMode(m_ui->btnToggleQueryTer, &DockTerTypes::QueryClicked, isOn);
+}
+
+void DockTerTypes::SetMode(QPushButton* button, ModeSignal changed, bool isOn)
+{
+    if (isOn && !button->isEnabled()) {
+        return;
+    }
+    if (isOn) {
+        ResetModeButtons();
+    }
+    button->setChecked(isOn);
+    emit(this->*changed)(isOn);
 }
 
 void DockTerTypes::CopySelection()
 {
-    Territory* source = m_current;
-    TerritoryType* type = source ? source->GetType() : nullptr;
-    if (!type || m_scene->selectedItems().isEmpty()) {
+    const Territory* source = m_territory;
+    if (!source || !m_scene || m_scene->selectedItems().isEmpty()) {
         return;
     }
-    Territory* territory = type->NewTerritory();
-    territory->SetRgba(source->Color().rgba());
-    territory->AddCopiesOfSelection(*m_scene);
+    Territory* copy = source->GetType()->NewTerritory();
+    copy->SetRgba(source->Color().rgba());
+    copy->AddCopiesOfSelection(*m_scene);
     m_scene->clearSelection();
-    m_ui->treeTerTypes->setCurrentIndex(territory->index());
+    m_ui->treeTerTypes->setCurrentIndex(copy->index());
     ProjectSettings::Instance().modified = true;
 }

@@ -4,6 +4,8 @@
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
 #include "layers/Layer.h"
+#include "territories/Territory.h"
+#include "territories/Zone.h"
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
 #include "ui/DockStatus.h"

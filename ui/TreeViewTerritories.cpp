@@ -9,20 +9,17 @@ TreeViewTerritories::TreeViewTerritories(QWidget* parent)
 
 void TreeViewTerritories::dropEvent(QDropEvent* event)
 {
-    // A view removes rows whose drag was accepted as a move.
-    event->setDropAction(Qt::IgnoreAction);
+    const QModelIndexList rows = selectedIndexes();
+    const int row = rows.isEmpty() ? -1 : rows.first().row();
+    const QModelIndex target = indexAt(event->pos());
+    // Rows of the same number count as the same row, also below different types.
+    if (target.isValid() && row >= 0 && target.row() != row) {
+        selectionModel()->select(target,
+                                 QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    }
+    // Without acceptance the drag removes nothing at its source.
     event->ignore();
     stopAutoScroll();
     setState(NoState);
     viewport()->update();
-    const QModelIndexList selected = selectionModel()->selectedRows(0);
-    const QModelIndex target = indexAt(event->pos());
-    if (selected.isEmpty() || !target.isValid()) {
-        return;
-    }
-    const int sourceRow = selected.first().row();
-    if (sourceRow >= 0 && target.row() >= 0 && sourceRow != target.row()) {
-        selectionModel()->clearSelection();
-        selectionModel()->select(target, QItemSelectionModel::Select);
-    }
 }

@@ -2,8 +2,8 @@
 
 #include <QTreeView>
 
-/// The tree of territory types and their territories. A drop moves nothing; where drops are
-/// switched on, it selects the row that it hits.
+/// The tree of territory types and territories. Nothing is moved by dropping: a row that is dropped
+/// onto another one stays where it was, and at most the other one is highlighted.
 class TreeViewTerritories : public QTreeView
 {
     Q_OBJECT

@@ -57,6 +57,7 @@ private slots:
     void OtherRowsArePassedOver();
     void TotalsFollowTheTerritories();
     void ShowingChecksAllTerritories();
+    void OneTerritoryIsShownInAnyCase();
     void CheckedTerritoriesAreShown();
     void IsWrittenWithItsTerritories();
 };
@@ -283,6 +284,23 @@ void tst_TerritoryType::ShowingChecksAllTerritories()
     QVERIFY(!territory->IsVisible());
     QVERIFY(!zone->isVisible());
     QCOMPARE(territory->checkState(), Qt::Unchecked);
+}
+
+void tst_TerritoryType::OneTerritoryIsShownInAnyCase()
+{
+    TerritoryType type;
+    Territory* current = type.NewTerritory();
+    Territory* other = type.NewTerritory();
+    auto* zone = new Zone(current, 100.0F);
+    current->AddZone(zone);
+    type.SetVisible(true);
+
+    type.SetVisible(false, current);
+
+    QVERIFY(current->IsVisible());
+    QVERIFY(zone->isVisible());
+    QCOMPARE(current->checkState(), Qt::Unchecked);
+    QVERIFY(!other->IsVisible());
 }
 
 void tst_TerritoryType::CheckedTerritoriesAreShown()

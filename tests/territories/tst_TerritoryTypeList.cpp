@@ -13,6 +13,7 @@
 #include <QTest>
 
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -116,6 +117,8 @@ private slots:
     void CutInputKeepsCompleteTypes();
     void DamagedInputNeverCrashes_data();
     void DamagedInputNeverCrashes();
+    void TellsWhenTotalsMayHaveChanged();
+    void TellsNobodyAboutOtherTypes();
 };
 
 void tst_TerritoryTypeList::initTestCase()
@@ -479,6 +482,68 @@ void tst_TerritoryTypeList::TypesOfOthersAreRefused()
     QVERIFY(!list.AddType(child));
     QCOMPARE(child->parent(), &parent);
     QVERIFY(list.IsEmpty());
+}
+
+void tst_TerritoryTypeList::TellsWhenTotalsMayHaveChanged()
+{
+    TerritoryTypeList list;
+    auto* type = new TerritoryType(QStringLiteral("Deer"));
+    Territory* territory = type->NewTerritory();
+    int calls = 0;
+    list.SetTotalsCallback([&calls] { ++calls; });
+    const auto told = [&calls] { return std::exchange(calls, 0) > 0; };
+
+    list.AddType(type);
+    QVERIFY(told());
+    auto* zone = new Zone(territory, 100.0F);
+    zone->SetStaticMin(1);
+    QVERIFY(!told());
+    territory->AddZone(zone);
+    QVERIFY(told());
+    QVERIFY(!territory->AddZone(zone));
+    QVERIFY(!told());
+    void (Zone::*const setters[])(int) = {&Zone::SetStaticMin, &Zone::SetStaticMax,
+                                          &Zone::SetDynamicMin, &Zone::SetDynamicMax};
+    for (const auto setter : setters) {
+        (zone->*setter)(7);
+        QVERIFY(told());
+    }
+    territory->RemoveZone(zone->Id());
+    QVERIFY(told());
+    territory->RemoveZone(zone->Id());
+    QVERIFY(!told());
+    territory->AddZone(zone);
+    told();
+    delete zone;
+    QVERIFY(told());
+
+    type->RemoveTerritory(territory->Id());
+    QVERIFY(told());
+    list.Clear();
+    QVERIFY(told());
+}
+
+void tst_TerritoryTypeList::TellsNobodyAboutOtherTypes()
+{
+    auto list = std::make_unique<TerritoryTypeList>();
+    int calls = 0;
+    list->SetTotalsCallback([&calls] { ++calls; });
+    auto* type = new TerritoryType(QStringLiteral("Deer"));
+    list->AddType(type);
+    // Taken out, it is the list's no more.
+    const std::unique_ptr<QStandardItem> owner(list->model()->takeItem(0));
+    list->model()->removeRow(0);
+    calls = 0;
+    type->NewTerritory()->AddZone(new Zone(nullptr, 100.0F));
+    QCOMPARE(calls, 0);
+
+    list->AddType(new TerritoryType(QStringLiteral("Wolf")));
+    calls = 0;
+    list.reset();
+    type->NewTerritory()->AddZone(new Zone(nullptr, 100.0F));
+
+    // Not while the list goes, when those who show totals may be gone too.
+    QCOMPARE(calls, 0);
 }
 
 QTEST_MAIN(tst_TerritoryTypeList)

@@ -1,0 +1,55 @@
+#include "ui/widgets/NamedGroupBox.h"
+
+#include <QHelpEvent>
+#include <QStyleOptionGroupBox>
+#include <QStylePainter>
+#include <QToolTip>
+
+namespace {
+
+/// What styles leave free beside a title.
+constexpr int TitleMargin = 8;
+
+} // namespace
+
+NamedGroupBox::NamedGroupBox(QWidget* parent)
+    : QGroupBox(parent)
+{
+}
+
+QSize NamedGroupBox::minimumSizeHint() const
+{
+    // What is inside; the base asks for the width of the title as well.
+    return QWidget::minimumSizeHint();
+}
+
+QString NamedGroupBox::ElidedTitle() const
+{
+    return fontMetrics().elidedText(title(), Qt::ElideRight, width() - 2 * TitleMargin,
+                                    Qt::TextShowMnemonic);
+}
+
+bool NamedGroupBox::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip) {
+        return QGroupBox::event(event);
+    }
+    const auto* help = static_cast<QHelpEvent*>(event);
+    const bool isOverTitle = help->y() < contentsRect().top();
+    if (!isOverTitle || ElidedTitle() == title()) {
+        return QGroupBox::event(event);
+    }
+    const QString name = title().replace(QLatin1String("&&"), QLatin1String("&"));
+    // Only as rich text would a name be more than itself.
+    QToolTip::showText(help->globalPos(), name.toHtmlEscaped(), this);
+    return true;
+}
+
+void NamedGroupBox::paintEvent(QPaintEvent* /*event*/)
+{
+    QStylePainter painter(this);
+    QStyleOptionGroupBox option;
+    initStyleOption(&option);
+    option.text = ElidedTitle();
+    painter.drawComplexControl(QStyle::CC_GroupBox, option);
+}
