@@ -35,6 +35,13 @@ constexpr int CloseRetryMilliseconds = 50;
 const QString AxisX = QStringLiteral("X");
 const QString AxisZ = QStringLiteral("Z");
 
+/// Beside both docks on a small screen there is not always room for the whole text.
+void ShowText(QLabel& label, const QString& text)
+{
+    label.setText(text);
+    label.setToolTip(text);
+}
+
 } // namespace
 
 QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
@@ -319,18 +326,18 @@ void QuillmapWindow::SetZoomLevel(float zoom)
 void QuillmapWindow::UpdateWorldScale()
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    m_ui->lblWorldScaleX->setText(StatusTexts::Scale(AxisX, settings.metresPerPixelX));
-    m_ui->lblWorldScaleZ->setText(StatusTexts::Scale(AxisZ, settings.metresPerPixelZ));
-    m_ui->lblWorldRStepX->setText(StatusTexts::RulerStep(AxisX, settings.metresPerPixelX));
-    m_ui->lblWorldRStepZ->setText(StatusTexts::RulerStep(AxisZ, settings.metresPerPixelZ));
+    ShowText(*m_ui->lblWorldScaleX, StatusTexts::Scale(AxisX, settings.metresPerPixelX));
+    ShowText(*m_ui->lblWorldScaleZ, StatusTexts::Scale(AxisZ, settings.metresPerPixelZ));
+    ShowText(*m_ui->lblWorldRStepX, StatusTexts::RulerStep(AxisX, settings.metresPerPixelX));
+    ShowText(*m_ui->lblWorldRStepZ, StatusTexts::RulerStep(AxisZ, settings.metresPerPixelZ));
 }
 
 void QuillmapWindow::UpdateWorldPos(int x, int z)
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
     const float zoom = m_ui->paintView->Zoom();
-    m_ui->lblWorldPosX->setText(StatusTexts::Position(AxisX, x, zoom, settings.metresPerPixelX));
-    m_ui->lblWorldPosZ->setText(StatusTexts::Position(AxisZ, z, zoom, settings.metresPerPixelZ));
+    ShowText(*m_ui->lblWorldPosX, StatusTexts::Position(AxisX, x, zoom, settings.metresPerPixelX));
+    ShowText(*m_ui->lblWorldPosZ, StatusTexts::Position(AxisZ, z, zoom, settings.metresPerPixelZ));
 }
 
 void QuillmapWindow::closeEvent(QCloseEvent* event)
