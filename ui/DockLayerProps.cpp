@@ -1,6 +1,7 @@
 #include "ui/DockLayerProps.h"
 
 #include "app/ProjectSettings.h"
+#include "ui/widgets/ButtonColor.h"
 #include "ui_DockLayerProps.h"
 
 #include <QCheckBox>
@@ -51,6 +52,19 @@ void DockLayerProps::BuildFlagBoxes()
     const AreaFlagTypes& types = ProjectSettings::Instance().areaFlagTypes;
     AddBoxes(types.usages, m_ui->gboLayerUsageFlags, m_ui->layoutAreaUsageFlags, m_usageBoxes);
     AddBoxes(types.values, m_ui->gboLayerValueFlags, m_ui->layoutAreaValueFlags, m_valueBoxes);
+    OrderTabs();
+}
+
+/// New widgets are the last of the window's tab order; these stand above the colour button.
+void DockLayerProps::OrderTabs()
+{
+    auto* button = m_ui->gboLayerClrOp->findChild<ButtonColor*>();
+    QWidget* last = button;
+    for (QCheckBox* box : m_usageBoxes + m_valueBoxes) {
+        QWidget::setTabOrder(last, box);
+        last = box;
+    }
+    QWidget::setTabOrder(last, button);
 }
 
 void DockLayerProps::AddBoxes(const QVector<QString>& names, QGroupBox* group, QGridLayout* grid,

@@ -43,6 +43,7 @@ signals:
 private:
     void AddBoxes(const QVector<QString>& names, QGroupBox* group, QGridLayout* grid,
                   QList<QCheckBox*>& boxes);
+    void OrderTabs();
     void UpdateFlags();
     void UpdateColor(const QColor& color);
     void UpdateAlpha(int alpha, float opacity);

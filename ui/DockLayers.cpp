@@ -33,6 +33,7 @@ DockLayers::~DockLayers()
 {
     // The list dies before the tree, whose rows then go one after the other.
     m_ui->treeLayers->selectionModel()->disconnect(this);
+    m_list->model()->disconnect(this);
 }
 
 void DockLayers::Connect()
@@ -79,7 +80,9 @@ Layer* DockLayers::SelectRow(int row)
 
 void DockLayers::SelectItem(QStandardItem* item)
 {
-    m_ui->treeLayers->setCurrentIndex(item->index());
+    if (item) {
+        m_ui->treeLayers->setCurrentIndex(item->index());
+    }
 }
 
 bool DockLayers::SaveMap(const QString& path)
@@ -189,7 +192,10 @@ void DockLayers::Modify(bool /*checked*/)
 
 void DockLayers::Rename(bool /*checked*/)
 {
-    m_ui->treeLayers->edit(m_ui->treeLayers->currentIndex());
+    const QModelIndex current = m_ui->treeLayers->currentIndex();
+    if (current.isValid()) {
+        m_ui->treeLayers->edit(current);
+    }
 }
 
 void DockLayers::Remove(bool /*checked*/)

@@ -17,6 +17,16 @@ void TreeViewLayers::SetList(LayerList* list)
     setModel(list->model());
 }
 
+/// The base makes the first row the current one when the focus comes by keyboard or with the window
+/// and there is none, unless none was asked for. Which layer is painted is for the user to choose.
+void TreeViewLayers::focusInEvent(QFocusEvent* event)
+{
+    if (!currentIndex().isValid()) {
+        setCurrentIndex(QModelIndex());
+    }
+    QTreeView::focusInEvent(event);
+}
+
 /// The base would let the model move the data of the row, and so destroy the layer. The event stays
 /// unaccepted: a view removes rows whose drag was accepted as a move.
 void TreeViewLayers::dropEvent(QDropEvent* event)

@@ -24,6 +24,7 @@ signals:
     void Moved(Layer* layer);
 
 protected:
+    void focusInEvent(QFocusEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
 private:
