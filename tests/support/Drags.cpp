@@ -1,0 +1,55 @@
+#include "tests/support/Drags.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QMimeData>
+#include <QTest>
+
+#include <memory>
+
+namespace {
+
+QPoint MiddleOf(const QAbstractItemView& view, int row)
+{
+    return view.visualRect(view.model()->index(row, 0)).center();
+}
+
+/// A view that moves its own rows takes drags only from itself, which it is told by the drag that
+/// the window system runs. Where there is none, this takes them.
+class DragTaker : public QObject
+{
+protected:
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override
+    {
+        if (event->type() != QEvent::DragEnter && event->type() != QEvent::DragMove) {
+            return false;
+        }
+        event->accept();
+        return true;
+    }
+};
+
+} // namespace
+
+bool DropAt(QAbstractItemView& view, QPoint position)
+{
+    const QModelIndexList rows = view.selectionModel()->selectedRows();
+    const std::unique_ptr<QMimeData> data(rows.isEmpty() ? new QMimeData
+                                                         : view.model()->mimeData(rows));
+    DragTaker taker;
+    view.viewport()->installEventFilter(&taker);
+    QDragEnterEvent enter(position, Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(view.viewport(), &enter);
+    QDragMoveEvent move(position, Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(view.viewport(), &move);
+    QDropEvent drop(position, Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(view.viewport(), &drop);
+    return drop.isAccepted();
+}
+
+bool DragRow(QAbstractItemView& view, int sourceRow, int targetRow)
+{
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, MiddleOf(view, sourceRow));
+    return DropAt(view, MiddleOf(view, targetRow));
+}

@@ -1,0 +1,376 @@
+#include "ui/DockLayers.h"
+
+#include "tests/support/Forms.h"
+#include "tests/support/LayerDocksFixture.h"
+#include "tests/support/LogSpy.h"
+
+#include <QApplication>
+#include <QLayout>
+#include <QSignalSpy>
+#include <QStandardItemModel>
+#include <QTest>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+class tst_DockLayers : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_docks = std::make_unique<LayerDocksFixture>(); }
+    void cleanup() { m_docks.reset(); }
+    void HasItsForm_data();
+    void HasItsForm();
+    void HasItsLayoutsAndIcons();
+    void NamesWhatHasNoText();
+    void AddsAPaintedLayer();
+    void AddsNoPaintedLayerWithoutALayerSize_data();
+    void AddsNoPaintedLayerWithoutALayerSize();
+    void AddsACustomLayer();
+    void AddsNothingWhenTheDialogIsCancelled();
+    void AddsNothingToAnEmptyListWithTheDialog();
+    void SelectsWithMouseAndKeyboard();
+    void SelectsByRowAndItem();
+    void SelectsNothingByItself();
+    void ReportsWhatTheUserChecks();
+    void HidesAll();
+    void WritesAndReads();
+    void SavesTheMap();
+    void ReportsAMapThatCannotBeSaved();
+
+private:
+    std::unique_ptr<LayerDocksFixture> m_docks;
+};
+
+void tst_DockLayers::HasItsForm_data()
+{
+    QTest::addColumn<QString>("object");
+    QTest::addColumn<QString>("className");
+    QTest::addColumn<QByteArray>("property");
+    QTest::addColumn<QVariant>("value");
+
+    const auto row = [](const char* object, const char* className, const char* property,
+                        const QVariant& value) {
+        QTest::addRow("%s %s", object, property)
+            << object << className << QByteArray(property) << value;
+    };
+    row("DockLayers", "QDockWidget", "windowTitle", "Layers");
+    row("DockLayers", "QDockWidget", "minimumSize", QSize(280, 160));
+    row("DockLayers", "QDockWidget", "maximumWidth", 280);
+    row("dockWidgetContents", "QWidget", "", {});
+    row("verticalLayout", "QVBoxLayout", "", {});
+    row("horizontalLayout", "QHBoxLayout", "", {});
+    row("btnAddCustom", "QPushButton", "text", "");
+    row("btnAddCustom", "QPushButton", "enabled", true);
+    row("btnAddPainted", "QPushButton", "text", "");
+    row("btnAddPainted", "QPushButton", "enabled", true);
+    row("btnHideAll", "QPushButton", "text", "hide all");
+    row("btnHideAll", "QPushButton", "enabled", false);
+    row("treeLayers", "TreeViewLayers", "contextMenuPolicy",
+        static_cast<int>(Qt::CustomContextMenu));
+    row("treeLayers", "TreeViewLayers", "headerHidden", true);
+    row("treeLayers", "TreeViewLayers", "selectionMode",
+        static_cast<int>(QAbstractItemView::SingleSelection));
+    row("treeLayers", "TreeViewLayers", "dragEnabled", true);
+    row("treeLayers", "TreeViewLayers", "acceptDrops", true);
+    row("treeLayers", "TreeViewLayers", "showDropIndicator", true);
+    row("treeLayers", "TreeViewLayers", "dragDropMode",
+        static_cast<int>(QAbstractItemView::InternalMove));
+    row("treeLayers", "TreeViewLayers", "uniformRowHeights", true);
+    row("actionRemove", "QAction", "text", "Remove");
+    row("actionRemove", "QAction", "toolTip", "remove");
+    row("actionModify", "QAction", "text", "Modify");
+    row("actionModify", "QAction", "toolTip", "modify");
+    row("actionRename", "QAction", "text", "Rename");
+    row("actionRename", "QAction", "toolTip", "rename");
+}
+
+void tst_DockLayers::HasItsForm()
+{
+    QFETCH(QString, object);
+    QFETCH(QString, className);
+    QFETCH(QByteArray, property);
+    QFETCH(QVariant, value);
+
+    CheckForm(*m_docks->dock, object, className, property, value);
+}
+
+void tst_DockLayers::HasItsLayoutsAndIcons()
+{
+    QCOMPARE(m_docks->dock->widget()->objectName(), QStringLiteral("dockWidgetContents"));
+    const auto* column = qobject_cast<QVBoxLayout*>(m_docks->dock->widget()->layout());
+    QCOMPARE(column->objectName(), QStringLiteral("verticalLayout"));
+    QCOMPARE(column->itemAt(0)->layout()->objectName(), QStringLiteral("horizontalLayout"));
+    QCOMPARE(column->itemAt(1)->widget(), m_docks->Tree());
+    QVERIFY(
+        ShowsIcon(m_docks->Button("btnAddCustom")->icon(), QStringLiteral(":/icon-custom-layer")));
+    QVERIFY(ShowsIcon(m_docks->Button("btnAddPainted")->icon(),
+                      QStringLiteral(":/icon-painted-layer")));
+    QCOMPARE(m_docks->Tree()->model(), m_docks->List()->model());
+}
+
+void tst_DockLayers::NamesWhatHasNoText()
+{
+    for (const char* name : {"btnAddCustom", "btnAddPainted"}) {
+        QVERIFY(!m_docks->Button(name)->accessibleName().isEmpty());
+        QVERIFY(!m_docks->Button(name)->toolTip().isEmpty());
+    }
+    QVERIFY(!m_docks->Tree()->accessibleName().isEmpty());
+    QVERIFY(!m_docks->Button("btnHideAll")->toolTip().isEmpty());
+}
+
+void tst_DockLayers::AddsAPaintedLayer()
+{
+    const QSignalSpy added(m_docks->dock, &DockLayers::Added);
+
+    QTest::mouseClick(m_docks->Button("btnAddPainted"), Qt::LeftButton);
+
+    QVERIFY(m_docks->dock->HasLayers());
+    const Layer* layer = m_docks->LayerAt(0);
+    QCOMPARE(added.size(), 1);
+    QCOMPARE(added.first().first().value<Layer*>(), layer);
+    QCOMPARE(layer->text(), QStringLiteral("layer-%1").arg(layer->Id()));
+    QCOMPARE(layer->Color(), QColor(Qt::white));
+    QCOMPARE(layer->Image(), ProjectSettings::Instance().BlankLayerImage());
+    QCOMPARE(layer->UsageFlags(), 0U);
+    QCOMPARE(layer->ValueFlags(), 0U);
+    QVERIFY(layer->Code().isEmpty());
+    QVERIFY(!layer->IsVisible());
+    QVERIFY(m_docks->Button("btnHideAll")->isEnabled());
+    QVERIFY(m_docks->IsModified());
+}
+
+void tst_DockLayers::AddsNoPaintedLayerWithoutALayerSize_data()
+{
+    QTest::addColumn<QSize>("size");
+
+    QTest::newRow("0") << QSize(0, 0);
+    QTest::newRow("negative") << QSize(-4, -4);
+}
+
+void tst_DockLayers::AddsNoPaintedLayerWithoutALayerSize()
+{
+    QFETCH(QSize, size);
+    const ProjectFixture project(size);
+    const QSignalSpy added(m_docks->dock, &DockLayers::Added);
+    LogSpy log;
+
+    QTest::mouseClick(m_docks->Button("btnAddPainted"), Qt::LeftButton);
+
+    QVERIFY(!m_docks->dock->HasLayers());
+    QCOMPARE(added.size(), 0);
+    QVERIFY(!m_docks->Button("btnHideAll")->isEnabled());
+    QVERIFY(!m_docks->IsModified());
+    QCOMPARE(log.Messages().size(), 1);
+    QVERIFY(log.Messages().first().startsWith(QStringLiteral("Error: ")));
+}
+
+void tst_DockLayers::AddsACustomLayer()
+{
+    m_docks->AddLayer(QStringLiteral("a"));
+    const QSignalSpy added(m_docks->dock, &DockLayers::Added);
+    ModalAnswers answers;
+    answers.Add(ClickWhenIdle("btnOk", QStringLiteral("computed")));
+
+    QTest::mouseClick(m_docks->Button("btnAddCustom"), Qt::LeftButton);
+
+    QCOMPARE(answers.Asked(), QStringList{QStringLiteral("Add layer")});
+    QCOMPARE(m_docks->Order(), QStringLiteral("a computed"));
+    QCOMPARE(added.size(), 1);
+    QCOMPARE(added.first().first().value<Layer*>(), m_docks->LayerAt(1));
+    QVERIFY(!m_docks->LayerAt(1)->Code().isEmpty());
+    QVERIFY(m_docks->Button("btnHideAll")->isEnabled());
+    QVERIFY(m_docks->IsModified());
+}
+
+void tst_DockLayers::AddsNothingWhenTheDialogIsCancelled()
+{
+    m_docks->AddLayer(QStringLiteral("a"));
+    const QSignalSpy added(m_docks->dock, &DockLayers::Added);
+    ModalAnswers answers;
+    answers.Add(ClickWhenIdle("btnCancel"));
+
+    QTest::mouseClick(m_docks->Button("btnAddCustom"), Qt::LeftButton);
+
+    QCOMPARE(m_docks->Order(), QStringLiteral("a"));
+    QCOMPARE(added.size(), 0);
+    QVERIFY(!m_docks->IsModified());
+}
+
+void tst_DockLayers::AddsNothingToAnEmptyListWithTheDialog()
+{
+    const QSignalSpy added(m_docks->dock, &DockLayers::Added);
+    ModalAnswers answers;
+    answers.Add(ClickWhenIdle("btnOk"));
+
+    QTest::mouseClick(m_docks->Button("btnAddCustom"), Qt::LeftButton);
+
+    QVERIFY(!m_docks->dock->HasLayers());
+    QCOMPARE(added.size(), 0);
+    QVERIFY(!m_docks->Button("btnHideAll")->isEnabled());
+    QVERIFY(!m_docks->IsModified());
+}
+
+void tst_DockLayers::SelectsWithMouseAndKeyboard()
+{
+    m_docks->AddLayer(QStringLiteral("a"));
+    m_docks->AddLayer(QStringLiteral("b"));
+    QVERIFY(!m_docks->props->isEnabled());
+
+    m_docks->Click(0);
+    QTest::keyClick(m_docks->Tree(), Qt::Key_Down);
+    // It is current already.
+    m_docks->Click(1);
+
+    QCOMPARE(m_docks->selected, (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
+    QVERIFY(m_docks->props->isEnabled());
+    QVERIFY(!m_docks->IsModified());
+
+    m_docks->Tree()->setCurrentIndex(QModelIndex());
+
+    QVERIFY(!m_docks->props->isEnabled());
+    QCOMPARE(m_docks->selected.size(), 2);
+}
+
+void tst_DockLayers::SelectsByRowAndItem()
+{
+    Layer* first = m_docks->AddLayer(QStringLiteral("a"));
+    Layer* second = m_docks->AddLayer(QStringLiteral("b"));
+
+    QCOMPARE(m_docks->dock->SelectRow(1), second);
+    QCOMPARE(m_docks->Tree()->currentIndex(), second->index());
+    QCOMPARE(m_docks->dock->SelectRow(2), nullptr);
+    QCOMPARE(m_docks->dock->SelectRow(-1), nullptr);
+    QCOMPARE(m_docks->Tree()->currentIndex(), second->index());
+
+    m_docks->dock->SelectItem(first);
+    QCOMPARE(m_docks->Tree()->currentIndex(), first->index());
+    m_docks->dock->SelectItem(nullptr);
+    QCOMPARE(m_docks->Tree()->currentIndex(), first->index());
+    QCOMPARE(m_docks->selected, (QStringList{QStringLiteral("b"), QStringLiteral("a")}));
+}
+
+void tst_DockLayers::SelectsNothingByItself()
+{
+    m_docks->AddLayer(QStringLiteral("a"));
+    m_docks->AddLayer(QStringLiteral("b"));
+    m_docks->Button("btnHideAll")->setFocus();
+
+    QTest::keyClick(m_docks->Button("btnHideAll"), Qt::Key_Tab);
+
+    QCOMPARE(QApplication::focusWidget(), m_docks->Tree());
+    QVERIFY(!m_docks->Tree()->currentIndex().isValid());
+    QVERIFY(m_docks->selected.isEmpty());
+
+    QTest::keyClick(m_docks->Tree(), Qt::Key_Down);
+
+    QCOMPARE(m_docks->selected, QStringList{QStringLiteral("a")});
+    QVERIFY(m_docks->Tree()->selectionModel()->isSelected(m_docks->LayerAt(0)->index()));
+
+    m_docks->dock->Clear();
+    m_docks->AddLayer(QStringLiteral("c"));
+    m_docks->Button("btnHideAll")->setFocus();
+    QTest::keyClick(m_docks->Button("btnHideAll"), Qt::Key_Tab);
+
+    QCOMPARE(m_docks->selected.size(), 1);
+}
+
+void tst_DockLayers::ReportsWhatTheUserChecks()
+{
+    Layer* layer = m_docks->AddLayer(QStringLiteral("a"));
+    const QSignalSpy checked(m_docks->dock, &DockLayers::Checked);
+
+    m_docks->ClickBox(0);
+
+    QCOMPARE(checked.size(), 1);
+    QCOMPARE(checked.first().first().value<Layer*>(), layer);
+    QVERIFY(layer->IsVisible());
+    // A click on the box shows a layer and does not select it.
+    QVERIFY(m_docks->selected.isEmpty());
+
+    m_docks->Click(0);
+    QTest::keyClick(m_docks->Tree(), Qt::Key_Space);
+
+    QCOMPARE(checked.size(), 2);
+    QVERIFY(!layer->IsVisible());
+
+    layer->SetVisible(true);
+
+    QCOMPARE(checked.size(), 2);
+}
+
+void tst_DockLayers::HidesAll()
+{
+    for (const char* name : {"a", "b", "c"}) {
+        m_docks->AddLayer(QLatin1String(name))->SetVisible(true);
+    }
+    m_docks->Click(1);
+    const QSignalSpy checked(m_docks->dock, &DockLayers::Checked);
+    QStringList whenHidden;
+    connect(m_docks->dock, &DockLayers::AllHidden, this, [&] {
+        for (const Layer* layer : m_docks->List()->Layers()) {
+            whenHidden.append(layer->IsVisible() ? QStringLiteral("shown")
+                                                 : QStringLiteral("hidden"));
+        }
+    });
+
+    QTest::mouseClick(m_docks->Button("btnHideAll"), Qt::LeftButton);
+
+    const QString hidden = QStringLiteral("hidden");
+    QCOMPARE(whenHidden, (QStringList{hidden, hidden, hidden}));
+    QCOMPARE(m_docks->LayerAt(2)->checkState(), Qt::Unchecked);
+    QVERIFY(!m_docks->Tree()->currentIndex().isValid());
+    QVERIFY(!m_docks->Tree()->selectionModel()->hasSelection());
+    QVERIFY(!m_docks->props->isEnabled());
+    QCOMPARE(checked.size(), 0);
+    QVERIFY(m_docks->Button("btnHideAll")->isEnabled());
+    QVERIFY(m_docks->IsModified());
+}
+
+void tst_DockLayers::WritesAndReads()
+{
+    m_docks->AddLayer(QStringLiteral("a"), QColor(1, 2, 3, 4))->SetVisible(true);
+    m_docks->AddLayer(QStringLiteral("b"));
+    QByteArray text;
+    QXmlStreamWriter writer(&text);
+    QCOMPARE(m_docks->dock->WriteXml(writer), 0);
+    m_docks->dock->Clear();
+
+    QXmlStreamReader reader(text);
+    QVERIFY(reader.readNextStartElement());
+    QVERIFY(m_docks->dock->ReadXml(reader));
+
+    QCOMPARE(m_docks->Order(), QStringLiteral("a b"));
+    QCOMPARE(m_docks->LayerAt(0)->Color(), QColor(1, 2, 3, 4));
+    QVERIFY(m_docks->LayerAt(0)->IsVisible());
+    QVERIFY(m_docks->Button("btnHideAll")->isEnabled());
+    m_docks->Click(1);
+    QVERIFY(m_docks->props->isEnabled());
+}
+
+void tst_DockLayers::SavesTheMap()
+{
+    m_docks->AddLayer(QStringLiteral("a"));
+    LogSpy log;
+
+    QVERIFY(m_docks->dock->SaveMap(m_docks->project.Path(QStringLiteral("area.map"))));
+
+    QVERIFY(QFile::exists(m_docks->project.Path(QStringLiteral("area.map"))));
+    QVERIFY(log.Messages().filter(QStringLiteral("Error")).isEmpty());
+}
+
+void tst_DockLayers::ReportsAMapThatCannotBeSaved()
+{
+    m_docks->AddLayer(QStringLiteral("a"));
+    const QString path = m_docks->project.Path(QStringLiteral("no folder/area.map"));
+    LogSpy log;
+
+    QVERIFY(!m_docks->dock->SaveMap(path));
+
+    QCOMPARE(log.Messages().last(),
+             QStringLiteral("Error: Failed to save binary map to file '%1'.").arg(path));
+    QCOMPARE(m_docks->Order(), QStringLiteral("a"));
+}
+
+QTEST_MAIN(tst_DockLayers)
+#include "tst_DockLayers.moc"
