@@ -1,5 +1,6 @@
 #include "ui/DialogCustomLayer.h"
 
+#include "app/Log.h"
 #include "app/Names.h"
 #include "layers/CustomLayer.h"
 #include "layers/CustomLayerWorker.h"
@@ -9,33 +10,14 @@
 
 #include <QCloseEvent>
 #include <QStandardItemModel>
-#include <QStyledItemDelegate>
+
+#include <algorithm>
 
 namespace {
 
 constexpr int NoLayer = -1;
 const QColor GoodName(255, 255, 255);
 const QColor BadName(255, 192, 192);
-
-/// Shows layers without their check boxes, which would show and hide them on the map.
-class LayerDelegate : public QStyledItemDelegate
-{
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-    bool editorEvent(QEvent* /*event*/, QAbstractItemModel* /*model*/,
-                     const QStyleOptionViewItem& /*option*/, const QModelIndex& /*index*/) override
-    {
-        return false;
-    }
-
-protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
-    {
-        QStyledItemDelegate::initStyleOption(option, index);
-        option->features &= ~QStyleOptionViewItem::HasCheckIndicator;
-    }
-};
 
 } // namespace
 
@@ -44,6 +26,7 @@ DialogCustomLayer::DialogCustomLayer(LayerList* list, Layer* layerToModify, QWid
     , m_ui(std::make_unique<Ui::DialogCustomLayer>())
     , m_list(list)
     , m_layerToModify(layerToModify && !layerToModify->Image().isNull() ? layerToModify : nullptr)
+    , m_isModifying(m_layerToModify)
 {
     m_ui->setupUi(this);
     Connect();
@@ -52,6 +35,7 @@ DialogCustomLayer::DialogCustomLayer(LayerList* list, Layer* layerToModify, QWid
     LayOut();
     SetPreviewA(m_ui->cboInputA->currentIndex());
     SetPreviewB(m_ui->cboInputB->currentIndex());
+    m_ui->cboOperation->setFocus();
     m_canRequest = true;
     EnableControls(true);
     RequestPreview();
@@ -81,7 +65,6 @@ void DialogCustomLayer::InitForm()
 {
     TakeWheelOnlyWithFocus(m_ui->spnRadius);
     for (QComboBox* combo : {m_ui->cboInputA, m_ui->cboInputB}) {
-        combo->setItemDelegate(new LayerDelegate(combo));
         combo->setModel(m_list->model());
         TakeWheelOnlyWithFocus(combo);
     }
@@ -271,10 +254,23 @@ bool DialogCustomLayer::IsNameFree(const QString& name) const
     });
 }
 
+/// For both backgrounds of the name, which are light in dark palettes too.
+void DialogCustomLayer::SetDarkText()
+{
+    if (!m_ui->txtOutputName->styleSheet().isEmpty()) {
+        return;
+    }
+    QPalette colors = m_ui->txtOutputName->palette();
+    colors.setColor(QPalette::Text, Qt::black);
+    colors.setColor(QPalette::Disabled, QPalette::Text, Qt::darkGray);
+    m_ui->txtOutputName->setPalette(colors);
+}
+
 void DialogCustomLayer::ValidateContent(const QString& name)
 {
     const bool isGood = IsValidName(name) && IsNameFree(name);
     const QColor color = isGood ? GoodName : BadName;
+    SetDarkText();
     m_ui->txtOutputName->setStyleSheet(QStringLiteral("QLineEdit { background: %1 }")
                                            .arg(QStringLiteral("rgb(%1, %2, %3)")
                                                     .arg(color.red())
@@ -309,17 +305,26 @@ void DialogCustomLayer::FinalizeLayerComputation(const QImage& image)
 {
     EnableControls(true);
     const QString name = m_ui->txtOutputName->text();
-    if (m_layerToModify) {
-        // Without a result the layer stays what it was, name included.
-        if (!image.isNull()) {
-            m_layerToModify->setText(name);
-        }
-    } else {
+    if (!m_isModifying) {
         std::unique_ptr<Layer> layer = MakeLayer(name, image);
         Layer* created = layer.get();
         m_createdLayer = m_list->AddLayer(std::move(layer)) ? created : nullptr;
+    } else if (m_layerToModify && !image.isNull()) {
+        // Without a result the layer stays what it was, name included.
+        m_layerToModify->setText(name);
     }
     accept();
+    if (image.isNull()) {
+        LogError(QStringLiteral("Layer '%1' could not be computed.").arg(name));
+    }
+}
+
+/// The focus that a closing dialog loses ends the radius box's editing, for which no preview shall
+/// be computed any more.
+void DialogCustomLayer::done(int result)
+{
+    m_canRequest = false;
+    QDialog::done(result);
 }
 
 void DialogCustomLayer::CloseDialog()

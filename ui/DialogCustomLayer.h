@@ -19,7 +19,7 @@ class DialogCustomLayer;
 
 /// Lets the user define a layer that is computed from others, with pictures of what goes in and
 /// comes out. Computes on a thread of its own, one request at a time; meanwhile its controls are
-/// disabled and it cannot be closed. Modal: nothing else may change the layers.
+/// disabled and it cannot be closed. Modal: nothing else may change the layers. Opened once.
 class DialogCustomLayer : public QDialog
 {
     Q_OBJECT
@@ -46,6 +46,7 @@ public slots:
     void RequestPreview();
     /// Does nothing while a computation runs.
     void reject() override;
+    void done(int result) override;
 
 signals:
     void PreviewComputationRequested(const LayerList* layerList, QString code, QSize previewSize);
@@ -65,6 +66,7 @@ private:
     void TakeExistingLayer(QComboBox* combo, int& id);
     void ShowInput(QComboBox* combo, int row, QLabel* label, int& id);
     void SelectLayer(QComboBox* combo, int id);
+    void SetDarkText();
     bool IsNameFree(const QString& name) const;
     std::unique_ptr<Layer> MakeLayer(const QString& name, const QImage& image);
 
@@ -72,9 +74,10 @@ private:
     LayerList* m_list;
     Tracked<Layer> m_createdLayer;
     Tracked<Layer> m_layerToModify;
+    bool m_isModifying;
     int m_idA = 0;
     int m_idB = 0;
-    /// Not before the worker listens.
+    /// Not before the worker listens, and not any more when the dialog closes.
     bool m_canRequest = false;
     bool m_isComputing = false;
     QString m_runningCode;

@@ -6,6 +6,7 @@
 #include "layers/raster/Mask.h"
 #include "tests/support/Forms.h"
 #include "tests/support/LogSpy.h"
+#include "tests/support/OrderedEvents.h"
 #include "tests/support/ProjectFixture.h"
 
 #include <QAbstractItemView>
@@ -570,5 +571,11 @@ void tst_DialogCustomLayer::ShowsNoCheckBoxesInItsLists()
     QVERIFY(m_first->IsVisible());
 }
 
-QTEST_MAIN(tst_DialogCustomLayer)
+int main(int argc, char* argv[])
+{
+    OrderedApplication application(argc, argv);
+    tst_DialogCustomLayer test;
+    return QTest::qExec(&test, argc, argv);
+}
+
 #include "tst_DialogCustomLayer.moc"

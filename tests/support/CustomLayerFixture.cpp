@@ -1,0 +1,139 @@
+#include "tests/support/CustomLayerFixture.h"
+
+#include "layers/raster/Mask.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QTest>
+#include <QTimer>
+
+#include <algorithm>
+
+CustomLayerFixture::CustomLayerFixture()
+    : m_project({LayerSize, LayerSize}, {10 * LayerSize, 10 * LayerSize})
+{
+    // Messages reach the spy from other threads.
+    qRegisterMetaType<Log::MessageType>("Log::MessageType");
+    window.show();
+    first = Add(QStringLiteral("first"), {0, 0, LayerSize / 2, LayerSize});
+    second = Add(QStringLiteral("second"), {0, 0, LayerSize, LayerSize / 4});
+}
+
+Layer* CustomLayerFixture::Add(const QString& name, const QRect& setPart, const QString& code)
+{
+    QImage mask = raster::BlankMask({LayerSize, LayerSize});
+    for (int y = setPart.top(); y <= setPart.bottom(); ++y) {
+        std::fill_n(mask.scanLine(y) + setPart.left(), setPart.width(), raster::MaskSet);
+    }
+    auto layer = std::make_unique<Layer>(0, 0, &list, name, code);
+    layer->SetImage(mask, Qt::red);
+    Layer* added = layer.get();
+    return list.AddLayer(std::move(layer)) ? added : nullptr;
+}
+
+QString CustomLayerFixture::Code(QString text) const
+{
+    return text.replace(QLatin1Char('A'), QString::number(first->Id()))
+        .replace(QLatin1Char('B'), QString::number(second->Id()));
+}
+
+int CustomLayerFixture::Execute(Layer* layerToModify, const std::function<void()>& user)
+{
+    DialogCustomLayer opened(&list, layerToModify, &window);
+    QSignalSpy previewSpy(&opened, &DialogCustomLayer::PreviewComputationRequested);
+    QSignalSpy computationSpy(&opened, &DialogCustomLayer::LayerComputationRequested);
+    dialog = &opened;
+    previews = &previewSpy;
+    computations = &computationSpy;
+    QTimer::singleShot(0, &opened, [&] {
+        [&] { QVERIFY(QTest::qWaitForWindowActive(&opened)); }();
+        user();
+        const bool isClosed =
+            !QTest::currentTestFailed() && QTest::qWaitFor([&] { return !opened.isVisible(); });
+        if (!isClosed) {
+            WaitIdle();
+            opened.reject();
+            QFAIL("The dialog was left open.");
+        }
+    });
+    const int result = opened.exec();
+    created = opened.CreatedLayer();
+    dialog = nullptr;
+    previews = nullptr;
+    computations = nullptr;
+    return result;
+}
+
+void CustomLayerFixture::WaitIdle() const
+{
+    constexpr int milliseconds = 10000;
+    QTimer timeout;
+    timeout.setSingleShot(true);
+    timeout.start(milliseconds);
+    while (!IsIdle() && timeout.isActive()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    QVERIFY(IsIdle());
+}
+
+void CustomLayerFixture::Click(const char* control) const
+{
+    QTest::mouseClick(Child(control), Qt::LeftButton);
+}
+
+void CustomLayerFixture::Key(const char* control, Qt::Key key) const
+{
+    Child(control)->setFocus();
+    QTest::keyClick(Child(control), key);
+}
+
+void CustomLayerFixture::Type(const char* control, const QString& text) const
+{
+    Child(control)->setFocus();
+    // Leaving the radius box asks for a preview.
+    WaitIdle();
+    QTest::keyClick(Child(control), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(Child(control), Qt::Key_Delete);
+    QTest::keyClicks(Child(control), text);
+}
+
+void CustomLayerFixture::Choose(const char* combo, int row) const
+{
+    const auto* box = Child<QComboBox>(combo);
+    WaitIdle();
+    while (box->currentIndex() != row) {
+        const int before = box->currentIndex();
+        Key(combo, before < row ? Qt::Key_Down : Qt::Key_Up);
+        QVERIFY(box->currentIndex() != before);
+        WaitIdle();
+    }
+}
+
+void CustomLayerFixture::ChooseByMouse(const char* combo, int row, int x) const
+{
+    auto* box = Child<QComboBox>(combo);
+    Click(combo);
+    QVERIFY(QTest::qWaitForWindowExposed(box->view()->window()));
+    // The release of the click that opened the list is not taken for a choice.
+    constexpr int margin = 50;
+    QTest::qWait(QApplication::doubleClickInterval() + margin);
+    const QRect place = box->view()->visualRect(box->model()->index(row, 0));
+    QTest::mouseClick(box->view()->viewport(), Qt::LeftButton, {}, {x, place.center().y()});
+}
+
+QString CustomLayerFixture::LastCode() const
+{
+    return previews->isEmpty() ? QString() : previews->last().at(1).toString();
+}
+
+QStringList CustomLayerFixture::EnabledControls() const
+{
+    QStringList names;
+    for (const char* name : {"cboOperation", "spnRadius", "cboInputA", "cboInputB", "txtOutputName",
+                             "btnCancel", "btnOk"}) {
+        if (Child(name)->isEnabled()) {
+            names.append(QLatin1String(name));
+        }
+    }
+    return names;
+}
