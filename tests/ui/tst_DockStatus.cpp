@@ -218,9 +218,9 @@ void tst_DockStatus::CopiesAllMessages()
         auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
         QVERIFY(menu);
         QCOMPARE(menu->actions().size(), 1);
-        QCOMPARE(menu->actions().first()->text(), QStringLiteral("Copy all"));
+        QCOMPARE(menu->actions().constFirst()->text(), QStringLiteral("Copy all"));
         QTest::mouseClick(menu, Qt::LeftButton, {},
-                          menu->actionGeometry(menu->actions().first()).center());
+                          menu->actionGeometry(menu->actions().constFirst()).center());
         wasShown = true;
     });
 

@@ -274,7 +274,7 @@ void tst_DockTerTypes::AddsTerritoriesByItsButtonsMenu()
         QVERIFY(menu);
         QCOMPARE(Texts(*menu), QStringList({"Add Territory"}));
         QTest::mouseClick(menu, Qt::LeftButton, {},
-                          menu->actionGeometry(menu->actions().first()).center());
+                          menu->actionGeometry(menu->actions().constFirst()).center());
     });
     QTest::mouseClick(button, Qt::LeftButton, {}, {button->width() - 4, button->height() / 2});
 

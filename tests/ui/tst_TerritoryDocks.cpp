@@ -258,7 +258,8 @@ void tst_TerritoryDocks::StandsEveryDeath()
         const Tracked<Zone> zone(fixture->zone);
         const Tracked<Territory> territory(fixture->territory);
         const Tracked<TerritoryType> type(fixture->type);
-        for (const QString& name : order.split(QLatin1Char(' '))) {
+        const QStringList names = order.split(QLatin1Char(' '));
+        for (const QString& name : names) {
             if (name == QLatin1String("zone") && zone) {
                 const std::unique_ptr<Zone> dying(zone.Get());
             } else if (name == QLatin1String("territory") && territory) {
@@ -309,8 +310,8 @@ void tst_TerritoryDocks::DocksStandAlone()
     auto* tree = types.findChild<QTreeView*>(QStringLiteral("treeTerTypes"));
     tree->setCurrentIndex(tree->model()->index(0, 0));
     types.AddTerritory();
-    TerritoryType* type = types.List()->Types().first();
-    types.Select(type->Territories().first());
+    TerritoryType* type = types.List()->Types().constFirst();
+    types.Select(type->Territories().constFirst());
     type->setText(QStringLiteral("Deer"));
 
     types.CopySelection();
@@ -435,7 +436,8 @@ void tst_TerritoryDocks::FitsBesideTheMap()
             QVERIFY(dock->height() < 500);
         }
         QVector<QWidget*> widgets = Controls(*fixture.types) + Controls(*fixture.props);
-        for (QLabel* label : fixture.props->findChildren<QLabel*>()) {
+        const QList<QLabel*> labels = fixture.props->findChildren<QLabel*>();
+        for (QLabel* label : labels) {
             widgets.append(label);
         }
         for (const QWidget* widget : qAsConst(widgets)) {

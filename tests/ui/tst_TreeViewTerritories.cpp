@@ -34,7 +34,8 @@ public:
     QModelIndex Index(const QString& path) const
     {
         QModelIndex index;
-        for (const QString& row : path.split(QLatin1Char('/'), Qt::SkipEmptyParts)) {
+        const QStringList rows = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+        for (const QString& row : rows) {
             index = model.index(row.toInt(), 0, index);
         }
         return index;

@@ -1,6 +1,7 @@
 #include "ui/widgets/NamedGroupBox.h"
 
 #include <QHelpEvent>
+#include <QLayout>
 #include <QStyleOptionGroupBox>
 #include <QStylePainter>
 #include <QToolTip>
@@ -20,7 +21,7 @@ NamedGroupBox::NamedGroupBox(QWidget* parent)
 QSize NamedGroupBox::minimumSizeHint() const
 {
     // What is inside; the base asks for the width of the title as well.
-    return QWidget::minimumSizeHint();
+    return layout() ? layout()->totalMinimumSize() : QSize();
 }
 
 QString NamedGroupBox::ElidedTitle() const

@@ -9,7 +9,10 @@
 
 namespace {
 
-const QString LongName(200, QLatin1Char('m'));
+QString LongName()
+{
+    return QString(200, QLatin1Char('m'));
+}
 
 /// A shown box of 200 pixels around a label.
 class Fixture
@@ -48,7 +51,7 @@ private slots:
 void tst_NamedGroupBox::LongTitlesDoNotWidenIt()
 {
     const Fixture brief(QStringLiteral("m"));
-    const Fixture fixture(LongName);
+    const Fixture fixture(LongName());
 
     QCOMPARE(fixture.box.minimumSizeHint(), brief.box.minimumSizeHint());
     QCOMPARE(fixture.box.sizeHint(), brief.box.sizeHint());
@@ -59,8 +62,8 @@ void tst_NamedGroupBox::LongTitlesDoNotWidenIt()
 void tst_NamedGroupBox::LongTitlesAreElided()
 {
     Fixture whole(QStringLiteral("m"));
-    Fixture fixture(LongName);
-    Fixture longer(LongName + LongName);
+    Fixture fixture(LongName());
+    Fixture longer(LongName() + LongName());
 
     QCOMPARE(fixture.box.grab().toImage(), longer.box.grab().toImage());
     QVERIFY(fixture.box.grab().toImage() != whole.box.grab().toImage());
@@ -73,9 +76,9 @@ void tst_NamedGroupBox::LongTitlesAreElided()
 
 void tst_NamedGroupBox::ShowsTheWholeNameOverItsTitle()
 {
-    Fixture fixture(QStringLiteral("<b>Deer && Wolf") + LongName);
+    Fixture fixture(QStringLiteral("<b>Deer && Wolf") + LongName());
 
-    QCOMPARE(fixture.ToolTipAt({50, 5}), QStringLiteral("&lt;b&gt;Deer &amp; Wolf") + LongName);
+    QCOMPARE(fixture.ToolTipAt({50, 5}), QStringLiteral("&lt;b&gt;Deer &amp; Wolf") + LongName());
     QCOMPARE(fixture.ToolTipAt({50, 90}), QString());
     fixture.box.setTitle(QStringLiteral("Deer"));
     QCOMPARE(fixture.ToolTipAt({50, 5}), QString());
