@@ -48,13 +48,15 @@ int CustomLayerFixture::Execute(Layer* layerToModify, const std::function<void()
     QTimer::singleShot(0, &opened, [&] {
         [&] { QVERIFY(QTest::qWaitForWindowActive(&opened)); }();
         user();
-        const bool isClosed =
-            !QTest::currentTestFailed() && QTest::qWaitFor([&] { return !opened.isVisible(); });
-        if (!isClosed) {
+        if (QTest::currentTestFailed()) {
             WaitIdle();
             opened.reject();
-            QFAIL("The dialog was left open.");
         }
+    });
+    constexpr int milliseconds = 10000;
+    QTimer::singleShot(milliseconds, &opened, [&] {
+        opened.reject();
+        QFAIL("The dialog was left open.");
     });
     const int result = opened.exec();
     created = opened.CreatedLayer();
