@@ -60,7 +60,8 @@ void DockLayerProps::OrderTabs()
 {
     auto* button = m_ui->gboLayerClrOp->findChild<ButtonColor*>();
     QWidget* last = button;
-    for (QCheckBox* box : m_usageBoxes + m_valueBoxes) {
+    const QList<QCheckBox*> boxes = m_usageBoxes + m_valueBoxes;
+    for (QCheckBox* box : boxes) {
         QWidget::setTabOrder(last, box);
         last = box;
     }

@@ -96,7 +96,8 @@ QStringList LayerDocksFixture::UseMenu(QPoint position, const char* action)
         if (!menu) {
             return;
         }
-        for (const QAction* entry : menu->actions()) {
+        const QList<QAction*> entries = menu->actions();
+        for (const QAction* entry : entries) {
             texts.append(entry->text());
         }
         QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(used).center());

@@ -246,7 +246,7 @@ void tst_DockLayerProps::BuildsBoxesBesideThoseThatAreThere()
 
     QCOMPARE(Boxes(UsageGroup).size(), 4);
     QCOMPARE(Boxes(UsageGroup).mid(0, 2), before);
-    QCOMPARE(Boxes(UsageGroup)[2]->property("bit"), QVariant(1));
+    QCOMPARE(Boxes(UsageGroup).at(2)->property("bit"), QVariant(1));
     QCOMPARE(Boxes(ValueGroup).size(), 2);
 }
 
@@ -381,14 +381,14 @@ void tst_DockLayerProps::ClicksFlags()
     const std::unique_ptr<Layer> layer = MakeLayer(Qt::red, 0x101, 0x100);
     m_dock->SetLayer(layer.get(), false);
 
-    QTest::mouseClick(Boxes(UsageGroup)[2], Qt::LeftButton, {}, QPoint(8, 8));
+    QTest::mouseClick(Boxes(UsageGroup).at(2), Qt::LeftButton, {}, QPoint(8, 8));
 
     QCOMPARE(layer->UsageFlags(), 5U);
     QCOMPARE(layer->ValueFlags(), 0U);
     QVERIFY(Modified());
 
-    QTest::mouseClick(Boxes(ValueGroup)[1], Qt::LeftButton, {}, QPoint(8, 8));
-    QTest::mouseClick(Boxes(UsageGroup)[0], Qt::LeftButton, {}, QPoint(8, 8));
+    QTest::mouseClick(Boxes(ValueGroup).at(1), Qt::LeftButton, {}, QPoint(8, 8));
+    QTest::mouseClick(Boxes(UsageGroup).at(0), Qt::LeftButton, {}, QPoint(8, 8));
 
     QCOMPARE(layer->UsageFlags(), 4U);
     QCOMPARE(layer->ValueFlags(), 2U);
@@ -400,7 +400,7 @@ void tst_DockLayerProps::ChecksFlagsWithTheKeyboard()
     const std::unique_ptr<Layer> layer = MakeLayer(Qt::red, 1, 0);
     m_dock->SetLayer(layer.get(), false);
 
-    QTest::keyClick(Boxes(UsageGroup)[31], Qt::Key_Space);
+    QTest::keyClick(Boxes(UsageGroup).at(31), Qt::Key_Space);
 
     QCOMPARE(layer->UsageFlags(), 0x80000001U);
     QVERIFY(Modified());
@@ -454,7 +454,7 @@ void tst_DockLayerProps::ForgetsALayerThatDied()
     const QSignalSpy opacityChanged(m_dock, &DockLayerProps::OpacityChanged);
 
     layer.reset();
-    QTest::mouseClick(Boxes(UsageGroup)[1], Qt::LeftButton, {}, QPoint(8, 8));
+    QTest::mouseClick(Boxes(UsageGroup).at(1), Qt::LeftButton, {}, QPoint(8, 8));
     QTest::keyClick(Slider(), Qt::Key_Home);
 
     QCOMPARE(opacityChanged.size(), 0);
@@ -494,7 +494,7 @@ void tst_DockLayerProps::TabsInTheOrderOfTheEye()
     SetTypes(4, 3);
     // Built once more, as after an import.
     SetTypes(3, 2);
-    Boxes(UsageGroup).first()->setFocus();
+    Boxes(UsageGroup).constFirst()->setFocus();
     QStringList order;
     for (int i = 0; i < 7; ++i) {
         QWidget* focus = QApplication::focusWidget();
@@ -522,14 +522,15 @@ void tst_DockLayerProps::HoldsAllFlagsOnASmallScreen()
              qPrintable(QString::number(m_dock->minimumSizeHint().height())));
     const auto* area = m_dock->findChild<QScrollArea*>();
     QTRY_VERIFY(area->verticalScrollBar()->maximum() > 0);
-    QCheckBox* last = Boxes(ValueGroup).last();
+    QCheckBox* last = Boxes(ValueGroup).constLast();
     last->setFocus(Qt::TabFocusReason);
     QTest::keyClick(last, Qt::Key_Backtab);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     QCOMPARE(QApplication::focusWidget(), last);
     const QRect shown(last->mapTo(area->viewport(), QPoint()), last->size());
     QVERIFY(area->viewport()->rect().contains(shown));
-    for (const QCheckBox* box : Boxes(UsageGroup) + Boxes(ValueGroup)) {
+    const QList<QCheckBox*> boxes = Boxes(UsageGroup) + Boxes(ValueGroup);
+    for (const QCheckBox* box : boxes) {
         QVERIFY(box->width() >= box->sizeHint().width());
         QVERIFY(box->height() >= box->minimumSizeHint().height());
     }

@@ -308,7 +308,8 @@ void tst_DockLayers::HidesAll()
     const QSignalSpy checked(m_docks->dock, &DockLayers::Checked);
     QStringList whenHidden;
     connect(m_docks->dock, &DockLayers::AllHidden, this, [&] {
-        for (const Layer* layer : m_docks->List()->Layers()) {
+        const QVector<Layer*> layers = m_docks->List()->Layers();
+        for (const Layer* layer : layers) {
             whenHidden.append(layer->IsVisible() ? QStringLiteral("shown")
                                                  : QStringLiteral("hidden"));
         }

@@ -147,7 +147,8 @@ void tst_TreeViewLayers::TellsThatItMoves()
     connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [&] { whileCurrentChanged.append(m_view->IsMoving()); });
     bool isMovingWhenMoved = true;
-    connect(m_view.get(), &TreeViewLayers::Moved, this,
+    const QObject context;
+    connect(m_view.get(), &TreeViewLayers::Moved, &context,
             [&] { isMovingWhenMoved = m_view->IsMoving(); });
 
     DropAt(*m_view, m_view->visualRect(LayerAt(2)->index()).center());
