@@ -11,6 +11,7 @@
 #include <QColorDialog>
 #include <QGridLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMainWindow>
 #include <QPushButton>
 #include <QScrollArea>
@@ -90,9 +91,10 @@ void tst_DockLayerProps::init()
 {
     m_project = std::make_unique<ProjectFixture>();
     m_window = std::make_unique<QMainWindow>();
+    // Another control of the window, which stands before the dock's in the tab order.
+    m_window->setCentralWidget(new QLineEdit);
     m_dock = new DockLayerProps(m_window.get());
     m_window->addDockWidget(Qt::LeftDockWidgetArea, m_dock);
-    m_window->setCentralWidget(new QWidget);
     m_window->resize(600, 400);
     m_window->show();
     QApplication::setActiveWindow(m_window.get());

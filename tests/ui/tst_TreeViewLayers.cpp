@@ -42,6 +42,7 @@ private:
     std::unique_ptr<LayerList> m_list;
     std::unique_ptr<QAbstractItemModelTester> m_tester;
     std::unique_ptr<TreeViewLayers> m_view;
+    bool m_isMovingWhenMoved = true;
 };
 
 void tst_TreeViewLayers::initTestCase()
@@ -146,16 +147,15 @@ void tst_TreeViewLayers::TellsThatItMoves()
     QVector<bool> whileCurrentChanged;
     connect(m_view->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [&] { whileCurrentChanged.append(m_view->IsMoving()); });
-    bool isMovingWhenMoved = true;
-    const QObject context;
-    connect(m_view.get(), &TreeViewLayers::Moved, &context,
-            [&] { isMovingWhenMoved = m_view->IsMoving(); });
+    m_isMovingWhenMoved = true;
+    connect(m_view.get(), &TreeViewLayers::Moved, this,
+            [this] { m_isMovingWhenMoved = m_view->IsMoving(); });
 
     DropAt(*m_view, m_view->visualRect(LayerAt(2)->index()).center());
 
     // A neighbour, while the row is out, and the row again.
     QCOMPARE(whileCurrentChanged, (QVector<bool>{true, true}));
-    QVERIFY(!isMovingWhenMoved);
+    QVERIFY(!m_isMovingWhenMoved);
     QVERIFY(!m_view->IsMoving());
 }
 
