@@ -59,7 +59,7 @@ QString AskForFile(QWidget* parent, FilePurpose purpose)
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
         return {};
     }
-    return dialog.selectedFiles().first();
+    return dialog.selectedFiles().constFirst();
 }
 
 bool AskYesNo(QWidget* parent, const QString& title, const QString& text)
