@@ -40,12 +40,13 @@ private slots:
     void RefusesABadName_data();
     void RefusesABadName();
     void LetsALayerKeepItsName();
+    void TakesTheNameOfALayerWithoutAnImage();
     void ChecksTheNameWhenItIsConfirmed();
     void AddsNothingWithoutALayerSize();
     void KeepsALayerWithoutALayerSize();
     void HasNothingToChooseInAnEmptyList();
     void ForgetsALayerThatGoes();
-    void KeepsALayerThatGoesWhileItIsComputed();
+    void AddsNothingForALayerThatGoes();
 
     void ShowsInputsAndPreview();
     void KeepsNoneForNoRow();
@@ -116,6 +117,7 @@ void tst_DialogCustomLayerModal::AddsALayer()
     QCOMPARE(result, int(QDialog::Accepted));
     QCOMPARE(m->list.Layers().size(), 3);
     QCOMPARE(m->list.Layers().last(), m->created);
+    QVERIFY(m->created);
     QCOMPARE(m->created->text(), "made");
     QCOMPARE(m->created->Code(), m->Code(code));
     QCOMPARE(m->created->Image(), EvaluateAtLayerSize(m->list, m->Code(code)));
@@ -214,6 +216,7 @@ void tst_DialogCustomLayerModal::RefusesABadName()
         m->Click("btnOk");
     });
 
+    QVERIFY(m->created);
     QCOMPARE(m->created->text(), "First and 2nd");
 }
 
@@ -231,6 +234,21 @@ void tst_DialogCustomLayerModal::LetsALayerKeepItsName()
         QCOMPARE(edit->styleSheet(), "QLineEdit { background: rgb(255, 255, 255) }");
         m->Click("btnCancel");
     });
+}
+
+void tst_DialogCustomLayerModal::TakesTheNameOfALayerWithoutAnImage()
+{
+    m->second->TakePaintedMask({});
+
+    m->Execute(nullptr, [&] {
+        m->WaitIdle();
+        m->Type("txtOutputName", "second");
+        QVERIFY(m->Child("btnOk")->isEnabled());
+        m->Click("btnOk");
+    });
+
+    QVERIFY(m->created);
+    QCOMPARE(m->created->text(), "second");
 }
 
 void tst_DialogCustomLayerModal::ChecksTheNameWhenItIsConfirmed()
@@ -312,13 +330,12 @@ void tst_DialogCustomLayerModal::ForgetsALayerThatGoes()
     });
 }
 
-void tst_DialogCustomLayerModal::KeepsALayerThatGoesWhileItIsComputed()
+void tst_DialogCustomLayerModal::AddsNothingForALayerThatGoes()
 {
-    // A layer that was to be modified is not added in its stead.
     m->Execute(m->second, [&] {
         m->WaitIdle();
-        m->Click("btnOk");
         m->list.RemoveLayer(m->second->Id());
+        m->dialog->FinalizeLayerComputation(m->first->Image());
     });
 
     QCOMPARE(m->created, nullptr);
