@@ -9,11 +9,9 @@
 #include "tests/support/OrderedEvents.h"
 #include "tests/support/ProjectFixture.h"
 
-#include <QAbstractItemView>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSpinBox>
@@ -40,7 +38,6 @@ public:
     explicit Opened(LayerList& list, Layer* layer = nullptr)
         : dialog(&list, layer)
         , previews(&dialog, &DialogCustomLayer::PreviewComputationRequested)
-        , layers(&dialog, &DialogCustomLayer::LayerComputationRequested)
     {
         dialog.show();
         [&] { QVERIFY(QTest::qWaitForWindowActive(&dialog)); }();
@@ -60,15 +57,14 @@ public:
         WaitIdle();
     }
     QString LastCode() const { return previews.last().at(1).toString(); }
-    void PressOk() const { QTest::mouseClick(Child<QPushButton>("btnOk"), Qt::LeftButton); }
 
     DialogCustomLayer dialog;
     QSignalSpy previews;
-    QSignalSpy layers;
 };
 
 } // namespace
 
+/// What the dialog shows when it opens, and what it asks its worker for.
 class tst_DialogCustomLayer : public QObject
 {
     Q_OBJECT
@@ -77,32 +73,18 @@ private slots:
     void init();
     void HasItsForm_data();
     void HasItsForm();
-    void HasNoCloseButton();
-    void AddsALayer();
     void OpensWithAPreviewOfTheLabelsSize();
     void BuildsTheCode_data();
     void BuildsTheCode();
     void EnablesWhatTheOperationNeeds_data();
     void EnablesWhatTheOperationNeeds();
-    void ShowsItsInputs();
     void OpensAPaintedLayer();
-    void TurnsAPaintedLayerIntoAComputedOne();
     void OpensAComputedLayer_data();
     void OpensAComputedLayer();
     void ALayerWithoutAnImageIsAdded();
-    void ChecksTheName_data();
-    void ChecksTheName();
-    void ALayerMayKeepItsName();
-    void ABadNameIsNotConfirmed();
-    void IsBusyWhileItComputes();
-    void CannotBeLeftWhileItComputes();
     void IgnoresARequestForTheSameCode();
     void ComputesLaterWhatWasAskedMeanwhile();
-    void ConfirmsFromTheRadiusBox();
-    void EnterInTheRadiusBoxShowsAPreview();
-    void AnEmptyListGivesNoLayer();
     void ALayerThatIsRefusedIsNotCreated();
-    void ShowsNoCheckBoxesInItsLists();
 
 private:
     Layer* Add(const QString& name, const QRect& part, const QString& code = {});
@@ -207,37 +189,6 @@ void tst_DialogCustomLayer::HasItsForm()
                                       "Erosion", "Dilation", "Opening", "Closing"}));
 }
 
-void tst_DialogCustomLayer::HasNoCloseButton()
-{
-    const DialogCustomLayer dialog(m_list.get(), nullptr);
-    QVERIFY(dialog.windowFlags() & Qt::CustomizeWindowHint);
-    QVERIFY(dialog.windowFlags() & Qt::WindowTitleHint);
-    QVERIFY(!(dialog.windowFlags() & Qt::WindowCloseButtonHint));
-}
-
-void tst_DialogCustomLayer::AddsALayer()
-{
-    const Opened opened(*m_list);
-    QCOMPARE(opened.dialog.CreatedLayer(), nullptr);
-    opened.Choose("cboOperation", 2);
-    opened.Choose("cboInputB", 1);
-    opened.Child<QLineEdit>("txtOutputName")->setText("both");
-
-    opened.PressOk();
-
-    QTRY_COMPARE(opened.dialog.result(), int(QDialog::Accepted));
-    Layer* created = opened.dialog.CreatedLayer();
-    QVERIFY(created);
-    QCOMPARE(m_list->Layers().last(), created);
-    QCOMPARE(created->text(), "both");
-    QCOMPARE(created->Code(), QString(".(%1)(%2)").arg(m_first->Id()).arg(m_second->Id()));
-    QCOMPARE(created->UsageFlags(), 0U);
-    QCOMPARE(created->Color(), QColor(Qt::white));
-    QCOMPARE(created->Image(), Mask(QRect(0, 0, 32, 16)));
-    QCOMPARE(opened.layers.size(), 1);
-    QCOMPARE(opened.layers.first().at(2).value<Layer*>(), nullptr);
-}
-
 void tst_DialogCustomLayer::OpensWithAPreviewOfTheLabelsSize()
 {
     DialogCustomLayer dialog(m_list.get(), nullptr);
@@ -304,23 +255,6 @@ void tst_DialogCustomLayer::EnablesWhatTheOperationNeeds()
     QTEST(opened.Child<QWidget>("spnRadius")->isEnabled(), "hasRadius");
 }
 
-void tst_DialogCustomLayer::ShowsItsInputs()
-{
-    const Opened opened(*m_list);
-    const auto* label = opened.Child<QLabel>("lblImageInputA");
-    const auto shows = [label](const Layer& layer) {
-        const QImage expected = layer.Image().scaled(label->pixmap(Qt::ReturnByValue).size(),
-                                                     Qt::IgnoreAspectRatio, Qt::FastTransformation);
-        return label->pixmap(Qt::ReturnByValue).toImage().convertToFormat(QImage::Format_RGB32) ==
-               expected.convertToFormat(QImage::Format_RGB32);
-    };
-    QVERIFY(shows(*m_first));
-
-    opened.Choose("cboInputA", 1);
-
-    QVERIFY(shows(*m_second));
-}
-
 void tst_DialogCustomLayer::OpensAPaintedLayer()
 {
     const Opened opened(*m_list, m_second);
@@ -330,21 +264,6 @@ void tst_DialogCustomLayer::OpensAPaintedLayer()
     QCOMPARE(opened.Child<QComboBox>("cboOperation")->currentIndex(), 0);
     QCOMPARE(opened.Child<QComboBox>("cboInputA")->currentIndex(), 1);
     QCOMPARE(opened.Child<QComboBox>("cboInputB")->currentIndex(), 1);
-}
-
-void tst_DialogCustomLayer::TurnsAPaintedLayerIntoAComputedOne()
-{
-    const Opened opened(*m_list, m_second);
-    opened.Child<QLineEdit>("txtOutputName")->setText("other");
-
-    opened.PressOk();
-
-    QTRY_COMPARE(opened.dialog.result(), int(QDialog::Accepted));
-    QCOMPARE(m_second->Code(), QString("!(%1)").arg(m_second->Id()));
-    QCOMPARE(m_second->Image(), Mask(QRect(0, 16, 64, 48)));
-    QCOMPARE(m_second->text(), "other");
-    QCOMPARE(opened.dialog.CreatedLayer(), nullptr);
-    QCOMPARE(m_list->Layers().size(), 2);
 }
 
 void tst_DialogCustomLayer::OpensAComputedLayer_data()
@@ -382,92 +301,6 @@ void tst_DialogCustomLayer::ALayerWithoutAnImageIsAdded()
     QCOMPARE(opened.dialog.windowTitle(), "Add layer");
 }
 
-void tst_DialogCustomLayer::ChecksTheName_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<bool>("isGood");
-
-    QTest::newRow("another") << "third" << true;
-    QTest::newRow("of a layer") << "first" << false;
-    QTest::newRow("with a colon") << "a:b" << false;
-    QTest::newRow("blank") << "  " << false;
-    QTest::newRow("empty") << "" << false;
-}
-
-void tst_DialogCustomLayer::ChecksTheName()
-{
-    QFETCH(QString, name);
-    QFETCH(bool, isGood);
-    const Opened opened(*m_list);
-    auto* edit = opened.Child<QLineEdit>("txtOutputName");
-    QCOMPARE(edit->styleSheet(), QString());
-    edit->selectAll();
-
-    QTest::keyClicks(edit, name.isEmpty() ? "\b" : name);
-
-    QCOMPARE(edit->styleSheet(), isGood ? "QLineEdit { background: rgb(255, 255, 255) }"
-                                        : "QLineEdit { background: rgb(255, 192, 192) }");
-    QCOMPARE(opened.Child<QPushButton>("btnOk")->isEnabled(), isGood);
-}
-
-void tst_DialogCustomLayer::ALayerMayKeepItsName()
-{
-    Opened opened(*m_list, m_second);
-    opened.dialog.ValidateContent("second");
-    QVERIFY(opened.Child<QPushButton>("btnOk")->isEnabled());
-    opened.dialog.ValidateContent("first");
-    QVERIFY(!opened.Child<QPushButton>("btnOk")->isEnabled());
-}
-
-void tst_DialogCustomLayer::ABadNameIsNotConfirmed()
-{
-    const Opened opened(*m_list);
-    // Set, not typed: it is checked when it is confirmed.
-    opened.Child<QLineEdit>("txtOutputName")->setText("first");
-
-    opened.PressOk();
-
-    QVERIFY(opened.dialog.isVisible());
-    QCOMPARE(opened.layers.size(), 0);
-    QVERIFY(!opened.Child<QPushButton>("btnOk")->isEnabled());
-}
-
-void tst_DialogCustomLayer::IsBusyWhileItComputes()
-{
-    const Opened opened(*m_list);
-    const auto* bar = opened.Child<QProgressBar>("pgr");
-    QCOMPARE(bar->maximum(), 1);
-
-    // The result comes by the event loop, so until then it computes.
-    opened.Child<QComboBox>("cboOperation")->setCurrentIndex(1);
-
-    for (const char* name :
-         {"btnOk", "btnCancel", "txtOutputName", "cboOperation", "cboInputA", "cboInputB"}) {
-        QVERIFY2(!opened.Child<QWidget>(name)->isEnabled(), name);
-    }
-    QCOMPARE(bar->minimum(), 0);
-    QCOMPARE(bar->maximum(), 0);
-    opened.WaitIdle();
-    QCOMPARE(bar->maximum(), 1);
-    QVERIFY(opened.Child<QWidget>("cboInputB")->isEnabled());
-}
-
-void tst_DialogCustomLayer::CannotBeLeftWhileItComputes()
-{
-    Opened opened(*m_list);
-    opened.Child<QComboBox>("cboInputA")->setCurrentIndex(1);
-
-    QVERIFY(!opened.dialog.close());
-    QTest::keyClick(&opened.dialog, Qt::Key_Escape);
-    opened.dialog.reject();
-    QVERIFY(opened.dialog.isVisible());
-
-    opened.WaitIdle();
-    QTest::keyClick(&opened.dialog, Qt::Key_Escape);
-    QVERIFY(!opened.dialog.isVisible());
-    QCOMPARE(opened.dialog.result(), int(QDialog::Rejected));
-}
-
 void tst_DialogCustomLayer::IgnoresARequestForTheSameCode()
 {
     Opened opened(*m_list);
@@ -501,51 +334,6 @@ void tst_DialogCustomLayer::ComputesLaterWhatWasAskedMeanwhile()
     opened.WaitIdle();
 }
 
-void tst_DialogCustomLayer::ConfirmsFromTheRadiusBox()
-{
-    const Opened opened(*m_list);
-    opened.Choose("cboOperation", 5);
-    auto* radius = opened.Child<QSpinBox>("spnRadius");
-    radius->setFocus();
-    radius->selectAll();
-    QTest::keyClicks(radius, "100");
-
-    opened.PressOk();
-
-    QTRY_COMPARE(opened.dialog.result(), int(QDialog::Accepted));
-    QCOMPARE(opened.dialog.CreatedLayer()->Code(), QString("d(%1:100)").arg(m_first->Id()));
-    QCOMPARE(opened.layers.size(), 1);
-}
-
-void tst_DialogCustomLayer::EnterInTheRadiusBoxShowsAPreview()
-{
-    const Opened opened(*m_list);
-    opened.Choose("cboOperation", 5);
-    auto* radius = opened.Child<QSpinBox>("spnRadius");
-    radius->setFocus();
-    radius->selectAll();
-    QTest::keyClicks(radius, "100");
-    QTest::keyClick(radius, Qt::Key_Return);
-
-    QVERIFY(opened.LastCode().endsWith(":100)"));
-    opened.WaitIdle();
-    QVERIFY(opened.dialog.isVisible());
-    // Whoever typed goes on typing.
-    QVERIFY(radius->hasFocus());
-}
-
-void tst_DialogCustomLayer::AnEmptyListGivesNoLayer()
-{
-    m_list->Clear();
-    const Opened opened(*m_list);
-
-    opened.PressOk();
-
-    QTRY_COMPARE(opened.dialog.result(), int(QDialog::Accepted));
-    QCOMPARE(opened.dialog.CreatedLayer(), nullptr);
-    QVERIFY(m_list->IsEmpty());
-}
-
 void tst_DialogCustomLayer::ALayerThatIsRefusedIsNotCreated()
 {
     Opened opened(*m_list);
@@ -554,21 +342,6 @@ void tst_DialogCustomLayer::ALayerThatIsRefusedIsNotCreated()
 
     QCOMPARE(opened.dialog.CreatedLayer(), nullptr);
     QCOMPARE(m_list->Layers().size(), 2);
-}
-
-void tst_DialogCustomLayer::ShowsNoCheckBoxesInItsLists()
-{
-    m_first->SetVisible(true);
-    const Opened opened(*m_list);
-    auto* combo = opened.Child<QComboBox>("cboInputA");
-    combo->showPopup();
-    QVERIFY(QTest::qWaitForWindowExposed(combo->view()->window()));
-    const QRect row = combo->view()->visualRect(combo->model()->index(0, 0));
-
-    QTest::mouseClick(combo->view()->viewport(), Qt::LeftButton, {}, QPoint(8, row.center().y()));
-
-    opened.WaitIdle();
-    QVERIFY(m_first->IsVisible());
 }
 
 int main(int argc, char* argv[])
