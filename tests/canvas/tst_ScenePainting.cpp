@@ -1,0 +1,281 @@
+#include "canvas/MainScene.h"
+
+#include "canvas/CurrentLayerItem.h"
+#include "tests/support/CanvasActions.h"
+#include "tests/support/CanvasFixture.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+Q_DECLARE_METATYPE(SceneMode)
+Q_DECLARE_METATYPE(Qt::MouseButton)
+
+class tst_ScenePainting : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void ShowsTheBrush();
+    void ShowsTheBrushOnlyInPaint();
+    void StandsNoBrush_data();
+    void StandsNoBrush();
+    void PaintsWithTheLeftButton();
+    void ErasesWithTheRightButton();
+    void PaintsDoubleClicksToo();
+    void MovesWithoutAButtonHandOver();
+    void PaintsWhereTheBrushLeaves();
+    void IsModifiedWhenAStrokeEnds_data();
+    void IsModifiedWhenAStrokeEnds();
+    void ContinuesNoStrokeThatEnded();
+    void IgnoresButtonsThatDoNothing_data();
+    void IgnoresButtonsThatDoNothing();
+};
+
+void tst_ScenePainting::ShowsTheBrush()
+{
+    CanvasFixture canvas;
+    auto* cursor = BrushCursor(canvas);
+    Brush brush;
+    brush.SetSize(7);
+    brush.SetColor(QColor(1, 2, 3, 100));
+    brush.SetOutlineColor(QColor(9, 8, 7, 200));
+    brush.SetOutlineWidth(3);
+    brush.SetPosition({12.5, 30});
+    canvas.Scene().ChangeBrush(&brush);
+    QCOMPARE(cursor->brush(), QBrush(QColor(1, 2, 3, 100), Qt::SolidPattern));
+    QCOMPARE(cursor->pen(),
+             QPen(QBrush(QColor(9, 8, 7, 200)), 3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    QCOMPARE(cursor->rect(), QRectF(-3.5, -3.5, 7, 7));
+    QCOMPARE(cursor->pos(), QPointF(12.5, 30));
+    brush.SetOutline(false);
+    brush.SetSize(256);
+    QCOMPARE(cursor->rect(), QRectF(-3.5, -3.5, 7, 7));
+    canvas.Scene().RefreshBrush();
+    QCOMPARE(cursor->pen(), QPen(QColor(Qt::transparent)));
+    QCOMPARE(cursor->rect(), QRectF(-128, -128, 256, 256));
+    canvas.Scene().ChangeBrush(nullptr);
+}
+
+void tst_ScenePainting::ShowsTheBrushOnlyInPaint()
+{
+    CanvasFixture canvas;
+    auto* cursor = BrushCursor(canvas);
+    for (const SceneMode mode : Modes) {
+        canvas.Move({50, 60}, Qt::NoButton);
+        canvas.Scene().ChangeMode(mode);
+        QCOMPARE(canvas.Scene().Mode(), mode);
+        QCOMPARE(cursor->isVisible(), mode == SceneMode::Paint);
+        QCOMPARE(cursor->pos(), QPointF(50, 60));
+    }
+    canvas.Scene().ChangeMode(SceneMode::Paint);
+    canvas.Move({70, 20}, Qt::NoButton);
+    QCOMPARE(cursor->pos(), QPointF(70, 20));
+    QCOMPARE(canvas.dock.GetBrush()->Position(), QPointF(70, 20));
+    QCOMPARE(canvas.Scene().MousePosition(), QPointF(70, 20));
+}
+
+void tst_ScenePainting::StandsNoBrush_data()
+{
+    QTest::addColumn<SceneMode>("mode");
+    for (const SceneMode mode : Modes) {
+        QTest::addRow("mode %d", int(mode)) << mode;
+    }
+}
+
+void tst_ScenePainting::StandsNoBrush()
+{
+    QFETCH(SceneMode, mode);
+    CanvasFixture canvas;
+    canvas.Scene().ChangeBrush(nullptr);
+    canvas.Scene().RefreshBrush();
+    Layer* layer = canvas.AddLayer(Qt::red, {20, 20, 50, 50});
+    canvas.Scene().ChangeLayer(layer);
+    canvas.Scene().ChangeMode(mode);
+    canvas.Drag({20, 20}, {40, 50});
+    canvas.Click({20, 20}, Qt::RightButton);
+    QCOMPARE(Area(*layer), 2500);
+}
+
+void tst_ScenePainting::PaintsWithTheLeftButton()
+{
+    CanvasFixture canvas;
+    Layer* layer = canvas.AddLayer(QColor(255, 0, 0, 128));
+    canvas.Edit(layer);
+    canvas.dock.SetSize(10);
+    canvas.Press({50, 50});
+    const int dab = Area(*layer);
+    QVERIFY(dab > 50 && dab < 120);
+    QVERIFY(IsSet(*layer, 50, 50));
+    canvas.Move({90, 50});
+    QVERIFY(IsSet(*layer, 70, 50));
+    QVERIFY(IsSet(*layer, 90, 50));
+    QVERIFY(!IsSet(*layer, 70, 60));
+    canvas.Release({90, 50});
+    QCOMPARE(BrushCursor(canvas)->pos(), QPointF(90, 50));
+    QCOMPARE(ItemOf<CurrentLayerItem>(canvas, CurrentZ)->pixmap().toImage(),
+             layer->Pixmap().toImage());
+}
+
+void tst_ScenePainting::ErasesWithTheRightButton()
+{
+    CanvasFixture canvas;
+    Layer* layer = canvas.AddLayer(Qt::red, {0, 0, 200, 160});
+    canvas.Edit(layer);
+    canvas.dock.SetSize(10);
+    canvas.Press({50, 50}, Qt::RightButton);
+    QVERIFY(!IsSet(*layer, 50, 50));
+    canvas.Move({90, 50}, Qt::RightButton);
+    QVERIFY(!IsSet(*layer, 70, 50));
+    QVERIFY(IsSet(*layer, 70, 60));
+    canvas.Release({90, 50}, Qt::RightButton);
+    QVERIFY(canvas.TakeModified());
+    const QImage picture = ItemOf<CurrentLayerItem>(canvas, CurrentZ)->pixmap().toImage();
+    QCOMPARE(picture.pixel(70, 50), 0U);
+}
+
+void tst_ScenePainting::PaintsDoubleClicksToo()
+{
+    CanvasFixture canvas;
+    Layer* layer = canvas.AddLayer(Qt::red);
+    canvas.Edit(layer);
+    canvas.Click({50, 50});
+    canvas.DoubleClick({120, 50});
+    QVERIFY(IsSet(*layer, 120, 50));
+    canvas.Move({120, 120});
+    QVERIFY(IsSet(*layer, 120, 90));
+    canvas.Release({120, 120});
+    canvas.DoubleClick({120, 50}, Qt::RightButton);
+    QVERIFY(!IsSet(*layer, 120, 50));
+    canvas.Release({120, 50}, Qt::RightButton);
+}
+
+void tst_ScenePainting::MovesWithoutAButtonHandOver()
+{
+    CanvasFixture canvas;
+    Layer* layer = canvas.AddLayer(Qt::red, {20, 20, 50, 50});
+    QImage mask = layer->Image();
+    mask.setPixel(0, 0, 100);
+    layer->SetImage(mask, Qt::red);
+    canvas.Edit(layer);
+    canvas.Modified() = false;
+    QCOMPARE(layer->Image().pixelIndex(0, 0), 100);
+    canvas.Move({100, 100}, Qt::NoButton);
+    QCOMPARE(layer->Image().pixelIndex(0, 0), 0);
+    QCOMPARE(Area(*layer), 2500);
+    QVERIFY(!canvas.TakeModified());
+}
+
+void tst_ScenePainting::PaintsWhereTheBrushLeaves()
+{
+    CanvasFixture canvas;
+    Layer* layer = canvas.AddLayer(Qt::red);
+    canvas.Edit(layer);
+    canvas.dock.SetSize(6);
+    canvas.Press({10, 10});
+    canvas.Move({-20, 10});
+    canvas.Move({-20, 80});
+    canvas.Move({10, 80});
+    canvas.Release({10, 80});
+    QVERIFY(IsSet(*layer, 0, 10));
+    QVERIFY(IsSet(*layer, 0, 80));
+    QVERIFY(!IsSet(*layer, 0, 45));
+}
+
+void tst_ScenePainting::IsModifiedWhenAStrokeEnds_data()
+{
+    QTest::addColumn<QString>("end");
+    for (const char* end : {"release", "second button", "space", "Ctrl+0", "lost focus"}) {
+        QTest::newRow(end) << QString::fromLatin1(end);
+    }
+}
+
+void tst_ScenePainting::IsModifiedWhenAStrokeEnds()
+{
+    QFETCH(QString, end);
+    CanvasFixture canvas;
+    canvas.Edit(canvas.AddLayer(Qt::red));
+    canvas.Press({50, 50});
+    canvas.Move({60, 60});
+    QVERIFY(!canvas.TakeModified());
+    if (end == "release") {
+        canvas.Release({60, 60});
+    } else if (end == "second button") {
+        canvas.Press({60, 60}, Qt::MiddleButton);
+    } else if (end == "space") {
+        QTest::keyPress(&canvas.view, Qt::Key_Space);
+    } else if (end == "Ctrl+0") {
+        QTest::keyPress(&canvas.view, Qt::Key_0, Qt::ControlModifier);
+    } else {
+        QFocusEvent event(QEvent::FocusOut);
+        QCoreApplication::sendEvent(&canvas.view, &event);
+    }
+    QVERIFY(canvas.TakeModified());
+    QTest::keyRelease(&canvas.view, Qt::Key_Space);
+    canvas.Release({60, 60});
+    QVERIFY(!canvas.TakeModified());
+}
+
+void tst_ScenePainting::ContinuesNoStrokeThatEnded()
+{
+    CanvasFixture canvas;
+    Layer* layer = canvas.AddLayer(Qt::red);
+    canvas.Edit(layer);
+    canvas.dock.SetSize(10);
+    canvas.Press({50, 50});
+    canvas.Press({50, 50}, Qt::MiddleButton);
+    canvas.Move({50, 120}, Qt::LeftButton | Qt::MiddleButton);
+    QVERIFY(!IsSet(*layer, 50, 90));
+    // The other button goes on erasing where the first painted.
+    canvas.Press({100, 50});
+    canvas.Move({100, 100});
+    canvas.Press({100, 100}, Qt::RightButton);
+    canvas.Move({100, 50}, Qt::LeftButton | Qt::RightButton);
+    QVERIFY(!IsSet(*layer, 100, 75));
+}
+
+void tst_ScenePainting::IgnoresButtonsThatDoNothing_data()
+{
+    QTest::addColumn<SceneMode>("mode");
+    QTest::addColumn<Qt::MouseButton>("button");
+    for (const SceneMode mode : Modes) {
+        for (const Qt::MouseButton button :
+             {Qt::LeftButton, Qt::RightButton, Qt::MiddleButton, Qt::BackButton}) {
+            const bool isIdle = mode == SceneMode::None || mode == SceneMode::Pan;
+            const bool isUsed =
+                button == Qt::LeftButton || (button == Qt::RightButton && mode == SceneMode::Paint);
+            if (isIdle || !isUsed) {
+                QTest::addRow("mode %d, button %d", int(mode), int(button)) << mode << button;
+            }
+        }
+    }
+}
+
+void tst_ScenePainting::IgnoresButtonsThatDoNothing()
+{
+    QFETCH(SceneMode, mode);
+    QFETCH(Qt::MouseButton, button);
+    CanvasFixture canvas;
+    Layer* layer = canvas.AddLayer(Qt::red, {20, 20, 50, 50});
+    canvas.Scene().ChangeLayer(layer);
+    canvas.Scene().ChangeTerritory(canvas.territory);
+    Zone* zone = canvas.AddZone({100, 50});
+    QSignalSpy query(&canvas.view, &MainView::TerritorySelected);
+    canvas.Scene().ChangeMode(mode);
+    canvas.Modified() = false;
+    for (int i = 0; i < 2; ++i) {
+        canvas.Press({100, 50}, button);
+        canvas.Move({120, 60}, button);
+        canvas.Release({120, 60}, button);
+        canvas.DoubleClick({100, 50}, button);
+        canvas.Move({120, 60}, button);
+        canvas.Release({120, 60}, button);
+    }
+    QVERIFY(!canvas.TakeModified());
+    QCOMPARE(Area(*layer), 2500);
+    QCOMPARE(zone->pos(), QPointF(100, 50));
+    QCOMPARE(canvas.territory->Zones().size(), 1);
+    QVERIFY(query.isEmpty());
+}
+
+QTEST_MAIN(tst_ScenePainting)
+#include "tst_ScenePainting.moc"

@@ -1,0 +1,288 @@
+#include "canvas/MainScene.h"
+
+#include "canvas/CurrentLayerItem.h"
+#include "canvas/LayersItem.h"
+#include "canvas/OverlayItem.h"
+#include "tests/support/CanvasActions.h"
+#include "tests/support/CanvasFixture.h"
+#include "tests/support/LiteralCanvas.h"
+#include "tests/support/LogSpy.h"
+
+#include <QGraphicsScene>
+#include <QPainter>
+#include <QTest>
+
+#include <cmath>
+
+class tst_ScenePictures : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void LoadsTheWorldPicture();
+    void KeepsTheWorldPictureWhenAnotherCannotBeLoaded();
+    void KeepsTheWorldPictureWhenAnotherCannotBeScaled_data();
+    void KeepsTheWorldPictureWhenAnotherCannotBeScaled();
+    void OverlaysOpaqueColorsAtTheirOpacity();
+    void OverlaysColorsWithTheirAlpha();
+    void SetsTheOverlaysOpacity();
+    void ShowsAndHidesTheWorld();
+    void OverlayLooksLikeAPicture();
+    void ShowsTheFirstAddedLayerOnTop();
+    void ShowsLayersAtTheirOpacity();
+    void ShowsTheEditedLayerAtItsOpacity();
+    void HidesTheEditedLayer();
+    void IgnoresTheColorUntilTheNextLayerChange();
+};
+
+void tst_ScenePictures::LoadsTheWorldPicture()
+{
+    CanvasFixture canvas({6, 4});
+    QImage picture(3, 2, QImage::Format_RGB32);
+    picture.fill(Qt::blue);
+    picture.setPixelColor(1, 1, Qt::red);
+    const QString path = canvas.project.Path("world.png");
+    QVERIFY(picture.save(path));
+    canvas.Scene().ChangeWorldRGBA(QColor(0, 255, 0, 128));
+    LogSpy log;
+    canvas.Scene().ChangeWorld(path);
+    QVERIFY(log.Messages().isEmpty());
+    auto* world = ItemOf<QGraphicsPixmapItem>(canvas, WorldZ);
+    QVERIFY(!world->isVisible());
+    const QImage shown = world->pixmap().toImage();
+    QCOMPARE(shown.size(), QSize(6, 4));
+    for (int y = 0; y < 4; ++y) {
+        for (int x = 0; x < 6; ++x) {
+            const bool isRed = x / 2 == 1 && y / 2 == 1;
+            QCOMPARE(shown.pixelColor(x, y), QColor(isRed ? Qt::red : Qt::blue));
+        }
+    }
+    const QImage overlay = ItemOf<OverlayItem>(canvas, OverlayZ)->pixmap().toImage();
+    QCOMPARE(overlay.size(), QSize(6, 4));
+    QCOMPARE(overlay.pixelColor(5, 3), QColor(0, 255, 0));
+}
+
+void tst_ScenePictures::KeepsTheWorldPictureWhenAnotherCannotBeLoaded()
+{
+    CanvasFixture canvas({6, 4});
+    QImage picture(6, 4, QImage::Format_RGB32);
+    picture.fill(Qt::blue);
+    QVERIFY(picture.save(canvas.project.Path("world.png")));
+    canvas.Scene().ChangeWorld(canvas.project.Path("world.png"));
+    LogSpy log;
+    canvas.Scene().ChangeWorld("no %2 such.png");
+    canvas.Scene().ChangeWorld("");
+    QCOMPARE(log.Messages(),
+             QStringList({"Error: Could not load background image 'no %2 such.png'.",
+                          "Error: Could not load background image ''."}));
+    const auto* world = ItemOf<QGraphicsPixmapItem>(canvas, WorldZ);
+    QCOMPARE(world->pixmap().toImage().pixelColor(2, 2), QColor(Qt::blue));
+}
+
+void tst_ScenePictures::KeepsTheWorldPictureWhenAnotherCannotBeScaled_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("0x0") << QSize(0, 0);
+    QTest::newRow("-1x-1") << QSize(-1, -1);
+    QTest::newRow("5x0") << QSize(5, 0);
+}
+
+void tst_ScenePictures::KeepsTheWorldPictureWhenAnotherCannotBeScaled()
+{
+    QFETCH(QSize, size);
+    CanvasFixture canvas({6, 4});
+    QImage picture(6, 4, QImage::Format_RGB32);
+    picture.fill(Qt::blue);
+    const QString path = canvas.project.Path("world %1 %2.png");
+    QVERIFY(picture.save(path));
+    canvas.Scene().ChangeWorld(path);
+    ProjectSettings::Instance().SetSizes(size.width(), size.height(), 100, 100);
+    LogSpy log;
+    canvas.Scene().ChangeWorld(path);
+    QCOMPARE(log.Messages(), QStringList("Error: Could not scale background image '" + path +
+                                         "' to " + QTest::currentDataTag() + "."));
+    QCOMPARE(ItemOf<QGraphicsPixmapItem>(canvas, WorldZ)->pixmap().size(), QSize(6, 4));
+}
+
+void tst_ScenePictures::OverlaysOpaqueColorsAtTheirOpacity()
+{
+    CanvasFixture canvas;
+    ProjectSettings::Instance().backgroundColor = QColor(1, 2, 3, 4);
+    auto* overlay = ItemOf<OverlayItem>(canvas, OverlayZ);
+    const QColor color(10, 20, 30, 77);
+    canvas.Scene().ChangeWorldRGBA(color);
+    const QImage picture = overlay->pixmap().toImage();
+    QCOMPARE(picture.size(), QSize(200, 160));
+    QCOMPARE(picture.pixel(199, 159), qRgb(10, 20, 30));
+    QCOMPARE(overlay->opacity(), color.alphaF());
+    QCOMPARE(ProjectSettings::Instance().backgroundColor, QColor(1, 2, 3, 4));
+}
+
+void tst_ScenePictures::OverlaysColorsWithTheirAlpha()
+{
+    CanvasFixture canvas;
+    ProjectSettings::Instance().backgroundColor = QColor(1, 2, 3, 4);
+    auto* overlay = ItemOf<OverlayItem>(canvas, OverlayZ);
+    overlay->setOpacity(0.25);
+    canvas.Scene().ChangeWorldColor(QColor(200, 100, 50, 128));
+    QCOMPARE(ProjectSettings::Instance().backgroundColor, QColor(200, 100, 50, 4));
+    const QImage picture = overlay->pixmap().toImage();
+    QCOMPARE(picture.size(), QSize(200, 160));
+    QCOMPARE(qAlpha(picture.pixel(3, 3)), 128);
+    QCOMPARE(overlay->opacity(), 0.25);
+}
+
+void tst_ScenePictures::SetsTheOverlaysOpacity()
+{
+    CanvasFixture canvas;
+    ProjectSettings::Instance().backgroundColor = QColor(1, 2, 3, 4);
+    canvas.Scene().ChangeWorldColor(Qt::red);
+    canvas.Scene().ChangeWorldAlpha(99, 0.75F);
+    QCOMPARE(ProjectSettings::Instance().backgroundColor, QColor(255, 0, 0, 99));
+    auto* overlay = ItemOf<OverlayItem>(canvas, OverlayZ);
+    QCOMPARE(overlay->opacity(), 0.75);
+    QCOMPARE(overlay->pixmap().toImage().pixel(0, 0), qRgb(255, 0, 0));
+}
+
+void tst_ScenePictures::ShowsAndHidesTheWorld()
+{
+    CanvasFixture canvas;
+    for (const bool isVisible : {true, false, true}) {
+        canvas.Scene().ChangeWorldVisibility(isVisible);
+        for (const qreal z : {WorldZ, OverlayZ, LayersZ, CurrentZ}) {
+            QCOMPARE(canvas.ItemAt(z)->isVisible(), isVisible || z > OverlayZ);
+        }
+    }
+}
+
+void tst_ScenePictures::OverlayLooksLikeAPicture()
+{
+    const QSize size(200, 160);
+    for (const int alpha : {0, 1, 77, 128, 254, 255}) {
+        CanvasFixture canvas(size);
+        const QColor color(200, 100, 50, alpha);
+        canvas.Scene().ChangeWorldColor(color);
+        QGraphicsScene literalScene(canvas.Scene().sceneRect());
+        QImage picture(size, QImage::Format_ARGB32_Premultiplied);
+        picture.fill(color);
+        auto* item = literalScene.addPixmap(QPixmap::fromImage(picture));
+        for (const double opacity : {1.0, 0.3}) {
+            item->setOpacity(opacity);
+            canvas.ItemAt(OverlayZ)->setOpacity(opacity);
+            for (const double zoom : {0.25, 0.5, 1.0, 3.75}) {
+                QImage ours(100, 90, QImage::Format_ARGB32_Premultiplied);
+                ours.fill(Qt::white);
+                QImage theirs = ours;
+                QPainter painter(&ours);
+                canvas.Scene().render(&painter, QRectF(10, 10, 200 * zoom, 160 * zoom));
+                painter.end();
+                painter.begin(&theirs);
+                literalScene.render(&painter, QRectF(10, 10, 200 * zoom, 160 * zoom));
+                painter.end();
+                for (int y = 0; y < ours.height(); ++y) {
+                    for (int x = 0; x < ours.width(); ++x) {
+                        // Rounding may differ by one.
+                        const QColor a = ours.pixelColor(x, y);
+                        const QColor b = theirs.pixelColor(x, y);
+                        QVERIFY(std::abs(a.red() - b.red()) <= 1);
+                        QVERIFY(std::abs(a.blue() - b.blue()) <= 1);
+                    }
+                }
+            }
+        }
+    }
+}
+
+void tst_ScenePictures::ShowsTheFirstAddedLayerOnTop()
+{
+    CanvasFixture canvas;
+    Layer* red = canvas.AddLayer(Qt::red, {0, 0, 60, 60});
+    Layer* blue = canvas.AddLayer(Qt::blue, {30, 30, 60, 60});
+    canvas.Scene().AddLayer(red);
+    canvas.Scene().AddLayer(blue);
+    QImage shown = Shown(canvas.Scene(), {200, 160});
+    QCOMPARE(shown.pixelColor(10, 10), QColor(Qt::red));
+    QCOMPARE(shown.pixelColor(40, 40), QColor(Qt::red));
+    QCOMPARE(shown.pixelColor(70, 70), QColor(Qt::blue));
+    QCOMPARE(shown.pixelColor(120, 120), QColor(Qt::white));
+    canvas.Scene().ClearLayers();
+    QCOMPARE(Shown(canvas.Scene(), {200, 160}).pixelColor(40, 40), QColor(Qt::white));
+    canvas.Scene().AddLayer(blue);
+    canvas.Scene().AddLayer(red);
+    shown = Shown(canvas.Scene(), {200, 160});
+    QCOMPARE(shown.pixelColor(40, 40), QColor(Qt::blue));
+}
+
+void tst_ScenePictures::ShowsLayersAtTheirOpacity()
+{
+    CanvasFixture canvas;
+    QVector<literal::ShownLayer> shown;
+    for (const int alpha : {128, 255, 1, 77}) {
+        Layer* layer =
+            canvas.AddLayer(QColor(alpha, 100, 255 - alpha, alpha), {alpha / 3, 20, 90, 100});
+        canvas.Scene().AddLayer(layer);
+        const float opacity = static_cast<float>(alpha) / 255.0F;
+        shown.append({layer->Image(), layer->Color().rgb(), opacity});
+    }
+    const QImage picture = literal::Compose(shown, {200, 160});
+    QCOMPARE(ItemOf<LayersItem>(canvas, LayersZ)->pixmap().toImage(), picture);
+    QGraphicsScene literalScene(canvas.Scene().sceneRect());
+    literalScene.addPixmap(QPixmap::fromImage(picture));
+    QImage literalShown(200, 160, QImage::Format_ARGB32_Premultiplied);
+    literalShown.fill(Qt::white);
+    QPainter painter(&literalShown);
+    literalScene.render(&painter, literalScene.sceneRect(), literalScene.sceneRect());
+    painter.end();
+    QCOMPARE(Shown(canvas.Scene(), {200, 160}), literalShown);
+}
+
+void tst_ScenePictures::ShowsTheEditedLayerAtItsOpacity()
+{
+    CanvasFixture canvas;
+    Layer* layer = canvas.AddLayer(QColor(10, 200, 30, 128), {20, 20, 50, 50});
+    canvas.Scene().ChangeLayer(layer);
+    auto* current = ItemOf<CurrentLayerItem>(canvas, CurrentZ);
+    QCOMPARE(canvas.Scene().CurrentLayer(), layer);
+    QCOMPARE(current->opacity(), static_cast<qreal>(128.0F / 255.0F));
+    QCOMPARE(current->pixmap().toImage(), layer->Pixmap().toImage());
+    QCOMPARE(current->boundingRect(), QRectF(0, 0, 200, 160));
+    canvas.Scene().ChangeLayerAlpha(0.25F);
+    QCOMPARE(current->opacity(), 0.25);
+    QGraphicsScene literalScene(canvas.Scene().sceneRect());
+    literalScene.addPixmap(layer->Pixmap())->setOpacity(0.25);
+    QImage literalShown(200, 160, QImage::Format_ARGB32_Premultiplied);
+    literalShown.fill(Qt::white);
+    QPainter painter(&literalShown);
+    literalScene.render(&painter, literalScene.sceneRect(), literalScene.sceneRect());
+    painter.end();
+    QCOMPARE(Shown(canvas.Scene(), {200, 160}), literalShown);
+}
+
+void tst_ScenePictures::HidesTheEditedLayer()
+{
+    CanvasFixture canvas;
+    Layer* layer = canvas.AddLayer(Qt::red, {20, 20, 50, 50});
+    canvas.Scene().ChangeLayer(layer);
+    canvas.Scene().ClearCurrent();
+    auto* current = ItemOf<CurrentLayerItem>(canvas, CurrentZ);
+    QCOMPARE(current->opacity(), 0.0);
+    QCOMPARE(current->pixmap().toImage(), layer->Pixmap().toImage());
+    QCOMPARE(canvas.Scene().CurrentLayer(), layer);
+    QCOMPARE(Shown(canvas.Scene(), {200, 160}).pixelColor(30, 30), QColor(Qt::white));
+}
+
+void tst_ScenePictures::IgnoresTheColorUntilTheNextLayerChange()
+{
+    CanvasFixture canvas;
+    Layer* layer = canvas.AddLayer(Qt::red, {20, 20, 50, 50});
+    canvas.Scene().ChangeLayer(layer);
+    layer->SetColor(Qt::blue);
+    canvas.Scene().ChangeLayerColor(Qt::blue);
+    QCOMPARE(Shown(canvas.Scene(), {200, 160}).pixelColor(30, 30), QColor(Qt::red));
+    canvas.Scene().ChangeLayer(layer);
+    QCOMPARE(Shown(canvas.Scene(), {200, 160}).pixelColor(30, 30), QColor(Qt::blue));
+    QCOMPARE(Area(*layer), 2500);
+}
+
+QTEST_MAIN(tst_ScenePictures)
+#include "tst_ScenePictures.moc"
