@@ -2,6 +2,7 @@
 
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -10,13 +11,53 @@ namespace {
 constexpr int TileSize = 128;
 /// 64 MiB, the screens of several windows.
 constexpr int MaxTiles = 1024;
+/// Quarters of a pixel in both directions, as a screen at 125 % has them.
+constexpr std::size_t MaxPhases = 16;
 
 int TileAt(int pixel)
 {
     return static_cast<int>(std::floor(pixel / double(TileSize)));
 }
 
+QTransform WithoutTranslation(const QTransform& transform)
+{
+    return {transform.m11(), transform.m12(), transform.m21(), transform.m22(), 0, 0};
+}
+
 } // namespace
+
+TileCache::Phase& TileCache::PhaseFor(const QTransform& transform)
+{
+    if (!m_phases.empty() &&
+        WithoutTranslation(m_phases.front().transform) != WithoutTranslation(transform)) {
+        m_phases.clear();
+    }
+    const auto found =
+        std::find_if(m_phases.begin(), m_phases.end(),
+                     [&transform](const Phase& phase) { return phase.transform == transform; });
+    if (found == m_phases.end()) {
+        m_phases.insert(m_phases.begin(), {transform, {}});
+    } else {
+        std::rotate(m_phases.begin(), found, found + 1);
+    }
+    DropOldTiles();
+    return m_phases.front();
+}
+
+void TileCache::DropOldTiles()
+{
+    int count = 0;
+    for (std::size_t i = 0; i < m_phases.size(); ++i) {
+        count += m_phases[i].tiles.size();
+        if (i == MaxPhases || count > MaxTiles) {
+            // The one in use begins anew when it is too large by itself.
+            m_phases.resize(std::max<std::size_t>(i, 1));
+            if (i == 0) {
+                m_phases.front().tiles.clear();
+            }
+        }
+    }
+}
 
 void TileCache::Draw(QPainter& painter, const QRectF& exposed, const MakeDeviceImage& make)
 {
@@ -24,17 +65,14 @@ void TileCache::Draw(QPainter& painter, const QRectF& exposed, const MakeDeviceI
     const QPoint origin(static_cast<int>(std::floor(toDevice.dx())),
                         static_cast<int>(std::floor(toDevice.dy())));
     const QTransform transform = toDevice * QTransform::fromTranslate(-origin.x(), -origin.y());
-    if (transform != m_transform || m_tiles.size() > MaxTiles) {
-        m_tiles.clear();
-        m_transform = transform;
-    }
+    Phase& phase = PhaseFor(transform);
     const QRect device = transform.mapRect(exposed).toAlignedRect();
     painter.save();
     UseDevicePixels(painter);
     for (int row = TileAt(device.top()); row <= TileAt(device.bottom()); ++row) {
         for (int column = TileAt(device.left()); column <= TileAt(device.right()); ++column) {
             const QPoint topLeft(column * TileSize, row * TileSize);
-            QImage& tile = m_tiles[{column, row}];
+            QImage& tile = phase.tiles[{column, row}];
             if (tile.isNull()) {
                 tile = make(transform, {topLeft, QSize(TileSize, TileSize)});
             }

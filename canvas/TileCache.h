@@ -7,21 +7,36 @@
 #include <QPair>
 #include <QTransform>
 
+#include <vector>
+
 /// Keeps what an item shows on the screen as small images in device pixels, so that panning and
 /// repainting make only what was not shown before. They lie still with regard to the item, and are
 /// dropped when the scale changes and when they become many.
+///
+/// Where a screen has a fraction of a device pixel to each pixel, as at 125 %, scrolling moves the
+/// item by fractions too, and each fraction looks a little different. There are only a few, so each
+/// has tiles of its own.
 class TileCache
 {
 public:
     /// The item looks different.
-    void Clear() { m_tiles.clear(); }
+    void Clear() { m_phases.clear(); }
 
     /// Draws the exposed part of the item, given in its coordinates, and has missing tiles made.
     void Draw(QPainter& painter, const QRectF& exposed, const MakeDeviceImage& make);
 
 private:
-    /// Tiles by column and row.
-    QHash<QPair<int, int>, QImage> m_tiles;
-    /// The item's coordinates to device pixels, without whole pixels of translation.
-    QTransform m_transform;
+    struct Phase
+    {
+        /// The item's coordinates to device pixels, without whole pixels of translation.
+        QTransform transform;
+        /// By column and row.
+        QHash<QPair<int, int>, QImage> tiles;
+    };
+
+    Phase& PhaseFor(const QTransform& transform);
+    void DropOldTiles();
+
+    /// The one that was used last is the first.
+    std::vector<Phase> m_phases;
 };

@@ -3,6 +3,8 @@
 #include <QPainter>
 #include <QTest>
 
+#include <cmath>
+
 namespace {
 
 constexpr int TileSize = 128;
@@ -55,6 +57,9 @@ private slots:
     void MakesWhatIsExposedOnly();
     void PanningMakesWhatComesIntoView();
     void ReturningMakesNothing();
+    void KeepsTilesOfFractionsOfAPixel();
+    void KeepsTilesOfFewFractions();
+    void MixesNoFractions();
     void DropsTilesWhenTheItemChanges();
     void DropsTilesWhenTheScaleChanges();
     void DropsTilesWhenTheyBecomeMany();
@@ -96,6 +101,58 @@ void tst_TileCache::ReturningMakesNothing()
     screen.DrawAll(Scroll(0, 0));
     screen.DrawAll(Scroll(500, 300));
     QCOMPARE(screen.DrawAll(Scroll(0, 0)), 0);
+}
+
+void tst_TileCache::KeepsTilesOfFractionsOfAPixel()
+{
+    Screen screen;
+    for (int i = 0; i < 4; ++i) {
+        QVERIFY(screen.DrawAll(Scroll(i, i), 1.25) > 0);
+    }
+    for (int i = 4; i < 40; ++i) {
+        QCOMPARE(screen.DrawAll(Scroll(i, i), 1.25), 0);
+    }
+    for (int i = 40; i >= 0; --i) {
+        QCOMPARE(screen.DrawAll(Scroll(i, i), 1.25), 0);
+    }
+}
+
+void tst_TileCache::KeepsTilesOfFewFractions()
+{
+    Screen screen;
+    const auto draw = [&screen](double fraction) {
+        return screen.Draw(Scroll(fraction, 0), {20, 20, 10, 10});
+    };
+    for (int i = 0; i < 17; ++i) {
+        QCOMPARE(draw(i / 32.0), TileSize * TileSize);
+    }
+    // The first one was used least recently.
+    for (int i = 1; i < 17; ++i) {
+        QCOMPARE(draw(i / 32.0), 0);
+    }
+    QCOMPARE(draw(0), TileSize * TileSize);
+}
+
+/// Each fraction is shown by tiles that were made for it.
+void tst_TileCache::MixesNoFractions()
+{
+    TileCache cache;
+    for (int i = 0; i < 24; ++i) {
+        QImage image(64, 64, QImage::Format_ARGB32_Premultiplied);
+        QPainter painter(&image);
+        painter.setTransform(Scroll(i * 0.25, i / 4 * 0.5));
+        const QTransform now = painter.transform();
+        const auto green = [](double offset) {
+            return static_cast<int>((offset - std::floor(offset)) * 100);
+        };
+        cache.Draw(painter, {8, 8, 30, 30}, [&](const QTransform& toDevice, const QRect& device) {
+            QImage tile(device.size(), QImage::Format_ARGB32_Premultiplied);
+            tile.fill(QColor(green(toDevice.dx()), green(toDevice.dy()), 0));
+            return tile;
+        });
+        painter.end();
+        QCOMPARE(image.pixelColor(20, 20), QColor(green(now.dx()), green(now.dy()), 0));
+    }
 }
 
 void tst_TileCache::DropsTilesWhenTheItemChanges()
