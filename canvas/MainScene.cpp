@@ -267,6 +267,19 @@ void MainScene::EndStroke()
     }
 }
 
+void MainScene::LoseMouse()
+{
+    EndStroke();
+    // Without a release, zones would take the next press too, and be dragged from where this drag
+    // began. That of the left button would select the zone below.
+    QGraphicsSceneMouseEvent release(QEvent::GraphicsSceneMouseRelease);
+    release.setButton(Qt::MiddleButton);
+    release.setScenePos(m_mousePosition);
+    QGraphicsScene::mouseReleaseEvent(&release);
+    NoticeZoneDrag();
+    m_dragStart.clear();
+}
+
 void MainScene::mousePressEvent(QGraphicsSceneMouseEvent* event)
 {
     Press(event);
@@ -275,7 +288,9 @@ void MainScene::mousePressEvent(QGraphicsSceneMouseEvent* event)
 void MainScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
 {
     // Of two quick clicks the second comes as a double click; for all tools it is a click like any.
-    if (m_mode == SceneMode::Select) {
+    if (m_mode == SceneMode::Select && event->button() == Qt::LeftButton) {
+        // Of a drag whose release never came.
+        LoseMouse();
         QGraphicsScene::mouseDoubleClickEvent(event);
         BeginZoneDrag();
     } else {
@@ -327,6 +342,7 @@ void MainScene::PressInInsert(QPointF position)
 
 void MainScene::PressInSelect(QGraphicsSceneMouseEvent* event)
 {
+    LoseMouse();
     QGraphicsScene::mousePressEvent(event);
     BeginZoneDrag();
 }
@@ -372,17 +388,20 @@ void MainScene::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
 {
     EndStroke();
     QGraphicsScene::mouseReleaseEvent(event);
-    FinishZoneDrag();
+    NoticeZoneDrag();
+    // As long as a button is held the zones still follow the mouse.
+    if (event->buttons() == Qt::NoButton) {
+        m_dragStart.clear();
+    }
 }
 
-void MainScene::FinishZoneDrag()
+void MainScene::NoticeZoneDrag()
 {
     for (const auto& [zone, position] : qAsConst(m_dragStart)) {
         if (zone && zone->pos() != position) {
             ProjectSettings::Instance().modified = true;
         }
     }
-    m_dragStart.clear();
 }
 
 void MainScene::focusInEvent(QFocusEvent* event)

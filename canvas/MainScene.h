@@ -44,8 +44,11 @@ public:
     void EndPan();
     /// No world picture; the overlay stays.
     void ClearWorld();
-    /// Whatever else ends a stroke than its button: keys, a lost focus or mouse.
+    /// Whatever else ends a stroke than its button.
     void EndStroke();
+    /// The mouse is somebody else's now: strokes and drags end where they are, because their
+    /// release may never come.
+    void LoseMouse();
 
 signals:
     void ZoneSelected(QList<QGraphicsItem*> items);
@@ -106,7 +109,7 @@ private:
     void PaintStep(QPointF position);
     void AfterPainting(const QRect& changed, QPointF position);
     void BeginZoneDrag();
-    void FinishZoneDrag();
+    void NoticeZoneDrag();
 
     LayerPainter m_painter;
     MainView* m_view;

@@ -420,7 +420,23 @@ void MainView::focusOutEvent(QFocusEvent* event)
     // Releases that go elsewhere would leave keys held for good.
     HeldKeys::Instance().ReleaseAll();
     m_scene->EndPan();
-    m_scene->EndStroke();
     setDragMode(NoDrag);
+    LoseMouse();
     QGraphicsView::focusOutEvent(event);
+}
+
+bool MainView::viewportEvent(QEvent* event)
+{
+    const bool isLost = event->type() == QEvent::UngrabMouse || event->type() == QEvent::Hide ||
+                        (event->type() == QEvent::EnabledChange && !viewport()->isEnabled());
+    if (isLost) {
+        LoseMouse();
+    }
+    return QGraphicsView::viewportEvent(event);
+}
+
+void MainView::LoseMouse()
+{
+    m_band->hide();
+    m_scene->LoseMouse();
 }

@@ -60,6 +60,7 @@ protected:
     void enterEvent(QEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
 
 private:
     void BuildLayout();
@@ -73,6 +74,7 @@ private:
     void CopySelection();
     void Paste();
     void StartBand(QPoint position);
+    void LoseMouse();
     QPoint RulerMargin() const;
 
     std::unique_ptr<MainScene> m_scene;

@@ -4,6 +4,7 @@
 #include "tests/support/CanvasActions.h"
 #include "tests/support/CanvasFixture.h"
 
+#include <QMenu>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -184,7 +185,8 @@ void tst_ScenePainting::PaintsWhereTheBrushLeaves()
 void tst_ScenePainting::IsModifiedWhenAStrokeEnds_data()
 {
     QTest::addColumn<QString>("end");
-    for (const char* end : {"release", "second button", "space", "Ctrl+0", "lost focus"}) {
+    for (const char* end : {"release", "second button", "space", "Ctrl+0", "lost focus", "popup",
+                            "lost mouse", "hidden", "disabled"}) {
         QTest::newRow(end) << QString::fromLatin1(end);
     }
 }
@@ -193,7 +195,11 @@ void tst_ScenePainting::IsModifiedWhenAStrokeEnds()
 {
     QFETCH(QString, end);
     CanvasFixture canvas;
-    canvas.Edit(canvas.AddLayer(Qt::red));
+    Layer* layer = canvas.AddLayer(Qt::red);
+    QMenu menu;
+    menu.addAction("Hide all");
+    canvas.Edit(layer);
+    canvas.dock.SetSize(10);
     canvas.Press({50, 50});
     canvas.Move({60, 60});
     QVERIFY(!canvas.TakeModified());
@@ -205,11 +211,23 @@ void tst_ScenePainting::IsModifiedWhenAStrokeEnds()
         QTest::keyPress(&canvas.view, Qt::Key_Space);
     } else if (end == "Ctrl+0") {
         QTest::keyPress(&canvas.view, Qt::Key_0, Qt::ControlModifier);
+    } else if (end == "lost focus") {
+        canvas.view.clearFocus();
+    } else if (end == "popup") {
+        menu.popup({0, 0});
+    } else if (end == "lost mouse") {
+        QEvent event(QEvent::UngrabMouse);
+        QCoreApplication::sendEvent(canvas.view.viewport(), &event);
+    } else if (end == "hidden") {
+        canvas.view.hide();
     } else {
-        QFocusEvent event(QEvent::FocusOut);
-        QCoreApplication::sendEvent(&canvas.view, &event);
+        canvas.view.setEnabled(false);
     }
     QVERIFY(canvas.TakeModified());
+    canvas.Move({120, 120});
+    QVERIFY(!IsSet(*layer, 100, 100));
+    menu.close();
+    canvas.view.setEnabled(true);
     QTest::keyRelease(&canvas.view, Qt::Key_Space);
     canvas.Release({60, 60});
     QVERIFY(!canvas.TakeModified());

@@ -22,6 +22,9 @@ private slots:
     void SelectsAndMovesZones();
     void IsModifiedWhenADragEndsElsewhere_data();
     void IsModifiedWhenADragEndsElsewhere();
+    void LosesZonesWithTheMouse();
+    void NoticesADragWhoseReleaseIsMissing();
+    void RightDoubleClicksLeaveTheSelection();
     void AsksForTheTerritoryBeforeItSelects();
     void SelectsWhatTheAnswerUnlocks();
     void StandsAnAnswerThatDestroysTheZone();
@@ -147,6 +150,9 @@ void tst_SceneZones::IsModifiedWhenADragEndsElsewhere_data()
     QTest::newRow("double click") << "double" << true;
     QTest::newRow("beside the zones") << "beside" << false;
     QTest::newRow("the mode changes meanwhile") << "mode" << true;
+    QTest::newRow("a second button meanwhile") << "second button" << true;
+    QTest::newRow("the mouse is lost meanwhile") << "lost mouse" << true;
+    QTest::newRow("the focus is lost meanwhile") << "lost focus" << true;
 }
 
 void tst_SceneZones::IsModifiedWhenADragEndsElsewhere()
@@ -180,6 +186,22 @@ void tst_SceneZones::IsModifiedWhenADragEndsElsewhere()
         canvas.Release({60, 70});
     } else if (drag == "beside") {
         canvas.Drag({90, 20}, {95, 25});
+    } else if (drag == "second button") {
+        canvas.Press({50, 50});
+        canvas.Press({50, 50}, Qt::RightButton);
+        canvas.Mouse(QEvent::MouseButtonRelease, canvas.At({50, 50}), Qt::RightButton,
+                     Qt::LeftButton);
+        canvas.Move({60, 70});
+        canvas.Release({60, 70});
+    } else if (drag == "lost mouse") {
+        canvas.Press({50, 50});
+        canvas.Move({60, 70});
+        QEvent event(QEvent::UngrabMouse);
+        QCoreApplication::sendEvent(canvas.view.viewport(), &event);
+    } else if (drag == "lost focus") {
+        canvas.Press({50, 50});
+        canvas.Move({60, 70});
+        canvas.view.clearFocus();
     } else {
         canvas.Press({50, 50});
         canvas.Move({60, 70});
@@ -188,6 +210,59 @@ void tst_SceneZones::IsModifiedWhenADragEndsElsewhere()
     }
     QTEST(canvas.TakeModified(), "isModified");
     QTEST(zone->pos() != QPointF(50, 50), "isModified");
+}
+
+void tst_SceneZones::LosesZonesWithTheMouse()
+{
+    CanvasFixture canvas;
+    Zone* zone = canvas.AddZone({50, 50});
+    Zone* other = canvas.AddZone({120, 100});
+    canvas.Scene().ChangeMode(SceneMode::Select);
+    canvas.Press({50, 50});
+    canvas.Move({60, 70});
+    QEvent event(QEvent::UngrabMouse);
+    QCoreApplication::sendEvent(canvas.view.viewport(), &event);
+    canvas.Move({90, 90});
+    QCOMPARE(zone->pos(), QPointF(60, 70));
+    QCOMPARE(canvas.Scene().mouseGrabberItem(), nullptr);
+    canvas.Modified() = false;
+    // The next press is for what lies below it.
+    canvas.Drag({120, 100}, {130, 110});
+    QCOMPARE(zone->pos(), QPointF(60, 70));
+    QCOMPARE(other->pos(), QPointF(130, 110));
+    QVERIFY(canvas.TakeModified());
+}
+
+void tst_SceneZones::NoticesADragWhoseReleaseIsMissing()
+{
+    CanvasFixture canvas;
+    Zone* zone = canvas.AddZone({50, 50});
+    Zone* other = canvas.AddZone({120, 100});
+    canvas.Scene().ChangeMode(SceneMode::Select);
+    canvas.Press({50, 50});
+    canvas.Move({60, 70});
+    canvas.Modified() = false;
+    canvas.Press({120, 100});
+    QVERIFY(canvas.TakeModified());
+    canvas.Move({130, 110});
+    canvas.Release({130, 110});
+    QCOMPARE(zone->pos(), QPointF(60, 70));
+    QCOMPARE(other->pos(), QPointF(130, 110));
+}
+
+void tst_SceneZones::RightDoubleClicksLeaveTheSelection()
+{
+    CanvasFixture canvas;
+    Zone* zone = canvas.AddZone({50, 50});
+    zone->setSelected(true);
+    canvas.Scene().ChangeMode(SceneMode::Select);
+    for (const QPointF place : {QPointF(50, 50), QPointF(150, 20)}) {
+        canvas.Click(place, Qt::RightButton);
+        canvas.DoubleClick(place, Qt::RightButton);
+        QCOMPARE(canvas.Scene().mouseGrabberItem(), nullptr);
+        canvas.Release(place, Qt::RightButton);
+        QVERIFY(zone->isSelected());
+    }
 }
 
 void tst_SceneZones::AsksForTheTerritoryBeforeItSelects()

@@ -27,6 +27,8 @@ private slots:
     void BandKeepsItsOwnCorner();
     void BandFollowsTheMouse();
     void BandStartsOnADoubleClickToo();
+    void LosesTheBandWithTheMouse_data();
+    void LosesTheBandWithTheMouse();
     void NoBandWhileAZoneIsSelected();
     void NoBandInOtherModes();
 };
@@ -288,6 +290,38 @@ void tst_ViewSelection::BandStartsOnADoubleClickToo()
     QVERIFY(Band(canvas.view)->isVisible());
     canvas.Mouse(QEvent::MouseButtonRelease, {20, 20}, Qt::LeftButton, Qt::NoButton);
     QVERIFY(Band(canvas.view)->isHidden());
+}
+
+void tst_ViewSelection::LosesTheBandWithTheMouse_data()
+{
+    QTest::addColumn<QString>("loss");
+    for (const char* loss : {"mouse", "focus", "hidden"}) {
+        QTest::newRow(loss) << QString::fromLatin1(loss);
+    }
+}
+
+void tst_ViewSelection::LosesTheBandWithTheMouse()
+{
+    QFETCH(QString, loss);
+    CanvasFixture canvas;
+    const Zone* zone = canvas.AddZone({100, 80}, 30);
+    canvas.Scene().ChangeMode(SceneMode::Select);
+    canvas.Press({10, 10});
+    canvas.Move({150, 150});
+    QVERIFY(Band(canvas.view)->isVisible());
+    if (loss == "mouse") {
+        QEvent event(QEvent::UngrabMouse);
+        QCoreApplication::sendEvent(canvas.view.viewport(), &event);
+    } else if (loss == "focus") {
+        canvas.view.clearFocus();
+    } else {
+        canvas.view.hide();
+        canvas.view.show();
+    }
+    QVERIFY(Band(canvas.view)->isHidden());
+    canvas.Move({160, 150}, Qt::NoButton);
+    canvas.Release({160, 150});
+    QVERIFY(!zone->isSelected());
 }
 
 void tst_ViewSelection::NoBandWhileAZoneIsSelected()
