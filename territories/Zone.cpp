@@ -65,6 +65,29 @@ const QPen& OutlinePen(int grey)
     return pens[static_cast<std::size_t>(grey)];
 }
 
+/// Icons are as wide as their zone's radius, up to their own width, and may leave the painter
+/// scaled.
+void DrawIcon(QPainter& painter, int usage, qreal radius)
+{
+    const QPixmap icon = ZoneIcons::Icon(usage);
+    if (icon.isNull()) {
+        return;
+    }
+    const qreal scale = qBound(0.05, radius / icon.width(), 1.0);
+    painter.scale(scale, scale);
+    const QRect place(Truncated(-icon.width() * 0.5), Truncated(-icon.height() * 0.5), icon.width(),
+                      icon.height());
+    const bool isEnlarged = painter.deviceTransform().m11() > 1;
+    const QPixmap dense = isEnlarged ? ZoneIcons::DenseIcon(usage) : QPixmap();
+    if (dense.isNull()) {
+        painter.drawPixmap(place.topLeft(), icon);
+        return;
+    }
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, true);
+    painter.drawPixmap(place, dense);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
+}
+
 /// World metres as files hold them: six significant digits of a 32-bit number.
 QString MetresText(double metres)
 {
@@ -236,13 +259,7 @@ void Zone::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWid
     painter->setBrush(m_color);
     painter->drawEllipse(rect().center(), radius, radius);
 
-    const QPixmap icon = ZoneIcons::Icon(m_usage);
-    if (icon.isNull()) {
-        return;
-    }
-    const qreal scale = qBound(0.05, radius / icon.width(), 1.0);
-    painter->scale(scale, scale);
-    painter->drawPixmap(Truncated(-icon.width() * 0.5), Truncated(-icon.height() * 0.5), icon);
+    DrawIcon(*painter, m_usage, radius);
 }
 
 void Zone::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* /*event*/) {}

@@ -10,4 +10,6 @@ public:
     static void Load();
     /// Empty for a usage without an icon, and before Load.
     static QPixmap Icon(int usage);
+    /// The same picture with more pixels, for dense screens and large zooms; likewise.
+    static QPixmap DenseIcon(int usage);
 };

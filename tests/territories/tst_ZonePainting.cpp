@@ -28,6 +28,21 @@ QImage Picture(Zone& zone, QStyle::State state = QStyle::State_None)
     return image;
 }
 
+/// The middle of the zone, which is as large as an icon, on a screen of twice the density.
+QImage EnlargedPicture(Zone& zone)
+{
+    const int size = ZoneIcons::Icon(zone.GetUsage()).width();
+    QImage image(2 * size, 2 * size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.scale(2, 2);
+    painter.translate(size / 2, size / 2);
+    const QStyleOptionGraphicsItem option;
+    zone.paint(&painter, &option, nullptr);
+    const bool isSmooth = painter.testRenderHint(QPainter::SmoothPixmapTransform);
+    return isSmooth ? QImage() : image;
+}
+
 /// The colour at a place that counts from the middle.
 QRgb ColorAt(const QImage& image, int x, int y)
 {
@@ -74,6 +89,8 @@ private slots:
     void SelectionLiesBelowTheCircle();
     void IconIsScaledAndCentred_data();
     void IconIsScaledAndCentred();
+    void EnlargedIconsHaveMorePixels();
+    void EnlargedIconsNeedNotHaveMorePixels();
     void MissingIconLeavesTheCircle();
     void AnySizeCanBePainted_data();
     void AnySizeCanBePainted();
@@ -263,6 +280,27 @@ void tst_ZonePainting::IconIsScaledAndCentred()
     }
     zone.SetUsage(usage);
     QCOMPARE(Picture(zone), expected);
+}
+
+void tst_ZonePainting::EnlargedIconsHaveMorePixels()
+{
+    QImage dense(":/zone/rest@2x");
+    dense.setDevicePixelRatio(1);
+    QCOMPARE(dense.width(), 2 * ZoneIcons::Icon(Zone::Rest).width());
+    Zone zone(TransparentTerritory(), 100.0F);
+    zone.SetUsage(Zone::Rest);
+    const QImage shown = EnlargedPicture(zone);
+    QCOMPARE(shown, dense.convertToFormat(QImage::Format_ARGB32_Premultiplied));
+}
+
+void tst_ZonePainting::EnlargedIconsNeedNotHaveMorePixels()
+{
+    const QPixmap icon = ZoneIcons::Icon(Zone::Graze);
+    QVERIFY(ZoneIcons::DenseIcon(Zone::Graze).isNull());
+    Zone zone(TransparentTerritory(), 100.0F);
+    zone.SetUsage(Zone::Graze);
+    const QImage enlarged = icon.toImage().scaled(2 * icon.size());
+    QCOMPARE(EnlargedPicture(zone), enlarged.convertToFormat(QImage::Format_ARGB32_Premultiplied));
 }
 
 void tst_ZonePainting::MissingIconLeavesTheCircle()
