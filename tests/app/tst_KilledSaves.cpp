@@ -91,7 +91,7 @@ void tst_KilledSaves::EachFileIsWhollyTheOldOrTheNewOne()
     int interrupted = 0;
     for (int i = 0; i < kills; ++i) {
         // It ends at once when what the last one left cannot be loaded.
-        KillOnce(folder.path(), random.Below(700));
+        KillOnce(folder.path(), 1 + random.Below(700));
 
         const QMap<QString, QByteArray> left = Finished(folder.path(), project.keys());
         bool hasOld = false;

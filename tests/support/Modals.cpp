@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QTest>
 
@@ -19,7 +20,7 @@ void Click(QWidget& dialog, const QString& text)
     const QList<QAbstractButton*> buttons = dialog.findChildren<QAbstractButton*>();
     for (QAbstractButton* button : buttons) {
         if (button->isVisible() && button->text().remove(QLatin1Char('&')) == text) {
-            QTest::mouseClick(button, Qt::LeftButton);
+            button->click();
             return;
         }
     }
@@ -56,7 +57,10 @@ void ModalAnswers::AddFile(const QString& path)
     Add([path](QWidget& dialog) {
         auto* fileDialog = qobject_cast<QFileDialog*>(&dialog);
         QVERIFY(fileDialog);
-        fileDialog->selectFile(fileDialog->directory().absoluteFilePath(path));
+        const QString file = fileDialog->directory().absoluteFilePath(path);
+        fileDialog->selectFile(file);
+        // Selecting it leaves the name alone where its field has the focus.
+        fileDialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(file);
         static_cast<QDialog*>(fileDialog)->accept();
     });
 }

@@ -253,17 +253,17 @@ void tst_DialogCustomLayerStates::GivesTheFocusBack()
 {
     m->Execute(nullptr, [&] {
         m->WaitIdle();
-        QVERIFY(m->Child("cboOperation")->hasFocus());
+        QTRY_VERIFY(m->Child("cboOperation")->hasFocus());
         QTest::keyClick(m->dialog->focusWidget(), Qt::Key_End);
         m->WaitIdle();
-        QVERIFY(m->Child("cboOperation")->hasFocus());
+        QTRY_VERIFY(m->Child("cboOperation")->hasFocus());
         m->Key("spnRadius", Qt::Key_Return);
         m->WaitIdle();
-        QVERIFY(m->Child("spnRadius")->hasFocus());
+        QTRY_VERIFY(m->Child("spnRadius")->hasFocus());
         // Leaving it asks for a preview too; the focus goes on all the same.
         QTest::keyClick(m->Child("spnRadius"), Qt::Key_Tab);
         m->WaitIdle();
-        QVERIFY(m->Child("cboInputA")->hasFocus());
+        QTRY_VERIFY(m->Child("cboInputA")->hasFocus());
         m->Click("btnCancel");
     });
 }
@@ -277,7 +277,7 @@ void tst_DialogCustomLayerStates::LeavesTheWheelToTheFocus()
         m->WaitIdle();
         for (const char* control : {"cboOperation", "spnRadius", "cboInputA", "cboInputB"}) {
             Turn(m->Child(control));
-            QVERIFY(m->Child("txtOutputName")->hasFocus());
+            QTRY_VERIFY(m->Child("txtOutputName")->hasFocus());
         }
         QCOMPARE(m->previews->size(), count);
         QCOMPARE(m->Child<QSpinBox>("spnRadius")->value(), 25);
