@@ -85,8 +85,7 @@ void QuillmapWindow::ConnectTerritories()
     connect(scene, &MainScene::ZoneInserted, m_terTypeProps.get(),
             &DockTerTypeProps::ApplyToNewZone);
     // update() has overloads that a pointer would have to be told apart from.
-    connect(m_terTypeProps.get(), SIGNAL(Changed(QRectF)), scene,
-            SLOT(update(QRectF)));
+    connect(m_terTypeProps.get(), SIGNAL(Changed(QRectF)), scene, SLOT(update(QRectF)));
 }
 
 void QuillmapWindow::ConnectMap()
