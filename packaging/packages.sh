@@ -28,12 +28,12 @@ ensure_packages() {
 }
 
 # build_preset PRESET [TARGET...]
-# Configures and builds quietly; shows what the tools said when they fail.
+# Configures and builds quietly; shows what the tools said when they fail, about all files.
 build_preset() {
   local preset=$1 log
   shift
   log=$(mktemp)
-  if ! { cmake --preset "$preset" && cmake --build --preset "$preset" ${1:+--target "$@"}; } \
+  if ! { cmake --preset "$preset" && cmake --build --preset "$preset" ${1:+--target "$@"} -- -k 0; } \
     >"$log" 2>&1; then
     cat "$log" >&2
     rm -f "$log"

@@ -79,7 +79,8 @@ void tst_KilledSaves::EachFileIsWhollyTheOldOrTheNewOne()
     const int wanted = qEnvironmentVariableIntValue("QUILLMAP_KILLS", &isSet);
     const int kills = isSet ? wanted : 25;
     QMap<QString, QByteArray> project = FilesBelow(QUILLMAP_EXAMPLE_FOLDER);
-    for (const QString& name : project.keys()) {
+    const QStringList names = project.keys();
+    for (const QString& name : names) {
         if (!name.endsWith(".tga") && name != "highlands.xml") {
             project.remove(name);
         }

@@ -116,7 +116,7 @@ void tst_DialogCustomLayerModal::AddsALayer()
 
     QCOMPARE(result, int(QDialog::Accepted));
     QCOMPARE(m->list.Layers().size(), 3);
-    QCOMPARE(m->list.Layers().last(), m->created);
+    QCOMPARE(m->list.Layers().constLast(), m->created);
     QVERIFY(m->created);
     QCOMPARE(m->created->text(), "made");
     QCOMPARE(m->created->Code(), m->Code(code));
@@ -324,7 +324,7 @@ void tst_DialogCustomLayerModal::ForgetsALayerThatGoes()
     m->Execute(nullptr, [&] {
         m->WaitIdle();
         m->dialog->FinalizeLayerComputation(m->first->Image());
-        QCOMPARE(m->dialog->CreatedLayer(), m->list.Layers().last());
+        QCOMPARE(m->dialog->CreatedLayer(), m->list.Layers().constLast());
         m->list.RemoveLayer(m->dialog->CreatedLayer()->Id());
         QCOMPARE(m->dialog->CreatedLayer(), nullptr);
     });

@@ -20,9 +20,10 @@
 
 namespace {
 
-const QString Discard = "Load configuration: This action will remove all current data. All unsaved "
-                        "work will be lost.\n\nAre you sure you want to load a different "
-                        "configuration?";
+const char* const Discard =
+    "Load configuration: This action will remove all current data. All unsaved "
+    "work will be lost.\n\nAre you sure you want to load a different "
+    "configuration?";
 
 LayerList& Layers(const WindowFixture& fixture)
 {
@@ -339,7 +340,7 @@ void tst_WindowLoading::OpensTheProjectOfTheCommandLine()
 
     fixture.Restart(path);
 
-    QCOMPARE(fixture.log.Take().last(),
+    QCOMPARE(fixture.log.Take().constLast(),
              "Info: Project opened for viewing. Load it (Ctrl+O) to edit.");
     QCOMPARE(fixture.window->windowTitle(), "small - Tarvo Ledger Tool");
     QCOMPARE(Layers(fixture).Layers().size(), 2);
@@ -365,7 +366,7 @@ void tst_WindowLoading::RefusesToCloseWhileItLoads()
     fixture.Trigger("actionLoad");
 
     QVERIFY(!wasClosed);
-    QCOMPARE(fixture.answers.Asked().last(),
+    QCOMPARE(fixture.answers.Asked().constLast(),
              "Load in progress: Configuration file is now being loaded. Application cannot be "
              "closed right now.");
     QVERIFY(fixture.window->isVisible());

@@ -17,9 +17,9 @@
 
 namespace {
 
-const QString Discard = ": This action will remove all current data. All unsaved work will be "
-                        "lost.\n\nAre you sure you "
-                        "want to continue?";
+const char* const Discard = ": This action will remove all current data. All unsaved work will be "
+                            "lost.\n\nAre you sure you "
+                            "want to continue?";
 
 LayerList& Layers(const WindowFixture& fixture)
 {
@@ -263,7 +263,7 @@ void tst_WindowSaving::AsksBeforeANewProject()
     fixture.Trigger("actionNew");
 
     QCOMPARE(fixture.answers.Asked().size(), questions);
-    QCOMPARE(fixture.answers.Asked().first(), "New project" + Discard);
+    QCOMPARE(fixture.answers.Asked().constFirst(), QString("New project") + Discard);
     QVERIFY(fixture.Modified());
 }
 
@@ -319,7 +319,7 @@ void tst_WindowSaving::AsksBeforeItImportsAMap()
 
     fixture.Trigger("actionImportMap");
 
-    QCOMPARE(fixture.answers.Asked().last(), "Import area map" + Discard);
+    QCOMPARE(fixture.answers.Asked().constLast(), QString("Import area map") + Discard);
     QCOMPARE(Layers(fixture).Layers().size(), 2);
 }
 
