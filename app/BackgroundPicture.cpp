@@ -10,6 +10,8 @@
 
 #include <cstdio>
 
+#include <unistd.h>
+
 namespace {
 
 bool CopyBytes(QFile& from, QFile& to)
@@ -21,7 +23,7 @@ bool CopyBytes(QFile& from, QFile& to)
             return false;
         }
     }
-    return to.flush();
+    return to.flush() && fsync(to.handle()) == 0;
 }
 
 /// Copies under another name first, so that at no time half a picture stands at the place.

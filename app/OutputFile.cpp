@@ -22,9 +22,7 @@ std::unique_ptr<QFileDevice> MakeDevice(const QString& path)
     if (IsWrittenInPlace(path)) {
         return std::make_unique<QFile>(path);
     }
-    auto file = std::make_unique<QSaveFile>(path);
-    file->setDirectWriteFallback(true);
-    return file;
+    return std::make_unique<QSaveFile>(path);
 }
 
 /// Opening a pipe that nobody reads would wait for a reader, maybe for ever; here it fails. Writing

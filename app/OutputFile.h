@@ -6,9 +6,9 @@
 #include <memory>
 
 /// A file being written that takes its target's place only as a whole: until Commit succeeds, and
-/// whenever anything failed, the old file stays as it was. Where the target exists and is no
-/// regular file (a device, a pipe), or its folder takes no new file, it is written in place: a
-/// failure then leaves a file that is cut off, and the old content is lost.
+/// whenever anything failed, the old file stays as it was. So a file in a folder that takes no new
+/// file cannot be written. A target that exists and is no regular file (a device, a pipe) is
+/// written in place.
 class OutputFile
 {
 public:

@@ -1,6 +1,6 @@
 #include "ui/InputBlock.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDialog>
 #include <QEvent>
 
@@ -11,6 +11,10 @@ InputBlock::InputBlock()
 
 bool InputBlock::eventFilter(QObject* watched, QEvent* event)
 {
+    if (event->type() == QEvent::Shortcut) {
+        // It goes to its action, not to a widget.
+        return !qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    }
     const auto* widget = qobject_cast<const QWidget*>(watched);
     if (!widget || qobject_cast<const QDialog*>(widget->window())) {
         return false;
@@ -21,7 +25,6 @@ bool InputBlock::eventFilter(QObject* watched, QEvent* event)
     case QEvent::MouseMove:
     case QEvent::Wheel:
     case QEvent::KeyPress:
-    case QEvent::Shortcut:
     case QEvent::ShortcutOverride:
     case QEvent::ContextMenu:
     case QEvent::InputMethod:

@@ -17,6 +17,8 @@ void InteractionModes::ShowPaintMode(bool isOn)
     m_parts.brush.setVisible(isOn);
     EnableZoomLabels();
     m_parts.scene.clearSelection();
+    // Else the space bar, once released, would bring back the mode that is left here.
+    m_parts.scene.EndPan();
     m_parts.scene.ChangeMode(SceneMode::None);
 }
 

@@ -64,6 +64,12 @@ void LeaveOldPlace(const QDir& folder)
     settings.projectDir = folder;
 }
 
+/// Opening a pipe would wait for a writer, maybe for ever.
+bool OpenRegular(QFile& file)
+{
+    return QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly | QIODevice::Text);
+}
+
 void LogNotRead(const QString& name)
 {
     LogError(QStringLiteral("Failed to open file '%1' for reading.").arg(name));
@@ -135,13 +141,10 @@ void ProjectActions::Create(const DialogNewProject& dialog)
     Settings().modified = !isSaved;
 }
 
-void ProjectActions::StartWith(const QString& configPath)
+bool ProjectActions::StartWith(const QString& configPath)
 {
-    const QFileInfo file(configPath);
-    Settings().projectFileName = file.fileName();
-    Settings().projectDir = file.absoluteDir();
-    m_isStartUp = true;
-    Load();
+    m_startUpPath = configPath;
+    return Load();
 }
 
 /// False when the user does not want to load after all.
@@ -151,10 +154,10 @@ bool ProjectActions::AskForProject()
                     QStringLiteral("load a different configuration"))) {
         return false;
     }
-    if (m_isStartUp) {
-        return true;
-    }
-    const QString path = AskForFile(&m_parts.window, FilePurpose::LoadProject);
+    const QString path = m_startUpPath.isEmpty()
+                             ? AskForFile(&m_parts.window, FilePurpose::LoadProject)
+                             : m_startUpPath;
+    m_startUpPath.clear();
     if (path.isEmpty()) {
         return false;
     }
@@ -164,45 +167,50 @@ bool ProjectActions::AskForProject()
     return true;
 }
 
-void ProjectActions::Load()
+bool ProjectActions::Load()
 {
     if (IsBusy()) {
-        return;
+        return false;
     }
     const QString oldName = Settings().projectFileName;
     const QDir oldDir = Settings().projectDir;
     m_composition.Clear();
     if (!AskForProject()) {
         m_composition.Fill();
-        return;
+        return false;
     }
-    m_isStartUp = false;
     const Busy loading(*this, Work::Loading);
     QFile file(Settings().ProjectFilePath());
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    if (!OpenRegular(file)) {
         const QString name = Settings().projectFileName;
         Settings().projectFileName = oldName;
         Settings().projectDir = oldDir;
         m_composition.Fill();
         LogNotRead(name);
-        return;
+        return false;
     }
     Settings().projectName = QFileInfo(file).baseName();
     m_parts.window.SetTitle(Settings().projectName);
-    ReadFrom(file);
+    return ReadFrom(file);
 }
 
-void ProjectActions::ReadFrom(QFile& file)
+bool ProjectActions::ReadFrom(QFile& file)
 {
+    const bool wasModified = Settings().modified;
     BeginReplacing();
     ProjectReader reader(file);
     m_reader = &reader;
     const bool isRead =
+        !m_isStopped &&
         reader.Read({[this](QXmlStreamReader& xml) { m_parts.brush.GetBrush()->ReadXml(xml); },
                      [this](QXmlStreamReader& xml) { return m_parts.layers.ReadXml(xml); },
                      [this](QXmlStreamReader& xml) { return m_parts.terTypes.Read(xml); }});
     m_reader = nullptr;
+    if (!isRead) {
+        Settings().modified = wasModified;
+    }
     Finalize(isRead, isRead ? reader.SelectedRow() : -1);
+    return isRead;
 }
 
 /// Empties what the file about to be read replaces, and shows that work is under way.
@@ -212,7 +220,6 @@ void ProjectActions::BeginReplacing()
     EmptyLists();
     EnableEditing(false);
     m_parts.view.setEnabled(false);
-    m_parts.terTypes.ResetModeButtons();
     m_parts.status.SetProgressVisible(true);
     m_parts.status.SetBusy();
 }
@@ -220,6 +227,7 @@ void ProjectActions::BeginReplacing()
 void ProjectActions::EmptyLists()
 {
     m_modes.Reset();
+    m_parts.terTypes.ResetModeButtons();
     m_parts.terTypes.ClearSelection();
     m_composition.SetCurrent(nullptr);
     m_parts.scene.ChangeLayer(nullptr);
@@ -235,9 +243,7 @@ void ProjectActions::Finalize(bool isSuccessful, int selected)
     m_parts.layerProps.Refresh();
     m_parts.status.SetProgressVisible(false);
     EnableEditing(true);
-    // The sizes are those of the file even where the rest of it could not be read.
-    m_parts.view.SetSceneSize(Settings().layerWidth, Settings().layerHeight);
-    m_parts.scene.ClearWorld();
+    ShowWorld();
     if (isSuccessful) {
         ShowProject(selected);
         return;
@@ -249,15 +255,23 @@ void ProjectActions::Finalize(bool isSuccessful, int selected)
     }
 }
 
-void ProjectActions::ShowProject(int selected)
+/// Sizes and background are those of the file even where the rest of it could not be read.
+void ProjectActions::ShowWorld()
 {
     MainScene& scene = m_parts.scene;
+    m_parts.view.SetSceneSize(Settings().layerWidth, Settings().layerHeight);
+    scene.ClearWorld();
     scene.ClearLayers();
     if (!Settings().backgroundFile.isEmpty()) {
         scene.ChangeWorld(Settings().BackgroundPath());
     }
     scene.ChangeWorldRGBA(Settings().backgroundColor);
     m_parts.form.gboBgOver->SetColor(Settings().backgroundColor);
+    m_parts.window.UpdateWorldScale();
+}
+
+void ProjectActions::ShowProject(int selected)
+{
     if (Layer* layer = m_parts.layers.SelectRow(selected)) {
         m_parts.brush.SetPaintColor(layer->Color().rgb());
         m_composition.SetCurrent(layer);
@@ -271,7 +285,6 @@ void ProjectActions::ShowProject(int selected)
     m_composition.Fill();
     m_parts.layers.UpdateHideAll();
     m_composition.Recompose();
-    m_parts.window.UpdateWorldScale();
     Settings().modified = false;
 }
 
@@ -288,6 +301,10 @@ void ProjectActions::EnableEditing(bool isEnabled)
         widget->setEnabled(isEnabled);
     }
     m_parts.view.setInteractive(isEnabled);
+    if (!isEnabled) {
+        // Selecting a layer enables it again.
+        m_parts.layerProps.setEnabled(false);
+    }
     if (isEnabled) {
         m_parts.window.addAction(form.actionTogglePaintMode);
     } else {
@@ -354,6 +371,9 @@ void ProjectActions::ExportTypes(bool checkedOnly)
 
 void ProjectActions::LoadWorldImage()
 {
+    if (IsBusy()) {
+        return;
+    }
     const QString path = AskForFile(&m_parts.window, FilePurpose::BackgroundPicture);
     if (!path.isEmpty()) {
         LoadWorldImageFile(path);
@@ -363,7 +383,8 @@ void ProjectActions::LoadWorldImage()
 
 void ProjectActions::LoadWorldImageFile(const QString& path)
 {
-    Settings().backgroundFile = Settings().projectDir.relativeFilePath(path);
+    Settings().backgroundFile =
+        Settings().projectDir.relativeFilePath(QFileInfo(path).absoluteFilePath());
     m_parts.scene.ChangeWorld(Settings().BackgroundPath());
 }
 
@@ -388,17 +409,16 @@ void ProjectActions::ImportAreaTypes()
 
 bool ProjectActions::LoadAreaTypesFile(const QString& path)
 {
+    const Busy loading(*this, Work::Loading);
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        LogNotRead(path);
+    if (!OpenRegular(file)) {
+        LogNotRead(QFileInfo(path).absoluteFilePath());
         return false;
     }
-    const AreaFlagTypes oldTypes = Settings().areaFlagTypes;
-    if (!Settings().areaFlagTypes.ReadFile(path)) {
-        Settings().areaFlagTypes = oldTypes;
-        return true;
+    if (Settings().areaFlagTypes.ReadFile(path)) {
+        m_parts.layers.List()->ResetFlags();
     }
-    m_parts.layers.List()->ResetFlags();
+    // Of a malformed file the types before the fault are taken over.
     m_parts.layerProps.Refresh();
     Settings().modified = true;
     return true;
@@ -419,7 +439,7 @@ void ProjectActions::ImportAreaMap()
     }
     const Busy loading(*this, Work::Loading);
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    if (!OpenRegular(file)) {
         m_composition.Fill();
         LogNotRead(path);
         return;
@@ -434,7 +454,18 @@ void ProjectActions::ReadMap(QFile& file)
     Settings().projectName = QFileInfo(file).baseName();
     m_parts.window.SetTitle(Settings().projectName);
     BeginReplacing();
-    const bool isRead = m_parts.layers.List()->ImportMap(file);
+    const ProjectSettings& settings = Settings();
+    const QSize layerSize(settings.layerWidth, settings.layerHeight);
+    const QSize worldSize(settings.worldWidth, settings.worldHeight);
+    const bool isRead = !m_isStopped && m_parts.layers.List()->ImportMap(file);
+    if (isRead) {
+        Settings().SetSizes(settings.layerWidth, settings.layerHeight, settings.worldWidth,
+                            settings.worldHeight);
+    } else {
+        // What is no map gives no sizes either.
+        Settings().SetSizes(layerSize.width(), layerSize.height(), worldSize.width(),
+                            worldSize.height());
+    }
     if (!isRead && !m_isStopped) {
         LogError(QStringLiteral("Reading map file failed."));
     }

@@ -22,8 +22,8 @@ public:
                    InteractionModes& modes);
 
     void New();
-    /// Asks for the file unless the window was started with one.
-    void Load();
+    /// Asks for the file unless the window was started with one. Whether a project is open then.
+    bool Load();
     bool Save();
     bool SaveTo(const QString& path);
     void SaveAll();
@@ -42,8 +42,8 @@ public:
     /// Enables what only an open project gives a meaning.
     void EnableEditing(bool isEnabled);
 
-    /// Takes the file for the next Load, which does not ask then.
-    void StartWith(const QString& configPath);
+    /// Loads the file without asking for it.
+    bool StartWith(const QString& configPath);
     bool IsSaving() const { return m_work == Work::Saving; }
     /// Makes a load that is under way end early, for a window that was closed meanwhile.
     void StopLoading();
@@ -61,17 +61,18 @@ private:
 
     void Create(const DialogNewProject& dialog);
     bool AskForProject();
-    void ReadFrom(QFile& file);
+    bool ReadFrom(QFile& file);
     void ReadMap(QFile& file);
     void BeginReplacing();
     void EmptyLists();
+    void ShowWorld();
     void ShowProject(int selected);
 
     EditorParts m_parts;
     LayerComposition& m_composition;
     InteractionModes& m_modes;
     ProjectReader* m_reader = nullptr;
-    bool m_isStartUp = false;
+    QString m_startUpPath;
     Work m_work = Work::None;
     bool m_isStopped = false;
 };

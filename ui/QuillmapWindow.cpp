@@ -123,8 +123,7 @@ void QuillmapWindow::FitScreen()
 /// dialogs start.
 void QuillmapWindow::OpenForViewing(const QString& configPath)
 {
-    m_project->StartWith(configPath);
-    if (!ProjectSettings::Instance().projectName.isEmpty()) {
+    if (m_project->StartWith(configPath)) {
         LogInfo(QStringLiteral("Project opened for viewing. Load it (Ctrl+O) to edit."));
     }
 }

@@ -1,12 +1,17 @@
 #include "tests/support/FailingDisk.h"
 
+#include <QFile>
+
 #include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 
 #include <fcntl.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -53,4 +58,35 @@ RenamesFail::RenamesFail()
 RenamesFail::~RenamesFail()
 {
     doRenamesFail = false;
+}
+
+ReadOnlyFolder::ReadOnlyFolder(const QString& path)
+    : m_path(QFile::encodeName(path))
+    , m_userBefore(geteuid())
+{
+    constexpr uid_t nobody = 65534;
+    if (chmod(m_path.constData(), 0555) != 0 || (m_userBefore == 0 && seteuid(nobody) != 0)) {
+        qFatal("Cannot make a folder read-only.");
+    }
+}
+
+ReadOnlyFolder::~ReadOnlyFolder()
+{
+    if (seteuid(m_userBefore) != 0 || chmod(m_path.constData(), 0700) != 0) {
+        qFatal("Cannot make a folder writable again.");
+    }
+}
+
+SmallDisk::SmallDisk(const QString& folder, int byteCount)
+    : m_folder(QFile::encodeName(folder))
+{
+    const QByteArray options = "size=" + QByteArray::number(byteCount);
+    m_isThere = mount("tmpfs", m_folder.constData(), "tmpfs", 0, options.constData()) == 0;
+}
+
+SmallDisk::~SmallDisk()
+{
+    if (m_isThere) {
+        umount2(m_folder.constData(), MNT_DETACH);
+    }
 }

@@ -56,7 +56,7 @@ void ModalAnswers::AddFile(const QString& path)
 {
     Add([path](QWidget& dialog) {
         auto* fileDialog = qobject_cast<QFileDialog*>(&dialog);
-        QVERIFY(fileDialog);
+        QVERIFY2(fileDialog, qPrintable(Question(dialog)));
         const QString file = fileDialog->directory().absoluteFilePath(path);
         fileDialog->selectFile(file);
         // Selecting it leaves the name alone where its field has the focus.
@@ -85,8 +85,9 @@ void ModalAnswers::AnswerOne()
     }
     m_answered = dialog;
     m_asked.append(Question(*dialog));
-    if (m_next < m_answers.size()) {
-        m_answers[m_next++](*dialog);
+    const bool hasOwnAnswer = m_next < m_answers.size();
+    if (hasOwnAnswer || m_otherwise) {
+        (hasOwnAnswer ? m_answers[m_next++] : m_otherwise)(*dialog);
         // A dialog may stay open and be answered again.
         m_answered = nullptr;
         return;

@@ -26,6 +26,8 @@ public:
     /// Types the path into a file dialog and accepts it.
     void AddFile(const QString& path);
     void AddCancel();
+    /// Answers every dialog for which there is no answer of its own.
+    void SetOtherwise(const Answer& answer) { m_otherwise = answer; }
 
     /// What was asked so far: "title: text" of message boxes, "title" of other dialogs.
     QStringList Asked() const { return m_asked; }
@@ -35,6 +37,7 @@ private:
 
     QTimer m_timer;
     std::vector<Answer> m_answers;
+    Answer m_otherwise;
     size_t m_next = 0;
     QPointer<QWidget> m_answered;
     QStringList m_asked;

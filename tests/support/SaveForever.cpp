@@ -16,6 +16,10 @@
 
 #include <cstdio>
 
+#include <csignal>
+
+#include <sys/prctl.h>
+
 namespace {
 
 void TurnInsideOut(const LayerList& layers)
@@ -32,6 +36,8 @@ void TurnInsideOut(const LayerList& layers)
 
 int main(int argc, char* argv[])
 {
+    // Whoever started it may be killed itself.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
     const QCoreApplication application(argc, argv);
     const QString path = QCoreApplication::arguments().value(1);
     const int saves = QCoreApplication::arguments().value(2).toInt();

@@ -71,6 +71,7 @@ private slots:
     void PaintsTheCurrentLayer();
     void PaintModeIsLeft_data();
     void PaintModeIsLeft();
+    void PaintModeThatWasLeftWhilePanningStaysLeft();
     void ShowsCheckedLayers();
     void SelectingALayerMakesItCurrent();
     void RemovingTheCurrentLayerTakesTheNext();
@@ -165,6 +166,20 @@ void tst_WindowEditing::PaintModeIsLeft()
 
     QVERIFY(!editor.IsPaintShown());
     QVERIFY(editor.Scene().Mode() != SceneMode::Paint);
+}
+
+void tst_WindowEditing::PaintModeThatWasLeftWhilePanningStaysLeft()
+{
+    Editor editor;
+    editor.Trigger("actionTogglePaintMode");
+    QTest::keyPress(&editor.View(), Qt::Key_Space);
+    QCOMPARE(editor.Scene().Mode(), SceneMode::Pan);
+
+    editor.Trigger("actionTogglePaintMode");
+    QTest::keyRelease(&editor.View(), Qt::Key_Space);
+
+    QVERIFY(!editor.IsPaintShown());
+    QCOMPARE(editor.Scene().Mode(), SceneMode::None);
 }
 
 void tst_WindowEditing::ShowsCheckedLayers()

@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QSlider>
 #include <QTest>
 #include <QTreeView>
 
@@ -76,6 +77,7 @@ private slots:
     void AMissingFileLeavesAllAsItWas();
     void AMalformedProjectLeavesNothing_data();
     void AMalformedProjectLeavesNothing();
+    void AFailedLoadShowsTheBackgroundThatItRead();
     void OldFlagBoxesGo();
     void AnOldBackgroundGoes();
     void OpensTheProjectOfTheCommandLine();
@@ -287,6 +289,26 @@ void tst_WindowLoading::AMalformedProjectLeavesNothing()
         QVERIFY(fixture.Action("actionSave")->isEnabled());
         QVERIFY(fixture.Child<QWidget>("pgrStatus")->isHidden());
     }
+}
+
+void tst_WindowLoading::AFailedLoadShowsTheBackgroundThatItRead()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Load(path);
+    QByteArray document = ReadBytes(path);
+    document.replace("rgba=\"16777215\"", "rgba=\"3355443455\"");
+    document.truncate(document.indexOf("</layers>"));
+    WriteBytes(path, document);
+    fixture.Modified() = true;
+    fixture.answers.AddButton("Yes");
+
+    fixture.Load(path);
+
+    QVERIFY(fixture.log.Take().contains("Error: Failed to parse input."));
+    QCOMPARE(ProjectSettings::Instance().backgroundColor.rgba(), 3355443455U);
+    QCOMPARE(fixture.Child<QGroupBox>("gboBgOver")->findChild<QSlider*>()->value(), 200);
+    QVERIFY(fixture.Modified());
 }
 
 void tst_WindowLoading::OldFlagBoxesGo()

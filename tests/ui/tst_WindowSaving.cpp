@@ -7,13 +7,17 @@
 #include "ui/DialogNewProject.h"
 #include "ui/DockLayers.h"
 
+#include <QAbstractButton>
 #include <QCheckBox>
 #include <QGroupBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSettings>
 #include <QSpinBox>
 #include <QTest>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -64,12 +68,14 @@ private slots:
     void AnUnreadableMapLeavesAllAsItWas();
     void ImportsFlagTypes_data();
     void ImportsFlagTypes();
-    void MalformedFlagTypesLeaveThoseThatWere();
+    void MalformedFlagTypesGiveThoseBeforeTheFault();
     void LoadsABackground();
     void ClosesWithoutAQuestion();
     void AsksBeforeItCloses_data();
     void AsksBeforeItCloses();
     void ClosesAfterARunningSave();
+    void ShortcutsWaitForTheEndOfASave();
+    void WaitsForNoPipe();
 };
 
 void tst_WindowSaving::SavesWhatItLoaded()
@@ -197,6 +203,9 @@ void tst_WindowSaving::BeginsANewProject()
 {
     WindowFixture fixture;
     fixture.Load(fixture.WriteProject());
+    auto* query = fixture.Child<QAbstractButton>("btnToggleQueryTer");
+    query->click();
+    QVERIFY(query->isChecked());
     QImage picture(4, 4, QImage::Format_RGB32);
     picture.fill(Qt::magenta);
     QVERIFY(picture.save(fixture.Path("small/world.png")));
@@ -219,6 +228,7 @@ void tst_WindowSaving::BeginsANewProject()
     QCOMPARE(settings.backgroundFile, "world.png");
     QVERIFY(QFile::exists(fixture.Path("fresh/world.png")));
     QVERIFY(!settings.modified);
+    QVERIFY(!query->isChecked());
     QVERIFY(!fixture.Action("actionTogglePaintMode")->isEnabled());
     QVERIFY(!fixture.Child<QWidget>("btnHideAll")->isEnabled());
     QCOMPARE(fixture.Child<QGroupBox>("gboLayerUsageFlags")->findChildren<QCheckBox*>().size(), 1);
@@ -295,8 +305,13 @@ void tst_WindowSaving::ImportsAMap()
     const QString map = fixture.Path("small/map/small.map");
     QVERIFY(QFile::copy(map, fixture.Path("world.old.map")));
 
+    // The map is of a world twice as large.
+    ProjectSettings::Instance().SetSizes(64, 64, 1280, 1280);
+
     fixture.TriggerWithFile("actionImportMap", fixture.Path("world.old.map"));
 
+    QCOMPARE(ProjectSettings::Instance().worldWidth, 640);
+    QCOMPARE(fixture.Child<QLabel>("lblWorldScaleX")->text(), "X: 1 px = 10 m");
     QCOMPARE(fixture.window->windowTitle(), "world - Tarvo Ledger Tool");
     QStringList names;
     const QVector<Layer*> layers = Layers(fixture).Layers();
@@ -379,7 +394,7 @@ void tst_WindowSaving::ImportsFlagTypes()
     QCOMPARE(fixture.Modified(), isImported);
 }
 
-void tst_WindowSaving::MalformedFlagTypesLeaveThoseThatWere()
+void tst_WindowSaving::MalformedFlagTypesGiveThoseBeforeTheFault()
 {
     WindowFixture fixture;
     fixture.Load(fixture.WriteProject());
@@ -387,8 +402,10 @@ void tst_WindowSaving::MalformedFlagTypesLeaveThoseThatWere()
 
     fixture.window->LoadAreaTypesFile(fixture.Path("types.xml"));
 
-    QCOMPARE(ProjectSettings::Instance().areaFlagTypes.usages, (QVector<QString>{"Town", "Farm"}));
+    QCOMPARE(ProjectSettings::Instance().areaFlagTypes.usages, (QVector<QString>{"A"}));
+    QCOMPARE(fixture.Child<QGroupBox>("gboLayerUsageFlags")->findChildren<QCheckBox*>().size(), 1);
     QCOMPARE(Layers(fixture).LayerAt(1)->UsageFlags(), 2U);
+    QVERIFY(fixture.Modified());
     fixture.log.Take();
     QVERIFY(!fixture.window->LoadAreaTypesFile(fixture.Path("none.xml")));
     QCOMPARE(
@@ -478,6 +495,51 @@ void tst_WindowSaving::ClosesAfterARunningSave()
     QCOMPARE(fixture.answers.Asked(), (QStringList{"Load", "Save",
                                                    "Save: small.xml already exists.\nDo you want "
                                                    "to replace it?"}));
+}
+
+void tst_WindowSaving::ShortcutsWaitForTheEndOfASave()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Load(path);
+    fixture.window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(fixture.window.get()));
+    const auto press = [&fixture](Qt::Key key) {
+        QTest::keyClick(fixture.window->windowHandle(), key, Qt::ControlModifier);
+    };
+    int pressed = 0;
+    QObject context;
+    connect(&Log::Instance(), &Log::MessageReceived, &context, [&](const QString& line) {
+        if (line.contains("Saving project")) {
+            ++pressed;
+            press(Qt::Key_P);
+            press(Qt::Key_B);
+        }
+    });
+
+    QVERIFY(fixture.window->SaveProjectFile(path));
+
+    QCOMPARE(pressed, 1);
+    QCOMPARE(fixture.Scene().Mode(), SceneMode::None);
+    QCOMPARE(fixture.answers.Asked(), QStringList{"Load"});
+    press(Qt::Key_P);
+    QCOMPARE(fixture.Scene().Mode(), SceneMode::Paint);
+}
+
+void tst_WindowSaving::WaitsForNoPipe()
+{
+    WindowFixture fixture;
+    const QString pipe = fixture.Path("pipe.xml");
+    QCOMPARE(mkfifo(qPrintable(pipe), 0600), 0);
+    const QStringList error{QString("Error: Failed to open file '%1' for reading.").arg(pipe)};
+
+    fixture.log.Take();
+    QVERIFY(!fixture.window->LoadAreaTypesFile(pipe));
+    QCOMPARE(fixture.log.Take(), error);
+
+    fixture.Restart(pipe);
+    QCOMPARE(fixture.log.Take(), QStringList{"Error: Failed to open file 'pipe.xml' for reading."});
+    QCOMPARE(ProjectSettings::Instance().projectFileName, QString());
 }
 
 QTEST_MAIN(tst_WindowSaving)

@@ -1,0 +1,196 @@
+#include "app/ProjectDocument.h"
+#include "app/ProjectFile.h"
+#include "app/ProjectSettings.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "layers/raster/Mask.h"
+#include "territories/Territory.h"
+#include "territories/TerritoryType.h"
+#include "territories/TerritoryTypeList.h"
+#include "territories/Zone.h"
+#include "tests/support/FailingDisk.h"
+#include "tests/support/Files.h"
+#include "tests/support/LogSpy.h"
+#include "tests/support/ProjectFixture.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <random>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr int Side = 64;
+
+/// A project whose folder is small enough to be filled. Its two states differ in every file.
+class Project
+{
+public:
+    Project() { Build(1); }
+
+    void Build(quint32 state)
+    {
+        ProjectSettings::Instance().areaFlagTypes.usages = {"Town", "Farm"};
+        layers.Clear();
+        types.Clear();
+        std::mt19937 random(state);
+        for (const char* name : {"first", "second"}) {
+            QImage mask = raster::BlankMask({Side, Side});
+            for (int y = 0; y < Side; ++y) {
+                uchar* line = mask.scanLine(y);
+                std::generate(line, line + Side,
+                              [&random] { return random() % 2 == 0 ? uchar(0) : uchar(255); });
+            }
+            auto layer = std::make_unique<Layer>(1, 0, &layers, QLatin1String(name));
+            layer->SetImage(mask, Qt::red);
+            layer->SetUsageFlags(state);
+            layers.AddLayer(std::move(layer));
+        }
+        auto* type = new TerritoryType(QStringLiteral("Deer"));
+        types.AddType(type);
+        auto* territory = new Territory(QStringLiteral("in state %1").arg(state));
+        territory->AddZone(new Zone(territory, 100.0F * static_cast<float>(state)));
+        type->AddTerritory(territory);
+        ProjectSettings::Instance().modified = true;
+    }
+
+    QString Folder() const { return m_fixture.Path({}); }
+    QMap<QString, QByteArray> Files() const
+    {
+        QMap<QString, QByteArray> files = FilesBelow(Folder());
+        files.remove(QStringLiteral("filler"));
+        return files;
+    }
+
+    bool SaveDocument()
+    {
+        return SaveProjectTo(m_fixture.Path("p.xml"), {0, {}, {}, layers, types});
+    }
+    bool SaveMap() { return layers.SaveMap(ProjectSettings::Instance().MapPath()); }
+    bool ExportTypes() { return types.ExportAll(); }
+    void SaveAll()
+    {
+        QVERIFY(SaveDocument());
+        QVERIFY(SaveMap());
+        QVERIFY(ExportTypes());
+    }
+
+    LayerList layers;
+    TerritoryTypeList types;
+    LogSpy log;
+
+private:
+    ProjectFixture m_fixture{{Side, Side}, {Side, Side}};
+};
+
+using Fault = std::function<std::shared_ptr<void>(const QString& folder)>;
+
+/// Puts a disk without room for more beneath the project's files.
+std::shared_ptr<void> FillDisk(const QString& folder)
+{
+    constexpr int diskSize = 128 * 1024;
+    const QMap<QString, QByteArray> files = FilesBelow(folder);
+    auto disk = std::make_shared<SmallDisk>(folder, diskSize);
+    [&] { QVERIFY2(disk->IsThere(), "Only root can make a small disk."); }();
+    for (auto it = files.begin(); it != files.end(); ++it) {
+        if (!it.key().endsWith('/')) {
+            WriteBytes(folder + '/' + it.key(), it.value());
+        }
+    }
+    QFile filler(folder + "/filler");
+    [&] { QVERIFY(filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered)); }();
+    while (filler.write(QByteArray(1024, 'x')) == 1024) {}
+    return disk;
+}
+
+std::shared_ptr<void> MakeReadOnly(const QString& folder)
+{
+    for (const char* name : {"/layers", "/map", "/territoryTypes"}) {
+        [&] { QVERIFY(QFile::setPermissions(folder + name, QFile::Permissions(0x5555))); }();
+    }
+    return std::make_shared<ReadOnlyFolder>(folder);
+}
+
+std::shared_ptr<void> RemoveFolder(const QString& folder)
+{
+    [&] { QVERIFY(QDir(folder).removeRecursively()); }();
+    return {};
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Fault)
+
+/// Whatever goes wrong while files are written: each is wholly the old one or wholly the new one,
+/// nothing temporary is left, and the caller learns of it.
+class tst_WriteFaults : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void LeaveWholeFiles_data();
+    void LeaveWholeFiles();
+};
+
+void tst_WriteFaults::LeaveWholeFiles_data()
+{
+    QTest::addColumn<Fault>("fault");
+
+    // Elsewhere than in a container of its own a test may not be allowed to.
+    if (geteuid() == 0) {
+        QTest::newRow("full disk") << Fault(FillDisk);
+    }
+    QTest::newRow("read-only folders") << Fault(MakeReadOnly);
+    QTest::newRow("folder that is gone") << Fault(RemoveFolder);
+    QTest::newRow("write cut short")
+        << Fault([](const QString&) { return std::make_shared<FileSizeLimit>(150); });
+    QTest::newRow("finished files that cannot be put in place")
+        << Fault([](const QString&) { return std::make_shared<RenamesFail>(); });
+}
+
+void tst_WriteFaults::LeaveWholeFiles()
+{
+    QFETCH(Fault, fault);
+    QMap<QString, QByteArray> after;
+    {
+        Project unharmed;
+        unharmed.Build(2);
+        unharmed.SaveAll();
+        after = unharmed.Files();
+    }
+    Project project;
+    project.SaveAll();
+    const QMap<QString, QByteArray> before = project.Files();
+    for (auto it = before.begin(); it != before.end(); ++it) {
+        QVERIFY2(it.key().endsWith('/') || it.value() != after[it.key()], qPrintable(it.key()));
+    }
+    project.Build(2);
+    project.log.Take();
+
+    const std::shared_ptr<void> harm = fault(project.Folder());
+    const bool isSaved = project.SaveDocument();
+    const bool isMapSaved = project.SaveMap();
+    const bool isExported = project.ExportTypes();
+
+    const QStringList log = project.log.Messages();
+    QVERIFY2(!isSaved && log.contains("Error: Failed to open file 'p.xml' for writing."),
+             qPrintable(log.join('\n')));
+    QVERIFY(ProjectSettings::Instance().modified);
+    const QMap<QString, QByteArray> left = project.Files();
+    for (auto it = left.begin(); it != left.end(); ++it) {
+        QVERIFY2(before.contains(it.key()), qPrintable("Left behind: " + it.key()));
+        QVERIFY2(it.value() == before[it.key()] || it.value() == after[it.key()],
+                 qPrintable("Neither old nor new: " + it.key()));
+    }
+    QCOMPARE(left.value("map/p.map") == after["map/p.map"], isMapSaved);
+    QCOMPARE(left.value("territoryTypes/Deer.xml") == after["territoryTypes/Deer.xml"], isExported);
+}
+
+QTEST_MAIN(tst_WriteFaults)
+#include "tst_WriteFaults.moc"

@@ -1,0 +1,617 @@
+#include "tests/support/RandomUser.h"
+
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "territories/Territory.h"
+#include "territories/TerritoryType.h"
+#include "territories/TerritoryTypeList.h"
+#include "territories/Zone.h"
+#include "tests/support/Drags.h"
+#include "tests/support/Files.h"
+#include "ui/DockLayers.h"
+#include "ui/DockTerTypes.h"
+#include "ui/FileDialogs.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QCheckBox>
+#include <QColorDialog>
+#include <QComboBox>
+#include <QDialog>
+#include <QDockWidget>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QSlider>
+#include <QSpinBox>
+#include <QTest>
+
+#include <numeric>
+
+namespace {
+
+const char* const GoodFiles[] = {"first/first.xml", "second/second.xml"};
+
+bool operator==(const SpawnCounts& a, const SpawnCounts& b)
+{
+    return a.staticMin == b.staticMin && a.staticMax == b.staticMax &&
+           a.dynamicMin == b.dynamicMin && a.dynamicMax == b.dynamicMax;
+}
+
+} // namespace
+
+RandomUser::RandomUser()
+{
+    WriteProject(QStringLiteral("first"));
+    WriteProject(QStringLiteral("second"));
+    const QByteArray good = ReadBytes(Path(QLatin1String(GoodFiles[0])));
+    WriteBytes(Path(QStringLiteral("first/cut.xml")), good.left(good.size() * 2 / 3));
+    WriteBytes(Path(QStringLiteral("first/small.xml")),
+               QByteArray(good).replace("layer size=\"64\"", "layer size=\"48\""));
+    WriteBytes(Path(QStringLiteral("first/empty.xml")), {});
+    WriteBytes(Path(QStringLiteral("areas.xml")),
+               R"(<areas><usages><usage name="Town"/><usage name="Farm"/></usages>
+                  <values><value name="Rich"/></values></areas>)");
+    WriteBytes(Path(QStringLiteral("cut-areas.xml")), R"(<areas><usages><usage name="Town"/>)");
+    QImage picture(16, 16, QImage::Format_RGB32);
+    picture.fill(Qt::darkGreen);
+    picture.save(Path(QStringLiteral("world.png")));
+    WriteBytes(Path(QStringLiteral("text.png")), "no picture");
+    WriteBytes(Path(QStringLiteral("junk.map")), QByteArray(100, 'x'));
+    answers.SetOtherwise([this](QWidget& dialog) { Answer(dialog); });
+}
+
+LayerList& RandomUser::Layers() const
+{
+    return *Child<DockLayers>("DockLayers")->List();
+}
+
+TerritoryTypeList& RandomUser::Types() const
+{
+    return *Child<DockTerTypes>("DockTerTypes")->List();
+}
+
+const std::vector<RandomUser::Deed>& RandomUser::Deeds()
+{
+    static const std::vector<Deed> deeds{
+        {"stroke", 200, &RandomUser::Stroke},
+        {"broken stroke", 30, &RandomUser::BreakStroke},
+        {"click on the map", 100, &RandomUser::ClickMap},
+        {"drag on the map", 60, &RandomUser::DragOnMap},
+        {"double click on the map", 20, &RandomUser::DoubleClickMap},
+        {"wheel", 50, &RandomUser::TurnWheel},
+        {"key", 150, &RandomUser::PressKey},
+        {"paint mode", 40, &RandomUser::PaintMode},
+        {"button", 100, &RandomUser::ClickButton},
+        {"row", 120, &RandomUser::ClickRow},
+        {"dragged layer", 15, &RandomUser::DragLayer},
+        {"row action", 40, &RandomUser::TriggerRowAction},
+        {"rename", 20, &RandomUser::RenameInPlace},
+        {"flag", 30, &RandomUser::LayerFlag},
+        {"slider", 30, &RandomUser::MoveSlider},
+        {"zone values", 60, &RandomUser::EditZone},
+        {"project action", 12, &RandomUser::ProjectAction},
+        {"export", 4, &RandomUser::ExportAction},
+        {"view action", 15, &RandomUser::ViewAction},
+        {"resize", 5, &RandomUser::Resize},
+        {"leave", 10, &RandomUser::LeaveWindow},
+        {"close", 3, &RandomUser::CloseWindow},
+    };
+    return deeds;
+}
+
+QString RandomUser::Act()
+{
+    const std::vector<Deed>& deeds = Deeds();
+    const int sum = std::accumulate(deeds.begin(), deeds.end(), 0,
+                                    [](int all, const Deed& deed) { return all + deed.weight; });
+    int drawn = m_random.Below(sum);
+    auto deed = deeds.begin();
+    while (drawn >= deed->weight) {
+        drawn -= deed->weight;
+        ++deed;
+    }
+    (this->*deed->act)();
+    QCoreApplication::processEvents();
+    log.Take();
+    return QLatin1String(deed->name);
+}
+
+void RandomUser::Mouse(QEvent::Type type, QPoint position, Qt::MouseButton button,
+                       Qt::MouseButtons buttons)
+{
+    QWidget* viewport = View().viewport();
+    if (!viewport->isEnabled() || !viewport->isVisible()) {
+        return;
+    }
+    QMouseEvent event(type, position, viewport->mapToGlobal(position), button, buttons,
+                      m_random.Below(8) == 0 ? Qt::ControlModifier : Qt::NoModifier);
+    QApplication::sendEvent(viewport, &event);
+}
+
+QPoint RandomUser::SomewhereOnMap()
+{
+    // Mostly on the layers, sometimes beside them.
+    const int side = ProjectSettings::Instance().layerWidth;
+    const int margin = m_random.Below(4) == 0 ? 40 : 0;
+    return View().mapFromScene(QPointF(m_random.Between(-margin, side + margin),
+                                       m_random.Between(-margin, side + margin)));
+}
+
+void RandomUser::Stroke()
+{
+    const Qt::MouseButton button = m_random.Below(3) == 0 ? Qt::RightButton : Qt::LeftButton;
+    QPoint position = SomewhereOnMap();
+    Mouse(QEvent::MouseMove, position, Qt::NoButton, Qt::NoButton);
+    Mouse(QEvent::MouseButtonPress, position, button, button);
+    for (int moves = m_random.Below(4); moves > 0; --moves) {
+        position = SomewhereOnMap();
+        Mouse(QEvent::MouseMove, position, Qt::NoButton, button);
+    }
+    Mouse(QEvent::MouseButtonRelease, position, button, Qt::NoButton);
+}
+
+void RandomUser::BreakStroke()
+{
+    Mouse(QEvent::MouseButtonPress, SomewhereOnMap(), Qt::LeftButton, Qt::LeftButton);
+    Mouse(QEvent::MouseMove, SomewhereOnMap(), Qt::NoButton, Qt::LeftButton);
+    switch (m_random.Below(4)) {
+    case 0:
+        Mouse(QEvent::MouseButtonPress, SomewhereOnMap(), Qt::RightButton,
+              Qt::LeftButton | Qt::RightButton);
+        break;
+    case 1:
+        ClickRow();
+        break;
+    case 2:
+        PressKey();
+        break;
+    default:
+        break;
+    }
+    if (m_random.Below(2) == 0) {
+        Mouse(QEvent::MouseButtonRelease, SomewhereOnMap(), Qt::LeftButton, Qt::NoButton);
+    }
+}
+
+void RandomUser::ClickMap()
+{
+    const QPoint position = SomewhereOnMap();
+    Mouse(QEvent::MouseMove, position, Qt::NoButton, Qt::NoButton);
+    Mouse(QEvent::MouseButtonPress, position, Qt::LeftButton, Qt::LeftButton);
+    Mouse(QEvent::MouseButtonRelease, position, Qt::LeftButton, Qt::NoButton);
+}
+
+void RandomUser::DragOnMap()
+{
+    Mouse(QEvent::MouseButtonPress, SomewhereOnMap(), Qt::LeftButton, Qt::LeftButton);
+    const QPoint end = SomewhereOnMap();
+    Mouse(QEvent::MouseMove, end, Qt::NoButton, Qt::LeftButton);
+    Mouse(QEvent::MouseButtonRelease, end, Qt::LeftButton, Qt::NoButton);
+}
+
+void RandomUser::DoubleClickMap()
+{
+    const QPoint position = SomewhereOnMap();
+    Mouse(QEvent::MouseButtonDblClick, position, Qt::LeftButton, Qt::LeftButton);
+    Mouse(QEvent::MouseButtonRelease, position, Qt::LeftButton, Qt::NoButton);
+}
+
+void RandomUser::TurnWheel()
+{
+    QWidget* viewport = View().viewport();
+    const QPoint position = SomewhereOnMap();
+    const QPoint turn(0, m_random.Below(2) == 0 ? 120 : -120);
+    QWheelEvent event(position, viewport->mapToGlobal(position), {}, turn, Qt::NoButton,
+                      m_random.Below(4) == 0 ? Qt::NoModifier : Qt::ControlModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(viewport, &event);
+}
+
+void RandomUser::PressKey()
+{
+    static const int keys[] = {Qt::Key_Space,       Qt::Key_0,
+                               Qt::Key_A,           Qt::Key_D,
+                               Qt::Key_Q,           Qt::Key_S,
+                               Qt::Key_C,           Qt::Key_V,
+                               Qt::Key_Left,        Qt::Key_Right,
+                               Qt::Key_Up,          Qt::Key_Down,
+                               Qt::Key_BracketLeft, Qt::Key_BracketRight,
+                               Qt::Key_Delete,      Qt::Key_Escape,
+                               Qt::Key_Return,      Qt::Key_Tab};
+    const auto key = static_cast<Qt::Key>(keys[m_random.Below(int(std::size(keys)))]);
+    const Qt::KeyboardModifiers modifiers =
+        m_random.Below(2) == 0 ? Qt::ControlModifier : Qt::NoModifier;
+    QWidget* focus = QApplication::focusWidget();
+    QWidget* receiver = focus && m_random.Below(3) == 0 ? focus : &View();
+    if (m_random.Below(6) == 0) {
+        // Held a little longer, or released elsewhere.
+        QTest::keyEvent(m_random.Below(2) == 0 ? QTest::Press : QTest::Release, receiver, key,
+                        modifiers);
+    } else {
+        QTest::keyClick(receiver, key, modifiers);
+    }
+}
+
+void RandomUser::PaintMode()
+{
+    if (QWidget* box = OneOf({"gboPaintMode"}); box && m_random.Below(2) == 0) {
+        QTest::mouseClick(box, Qt::LeftButton, {}, {10, 8});
+    } else if (window->actions().contains(Action("actionTogglePaintMode"))) {
+        Trigger("actionTogglePaintMode");
+    }
+}
+
+QWidget* RandomUser::OneOf(const std::vector<const char*>& names)
+{
+    auto* widget = Child<QWidget>(names[size_t(m_random.Below(int(names.size())))]);
+    return widget && widget->isVisible() && widget->isEnabled() ? widget : nullptr;
+}
+
+void RandomUser::ClickButton()
+{
+    QWidget* button =
+        OneOf({"btnAddPainted", "btnAddPainted", "btnAddCustom", "btnHideAll", "btnAdd",
+               "btnToggleZoneSelect", "btnToggleZoneSelect", "btnToggleZoneInsert",
+               "btnToggleZoneInsert", "btnToggleQueryTer", "btnZoneDelete", "btnZoneCopy",
+               "btnToFront", "btnToBack", "rdoRest", "rdoDynEvent"});
+    if (button) {
+        // A click at the button's left side does not open the menu that it may have.
+        QTest::mouseClick(button, Qt::LeftButton, {}, {8, button->height() / 2});
+    }
+}
+
+QAbstractItemView* RandomUser::ATree()
+{
+    return qobject_cast<QAbstractItemView*>(OneOf({"treeLayers", "treeTerTypes"}));
+}
+
+void RandomUser::ClickRow()
+{
+    QAbstractItemView* tree = ATree();
+    if (!tree) {
+        return;
+    }
+    const QPoint position(m_random.Below(tree->viewport()->width()),
+                          m_random.Below(std::min(tree->viewport()->height(), 160)));
+    QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, position);
+}
+
+void RandomUser::DragLayer()
+{
+    const int count = Layers().Layers().size();
+    if (count > 1 && OneOf({"treeLayers"})) {
+        DragRow(*Child<QAbstractItemView>("treeLayers"), m_random.Below(count),
+                m_random.Below(count));
+    }
+}
+
+void RandomUser::TriggerRowAction()
+{
+    QWidget* dock = OneOf({"DockLayers", "DockTerTypes"});
+    if (!dock) {
+        return;
+    }
+    const QStringList names{QStringLiteral("actionAdd"), QStringLiteral("actionRemove"),
+                            QStringLiteral("actionModify"), QStringLiteral("actionExport")};
+    if (auto* action = dock->findChild<QAction*>(names[m_random.Below(names.size())])) {
+        action->trigger();
+    }
+}
+
+void RandomUser::RenameInPlace()
+{
+    QAbstractItemView* tree = ATree();
+    if (!tree) {
+        return;
+    }
+    tree->setFocus();
+    QTest::keyClick(tree, Qt::Key_F2);
+    if (auto* editor = tree->findChild<QLineEdit*>()) {
+        const QStringList names{QStringLiteral("North"), QStringLiteral("a b"), QString(),
+                                QStringLiteral("x/y"), QStringLiteral("Deer")};
+        editor->setText(names[m_random.Below(names.size())]);
+        QTest::keyClick(editor, m_random.Below(3) == 0 ? Qt::Key_Escape : Qt::Key_Return);
+    }
+}
+
+void RandomUser::LayerFlag()
+{
+    const auto* group = OneOf({"gboLayerUsageFlags", "gboLayerValueFlags"});
+    const QList<QCheckBox*> boxes = group ? group->findChildren<QCheckBox*>() : QList<QCheckBox*>();
+    if (!boxes.isEmpty()) {
+        boxes[m_random.Below(boxes.size())]->click();
+    }
+}
+
+void RandomUser::MoveSlider()
+{
+    const QWidget* group = OneOf({"gboLayerClrOp", "gboTerClrOp", "gboBgOver"});
+    if (!group) {
+        return;
+    }
+    auto* slider = group->findChild<QSlider*>();
+    if (m_random.Below(5) == 0) {
+        QTest::mouseClick(group->findChild<QAbstractButton*>(), Qt::LeftButton);
+    } else {
+        slider->setValue(m_random.Between(slider->minimum(), slider->maximum()));
+    }
+}
+
+void RandomUser::EditZone()
+{
+    QWidget* field =
+        OneOf({"spbStaticMin", "spbStaticMax", "spbDynMin", "spbDynMax", "txtSize", "txtDynEvent"});
+    if (auto* box = qobject_cast<QSpinBox*>(field)) {
+        box->setValue(m_random.Below(2000));
+    } else if (auto* line = qobject_cast<QLineEdit*>(field)) {
+        line->selectAll();
+        QTest::keyClicks(line, m_random.Below(2) == 0 ? QString::number(m_random.Below(40000))
+                                                      : QStringLiteral("x\"<"));
+    }
+}
+
+void RandomUser::ProjectAction()
+{
+    static const char* const actions[] = {
+        "actionNew",     "actionLoad",      "actionLoad",        "actionSave",
+        "actionSaveAll", "actionLoadWorld", "actionImportAreas", "actionImportMap",
+    };
+    Trigger(actions[m_random.Below(int(std::size(actions)))]);
+}
+
+void RandomUser::ExportAction()
+{
+    if (QWidget* button = OneOf({"btnExportSelected", "btnExportAll"})) {
+        QTest::mouseClick(button, Qt::LeftButton);
+    }
+}
+
+void RandomUser::ViewAction()
+{
+    static const char* const actions[] = {"actionViewLayers", "actionViewStatus",
+                                          "actionViewTerritoryTypes", "actionViewTerritoryTypes"};
+    QAction* action = Action(actions[m_random.Below(int(std::size(actions)))]);
+    // Docks are mostly shown, else there is little to do.
+    if (!action->isChecked() || m_random.Below(5) == 0) {
+        action->trigger();
+    }
+}
+
+void RandomUser::Resize()
+{
+    window->resize(m_random.Between(600, 1400), m_random.Between(500, 1000));
+}
+
+void RandomUser::LeaveWindow()
+{
+    switch (m_random.Below(3)) {
+    case 0: {
+        QEvent event(QEvent::Leave);
+        QApplication::sendEvent(View().viewport(), &event);
+        break;
+    }
+    case 1:
+        View().clearFocus();
+        break;
+    default:
+        View().setFocus();
+        break;
+    }
+}
+
+void RandomUser::CloseWindow()
+{
+    window->close();
+    if (!window->isVisible()) {
+        // Another process would begin like this one.
+        ProjectSettings::Instance() = m_settingsAtStart;
+        Restart(m_random.Below(2) == 0 ? QString()
+                                       : Path(QLatin1String(GoodFiles[m_random.Below(2)])));
+    }
+}
+
+void RandomUser::Answer(QWidget& dialog)
+{
+    if (m_random.Below(6) == 0 && dialog.objectName() != QLatin1String("DialogCustomLayer")) {
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    } else if (dialog.inherits("QFileDialog")) {
+        AnswerFileDialog(dialog);
+    } else if (dialog.objectName() == QLatin1String("DialogNewProject")) {
+        AnswerNewProject(dialog);
+    } else if (dialog.objectName() == QLatin1String("DialogCustomLayer")) {
+        AnswerCustomLayer(dialog);
+    } else {
+        PressAnyButton(dialog);
+    }
+}
+
+void RandomUser::AnswerFileDialog(QWidget& dialog)
+{
+    static const QMap<QString, QStringList> files{
+        {QStringLiteral("Load"),
+         {QStringLiteral("first/first.xml"), QStringLiteral("first/first.xml"),
+          QStringLiteral("second/second.xml"), QStringLiteral("second/second.xml"),
+          QStringLiteral("first/cut.xml"), QStringLiteral("first/small.xml"),
+          QStringLiteral("first/empty.xml"), QStringLiteral("saved/saved.xml")}},
+        {QStringLiteral("Save"),
+         {QStringLiteral("saved/saved.xml"), QStringLiteral("other"),
+          QStringLiteral("nowhere/a.xml")}},
+        {QStringLiteral("Load background image"),
+         {QStringLiteral("world.png"), QStringLiteral("text.png")}},
+        {QStringLiteral("Import area flag types"),
+         {QStringLiteral("areas.xml"), QStringLiteral("areas.xml"),
+          QStringLiteral("cut-areas.xml")}},
+        {QStringLiteral("Import area map"),
+         {QStringLiteral("saved/map/saved.map"), QStringLiteral("junk.map")}},
+    };
+    const QStringList choice = files[dialog.windowTitle()];
+    const QString path = Path(choice[m_random.Below(choice.size())]);
+    // What cannot be opened is told in a box of the dialog's own.
+    dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
+    QTest::keyClick(&dialog, Qt::Key_Return);
+    if (dialog.isVisible()) {
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    }
+}
+
+void RandomUser::AnswerNewProject(QWidget& dialog)
+{
+    const auto line = [&dialog](const char* name) {
+        return dialog.findChild<QLineEdit*>(QLatin1String(name));
+    };
+    dialog.findChild<QSpinBox*>(QStringLiteral("spinLayerSizeX"))->setValue(m_random.Below(120));
+    dialog.findChild<QSpinBox*>(QStringLiteral("spinWorldSizeX"))
+        ->setValue(1 << m_random.Below(15));
+    line("txtProjectName")
+        ->setText(Path(m_random.Below(4) == 0 ? QStringLiteral("nowhere/a.xml")
+                                              : QStringLiteral("saved/saved.xml")));
+    line("txtWorldImage")
+        ->setText(m_random.Below(2) == 0 ? Path(QStringLiteral("world.png")) : QString());
+    line("txtAreaFlagsFile")
+        ->setText(m_random.Below(2) == 0 ? Path(QStringLiteral("areas.xml")) : QString());
+    QTest::mouseClick(dialog.findChild<QAbstractButton*>(QStringLiteral("btnOk")), Qt::LeftButton);
+    if (dialog.isVisible()) {
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    }
+}
+
+void RandomUser::AnswerCustomLayer(QWidget& dialog)
+{
+    const auto child = [&dialog](const char* name) {
+        return dialog.findChild<QWidget*>(QLatin1String(name));
+    };
+    // What computes is not enabled; each answer does one thing, until the last one ends it.
+    if (++m_customLayerAnswers < 6) {
+        static const char* const names[] = {"cboOperation", "cboInputA", "cboInputB"};
+        auto* box = qobject_cast<QComboBox*>(child(names[m_random.Below(3)]));
+        if (box->isEnabled() && box->count() > 0) {
+            box->setCurrentIndex(m_random.Below(box->count()));
+        }
+        if (auto* radius = qobject_cast<QSpinBox*>(child("spnRadius")); radius->isEnabled()) {
+            radius->setValue(m_random.Between(radius->minimum(), radius->maximum()));
+        }
+        return;
+    }
+    if (!child("btnCancel")->isEnabled()) {
+        return;
+    }
+    m_customLayerAnswers = 0;
+    qobject_cast<QLineEdit*>(child("txtOutputName"))
+        ->setText(QStringLiteral("custom %1").arg(m_random.Below(8)));
+    const char* const name = m_random.Below(2) == 0 ? "btnOk" : "btnCancel";
+    QTest::mouseClick(child(name), Qt::LeftButton);
+}
+
+void RandomUser::PressAnyButton(QWidget& dialog)
+{
+    const QList<QAbstractButton*> buttons = dialog.findChildren<QAbstractButton*>();
+    QVector<QAbstractButton*> clickable;
+    for (QAbstractButton* button : buttons) {
+        if (button->isVisible() && button->isEnabled()) {
+            clickable.append(button);
+        }
+    }
+    if (clickable.isEmpty() || dialog.inherits("QColorDialog")) {
+        QTest::keyClick(&dialog, m_random.Below(2) == 0 ? Qt::Key_Return : Qt::Key_Escape);
+        return;
+    }
+    clickable[m_random.Below(clickable.size())]->click();
+}
+
+QString RandomUser::Contradiction() const
+{
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    const QVector<Layer*> layers = Layers().Layers();
+    QSet<int> ids;
+    for (const Layer* layer : layers) {
+        if (layer->Image().size() != QSize(settings.layerWidth, settings.layerHeight)) {
+            return QStringLiteral("Layer '%1' has another size.").arg(layer->text());
+        }
+        ids.insert(layer->Id());
+    }
+    if (ids.size() != layers.size()) {
+        return QStringLiteral("Two layers have one id.");
+    }
+    if (Scene().CurrentLayer() && !layers.contains(Scene().CurrentLayer())) {
+        return QStringLiteral("The scene edits a layer that is in no list.");
+    }
+
+    QSet<QGraphicsItem*> listed;
+    bool isCurrentListed = !Scene().CurrentTerritory();
+    const QVector<TerritoryType*> types = Types().Types();
+    for (const TerritoryType* type : types) {
+        SpawnCounts typeTotals;
+        const QVector<Territory*> territories = type->Territories();
+        for (const Territory* territory : territories) {
+            SpawnCounts totals;
+            for (Zone* zone : territory->Zones()) {
+                totals += zone->Counts();
+                listed.insert(zone);
+            }
+            typeTotals += totals;
+            if (!(territory->Totals() == totals)) {
+                return QStringLiteral("Territory '%1' has other totals.").arg(territory->text());
+            }
+            isCurrentListed = isCurrentListed || territory == Scene().CurrentTerritory();
+        }
+        if (!(type->Totals() == typeTotals)) {
+            return QStringLiteral("Type '%1' has other totals.").arg(type->text());
+        }
+    }
+    if (!isCurrentListed) {
+        return QStringLiteral("The scene's territory is in no list.");
+    }
+    const QList<QGraphicsItem*> items = Scene().items();
+    for (QGraphicsItem* item : items) {
+        if (item->type() == Zone::Type && !listed.remove(item)) {
+            return QStringLiteral("A zone on the map is in no territory.");
+        }
+    }
+    if (!listed.isEmpty()) {
+        return QStringLiteral("A territory's zone is not on the map.");
+    }
+
+    const QString name =
+        settings.projectName.isEmpty() ? QStringLiteral("Unsaved") : settings.projectName;
+    if (window->windowTitle() != name + QStringLiteral(" - Tarvo Ledger Tool")) {
+        return QStringLiteral("The title names another project.");
+    }
+    if (Action("actionTogglePaintMode")->isChecked() !=
+        Child<QGroupBox>("gboPaintMode")->isChecked()) {
+        return QStringLiteral("Action and box show different paint modes.");
+    }
+    return {};
+}
+
+QString RandomUser::LostBySaving()
+{
+    const auto save = [this](const QString& folder) {
+        QDir().mkpath(Path(folder));
+        window->SaveProjectFile(Path(folder + QStringLiteral("/saved.xml")));
+        return FilesBelow(Path(folder));
+    };
+    const QMap<QString, QByteArray> saved = save(QStringLiteral("once"));
+    Modified() = false;
+    answers.AddFile(Path(QStringLiteral("once/saved.xml")));
+    Trigger("actionLoad");
+    const QMap<QString, QByteArray> savedAgain = save(QStringLiteral("twice"));
+    const QString document = QStringLiteral("saved.xml");
+    const QList<QByteArray> lines = saved[document].split('\n');
+    const QList<QByteArray> linesAgain = savedAgain[document].split('\n');
+    for (int i = 0; i < lines.size(); ++i) {
+        if (lines[i] != linesAgain.value(i)) {
+            return QString::fromUtf8(lines[i] + " became " + linesAgain.value(i));
+        }
+    }
+    const QVector<Layer*> layers = Layers().Layers();
+    for (const Layer* layer : layers) {
+        const QString file = QStringLiteral("layers/%1.tga").arg(layer->text());
+        if (saved[file] != savedAgain[file]) {
+            return file;
+        }
+    }
+    return {};
+}
