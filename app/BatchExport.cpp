@@ -13,28 +13,6 @@
 
 namespace {
 
-void ReadDocument(QFile& file, LayerList& layers, TerritoryTypeList& types)
-{
-    QXmlStreamReader xml(&file);
-    WalkXml(xml, {
-                     {QLatin1String("global"),
-                      [](QXmlStreamReader& element) {
-                          ProjectSettings::Instance().ReadXml(element);
-                          return true;
-                      }},
-                     {QLatin1String("layers"),
-                      [&layers](QXmlStreamReader& element) {
-                          layers.ReadXml(element);
-                          return true;
-                      }},
-                     {QLatin1String("territory-type-list"),
-                      [&types](QXmlStreamReader& element) {
-                          types.Read(element, nullptr);
-                          return true;
-                      }},
-                 });
-}
-
 QString DefaultOutputFolder(const QString& configPath, const QDir& configDir)
 {
     // The typed folder stands twice in it; pipelines rely on the place.
@@ -61,6 +39,28 @@ void ExportMap(const LayerList& layers, const QString& path)
 
 } // namespace
 
+void ReadBatchDocument(QIODevice& device, LayerList& layers, TerritoryTypeList& types)
+{
+    QXmlStreamReader xml(&device);
+    WalkXml(xml, {
+                     {QLatin1String("global"),
+                      [](QXmlStreamReader& element) {
+                          ProjectSettings::Instance().ReadXml(element);
+                          return true;
+                      }},
+                     {QLatin1String("layers"),
+                      [&layers](QXmlStreamReader& element) {
+                          layers.ReadXml(element);
+                          return true;
+                      }},
+                     {QLatin1String("territory-type-list"),
+                      [&types](QXmlStreamReader& element) {
+                          types.Read(element, nullptr);
+                          return true;
+                      }},
+                 });
+}
+
 ExitCode RunBatchExport(const QString& configPath, const QString& outputPath)
 {
     QFile file(configPath);
@@ -72,7 +72,7 @@ ExitCode RunBatchExport(const QString& configPath, const QString& outputPath)
     const QDir configDir = config.absoluteDir();
     LayerList layers;
     TerritoryTypeList types;
-    ReadDocument(file, layers, types);
+    ReadBatchDocument(file, layers, types);
 
     const QString folder =
         outputPath.isEmpty() ? DefaultOutputFolder(configPath, configDir) : outputPath;

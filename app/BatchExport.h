@@ -2,6 +2,10 @@
 
 #include <QString>
 
+class LayerList;
+class QIODevice;
+class TerritoryTypeList;
+
 /// The exit codes of the program; those of the editor are the event loop's.
 enum ExitCode
 {
@@ -10,6 +14,10 @@ enum ExitCode
     ExitNoConfig = 2,
     ExitNoOutputFolder = 3,
 };
+
+/// Reads what the batch run needs of a project document, in one pass: sizes stand before the layers
+/// and zones that need them, or are not there. Flag types are not read.
+void ReadBatchDocument(QIODevice& device, LayerList& layers, TerritoryTypeList& types);
 
 /// Reads the project document at configPath and writes its area map and territory type files.
 ///

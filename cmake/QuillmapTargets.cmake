@@ -4,6 +4,7 @@
 option(QUILLMAP_WERROR "Treat warnings as errors" OFF)
 option(QUILLMAP_CHECK_HEADERS "Compile each header alone too" OFF)
 option(QUILLMAP_BENCHMARKS "Build the programs in benchmarks/" OFF)
+option(QUILLMAP_FUZZ "Build the programs in fuzzing/ for fuzzing, with Clang" OFF)
 set(QUILLMAP_SANITIZE "" CACHE STRING "Sanitizers to build with, as in -fsanitize=")
 
 add_library(quillmap_flags INTERFACE)

@@ -5,6 +5,7 @@ build_packages=(ca-certificates cmake g++ git ninja-build qtbase5-dev qtbase5-de
 run_packages=(fonts-dejavu-core)
 test_packages=(fonts-dejavu-core imagemagick openbox python3 python3-pil x11-utils xauth xvfb)
 check_packages=(clang clang-format clang-tidy clazy)
+fuzz_packages=(clang libclang-rt-14-dev)
 icon_packages=(librsvg2-bin)
 bench_packages=(libbenchmark-dev libopencv-dev python3 python3-numpy python3-pil)
 
