@@ -7,6 +7,7 @@ test_packages=(fonts-dejavu-core imagemagick openbox python3 python3-pil x11-uti
 check_packages=(clang clang-format clang-tidy clazy)
 fuzz_packages=(clang libclang-rt-14-dev)
 icon_packages=(librsvg2-bin)
+package_packages=(appstream debootstrap desktop-file-utils dpkg-dev lintian man-db)
 bench_packages=(libbenchmark-dev libopencv-dev python3 python3-numpy python3-pil)
 
 # ensure_packages PURPOSE PACKAGE...

@@ -1,0 +1,93 @@
+# What `cmake --install` puts where, and the Debian package that CPack makes of it.
+
+include(GNUInstallDirs)
+# The toolchain's own folder for documents is named after the project, with a capital.
+set(docs ${CMAKE_INSTALL_DATADIR}/doc/quillmap)
+
+install(TARGETS quillmap)
+set(programs quillmap)
+if(TARGET quillmap-tool)
+  install(TARGETS quillmap-tool)
+  list(APPEND programs quillmap-tool)
+endif()
+
+# The desktop: menu entry, what software centres show, icons.
+install(FILES packaging/quillmap.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+install(FILES packaging/org.quillmap.quillmap.metainfo.xml
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+set(icons ${CMAKE_INSTALL_DATADIR}/icons/hicolor)
+install(FILES Resources/svg/quillmap.svg DESTINATION ${icons}/scalable/apps)
+foreach(size 16 24 32 48 64 128 256)
+  install(FILES Resources/png/quillmap-${size}.png
+    DESTINATION ${icons}/${size}x${size}/apps RENAME quillmap.png)
+endforeach()
+
+install(FILES docs/formats.md DESTINATION ${docs})
+install(PROGRAMS examples/readers/area_map.py DESTINATION ${docs}/examples/readers)
+# Not what a run of the example leaves in its folder.
+install(DIRECTORY examples/highlands DESTINATION ${docs}/examples
+  PATTERN Output EXCLUDE PATTERN territoryTypes EXCLUDE PATTERN map EXCLUDE)
+
+# Compressed without name and time, so that equal sources give equal packages.
+find_program(QUILLMAP_GZIP gzip REQUIRED)
+function(quillmap_install_compressed source destination name)
+  set(compressed ${PROJECT_BINARY_DIR}/compressed/${name}.gz)
+  add_custom_command(OUTPUT ${compressed}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${PROJECT_BINARY_DIR}/compressed
+    COMMAND ${QUILLMAP_GZIP} -9nc ${PROJECT_SOURCE_DIR}/${source} > ${compressed}
+    DEPENDS ${PROJECT_SOURCE_DIR}/${source}
+    VERBATIM)
+  add_custom_target(compress_${name} ALL DEPENDS ${compressed})
+  install(FILES ${compressed} DESTINATION ${destination} ${ARGN})
+endfunction()
+
+foreach(program IN LISTS programs)
+  quillmap_install_compressed(packaging/man/${program}.1 ${CMAKE_INSTALL_MANDIR}/man1 ${program}.1)
+  install(FILES packaging/completions/${program}
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+endforeach()
+quillmap_install_compressed(CHANGELOG.md ${docs} changelog)
+
+# What only a Debian package has.
+set(debian COMPONENT debian EXCLUDE_FROM_ALL)
+quillmap_install_compressed(
+  packaging/debian/changelog ${docs} changelog.Debian ${debian})
+install(FILES packaging/debian/copyright DESTINATION ${docs} ${debian})
+install(FILES packaging/debian/lintian-overrides
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides RENAME quillmap ${debian})
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME quillmap)
+set(CPACK_PACKAGE_VENDOR "The Quillmap maintainers")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "editor for the zoning data of a game world")
+set(CPACK_PACKAGE_DESCRIPTION
+"Quillmap edits the zoning data of a game world's economy: which area flags
+(usages such as forest or village, values such as rich or poor) each place of a
+square world map carries, and where groups of creatures live, as circular zones
+grouped into territories.
+
+It is made for the designers of such a world, who paint and place, and for the
+build pipelines that turn their project into the files that the game's server
+reads.")
+set(CPACK_PACKAGE_CHECKSUM SHA256)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER "The Quillmap maintainers <maintainers@quillmap.example>")
+set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+# The libraries, by what the programs really link. The toolkit's packages bring the plugins that are
+# loaded at run time: platforms, JPEG.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# Texts are boxes without any font.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS fonts-dejavu-core)
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS python3)
+# One package of all components.
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
+set(CPACK_COMPONENTS_ALL Unspecified debian)
+include(CPack)
