@@ -10,7 +10,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 ensure_packages "to make and check the package" "${build_packages[@]}" "${package_packages[@]}"
 
-mirror=${DEBIAN_MIRROR:-http://deb.debian.org/debian}
+# Where this machine has its packages from.
+mirror=${DEBIAN_MIRROR:-$(apt-get indextargets --format '$(SITE)' | head -n 1)}
 suite=bookworm
 build=$PWD/build/package
 tree=$build/tree
