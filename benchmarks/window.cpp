@@ -1,0 +1,267 @@
+// The editor's window: loading and saving a project with 32 layers of 2048 x 2048 pixels, how long
+// it is deaf meanwhile, and how long it takes to appear.
+
+#include "app/ProjectDocument.h"
+#include "app/ProjectSettings.h"
+#include "benchmarks/support/RatioReporter.h"
+#include "benchmarks/support/Shapes.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "layers/Targa.h"
+#include "territories/TerritoryTypeList.h"
+#include "ui/QuillmapWindow.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QProcess>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QXmlStreamWriter>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+
+using benchmark::State;
+
+namespace {
+
+constexpr int Side = 2048;
+constexpr int LayerCount = 32;
+const QLatin1String OnceOption("--once");
+
+void Quiet(QtMsgType, const QMessageLogContext&, const QString&) {}
+
+QString LayerName(int i)
+{
+    return QStringLiteral("layer %1").arg(i);
+}
+
+bool MakeProject(const QString& path)
+{
+    LayerList layers;
+    const TerritoryTypeList types;
+    for (int i = 0; i < LayerCount; ++i) {
+        auto layer = std::make_unique<Layer>(1, 1, &layers, LayerName(i));
+        layer->SetImage(NaturalMask({Side, Side}, 100U + static_cast<quint32>(i)), Qt::white);
+        layer->SetVisible(true);
+        layers.AddLayer(std::move(layer));
+    }
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return false;
+    }
+    QXmlStreamWriter xml(&file);
+    WriteProjectDocument(xml, {0, {}, {}, layers, types});
+    return !xml.hasError();
+}
+
+/// Ticks while the program answers to its user, and remembers the longest silence.
+class Pulse : public QObject
+{
+public:
+    Pulse()
+    {
+        m_sinceTick.start();
+        connect(&m_timer, &QTimer::timeout, this, [this] { Tick(); });
+        m_timer.start(1);
+    }
+
+    void Tick() { m_longest = std::max(m_longest, m_sinceTick.restart()); }
+    void Reset()
+    {
+        m_longest = 0;
+        m_sinceTick.restart();
+    }
+    qint64 LongestMilliseconds() const { return m_longest; }
+
+private:
+    QTimer m_timer;
+    QElapsedTimer m_sinceTick;
+    qint64 m_longest = 0;
+};
+
+/// Loads as the user does; the time begins when the file was chosen.
+double LoadSeconds(QuillmapWindow& window, const QString& path, Pulse& pulse)
+{
+    std::chrono::steady_clock::time_point begin;
+    QTimer::singleShot(0, &window, [&] {
+        QTimer::singleShot(0, &window, [&] {
+            auto* dialog = window.findChild<QFileDialog*>();
+            dialog->selectFile(path);
+            dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
+            static_cast<QDialog*>(dialog)->accept();
+            pulse.Reset();
+            begin = std::chrono::steady_clock::now();
+        });
+    });
+    ProjectSettings::Instance().modified = false;
+    window.LoadProject();
+    pulse.Tick();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+double ReadSeconds(const QString& folder)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    std::vector<QImage> masks;
+    for (int i = 0; i < LayerCount; ++i) {
+        masks.push_back(LoadTarga(QStringLiteral("%1/layers/%2.tga").arg(folder, LayerName(i))));
+    }
+    benchmark::DoNotOptimize(masks.data());
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+void WriteLayers(const std::vector<QImage>& masks, const QString& folder)
+{
+    for (int i = 0; i < LayerCount; ++i) {
+        SaveTarga(QStringLiteral("%1/%2.tga").arg(folder, LayerName(i)),
+                  masks[static_cast<size_t>(i)], true);
+    }
+}
+
+/// Returns when the first picture of the window is complete.
+void Appear(QWidget& window)
+{
+    window.show();
+    while (!window.testAttribute(Qt::WA_Mapped)) {
+        QCoreApplication::processEvents();
+    }
+    window.grab();
+}
+
+/// What a process of its own does, as the editor of somebody who has just begun: no memory is warm.
+/// Prints the seconds that it took.
+int RunOnce(const QString& work, const QString& folder)
+{
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder);
+    double seconds = 0.0;
+    if (work == QLatin1String("empty-window")) {
+        QMainWindow window;
+        Appear(window);
+    } else if (work == QLatin1String("codec")) {
+        seconds = ReadSeconds(folder);
+    } else {
+        QuillmapWindow window{QString()};
+        Appear(window);
+        if (work == QLatin1String("load")) {
+            Pulse pulse;
+            seconds = LoadSeconds(window, folder + QStringLiteral("/bench.xml"), pulse);
+        }
+    }
+    std::printf("%.9f\n", seconds);
+    std::fflush(stdout);
+    return 0;
+}
+
+struct ProcessTimes
+{
+    double untilAnswer = 0.0;
+    double own = 0.0;
+};
+
+ProcessTimes RunProcess(const QString& work, const QString& folder)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    QProcess process;
+    process.start(QCoreApplication::applicationFilePath(), {OnceOption, work, folder});
+    QByteArray answer;
+    while (!answer.endsWith('\n') && process.waitForReadyRead()) {
+        answer += process.readAll();
+    }
+    const double seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    process.waitForFinished();
+    return {seconds, answer.trimmed().toDouble()};
+}
+
+template <typename Work>
+benchmark::internal::Benchmark* Register(const char* name, Work work)
+{
+    return benchmark::RegisterBenchmark(name, work)->Unit(benchmark::kMillisecond)->Iterations(1);
+}
+
+void RegisterProcess(const char* name, const QString& work, const QString& folder,
+                     double ProcessTimes::*time)
+{
+    Register(name, [=](State& state) {
+        for (auto _ : state) {
+            state.SetIterationTime(RunProcess(work, folder).*time);
+        }
+    })->UseManualTime();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    const QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    qInstallMessageHandler(Quiet);
+    ProjectSettings::Instance().SetSizes(Side, Side, 15360, 15360);
+    if (argc == 4 && QString::fromLocal8Bit(argv[1]) == OnceOption) {
+        return RunOnce(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3]));
+    }
+    const QTemporaryDir folder;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder.path());
+    ProjectSettings::Instance().projectDir = QDir(folder.path());
+    const QString path = folder.filePath(QStringLiteral("bench.xml"));
+    const QWidget guiIsRunning;
+    if (!MakeProject(path)) {
+        return 1;
+    }
+    QuillmapWindow window{QString()};
+    window.show();
+    Pulse pulse;
+    LoadSeconds(window, path, pulse);
+    const qint64 deafWhileLoading = pulse.LongestMilliseconds();
+    pulse.Reset();
+    window.SaveProjectFile(path);
+    pulse.Tick();
+    std::printf("\nlongest time without an answer: %lld ms loading, %lld ms saving (allowed 100)\n",
+                static_cast<long long>(deafWhileLoading),
+                static_cast<long long>(pulse.LongestMilliseconds()));
+
+    std::vector<QImage> masks;
+    for (int i = 0; i < LayerCount; ++i) {
+        masks.push_back(NaturalMask({Side, Side}, 100U + static_cast<quint32>(i)));
+    }
+    const QString home = folder.path();
+    RegisterProcess("load/32 layers/ours", QStringLiteral("load"), home, &ProcessTimes::own);
+    RegisterProcess("load/32 layers/codec", QStringLiteral("codec"), home, &ProcessTimes::own);
+    Register("load/32 layers, again/ours", [&](State& state) {
+        for (auto _ : state) {
+            state.SetIterationTime(LoadSeconds(window, path, pulse));
+        }
+    })->UseManualTime();
+    Register("load/32 layers, again/codec", [&](State& state) {
+        for (auto _ : state) {
+            state.SetIterationTime(ReadSeconds(home));
+        }
+    })->UseManualTime();
+    Register("save/32 layers/ours", [&](State& state) {
+        for (auto _ : state) {
+            window.SaveProjectFile(path);
+        }
+    })->UseRealTime();
+    QDir().mkpath(folder.filePath(QStringLiteral("copy")));
+    Register("save/32 layers/codec", [&](State& state) {
+        for (auto _ : state) {
+            WriteLayers(masks, folder.filePath(QStringLiteral("copy")));
+        }
+    })->UseRealTime();
+    RegisterProcess("start/first picture/ours", QStringLiteral("window"), home,
+                    &ProcessTimes::untilAnswer);
+    RegisterProcess("start/first picture/empty-window", QStringLiteral("empty-window"), home,
+                    &ProcessTimes::untilAnswer);
+    return RunBenchmarks(argc, argv);
+}
