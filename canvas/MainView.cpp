@@ -114,8 +114,10 @@ void MainView::UpdateRulers()
     const QScrollBar* horizontal = horizontalScrollBar();
     const QScrollBar* vertical = verticalScrollBar();
     const QPoint center = viewport()->rect().center();
-    auto x = static_cast<float>(-horizontal->value());
-    auto y = static_cast<float>(vertical->maximum() - vertical->value() + vertical->pageStep());
+    auto x = static_cast<float>(-qint64{horizontal->value()});
+    // A map import may name a world whose scroll range fills an int.
+    auto y =
+        static_cast<float>(qint64{vertical->maximum()} - vertical->value() + vertical->pageStep());
     if (horizontal->minimum() == horizontal->maximum()) {
         x = static_cast<float>(center.x()) - static_cast<float>(m_scene->width()) * m_zoom * 0.5F;
     }

@@ -22,6 +22,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 Q_DECLARE_METATYPE(Qt::KeyboardModifiers)
 
@@ -37,8 +38,8 @@ private slots:
     void ShowsWhatIsEditedInItsPlace();
     void TakesTheBrushOfTheDock();
     void TakesTheSceneSize();
-    void StandsSceneSizesOfNothing_data();
-    void StandsSceneSizesOfNothing();
+    void StandsSceneSizesOfNoUse_data();
+    void StandsSceneSizesOfNoUse();
     void ZoomsInSteps();
     void StaysInTheZoomRange();
     void ZeroDeltaZoomsIn();
@@ -185,14 +186,16 @@ void tst_MainView::TakesTheSceneSize()
     QCOMPARE(Ruler(view, false)->Unit(), 12000.0F / 256.0F);
 }
 
-void tst_MainView::StandsSceneSizesOfNothing_data()
+void tst_MainView::StandsSceneSizesOfNoUse_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::newRow("0 x 0") << QSize(0, 0);
     QTest::newRow("-1 x -1") << QSize(-1, -1);
+    QTest::newRow("longer than a scroll bar")
+        << QSize(std::numeric_limits<int>::max(), std::numeric_limits<int>::max());
 }
 
-void tst_MainView::StandsSceneSizesOfNothing()
+void tst_MainView::StandsSceneSizesOfNoUse()
 {
     QFETCH(QSize, size);
     CanvasFixture canvas;
