@@ -1,0 +1,209 @@
+#include "layers/raster/TargaBands.h"
+
+#include "layers/raster/Mask.h"
+
+#include <QtEndian>
+
+#include <algorithm>
+#include <utility>
+
+namespace raster {
+namespace {
+
+constexpr uchar RunLengthBit = 8;
+constexpr uchar TopDownBit = 0x20;
+constexpr uchar RunBit = 0x80;
+
+/// The bytes of a file one after the other, read in blocks.
+class Cursor
+{
+public:
+    Cursor(const ByteReader& read, qint64 offset, qint64 end)
+        : m_read(read)
+        , m_offset(offset)
+        , m_end(end)
+    {
+    }
+
+    qint64 Offset() const { return m_offset; }
+    qint64 Left() const { return m_end - m_offset; }
+
+    /// Only while something is left; a file that became shorter meanwhile reads as 0.
+    uchar Take()
+    {
+        if (m_offset < m_blockBegin || m_offset >= m_blockBegin + qint64(m_block.size())) {
+            m_blockBegin = m_offset;
+            m_block.assign(static_cast<std::size_t>(std::min<qint64>(Left(), BlockSize)), 0);
+            m_read(m_offset, m_block.data(), static_cast<qint64>(m_block.size()));
+        }
+        return m_block[static_cast<std::size_t>(m_offset++ - m_blockBegin)];
+    }
+
+    void Skip(qint64 count) { m_offset += count; }
+
+private:
+    static constexpr qint64 BlockSize = 1 << 16;
+
+    const ByteReader& m_read;
+    qint64 m_offset;
+    qint64 m_end;
+    qint64 m_blockBegin = 0;
+    std::vector<uchar> m_block;
+};
+
+} // namespace
+
+QSize TargaSize(const ByteReader& read)
+{
+    uchar header[TargaHeaderSize] = {};
+    if (read(0, header, TargaHeaderSize) != TargaHeaderSize) {
+        return {0, 0};
+    }
+    return {qFromLittleEndian<quint16>(header + 12), qFromLittleEndian<quint16>(header + 14)};
+}
+
+TargaBands::TargaBands(ByteReader read, qint64 byteCount, QSize size)
+    : m_read(std::move(read))
+    , m_byteCount(byteCount)
+    , m_size(size)
+{
+    const qint64 headerCount = std::max<qint64>(m_read(0, m_header, TargaHeaderSize), 0);
+    m_error = CheckTargaHeader(m_header, headerCount, size);
+    if (m_error == TargaError::None && !IsMaskSize(size)) {
+        m_error = TargaError::NoImage;
+    }
+    if (m_error != TargaError::None) {
+        return;
+    }
+    m_isRunLength = (m_header[2] & RunLengthBit) != 0;
+    m_isTopDown = (m_header[17] & TopDownBit) != 0;
+    m_starts.resize(static_cast<std::size_t>((size.height() + BandRows - 1) / BandRows));
+    for (int band = 0; band < Count(); ++band) {
+        m_starts[static_cast<std::size_t>(band)].storedRow = StoredRow(band);
+    }
+    if (m_isRunLength) {
+        FindPackets();
+    } else {
+        const qint64 needed = TargaHeaderSize + qint64(size.width()) * size.height();
+        m_isCutOff = m_byteCount < needed;
+        m_end = std::min(needed, m_byteCount);
+    }
+}
+
+int TargaBands::Rows(int band) const
+{
+    return std::min(BandRows, m_size.height() - band * BandRows);
+}
+
+int TargaBands::StoredRow(int band) const
+{
+    const int bottom = band * BandRows;
+    return m_isTopDown ? m_size.height() - bottom - Rows(band) : bottom;
+}
+
+void TargaBands::FindPackets()
+{
+    std::vector<Start*> starts;
+    for (Start& start : m_starts) {
+        starts.push_back(&start);
+    }
+    std::sort(starts.begin(), starts.end(),
+              [](const Start* a, const Start* b) { return a->storedRow < b->storedRow; });
+    const qint64 width = m_size.width();
+    const qint64 pixelCount = width * m_size.height();
+    auto next = starts.begin();
+    Cursor cursor(m_read, TargaHeaderSize, m_byteCount);
+    uchar last = MaskClear;
+    qint64 pixel = 0;
+    while (pixel < pixelCount && cursor.Left() >= 2) {
+        const uchar header = cursor.Take();
+        const int count = (header & ~RunBit) + 1;
+        const bool isRun = (header & RunBit) != 0;
+        const qint64 data = cursor.Offset();
+        const qint64 present = isRun ? count : std::min<qint64>(count, cursor.Left());
+        if (!isRun) {
+            cursor.Skip(present - 1);
+        }
+        last = cursor.Take();
+        for (; next != starts.end() && width * (*next)->storedRow < pixel + present; ++next) {
+            const auto passed = static_cast<int>(width * (*next)->storedRow - pixel);
+            Start& start = **next;
+            start.packet[0] = static_cast<uchar>((count - passed - 1) | (isRun ? RunBit : 0));
+            start.packet[1] = last;
+            start.packetBytes = isRun ? 2 : 1;
+            start.offset = isRun ? cursor.Offset() : data + passed;
+        }
+        pixel += present;
+    }
+    m_isCutOff = pixel < pixelCount;
+    m_end = cursor.Offset();
+    // The last pixel goes on to the end.
+    for (; next != starts.end(); ++next) {
+        Start& start = **next;
+        start.packet[0] = RunBit;
+        start.packet[1] = last;
+        start.packetBytes = 2;
+        start.offset = m_end;
+    }
+}
+
+std::vector<uchar> TargaBands::Header(int rows) const
+{
+    std::vector<uchar> header(m_header, m_header + TargaHeaderSize);
+    qToLittleEndian(static_cast<quint16>(rows), &header[14]);
+    return header;
+}
+
+void TargaBands::Append(std::vector<uchar>& file, qint64 offset, qint64 count) const
+{
+    const std::size_t used = file.size();
+    file.resize(used + static_cast<std::size_t>(std::max<qint64>(count, 0)));
+    const qint64 read = count > 0 ? m_read(offset, file.data() + used, count) : 0;
+    file.resize(used + static_cast<std::size_t>(std::max<qint64>(read, 0)));
+}
+
+QImage TargaBands::Decode(int band) const
+{
+    if (band < 0 || band >= Count()) {
+        return {};
+    }
+    return m_isRunLength ? DecodePackets(band) : DecodeRaw(band);
+}
+
+QImage TargaBands::DecodePackets(int band) const
+{
+    const Start& start = m_starts[static_cast<std::size_t>(band)];
+    // The bytes up to where the next rows in the file begin.
+    const int nextBand = m_isTopDown ? band - 1 : band + 1;
+    const bool isLast = nextBand < 0 || nextBand >= Count();
+    const qint64 end = isLast ? m_end : m_starts[static_cast<std::size_t>(nextBand)].offset;
+    std::vector<uchar> file = Header(Rows(band));
+    file.insert(file.end(), start.packet, start.packet + start.packetBytes);
+    Append(file, start.offset, end - start.offset);
+    return DecodeTarga(file.data(), static_cast<qint64>(file.size()), {m_size.width(), Rows(band)})
+        .mask;
+}
+
+QImage TargaBands::DecodeRaw(int band) const
+{
+    const int width = m_size.width();
+    const int rows = Rows(band);
+    // Rows from this one on are not whole in the file. They are all alike, and the first of them
+    // depends on the row before.
+    const auto firstMissing = static_cast<int>(qMax<qint64>(m_end - TargaHeaderSize, 0) / width);
+    const int storedRow = std::min(StoredRow(band), firstMissing);
+    const bool isWhole = storedRow + rows <= firstMissing;
+    const int before = isWhole || storedRow == 0 ? 0 : 1;
+
+    std::vector<uchar> file = Header(rows + before);
+    const qint64 offset = TargaHeaderSize + qint64(storedRow - before) * width;
+    Append(file, offset, std::min<qint64>(m_end - offset, qint64(rows + before) * width));
+    const QImage mask =
+        DecodeTarga(file.data(), static_cast<qint64>(file.size()), {width, rows + before}).mask;
+    if (before == 0 || mask.isNull()) {
+        return mask;
+    }
+    return mask.copy(0, m_isTopDown ? before : 0, width, rows);
+}
+
+} // namespace raster
