@@ -1,0 +1,381 @@
+#include "tests/support/Files.h"
+#include "tests/tool/SampleProject.h"
+
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTest>
+
+#include <functional>
+
+namespace {
+
+using Break = std::function<void(SampleProject&)>;
+
+Break Replacing(const QByteArray& before, const QByteArray& after)
+{
+    return [=](SampleProject& project) { project.Replace(before, after); };
+}
+
+QStringList Lines(const QString& text)
+{
+    return text.split('\n', Qt::SkipEmptyParts);
+}
+
+QStringList Rows(int count, const QString& row)
+{
+    return QVector<QString>(count, row).toList();
+}
+
+QByteArray Flags(const QByteArray& kind, int count)
+{
+    QByteArray flags;
+    for (int i = 0; i < count; ++i) {
+        flags += "<" + kind + " name=\"More" + QByteArray::number(i) + "\"/>";
+    }
+    return flags + "</" + kind + "s>";
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Break)
+
+class tst_ToolCheck : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void GoodProjectHasNoFinding();
+    void ExampleHasNoFinding();
+    void EachRuleIsFound_data();
+    void EachRuleIsFound();
+    void StrictCountsWarnings();
+    void QuietSaysNothing();
+    void FindingsAsJson();
+    void LeavesTheProjectAlone();
+    void UnreadableProjectsEndWithThree_data();
+    void UnreadableProjectsEndWithThree();
+    void NamesCannotForgeLines();
+};
+
+void tst_ToolCheck::GoodProjectHasNoFinding()
+{
+    const SampleProject project;
+    const ProgramRun run = project.Run({"check", "--strict", "sample.xml"});
+    QCOMPARE(run.output, QString("0 errors, 0 warnings.\n"));
+    QCOMPARE(run.log, QStringList());
+    QCOMPARE(run.exitCode, 0);
+}
+
+void tst_ToolCheck::ExampleHasNoFinding()
+{
+    const SampleProject project;
+    const ProgramRun run =
+        project.Run({"check", "--strict", QUILLMAP_EXAMPLE_FOLDER "/highlands.xml"});
+    QCOMPARE(run.output, QString("0 errors, 0 warnings.\n"));
+    QCOMPARE(run.exitCode, 0);
+}
+
+void tst_ToolCheck::EachRuleIsFound_data()
+{
+    QTest::addColumn<Break>("doBreak");
+    QTest::addColumn<QStringList>("findings");
+
+    const auto row = [](const char* name, const Break& doBreak, const QStringList& findings) {
+        QTest::newRow(name) << doBreak << findings;
+    };
+    row("layers of one name", Replacing("name=\"Village\"", "name=\"Shore\""),
+        {"error: layer 'Shore': another layer has the same name; both read one bitmap. Rename one "
+         "of them. [duplicate-name]",
+         "warning: bitmap 'Village.tga': no layer has it. Remove it from the folder 'layers'. "
+         "[orphan-bitmap]"});
+    row("layers alike but for case",
+        [](SampleProject& project) {
+            project.Replace("name=\"Village\"", "name=\"SHORE\"");
+            QFile::rename(project.Path("layers/Village.tga"), project.Path("layers/SHORE.tga"));
+        },
+        {"warning: layer 'SHORE': another layer has the same name but for upper and lower case. "
+         "Rename one of them. [duplicate-name-by-case]"});
+    row("types of one name", Replacing("name=\"Wolf\"", "name=\"Deer\""),
+        {"error: territory type 'Deer': another territory type has the same name; both are "
+         "exported into one file. Rename one of them. [duplicate-name]"});
+    row("territories of one name",
+        Replacing("</territory>", "</territory><territory name=\"North\" visible=\"1\"/>"),
+        {"warning: territory 'North' of type 'Deer': another territory has the same name; nobody "
+         "can tell them apart. Rename one of them. [duplicate-name]"});
+    row("flags of one name", Replacing("\"Farm\"", "\"Coast\""),
+        {"warning: usage flag 'Coast': another usage flag has the same name; nobody can tell them "
+         "apart. Rename one of them. [duplicate-name]"});
+    row("value flags alike but for case", Replacing("\"Tier4\"", "\"tier1\""),
+        {"warning: value flag 'tier1': another value flag has the same name but for upper and "
+         "lower case. Rename one of them. [duplicate-name-by-case]"});
+    row("forbidden character", Replacing("\"Wolf\"", "\"Wo|f\""),
+        {"error: territory type 'Wo|f': the name holds one of < > : \" / \\ | ? *. Give it a name "
+         "that a file can have. [refused-name]"});
+    row("empty name", Replacing("\"Wolf\"", "\" \""),
+        {"error: territory type ' ': the name is empty. Give it a name that a file can have. "
+         "[refused-name]"});
+    row("name that leads out", Replacing("name=\"Village\"", "name=\"../Village\""),
+        {"error: layer '../Village': the name leads out of the project. Give it a name that a file "
+         "can have. [refused-name]",
+         "warning: bitmap 'Village.tga': no layer has it. Remove it from the folder 'layers'. "
+         "[orphan-bitmap]"});
+    row("control character", Replacing("\"Wolf\"", "\"Wo&#9;f\""),
+        {"error: territory type 'Wo f': the name holds a control character. Give it a name that a "
+         "file can have. [refused-name]"});
+    row("long name", Replacing("\"Wolf\"", "\"" + QByteArray(252, 'w') + "\""),
+        {"error: territory type '" + QString(252, 'w') +
+         "': the name is too long for a file. Give it a name that a file can have. "
+         "[refused-name]"});
+    row("device name", Replacing("\"Wolf\"", "\"aux.1\""),
+        {"warning: territory type 'aux.1': some file systems keep the name for a device. Give it a "
+         "name that a file can have. [refused-name]"});
+    row("space at the end", Replacing("\"Wolf\"", "\"Wolf \""),
+        {"warning: territory type 'Wolf ': the name begins or ends with a space. Give it a name "
+         "that a file can have. [refused-name]"});
+    const QString outOfOrder =
+        " The editor leaves the layer out; put a bitmap of the layer size in "
+        "its place. ";
+    row("missing bitmap",
+        [](SampleProject& project) { QFile::remove(project.Path("layers/Village.tga")); },
+        {"error: layer 'Village': its bitmap does not exist." + outOfOrder + "[bitmap-missing]"});
+    row("bitmap of another size", [](SampleProject& project) { project.Paint("Village", {"#."}); },
+        {"error: layer 'Village': its bitmap has 2x1 pixels instead of 8x8." + outOfOrder +
+         "[bitmap-size]"});
+    row("no bitmap",
+        [](SampleProject& project) { WriteBytes(project.Path("layers/Village.tga"), "text"); },
+        {"error: layer 'Village': its bitmap is no greyscale TGA file without colour map." +
+         outOfOrder + "[bitmap-unreadable]"});
+    row("folder for a bitmap",
+        [](SampleProject& project) {
+            QFile::remove(project.Path("layers/Village.tga"));
+            QDir().mkdir(project.Path("layers/Village.tga"));
+        },
+        {"error: layer 'Village': its bitmap is no file." + outOfOrder + "[bitmap-unreadable]"});
+    row("bitmap cut off",
+        [](SampleProject& project) {
+            const QString path = project.Path("layers/Village.tga");
+            const QByteArray bytes = ReadBytes(path);
+            WriteBytes(path, bytes.left(bytes.size() - 2));
+        },
+        {"error: layer 'Village': its bitmap ends before its last pixel. Restore the bitmap from a "
+         "backup. [bitmap-cut-off]"});
+    row("orphan bitmap", [](SampleProject& project) { project.Paint("Old", {"#"}); },
+        {"warning: bitmap 'Old.tga': no layer has it. Remove it from the folder 'layers'. "
+         "[orphan-bitmap]"});
+    row("lost columns",
+        [](SampleProject& project) {
+            project.Replace("<layer size=\"8\"/>", "<layer size=\"9\"/>");
+            const QStringList rows = Rows(9, "#........");
+            project.Paint("Shore", rows);
+            project.Paint("Village", rows);
+        },
+        {"error: project: the usage flags of the rightmost 1 of 9 columns have no place in the "
+         "map. Choose a layer size that is a multiple of 8. [lost-map-columns]",
+         "error: project: the value flags of the rightmost 1 of 9 columns have no place in the "
+         "map. Choose a layer size that is a multiple of 8. [lost-map-columns]",
+         "warning: project: some programs lose or shift columns of bitmaps that are 9 pixels wide. "
+         "Choose a layer size that is a multiple of 4. [lost-bitmap-columns]"});
+    row("too many usages", Replacing("</usages>", Flags("usage", 30)),
+        {"error: project: there are 33 usage flag types, and a map holds 32. Remove those that are "
+         "not needed. [too-many-flag-types]"});
+    row("too many values", Replacing("</values>", Flags("value", 30)),
+        {"error: project: there are 34 value flag types, and a map holds 32. Remove those that are "
+         "not needed. [too-many-flag-types]"});
+    row("no flags", Replacing("usage_flags=\"1\" value_flags=\"1\"", ""),
+        {"warning: layer 'Shore': it has no flags and leaves no trace in the map. Check its flags "
+         "in the layer properties. [layer-without-flags]"});
+    row("no pixels", [](SampleProject& project) { project.Paint("Shore", Rows(8, "........")); },
+        {"warning: layer 'Shore': nothing is painted in it. Paint it or remove it. "
+         "[layer-without-pixels]"});
+    row("unnamed bits",
+        Replacing("usage_flags=\"1\" value_flags=\"1\"",
+                  "usage_flags=\"41\" value_flags=\"2147483649\""),
+        {"error: layer 'Shore': no flag type names usage bit 3, 5. Add the missing flag types, or "
+         "save the layer's flags anew. [unnamed-flag]",
+         "error: layer 'Shore': no flag type names value bit 31. Add the missing flag types, or "
+         "save the layer's flags anew. [unnamed-flag]"});
+    row("mask values", [](SampleProject& project) { project.Paint("Shore", Rows(8, "+#......")); },
+        {"warning: layer 'Shore': 8 pixels are neither 0 nor 255: the map has them, and the editor "
+         "does not show them. Make them 0 or 255. [mask-value]"});
+    const QString zone = "zone 1 of territory 'North' of type 'Deer': ";
+    const QString more = " Lower the minimum or raise the maximum. [zone-min-above-max]";
+    row("static minimum", Replacing("smin=\"1\"", "smin=\"3\""),
+        {"error: " + zone + "the static minimum 3 is above the maximum 2." + more});
+    row("dynamic minimum", Replacing("dmin=\"3\"", "dmin=\"5\""),
+        {"error: " + zone + "the dynamic minimum 5 is above the maximum 4." + more});
+    const QString radius = " m is outside 50 to 32768 m. Change the radius in the zone properties. "
+                           "[zone-radius]";
+    row("small radius", Replacing("r=\"100\"", "r=\"49.9\""),
+        {"warning: " + zone + "its radius of 49.9" + radius});
+    row("large radius", Replacing("r=\"100\"", "r=\"32769\""),
+        {"warning: " + zone + "its radius of 32769" + radius});
+    row("radius is no number", Replacing("r=\"100\"", "r=\"nan\""),
+        {"warning: " + zone + "its radius of nan" + radius});
+    row("event like a usage", Replacing("name=\"Graze\"", "name=\"hunting ground\""),
+        {"warning: " + zone +
+         "its dynamic event 'hunting ground' is named like the usage "
+         "'HuntingGround', and is another one. Choose the usage, or rename "
+         "the event. [event-like-usage]"});
+    row("event without name", Replacing("name=\"Graze\"", ""),
+        {"error: " + zone +
+         "its dynamic event has no name. Name the event. "
+         "[event-without-name]"});
+    row("outside", Replacing("x=\"400\"", "x=\"801\""),
+        {"error: " + zone +
+         "its centre (801, 200) lies outside the world. Move or remove it. "
+         "[zone-outside-world]"});
+    row("below", Replacing("z=\"200\"", "z=\"-0.5\""),
+        {"error: " + zone +
+         "its centre (400, -0.5) lies outside the world. Move or remove it. "
+         "[zone-outside-world]"});
+    row("hidden territory", Replacing("name=\"North\" visible=\"1\"", "name=\"North\""),
+        {"warning: territory 'North' of type 'Deer': it is hidden, and exported all the same. Show "
+         "it, or remove it. [invisible-territory]"});
+    row("no background", [](SampleProject& project) { QFile::remove(project.Path("back.png")); },
+        {"warning: background 'back.png': there is no such file. Load a background image in the "
+         "editor. [missing-background]"});
+    row("background is no picture",
+        [](SampleProject& project) { WriteBytes(project.Path("back.png"), "text"); },
+        {"warning: background 'back.png': the file is no picture that can be read. Load a "
+         "background image in the editor. [missing-background]"});
+    row("no world", Replacing("world size=\"800\"", "world size=\"0\""),
+        {"error: project: the world cannot be 0x0 metres large. Choose a size of at least 1. "
+         "[world-size]",
+         "error: " + zone +
+             "its centre (400, 200) lies outside the world. Move or remove it. "
+             "[zone-outside-world]",
+         "error: zone 2 of territory 'North' of type 'Deer': its centre (800, 0) lies outside the "
+         "world. Move or remove it. [zone-outside-world]"});
+    row("layers too large",
+        [](SampleProject& project) {
+            project.Replace("<layer size=\"8\"/>", "<layer size=\"65536\"/>");
+        },
+        {"error: project: layers cannot have 65536x65536 pixels. Choose a size from 1 to 65535. "
+         "[layer-size]",
+         "error: layer 'Shore': its bitmap has 8x8 pixels instead of 65536x65536." + outOfOrder +
+             "[bitmap-size]",
+         "error: layer 'Village': its bitmap has 8x8 pixels instead of 65536x65536." + outOfOrder +
+             "[bitmap-size]"});
+}
+
+void tst_ToolCheck::EachRuleIsFound()
+{
+    QFETCH(Break, doBreak);
+    QFETCH(QStringList, findings);
+    SampleProject project;
+    doBreak(project);
+
+    const ProgramRun run = project.Run({"check", "sample.xml"});
+
+    const int errors = findings.filter(QRegExp("^error: ")).size();
+    const int warnings = findings.size() - errors;
+    QStringList expected;
+    for (const QString& finding : qAsConst(findings)) {
+        expected.append("sample.xml: " + finding);
+    }
+    expected.append(QString("%1 error%2, %3 warning%4.")
+                        .arg(errors)
+                        .arg(errors == 1 ? "" : "s")
+                        .arg(warnings)
+                        .arg(warnings == 1 ? "" : "s"));
+    QCOMPARE(Lines(run.output), expected);
+    QCOMPARE(run.log, QStringList());
+    QCOMPARE(run.exitCode, errors > 0 ? 1 : 0);
+}
+
+void tst_ToolCheck::StrictCountsWarnings()
+{
+    const SampleProject project;
+    project.Paint("Old", {"#"});
+    QCOMPARE(project.Run({"check", "sample.xml"}).exitCode, 0);
+    QCOMPARE(project.Run({"check", "--strict", "sample.xml"}).exitCode, 1);
+}
+
+void tst_ToolCheck::QuietSaysNothing()
+{
+    SampleProject project;
+    project.Replace("smin=\"1\"", "smin=\"3\"");
+    for (const char* option : {"-q", "--quiet"}) {
+        const ProgramRun run = project.Run({"check", option, "sample.xml"});
+        QCOMPARE(run.output, QString());
+        QCOMPARE(run.log, QStringList());
+        QCOMPARE(run.exitCode, 1);
+    }
+}
+
+void tst_ToolCheck::FindingsAsJson()
+{
+    const SampleProject project;
+    project.Paint("Old", {"#"});
+    const ProgramRun run = project.Run({"check", "--json", "--quiet", "sample.xml"});
+    const QJsonObject expected{
+        {"file", "sample.xml"},
+        {"findings", QJsonArray{QJsonObject{{"rule", "orphan-bitmap"},
+                                            {"severity", "warning"},
+                                            {"place", "bitmap 'Old.tga'"},
+                                            {"text", "no layer has it."},
+                                            {"advice", "Remove it from the folder 'layers'."}}}},
+    };
+    QCOMPARE(QJsonDocument::fromJson(run.output.toUtf8()).object(), expected);
+    QCOMPARE(run.exitCode, 0);
+}
+
+void tst_ToolCheck::LeavesTheProjectAlone()
+{
+    const SampleProject project;
+    QVERIFY(QDir(project.Path("layers")).removeRecursively());
+    const QMap<QString, QByteArray> before = FilesBelow(project.Path("."));
+    QCOMPARE(project.Run({"check", "sample.xml"}).exitCode, 1);
+    QCOMPARE(FilesBelow(project.Path(".")), before);
+}
+
+void tst_ToolCheck::UnreadableProjectsEndWithThree_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("missing") << "none.xml" << QByteArray() << "none.xml: does not exist.";
+    QTest::newRow("folder") << "layers" << QByteArray() << "layers: is no file.";
+    QTest::newRow("empty") << "x.xml" << QByteArray("")
+                           << "x.xml: line 1: Premature end of document.";
+    QTest::newRow("cut off") << "x.xml" << QByteArray("<a>\n<global/>\n<layers>")
+                             << "x.xml: line 3: Premature end of document.";
+    QTest::newRow("another document")
+        << "x.xml" << QByteArray("<areas/>")
+        << "x.xml: is no project: there is no element \"global\" in it.";
+}
+
+void tst_ToolCheck::UnreadableProjectsEndWithThree()
+{
+    QFETCH(QString, file);
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, error);
+    const SampleProject project;
+    if (!bytes.isNull()) {
+        WriteBytes(project.Path(file), bytes);
+    }
+    for (const char* command : {"check", "export"}) {
+        const ProgramRun run = project.Run({command, file});
+        QCOMPARE(run.output, QString());
+        QCOMPARE(run.log, QStringList{error});
+        QCOMPARE(run.exitCode, 3);
+    }
+}
+
+void tst_ToolCheck::NamesCannotForgeLines()
+{
+    SampleProject project;
+    project.Replace("name=\"Graze\"", "name=\"rest\"");
+    project.Replace("name=\"North\"", "name=\"a&#10;b&#27;[2J\"");
+    // An escape is no character of XML, and a line break stays within its line.
+    QCOMPARE(project.Run({"check", "sample.xml"}).exitCode, 3);
+    project.Replace("&#27;", "&#155;");
+    const ProgramRun run = project.Run({"check", "sample.xml"});
+    QCOMPARE(Lines(run.output).size(), 2);
+    QVERIFY(run.output.contains("zone 1 of territory 'a b [2J' of type 'Deer'"));
+}
+
+QTEST_APPLESS_MAIN(tst_ToolCheck)
+#include "tst_ToolCheck.moc"

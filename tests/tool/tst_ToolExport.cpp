@@ -1,0 +1,316 @@
+#include "tests/support/Files.h"
+#include "tests/support/LiteralMap.h"
+#include "tests/support/LiteralTarga.h"
+#include "tests/support/Masks.h"
+#include "tests/support/Random.h"
+#include "tests/tool/SampleProject.h"
+
+#include <QDir>
+#include <QTest>
+
+#include <sys/stat.h>
+
+namespace {
+
+const char SampleTypeFile[] =
+    R"(<?xml version="1.0" encoding="UTF-8"?>
+<territory-type>
+    <territory color="4278190335">
+        <zone name="Graze" smin="1" smax="2" dmin="3" dmax="4" x="400" z="200" r="100"/>
+        <zone name="Migration" smin="0" smax="1" dmin="0" dmax="5" x="800" z="0" r="50"/>
+    </territory>
+</territory-type>
+)";
+
+QImage Bitmap(const SampleProject& project, const QString& layer, QSize size)
+{
+    return literal::ReadTarga(ReadBytes(project.Path("layers/" + layer + ".tga")), size);
+}
+
+QByteArray SampleMap(const SampleProject& project)
+{
+    return literal::WriteMap(
+        {{Bitmap(project, "Shore", {8, 8}), 1, 1}, {Bitmap(project, "Village", {8, 8}), 6, 10}},
+        {8, 8}, {800, 800}, 3, 4);
+}
+
+} // namespace
+
+class tst_ToolExport : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void WritesMapAndTypes();
+    void WritesIntoTheCurrentFolder();
+    void ReplacesOldFiles();
+    void QuietSaysNothing();
+    void LargeLayersEqualTheLiteralMap();
+    void ProjectWithoutFlagTypesHasAShortMap();
+    void NothingIsWrittenWhenTheInputIsBroken_data();
+    void NothingIsWrittenWhenTheInputIsBroken();
+    void NothingIsLeftWhenTheOutputFails_data();
+    void NothingIsLeftWhenTheOutputFails();
+    void FullDisksAreReported();
+    void UnwrittenOutputEndsWithFour();
+    void HelpAndUsage_data();
+    void HelpAndUsage();
+};
+
+void tst_ToolExport::WritesMapAndTypes()
+{
+    const SampleProject project;
+    const QMap<QString, QByteArray> before = FilesBelow(project.Path("."));
+
+    const ProgramRun run = project.Run({"export", "sample.xml", "-o", "a/out"});
+
+    QCOMPARE(run.log, QStringList());
+    QCOMPARE(run.output, QString("a/out/sample.map\na/out/territoryTypes/Deer.xml\n"
+                                 "a/out/territoryTypes/Wolf.xml\n"));
+    QCOMPARE(run.exitCode, 0);
+    const QMap<QString, QByteArray> written = FilesBelow(project.Path("a/out"));
+    QCOMPARE(written.keys(), (QStringList{"sample.map", "territoryTypes/",
+                                          "territoryTypes/Deer.xml", "territoryTypes/Wolf.xml"}));
+    QCOMPARE(written["sample.map"], SampleMap(project));
+    QCOMPARE(written["territoryTypes/Deer.xml"], QByteArray(SampleTypeFile));
+    QVERIFY(QDir(project.Path("a")).removeRecursively());
+    QCOMPARE(FilesBelow(project.Path(".")), before);
+}
+
+void tst_ToolExport::WritesIntoTheCurrentFolder()
+{
+    const SampleProject project;
+    const ProgramRun run = project.Run({"export", "sample.xml"});
+    QCOMPARE(run.output, QString("sample.map\nterritoryTypes/Deer.xml\nterritoryTypes/Wolf.xml\n"));
+    QCOMPARE(ReadBytes(project.Path("sample.map")), SampleMap(project));
+}
+
+void tst_ToolExport::ReplacesOldFiles()
+{
+    const SampleProject project;
+    WriteBytes(project.Path("sample.map"), "old");
+    WriteBytes(project.Path("territoryTypes/Deer.xml"), "old");
+    WriteBytes(project.Path("territoryTypes/Other.xml"), "other");
+    QCOMPARE(project.Run({"export", "sample.xml"}).exitCode, 0);
+    QCOMPARE(ReadBytes(project.Path("sample.map")), SampleMap(project));
+    QCOMPARE(ReadBytes(project.Path("territoryTypes/Deer.xml")), QByteArray(SampleTypeFile));
+    QCOMPARE(ReadBytes(project.Path("territoryTypes/Other.xml")), QByteArray("other"));
+}
+
+void tst_ToolExport::QuietSaysNothing()
+{
+    const SampleProject project;
+    const ProgramRun run = project.Run({"export", "--quiet", "sample.xml"});
+    QCOMPARE(run.output, QString());
+    QCOMPARE(run.log, QStringList());
+    QCOMPARE(run.exitCode, 0);
+}
+
+/// Several bands of rows, and a width that leaves a remainder in the map.
+void tst_ToolExport::LargeLayersEqualTheLiteralMap()
+{
+    SampleProject project;
+    const QSize size(203, 203);
+    project.Replace("<layer size=\"8\"/>", "<layer size=\"203\"/>");
+    Random random;
+    QVector<literal::MapLayer> layers = {{RandomMask(random, size), 1, 1},
+                                         {RandomMask(random, size), 6, 10}};
+    WriteBytes(project.Path("layers/Shore.tga"), literal::WriteTarga(layers[0].image, true));
+    WriteBytes(project.Path("layers/Village.tga"), literal::WriteTarga(layers[1].image, false));
+    QCOMPARE(project.Run({"export", "sample.xml"}).exitCode, 0);
+    QCOMPARE(ReadBytes(project.Path("sample.map")),
+             literal::WriteMap(layers, size, {800, 800}, 3, 4));
+}
+
+void tst_ToolExport::ProjectWithoutFlagTypesHasAShortMap()
+{
+    const SampleProject project;
+    WriteBytes(project.Path("bare.old.xml"), "<qm-config><global/></qm-config>");
+    QCOMPARE(project.Run({"export", "bare.old.xml"}).output, QString("bare.map\n"));
+    QCOMPARE(ReadBytes(project.Path("bare.map")),
+             literal::WriteMap({}, {2048, 2048}, {15360, 15360}, 0, 0));
+}
+
+void tst_ToolExport::NothingIsWrittenWhenTheInputIsBroken_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QByteArray>("after");
+    QTest::addColumn<QStringList>("errors");
+    QTest::addColumn<int>("exitCode");
+    QByteArray usages;
+    for (int i = 0; i < 30; ++i) {
+        usages += "<usage name=\"a\"/>";
+    }
+    QTest::newRow("missing bitmap") << QByteArray("\"Village\"") << QByteArray("\"Other\"")
+                                    << QStringList{"FOLDER/layers/Other.tga: does not exist."} << 3;
+    QTest::newRow("bitmaps of another size")
+        << QByteArray("<layer size=\"8\"") << QByteArray("<layer size=\"16\"")
+        << QStringList{"FOLDER/layers/Shore.tga: has 8x8 pixels instead of 16x16.",
+                       "FOLDER/layers/Village.tga: has 8x8 pixels instead of 16x16."}
+        << 3;
+    QTest::newRow("no layer size")
+        << QByteArray("<layer size=\"8\"") << QByteArray("<layer size=\"many\"")
+        << QStringList{"sample.xml: layers cannot have 0x0 pixels."} << 3;
+    QTest::newRow("name leads out")
+        << QByteArray("\"Village\"") << QByteArray("\"../layers/Village\"")
+        << QStringList{"sample.xml: the bitmap of layer '../layers/Village' lies outside the "
+                       "project."}
+        << 3;
+    QTest::newRow("too many flag types")
+        << QByteArray("</usages>") << usages + "</usages>"
+        << QStringList{"sample.xml: an area map holds at most 32 usage and 32 value flag types."}
+        << 3;
+    QTest::newRow("types of one name")
+        << QByteArray("\"Wolf\"") << QByteArray("\"Deer\"")
+        << QStringList{"sample.xml: two territory types are named 'Deer' and would be written into "
+                       "one file."}
+        << 4;
+    QTest::newRow("type that leads out")
+        << QByteArray("\"Wolf\"") << QByteArray("\"../../Wolf\"")
+        << QStringList{"sample.xml: Territory type '../../Wolf' cannot be exported under this "
+                       "name.",
+                       "Wolf.xml: cannot be written."}
+        << 4;
+}
+
+void tst_ToolExport::NothingIsWrittenWhenTheInputIsBroken()
+{
+    QFETCH(QByteArray, before);
+    QFETCH(QByteArray, after);
+    QFETCH(QStringList, errors);
+    QFETCH(int, exitCode);
+    SampleProject project;
+    project.Replace(before, after);
+    errors.replaceInStrings("FOLDER", QDir(project.Path(".")).canonicalPath());
+    const QMap<QString, QByteArray> files = FilesBelow(project.Path("."));
+
+    const ProgramRun run = project.Run({"export", "sample.xml", "-o", "out"});
+
+    QCOMPARE(run.log, errors);
+    QCOMPARE(run.output, QString());
+    QCOMPARE(run.exitCode, exitCode);
+    QCOMPARE(FilesBelow(project.Path(".")), files);
+}
+
+void tst_ToolExport::NothingIsLeftWhenTheOutputFails_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("obstacle");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("file for the folder") << "sample.xml/out"
+                                         << ""
+                                         << "sample.xml: the folder cannot be created.";
+    QTest::newRow("folder for the map") << "out"
+                                        << "out/sample.map/x"
+                                        << "out/sample.map: cannot be written: it is no file.";
+    QTest::newRow("folder for a type")
+        << "out"
+        << "out/territoryTypes/Wolf.xml/x"
+        << "out/territoryTypes/Wolf.xml: cannot be written: it is no file.";
+    QTest::newRow("file for the types") << "out"
+                                        << "out/territoryTypes"
+                                        << "out/territoryTypes: the folder cannot be created.";
+}
+
+void tst_ToolExport::NothingIsLeftWhenTheOutputFails()
+{
+    QFETCH(QString, folder);
+    QFETCH(QString, obstacle);
+    QFETCH(QString, error);
+    const SampleProject project;
+    WriteBytes(project.Path("out/old.txt"), "old");
+    if (!obstacle.isEmpty()) {
+        WriteBytes(project.Path(obstacle), "obstacle");
+    }
+    if (!obstacle.startsWith("out/sample.map")) {
+        WriteBytes(project.Path("out/sample.map"), "old map");
+    }
+    const QMap<QString, QByteArray> files = FilesBelow(project.Path("."));
+
+    const ProgramRun run = project.Run({"export", "-o", folder, "sample.xml"});
+
+    QCOMPARE(run.log, QStringList{error});
+    QCOMPARE(run.output, QString());
+    QCOMPARE(run.exitCode, 4);
+    QCOMPARE(FilesBelow(project.Path(".")), files);
+}
+
+void tst_ToolExport::FullDisksAreReported()
+{
+    const SampleProject project;
+    const QMap<QString, QByteArray> files = FilesBelow(project.Path("."));
+    const ProgramRun run =
+        project.RunLimited("ulimit -f 0", {"export", "-o", "new/out", "sample.xml"});
+    QCOMPARE(run.log, QStringList{"new/out/sample.map: cannot be written: File too large."});
+    QCOMPARE(run.exitCode, 4);
+    QCOMPARE(FilesBelow(project.Path(".")), files);
+}
+
+void tst_ToolExport::UnwrittenOutputEndsWithFour()
+{
+    const SampleProject project;
+    const ProgramRun run = project.RunLimited("exec >/dev/full", {"check", "sample.xml"});
+    QCOMPARE(run.log, QStringList{"standard output: cannot be written."});
+    QCOMPARE(run.exitCode, 4);
+}
+
+void tst_ToolExport::HelpAndUsage_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QStringList>("log");
+    QTest::addColumn<int>("exitCode");
+    const QString help =
+        "Usage: quillmap-tool export [OPTION]... PROJECT\n\n"
+        "Write the area map and the territory type files of a project.\n"
+        "NAME.map and territoryTypes/*.xml take their places together, or not at all.\n"
+        "Prints the names of the files.\n\n"
+        "Options:\n"
+        "  -o, --output DIR  Write into the folder DIR instead of the current one.\n"
+        "  -q, --quiet       Print nothing but errors, and JSON where it is asked for.\n"
+        "  -h, --help        Show this help.\n";
+    const QString tryHelp = "quillmap-tool: try 'quillmap-tool export --help'.";
+    QTest::newRow("help") << QStringList{"export", "--help"} << help << QStringList() << 0;
+    QTest::newRow("short help") << QStringList{"export", "-h", "x"} << help << QStringList() << 0;
+    QTest::newRow("version") << QStringList{"--version"} << "quillmap-tool " QUILLMAP_VERSION "\n"
+                             << QStringList() << 0;
+    QTest::newRow("no command") << QStringList() << ""
+                                << QStringList{"quillmap-tool: a command is needed.",
+                                               "quillmap-tool: try 'quillmap-tool --help'."}
+                                << 2;
+    QTest::newRow("unknown command") << QStringList{"paint"} << ""
+                                     << QStringList{"quillmap-tool: there is no command 'paint'.",
+                                                    "quillmap-tool: try 'quillmap-tool --help'."}
+                                     << 2;
+    QTest::newRow("no project")
+        << QStringList{"export"} << ""
+        << QStringList{"quillmap-tool: PROJECT is needed, and nothing else.", tryHelp} << 2;
+    QTest::newRow("two projects")
+        << QStringList{"export", "a", "b"} << ""
+        << QStringList{"quillmap-tool: PROJECT is needed, and nothing else.", tryHelp} << 2;
+    QTest::newRow("unknown option")
+        << QStringList{"export", "--json", "a"} << ""
+        << QStringList{"quillmap-tool: Unknown option 'json'.", tryHelp} << 2;
+    QTest::newRow("option of the toolkit")
+        << QStringList{"export", "-platform", "xcb", "a"} << ""
+        << QStringList{"quillmap-tool: Unknown options: p, l, a, t, f.", tryHelp} << 2;
+    QTest::newRow("no folder") << QStringList{"export", "a", "-o"} << ""
+                               << QStringList{"quillmap-tool: Missing value after '-o'.", tryHelp}
+                               << 2;
+}
+
+void tst_ToolExport::HelpAndUsage()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, output);
+    QFETCH(QStringList, log);
+    QFETCH(int, exitCode);
+    const SampleProject project;
+    const ProgramRun run = project.Run(arguments);
+    QCOMPARE(run.output, output);
+    QCOMPARE(run.log, log);
+    QCOMPARE(run.exitCode, exitCode);
+}
+
+QTEST_APPLESS_MAIN(tst_ToolExport)
+#include "tst_ToolExport.moc"

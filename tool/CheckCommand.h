@@ -1,0 +1,6 @@
+#pragma once
+
+struct Command;
+
+/// Looks for what makes a project's output wrong or surprising.
+Command CheckCommand();

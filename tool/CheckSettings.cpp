@@ -1,0 +1,107 @@
+#include "tool/Findings.h"
+
+#include "layers/raster/BitFieldRaster.h"
+#include "layers/raster/Mask.h"
+#include "tool/ProjectData.h"
+
+#include <QFileInfo>
+#include <QImageReader>
+
+namespace {
+
+QString Project()
+{
+    return QStringLiteral("project");
+}
+
+void CheckSizes(const ProjectData& project, Findings& findings)
+{
+    if (!raster::IsMaskSize(project.layerSize)) {
+        findings.append({QStringLiteral("layer-size"), Severity::Error, Project(),
+                         QStringLiteral("layers cannot have %1x%2 pixels.")
+                             .arg(project.layerSize.width())
+                             .arg(project.layerSize.height()),
+                         QStringLiteral("Choose a size from 1 to %1.").arg(raster::MaxMaskLength)});
+    }
+    if (project.worldSize.isEmpty()) {
+        findings.append({QStringLiteral("world-size"), Severity::Error, Project(),
+                         QStringLiteral("the world cannot be %1x%2 metres large.")
+                             .arg(project.worldSize.width())
+                             .arg(project.worldSize.height()),
+                         QStringLiteral("Choose a size of at least 1.")});
+    }
+}
+
+void CheckFlagTypeCount(const QString& kind, int count, Findings& findings)
+{
+    if (count > AreaFlagTypes::MaxCount) {
+        findings.append(
+            {QStringLiteral("too-many-flag-types"), Severity::Error, Project(),
+             QStringLiteral("there are %1 %2 flag types, and a map holds %3.")
+                 .arg(QString::number(count), kind, QString::number(AreaFlagTypes::MaxCount)),
+             QStringLiteral("Remove those that are not needed.")});
+    }
+}
+
+/// Columns that the fields of a map section have no place for.
+void CheckMapColumns(const QString& kind, int flagCount, int width, Findings& findings)
+{
+    const auto bits = static_cast<int>(raster::NextPowerOfTwo(static_cast<quint32>(flagCount)));
+    if (!raster::IsFieldSize(bits) || width <= 0) {
+        return;
+    }
+    const int lost = width % (32 / bits);
+    if (lost > 0) {
+        findings.append(
+            {QStringLiteral("lost-map-columns"), Severity::Error, Project(),
+             QStringLiteral("the %1 flags of the rightmost %2 of %3 columns have no "
+                            "place in the map.")
+                 .arg(kind)
+                 .arg(lost)
+                 .arg(width),
+             QStringLiteral("Choose a layer size that is a multiple of %1.").arg(32 / bits)});
+    }
+}
+
+void CheckBitmapColumns(int width, Findings& findings)
+{
+    if (width > 0 && width % 4 != 0) {
+        findings.append(
+            {QStringLiteral("lost-bitmap-columns"), Severity::Warning, Project(),
+             QStringLiteral("some programs lose or shift columns of bitmaps that are %1 "
+                            "pixels wide.")
+                 .arg(width),
+             QStringLiteral("Choose a layer size that is a multiple of 4.")});
+    }
+}
+
+void CheckBackground(const ProjectData& project, Findings& findings)
+{
+    if (project.backgroundFile.isEmpty()) {
+        return;
+    }
+    const QString path = project.BackgroundPath();
+    const QString place = QStringLiteral("background '%1'").arg(project.backgroundFile);
+    const bool isThere = QFileInfo(path).isFile();
+    if (!isThere || !QImageReader(path).canRead()) {
+        findings.append({QStringLiteral("missing-background"), Severity::Warning, place,
+                         isThere ? QStringLiteral("the file is no picture that can be read.")
+                                 : QStringLiteral("there is no such file."),
+                         QStringLiteral("Load a background image in the editor.")});
+    }
+}
+
+} // namespace
+
+void CheckSettings(const ProjectData& project, Findings& findings)
+{
+    const int usageCount = project.flagTypes.usages.size();
+    const int valueCount = project.flagTypes.values.size();
+    CheckSizes(project, findings);
+    CheckFlagTypeCount(QStringLiteral("usage"), usageCount, findings);
+    CheckFlagTypeCount(QStringLiteral("value"), valueCount, findings);
+    CheckMapColumns(QStringLiteral("usage"), usageCount, project.layerSize.width(), findings);
+    CheckMapColumns(QStringLiteral("value"), valueCount, project.layerSize.width(), findings);
+    CheckBitmapColumns(project.layerSize.width(), findings);
+    CheckBackground(project, findings);
+}

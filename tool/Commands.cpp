@@ -1,0 +1,158 @@
+#include "tool/Commands.h"
+
+#include "tool/CheckCommand.h"
+#include "tool/ExportCommand.h"
+#include "tool/InfoCommand.h"
+
+#include <QCommandLineParser>
+
+#include <algorithm>
+
+namespace {
+
+const QString& ToolName()
+{
+    static const QString name = QStringLiteral("quillmap-tool");
+    return name;
+}
+
+QVector<QCommandLineOption> WithCommonOptions(QVector<QCommandLineOption> options)
+{
+    options.append({{QStringLiteral("q"), QStringLiteral("quiet")},
+                    QStringLiteral("Print nothing but errors, and JSON where it is asked for.")});
+    options.append(
+        {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")});
+    return options;
+}
+
+QString OptionNames(const QCommandLineOption& option)
+{
+    QStringList names;
+    const QStringList all = option.names();
+    for (const QString& name : all) {
+        names.append((name.size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + name);
+    }
+    const QString value = option.valueName();
+    return names.join(QStringLiteral(", ")) +
+           (value.isEmpty() ? QString() : QLatin1Char(' ') + value);
+}
+
+/// Lines of a name and what it means, in two columns.
+QString Table(const QVector<QPair<QString, QString>>& lines)
+{
+    int width = 0;
+    for (const auto& line : lines) {
+        width = qMax(width, line.first.size());
+    }
+    QString table;
+    for (const auto& line : lines) {
+        table += QStringLiteral("  %1  %2\n").arg(line.first.leftJustified(width), line.second);
+    }
+    return table;
+}
+
+QString OptionTable(const QVector<QCommandLineOption>& options)
+{
+    QVector<QPair<QString, QString>> lines;
+    for (const QCommandLineOption& option : options) {
+        lines.append({OptionNames(option), option.description()});
+    }
+    return QStringLiteral("Options:\n") + Table(lines);
+}
+
+QString ToolHelp()
+{
+    QVector<QPair<QString, QString>> commands;
+    for (const Command& command : Commands()) {
+        commands.append({command.name, command.summary.section(QLatin1Char('\n'), 0, 0)});
+    }
+    return QStringLiteral("Usage: quillmap-tool COMMAND [OPTION]... FILE...\n\n"
+                          "Checks, shows and exports the projects and maps of Quillmap.\n\n"
+                          "Commands:\n") +
+           Table(commands) +
+           QStringLiteral("\nOptions:\n"
+                          "  -h, --help     Show this help; behind a command that of the command.\n"
+                          "  -v, --version  Show the version.\n\n"
+                          "Exit codes:\n"
+                          "  0  Done.\n"
+                          "  1  There are findings or differences.\n"
+                          "  2  The arguments are wrong.\n"
+                          "  3  A file cannot be read.\n"
+                          "  4  A file cannot be written.\n");
+}
+
+QString CommandHelp(const Command& command)
+{
+    return QStringLiteral("Usage: quillmap-tool %1 [OPTION]... %2\n\n%3\n\n")
+               .arg(command.name, command.files, command.summary) +
+           OptionTable(WithCommonOptions(command.options));
+}
+
+ToolExit BadUsage(const QString& error, const QString& help)
+{
+    Console::PrintError(ToolName(), error);
+    Console::PrintError(ToolName(), QStringLiteral("try '%1 --help'.").arg(help));
+    return ToolExit::BadArguments;
+}
+
+ToolExit RunCommand(const Command& command, const QStringList& arguments)
+{
+    const QString help = ToolName() + QLatin1Char(' ') + command.name;
+    QCommandLineParser parser;
+    const QVector<QCommandLineOption> options = WithCommonOptions(command.options);
+    for (const QCommandLineOption& option : options) {
+        parser.addOption(option);
+    }
+    if (!parser.parse(arguments)) {
+        return BadUsage(parser.errorText(), help);
+    }
+    if (parser.isSet(QStringLiteral("help"))) {
+        Console::PrintData(CommandHelp(command).toUtf8());
+        return ToolExit::Done;
+    }
+    const QStringList files = parser.positionalArguments();
+    if (files.size() != command.fileCount) {
+        return BadUsage(QStringLiteral("%1 is needed, and nothing else.").arg(command.files), help);
+    }
+    Console::SetQuiet(parser.isSet(QStringLiteral("quiet")));
+    return command.run(files, parser);
+}
+
+ToolExit Run(const QStringList& arguments)
+{
+    if (arguments.size() < 2) {
+        return BadUsage(QStringLiteral("a command is needed."), ToolName());
+    }
+    const QString& first = arguments.at(1);
+    if (first == QLatin1String("--help") || first == QLatin1String("-h")) {
+        Console::PrintData(ToolHelp().toUtf8());
+        return ToolExit::Done;
+    }
+    if (first == QLatin1String("--version") || first == QLatin1String("-v")) {
+        Console::PrintData("quillmap-tool " QUILLMAP_VERSION "\n");
+        return ToolExit::Done;
+    }
+    const QVector<Command>& commands = Commands();
+    const auto command =
+        std::find_if(commands.begin(), commands.end(),
+                     [&first](const Command& candidate) { return candidate.name == first; });
+    if (command == commands.end()) {
+        return BadUsage(QStringLiteral("there is no command %1.").arg(Console::Quoted(first)),
+                        ToolName());
+    }
+    return RunCommand(*command, arguments.mid(1));
+}
+
+} // namespace
+
+const QVector<Command>& Commands()
+{
+    static const QVector<Command> commands = {CheckCommand(), InfoCommand(), ExportCommand()};
+    return commands;
+}
+
+ToolExit RunTool(const QStringList& arguments)
+{
+    const ToolExit result = Run(arguments);
+    return Console::Flush() ? result : ToolExit::NotWritten;
+}

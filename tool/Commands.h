@@ -1,0 +1,31 @@
+#pragma once
+
+#include "tool/Console.h"
+
+#include <QCommandLineOption>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include <functional>
+
+class QCommandLineParser;
+
+/// One command of the tool, as its help describes it.
+struct Command
+{
+    QString name;
+    /// What stands behind the options, and how many files that may be.
+    QString files;
+    int fileCount = 1;
+    /// Sentences, one a line.
+    QString summary;
+    QVector<QCommandLineOption> options;
+    std::function<ToolExit(const QStringList& files, const QCommandLineParser& options)> run;
+};
+
+/// In the order of the help.
+const QVector<Command>& Commands();
+
+/// Does what the arguments ask for; the first one is the program's name.
+ToolExit RunTool(const QStringList& arguments);

@@ -1,0 +1,123 @@
+#include "tool/Console.h"
+
+#include <QtGlobal>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace Console {
+namespace {
+
+struct State
+{
+    bool isQuiet = false;
+    bool isWhole = true;
+    QString file = QStringLiteral("quillmap-tool");
+};
+
+State& TheState()
+{
+    static State state;
+    return state;
+}
+
+/// One line, whatever names from files put into it: a line break could forge another message, and
+/// escape sequences could change what is shown.
+QString WithoutControlCharacters(QString text)
+{
+    for (QChar& character : text) {
+        const QChar::Category category = character.category();
+        if (category == QChar::Other_Control || category == QChar::Separator_Line ||
+            category == QChar::Separator_Paragraph) {
+            character = QLatin1Char(' ');
+        }
+    }
+    return text;
+}
+
+void Write(const QByteArray& text)
+{
+    const auto count = static_cast<std::size_t>(text.size());
+    TheState().isWhole =
+        std::fwrite(text.constData(), 1, count, stdout) == count && TheState().isWhole;
+}
+
+/// Logged lines begin with the time of day.
+QString WithoutTime(const QString& line)
+{
+    constexpr int timeLength = 11;
+    return line.mid(8, 3) == QLatin1String(" - ") ? line.mid(timeLength) : line;
+}
+
+void TakeMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg) {
+        PrintError(TheState().file, WithoutTime(message));
+    }
+    if (type == QtFatalMsg) {
+        std::abort();
+    }
+}
+
+} // namespace
+
+void SetQuiet(bool isQuiet)
+{
+    TheState().isQuiet = isQuiet;
+}
+
+bool IsQuiet()
+{
+    return TheState().isQuiet;
+}
+
+void Print(const QString& line)
+{
+    if (!IsQuiet()) {
+        Write(WithoutControlCharacters(line).toUtf8() + '\n');
+    }
+}
+
+void PrintData(const QByteArray& text)
+{
+    Write(text);
+}
+
+void PrintError(const QString& file, const QString& what)
+{
+    const QString line = WithoutControlCharacters(file + QStringLiteral(": ") + what);
+    const QByteArray text = line.toUtf8() + '\n';
+    std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stderr);
+}
+
+bool Flush()
+{
+    if (std::fflush(stdout) == 0 && TheState().isWhole) {
+        return true;
+    }
+    PrintError(QStringLiteral("standard output"), QStringLiteral("cannot be written."));
+    return false;
+}
+
+void TakeMessages()
+{
+    qInstallMessageHandler(TakeMessage);
+}
+
+CurrentFile::CurrentFile(const QString& file)
+    : m_before(TheState().file)
+{
+    TheState().file = file;
+}
+
+CurrentFile::~CurrentFile()
+{
+    TheState().file = m_before;
+}
+
+QString Quoted(const QString& name)
+{
+    return QLatin1Char('\'') + name + QLatin1Char('\'');
+}
+
+} // namespace Console

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "layers/raster/BitFieldRaster.h"
+#include "tool/LayerBitmap.h"
+#include "tool/ProjectData.h"
+
+#include <QFile>
+#include <QSize>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+/// The fields of an area map, whole or still to be composed, a band of rows at a time: as many rows
+/// as raster::TargaBands has, from the bottom of the map as in its file.
+class FieldBands
+{
+public:
+    virtual ~FieldBands() = default;
+    FieldBands() = default;
+    Q_DISABLE_COPY(FieldBands)
+
+    /// Pixels.
+    QSize Size() const { return m_size; }
+    /// Metres.
+    QSize WorldSize() const { return m_worldSize; }
+    /// Of a field; 0 where the section has none.
+    int UsageBits() const { return m_usageBits; }
+    int ValueBits() const { return m_valueBits; }
+    int BandCount() const;
+    int Rows(int band) const;
+
+    raster::BitFieldRaster UsageRaster(int band) const;
+    raster::BitFieldRaster ValueRaster(int band) const;
+    /// Fills fresh rasters of the band with words in the machine's order; false after a printed
+    /// error.
+    virtual bool Read(int band, raster::BitFieldRaster& usages, raster::BitFieldRaster& values) = 0;
+
+protected:
+    QSize m_size;
+    QSize m_worldSize;
+    int m_usageBits = 0;
+    int m_valueBits = 0;
+};
+
+/// The fields that a project's layers make.
+class ProjectFields : public FieldBands
+{
+public:
+    /// False after a printed error: when the layers have no size that a map can hold, there are too
+    /// many flag types, or a bitmap cannot be read.
+    bool Open(const ProjectData& project);
+    bool Read(int band, raster::BitFieldRaster& usages, raster::BitFieldRaster& values) override;
+
+private:
+    bool AddBitmaps(const ProjectData& project);
+
+    struct FlaggedBitmap
+    {
+        quint32 usageFlags;
+        quint32 valueFlags;
+        std::unique_ptr<LayerBitmap> bitmap;
+    };
+
+    QString m_path;
+    std::vector<FlaggedBitmap> m_bitmaps;
+};
+
+/// The fields of a map file.
+class MapFields : public FieldBands
+{
+public:
+    /// What is wrong with the file as a map; empty when nothing is.
+    QString Open(const QString& path);
+    bool Read(int band, raster::BitFieldRaster& usages, raster::BitFieldRaster& values) override;
+
+private:
+    qint64 SectionBytes(int bits) const;
+    bool ReadSection(qint64 offset, int band, raster::BitFieldRaster& fields);
+
+    QFile m_file;
+};

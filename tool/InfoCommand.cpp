@@ -1,0 +1,343 @@
+#include "tool/InfoCommand.h"
+
+#include "layers/raster/BitFieldRaster.h"
+#include "tool/Commands.h"
+#include "tool/FieldBands.h"
+#include "tool/FieldCounts.h"
+#include "tool/FileKind.h"
+#include "tool/LayerBitmap.h"
+#include "tool/Progress.h"
+#include "tool/ProjectData.h"
+#include "tool/Report.h"
+
+#include <QCommandLineParser>
+#include <QJsonArray>
+#include <QXmlStreamReader>
+
+#include <cmath>
+
+namespace {
+
+/// Facts of pixels, and of what they mean in the world.
+class AreaScale
+{
+public:
+    AreaScale(QSize layerSize, QSize worldSize)
+        : m_pixelCount(double(layerSize.width()) * layerSize.height())
+        , m_squareKm(double(worldSize.width()) * worldSize.height() / 1e6)
+    {
+    }
+
+    void AddTo(Report& report, qint64 pixels) const
+    {
+        const double share = m_pixelCount > 0 ? double(pixels) / m_pixelCount : 0;
+        report.Add(QStringLiteral("pixels"), pixels);
+        report.Add(QStringLiteral("km2"), Rounded(share * m_squareKm, 3));
+        report.Add(QStringLiteral("percent"), Rounded(share * 100, 2));
+    }
+
+    static double Rounded(double value, int digits)
+    {
+        const double scale = std::pow(10.0, digits);
+        return std::round(value * scale) / scale;
+    }
+
+private:
+    double m_pixelCount;
+    double m_squareKm;
+};
+
+void AddSizes(Report& report, QSize layerSize, QSize worldSize)
+{
+    report.Add(QStringLiteral("width"), layerSize.width());
+    report.Add(QStringLiteral("height"), layerSize.height());
+    report.Add(QStringLiteral("world-width"), worldSize.width());
+    report.Add(QStringLiteral("world-height"), worldSize.height());
+}
+
+struct MapCounts
+{
+    FieldCounts usages;
+    FieldCounts values;
+};
+
+bool CountFields(FieldBands& fields, MapCounts& counts)
+{
+    Progress progress(QStringLiteral("Counting"), fields.BandCount());
+    for (int band = 0; band < fields.BandCount(); ++band) {
+        raster::BitFieldRaster usages = fields.UsageRaster(band);
+        raster::BitFieldRaster values = fields.ValueRaster(band);
+        if (!usages.IsValid() || !values.IsValid() || !fields.Read(band, usages, values)) {
+            return false;
+        }
+        counts.usages.Add(usages);
+        counts.values.Add(values);
+        progress.Step();
+    }
+    return true;
+}
+
+/// One entry a flag; bits without a name are left out where nothing has them.
+QVector<Report> FlagReports(const FieldCounts& counts, int bits, const QVector<QString>& names,
+                            const AreaScale& scale)
+{
+    QVector<Report> reports;
+    for (int bit = 0; bit < qMax(bits, names.size()); ++bit) {
+        const qint64 pixels = bit < bits ? counts.Of(bit) : 0;
+        if (bit >= names.size() && pixels == 0) {
+            continue;
+        }
+        Report report;
+        report.Add(QStringLiteral("name"), names.value(bit, QStringLiteral("bit %1").arg(bit)));
+        report.Add(QStringLiteral("bit"), bit);
+        scale.AddTo(report, pixels);
+        reports.append(report);
+    }
+    return reports;
+}
+
+void AddTotals(Report& report, const SpawnCounts& totals)
+{
+    report.Add(QStringLiteral("static-min"), totals.staticMin);
+    report.Add(QStringLiteral("static-max"), totals.staticMax);
+    report.Add(QStringLiteral("dynamic-min"), totals.dynamicMin);
+    report.Add(QStringLiteral("dynamic-max"), totals.dynamicMax);
+}
+
+Report TypeReport(const QString& name, const QVector<TerritoryData>& territories)
+{
+    int zones = 0;
+    SpawnCounts totals;
+    for (const TerritoryData& territory : territories) {
+        zones += territory.zones.size();
+        totals += territory.Totals();
+    }
+    Report report;
+    report.Add(QStringLiteral("name"), name);
+    report.Add(QStringLiteral("territories"), territories.size());
+    report.Add(QStringLiteral("zones"), zones);
+    AddTotals(report, totals);
+    return report;
+}
+
+QJsonArray FlagNames(quint32 flags, const QVector<QString>& names)
+{
+    QJsonArray array;
+    for (int bit = 0; bit < AreaFlagTypes::MaxCount; ++bit) {
+        if ((flags >> bit & 1U) != 0) {
+            array.append(names.value(bit, QStringLiteral("bit %1").arg(bit)));
+        }
+    }
+    return array;
+}
+
+QVector<Report> LayerReports(const ProjectData& project, const AreaScale& scale)
+{
+    Progress progress(QStringLiteral("Reading layers"), project.layers.size());
+    QVector<Report> reports;
+    for (const LayerData& layer : project.layers) {
+        const LayerBitmap bitmap(project.BitmapPath(layer), project.layerSize);
+        Report report;
+        report.Add(QStringLiteral("name"), layer.name);
+        report.Add(QStringLiteral("visible"), layer.isVisible);
+        report.Add(QStringLiteral("usages"), FlagNames(layer.usageFlags, project.flagTypes.usages));
+        report.Add(QStringLiteral("values"), FlagNames(layer.valueFlags, project.flagTypes.values));
+        scale.AddTo(report, CountPixels(bitmap).Covered());
+        reports.append(report);
+        progress.Step();
+    }
+    return reports;
+}
+
+ToolExit DescribeProject(const QString& path, bool asJson)
+{
+    ProjectData project;
+    ProjectFields fields;
+    MapCounts counts;
+    if (!ReadProject(path, project) || !fields.Open(project) || !CountFields(fields, counts)) {
+        return ToolExit::Unreadable;
+    }
+    const AreaScale scale(project.layerSize, project.worldSize);
+    QVector<Report> types;
+    QVector<TerritoryData> territories;
+    for (const TerritoryTypeData& type : qAsConst(project.types)) {
+        types.append(TypeReport(type.name, type.territories));
+        territories += type.territories;
+    }
+    Report report;
+    report.Add(QStringLiteral("file"), path);
+    report.Add(QStringLiteral("kind"), QStringLiteral("project"));
+    AddSizes(report, project.layerSize, project.worldSize);
+    report.Add(QStringLiteral("background"), project.backgroundFile);
+    report.Add(QStringLiteral("layers"), LayerReports(project, scale));
+    report.Add(QStringLiteral("usage-flags"),
+               FlagReports(counts.usages, fields.UsageBits(), project.flagTypes.usages, scale));
+    report.Add(QStringLiteral("value-flags"),
+               FlagReports(counts.values, fields.ValueBits(), project.flagTypes.values, scale));
+    report.Add(QStringLiteral("territory-types"), types);
+    report.Add(QStringLiteral("all-territories"),
+               QVector<Report>{TypeReport(QStringLiteral("all types"), territories)});
+    report.Print(asJson);
+    return ToolExit::Done;
+}
+
+ToolExit DescribeMap(const QString& path, bool asJson)
+{
+    MapFields fields;
+    MapCounts counts;
+    const QString error = fields.Open(path);
+    if (!error.isEmpty()) {
+        Console::PrintError(path, error);
+        return ToolExit::Unreadable;
+    }
+    if (!CountFields(fields, counts)) {
+        return ToolExit::Unreadable;
+    }
+    const AreaScale scale(fields.Size(), fields.WorldSize());
+    Report report;
+    report.Add(QStringLiteral("file"), path);
+    report.Add(QStringLiteral("kind"), QStringLiteral("map"));
+    AddSizes(report, fields.Size(), fields.WorldSize());
+    report.Add(QStringLiteral("usage-bits"), fields.UsageBits());
+    report.Add(QStringLiteral("value-bits"), fields.ValueBits());
+    report.Add(QStringLiteral("usage-flags"),
+               FlagReports(counts.usages, fields.UsageBits(), {}, scale));
+    report.Add(QStringLiteral("value-flags"),
+               FlagReports(counts.values, fields.ValueBits(), {}, scale));
+    report.Print(asJson);
+    return ToolExit::Done;
+}
+
+ToolExit DescribeBitmap(const QString& path, bool asJson)
+{
+    const LayerBitmap bitmap(path);
+    if (bitmap.GetProblem() != LayerBitmap::Problem::None) {
+        Console::PrintError(path, bitmap.Error());
+        return ToolExit::Unreadable;
+    }
+    const PixelCounts counts = CountPixels(bitmap);
+    const double pixelCount = double(bitmap.Size().width()) * bitmap.Size().height();
+    Report report;
+    report.Add(QStringLiteral("file"), path);
+    report.Add(QStringLiteral("kind"), QStringLiteral("layer bitmap"));
+    report.Add(QStringLiteral("width"), bitmap.Size().width());
+    report.Add(QStringLiteral("height"), bitmap.Size().height());
+    report.Add(QStringLiteral("cut-off"), bitmap.IsCutOff());
+    report.Add(QStringLiteral("set"), counts.set);
+    report.Add(QStringLiteral("clear"), counts.clear);
+    report.Add(QStringLiteral("other"), counts.other);
+    report.Add(QStringLiteral("percent"),
+               AreaScale::Rounded(100 * double(counts.Covered()) / pixelCount, 2));
+    report.Print(asJson);
+    return ToolExit::Done;
+}
+
+/// Reads the whole document, so that its end is known to be good; false after a printed error.
+template <typename ReadElement>
+bool ReadDocument(const QString& path, QLatin1String element, ReadElement read)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        Console::PrintError(path, QStringLiteral("cannot be read: %1.").arg(file.errorString()));
+        return false;
+    }
+    QXmlStreamReader xml(&file);
+    while (!xml.atEnd()) {
+        xml.readNext();
+        if (xml.isStartElement() && (element.size() == 0 || xml.name() == element)) {
+            read(xml);
+        }
+    }
+    if (xml.hasError()) {
+        Console::PrintError(
+            path, QStringLiteral("line %1: %2").arg(xml.lineNumber()).arg(xml.errorString()));
+    }
+    return !xml.hasError();
+}
+
+ToolExit DescribeType(const QString& path, bool asJson)
+{
+    QVector<TerritoryData> territories;
+    if (!ReadDocument(path, QLatin1String("territory-type"), [&](QXmlStreamReader& xml) {
+            territories += ReadTerritoryType(xml).territories;
+        })) {
+        return ToolExit::Unreadable;
+    }
+    Report report;
+    report.Add(QStringLiteral("file"), path);
+    report.Add(QStringLiteral("kind"), QStringLiteral("territory type"));
+    QVector<Report> each;
+    for (int i = 0; i < territories.size(); ++i) {
+        Report territory;
+        territory.Add(QStringLiteral("number"), i + 1);
+        territory.Add(QStringLiteral("zones"), territories.at(i).zones.size());
+        AddTotals(territory, territories.at(i).Totals());
+        each.append(territory);
+    }
+    report.Add(QStringLiteral("territories"), each);
+    report.Add(QStringLiteral("all-territories"),
+               QVector<Report>{TypeReport(QStringLiteral("all"), territories)});
+    report.Print(asJson);
+    return ToolExit::Done;
+}
+
+ToolExit DescribeAreaTypes(const QString& path, bool asJson)
+{
+    QJsonArray usages;
+    QJsonArray values;
+    const auto read = [&](QXmlStreamReader& xml) {
+        const QString name = xml.attributes().value(QLatin1String("name")).toString();
+        if (xml.name() == QLatin1String("usage")) {
+            usages.append(name);
+        } else if (xml.name() == QLatin1String("value")) {
+            values.append(name);
+        }
+    };
+    if (!ReadDocument(path, QLatin1String(), read)) {
+        return ToolExit::Unreadable;
+    }
+    Report report;
+    report.Add(QStringLiteral("file"), path);
+    report.Add(QStringLiteral("kind"), QStringLiteral("area types"));
+    report.Add(QStringLiteral("usages"), usages);
+    report.Add(QStringLiteral("values"), values);
+    report.Print(asJson);
+    return ToolExit::Done;
+}
+
+ToolExit Info(const QStringList& files, const QCommandLineParser& options)
+{
+    const QString& path = files.first();
+    const bool asJson = options.isSet(QStringLiteral("json"));
+    FileKind kind = FileKind::Project;
+    if (!FindKind(path, kind)) {
+        return ToolExit::Unreadable;
+    }
+    switch (kind) {
+    case FileKind::Project:
+        return DescribeProject(path, asJson);
+    case FileKind::TerritoryType:
+        return DescribeType(path, asJson);
+    case FileKind::AreaTypes:
+        return DescribeAreaTypes(path, asJson);
+    case FileKind::Map:
+        return DescribeMap(path, asJson);
+    case FileKind::Bitmap:
+        break;
+    }
+    return DescribeBitmap(path, asJson);
+}
+
+} // namespace
+
+Command InfoCommand()
+{
+    return {
+        QStringLiteral("info"),
+        QStringLiteral("FILE"),
+        1,
+        QStringLiteral("Tell what a project, map, layer bitmap, territory type or area types file "
+                       "holds."),
+        {{QStringLiteral("json"), QStringLiteral("Print it as JSON.")}},
+        Info};
+}

@@ -1,0 +1,6 @@
+#pragma once
+
+struct Command;
+
+/// Tells what a file holds.
+Command InfoCommand();

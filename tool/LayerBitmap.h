@@ -1,0 +1,62 @@
+#pragma once
+
+#include "layers/raster/TargaBands.h"
+
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+#include <memory>
+
+/// A layer bitmap that is read band by band. Its bytes are kept when they are few, and otherwise
+/// read anew for each band.
+class LayerBitmap
+{
+public:
+    enum class Problem
+    {
+        None,
+        /// There is no such file.
+        Missing,
+        /// It cannot be read, or is no grey TGA file.
+        Unreadable,
+        WrongSize,
+    };
+
+    /// The size that the image shall have; empty for whatever its header says.
+    explicit LayerBitmap(const QString& path, QSize size = {});
+
+    Problem GetProblem() const { return m_problem; }
+    /// The problem in words, without the file; empty for none.
+    const QString& Error() const { return m_error; }
+    bool IsCutOff() const { return m_bands->IsCutOff(); }
+    /// That of the header.
+    QSize Size() const { return m_size; }
+    /// 0 when there is a problem.
+    int BandCount() const { return m_bands ? m_bands->Count() : 0; }
+    /// Bands count from the bottom; see TargaBands.
+    QImage Band(int band) const { return m_bands->Decode(band); }
+
+private:
+    void Refuse(Problem problem, const QString& error);
+    raster::ByteReader MakeReader();
+
+    QString m_path;
+    QSize m_size;
+    Problem m_problem = Problem::None;
+    QString m_error;
+    std::unique_ptr<raster::TargaBands> m_bands;
+};
+
+/// How many pixels of a bitmap have which value.
+struct PixelCounts
+{
+    qint64 clear = 0;
+    qint64 set = 0;
+    qint64 other = 0;
+
+    /// Those that the map takes for set.
+    qint64 Covered() const { return set + other; }
+};
+
+PixelCounts CountPixels(const LayerBitmap& bitmap);

@@ -1,0 +1,197 @@
+#include "tool/ProjectData.h"
+
+#include "app/ProjectReader.h"
+#include "app/ProjectSettings.h"
+#include "app/Xml.h"
+#include "tool/Console.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QXmlStreamReader>
+
+bool ZoneData::operator==(const ZoneData& other) const
+{
+    const auto values = [](const ZoneData& zone) {
+        return QVector<float>{zone.x, zone.z, zone.radius};
+    };
+    const auto numbers = [](const ZoneData& zone) {
+        return QVector<int>{zone.counts.staticMin, zone.counts.staticMax, zone.counts.dynamicMin,
+                            zone.counts.dynamicMax, zone.depth};
+    };
+    return name == other.name && values(*this) == values(other) && numbers(*this) == numbers(other);
+}
+
+SpawnCounts TerritoryData::Totals() const
+{
+    SpawnCounts totals;
+    for (const ZoneData& zone : zones) {
+        totals += zone.counts;
+    }
+    return totals;
+}
+
+QString ProjectData::BitmapPath(const LayerData& layer) const
+{
+    return folder.filePath(QStringLiteral("layers/") + layer.name + QStringLiteral(".tga"));
+}
+
+QString ProjectData::BackgroundPath() const
+{
+    return folder.path() + QLatin1Char('/') + backgroundFile;
+}
+
+QString ReadingError(const QString& path)
+{
+    const QFileInfo info(path);
+    if (!info.exists()) {
+        return QStringLiteral("does not exist.");
+    }
+    if (!info.isFile()) {
+        return QStringLiteral("is no file.");
+    }
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly)
+               ? QString()
+               : QStringLiteral("cannot be read: %1.").arg(file.errorString());
+}
+
+namespace {
+
+LayerData ReadLayer(const QXmlStreamReader& xml)
+{
+    constexpr quint32 white = 0xFFFFFFFF;
+    LayerData layer;
+    layer.name = TextAttribute(xml, QLatin1String("name"));
+    layer.usageFlags = BitsAttribute(xml, QLatin1String("usage_flags"));
+    layer.valueFlags = BitsAttribute(xml, QLatin1String("value_flags"));
+    layer.color = QColor::fromRgba(UIntAttribute(xml, QLatin1String("color"), white));
+    layer.isVisible = IntAttribute(xml, QLatin1String("visible"), 0) > 0;
+    return layer;
+}
+
+ZoneData ReadZone(const QXmlStreamReader& xml)
+{
+    ZoneData zone;
+    zone.name = TextAttribute(xml, QLatin1String("name"));
+    zone.counts.staticMin = IntAttribute(xml, QLatin1String("smin"), 0);
+    zone.counts.staticMax = IntAttribute(xml, QLatin1String("smax"), 0);
+    zone.counts.dynamicMin = IntAttribute(xml, QLatin1String("dmin"), 0);
+    zone.counts.dynamicMax = IntAttribute(xml, QLatin1String("dmax"), 0);
+    zone.x = FloatAttribute(xml, QLatin1String("x"), 0);
+    zone.z = FloatAttribute(xml, QLatin1String("z"), 0);
+    zone.radius = FloatAttribute(xml, QLatin1String("r"), 0);
+    zone.depth = IntAttribute(xml, QLatin1String("d"), 0);
+    return zone;
+}
+
+TerritoryData ReadTerritory(QXmlStreamReader& xml)
+{
+    TerritoryData territory;
+    territory.name = TextAttribute(xml, QLatin1String("name"));
+    territory.color = UIntAttribute(xml, QLatin1String("color"), 0);
+    territory.isVisible = IntAttribute(xml, QLatin1String("visible"), 0) > 0;
+    WalkXml(xml,
+            {{QLatin1String("zone"),
+              [&territory](QXmlStreamReader& element) {
+                  territory.zones.append(ReadZone(element));
+                  return true;
+              }}},
+            QLatin1String("territory"));
+    return territory;
+}
+
+void ReadLayers(QXmlStreamReader& xml, QVector<LayerData>& layers)
+{
+    WalkXml(xml,
+            {{QLatin1String("layer"),
+              [&layers](QXmlStreamReader& element) {
+                  layers.append(ReadLayer(element));
+                  return true;
+              }}},
+            QLatin1String("layers"));
+}
+
+/// Empty for a well-formed document that holds the sizes of a project.
+QString DocumentError(QFile& file)
+{
+    QXmlStreamReader xml(&file);
+    bool hasGlobal = false;
+    while (!xml.atEnd()) {
+        xml.readNext();
+        hasGlobal = hasGlobal || (xml.isStartElement() && xml.name() == QLatin1String("global"));
+    }
+    if (xml.hasError()) {
+        return QStringLiteral("line %1: %2").arg(xml.lineNumber()).arg(xml.errorString());
+    }
+    return hasGlobal ? QString()
+                     : QStringLiteral("is no project: there is no element \"global\" in it.");
+}
+
+void TakeSettings(ProjectData& project)
+{
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    project.backgroundFile = settings.backgroundFile;
+    project.backgroundColor = settings.backgroundColor;
+    project.layerSize = settings.LayerSize();
+    project.worldSize = {settings.worldWidth, settings.worldHeight};
+    project.flagTypes = settings.areaFlagTypes;
+}
+
+} // namespace
+
+TerritoryTypeData ReadTerritoryType(QXmlStreamReader& xml)
+{
+    TerritoryTypeData type;
+    type.name = TextAttribute(xml, QLatin1String("name"));
+    WalkXml(xml,
+            {{QLatin1String("territory"),
+              [&type](QXmlStreamReader& element) {
+                  type.territories.append(ReadTerritory(element));
+                  return true;
+              }}},
+            QLatin1String("territory-type"));
+    return type;
+}
+
+QVector<TerritoryTypeData> ReadTerritoryTypes(QXmlStreamReader& xml)
+{
+    QVector<TerritoryTypeData> types;
+    WalkXml(xml,
+            {{QLatin1String("territory-type"),
+              [&types](QXmlStreamReader& element) {
+                  types.append(ReadTerritoryType(element));
+                  return true;
+              }}},
+            QLatin1String("territory-type-list"));
+    return types;
+}
+
+bool ReadProject(const QString& path, ProjectData& project)
+{
+    project = {};
+    project.path = path;
+    project.folder = QFileInfo(path).absoluteDir();
+    project.name = QFileInfo(path).baseName();
+    QString error = ReadingError(path);
+    QFile file(path);
+    if (error.isEmpty() && file.open(QIODevice::ReadOnly)) {
+        error = DocumentError(file);
+    }
+    if (!error.isEmpty()) {
+        Console::PrintError(path, error);
+        return false;
+    }
+    ProjectSettings::Instance().areaFlagTypes = {};
+    ProjectReader reader(file);
+    reader.Read({[](QXmlStreamReader&) {},
+                 [&project](QXmlStreamReader& xml) {
+                     ReadLayers(xml, project.layers);
+                     return true;
+                 },
+                 [&project](QXmlStreamReader& xml) {
+                     project.types += ReadTerritoryTypes(xml);
+                     return true;
+                 }});
+    TakeSettings(project);
+    return true;
+}

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "layers/AreaFlagTypes.h"
+#include "territories/SpawnCounts.h"
+
+#include <QColor>
+#include <QDir>
+#include <QSize>
+#include <QString>
+#include <QVector>
+
+class QXmlStreamReader;
+
+/// What a project document says, as plain values: reading it creates no folder, loads no bitmap and
+/// is no open project of the editor.
+struct LayerData
+{
+    QString name;
+    quint32 usageFlags = 0;
+    quint32 valueFlags = 0;
+    QColor color;
+    bool isVisible = false;
+};
+
+struct ZoneData
+{
+    QString name;
+    SpawnCounts counts;
+    /// World metres.
+    float x = 0;
+    float z = 0;
+    float radius = 0;
+    int depth = 0;
+
+    bool operator==(const ZoneData& other) const;
+};
+
+struct TerritoryData
+{
+    QString name;
+    QRgb color = 0;
+    bool isVisible = false;
+    QVector<ZoneData> zones;
+
+    SpawnCounts Totals() const;
+};
+
+struct TerritoryTypeData
+{
+    QString name;
+    QVector<TerritoryData> territories;
+};
+
+struct ProjectData
+{
+    /// As given.
+    QString path;
+    QDir folder;
+    /// The file name up to its first dot.
+    QString name;
+    QString backgroundFile;
+    QColor backgroundColor;
+    /// Pixels.
+    QSize layerSize;
+    /// Metres.
+    QSize worldSize;
+    AreaFlagTypes flagTypes;
+    /// In the order of the list, the topmost first.
+    QVector<LayerData> layers;
+    QVector<TerritoryTypeData> types;
+
+    QString BitmapPath(const LayerData& layer) const;
+    QString BackgroundPath() const;
+};
+
+/// Opens the document and takes it for the open project as well, as far as its settings go. False
+/// after a printed error when it cannot be read, is malformed or is no project.
+bool ReadProject(const QString& path, ProjectData& project);
+
+/// What is wrong with a path that is to be read as a file; empty when nothing is.
+QString ReadingError(const QString& path);
+
+/// Reads what the document says of territories, from the "territory-type-list" or
+/// "territory-type" element that the reader stands on; the second as its own file has it.
+QVector<TerritoryTypeData> ReadTerritoryTypes(QXmlStreamReader& xml);
+TerritoryTypeData ReadTerritoryType(QXmlStreamReader& xml);

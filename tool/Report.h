@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QString>
+#include <QVector>
+
+/// Named facts in order, to be printed as text or as JSON.
+class Report
+{
+public:
+    void Add(const QString& name, const QJsonValue& value);
+    void Add(const QString& name, const Report& part);
+    /// Each entry's first fact is its title.
+    void Add(const QString& name, const QVector<Report>& entries);
+
+    QJsonObject ToJson() const;
+    void PrintText(int indentation = 0) const;
+    void Print(bool asJson) const;
+
+private:
+    /// All facts on one line.
+    QString Line() const;
+
+    struct Fact
+    {
+        QString name;
+        QJsonValue value;
+        bool isList = false;
+        /// The facts of a part, or the entries of a list.
+        QVector<Report> parts;
+    };
+
+    QVector<Fact> m_facts;
+};
