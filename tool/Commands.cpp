@@ -1,6 +1,7 @@
 #include "tool/Commands.h"
 
 #include "tool/CheckCommand.h"
+#include "tool/CompareCommand.h"
 #include "tool/ExportCommand.h"
 #include "tool/InfoCommand.h"
 
@@ -147,7 +148,8 @@ ToolExit Run(const QStringList& arguments)
 
 const QVector<Command>& Commands()
 {
-    static const QVector<Command> commands = {CheckCommand(), InfoCommand(), ExportCommand()};
+    static const QVector<Command> commands = {CheckCommand(), InfoCommand(), ExportCommand(),
+                                              CompareCommand()};
     return commands;
 }
 

@@ -154,26 +154,30 @@ QString MapFields::Open(const QString& path)
     m_size = {readInt(0), readInt(4)};
     m_worldSize = {readInt(8), readInt(12)};
     m_usageBits = readInt(MapHeaderBytes);
-    const bool areUsagesGood = m_usageBits == 0 || raster::IsFieldSize(m_usageBits);
-    const bool isSizeGood = raster::IsMaskSize(m_size);
-    const qint64 valueOffset =
-        MapHeaderBytes + (areUsagesGood && isSizeGood ? SectionBytes(m_usageBits) : 4);
-    m_valueBits = readInt(valueOffset);
-    if (!areUsagesGood || (m_valueBits != 0 && !raster::IsFieldSize(m_valueBits))) {
-        return QStringLiteral("is no area map: %1 and %2 bits per pixel.")
-            .arg(m_usageBits)
-            .arg(m_valueBits);
+    error = SectionError(m_usageBits);
+    if (!error.isEmpty()) {
+        return error;
     }
-    if (!isSizeGood && (m_usageBits != 0 || m_valueBits != 0)) {
+    const qint64 valueOffset = MapHeaderBytes + SectionBytes(m_usageBits);
+    m_valueBits = readInt(valueOffset);
+    error = SectionError(m_valueBits);
+    const qint64 expected = valueOffset + (error.isEmpty() ? SectionBytes(m_valueBits) : 0);
+    if (error.isEmpty() && byteCount != expected) {
+        error =
+            QStringLiteral("is no area map: %1 bytes instead of %2.").arg(byteCount).arg(expected);
+    }
+    return error;
+}
+
+QString MapFields::SectionError(int bits) const
+{
+    if (bits != 0 && !raster::IsFieldSize(bits)) {
+        return QStringLiteral("is no area map: %1 bits per pixel.").arg(bits);
+    }
+    if (bits != 0 && !raster::IsMaskSize(m_size)) {
         return QStringLiteral("is no area map: %1x%2 pixels.")
             .arg(m_size.width())
             .arg(m_size.height());
-    }
-    const qint64 expected = valueOffset + (isSizeGood ? SectionBytes(m_valueBits) : 4);
-    if (byteCount != expected) {
-        return QStringLiteral("is no area map: %1 bytes instead of %2.")
-            .arg(byteCount)
-            .arg(expected);
     }
     return {};
 }

@@ -75,6 +75,8 @@ public:
     bool Read(int band, raster::BitFieldRaster& usages, raster::BitFieldRaster& values) override;
 
 private:
+    /// What is wrong with a section of so many bits per pixel.
+    QString SectionError(int bits) const;
     qint64 SectionBytes(int bits) const;
     bool ReadSection(qint64 offset, int band, raster::BitFieldRaster& fields);
 

@@ -29,13 +29,13 @@ public:
     Problem GetProblem() const { return m_problem; }
     /// The problem in words, without the file; empty for none.
     const QString& Error() const { return m_error; }
-    bool IsCutOff() const { return m_bands->IsCutOff(); }
+    bool IsCutOff() const { return m_bands && m_bands->IsCutOff(); }
     /// That of the header.
     QSize Size() const { return m_size; }
     /// 0 when there is a problem.
     int BandCount() const { return m_bands ? m_bands->Count() : 0; }
-    /// Bands count from the bottom; see TargaBands.
-    QImage Band(int band) const { return m_bands->Decode(band); }
+    /// Null when there is a problem. Bands count from the bottom; see TargaBands.
+    QImage Band(int band) const { return m_bands ? m_bands->Decode(band) : QImage(); }
 
 private:
     void Refuse(Problem problem, const QString& error);

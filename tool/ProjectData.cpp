@@ -9,18 +9,6 @@
 #include <QFileInfo>
 #include <QXmlStreamReader>
 
-bool ZoneData::operator==(const ZoneData& other) const
-{
-    const auto values = [](const ZoneData& zone) {
-        return QVector<float>{zone.x, zone.z, zone.radius};
-    };
-    const auto numbers = [](const ZoneData& zone) {
-        return QVector<int>{zone.counts.staticMin, zone.counts.staticMax, zone.counts.dynamicMin,
-                            zone.counts.dynamicMax, zone.depth};
-    };
-    return name == other.name && values(*this) == values(other) && numbers(*this) == numbers(other);
-}
-
 SpawnCounts TerritoryData::Totals() const
 {
     SpawnCounts totals;

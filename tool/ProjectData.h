@@ -31,8 +31,6 @@ struct ZoneData
     float z = 0;
     float radius = 0;
     int depth = 0;
-
-    bool operator==(const ZoneData& other) const;
 };
 
 struct TerritoryData

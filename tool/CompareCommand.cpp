@@ -1,0 +1,155 @@
+#include "tool/CompareCommand.h"
+
+#include "tool/Commands.h"
+#include "tool/FieldBands.h"
+#include "tool/FileKind.h"
+#include "tool/PictureFile.h"
+#include "tool/PixelDifference.h"
+#include "tool/ProjectData.h"
+#include "tool/ProjectDifference.h"
+#include "tool/Report.h"
+
+#include <QCommandLineParser>
+
+namespace {
+
+struct Options
+{
+    QString picture;
+    bool asJson = false;
+};
+
+QString FlagPlace(const char* kind, int bit, const QVector<QString>& names)
+{
+    const QString place = QStringLiteral("%1 flag %2").arg(QString::fromLatin1(kind)).arg(bit);
+    return bit < names.size() ? place + QLatin1Char(' ') + Console::Quoted(names.at(bit)) : place;
+}
+
+void AddFlagDifferences(const char* kind, const QVector<PixelDifference>& flags,
+                        const QVector<QString>& names, QVector<Report>& differences)
+{
+    for (int bit = 0; bit < flags.size(); ++bit) {
+        if (!flags.at(bit).IsEmpty()) {
+            differences.append(flags.at(bit).ToReport(FlagPlace(kind, bit, names)));
+        }
+    }
+}
+
+void PrintResult(const QStringList& files, const QVector<Report>& differences, bool asJson)
+{
+    Report report;
+    report.Add(QStringLiteral("a"), files.at(0));
+    report.Add(QStringLiteral("b"), files.at(1));
+    report.Add(QStringLiteral("equal"), differences.isEmpty());
+    report.Add(QStringLiteral("differences"), differences);
+    report.Print(asJson);
+}
+
+/// Appends where the fields differ, prints everything and writes the picture.
+ToolExit Finish(const QStringList& files, FieldBands& a, FieldBands& b, const AreaFlagTypes& names,
+                QVector<Report> differences, const Options& options)
+{
+    const bool isComparable = a.Size() == b.Size();
+    FieldComparison comparison(a, b, isComparable && !options.picture.isEmpty());
+    if (isComparable) {
+        if (!comparison.Run()) {
+            return ToolExit::Unreadable;
+        }
+        AddFlagDifferences("usage", comparison.Usages(), names.usages, differences);
+        AddFlagDifferences("value", comparison.Values(), names.values, differences);
+    }
+    PrintResult(files, differences, options.asJson);
+    if (!options.picture.isEmpty()) {
+        if (!isComparable) {
+            Console::PrintError(options.picture,
+                                QStringLiteral("there is no picture of two sizes."));
+            return ToolExit::NotWritten;
+        }
+        if (!WritePicture(options.picture, comparison.Picture())) {
+            return ToolExit::NotWritten;
+        }
+    }
+    return differences.isEmpty() ? ToolExit::Done : ToolExit::Found;
+}
+
+bool OpenMap(const QString& path, MapFields& fields)
+{
+    const QString error = fields.Open(path);
+    if (!error.isEmpty()) {
+        Console::PrintError(path, error);
+    }
+    return error.isEmpty();
+}
+
+ToolExit CompareMaps(const QStringList& files, const Options& options)
+{
+    MapFields a;
+    MapFields b;
+    const bool isGood = OpenMap(files.at(0), a);
+    if (!OpenMap(files.at(1), b) || !isGood) {
+        return ToolExit::Unreadable;
+    }
+    QVector<Report> differences;
+    AddDifference(QStringLiteral("layer size"), SizeText(a.Size()), SizeText(b.Size()),
+                  differences);
+    AddDifference(QStringLiteral("world size"), SizeText(a.WorldSize()), SizeText(b.WorldSize()),
+                  differences);
+    AddDifference(QStringLiteral("usage bits"), QString::number(a.UsageBits()),
+                  QString::number(b.UsageBits()), differences);
+    AddDifference(QStringLiteral("value bits"), QString::number(a.ValueBits()),
+                  QString::number(b.ValueBits()), differences);
+    return Finish(files, a, b, {}, differences, options);
+}
+
+ToolExit CompareProjects(const QStringList& files, const Options& options)
+{
+    ProjectData a;
+    ProjectData b;
+    ProjectFields fieldsA;
+    ProjectFields fieldsB;
+    const bool isGood = ReadProject(files.at(0), a) && fieldsA.Open(a);
+    if (!ReadProject(files.at(1), b) || !fieldsB.Open(b) || !isGood) {
+        return ToolExit::Unreadable;
+    }
+    return Finish(files, fieldsA, fieldsB, a.flagTypes, CompareDocuments(a, b), options);
+}
+
+ToolExit Compare(const QStringList& files, const QCommandLineParser& parser)
+{
+    FileKind a = FileKind::Bitmap;
+    FileKind b = FileKind::Bitmap;
+    const bool isGood = FindKind(files.at(0), a);
+    if (!FindKind(files.at(1), b) || !isGood) {
+        return ToolExit::Unreadable;
+    }
+    const Options options{parser.value(QStringLiteral("output")),
+                          parser.isSet(QStringLiteral("json"))};
+    if (a == FileKind::Map && b == FileKind::Map) {
+        return CompareMaps(files, options);
+    }
+    if (a == FileKind::Project && b == FileKind::Project) {
+        return CompareProjects(files, options);
+    }
+    Console::PrintError(QStringLiteral("quillmap-tool"),
+                        QStringLiteral("two maps or two projects are needed."));
+    return ToolExit::BadArguments;
+}
+
+} // namespace
+
+Command CompareCommand()
+{
+    return {
+        QStringLiteral("compare"),
+        QStringLiteral("A B"),
+        2,
+        QStringLiteral("Tell where two maps or two projects differ.\n"
+                       "Ends with 1 when they do. Rectangles are pixels of the layers, from "
+                       "their top left\ncorner."),
+        {{{QStringLiteral("o"), QStringLiteral("output")},
+          QStringLiteral("Write a PNG picture: red has flags only in A, blue only in B, magenta "
+                         "in each."),
+          QStringLiteral("PICTURE")},
+         {QStringLiteral("json"), QStringLiteral("Print the differences as JSON.")}},
+        Compare};
+}

@@ -1,0 +1,6 @@
+#pragma once
+
+struct Command;
+
+/// Tells where two maps or two projects differ.
+Command CompareCommand();
