@@ -4,6 +4,7 @@
 #include "tool/CompareCommand.h"
 #include "tool/ExportCommand.h"
 #include "tool/InfoCommand.h"
+#include "tool/RenderCommand.h"
 
 #include <QCommandLineParser>
 
@@ -149,7 +150,7 @@ ToolExit Run(const QStringList& arguments)
 const QVector<Command>& Commands()
 {
     static const QVector<Command> commands = {CheckCommand(), InfoCommand(), ExportCommand(),
-                                              CompareCommand()};
+                                              CompareCommand(), RenderCommand()};
     return commands;
 }
 

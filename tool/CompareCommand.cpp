@@ -139,17 +139,16 @@ ToolExit Compare(const QStringList& files, const QCommandLineParser& parser)
 
 Command CompareCommand()
 {
-    return {
-        QStringLiteral("compare"),
-        QStringLiteral("A B"),
-        2,
-        QStringLiteral("Tell where two maps or two projects differ.\n"
-                       "Ends with 1 when they do. Rectangles are pixels of the layers, from "
-                       "their top left\ncorner."),
-        {{{QStringLiteral("o"), QStringLiteral("output")},
-          QStringLiteral("Write a PNG picture: red has flags only in A, blue only in B, magenta "
-                         "in each."),
-          QStringLiteral("PICTURE")},
-         {QStringLiteral("json"), QStringLiteral("Print the differences as JSON.")}},
-        Compare};
+    return {QStringLiteral("compare"),
+            QStringLiteral("A B"),
+            2,
+            QStringLiteral("Tell where two maps or two projects differ.\n"
+                           "Ends with 1 when they do. Rectangles are pixels of the layers, from "
+                           "their top left\ncorner."),
+            {{{QStringLiteral("o"), QStringLiteral("output")},
+              QStringLiteral("Write a PNG picture: red is only in A, blue only in B, magenta "
+                             "differs."),
+              QStringLiteral("PICTURE")},
+             {QStringLiteral("json"), QStringLiteral("Print the differences as JSON.")}},
+            Compare};
 }

@@ -89,7 +89,9 @@ QVector<Report> FlagReports(const FieldCounts& counts, int bits, const QVector<Q
         }
         Report report;
         report.Add(QStringLiteral("name"), names.value(bit, QStringLiteral("bit %1").arg(bit)));
-        report.Add(QStringLiteral("bit"), bit);
+        if (bit < names.size()) {
+            report.Add(QStringLiteral("bit"), bit);
+        }
         scale.AddTo(report, pixels);
         reports.append(report);
     }

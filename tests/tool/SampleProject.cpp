@@ -4,6 +4,8 @@
 #include "tests/support/LiteralTarga.h"
 #include "tests/support/Masks.h"
 
+#include <QImage>
+
 namespace {
 
 constexpr char Document[] =
@@ -32,11 +34,6 @@ constexpr char Document[] =
 </qm-config>
 )";
 
-/// One white pixel.
-constexpr char Picture[] =
-    "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAAAAAA6fptVAAAACklEQVR4nGP4DwABAQEAG7buVgAAAA"
-    "BJRU5ErkJggg==";
-
 } // namespace
 
 SampleProject::SampleProject()
@@ -46,7 +43,11 @@ SampleProject::SampleProject()
         qFatal("Cannot create a temporary folder.");
     }
     WriteBytes(Path("sample.xml"), m_document);
-    WriteBytes(Path("back.png"), QByteArray::fromBase64(Picture));
+    QImage white(1, 1, QImage::Format_RGB32);
+    white.fill(Qt::white);
+    if (!white.save(Path("back.png"))) {
+        qFatal("Cannot write a picture.");
+    }
     Paint("Shore", {"........", "........", "........", "........", "####....", "........",
                     "........", "#......."});
     Paint("Village", {".......#", "........", "........", "........", "##......", "........",

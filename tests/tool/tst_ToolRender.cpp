@@ -1,0 +1,259 @@
+#include "tests/support/Files.h"
+#include "tests/support/LiteralMap.h"
+#include "tests/support/Masks.h"
+#include "tests/tool/SampleProject.h"
+
+#include <QImage>
+#include <QTest>
+
+namespace {
+
+constexpr QRgb White = 0xFFFFFFFF;
+constexpr QRgb Black = 0xFF000000;
+constexpr QRgb Red = 0xFFFF0000;
+constexpr QRgb Green = 0xFF00FF00;
+
+/// One character a pixel, '?' for other colours.
+QStringList Art(const QImage& picture)
+{
+    const QMap<QRgb, QChar> characters = {{White, '.'}, {Black, ' '}, {Red, 'r'}, {Green, 'g'}};
+    QStringList rows;
+    for (int y = 0; y < picture.height(); ++y) {
+        QString row;
+        for (int x = 0; x < picture.width(); ++x) {
+            row += characters.value(picture.pixel(x, y), '?');
+        }
+        rows.append(row);
+    }
+    return rows;
+}
+
+} // namespace
+
+/// The sample's background is white, "Shore" red and "Village" green.
+class tst_ToolRender : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void ProjectLooksAsInTheEditor();
+    void UpperLayersCoverLowerOnes();
+    void OpacityAndBackgroundColorAreMixed();
+    void ChosenLayersAreShown();
+    void SizeIsThatOfTheLongerSide_data();
+    void SizeIsThatOfTheLongerSide();
+    void ZonesAreShown();
+    void FlagsHaveTheColoursOfTheLegend();
+    void MapShowsItsUsages();
+    void BitmapIsWhiteOnBlack();
+    void TallBitmapsAreWhole();
+    void WrongOptionsEndWithTwo_data();
+    void WrongOptionsEndWithTwo();
+    void UnreadableLayersEndWithThree();
+    void UnreadableBackgroundsEndWithThree();
+    void UnwrittenPicturesEndWithFour();
+};
+
+void tst_ToolRender::ProjectLooksAsInTheEditor()
+{
+    const SampleProject project;
+    const ProgramRun run = project.Run({"render", "sample.xml", "-o", "p.png"});
+    QCOMPARE(run.log, QStringList());
+    QCOMPARE(run.output, QString());
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(Art(QImage(project.Path("p.png"))),
+             (QStringList{".......g", "........", "........", "........", "rrrr....", "........",
+                          "........", "r......."}));
+}
+
+void tst_ToolRender::UpperLayersCoverLowerOnes()
+{
+    const SampleProject project;
+    project.Paint("Village", QVector<QString>(8, "########").toList());
+    QCOMPARE(project.Run({"render", "sample.xml", "-o", "p.png"}).exitCode, 0);
+    QCOMPARE(Art(QImage(project.Path("p.png"))).at(4), QString("rrrrgggg"));
+}
+
+void tst_ToolRender::OpacityAndBackgroundColorAreMixed()
+{
+    SampleProject project;
+    // Half black over the white picture, and a quarter of blue over that.
+    project.Replace("rgba=\"2\"", "rgba=\"2147483648\"");
+    project.Replace("color=\"4294901760\"", "color=\"1073742079\"");
+    QCOMPARE(project.Run({"render", "sample.xml", "-o", "p.png"}).exitCode, 0);
+    const QImage picture(project.Path("p.png"));
+    QCOMPARE(picture.pixelColor(7, 7), QColor(127, 127, 127));
+    QCOMPARE(picture.pixelColor(0, 7), QColor(95, 95, 159));
+}
+
+void tst_ToolRender::ChosenLayersAreShown()
+{
+    SampleProject project;
+    project.Replace("visible=\"1\" name=\"Village\"", "name=\"Village\"");
+    QCOMPARE(project.Run({"render", "sample.xml", "-o", "p.png"}).exitCode, 0);
+    QCOMPARE(Art(QImage(project.Path("p.png"))).first(), QString("........"));
+    QCOMPARE(project.Run({"render", "sample.xml", "-o", "p.png", "--layers", "Village"}).exitCode,
+             0);
+    QCOMPARE(Art(QImage(project.Path("p.png"))),
+             (QStringList{".......g", "........", "........", "........", "gg......", "........",
+                          "........", "........"}));
+    project.Run({"render", "sample.xml", "-o", "p.png", "--layers", "Village,Shore"});
+    QCOMPARE(Art(QImage(project.Path("p.png"))).at(4), QString("rrrr...."));
+}
+
+void tst_ToolRender::SizeIsThatOfTheLongerSide_data()
+{
+    QTest::addColumn<QString>("size");
+    QTest::addColumn<QStringList>("art");
+    QTest::newRow("half") << "4" << QStringList{"....", "....", "....", "...."};
+    QTest::newRow("one") << "1" << QStringList{"."};
+    QTest::newRow("twice") << "16"
+                           << (QStringList{"..............gg", "..............gg"} +
+                               QVector<QString>(6, QString(16, '.')).toList() +
+                               QVector<QString>(2, "rrrrrrrr........").toList() +
+                               QVector<QString>(4, QString(16, '.')).toList() +
+                               QVector<QString>(2, "rr..............").toList());
+}
+
+void tst_ToolRender::SizeIsThatOfTheLongerSide()
+{
+    QFETCH(QString, size);
+    QFETCH(QStringList, art);
+    const SampleProject project;
+    QCOMPARE(project.Run({"render", "sample.xml", "-o", "p.png", "--size", size}).exitCode, 0);
+    QCOMPARE(Art(QImage(project.Path("p.png"))), art);
+}
+
+void tst_ToolRender::ZonesAreShown()
+{
+    SampleProject project;
+    const QStringList arguments = {"render", "sample.xml", "-o",     "p.png",
+                                   "--size", "800",        "--zones"};
+    QCOMPARE(project.Run(arguments).exitCode, 0);
+    // A zone at (400, 200) m of one layer pixel's radius, whose outline is two layer pixels wide.
+    const QImage picture(project.Path("p.png"));
+    QCOMPARE(picture.pixelColor(420, 450), QColor(2, 2, 2));
+    QCOMPARE(picture.pixelColor(420, 390), QColor(Qt::white));
+    project.Replace("name=\"North\" visible=\"1\"", "name=\"North\"");
+    QCOMPARE(project.Run(arguments).exitCode, 0);
+    QCOMPARE(QImage(project.Path("p.png")).pixelColor(420, 450), QColor(Qt::white));
+}
+
+void tst_ToolRender::FlagsHaveTheColoursOfTheLegend()
+{
+    const SampleProject project;
+    const ProgramRun run = project.Run({"render", "sample.xml", "-o", "p.png", "--size", "800",
+                                        "--flag", "Coast", "--flag", "value:3"});
+    QCOMPARE(run.output, QString("#e69f00 Coast\n#56b4e9 value:3\n"));
+    const QImage picture(project.Path("p.png"));
+    // Two thirds of the legend's colour over white.
+    QCOMPARE(picture.pixelColor(350, 450), QColor(238, 191, 85));
+    QCOMPARE(picture.pixelColor(750, 50), QColor(142, 205, 240));
+    QCOMPARE(picture.pixelColor(750, 750), QColor(Qt::white));
+    QCOMPARE(picture.pixelColor(10, 10), QColor(0xE6, 0x9F, 0x00));
+}
+
+void tst_ToolRender::MapShowsItsUsages()
+{
+    const SampleProject project;
+    QCOMPARE(project.Run({"export", "sample.xml"}).exitCode, 0);
+    const ProgramRun run = project.Run({"render", "sample.map", "-o", "p.png", "--size", "800"});
+    QCOMPARE(run.output, QString("#e69f00 usage:0\n#56b4e9 usage:1\n#009e73 usage:2\n"
+                                 "#f0e442 usage:3\n"));
+    const QImage picture(project.Path("p.png"));
+    QCOMPARE(picture.size(), QSize(800, 800));
+    QCOMPARE(picture.pixelColor(750, 750), QColor(48, 48, 48));
+    QVERIFY(picture.pixelColor(750, 50) != QColor(48, 48, 48));
+    QVERIFY(picture.pixelColor(50, 750) != QColor(48, 48, 48));
+}
+
+void tst_ToolRender::BitmapIsWhiteOnBlack()
+{
+    const SampleProject project;
+    QCOMPARE(project.Run({"render", "layers/Shore.tga", "-o", "p.png"}).exitCode, 0);
+    QCOMPARE(Art(QImage(project.Path("p.png"))).at(4), QString("....    "));
+}
+
+/// Several bands of rows, at sizes that divide none of them.
+void tst_ToolRender::TallBitmapsAreWhole()
+{
+    const SampleProject project;
+    QStringList rows;
+    for (int y = 0; y < 200; ++y) {
+        rows.append(y % 2 == 0 ? "#" : ".");
+    }
+    project.Paint("Tall", rows);
+    for (const int length : {200, 67, 333, 1}) {
+        const QString size = QString::number(length);
+        QCOMPARE(project.Run({"render", "layers/Tall.tga", "-o", "p.png", "--size", size}).exitCode,
+                 0);
+        const QImage picture(project.Path("p.png"));
+        QCOMPARE(picture.height(), length);
+        for (int y = 0; y < length; ++y) {
+            const int row = static_cast<int>((y + 0.5) * 200 / length);
+            QCOMPARE(picture.pixel(0, y), row % 2 == 0 ? White : Black);
+        }
+    }
+}
+
+void tst_ToolRender::WrongOptionsEndWithTwo_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("error");
+    const auto row = [](const char* name, const QStringList& arguments, const QString& error) {
+        QTest::newRow(name) << arguments << error;
+    };
+    row("no picture", {"sample.xml"}, "the option -o is needed.");
+    row("size", {"sample.xml", "-o", "p", "--size", "0"}, "a size is 1 to 16384.");
+    row("large size", {"sample.xml", "-o", "p", "--size", "16385"}, "a size is 1 to 16384.");
+    row("size in letters", {"sample.xml", "-o", "p", "--size", "big"}, "a size is 1 to 16384.");
+    row("flag", {"sample.xml", "-o", "p", "--flag", "usage:32"}, "there is no flag 'usage:32'.");
+    row("layer", {"sample.xml", "-o", "p", "--layers", "Shore,x"}, "there is no layer 'x'.");
+    row("zones", {"layers/Shore.tga", "-o", "p", "--zones"},
+        "only projects have layers and zones.");
+    row("bitmap flag", {"layers/Shore.tga", "-o", "p", "--flag", "x"},
+        "a layer bitmap has no flags.");
+}
+
+void tst_ToolRender::WrongOptionsEndWithTwo()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, error);
+    const SampleProject project;
+    const ProgramRun run = project.Run(QStringList{"render"} + arguments);
+    QCOMPARE(run.log, (QStringList{"quillmap-tool: " + error,
+                                   "quillmap-tool: try 'quillmap-tool render --help'."}));
+    QCOMPARE(run.exitCode, 2);
+    QVERIFY(!QFile::exists(project.Path("p")));
+}
+
+void tst_ToolRender::UnreadableLayersEndWithThree()
+{
+    const SampleProject project;
+    QFile::remove(project.Path("layers/Village.tga"));
+    const ProgramRun run = project.Run({"render", "sample.xml", "-o", "p.png"});
+    QCOMPARE(run.log, QStringList{project.Path("layers/Village.tga") + ": does not exist."});
+    QCOMPARE(run.exitCode, 3);
+    QVERIFY(!QFile::exists(project.Path("p.png")));
+}
+
+void tst_ToolRender::UnreadableBackgroundsEndWithThree()
+{
+    const SampleProject project;
+    QFile::remove(project.Path("back.png"));
+    const ProgramRun run = project.Run({"render", "sample.xml", "-o", "p.png"});
+    QCOMPARE(run.log, QStringList{project.Path("back.png") + ": is no picture that can be read."});
+    QCOMPARE(run.exitCode, 3);
+    QVERIFY(!QFile::exists(project.Path("p.png")));
+}
+
+void tst_ToolRender::UnwrittenPicturesEndWithFour()
+{
+    const SampleProject project;
+    const ProgramRun run = project.Run({"render", "sample.xml", "-o", "none/p.png"});
+    QCOMPARE(run.log, QStringList{"none/p.png: cannot be written: No such file or directory."});
+    QCOMPARE(run.exitCode, 4);
+}
+
+QTEST_APPLESS_MAIN(tst_ToolRender)
+#include "tst_ToolRender.moc"

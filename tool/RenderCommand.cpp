@@ -1,0 +1,320 @@
+#include "tool/RenderCommand.h"
+
+#include "app/Names.h"
+#include "layers/raster/Mask.h"
+#include "tool/Commands.h"
+#include "tool/FileKind.h"
+#include "tool/MapPicture.h"
+#include "tool/PictureFile.h"
+#include "tool/ProjectData.h"
+
+#include <QCommandLineParser>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr int MaxPictureLength = 16384;
+
+/// Told apart with most kinds of colour vision.
+constexpr std::array<QRgb, 12> LegendColors = {0xE69F00, 0x56B4E9, 0x009E73, 0xF0E442,
+                                               0x0072B2, 0xD55E00, 0xCC79A7, 0x999999,
+                                               0x8DD300, 0xA020F0, 0x00E5E5, 0xFF4060};
+constexpr int LegendAlpha = 170;
+
+struct RenderOptions
+{
+    QString output;
+    /// The longer side; 0 for that of the layers.
+    int length = 0;
+    QStringList flags;
+    /// Without a value those that the editor shows.
+    bool areLayersChosen = false;
+    QStringList layers;
+    bool doDrawZones = false;
+};
+
+ToolExit UsageError(const QString& error)
+{
+    Console::PrintError(QStringLiteral("quillmap-tool"), error);
+    Console::PrintError(QStringLiteral("quillmap-tool"),
+                        QStringLiteral("try 'quillmap-tool render --help'."));
+    return ToolExit::BadArguments;
+}
+
+QSize PictureSize(QSize layerSize, int length)
+{
+    const int longer = std::max(layerSize.width(), layerSize.height());
+    const int wanted = length > 0 ? length : std::min(longer, MaxPictureLength);
+    const auto scaled = [&](int side) {
+        return std::max(1, static_cast<int>(qint64(side) * wanted / std::max(longer, 1)));
+    };
+    return {scaled(layerSize.width()), scaled(layerSize.height())};
+}
+
+/// A flag by its name, or by "usage:BIT" or "value:BIT".
+bool FindFlag(const QString& text, const AreaFlagTypes& types, ShownFlag& flag)
+{
+    static const QRegularExpression number(
+        QStringLiteral("^(usage|value):([0-9]|[12][0-9]|3[01])$"));
+    flag.name = text;
+    flag.bit = types.usages.indexOf(text);
+    flag.isUsage = flag.bit >= 0;
+    if (!flag.isUsage) {
+        flag.bit = types.values.indexOf(text);
+    }
+    const QRegularExpressionMatch match = number.match(text);
+    if (flag.bit < 0 && match.hasMatch()) {
+        flag.isUsage = match.captured(1) == QLatin1String("usage");
+        flag.bit = match.captured(2).toInt();
+    }
+    return flag.bit >= 0 && flag.bit < AreaFlagTypes::MaxCount;
+}
+
+/// False when one is not known; its text is in unknown then.
+bool FindFlags(const QStringList& texts, const AreaFlagTypes& types, QVector<ShownFlag>& flags,
+               QString& unknown)
+{
+    for (const QString& text : texts) {
+        ShownFlag flag;
+        if (!FindFlag(text, types, flag)) {
+            unknown = text;
+            return false;
+        }
+        flag.color =
+            QColor(LegendColors[static_cast<std::size_t>(flags.size()) % LegendColors.size()]);
+        flag.color.setAlpha(LegendAlpha);
+        flags.append(flag);
+    }
+    return true;
+}
+
+ToolExit Finish(const RenderOptions& options, MapPicture& picture, const QVector<ShownFlag>& flags)
+{
+    picture.DrawLegend(flags);
+    if (!WritePicture(options.output, picture.Image())) {
+        return ToolExit::NotWritten;
+    }
+    for (const ShownFlag& flag : flags) {
+        Console::Print(QStringLiteral("%1 %2").arg(QColor(flag.color.rgb()).name(), flag.name));
+    }
+    return ToolExit::Done;
+}
+
+ToolExit NoMemory(const RenderOptions& options)
+{
+    Console::PrintError(options.output, QStringLiteral("there is no memory for the picture."));
+    return ToolExit::NotWritten;
+}
+
+/// False after a printed error.
+bool DrawBackground(const ProjectData& project, MapPicture& picture)
+{
+    if (!project.backgroundFile.isEmpty()) {
+        const QImage background(project.BackgroundPath());
+        if (background.isNull()) {
+            Console::PrintError(project.BackgroundPath(),
+                                QStringLiteral("is no picture that can be read."));
+            return false;
+        }
+        picture.DrawPicture(background);
+    }
+    picture.Cover(project.backgroundColor);
+    return true;
+}
+
+/// The layers to be shown, the lowest first. False when one is not in the project.
+bool ChooseLayers(const ProjectData& project, const RenderOptions& options,
+                  QVector<LayerData>& chosen, QString& unknown)
+{
+    for (const QString& name : options.layers) {
+        const bool isKnown =
+            std::any_of(project.layers.begin(), project.layers.end(),
+                        [&name](const LayerData& layer) { return layer.name == name; });
+        if (!isKnown) {
+            unknown = name;
+            return false;
+        }
+    }
+    for (const LayerData& layer : project.layers) {
+        const bool isShown =
+            options.areLayersChosen ? options.layers.contains(layer.name) : layer.isVisible;
+        if (isShown) {
+            chosen.prepend(layer);
+        }
+    }
+    return true;
+}
+
+/// False after a printed error.
+bool DrawLayers(const ProjectData& project, const QVector<LayerData>& layers, MapPicture& picture)
+{
+    for (const LayerData& layer : layers) {
+        const LayerBitmap bitmap(project.BitmapPath(layer), project.layerSize);
+        const bool isOutside = LeadsUpward(layer.name);
+        if (isOutside || bitmap.GetProblem() != LayerBitmap::Problem::None) {
+            Console::PrintError(project.BitmapPath(layer),
+                                isOutside ? QStringLiteral("lies outside the project.")
+                                          : bitmap.Error());
+            return false;
+        }
+        picture.DrawMask(bitmap, layer.color);
+    }
+    return true;
+}
+
+ToolExit RenderProject(const QString& path, const RenderOptions& options)
+{
+    ProjectData project;
+    if (!ReadProject(path, project)) {
+        return ToolExit::Unreadable;
+    }
+    QVector<ShownFlag> flags;
+    QVector<LayerData> layers;
+    QString unknown;
+    if (!FindFlags(options.flags, project.flagTypes, flags, unknown)) {
+        return UsageError(QStringLiteral("there is no flag %1.").arg(Console::Quoted(unknown)));
+    }
+    if (!ChooseLayers(project, options, layers, unknown)) {
+        return UsageError(QStringLiteral("there is no layer %1.").arg(Console::Quoted(unknown)));
+    }
+    if (!raster::IsMaskSize(project.layerSize)) {
+        Console::PrintError(path, QStringLiteral("layers cannot have %1x%2 pixels.")
+                                      .arg(project.layerSize.width())
+                                      .arg(project.layerSize.height()));
+        return ToolExit::Unreadable;
+    }
+    MapPicture picture(project.layerSize, PictureSize(project.layerSize, options.length));
+    if (picture.IsNull()) {
+        return NoMemory(options);
+    }
+    if (!DrawBackground(project, picture)) {
+        return ToolExit::Unreadable;
+    }
+    if (flags.isEmpty() || options.areLayersChosen) {
+        if (!DrawLayers(project, layers, picture)) {
+            return ToolExit::Unreadable;
+        }
+    }
+    if (!flags.isEmpty()) {
+        ProjectFields fields;
+        if (!fields.Open(project) || !picture.DrawFlags(fields, flags)) {
+            return ToolExit::Unreadable;
+        }
+    }
+    if (options.doDrawZones) {
+        picture.DrawZones(path);
+    }
+    return Finish(options, picture, flags);
+}
+
+ToolExit RenderMap(const QString& path, const RenderOptions& options)
+{
+    MapFields fields;
+    const QString error = fields.Open(path);
+    if (!error.isEmpty() || fields.Size().isEmpty()) {
+        Console::PrintError(path, error.isEmpty() ? QStringLiteral("has no pixels.") : error);
+        return ToolExit::Unreadable;
+    }
+    QStringList texts = options.flags;
+    for (int bit = 0; options.flags.isEmpty() && bit < fields.UsageBits(); ++bit) {
+        texts.append(QStringLiteral("usage:%1").arg(bit));
+    }
+    QVector<ShownFlag> flags;
+    QString unknown;
+    if (!FindFlags(texts, {}, flags, unknown)) {
+        return UsageError(QStringLiteral("there is no flag %1, a map knows them as usage:BIT and "
+                                         "value:BIT.")
+                              .arg(Console::Quoted(unknown)));
+    }
+    MapPicture picture(fields.Size(), PictureSize(fields.Size(), options.length));
+    if (picture.IsNull()) {
+        return NoMemory(options);
+    }
+    return picture.DrawFlags(fields, flags) ? Finish(options, picture, flags)
+                                            : ToolExit::Unreadable;
+}
+
+ToolExit RenderBitmap(const QString& path, const RenderOptions& options)
+{
+    const LayerBitmap bitmap(path);
+    if (bitmap.GetProblem() != LayerBitmap::Problem::None) {
+        Console::PrintError(path, bitmap.Error());
+        return ToolExit::Unreadable;
+    }
+    MapPicture picture(bitmap.Size(), PictureSize(bitmap.Size(), options.length));
+    if (picture.IsNull()) {
+        return NoMemory(options);
+    }
+    picture.Cover(Qt::black);
+    picture.DrawMask(bitmap, Qt::white);
+    return Finish(options, picture, {});
+}
+
+ToolExit Render(const QStringList& files, const QCommandLineParser& parser)
+{
+    RenderOptions options;
+    options.output = parser.value(QStringLiteral("output"));
+    if (options.output.isEmpty()) {
+        return UsageError(QStringLiteral("the option -o is needed."));
+    }
+    const QString size = parser.value(QStringLiteral("size"));
+    options.length = size.toInt();
+    if (!size.isEmpty() && (options.length < 1 || options.length > MaxPictureLength)) {
+        return UsageError(QStringLiteral("a size is 1 to %1.").arg(MaxPictureLength));
+    }
+    options.flags = parser.values(QStringLiteral("flag"));
+    options.areLayersChosen = parser.isSet(QStringLiteral("layers"));
+    options.layers =
+        parser.value(QStringLiteral("layers")).split(QLatin1Char(','), Qt::SkipEmptyParts);
+    options.doDrawZones = parser.isSet(QStringLiteral("zones"));
+    const QString& path = files.first();
+    FileKind kind = FileKind::Bitmap;
+    if (!FindKind(path, kind)) {
+        return ToolExit::Unreadable;
+    }
+    if (kind != FileKind::Project && (options.areLayersChosen || options.doDrawZones)) {
+        return UsageError(QStringLiteral("only projects have layers and zones."));
+    }
+    switch (kind) {
+    case FileKind::Project:
+        return RenderProject(path, options);
+    case FileKind::Map:
+        return RenderMap(path, options);
+    case FileKind::Bitmap:
+        return options.flags.isEmpty() ? RenderBitmap(path, options)
+                                       : UsageError(QStringLiteral("a layer bitmap has no flags."));
+    default:
+        return UsageError(QStringLiteral("a project, map or layer bitmap is needed."));
+    }
+}
+
+} // namespace
+
+Command RenderCommand()
+{
+    return {
+        QStringLiteral("render"),
+        QStringLiteral("FILE"),
+        1,
+        QStringLiteral("Make a PNG picture of a project, map or layer bitmap.\n"
+                       "A project looks as in the editor; with flags, their areas are shown in "
+                       "the colours\nof a legend, which is printed too. A map shows all usages "
+                       "unless flags are named."),
+        {{{QStringLiteral("o"), QStringLiteral("output")},
+          QStringLiteral("Write the picture to this file."),
+          QStringLiteral("PICTURE")},
+         {QStringLiteral("size"),
+          QStringLiteral("Length of the longer side; that of the layers otherwise."),
+          QStringLiteral("PIXELS")},
+         {QStringLiteral("flag"),
+          QStringLiteral("Show a flag, by its name, usage:BIT or value:BIT. May be repeated."),
+          QStringLiteral("NAME")},
+         {QStringLiteral("layers"),
+          QStringLiteral("Show these layers, with commas between, instead of the visible ones."),
+          QStringLiteral("NAMES")},
+         {QStringLiteral("zones"), QStringLiteral("Show the zones of the visible territories.")}},
+        Render};
+}
