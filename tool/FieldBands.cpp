@@ -108,6 +108,9 @@ bool ProjectFields::Read(int band, BitFieldRaster& usages, BitFieldRaster& value
         const std::size_t end = qMin(begin + groupSize, m_bitmaps.size());
         for (std::size_t i = begin; i < end; ++i) {
             const FlaggedBitmap& flagged = m_bitmaps[i];
+            if (flagged.bitmap->IsClear(band)) {
+                continue;
+            }
             masks.append({flagged.bitmap->Band(band), flagged.usageFlags, flagged.valueFlags});
             if (masks.last().mask.isNull()) {
                 Console::PrintError(m_path, QStringLiteral("there is no memory for a layer."));

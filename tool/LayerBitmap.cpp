@@ -116,16 +116,21 @@ raster::ByteReader LayerBitmap::MakeReader()
 PixelCounts CountPixels(const LayerBitmap& bitmap)
 {
     PixelCounts counts;
+    const qint64 width = bitmap.Size().width();
     for (int band = 0; band < bitmap.BandCount(); ++band) {
+        if (bitmap.IsClear(band)) {
+            continue;
+        }
         const QImage rows = bitmap.Band(band);
         for (int y = 0; y < rows.height(); ++y) {
             const uchar* begin = rows.constScanLine(y);
             const uchar* end = begin + rows.width();
-            counts.clear += std::count(begin, end, raster::MaskClear);
-            counts.set += std::count(begin, end, raster::MaskSet);
+            const qint64 covered = width - std::count(begin, end, raster::MaskClear);
+            const qint64 set = covered > 0 ? std::count(begin, end, raster::MaskSet) : 0;
+            counts.set += set;
+            counts.other += covered - set;
         }
-        counts.other += qint64(rows.width()) * rows.height();
     }
-    counts.other -= counts.clear + counts.set;
+    counts.clear = width * bitmap.Size().height() - counts.Covered();
     return counts;
 }

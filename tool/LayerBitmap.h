@@ -34,6 +34,8 @@ public:
     QSize Size() const { return m_size; }
     /// 0 when there is a problem.
     int BandCount() const { return m_bands ? m_bands->Count() : 0; }
+    /// True only for a band without set pixels.
+    bool IsClear(int band) const { return m_bands && m_bands->IsClear(band); }
     /// Null when there is a problem. Bands count from the bottom; see TargaBands.
     QImage Band(int band) const { return m_bands ? m_bands->Decode(band) : QImage(); }
 

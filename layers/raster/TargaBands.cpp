@@ -81,6 +81,7 @@ TargaBands::TargaBands(ByteReader read, qint64 byteCount, QSize size)
     for (int band = 0; band < Count(); ++band) {
         m_starts[static_cast<std::size_t>(band)].storedRow = StoredRow(band);
     }
+    m_hasSet.resize(m_starts.size(), !m_isRunLength);
     if (m_isRunLength) {
         FindPackets();
     } else {
@@ -125,6 +126,9 @@ void TargaBands::FindPackets()
             cursor.Skip(present - 1);
         }
         last = cursor.Take();
+        if (!isRun || last != MaskClear) {
+            NoteSet(pixel, std::min(pixel + present, pixelCount));
+        }
         for (; next != starts.end() && width * (*next)->storedRow < pixel + present; ++next) {
             const auto passed = static_cast<int>(width * (*next)->storedRow - pixel);
             Start& start = **next;
@@ -138,12 +142,28 @@ void TargaBands::FindPackets()
     m_isCutOff = pixel < pixelCount;
     m_end = cursor.Offset();
     // The last pixel goes on to the end.
+    if (m_isCutOff && last != MaskClear) {
+        NoteSet(pixel, pixelCount);
+    }
     for (; next != starts.end(); ++next) {
         Start& start = **next;
         start.packet[0] = RunBit;
         start.packet[1] = last;
         start.packetBytes = 2;
         start.offset = m_end;
+    }
+}
+
+void TargaBands::NoteSet(qint64 pixel, qint64 end)
+{
+    const auto bandOf = [this](qint64 place) {
+        const qint64 row = place / m_size.width();
+        return (m_isTopDown ? m_size.height() - 1 - row : row) / BandRows;
+    };
+    const qint64 first = bandOf(pixel);
+    const qint64 last = bandOf(end - 1);
+    for (qint64 band = std::min(first, last); band <= std::max(first, last); ++band) {
+        m_hasSet[static_cast<std::size_t>(band)] = true;
     }
 }
 

@@ -34,6 +34,9 @@ public:
     /// 0 after an error.
     int Count() const { return static_cast<int>(m_starts.size()); }
 
+    /// True only for a band that has no set pixel; there need be no mask of it. Raw files are not
+    /// looked through.
+    bool IsClear(int band) const { return !m_hasSet.at(static_cast<std::size_t>(band)); }
     /// The rows of a band as a mask; null when there is no memory. Bands count from the bottom of
     /// the image, as maps do; the last one may be lower.
     QImage Decode(int band) const;
@@ -52,6 +55,7 @@ private:
     /// The band's first row in the order of the file.
     int StoredRow(int band) const;
     void FindPackets();
+    void NoteSet(qint64 pixel, qint64 end);
     std::vector<uchar> Header(int rows) const;
     QImage DecodePackets(int band) const;
     QImage DecodeRaw(int band) const;
@@ -67,6 +71,7 @@ private:
     bool m_isCutOff = false;
     /// By band.
     std::vector<Start> m_starts;
+    std::vector<bool> m_hasSet;
     /// Behind the last byte that is needed.
     qint64 m_end = 0;
 };

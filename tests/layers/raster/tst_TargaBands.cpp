@@ -94,6 +94,8 @@ private slots:
     void CutOffFilesAreFilledAlike();
     void BytesBehindTheLastPixelAreLeftOut();
     void RefusesWhatTheDecoderRefuses();
+    void ClearBandsAreKnown_data();
+    void ClearBandsAreKnown();
     void BandsOutsideAreNull();
     void SizeIsThatOfTheHeader();
 };
@@ -184,6 +186,33 @@ void tst_TargaBands::RefusesWhatTheDecoderRefuses()
     QCOMPARE(errorOf(Header({0, 0}, true, true), {0, 0}), TargaError::NoImage);
     QCOMPARE(errorOf({}, {4, 4}), TargaError::ColourFormat);
     QCOMPARE(TargaBands(ReaderOf(withId), withId.size(), {4, 4}).Count(), 0);
+}
+
+void tst_TargaBands::ClearBandsAreKnown_data()
+{
+    QTest::addColumn<bool>("isTopDown");
+    QTest::newRow("down") << true;
+    QTest::newRow("up") << false;
+}
+
+void tst_TargaBands::ClearBandsAreKnown()
+{
+    QFETCH(bool, isTopDown);
+    const QSize size(128, 200);
+    for (int setRow = 0; setRow < 200; ++setRow) {
+        QByteArray file = Header(size, true, isTopDown);
+        for (int row = 0; row < 200; ++row) {
+            file += row == setRow ? QByteArray("\xff\x01", 2) : QByteArray("\xff\x00", 2);
+        }
+        const TargaBands bands(ReaderOf(file), file.size(), size);
+        for (int band = 0; band < bands.Count(); ++band) {
+            const int fromBottom = isTopDown ? 199 - setRow : setRow;
+            QCOMPARE(bands.IsClear(band), fromBottom / 64 != band);
+        }
+    }
+    const QByteArray cut = Header(size, true, isTopDown) + QByteArray("\x80\xff", 2);
+    const TargaBands bands(ReaderOf(cut), cut.size(), size);
+    QVERIFY(!bands.IsClear(0) && !bands.IsClear(3));
 }
 
 void tst_TargaBands::BandsOutsideAreNull()
