@@ -4,12 +4,8 @@ include(GNUInstallDirs)
 # The toolchain's own folder for documents is named after the project, with a capital.
 set(docs ${CMAKE_INSTALL_DATADIR}/doc/quillmap)
 
-install(TARGETS quillmap)
-set(programs quillmap)
-if(TARGET quillmap-tool)
-  install(TARGETS quillmap-tool)
-  list(APPEND programs quillmap-tool)
-endif()
+set(programs quillmap quillmap-tool)
+install(TARGETS ${programs})
 
 # The desktop: menu entry, what software centres show, icons.
 install(FILES packaging/quillmap.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
