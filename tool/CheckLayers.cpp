@@ -67,7 +67,7 @@ QString RuleOf(LayerBitmap::Problem problem)
 
 void CheckPixels(const LayerData& layer, const LayerBitmap& bitmap, Findings& findings)
 {
-    const PixelCounts counts = CountPixels(bitmap);
+    const raster::PixelCounts counts = bitmap.CountPixels();
     if (counts.Covered() == 0) {
         findings.append({QStringLiteral("layer-without-pixels"), Severity::Warning, PlaceOf(layer),
                          QStringLiteral("nothing is painted in it."),

@@ -11,9 +11,7 @@ namespace {
 constexpr float MinRadius = 50;
 constexpr float MaxRadius = 32768;
 
-constexpr std::array<QLatin1String, 4> FixedUsages = {QLatin1String("Rest"), QLatin1String("Graze"),
-                                                      QLatin1String("Water"),
-                                                      QLatin1String("HuntingGround")};
+constexpr std::array<const char*, 4> FixedUsages = {"Rest", "Graze", "Water", "HuntingGround"};
 
 /// The fixed usage that an event name is easily taken for; empty when it is one itself or none.
 QString ResembledUsage(const QString& name)
@@ -22,11 +20,12 @@ QString ResembledUsage(const QString& name)
     for (const char separator : {' ', '-', '_'}) {
         letters.remove(QLatin1Char(separator));
     }
-    for (const QLatin1String usage : FixedUsages) {
+    for (const char* fixed : FixedUsages) {
+        QString usage = QString::fromLatin1(fixed);
         if (name == usage) {
             return {};
         }
-        if (letters == QString(usage).toLower()) {
+        if (letters == usage.toLower()) {
             return usage;
         }
     }

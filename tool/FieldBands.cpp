@@ -21,7 +21,7 @@ int BitCount(int flagTypeCount)
 }
 
 /// For the masks of a band.
-constexpr int MaskBytes = 16 << 20;
+constexpr int MaskBytes = 1 << 22;
 
 void AddWords(BitFieldRaster& fields, const BitFieldRaster& more)
 {
@@ -91,9 +91,7 @@ bool ProjectFields::AddBitmaps(const ProjectData& project)
             Console::PrintError(project.BitmapPath(layer), bitmap->Error());
             isGood = false;
         }
-        if ((layer.usageFlags | layer.valueFlags) != 0) {
-            m_bitmaps.push_back({layer.usageFlags, layer.valueFlags, std::move(bitmap)});
-        }
+        m_bitmaps.push_back({layer.usageFlags, layer.valueFlags, std::move(bitmap)});
     }
     return isGood;
 }
@@ -108,7 +106,7 @@ bool ProjectFields::Read(int band, BitFieldRaster& usages, BitFieldRaster& value
         const std::size_t end = qMin(begin + groupSize, m_bitmaps.size());
         for (std::size_t i = begin; i < end; ++i) {
             const FlaggedBitmap& flagged = m_bitmaps[i];
-            if (flagged.bitmap->IsClear(band)) {
+            if (!flagged.HasFlags() || flagged.bitmap->IsClear(band)) {
                 continue;
             }
             masks.append({flagged.bitmap->Band(band), flagged.usageFlags, flagged.valueFlags});

@@ -51,6 +51,11 @@ public:
     /// many flag types, or a bitmap cannot be read.
     bool Open(const ProjectData& project);
     bool Read(int band, raster::BitFieldRaster& usages, raster::BitFieldRaster& values) override;
+    /// That of the project's layer of this index.
+    const LayerBitmap& Bitmap(int layer) const
+    {
+        return *m_bitmaps[static_cast<std::size_t>(layer)].bitmap;
+    }
 
 private:
     bool AddBitmaps(const ProjectData& project);
@@ -59,10 +64,12 @@ private:
     {
         quint32 usageFlags;
         quint32 valueFlags;
+        bool HasFlags() const { return (usageFlags | valueFlags) != 0; }
         std::unique_ptr<LayerBitmap> bitmap;
     };
 
     QString m_path;
+    /// One a layer.
     std::vector<FlaggedBitmap> m_bitmaps;
 };
 

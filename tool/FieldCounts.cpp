@@ -1,34 +1,8 @@
 #include "tool/FieldCounts.h"
 
-#include <QtAlgorithms>
-
-namespace {
-
-/// The bit 0 of each field.
-quint32 LowBits(int bits)
-{
-    return bits == 32 ? 1 : 0xFFFFFFFFU / ((1U << bits) - 1);
-}
-
-} // namespace
-
-void FieldCounts::AddWord(quint32 word, qint64 times, int bits)
-{
-    if (word == 0) {
-        return;
-    }
-    const quint32 low = LowBits(bits);
-    quint32 any = 0;
-    for (int bit = 0; bit < bits; ++bit) {
-        const quint32 set = word >> bit & low;
-        any |= set;
-        m_counts[static_cast<std::size_t>(bit)] += times * qint64(qPopulationCount(set));
-    }
-    m_any += times * qint64(qPopulationCount(any));
-}
-
 void FieldCounts::Add(const raster::BitFieldRaster& fields)
 {
+    m_bits = fields.Bits();
     // Most words are like the one before.
     const quint32* word = fields.Words();
     const quint32* end = word + fields.WordCount();
@@ -37,6 +11,24 @@ void FieldCounts::Add(const raster::BitFieldRaster& fields)
         while (word != end && *word == *begin) {
             ++word;
         }
-        AddWord(*begin, word - begin, fields.Bits());
+        quint32 rest = *begin;
+        for (ByteCounts& counts : m_bytes) {
+            counts[rest & 0xFFU] += word - begin;
+            rest >>= 8U;
+        }
     }
+}
+
+qint64 FieldCounts::Of(int bit) const
+{
+    qint64 sum = 0;
+    for (int place = bit; m_bits > bit && place < 32; place += m_bits) {
+        const ByteCounts& counts = m_bytes[static_cast<std::size_t>(place / 8)];
+        for (quint32 value = 0; value < counts.size(); ++value) {
+            if ((value >> place % 8 & 1U) != 0) {
+                sum += counts[value];
+            }
+        }
+    }
+    return sum;
 }

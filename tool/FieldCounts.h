@@ -8,14 +8,15 @@
 class FieldCounts
 {
 public:
+    /// All rasters have as many bits.
     void Add(const raster::BitFieldRaster& fields);
-    qint64 Of(int bit) const { return m_counts[static_cast<std::size_t>(bit)]; }
-    /// Fields with any bit.
-    qint64 Any() const { return m_any; }
+    qint64 Of(int bit) const;
 
 private:
-    void AddWord(quint32 word, qint64 times, int bits);
+    using ByteCounts = std::array<qint64, 256>;
 
-    std::array<qint64, 32> m_counts{};
-    qint64 m_any = 0;
+    int m_bits = 0;
+    /// How many words have which value in their lowest, second, third and highest byte. To count
+    /// bytes is quicker than to look at every bit of every field.
+    std::array<ByteCounts, 4> m_bytes{};
 };

@@ -133,18 +133,19 @@ QJsonArray FlagNames(quint32 flags, const QVector<QString>& names)
     return array;
 }
 
-QVector<Report> LayerReports(const ProjectData& project, const AreaScale& scale)
+QVector<Report> LayerReports(const ProjectData& project, const ProjectFields& fields,
+                             const AreaScale& scale)
 {
     Progress progress(QStringLiteral("Reading layers"), project.layers.size());
     QVector<Report> reports;
-    for (const LayerData& layer : project.layers) {
-        const LayerBitmap bitmap(project.BitmapPath(layer), project.layerSize);
+    for (int i = 0; i < project.layers.size(); ++i) {
+        const LayerData& layer = project.layers.at(i);
         Report report;
         report.Add(QStringLiteral("name"), layer.name);
         report.Add(QStringLiteral("visible"), layer.isVisible);
         report.Add(QStringLiteral("usages"), FlagNames(layer.usageFlags, project.flagTypes.usages));
         report.Add(QStringLiteral("values"), FlagNames(layer.valueFlags, project.flagTypes.values));
-        scale.AddTo(report, CountPixels(bitmap).Covered());
+        scale.AddTo(report, fields.Bitmap(i).CountPixels().Covered());
         reports.append(report);
         progress.Step();
     }
@@ -171,7 +172,7 @@ ToolExit DescribeProject(const QString& path, bool asJson)
     report.Add(QStringLiteral("kind"), QStringLiteral("project"));
     AddSizes(report, project.layerSize, project.worldSize);
     report.Add(QStringLiteral("background"), project.backgroundFile);
-    report.Add(QStringLiteral("layers"), LayerReports(project, scale));
+    report.Add(QStringLiteral("layers"), LayerReports(project, fields, scale));
     report.Add(QStringLiteral("usage-flags"),
                FlagReports(counts.usages, fields.UsageBits(), project.flagTypes.usages, scale));
     report.Add(QStringLiteral("value-flags"),
@@ -217,7 +218,7 @@ ToolExit DescribeBitmap(const QString& path, bool asJson)
         Console::PrintError(path, bitmap.Error());
         return ToolExit::Unreadable;
     }
-    const PixelCounts counts = CountPixels(bitmap);
+    const raster::PixelCounts counts = bitmap.CountPixels();
     const double pixelCount = double(bitmap.Size().width()) * bitmap.Size().height();
     Report report;
     report.Add(QStringLiteral("file"), path);

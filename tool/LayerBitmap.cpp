@@ -1,6 +1,5 @@
 #include "tool/LayerBitmap.h"
 
-#include "layers/raster/Mask.h"
 #include "tool/ProjectData.h"
 
 #include <QByteArray>
@@ -8,7 +7,6 @@
 #include <QFileInfo>
 
 #include <algorithm>
-#include <array>
 
 using raster::TargaError;
 
@@ -111,26 +109,4 @@ raster::ByteReader LayerBitmap::MakeReader()
     return [path = m_path](qint64 offset, uchar* to, qint64 count) {
         return ReadFile(path, offset, to, count);
     };
-}
-
-PixelCounts CountPixels(const LayerBitmap& bitmap)
-{
-    PixelCounts counts;
-    const qint64 width = bitmap.Size().width();
-    for (int band = 0; band < bitmap.BandCount(); ++band) {
-        if (bitmap.IsClear(band)) {
-            continue;
-        }
-        const QImage rows = bitmap.Band(band);
-        for (int y = 0; y < rows.height(); ++y) {
-            const uchar* begin = rows.constScanLine(y);
-            const uchar* end = begin + rows.width();
-            const qint64 covered = width - std::count(begin, end, raster::MaskClear);
-            const qint64 set = covered > 0 ? std::count(begin, end, raster::MaskSet) : 0;
-            counts.set += set;
-            counts.other += covered - set;
-        }
-    }
-    counts.clear = width * bitmap.Size().height() - counts.Covered();
-    return counts;
 }

@@ -38,6 +38,11 @@ public:
     bool IsClear(int band) const { return m_bands && m_bands->IsClear(band); }
     /// Null when there is a problem. Bands count from the bottom; see TargaBands.
     QImage Band(int band) const { return m_bands ? m_bands->Decode(band) : QImage(); }
+    /// All 0 when there is a problem.
+    raster::PixelCounts CountPixels() const
+    {
+        return m_bands ? m_bands->CountPixels() : raster::PixelCounts();
+    }
 
 private:
     void Refuse(Problem problem, const QString& error);
@@ -49,16 +54,3 @@ private:
     QString m_error;
     std::unique_ptr<raster::TargaBands> m_bands;
 };
-
-/// How many pixels of a bitmap have which value.
-struct PixelCounts
-{
-    qint64 clear = 0;
-    qint64 set = 0;
-    qint64 other = 0;
-
-    /// Those that the map takes for set.
-    qint64 Covered() const { return set + other; }
-};
-
-PixelCounts CountPixels(const LayerBitmap& bitmap);

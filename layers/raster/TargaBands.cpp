@@ -20,38 +20,85 @@ class Cursor
 public:
     Cursor(const ByteReader& read, qint64 offset, qint64 end)
         : m_read(read)
-        , m_offset(offset)
+        , m_blockEnd(offset)
         , m_end(end)
     {
     }
 
-    qint64 Offset() const { return m_offset; }
-    qint64 Left() const { return m_end - m_offset; }
+    qint64 Offset() const { return m_blockEnd - (m_stop - m_at); }
+    qint64 Left() const { return m_end - Offset(); }
 
     /// Only while something is left; a file that became shorter meanwhile reads as 0.
     uchar Take()
     {
-        if (m_offset < m_blockBegin || m_offset >= m_blockBegin + qint64(m_block.size())) {
-            m_blockBegin = m_offset;
+        if (m_at == m_stop) {
             m_block.assign(static_cast<std::size_t>(std::min<qint64>(Left(), BlockSize)), 0);
-            m_read(m_offset, m_block.data(), static_cast<qint64>(m_block.size()));
+            m_at = m_block.data();
+            m_stop = m_at + m_block.size();
+            m_read(m_blockEnd, m_block.data(), m_stop - m_at);
+            m_blockEnd += m_stop - m_at;
         }
-        return m_block[static_cast<std::size_t>(m_offset++ - m_blockBegin)];
+        return *m_at++;
     }
-
-    void Skip(qint64 count) { m_offset += count; }
 
 private:
     static constexpr qint64 BlockSize = 1 << 16;
 
     const ByteReader& m_read;
-    qint64 m_offset;
-    qint64 m_end;
-    qint64 m_blockBegin = 0;
     std::vector<uchar> m_block;
+    const uchar* m_at = nullptr;
+    const uchar* m_stop = nullptr;
+    /// In the file.
+    qint64 m_blockEnd;
+    qint64 m_end;
 };
 
+struct Packet
+{
+    bool isRun = false;
+    /// Pixels that its header tells, and those of them that the file and the image have.
+    int count = 0;
+    qint64 present = 0;
+    /// Where its first pixel is in the file.
+    qint64 data = 0;
+    uchar last = MaskClear;
+    PixelCounts counts;
+};
+
+Packet TakePacket(Cursor& cursor, qint64 wanted)
+{
+    Packet packet;
+    const uchar header = cursor.Take();
+    packet.isRun = (header & RunBit) != 0;
+    packet.count = (header & ~RunBit) + 1;
+    packet.data = cursor.Offset();
+    packet.present = std::min<qint64>(packet.count, wanted);
+    if (packet.isRun) {
+        packet.last = cursor.Take();
+        packet.counts.Add(packet.last, packet.present);
+        return packet;
+    }
+    packet.present = std::min(packet.present, cursor.Left());
+    for (qint64 i = 0; i < packet.present; ++i) {
+        packet.last = cursor.Take();
+        packet.counts.Add(packet.last, 1);
+    }
+    return packet;
+}
+
 } // namespace
+
+void PixelCounts::Add(uchar value, qint64 count)
+{
+    (value == MaskClear ? clear : value == MaskSet ? set : other) += count;
+}
+
+void PixelCounts::operator+=(const PixelCounts& more)
+{
+    clear += more.clear;
+    set += more.set;
+    other += more.other;
+}
 
 QSize TargaSize(const ByteReader& read)
 {
@@ -80,8 +127,8 @@ TargaBands::TargaBands(ByteReader read, qint64 byteCount, QSize size)
     m_starts.resize(static_cast<std::size_t>((size.height() + BandRows - 1) / BandRows));
     for (int band = 0; band < Count(); ++band) {
         m_starts[static_cast<std::size_t>(band)].storedRow = StoredRow(band);
+        m_starts[static_cast<std::size_t>(band)].hasSet = !m_isRunLength;
     }
-    m_hasSet.resize(m_starts.size(), !m_isRunLength);
     if (m_isRunLength) {
         FindPackets();
     } else {
@@ -116,34 +163,39 @@ void TargaBands::FindPackets()
     Cursor cursor(m_read, TargaHeaderSize, m_byteCount);
     uchar last = MaskClear;
     qint64 pixel = 0;
+    // Of the band at hand, and where the next one begins; the first begins with the first packet.
+    Start* current = *next;
+    qint64 nextPixel = 0;
+    const auto pixelOf = [&](const auto& start) {
+        return start == starts.end() ? pixelCount : width * (*start)->storedRow;
+    };
     while (pixel < pixelCount && cursor.Left() >= 2) {
-        const uchar header = cursor.Take();
-        const int count = (header & ~RunBit) + 1;
-        const bool isRun = (header & RunBit) != 0;
-        const qint64 data = cursor.Offset();
-        const qint64 present = isRun ? count : std::min<qint64>(count, cursor.Left());
-        if (!isRun) {
-            cursor.Skip(present - 1);
+        const Packet packet = TakePacket(cursor, pixelCount - pixel);
+        const bool hasSet = packet.counts.Covered() != 0;
+        m_counts += packet.counts;
+        last = packet.last;
+        if (pixel < nextPixel) {
+            current->hasSet |= hasSet;
         }
-        last = cursor.Take();
-        if (!isRun || last != MaskClear) {
-            NoteSet(pixel, std::min(pixel + present, pixelCount));
-        }
-        for (; next != starts.end() && width * (*next)->storedRow < pixel + present; ++next) {
-            const auto passed = static_cast<int>(width * (*next)->storedRow - pixel);
-            Start& start = **next;
-            start.packet[0] = static_cast<uchar>((count - passed - 1) | (isRun ? RunBit : 0));
+        for (; nextPixel < pixel + packet.present; nextPixel = pixelOf(next)) {
+            const auto passed = static_cast<int>(nextPixel - pixel);
+            Start& start = **next++;
+            start.packet[0] =
+                static_cast<uchar>((packet.count - passed - 1) | (packet.isRun ? RunBit : 0));
             start.packet[1] = last;
-            start.packetBytes = isRun ? 2 : 1;
-            start.offset = isRun ? cursor.Offset() : data + passed;
+            start.packetBytes = packet.isRun ? 2 : 1;
+            start.offset = packet.isRun ? cursor.Offset() : packet.data + passed;
+            start.hasSet = hasSet;
+            current = &start;
         }
-        pixel += present;
+        pixel += packet.present;
     }
     m_isCutOff = pixel < pixelCount;
     m_end = cursor.Offset();
     // The last pixel goes on to the end.
-    if (m_isCutOff && last != MaskClear) {
-        NoteSet(pixel, pixelCount);
+    if (m_isCutOff) {
+        m_counts.Add(last, pixelCount - pixel);
+        current->hasSet |= last != MaskClear;
     }
     for (; next != starts.end(); ++next) {
         Start& start = **next;
@@ -151,19 +203,7 @@ void TargaBands::FindPackets()
         start.packet[1] = last;
         start.packetBytes = 2;
         start.offset = m_end;
-    }
-}
-
-void TargaBands::NoteSet(qint64 pixel, qint64 end)
-{
-    const auto bandOf = [this](qint64 place) {
-        const qint64 row = place / m_size.width();
-        return (m_isTopDown ? m_size.height() - 1 - row : row) / BandRows;
-    };
-    const qint64 first = bandOf(pixel);
-    const qint64 last = bandOf(end - 1);
-    for (qint64 band = std::min(first, last); band <= std::max(first, last); ++band) {
-        m_hasSet[static_cast<std::size_t>(band)] = true;
+        start.hasSet = last != MaskClear;
     }
 }
 
@@ -188,6 +228,24 @@ QImage TargaBands::Decode(int band) const
         return {};
     }
     return m_isRunLength ? DecodePackets(band) : DecodeRaw(band);
+}
+
+PixelCounts TargaBands::CountPixels() const
+{
+    PixelCounts counts = m_counts;
+    for (int band = 0; band < Count() && !m_isRunLength; ++band) {
+        const QImage rows = DecodeRaw(band);
+        for (int y = 0; y < rows.height(); ++y) {
+            const uchar* begin = rows.constScanLine(y);
+            const uchar* end = begin + rows.width();
+            const auto clear = static_cast<qint64>(std::count(begin, end, MaskClear));
+            const auto set = static_cast<qint64>(std::count(begin, end, MaskSet));
+            counts.clear += clear;
+            counts.set += set;
+            counts.other += rows.width() - clear - set;
+        }
+    }
+    return counts;
 }
 
 QImage TargaBands::DecodePackets(int band) const
@@ -218,7 +276,7 @@ QImage TargaBands::DecodeRaw(int band) const
     std::vector<uchar> file = Header(rows + before);
     const qint64 offset = TargaHeaderSize + qint64(storedRow - before) * width;
     Append(file, offset, std::min<qint64>(m_end - offset, qint64(rows + before) * width));
-    const QImage mask =
+    QImage mask =
         DecodeTarga(file.data(), static_cast<qint64>(file.size()), {width, rows + before}).mask;
     if (before == 0 || mask.isNull()) {
         return mask;

@@ -13,6 +13,19 @@ namespace raster {
 /// Reads up to count bytes of a file from an offset on, and tells how many there were.
 using ByteReader = std::function<qint64(qint64 offset, uchar* to, qint64 count)>;
 
+/// How many pixels have which value.
+struct PixelCounts
+{
+    qint64 clear = 0;
+    qint64 set = 0;
+    qint64 other = 0;
+
+    /// Those that a map takes for set.
+    qint64 Covered() const { return set + other; }
+    void Add(uchar value, qint64 count);
+    void operator+=(const PixelCounts& more);
+};
+
 /// The size that the header of a layer bitmap gives; empty when there is no whole header.
 QSize TargaSize(const ByteReader& read);
 
@@ -36,10 +49,12 @@ public:
 
     /// True only for a band that has no set pixel; there need be no mask of it. Raw files are not
     /// looked through.
-    bool IsClear(int band) const { return !m_hasSet.at(static_cast<std::size_t>(band)); }
+    bool IsClear(int band) const { return !m_starts.at(static_cast<std::size_t>(band)).hasSet; }
     /// The rows of a band as a mask; null when there is no memory. Bands count from the bottom of
     /// the image, as maps do; the last one may be lower.
     QImage Decode(int band) const;
+    /// Of the whole image; all 0 after an error. Raw files are read for it.
+    PixelCounts CountPixels() const;
 
 private:
     /// Where a row begins: the rest of the packet that it begins in, and what follows that.
@@ -49,13 +64,13 @@ private:
         qint64 offset = 0;
         uchar packet[2] = {};
         int packetBytes = 0;
+        bool hasSet = false;
     };
 
     int Rows(int band) const;
     /// The band's first row in the order of the file.
     int StoredRow(int band) const;
     void FindPackets();
-    void NoteSet(qint64 pixel, qint64 end);
     std::vector<uchar> Header(int rows) const;
     QImage DecodePackets(int band) const;
     QImage DecodeRaw(int band) const;
@@ -71,7 +86,8 @@ private:
     bool m_isCutOff = false;
     /// By band.
     std::vector<Start> m_starts;
-    std::vector<bool> m_hasSet;
+    /// Of the packets.
+    PixelCounts m_counts;
     /// Behind the last byte that is needed.
     qint64 m_end = 0;
 };

@@ -35,6 +35,18 @@ QByteArray Header(QSize size, bool isRunLength, bool isTopDown)
     return header;
 }
 
+uchar RandomValue(Random& random)
+{
+    switch (random.Below(3)) {
+    case 0:
+        return raster::MaskClear;
+    case 1:
+        return raster::MaskSet;
+    default:
+        return static_cast<uchar>(random.Below(256));
+    }
+}
+
 /// Packets of either kind that cross row ends, or plain bytes.
 QByteArray RandomFile(Random& random, QSize size, bool isRunLength, bool isTopDown)
 {
@@ -42,7 +54,7 @@ QByteArray RandomFile(Random& random, QSize size, bool isRunLength, bool isTopDo
     const int pixels = size.width() * size.height();
     for (int pixel = 0; pixel < pixels;) {
         if (!isRunLength) {
-            file += static_cast<char>(random.Below(256));
+            file += static_cast<char>(RandomValue(random));
             ++pixel;
             continue;
         }
@@ -50,7 +62,7 @@ QByteArray RandomFile(Random& random, QSize size, bool isRunLength, bool isTopDo
         const bool isRun = random.Below(2) == 0;
         file += static_cast<char>((count - 1) | (isRun ? 0x80 : 0));
         for (int i = 0; i < (isRun ? 1 : count); ++i) {
-            file += static_cast<char>(random.Below(256));
+            file += static_cast<char>(RandomValue(random));
         }
         pixel += count;
     }
@@ -79,6 +91,25 @@ QImage Decoded(const QByteArray& file, QSize size)
 {
     return raster::DecodeTarga(reinterpret_cast<const uchar*>(file.constData()), file.size(), size)
         .mask;
+}
+
+raster::PixelCounts Counted(const QImage& mask)
+{
+    raster::PixelCounts counts;
+    for (int y = 0; y < mask.height(); ++y) {
+        const uchar* row = mask.constScanLine(y);
+        for (int x = 0; x < mask.width(); ++x) {
+            counts.Add(row[x], 1);
+        }
+    }
+    return counts;
+}
+
+void CompareCounts(const raster::PixelCounts& counts, const raster::PixelCounts& expected)
+{
+    QCOMPARE(counts.clear, expected.clear);
+    QCOMPARE(counts.set, expected.set);
+    QCOMPARE(counts.other, expected.other);
 }
 
 } // namespace
@@ -131,6 +162,7 @@ void tst_TargaBands::BandsMakeTheWholeImage()
     QVERIFY(!bands.IsCutOff());
     QCOMPARE(bands.Count(), (size.height() + 63) / 64);
     QCOMPARE(Whole(bands, size), Decoded(file, size));
+    CompareCounts(bands.CountPixels(), Counted(Decoded(file, size)));
 }
 
 void tst_TargaBands::CutOffFilesAreFilledAlike()
@@ -147,6 +179,7 @@ void tst_TargaBands::CutOffFilesAreFilledAlike()
 
         QVERIFY(isRunLength || bands.IsCutOff());
         QCOMPARE(Whole(bands, size), Decoded(cut, size));
+        CompareCounts(bands.CountPixels(), Counted(Decoded(cut, size)));
     }
 }
 
