@@ -1,16 +1,26 @@
-// Saves the project of the path given again and again, its layers turned inside out each time,
-// until it is killed. Prints a line when the first save begins.
+// SaveForever PROJECT WAY COUNT
+// Saves the project, or exports it, again and again, each time with other contents, until it is
+// killed or did so COUNT times; 0 is without end. WAY is "save", "all" (also the map and the
+// territory types), or "batch": the batch run of PROJECT and, in turn, of a document of the same
+// name in the folder "other". Works in the project's folder. Prints a line when the first save
+// begins.
 
+#include "app/BatchExport.h"
 #include "app/ProjectDocument.h"
 #include "app/ProjectFile.h"
 #include "app/ProjectReader.h"
 #include "app/ProjectSettings.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
+#include "layers/raster/Mask.h"
 #include "layers/raster/SetOperations.h"
+#include "territories/Territory.h"
+#include "territories/TerritoryType.h"
 #include "territories/TerritoryTypeList.h"
+#include "territories/Zone.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -22,14 +32,51 @@
 
 namespace {
 
-void TurnInsideOut(const LayerList& layers)
+/// Whatever they were before: a save that was interrupted leaves some of each kind.
+void TurnInsideOut(const LayerList& layers, bool isInsideOut)
 {
     const QVector<Layer*> all = layers.Layers();
     for (Layer* layer : all) {
         QImage mask = layer->Image();
+        if ((*mask.constScanLine(0) != raster::MaskClear) == isInsideOut) {
+            continue;
+        }
         layer->SetImage(QImage(), layer->Color());
         layer->SetImage(raster::Complement(std::move(mask)), layer->Color());
     }
+}
+
+void ResizeZones(const TerritoryTypeList& types, float radius)
+{
+    const QVector<TerritoryType*> all = types.Types();
+    for (const TerritoryType* type : all) {
+        const QVector<Territory*> territories = type->Territories();
+        for (const Territory* territory : territories) {
+            for (Zone* zone : territory->Zones()) {
+                zone->SetRadius(radius);
+            }
+        }
+    }
+}
+
+/// What the editor does for "Save all".
+bool SaveAll(const QString& path, int selected, LayerList& layers, const TerritoryTypeList& types)
+{
+    bool isSaved = SaveProjectTo(path, {selected, {}, {}, layers, types}) &&
+                   layers.SaveMap(ProjectSettings::Instance().MapPath());
+    const QVector<TerritoryType*> all = types.Types();
+    for (const TerritoryType* type : all) {
+        isSaved = type->Export() && isSaved;
+    }
+    return isSaved;
+}
+
+bool Export(const QFileInfo& project, bool isOther)
+{
+    const QDir folder = project.dir();
+    const QString name = (isOther ? QStringLiteral("other/") : QString()) + project.fileName();
+    return RunBatchExport(folder.filePath(name), folder.filePath(QStringLiteral("Output"))) ==
+           ExitDone;
 }
 
 } // namespace
@@ -40,8 +87,10 @@ int main(int argc, char* argv[])
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     const QCoreApplication application(argc, argv);
     const QString path = QCoreApplication::arguments().value(1);
-    const int saves = QCoreApplication::arguments().value(2).toInt();
+    const QString way = QCoreApplication::arguments().value(2);
+    const int saves = QCoreApplication::arguments().value(3).toInt();
     ProjectSettings::Instance().projectDir = QFileInfo(path).absoluteDir();
+    QDir::setCurrent(QFileInfo(path).path());
     LayerList layers;
     TerritoryTypeList types;
     QFile file(path);
@@ -57,9 +106,19 @@ int main(int argc, char* argv[])
     std::puts("saving");
     std::fflush(stdout);
     for (int i = 0; saves == 0 || i < saves; ++i) {
-        TurnInsideOut(layers);
-        // The document differs too.
-        if (!SaveProjectTo(path, {i % 2, {}, {}, layers, types})) {
+        const int turn = i % 2;
+        if (way == QLatin1String("batch")) {
+            if (!Export(QFileInfo(path), turn != 0)) {
+                return 1;
+            }
+            continue;
+        }
+        TurnInsideOut(layers, turn != 0);
+        ResizeZones(types, turn == 0 ? 60.0F : 70.0F);
+        const bool isSaved = way == QLatin1String("all")
+                                 ? SaveAll(path, turn, layers, types)
+                                 : SaveProjectTo(path, {turn, {}, {}, layers, types});
+        if (!isSaved) {
             return 1;
         }
     }
