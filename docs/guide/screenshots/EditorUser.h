@@ -1,0 +1,65 @@
+#pragma once
+
+#include "canvas/MainView.h"
+#include "ui/QuillmapWindow.h"
+
+#include <QDialog>
+#include <QEvent>
+#include <QVector>
+
+#include <functional>
+
+class QAbstractItemView;
+class QModelIndex;
+
+/// Does in the editor's window what a designer does, with the mouse and the keyboard. Ends the
+/// program with a message when something that it needs is not there.
+class EditorUser
+{
+public:
+    EditorUser();
+
+    QuillmapWindow& Window() { return m_window; }
+    MainView& Map() const { return Widget<MainView>("paintView"); }
+    template <typename T>
+    T& Widget(const char* name) const
+    {
+        T* widget = m_window.findChild<T*>(QLatin1String(name));
+        Require(widget, name);
+        return *widget;
+    }
+
+    /// Chooses the action, then answers the dialog that it opens.
+    void Choose(const char* action);
+    void Choose(const char* action, const std::function<void(QDialog&)>& answer);
+    void Click(const char* button);
+    void Click(const char* button, const std::function<void(QDialog&)>& answer);
+    /// The row of that text, at any depth; clicked, it becomes the current one.
+    void SelectRow(const char* tree, const QString& text);
+    void SelectLastRow(const char* tree);
+    void RenameCurrent(const char* tree, const QString& name);
+    /// Types the path into a file dialog and accepts it.
+    static void AnswerFile(QDialog& dialog, const QString& path);
+
+    /// Turns the wheel over the map with Ctrl held, so that the place, in scene units, is in the
+    /// middle afterwards.
+    void ZoomTo(QPointF place, int steps);
+    /// Paints through these places of the map, in scene units.
+    void Paint(const QVector<QPointF>& places);
+    void ClickMap(QPointF place);
+    void PointAt(QPointF place);
+    void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
+    /// Lets the window follow.
+    static void Settle();
+
+    /// Ends the program when the condition is false.
+    static void Require(bool condition, const char* what);
+
+private:
+    static void ClickRow(QAbstractItemView& view, const QModelIndex& index);
+    void SendMouse(QEvent::Type type, QPointF place, Qt::MouseButton button,
+                   Qt::MouseButtons buttons);
+    QPoint InMap(QPointF place) const;
+
+    QuillmapWindow m_window;
+};

@@ -1,0 +1,225 @@
+// guide_screenshots EXAMPLE FOLDER
+// Works through the example project in the editor's window and puts the pictures of the guide into
+// the folder. EXAMPLE is a copy of the project's folder, for it is saved and exported on the way.
+
+#include "EditorUser.h"
+#include "Picture.h"
+#include "app/ProjectSettings.h"
+
+#include <QApplication>
+#include <QColorDialog>
+#include <QComboBox>
+#include <QCursor>
+#include <QDir>
+#include <QDockWidget>
+#include <QLineEdit>
+#include <QListView>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QScreen>
+#include <QSlider>
+#include <QSpinBox>
+#include <QStandardItemModel>
+#include <QTest>
+
+#include <cstdlib>
+
+namespace {
+
+constexpr QSize WindowSize(1060, 740);
+constexpr QSize MessagesSize(640, 190);
+constexpr int WestOfTheZones = 260;
+constexpr QSize TallWindow(980, 1010);
+const QColor OrchardColor(224, 130, 20);
+constexpr int OrchardAlpha = 170;
+constexpr int PatienceMilliseconds = 30000;
+
+/// Scene units of a place in metres.
+QPointF Place(double x, double z)
+{
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    return {x / static_cast<double>(settings.metresPerPixelX),
+            settings.layerHeight - z / static_cast<double>(settings.metresPerPixelZ)};
+}
+
+QVector<QPointF> Places(const QVector<QPointF>& metres)
+{
+    QVector<QPointF> places;
+    for (const QPointF& place : metres) {
+        places.append(Place(place.x(), place.y()));
+    }
+    return places;
+}
+
+/// The time of day and the folder of the copy are others in each run, and would change the
+/// pictures.
+void HideWhatVaries(EditorUser& user, const QDir& example)
+{
+    auto& list = user.Widget<QListView>("messageListView");
+    auto* messages = qobject_cast<QStandardItemModel*>(list.model());
+    EditorUser::Require(messages, "messages");
+    const QString time = QStringLiteral("10:00:00");
+    for (int row = 0; row < messages->rowCount(); ++row) {
+        QString text = messages->item(row)->text();
+        text.replace(0, time.size(), time);
+        text.replace(example.absolutePath(), QStringLiteral("/home/ann/highlands"));
+        messages->item(row)->setText(text);
+    }
+    list.scrollToBottom();
+}
+
+void Load(EditorUser& user, const QDir& example)
+{
+    user.Choose("actionLoad", [&](QDialog& dialog) {
+        EditorUser::AnswerFile(dialog, example.filePath(QStringLiteral("highlands.xml")));
+    });
+    EditorUser::Require(ProjectSettings::Instance().layerWidth > 0, "the example");
+}
+
+void ShowOverview(EditorUser& user, const QDir& example, const QDir& pictures)
+{
+    user.ZoomTo(Place(7400, 7700), -2);
+    user.PointAt(Place(7000, 8000));
+    HideWhatVaries(user, example);
+    Picture picture(user.Window());
+    picture.Number(*user.Window().menuBar(), {-820, 26});
+    picture.Number(user.Widget<QWidget>("treeLayers"), {-20, 4});
+    picture.Number(user.Widget<QWidget>("scrollFlags"), {-20, 4});
+    picture.Number(user.Map(), {-6, 6});
+    picture.Number(user.Widget<QWidget>("gboPaintMode"), {-6, 26});
+    picture.Number(user.Widget<QWidget>("messageListView"), {-30, 2});
+    picture.Save(pictures, QStringLiteral("overview"));
+}
+
+void ChooseLayerColor(EditorUser& user)
+{
+    auto& group = user.Widget<QWidget>("gboLayerClrOp");
+    auto* button = group.findChild<QPushButton*>();
+    auto* slider = group.findChild<QSlider*>();
+    EditorUser::Require(button && slider, "colour and opacity of the layer");
+    button->setObjectName(QStringLiteral("color of the layer"));
+    user.Click("color of the layer", [](QDialog& dialog) {
+        auto* colors = qobject_cast<QColorDialog*>(&dialog);
+        EditorUser::Require(colors, "a dialog for colours");
+        colors->setCurrentColor(OrchardColor);
+        dialog.accept();
+    });
+    slider->setValue(OrchardAlpha);
+}
+
+void ShowPainting(EditorUser& user, const QDir& example, const QDir& pictures)
+{
+    user.Click("btnAddPainted");
+    user.SelectLastRow("treeLayers");
+    user.RenameCurrent("treeLayers", QStringLiteral("Orchards"));
+    ChooseLayerColor(user);
+    user.Choose("actionTogglePaintMode");
+    user.ZoomTo(Place(6100, 6900), 4);
+    user.Paint(Places({{5750, 7150}, {5900, 7000}, {6150, 7050}, {6350, 6900}}));
+    user.Paint(Places({{5900, 6750}, {6100, 6700}, {6300, 6650}}));
+    user.PointAt(Place(6700, 6300));
+    HideWhatVaries(user, example);
+    Picture picture(user.Window());
+    picture.Save(pictures, QStringLiteral("painting"));
+    user.Choose("actionTogglePaintMode");
+}
+
+void ShowComputedLayer(EditorUser& user, const QDir& pictures)
+{
+    user.Click("btnAddCustom", [&](QDialog& dialog) {
+        const auto* ok = dialog.findChild<QPushButton*>(QStringLiteral("btnOk"));
+        const auto idle = [ok] { return ok->isEnabled(); };
+        const auto choose = [&](const char* name, const QString& text) {
+            auto* combo = dialog.findChild<QComboBox*>(QLatin1String(name));
+            EditorUser::Require(combo && QTest::qWaitFor(idle, PatienceMilliseconds), name);
+            EditorUser::Require(combo->findText(text) >= 0, qPrintable(text));
+            combo->setCurrentIndex(combo->findText(text));
+        };
+        choose("cboOperation", QStringLiteral("Dilation"));
+        choose("cboInputA", QStringLiteral("Towns"));
+        EditorUser::Require(QTest::qWaitFor(idle, PatienceMilliseconds), "a preview");
+        auto* radius = dialog.findChild<QSpinBox*>(QStringLiteral("spnRadius"));
+        radius->setFocus();
+        radius->setValue(100);
+        QTest::keyClick(radius, Qt::Key_Return);
+        auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("txtOutputName"));
+        EditorUser::Require(QTest::qWaitFor(idle, PatienceMilliseconds), "a preview");
+        name->selectAll();
+        QTest::keyClicks(name, QStringLiteral("Outskirts"));
+        Picture(dialog).Save(pictures, QStringLiteral("computed-layer"));
+        dialog.findChild<QPushButton*>(QStringLiteral("btnCancel"))->click();
+    });
+}
+
+void ShowZones(EditorUser& user, const QDir& pictures)
+{
+    user.Choose("actionViewLayers");
+    user.Choose("actionViewStatus");
+    user.Choose("actionViewTerritoryTypes");
+    user.Window().resize(TallWindow);
+    user.SelectRow("treeTerTypes", QStringLiteral("Deer south woods 1"));
+    user.ZoomTo(Place(9200, 5450), 1);
+    user.Press(Qt::Key_S, Qt::ShiftModifier);
+    user.ClickMap(Place(9510, 5917.5));
+    Picture picture(user.Window());
+    picture.Crop(user.Window().rect().adjusted(WestOfTheZones, 0, 0, 0));
+    picture.Save(pictures, QStringLiteral("zones"));
+    user.Choose("actionViewLayers");
+    user.Choose("actionViewStatus");
+}
+
+void ShowMessages(EditorUser& user, const QDir& example, const QDir& pictures)
+{
+    user.Choose("actionSaveAll", [&](QDialog& dialog) {
+        EditorUser::AnswerFile(dialog, example.filePath(QStringLiteral("orchards.xml")));
+    });
+    HideWhatVaries(user, example);
+    auto& dock = user.Widget<QDockWidget>("DockStatus");
+    user.Window().resizeDocks({&dock}, {MessagesSize.height()}, Qt::Vertical);
+    Picture picture(dock);
+    picture.Crop(QRect(QPoint(), MessagesSize));
+    picture.Save(pictures, QStringLiteral("messages"));
+}
+
+void ShowNewProject(EditorUser& user, const QDir& pictures)
+{
+    user.Choose("actionNew", [&](QDialog& dialog) {
+        const auto type = [&](const char* name, const QString& text) {
+            dialog.findChild<QLineEdit*>(QLatin1String(name))->setText(text);
+        };
+        type("txtWorldImage", QStringLiteral("/home/ann/isle/island.jpg"));
+        type("txtAreaFlagsFile", QStringLiteral("/home/ann/isle/area-types.xml"));
+        type("txtProjectName", QStringLiteral("/home/ann/isle/isle.xml"));
+        Picture(dialog).Save(pictures, QStringLiteral("new-project"));
+        dialog.reject();
+    });
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QApplication application(argc, argv);
+    const QStringList arguments = QApplication::arguments();
+    if (arguments.size() != 3) {
+        qCritical("guide_screenshots EXAMPLE FOLDER");
+        return EXIT_FAILURE;
+    }
+    const QDir example(arguments[1]);
+    const QDir pictures(arguments[2]);
+    QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 9));
+    // Else the mouse lights up what it happens to stand on, and cursors in fields come and go.
+    QCursor::setPos(QApplication::primaryScreen()->geometry().bottomRight());
+    QApplication::setCursorFlashTime(0);
+
+    EditorUser user;
+    user.Window().resize(WindowSize);
+    Load(user, example);
+    ShowNewProject(user, pictures);
+    ShowOverview(user, example, pictures);
+    ShowPainting(user, example, pictures);
+    ShowComputedLayer(user, pictures);
+    ShowZones(user, pictures);
+    ShowMessages(user, example, pictures);
+    return EXIT_SUCCESS;
+}
