@@ -29,6 +29,8 @@ namespace {
 constexpr QSize WindowSize(1060, 740);
 constexpr QSize MessagesSize(640, 190);
 constexpr int WestOfTheZones = 260;
+constexpr int AboveTheDocks = 54;
+constexpr int TreeHeight = 300;
 constexpr QSize TallWindow(980, 1010);
 const QColor OrchardColor(224, 130, 20);
 constexpr int OrchardAlpha = 170;
@@ -157,12 +159,14 @@ void ShowZones(EditorUser& user, const QDir& pictures)
     user.Choose("actionViewStatus");
     user.Choose("actionViewTerritoryTypes");
     user.Window().resize(TallWindow);
+    user.Window().resizeDocks({&user.Widget<QDockWidget>("DockTerTypes")}, {TreeHeight},
+                              Qt::Vertical);
     user.SelectRow("treeTerTypes", QStringLiteral("Deer south woods 1"));
     user.ZoomTo(Place(9200, 5450), 1);
     user.Press(Qt::Key_S, Qt::ShiftModifier);
     user.ClickMap(Place(9510, 5917.5));
     Picture picture(user.Window());
-    picture.Crop(user.Window().rect().adjusted(WestOfTheZones, 0, 0, 0));
+    picture.Crop(user.Window().rect().adjusted(WestOfTheZones, AboveTheDocks, 0, 0));
     picture.Save(pictures, QStringLiteral("zones"));
     user.Choose("actionViewLayers");
     user.Choose("actionViewStatus");
@@ -176,6 +180,8 @@ void ShowMessages(EditorUser& user, const QDir& example, const QDir& pictures)
     HideWhatVaries(user, example);
     auto& dock = user.Widget<QDockWidget>("DockStatus");
     user.Window().resizeDocks({&dock}, {MessagesSize.height()}, Qt::Vertical);
+    EditorUser::Settle();
+    user.Widget<QListView>("messageListView").scrollToBottom();
     Picture picture(dock);
     picture.Crop(QRect(QPoint(), MessagesSize));
     picture.Save(pictures, QStringLiteral("messages"));
