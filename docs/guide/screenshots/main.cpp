@@ -34,6 +34,7 @@ constexpr int TreeHeight = 300;
 constexpr QSize TallWindow(980, 1010);
 const QColor OrchardColor(224, 130, 20);
 constexpr int OrchardAlpha = 170;
+constexpr int GrowthMetres = 100;
 constexpr int PatienceMilliseconds = 30000;
 
 /// Scene units of a place in metres.
@@ -126,30 +127,46 @@ void ShowPainting(EditorUser& user, const QDir& example, const QDir& pictures)
     user.Choose("actionTogglePaintMode");
 }
 
+template <typename T>
+T& Part(QDialog& dialog, const char* name)
+{
+    T* part = dialog.findChild<T*>(QLatin1String(name));
+    EditorUser::Require(part, name);
+    return *part;
+}
+
+/// The dialog's inputs are disabled while a preview is computed.
+void WaitForPreview(QDialog& dialog)
+{
+    const auto& ok = Part<QPushButton>(dialog, "btnOk");
+    EditorUser::Require(QTest::qWaitFor([&ok] { return ok.isEnabled(); }, PatienceMilliseconds),
+                        "a preview");
+}
+
+void ChooseIn(QDialog& dialog, const char* name, const QString& text)
+{
+    WaitForPreview(dialog);
+    auto& combo = Part<QComboBox>(dialog, name);
+    EditorUser::Require(combo.findText(text) >= 0, qPrintable(text));
+    combo.setCurrentIndex(combo.findText(text));
+}
+
 void ShowComputedLayer(EditorUser& user, const QDir& pictures)
 {
     user.Click("btnAddCustom", [&](QDialog& dialog) {
-        const auto* ok = dialog.findChild<QPushButton*>(QStringLiteral("btnOk"));
-        const auto idle = [ok] { return ok->isEnabled(); };
-        const auto choose = [&](const char* name, const QString& text) {
-            auto* combo = dialog.findChild<QComboBox*>(QLatin1String(name));
-            EditorUser::Require(combo && QTest::qWaitFor(idle, PatienceMilliseconds), name);
-            EditorUser::Require(combo->findText(text) >= 0, qPrintable(text));
-            combo->setCurrentIndex(combo->findText(text));
-        };
-        choose("cboOperation", QStringLiteral("Dilation"));
-        choose("cboInputA", QStringLiteral("Towns"));
-        EditorUser::Require(QTest::qWaitFor(idle, PatienceMilliseconds), "a preview");
-        auto* radius = dialog.findChild<QSpinBox*>(QStringLiteral("spnRadius"));
-        radius->setFocus();
-        radius->setValue(100);
-        QTest::keyClick(radius, Qt::Key_Return);
-        auto* name = dialog.findChild<QLineEdit*>(QStringLiteral("txtOutputName"));
-        EditorUser::Require(QTest::qWaitFor(idle, PatienceMilliseconds), "a preview");
-        name->selectAll();
-        QTest::keyClicks(name, QStringLiteral("Outskirts"));
+        ChooseIn(dialog, "cboOperation", QStringLiteral("Dilation"));
+        ChooseIn(dialog, "cboInputA", QStringLiteral("Towns"));
+        WaitForPreview(dialog);
+        auto& radius = Part<QSpinBox>(dialog, "spnRadius");
+        radius.setFocus();
+        radius.setValue(GrowthMetres);
+        QTest::keyClick(&radius, Qt::Key_Return);
+        WaitForPreview(dialog);
+        auto& name = Part<QLineEdit>(dialog, "txtOutputName");
+        name.selectAll();
+        QTest::keyClicks(&name, QStringLiteral("Outskirts"));
         Picture(dialog).Save(pictures, QStringLiteral("computed-layer"));
-        dialog.findChild<QPushButton*>(QStringLiteral("btnCancel"))->click();
+        Part<QPushButton>(dialog, "btnCancel").click();
     });
 }
 
@@ -191,7 +208,7 @@ void ShowNewProject(EditorUser& user, const QDir& pictures)
 {
     user.Choose("actionNew", [&](QDialog& dialog) {
         const auto type = [&](const char* name, const QString& text) {
-            dialog.findChild<QLineEdit*>(QLatin1String(name))->setText(text);
+            Part<QLineEdit>(dialog, name).setText(text);
         };
         type("txtWorldImage", QStringLiteral("/home/ann/isle/island.jpg"));
         type("txtAreaFlagsFile", QStringLiteral("/home/ann/isle/area-types.xml"));
