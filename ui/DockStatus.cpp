@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QMenu>
+#include <QScrollBar>
 #include <QStyledItemDelegate>
 
 /// Gives all lines one size, that of the widest: the list then lays out thousands of them without
@@ -37,6 +38,9 @@ DockStatus::DockStatus(QWidget* parent)
     m_ui->setupUi(this);
     m_ui->messageListView->setItemDelegate(m_delegate);
     m_ui->messageListView->setModel(&m_model);
+    // What was said before the list had its size counts too.
+    connect(m_ui->messageListView->verticalScrollBar(), &QScrollBar::rangeChanged,
+            m_ui->messageListView, &QAbstractItemView::scrollToBottom);
     connect(m_ui->messageListView, &QWidget::customContextMenuRequested, this,
             &DockStatus::ShowContextMenu);
 }

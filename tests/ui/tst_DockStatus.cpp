@@ -51,6 +51,7 @@ private slots:
     void ColorsMessagesByType_data();
     void ColorsMessagesByType();
     void ScrollsToTheNewestMessage();
+    void ShowsTheNewestOfWhatWasSaidBeforeItWasShown();
     void ScrollsToTheEndOfTheLongestLine();
     void RunsBusy();
     void MakesRoomWhileTheBarIsHidden();
@@ -140,6 +141,22 @@ void tst_DockStatus::ScrollsToTheNewestMessage()
     QVERIFY(List(dock)->verticalScrollBar()->maximum() > 100);
     QVERIFY(List(dock)->visualRect(Line(dock, 199)->index()).bottom() <=
             List(dock)->viewport()->height());
+}
+
+void tst_DockStatus::ShowsTheNewestOfWhatWasSaidBeforeItWasShown()
+{
+    DockStatus dock;
+    dock.resize(300, 200);
+    for (int i = 0; i < 50; ++i) {
+        dock.AddMessage(QStringLiteral("message %1").arg(i), Log::Info);
+    }
+
+    dock.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dock));
+
+    const QRect newest = List(dock)->visualRect(Line(dock, 49)->index());
+    QVERIFY(List(dock)->viewport()->rect().intersects(newest));
+    QVERIFY(newest.bottom() <= List(dock)->viewport()->height());
 }
 
 void tst_DockStatus::ScrollsToTheEndOfTheLongestLine()
