@@ -1,5 +1,6 @@
 #include "tests/support/CustomLayerFixture.h"
 #include "tests/support/OrderedEvents.h"
+#include "tests/support/Random.h"
 
 #include <QApplication>
 #include <QDir>
@@ -18,7 +19,8 @@ int ThreadCount()
 
 } // namespace
 
-/// The dialog opened again and again, and left in every way.
+/// The dialog opened again and again, and left in every way. QUILLMAP_COMPUTATIONS sets how many
+/// are left at a random moment.
 class tst_CustomLayerSoak : public QObject
 {
     Q_OBJECT
@@ -96,18 +98,21 @@ void tst_CustomLayerSoak::LeavesNothingBehind()
 
 void tst_CustomLayerSoak::EndsWhileItComputes()
 {
-    constexpr int rounds = 50;
+    bool isSet = false;
+    const int wanted = qEnvironmentVariableIntValue("QUILLMAP_COMPUTATIONS", &isSet);
+    const int rounds = isSet ? wanted : 50;
     CustomLayerFixture fixture;
+    Random random;
     const int threadCount = ThreadCount();
     for (int round = 0; round < rounds; ++round) {
         DialogCustomLayer dialog(&fixture.list, round % 2 == 0 ? fixture.second : nullptr,
                                  &fixture.window);
-        if (round % 3 > 0) {
+        if (random.Below(3) > 0) {
             dialog.show();
             // As many events as may be between a request and its result.
-            QTest::qWait(round % 5);
+            QTest::qWait(random.Below(6));
         }
-        if (round % 3 > 1) {
+        if (random.Below(3) == 0) {
             dialog.ConfirmDialog();
         }
     }
