@@ -67,7 +67,7 @@ QString Order(const Items& items)
 
 QString Names(const QVector<QString>& names)
 {
-    return names.toList().join(QStringLiteral(", "));
+    return QStringList(names.begin(), names.end()).join(QStringLiteral(", "));
 }
 
 QString ColorText(const QColor& color)

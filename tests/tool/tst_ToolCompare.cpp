@@ -210,7 +210,6 @@ void tst_ToolCompare::DifferencesAsJson()
 void tst_ToolCompare::PictureShowsWhereFlagsDiffer()
 {
     const SampleProject project;
-    const QString rest(30, '.');
     const QVector<quint32> fieldsA = {0, 1, 1, 0, 1};
     const QVector<quint32> fieldsB = {0, 1, 0, 1, 2};
     for (const bool isA : {true, false}) {
