@@ -5,6 +5,7 @@ option(QUILLMAP_WERROR "Treat warnings as errors" OFF)
 option(QUILLMAP_CHECK_HEADERS "Compile each header alone too" OFF)
 option(QUILLMAP_BENCHMARKS "Build the programs in benchmarks/" OFF)
 option(QUILLMAP_FUZZ "Build the programs in fuzzing/ for fuzzing, with Clang" OFF)
+option(QUILLMAP_COVERAGE "Count which lines and branches run" OFF)
 set(QUILLMAP_SANITIZE "" CACHE STRING "Sanitizers to build with, as in -fsanitize=")
 
 add_library(quillmap_flags INTERFACE)
@@ -28,6 +29,14 @@ if(QUILLMAP_SANITIZE)
   target_link_options(quillmap_flags INTERFACE -fsanitize=${QUILLMAP_SANITIZE})
   # The toolkit's own targets switch assertions off in every build that is no debug build.
   target_compile_definitions(quillmap_flags INTERFACE QT_FORCE_ASSERTS)
+endif()
+if(QUILLMAP_COVERAGE)
+  # Atomic, because computed layers count from a thread of their own. Targets with the property
+  # QUILLMAP_UNCOUNTED do not count: the slow straightforward versions that tests compare with, say.
+  set(counting $<NOT:$<BOOL:$<TARGET_PROPERTY:QUILLMAP_UNCOUNTED>>>)
+  target_compile_options(quillmap_flags INTERFACE
+    $<${counting}:--coverage> $<${counting}:-fprofile-update=atomic>)
+  target_link_options(quillmap_flags INTERFACE --coverage)
 endif()
 
 # quillmap_library(NAME [SOURCES ...] [LINKS ...] [PRIVATE_LINKS ...])

@@ -5,6 +5,7 @@ build_packages=(ca-certificates cmake g++ git ninja-build qtbase5-dev qtbase5-de
 run_packages=(fonts-dejavu-core)
 test_packages=(fonts-dejavu-core imagemagick openbox python3 python3-pil x11-utils xauth xvfb)
 check_packages=(clang clang-format clang-tidy clazy)
+coverage_packages=(gcovr)
 fuzz_packages=(clang libclang-rt-14-dev)
 guide_packages=(fonts-dejavu-core pngquant)
 icon_packages=(librsvg2-bin)

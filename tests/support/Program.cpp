@@ -8,11 +8,13 @@
 
 namespace {
 
-bool IsToolkitWarning(const QString& line)
+/// From the toolkit, or from what counts the lines that run when it cannot write its counts.
+bool IsForeignWarning(const QString& line)
 {
-    static const std::array<QLatin1String, 3> starts = {QLatin1String("QStandardPaths: "),
-                                                        QLatin1String("QCommandLineParser: "),
-                                                        QLatin1String("QFSFileEngine::open: ")};
+    static const std::array<QLatin1String, 5> starts = {
+        QLatin1String("QStandardPaths: "), QLatin1String("QCommandLineParser: "),
+        QLatin1String("QFSFileEngine::open: "), QLatin1String("profiling:"),
+        QLatin1String("libgcov profiling error:")};
     return std::any_of(starts.begin(), starts.end(),
                        [&line](QLatin1String start) { return line.startsWith(start); });
 }
@@ -34,7 +36,7 @@ ProgramRun RunProgram(const QString& path, const QStringList& arguments, const Q
     const QString errors = QString::fromUtf8(process.readAllStandardError());
     const QStringList lines = errors.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     for (const QString& line : lines) {
-        if (!IsToolkitWarning(line)) {
+        if (!IsForeignWarning(line)) {
             run.log.append(line);
         }
     }

@@ -103,21 +103,25 @@ int main(int argc, char* argv[])
                       [&](QXmlStreamReader& xml) { return types.Read(xml, nullptr); }})) {
         return 1;
     }
-    std::puts("saving");
-    std::fflush(stdout);
     for (int i = 0; saves == 0 || i < saves; ++i) {
         const int turn = i % 2;
-        if (way == QLatin1String("batch")) {
-            if (!Export(QFileInfo(path), turn != 0)) {
-                return 1;
-            }
-            continue;
+        if (way != QLatin1String("batch")) {
+            TurnInsideOut(layers, turn != 0);
+            ResizeZones(types, turn == 0 ? 60.0F : 70.0F);
         }
-        TurnInsideOut(layers, turn != 0);
-        ResizeZones(types, turn == 0 ? 60.0F : 70.0F);
-        const bool isSaved = way == QLatin1String("all")
-                                 ? SaveAll(path, turn, layers, types)
-                                 : SaveProjectTo(path, {turn, {}, {}, layers, types});
+        if (i == 0) {
+            // Whoever kills it counts from here, so that also slow builds are killed in a save.
+            std::puts("saving");
+            std::fflush(stdout);
+        }
+        bool isSaved = false;
+        if (way == QLatin1String("batch")) {
+            isSaved = Export(QFileInfo(path), turn != 0);
+        } else if (way == QLatin1String("all")) {
+            isSaved = SaveAll(path, turn, layers, types);
+        } else {
+            isSaved = SaveProjectTo(path, {turn, {}, {}, layers, types});
+        }
         if (!isSaved) {
             return 1;
         }
