@@ -33,11 +33,6 @@ void Report::Add(const QString& name, const QJsonValue& value)
     m_facts.append({name, value, false, {}});
 }
 
-void Report::Add(const QString& name, const Report& part)
-{
-    m_facts.append({name, {}, false, {part}});
-}
-
 void Report::Add(const QString& name, const QVector<Report>& entries)
 {
     m_facts.append({name, {}, true, entries});
@@ -49,13 +44,12 @@ QJsonObject Report::ToJson() const
     for (const Fact& fact : m_facts) {
         if (fact.isList) {
             QJsonArray array;
-            for (const Report& entry : fact.parts) {
+            for (const Report& entry : fact.entries) {
                 array.append(entry.ToJson());
             }
             object.insert(fact.name, array);
         } else {
-            object.insert(fact.name,
-                          fact.parts.isEmpty() ? fact.value : fact.parts.first().ToJson());
+            object.insert(fact.name, fact.value);
         }
     }
     return object;
@@ -75,21 +69,17 @@ QString Report::Line() const
     return line;
 }
 
-void Report::PrintText(int indentation) const
+void Report::PrintText() const
 {
-    const QString indent(indentation, QLatin1Char(' '));
     for (const Fact& fact : m_facts) {
-        const QString name = indent + fact.name + QLatin1Char(':');
+        const QString name = fact.name + QStringLiteral(": ");
         if (fact.isList) {
-            Console::Print(name + QLatin1Char(' ') + QString::number(fact.parts.size()));
-            for (const Report& entry : fact.parts) {
-                Console::Print(indent + QStringLiteral("  ") + entry.Line());
+            Console::Print(name + QString::number(fact.entries.size()));
+            for (const Report& entry : fact.entries) {
+                Console::Print(QStringLiteral("  ") + entry.Line());
             }
-        } else if (fact.parts.isEmpty()) {
-            Console::Print(name + QLatin1Char(' ') + Text(fact.value));
         } else {
-            Console::Print(name);
-            fact.parts.first().PrintText(indentation + 2);
+            Console::Print(name + Text(fact.value));
         }
     }
 }

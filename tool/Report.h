@@ -10,12 +10,11 @@ class Report
 {
 public:
     void Add(const QString& name, const QJsonValue& value);
-    void Add(const QString& name, const Report& part);
     /// Each entry's first fact is its title.
     void Add(const QString& name, const QVector<Report>& entries);
 
     QJsonObject ToJson() const;
-    void PrintText(int indentation = 0) const;
+    void PrintText() const;
     void Print(bool asJson) const;
 
 private:
@@ -27,8 +26,7 @@ private:
         QString name;
         QJsonValue value;
         bool isList = false;
-        /// The facts of a part, or the entries of a list.
-        QVector<Report> parts;
+        QVector<Report> entries;
     };
 
     QVector<Fact> m_facts;

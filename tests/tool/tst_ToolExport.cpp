@@ -52,6 +52,8 @@ private slots:
     void NothingIsLeftWhenTheOutputFails_data();
     void NothingIsLeftWhenTheOutputFails();
     void FullDisksAreReported();
+    void ProgressShowsOnTerminals_data();
+    void ProgressShowsOnTerminals();
     void UnwrittenOutputEndsWithFour();
     void HelpAndUsage_data();
     void HelpAndUsage();
@@ -200,6 +202,10 @@ void tst_ToolExport::NothingIsLeftWhenTheOutputFails_data()
     QTest::newRow("file for the folder") << "sample.xml/out"
                                          << ""
                                          << "sample.xml: the folder cannot be created.";
+    QTest::newRow("folder that takes no files")
+        << "/proc/self"
+        << ""
+        << "/proc/self: nothing can be written into the folder: No such file or directory.";
     QTest::newRow("folder for the map") << "out"
                                         << "out/sample.map/x"
                                         << "out/sample.map: cannot be written: it is no file.";
@@ -244,6 +250,30 @@ void tst_ToolExport::FullDisksAreReported()
     QCOMPARE(run.log, QStringList{"new/out/sample.map: cannot be written: File too large."});
     QCOMPARE(run.exitCode, 4);
     QCOMPARE(FilesBelow(project.Path(".")), files);
+}
+
+void tst_ToolExport::ProgressShowsOnTerminals_data()
+{
+    QTest::addColumn<QString>("options");
+    QTest::addColumn<QString>("output");
+    QTest::newRow("shown and wiped out")
+        << ""
+        << "\rComposing [##############################] 100 %\r\033[K";
+    QTest::newRow("quiet") << "--quiet"
+                           << "";
+}
+
+void tst_ToolExport::ProgressShowsOnTerminals()
+{
+    QFETCH(QString, options);
+    QFETCH(QString, output);
+    const SampleProject project;
+    // script runs a command in a terminal of its own.
+    const QString inTerminal =
+        "exec script -qec \"$0 export " + options + " -o out sample.xml >/dev/null\" /dev/null";
+    const ProgramRun run = project.RunLimited(inTerminal, {});
+    QCOMPARE(run.output, output);
+    QCOMPARE(run.exitCode, 0);
 }
 
 void tst_ToolExport::UnwrittenOutputEndsWithFour()

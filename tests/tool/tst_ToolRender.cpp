@@ -28,6 +28,12 @@ QStringList Art(const QImage& picture)
     return rows;
 }
 
+QByteArray Map()
+{
+    const QImage mask = MaskFromArt({"#......."});
+    return literal::WriteMap({{mask, 1, 0}}, mask.size(), {80, 10}, 3, 0);
+}
+
 } // namespace
 
 /// The sample's background is white, "Shore" red and "Village" green.
@@ -49,6 +55,8 @@ private slots:
     void TallBitmapsAreWhole();
     void WrongOptionsEndWithTwo_data();
     void WrongOptionsEndWithTwo();
+    void UnreadableFilesEndWithThree_data();
+    void UnreadableFilesEndWithThree();
     void UnreadableLayersEndWithThree();
     void UnreadableBackgroundsEndWithThree();
     void UnwrittenPicturesEndWithFour();
@@ -211,6 +219,12 @@ void tst_ToolRender::WrongOptionsEndWithTwo_data()
     row("layer", {"sample.xml", "-o", "p", "--layers", "Shore,x"}, "there is no layer 'x'.");
     row("zones", {"layers/Shore.tga", "-o", "p", "--zones"},
         "only projects have layers and zones.");
+    row("map flag by name", {"a.map", "-o", "p", "--flag", "Coast"},
+        "there is no flag 'Coast', a map knows them as usage:BIT and value:BIT.");
+    row("map layers", {"a.map", "-o", "p", "--layers", "Shore"},
+        "only projects have layers and zones.");
+    row("file of another kind", {"types.xml", "-o", "p"},
+        "a project, map or layer bitmap is needed.");
     row("bitmap flag", {"layers/Shore.tga", "-o", "p", "--flag", "x"},
         "a layer bitmap has no flags.");
 }
@@ -220,11 +234,47 @@ void tst_ToolRender::WrongOptionsEndWithTwo()
     QFETCH(QStringList, arguments);
     QFETCH(QString, error);
     const SampleProject project;
+    WriteBytes(project.Path("types.xml"), "<areas><usage name=\"A\"/></areas>");
+    WriteBytes(project.Path("a.map"), Map());
     const ProgramRun run = project.Run(QStringList{"render"} + arguments);
     QCOMPARE(run.log, (QStringList{"quillmap-tool: " + error,
                                    "quillmap-tool: try 'quillmap-tool render --help'."}));
     QCOMPARE(run.exitCode, 2);
     QVERIFY(!QFile::exists(project.Path("p")));
+}
+
+void tst_ToolRender::UnreadableFilesEndWithThree_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("broken project") << "a.xml" << QByteArray("<qm-config><layers></qm-config>")
+                                    << "line 1: Opening and ending tag mismatch.";
+    QTest::newRow("layers without pixels")
+        << "a.xml" << QByteArray("<qm-config><global><layer size=\"0\"/></global></qm-config>")
+        << "layers cannot have 0x0 pixels.";
+    QTest::newRow("map that ends early")
+        << "a.map" << Map().left(22) << "is too short for an area map.";
+    QTest::newRow("map without pixels") << "a.map" << QByteArray(24, '\0') << "has no pixels.";
+    QTest::newRow("bitmap that ends early")
+        << "a.tga" << QByteArray(17, '\0') << "is no greyscale TGA file without colour map.";
+    QTest::newRow("no file") << "" << QByteArray() << "does not exist.";
+}
+
+void tst_ToolRender::UnreadableFilesEndWithThree()
+{
+    QFETCH(QString, file);
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, error);
+    const SampleProject project;
+    if (!file.isEmpty()) {
+        WriteBytes(project.Path(file), bytes);
+    }
+    const QString name = file.isEmpty() ? "none.xml" : file;
+    const ProgramRun run = project.Run({"render", name, "-o", "p.png"});
+    QCOMPARE(run.log, QStringList{name + ": " + error});
+    QCOMPARE(run.exitCode, 3);
+    QVERIFY(!QFile::exists(project.Path("p.png")));
 }
 
 void tst_ToolRender::UnreadableLayersEndWithThree()
