@@ -25,7 +25,7 @@ LEAST_CAUGHT = 0.9
 # A broken line may loop, ask for memory or write without end.
 BUILD_SECONDS = 3600
 LEAST_TEST_SECONDS = 120
-LIMITS = {resource.RLIMIT_AS: 8 << 30, resource.RLIMIT_FSIZE: 2 << 30}
+LIMITS = {resource.RLIMIT_AS: 8 << 30, resource.RLIMIT_FSIZE: 16 << 30}
 
 
 def copy_tree() -> None:

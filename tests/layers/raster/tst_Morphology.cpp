@@ -52,6 +52,8 @@ private slots:
     void smallMasksEqualTheLiteralResult();
     void longMasksEqualTheLiteralResult_data();
     void longMasksEqualTheLiteralResult();
+    void aRowOfManyShortRunsGrowsToArcs_data();
+    void aRowOfManyShortRunsGrowsToArcs();
     void singlePixelsAtCornersEqualTheLiteralResult();
     void allRadiiEqualTheLiteralResult();
     void greyMasksThatLookBinaryAreNoticed();
@@ -369,6 +371,37 @@ void MorphologyTest::longMasksEqualTheLiteralResult()
         const QImage mask = RandomContent(random, size);
         QVERIFY(EqualsLiteral(mask, static_cast<float>(random.Below(largestRadius))));
     }
+}
+
+void MorphologyTest::aRowOfManyShortRunsGrowsToArcs_data()
+{
+    QTest::addColumn<int>("period");
+    QTest::addColumn<int>("end");
+    QTest::newRow("the whole row") << 20 << 600;
+    QTest::newRow("the longest gaps that count as short") << 31 << 600;
+    QTest::newRow("long gaps behind them") << 20 << 400;
+}
+
+/// Nothing else is set, so that each column of the result shows how far the row reaches there.
+void MorphologyTest::aRowOfManyShortRunsGrowsToArcs()
+{
+    QFETCH(int, period);
+    QFETCH(int, end);
+    constexpr float radius = 25;
+    QImage mask = BlankMask({600, 40});
+    QImage expected = mask.copy();
+    for (int center = period / 2; center < end; center += period) {
+        mask.setPixel(center, 5, raster::MaskSet);
+        for (int y = 0; y < mask.height(); ++y) {
+            for (int x = 0; x < mask.width(); ++x) {
+                if (literal::IsInDisc(radius, x - center, y - 5)) {
+                    expected.setPixel(x, y, raster::MaskSet);
+                }
+            }
+        }
+    }
+    QCOMPARE(Dilate(mask, radius), expected);
+    QCOMPARE(Erode(Complement(mask), radius), Complement(expected));
 }
 
 void MorphologyTest::singlePixelsAtCornersEqualTheLiteralResult()
