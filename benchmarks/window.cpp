@@ -5,26 +5,21 @@
 #include "app/ProjectSettings.h"
 #include "benchmarks/support/RatioReporter.h"
 #include "benchmarks/support/Shapes.h"
+#include "benchmarks/support/WindowUser.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "layers/Targa.h"
 #include "territories/TerritoryTypeList.h"
 #include "ui/QuillmapWindow.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
-#include <QFileDialog>
-#include <QLineEdit>
 #include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <QXmlStreamWriter>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
 
@@ -60,51 +55,6 @@ bool MakeProject(const QString& path)
     QXmlStreamWriter xml(&file);
     WriteProjectDocument(xml, {0, {}, {}, layers, types});
     return !xml.hasError();
-}
-
-/// Ticks while the program answers to its user, and remembers the longest silence.
-class Pulse : public QObject
-{
-public:
-    Pulse()
-    {
-        m_sinceTick.start();
-        connect(&m_timer, &QTimer::timeout, this, [this] { Tick(); });
-        m_timer.start(1);
-    }
-
-    void Tick() { m_longest = std::max(m_longest, m_sinceTick.restart()); }
-    void Reset()
-    {
-        m_longest = 0;
-        m_sinceTick.restart();
-    }
-    qint64 LongestMilliseconds() const { return m_longest; }
-
-private:
-    QTimer m_timer;
-    QElapsedTimer m_sinceTick;
-    qint64 m_longest = 0;
-};
-
-/// Loads as the user does; the time begins when the file was chosen.
-double LoadSeconds(QuillmapWindow& window, const QString& path, Pulse& pulse)
-{
-    std::chrono::steady_clock::time_point begin;
-    QTimer::singleShot(0, &window, [&] {
-        QTimer::singleShot(0, &window, [&] {
-            auto* dialog = window.findChild<QFileDialog*>();
-            dialog->selectFile(path);
-            dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
-            static_cast<QDialog*>(dialog)->accept();
-            pulse.Reset();
-            begin = std::chrono::steady_clock::now();
-        });
-    });
-    ProjectSettings::Instance().modified = false;
-    window.LoadProject();
-    pulse.Tick();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
 double ReadSeconds(const QString& folder)
@@ -151,8 +101,7 @@ int RunOnce(const QString& work, const QString& folder)
         QuillmapWindow window{QString()};
         Appear(window);
         if (work == QLatin1String("load")) {
-            Pulse pulse;
-            seconds = LoadSeconds(window, folder + QStringLiteral("/bench.xml"), pulse);
+            seconds = LoadSeconds(window, folder + QStringLiteral("/bench.xml"));
         }
     }
     std::printf("%.9f\n", seconds);
@@ -222,7 +171,7 @@ int main(int argc, char** argv)
     QuillmapWindow window{QString()};
     window.show();
     Pulse pulse;
-    LoadSeconds(window, path, pulse);
+    LoadSeconds(window, path, &pulse);
     const qint64 deafWhileLoading = pulse.LongestMilliseconds();
     pulse.Reset();
     window.SaveProjectFile(path);
@@ -240,7 +189,7 @@ int main(int argc, char** argv)
     RegisterProcess("load/32 layers/codec", QStringLiteral("codec"), home, &ProcessTimes::own);
     Register("load/32 layers, again/ours", [&](State& state) {
         for (auto _ : state) {
-            state.SetIterationTime(LoadSeconds(window, path, pulse));
+            state.SetIterationTime(LoadSeconds(window, path));
         }
     })->UseManualTime();
     Register("load/32 layers, again/codec", [&](State& state) {
