@@ -136,6 +136,7 @@ class tst_WriteFaults : public QObject
 private slots:
     void LeaveWholeFiles_data();
     void LeaveWholeFiles();
+    void NamesTooLongForFilesAreReported();
 };
 
 void tst_WriteFaults::LeaveWholeFiles_data()
@@ -190,6 +191,25 @@ void tst_WriteFaults::LeaveWholeFiles()
     }
     QCOMPARE(left.value("map/p.map") == after["map/p.map"], isMapSaved);
     QCOMPARE(left.value("territoryTypes/Deer.xml") == after["territoryTypes/Deer.xml"], isExported);
+}
+
+void tst_WriteFaults::NamesTooLongForFilesAreReported()
+{
+    Project project;
+    project.SaveAll();
+    const QMap<QString, QByteArray> before = project.Files();
+    project.layers.Layers().constFirst()->setText(QString(300, 'x'));
+    project.types.Types().constFirst()->setText(QString(300, 'y'));
+    ProjectSettings::Instance().modified = true;
+    project.log.Take();
+
+    project.SaveDocument();
+    QVERIFY(!project.ExportTypes());
+
+    QVERIFY(project.log.Messages().contains("Error: 1 layer bitmaps could not be saved."));
+    QVERIFY(ProjectSettings::Instance().modified);
+    QCOMPARE(project.Files().keys(), before.keys());
+    QCOMPARE(project.Files().value("layers/first.tga"), before["layers/first.tga"]);
 }
 
 QTEST_MAIN(tst_WriteFaults)
