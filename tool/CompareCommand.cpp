@@ -3,6 +3,7 @@
 #include "tool/Commands.h"
 #include "tool/FieldBands.h"
 #include "tool/FileKind.h"
+#include "tool/InputFiles.h"
 #include "tool/PictureFile.h"
 #include "tool/PixelDifference.h"
 #include "tool/ProjectData.h"
@@ -83,6 +84,9 @@ bool OpenMap(const QString& path, MapFields& fields)
 
 ToolExit CompareMaps(const QStringList& files, const Options& options)
 {
+    if (!options.picture.isEmpty() && IsInput(options.picture, files)) {
+        return ToolExit::BadArguments;
+    }
     MapFields a;
     MapFields b;
     const bool isGood = OpenMap(files.at(0), a);
@@ -110,6 +114,9 @@ ToolExit CompareProjects(const QStringList& files, const Options& options)
     const bool isGood = ReadProject(files.at(0), a) && fieldsA.Open(a);
     if (!ReadProject(files.at(1), b) || !fieldsB.Open(b) || !isGood) {
         return ToolExit::Unreadable;
+    }
+    if (!options.picture.isEmpty() && IsInput(options.picture, a.Files() + b.Files())) {
+        return ToolExit::BadArguments;
     }
     return Finish(files, fieldsA, fieldsB, a.flagTypes, CompareDocuments(a, b), options);
 }

@@ -6,6 +6,7 @@
 #include "territories/TerritoryTypeList.h"
 #include "tool/Commands.h"
 #include "tool/FieldBands.h"
+#include "tool/InputFiles.h"
 #include "tool/OutputSet.h"
 #include "tool/Progress.h"
 #include "tool/ProjectData.h"
@@ -13,6 +14,8 @@
 #include <QCommandLineParser>
 #include <QSet>
 #include <QtEndian>
+
+#include <algorithm>
 
 using raster::BitFieldRaster;
 
@@ -128,6 +131,18 @@ bool CheckTypeNames(const ProjectData& project)
     return true;
 }
 
+/// True after a printed error.
+bool OverwritesInput(const ProjectData& project, const OutputSet& output)
+{
+    QStringList names = {project.name + QStringLiteral(".map")};
+    for (const TerritoryTypeData& type : project.types) {
+        names.append(TypeFile(type.name));
+    }
+    return std::any_of(names.begin(), names.end(), [&](const QString& name) {
+        return IsInput(output.Target(name), project.Files());
+    });
+}
+
 bool WriteTypes(const ProjectData& project, const OutputSet& output, QStringList& written)
 {
     TerritoryTypeList types;
@@ -169,6 +184,9 @@ ToolExit Export(const QStringList& files, const QCommandLineParser& options)
         return ToolExit::Unreadable;
     }
     OutputSet output(options.value(QStringLiteral("output")));
+    if (OverwritesInput(project, output)) {
+        return ToolExit::BadArguments;
+    }
     QStringList written = {project.name + QStringLiteral(".map")};
     if (!CheckTypeNames(project) || !output.Open() || !WriteMap(fields, written.first(), output) ||
         !WriteTypes(project, output, written) || !output.Commit(written)) {

@@ -4,6 +4,7 @@
 #include "layers/raster/ComposeFields.h"
 #include "layers/raster/Mask.h"
 #include "tool/Console.h"
+#include "tool/InputFiles.h"
 
 #include <QFileInfo>
 #include <QtEndian>
@@ -136,9 +137,9 @@ qint64 MapFields::SectionBytes(int bits) const
 
 QString MapFields::Open(const QString& path)
 {
-    QString error = ReadingError(path);
     m_file.setFileName(path);
-    if (!error.isEmpty() || !m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+    QString error = OpenInput(m_file, QIODevice::Unbuffered);
+    if (!error.isEmpty()) {
         return error;
     }
     const auto readInt = [this](qint64 offset) {
@@ -175,7 +176,7 @@ QString MapFields::SectionError(int bits) const
     if (bits != 0 && !raster::IsFieldSize(bits)) {
         return QStringLiteral("is no area map: %1 bits per pixel.").arg(bits);
     }
-    if (bits != 0 && !raster::IsMaskSize(m_size)) {
+    if (!raster::IsMaskSize(m_size)) {
         return QStringLiteral("is no area map: %1x%2 pixels.")
             .arg(m_size.width())
             .arg(m_size.height());

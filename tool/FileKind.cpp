@@ -2,24 +2,13 @@
 
 #include "tool/Console.h"
 #include "tool/FieldBands.h"
+#include "tool/InputFiles.h"
 #include "tool/LayerBitmap.h"
-#include "tool/ProjectData.h"
 
 #include <QFile>
 #include <QXmlStreamReader>
 
 namespace {
-
-bool LooksLikeXml(QFile& file)
-{
-    QByteArray begin = file.peek(64);
-    for (const char* mark : {"\xEF\xBB\xBF", "\xFF\xFE", "\xFE\xFF"}) {
-        if (begin.startsWith(mark)) {
-            return true;
-        }
-    }
-    return begin.trimmed().startsWith('<');
-}
 
 /// The root's name decides, and for a root of any other name what is below it.
 bool FindXmlKind(QFile& file, FileKind& kind)
@@ -46,31 +35,37 @@ bool FindXmlKind(QFile& file, FileKind& kind)
     return false;
 }
 
-bool FindBinaryKind(const QString& path, FileKind& kind)
+/// Looks at the bytes first: whatever the name says, only an area map has the length that its sizes
+/// ask for, and only a document has one of these elements. The first byte of a map or a bitmap may
+/// be a "<" as well.
+bool FindFileKind(QFile& file, FileKind& kind)
 {
-    const bool isMap = path.endsWith(QLatin1String(".map"), Qt::CaseInsensitive);
-    const bool isBitmap = path.endsWith(QLatin1String(".tga"), Qt::CaseInsensitive);
-    if (isMap || (!isBitmap && MapFields().Open(path).isEmpty())) {
+    const QString path = file.fileName();
+    if (MapFields().Open(path).isEmpty()) {
         kind = FileKind::Map;
         return true;
     }
-    if (isBitmap || LayerBitmap(path).GetProblem() == LayerBitmap::Problem::None) {
-        kind = FileKind::Bitmap;
+    if (FindXmlKind(file, kind)) {
         return true;
     }
-    return false;
+    // A broken file is told by what its name promises.
+    if (path.endsWith(QLatin1String(".map"), Qt::CaseInsensitive)) {
+        kind = FileKind::Map;
+        return true;
+    }
+    kind = FileKind::Bitmap;
+    return path.endsWith(QLatin1String(".tga"), Qt::CaseInsensitive) ||
+           LayerBitmap(path).GetProblem() == LayerBitmap::Problem::None;
 }
 
 } // namespace
 
 bool FindKind(const QString& path, FileKind& kind)
 {
-    QString error = ReadingError(path);
     QFile file(path);
-    if (error.isEmpty() && file.open(QIODevice::ReadOnly)) {
-        const bool isKnown =
-            LooksLikeXml(file) ? FindXmlKind(file, kind) : FindBinaryKind(path, kind);
-        if (isKnown) {
+    QString error = OpenInput(file);
+    if (error.isEmpty()) {
+        if (FindFileKind(file, kind)) {
             return true;
         }
         error =

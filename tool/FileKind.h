@@ -12,6 +12,6 @@ enum class FileKind
     Bitmap,
 };
 
-/// What a file is taken for, by its first bytes or else by its name. False after a printed error
+/// What a file is taken for, by what is in it or else by its name. False after a printed error
 /// for one that cannot be read or is none of these.
 bool FindKind(const QString& path, FileKind& kind);

@@ -1,6 +1,6 @@
 #include "tool/LayerBitmap.h"
 
-#include "tool/ProjectData.h"
+#include "tool/InputFiles.h"
 
 #include <QByteArray>
 #include <QFile>
@@ -67,14 +67,16 @@ LayerBitmap::LayerBitmap(const QString& path, QSize size)
         Refuse(Problem::Missing, QStringLiteral("does not exist."));
         return;
     }
-    const QString error = ReadingError(path);
+    QFile file(path);
+    const QString error = OpenInput(file, QIODevice::Unbuffered);
     if (!error.isEmpty()) {
         Refuse(Problem::Unreadable, error);
         return;
     }
-    const raster::ByteReader reader = MakeReader();
+    const qint64 byteCount = file.size();
+    const raster::ByteReader reader = MakeReader(file);
     m_size = raster::TargaSize(reader);
-    auto bands = std::make_unique<raster::TargaBands>(reader, QFileInfo(path).size(), m_size);
+    auto bands = std::make_unique<raster::TargaBands>(reader, byteCount, m_size);
     if (bands->Error() != TargaError::None) {
         Refuse(Problem::Unreadable,
                bands->Error() == TargaError::NoImage
@@ -95,12 +97,10 @@ void LayerBitmap::Refuse(Problem problem, const QString& error)
     m_error = error;
 }
 
-raster::ByteReader LayerBitmap::MakeReader()
+raster::ByteReader LayerBitmap::MakeReader(QFile& file)
 {
-    QFile file(m_path);
     const qint64 size = file.size();
-    if (size <= KeptFileBytes && BytesKept() + size <= KeptBytes &&
-        file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+    if (size <= KeptFileBytes && BytesKept() + size <= KeptBytes) {
         const auto kept = std::make_shared<KeptFile>(file.read(size));
         return [kept](qint64 offset, uchar* to, qint64 count) {
             return kept->Read(offset, to, count);

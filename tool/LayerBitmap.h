@@ -8,6 +8,8 @@
 
 #include <memory>
 
+class QFile;
+
 /// A layer bitmap that is read band by band. Its bytes are kept when they are few, and otherwise
 /// read anew for each band.
 class LayerBitmap
@@ -46,7 +48,7 @@ public:
 
 private:
     void Refuse(Problem problem, const QString& error);
-    raster::ByteReader MakeReader();
+    raster::ByteReader MakeReader(QFile& file);
 
     QString m_path;
     QSize m_size;

@@ -4,6 +4,7 @@
 #include "app/ProjectSettings.h"
 #include "app/Xml.h"
 #include "tool/Console.h"
+#include "tool/InputFiles.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -28,19 +29,16 @@ QString ProjectData::BackgroundPath() const
     return folder.path() + QLatin1Char('/') + backgroundFile;
 }
 
-QString ReadingError(const QString& path)
+QStringList ProjectData::Files() const
 {
-    const QFileInfo info(path);
-    if (!info.exists()) {
-        return QStringLiteral("does not exist.");
+    QStringList files = {path};
+    for (const LayerData& layer : layers) {
+        files.append(BitmapPath(layer));
     }
-    if (!info.isFile()) {
-        return QStringLiteral("is no file.");
+    if (!backgroundFile.isEmpty()) {
+        files.append(BackgroundPath());
     }
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly)
-               ? QString()
-               : QStringLiteral("cannot be read: %1.").arg(file.errorString());
+    return files;
 }
 
 namespace {
@@ -160,9 +158,9 @@ bool ReadProject(const QString& path, ProjectData& project)
     project.path = path;
     project.folder = QFileInfo(path).absoluteDir();
     project.name = QFileInfo(path).baseName();
-    QString error = ReadingError(path);
     QFile file(path);
-    if (error.isEmpty() && file.open(QIODevice::ReadOnly)) {
+    QString error = OpenInput(file);
+    if (error.isEmpty()) {
         error = DocumentError(file);
     }
     if (!error.isEmpty()) {

@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QSize>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 class QXmlStreamReader;
@@ -69,14 +70,13 @@ struct ProjectData
 
     QString BitmapPath(const LayerData& layer) const;
     QString BackgroundPath() const;
+    /// All that is read of the project: the document, the bitmaps and the background.
+    QStringList Files() const;
 };
 
 /// Opens the document and takes it for the open project as well, as far as its settings go. False
 /// after a printed error when it cannot be read, is malformed or is no project.
 bool ReadProject(const QString& path, ProjectData& project);
-
-/// What is wrong with a path that is to be read as a file; empty when nothing is.
-QString ReadingError(const QString& path);
 
 /// Reads what the document says of territories, from the "territory-type-list" or
 /// "territory-type" element that the reader stands on; the second as its own file has it.

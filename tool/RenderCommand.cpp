@@ -4,6 +4,7 @@
 #include "layers/raster/Mask.h"
 #include "tool/Commands.h"
 #include "tool/FileKind.h"
+#include "tool/InputFiles.h"
 #include "tool/MapPicture.h"
 #include "tool/PictureFile.h"
 #include "tool/ProjectData.h"
@@ -171,6 +172,9 @@ ToolExit RenderProject(const QString& path, const RenderOptions& options)
     if (!ReadProject(path, project)) {
         return ToolExit::Unreadable;
     }
+    if (IsInput(options.output, project.Files())) {
+        return ToolExit::BadArguments;
+    }
     QVector<ShownFlag> flags;
     QVector<LayerData> layers;
     QString unknown;
@@ -214,8 +218,8 @@ ToolExit RenderMap(const QString& path, const RenderOptions& options)
 {
     MapFields fields;
     const QString error = fields.Open(path);
-    if (!error.isEmpty() || fields.Size().isEmpty()) {
-        Console::PrintError(path, error.isEmpty() ? QStringLiteral("has no pixels.") : error);
+    if (!error.isEmpty()) {
+        Console::PrintError(path, error);
         return ToolExit::Unreadable;
     }
     QStringList texts = options.flags;
@@ -271,6 +275,9 @@ ToolExit Render(const QStringList& files, const QCommandLineParser& parser)
         parser.value(QStringLiteral("layers")).split(QLatin1Char(','), Qt::SkipEmptyParts);
     options.doDrawZones = parser.isSet(QStringLiteral("zones"));
     const QString& path = files.first();
+    if (IsInput(options.output, files)) {
+        return ToolExit::BadArguments;
+    }
     FileKind kind = FileKind::Bitmap;
     if (!FindKind(path, kind)) {
         return ToolExit::Unreadable;

@@ -170,8 +170,11 @@ void tst_ToolInfo::UnreadableFilesEndWithThree_data()
         << "is no project, map, layer bitmap, territory type or area types file.";
     QTest::newRow("short map") << "x.map" << QByteArray(23, '\0')
                                << "is too short for an area map.";
-    QTest::newRow("long map") << "x.map" << QByteArray(25, '\0')
+    QTest::newRow("long map") << "x.map" << QByteArray("\1\0\0\0\1", 5) + QByteArray(20, '\0')
                               << "is no area map: 25 bytes instead of 24.";
+    QTest::newRow("map without flags of a size that no map has")
+        << "x.map" << QByteArray(4, '\1') + QByteArray(20, '\0')
+        << "is no area map: 16843009x0 pixels.";
     QTest::newRow("empty bitmap") << "x.TGA" << QByteArray("")
                                   << "is no greyscale TGA file without colour map.";
     QTest::newRow("type cut off") << "x.xml" << QByteArray("<territory-type>\n<territory>")
