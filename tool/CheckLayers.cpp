@@ -1,6 +1,5 @@
 #include "tool/Findings.h"
 
-#include "app/Names.h"
 #include "tool/Console.h"
 #include "tool/LayerBitmap.h"
 #include "tool/Progress.h"
@@ -67,7 +66,13 @@ QString RuleOf(LayerBitmap::Problem problem)
 
 void CheckPixels(const LayerData& layer, const LayerBitmap& bitmap, Findings& findings)
 {
-    const raster::PixelCounts counts = bitmap.CountPixels();
+    raster::PixelCounts counts;
+    if (!bitmap.CountPixels(counts)) {
+        findings.append({RuleOf(LayerBitmap::Problem::Unreadable), Severity::Error, PlaceOf(layer),
+                         QStringLiteral("its bitmap cannot be read."),
+                         QStringLiteral("Try again, or restore the bitmap from a backup.")});
+        return;
+    }
     if (counts.Covered() == 0) {
         findings.append({QStringLiteral("layer-without-pixels"), Severity::Warning, PlaceOf(layer),
                          QStringLiteral("nothing is painted in it."),
@@ -85,7 +90,11 @@ void CheckPixels(const LayerData& layer, const LayerBitmap& bitmap, Findings& fi
 
 void CheckBitmap(const ProjectData& project, const LayerData& layer, Findings& findings)
 {
-    const LayerBitmap bitmap(project.BitmapPath(layer), project.layerSize);
+    const LayerBitmap bitmap(project, layer);
+    // What is wrong with such a name is a finding already.
+    if (bitmap.GetProblem() == LayerBitmap::Problem::Outside) {
+        return;
+    }
     if (bitmap.GetProblem() != LayerBitmap::Problem::None) {
         findings.append(
             {RuleOf(bitmap.GetProblem()), Severity::Error, PlaceOf(layer),
@@ -129,9 +138,7 @@ void CheckLayers(const ProjectData& project, Findings& findings)
         Progress progress(QStringLiteral("Checking layers"), project.layers.size());
         for (const LayerData& layer : project.layers) {
             CheckFlags(project, layer, findings);
-            if (!LeadsUpward(layer.name)) {
-                CheckBitmap(project, layer, findings);
-            }
+            CheckBitmap(project, layer, findings);
             progress.Step();
         }
     }

@@ -16,18 +16,15 @@ QString Project()
 
 void CheckSizes(const ProjectData& project, Findings& findings)
 {
-    if (!raster::IsMaskSize(project.layerSize)) {
-        findings.append({QStringLiteral("layer-size"), Severity::Error, Project(),
-                         QStringLiteral("layers cannot have %1x%2 pixels.")
-                             .arg(project.layerSize.width())
-                             .arg(project.layerSize.height()),
+    const QString error = project.LayerSizeError();
+    if (!error.isEmpty()) {
+        findings.append({QStringLiteral("layer-size"), Severity::Error, Project(), error,
                          QStringLiteral("Choose a size from 1 to %1.").arg(raster::MaxMaskLength)});
     }
     if (project.worldSize.isEmpty()) {
         findings.append({QStringLiteral("world-size"), Severity::Error, Project(),
-                         QStringLiteral("the world cannot be %1x%2 metres large.")
-                             .arg(project.worldSize.width())
-                             .arg(project.worldSize.height()),
+                         QStringLiteral("the world cannot be %1 metres large.")
+                             .arg(SizeText(project.worldSize)),
                          QStringLiteral("Choose a size of at least 1.")});
     }
 }

@@ -107,6 +107,10 @@ private:
         const auto isInside = [](float value, int size) {
             return value >= 0 && value <= static_cast<float>(size);
         };
+        // In a world without a size, which is a finding of its own, no place is inside.
+        if (m_project.worldSize.isEmpty()) {
+            return;
+        }
         if (!isInside(zone.x, m_project.worldSize.width()) ||
             !isInside(zone.z, m_project.worldSize.height())) {
             Add("zone-outside-world", Severity::Error,

@@ -9,6 +9,7 @@
 #include <QCommandLineParser>
 
 #include <algorithm>
+#include <new>
 
 namespace {
 
@@ -156,6 +157,11 @@ const QVector<Command>& Commands()
 
 ToolExit RunTool(const QStringList& arguments)
 {
-    const ToolExit result = Run(arguments);
+    ToolExit result = ToolExit::Unreadable;
+    try {
+        result = Run(arguments);
+    } catch (const std::bad_alloc&) {
+        Console::PrintError(ToolName(), QStringLiteral("there is no memory."));
+    }
     return Console::Flush() ? result : ToolExit::NotWritten;
 }

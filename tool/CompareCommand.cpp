@@ -73,15 +73,6 @@ ToolExit Finish(const QStringList& files, FieldBands& a, FieldBands& b, const Ar
     return differences.isEmpty() ? ToolExit::Done : ToolExit::Found;
 }
 
-bool OpenMap(const QString& path, MapFields& fields)
-{
-    const QString error = fields.Open(path);
-    if (!error.isEmpty()) {
-        Console::PrintError(path, error);
-    }
-    return error.isEmpty();
-}
-
 ToolExit CompareMaps(const QStringList& files, const Options& options)
 {
     if (!options.picture.isEmpty() && IsInput(options.picture, files)) {
@@ -89,8 +80,8 @@ ToolExit CompareMaps(const QStringList& files, const Options& options)
     }
     MapFields a;
     MapFields b;
-    const bool isGood = OpenMap(files.at(0), a);
-    if (!OpenMap(files.at(1), b) || !isGood) {
+    const bool isGood = a.Open(files.at(0));
+    if (!b.Open(files.at(1)) || !isGood) {
         return ToolExit::Unreadable;
     }
     QVector<Report> differences;
@@ -111,14 +102,18 @@ ToolExit CompareProjects(const QStringList& files, const Options& options)
     ProjectData b;
     ProjectFields fieldsA;
     ProjectFields fieldsB;
-    const bool isGood = ReadProject(files.at(0), a) && fieldsA.Open(a);
-    if (!ReadProject(files.at(1), b) || !fieldsB.Open(b) || !isGood) {
+    constexpr auto fill = ProjectFields::CutOffBitmaps::Fill;
+    const bool isGood = ReadProject(files.at(0), a) && fieldsA.Open(a, fill);
+    if (!ReadProject(files.at(1), b) || !fieldsB.Open(b, fill) || !isGood) {
         return ToolExit::Unreadable;
     }
     if (!options.picture.isEmpty() && IsInput(options.picture, a.Files() + b.Files())) {
         return ToolExit::BadArguments;
     }
-    return Finish(files, fieldsA, fieldsB, a.flagTypes, CompareDocuments(a, b), options);
+    QVector<Report> differences;
+    return CompareDocuments(a, b, differences)
+               ? Finish(files, fieldsA, fieldsB, a.flagTypes, differences, options)
+               : ToolExit::Unreadable;
 }
 
 ToolExit Compare(const QStringList& files, const QCommandLineParser& parser)

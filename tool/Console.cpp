@@ -1,5 +1,7 @@
 #include "tool/Console.h"
 
+#include "tool/Interruption.h"
+
 #include <QtGlobal>
 
 #include <cstdio>
@@ -85,6 +87,10 @@ void PrintData(const QByteArray& text)
 
 void PrintError(const QString& file, const QString& what)
 {
+    // What fails then, fails for that.
+    if (Interruption::HasCome()) {
+        return;
+    }
     const QString line = WithoutControlCharacters(file + QStringLiteral(": ") + what);
     const QByteArray text = line.toUtf8() + '\n';
     std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stderr);

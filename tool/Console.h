@@ -25,7 +25,7 @@ bool IsQuiet();
 void Print(const QString& line);
 /// Text as it is, also when quiet.
 void PrintData(const QByteArray& text);
-/// "FILE: what is wrong".
+/// "FILE: what is wrong"; nothing after an interruption.
 void PrintError(const QString& file, const QString& what);
 /// False, after an error, when the standard output did not take everything.
 bool Flush();

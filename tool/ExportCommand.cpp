@@ -83,14 +83,9 @@ bool MapWriter::Write(FieldBands& fields)
     }
     Progress progress(QStringLiteral("Composing"), fields.BandCount());
     for (int band = 0; band < fields.BandCount(); ++band) {
-        BitFieldRaster usages = fields.UsageRaster(band);
-        BitFieldRaster values = fields.ValueRaster(band);
-        if (!usages.IsValid() || !values.IsValid()) {
-            m_error = QStringLiteral("there is no memory");
-            return false;
-        }
-        if (!fields.Read(band, usages, values) || !WriteBand(usageOffset, band, usages) ||
-            !WriteBand(valueOffset, band, values)) {
+        std::optional<FieldBand> rows = fields.Read(band);
+        if (!rows || !WriteBand(usageOffset, band, rows->usages) ||
+            !WriteBand(valueOffset, band, rows->values)) {
             return false;
         }
         progress.Step();
@@ -180,7 +175,8 @@ ToolExit Export(const QStringList& files, const QCommandLineParser& options)
 {
     ProjectData project;
     ProjectFields fields;
-    if (!ReadProject(files.first(), project) || !fields.Open(project)) {
+    if (!ReadProject(files.first(), project) ||
+        !fields.Open(project, ProjectFields::CutOffBitmaps::Refuse)) {
         return ToolExit::Unreadable;
     }
     OutputSet output(options.value(QStringLiteral("output")));

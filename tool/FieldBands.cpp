@@ -1,12 +1,11 @@
 #include "tool/FieldBands.h"
 
-#include "app/Names.h"
 #include "layers/raster/ComposeFields.h"
 #include "layers/raster/Mask.h"
 #include "tool/Console.h"
 #include "tool/InputFiles.h"
+#include "tool/Interruption.h"
 
-#include <QFileInfo>
 #include <QtEndian>
 
 using raster::BitFieldRaster;
@@ -44,25 +43,34 @@ int FieldBands::Rows(int band) const
     return qMin(BandRows, m_size.height() - band * BandRows);
 }
 
-BitFieldRaster FieldBands::UsageRaster(int band) const
+std::optional<FieldBand> FieldBands::MakeBand(int band) const
 {
-    return {m_usageBits, m_size.width(), Rows(band)};
+    FieldBand fields{{m_usageBits, m_size.width(), Rows(band)},
+                     {m_valueBits, m_size.width(), Rows(band)}};
+    if (!fields.usages.IsValid() || !fields.values.IsValid()) {
+        Console::PrintError(m_path, QStringLiteral("there is no memory for its flags."));
+        return {};
+    }
+    return fields;
 }
 
-BitFieldRaster FieldBands::ValueRaster(int band) const
+std::optional<FieldBand> FieldBands::Read(int band)
 {
-    return {m_valueBits, m_size.width(), Rows(band)};
+    std::optional<FieldBand> fields = MakeBand(band);
+    if (!fields || Interruption::HasCome() || !Fill(band, *fields)) {
+        return {};
+    }
+    return fields;
 }
 
-bool ProjectFields::Open(const ProjectData& project)
+bool ProjectFields::Open(const ProjectData& project, CutOffBitmaps cutOff)
 {
     m_path = project.path;
     m_size = project.layerSize;
     m_worldSize = project.worldSize;
-    if (!raster::IsMaskSize(m_size)) {
-        Console::PrintError(m_path, QStringLiteral("layers cannot have %1x%2 pixels.")
-                                        .arg(m_size.width())
-                                        .arg(m_size.height()));
+    const QString sizeError = project.LayerSizeError();
+    if (!sizeError.isEmpty()) {
+        Console::PrintError(m_path, sizeError);
         return false;
     }
     if (!project.flagTypes.FitMap()) {
@@ -73,31 +81,30 @@ bool ProjectFields::Open(const ProjectData& project)
     }
     m_usageBits = BitCount(project.flagTypes.usages.size());
     m_valueBits = BitCount(project.flagTypes.values.size());
-    return AddBitmaps(project);
+    return AddBitmaps(project, cutOff);
 }
 
-bool ProjectFields::AddBitmaps(const ProjectData& project)
+bool ProjectFields::AddBitmaps(const ProjectData& project, CutOffBitmaps cutOff)
 {
-    bool isGood = true;
+    bool areGood = true;
     for (const LayerData& layer : project.layers) {
-        if (LeadsUpward(layer.name)) {
-            Console::PrintError(m_path,
-                                QStringLiteral("the bitmap of layer %1 lies outside the project.")
-                                    .arg(Console::Quoted(layer.name)));
-            isGood = false;
-            continue;
-        }
-        auto bitmap = std::make_unique<LayerBitmap>(project.BitmapPath(layer), m_size);
+        auto bitmap = std::make_unique<LayerBitmap>(project, layer);
         if (bitmap->GetProblem() != LayerBitmap::Problem::None) {
-            Console::PrintError(project.BitmapPath(layer), bitmap->Error());
-            isGood = false;
+            bitmap->PrintProblem();
+            areGood = false;
+        } else if (cutOff == CutOffBitmaps::Fill) {
+            bitmap->WarnIfCutOff();
+        } else if (bitmap->IsCutOff()) {
+            Console::PrintError(project.BitmapPath(layer),
+                                QStringLiteral("ends before its last pixel."));
+            areGood = false;
         }
         m_bitmaps.push_back({layer.usageFlags, layer.valueFlags, std::move(bitmap)});
     }
-    return isGood;
+    return areGood;
 }
 
-bool ProjectFields::Read(int band, BitFieldRaster& usages, BitFieldRaster& values)
+bool ProjectFields::Fill(int band, FieldBand& fields)
 {
     // As many layers at once as their masks take little memory.
     const auto groupSize =
@@ -112,19 +119,20 @@ bool ProjectFields::Read(int band, BitFieldRaster& usages, BitFieldRaster& value
             }
             masks.append({flagged.bitmap->Band(band), flagged.usageFlags, flagged.valueFlags});
             if (masks.last().mask.isNull()) {
-                Console::PrintError(m_path, QStringLiteral("there is no memory for a layer."));
                 return false;
             }
         }
         if (begin == 0) {
-            raster::ComposeFields(masks, usages, values);
+            raster::ComposeFields(masks, fields.usages, fields.values);
             continue;
         }
-        BitFieldRaster moreUsages = UsageRaster(band);
-        BitFieldRaster moreValues = ValueRaster(band);
-        raster::ComposeFields(masks, moreUsages, moreValues);
-        AddWords(usages, moreUsages);
-        AddWords(values, moreValues);
+        std::optional<FieldBand> more = MakeBand(band);
+        if (!more) {
+            return false;
+        }
+        raster::ComposeFields(masks, more->usages, more->values);
+        AddWords(fields.usages, more->usages);
+        AddWords(fields.values, more->values);
     }
     return true;
 }
@@ -135,8 +143,18 @@ qint64 MapFields::SectionBytes(int bits) const
     return 4 + 4 * wordsPerRow * m_size.height();
 }
 
-QString MapFields::Open(const QString& path)
+bool MapFields::Open(const QString& path)
 {
+    const QString error = TryOpen(path);
+    if (!error.isEmpty()) {
+        Console::PrintError(path, error);
+    }
+    return error.isEmpty();
+}
+
+QString MapFields::TryOpen(const QString& path)
+{
+    m_path = path;
     m_file.setFileName(path);
     QString error = OpenInput(m_file, QIODevice::Unbuffered);
     if (!error.isEmpty()) {
@@ -177,9 +195,7 @@ QString MapFields::SectionError(int bits) const
         return QStringLiteral("is no area map: %1 bits per pixel.").arg(bits);
     }
     if (!raster::IsMaskSize(m_size)) {
-        return QStringLiteral("is no area map: %1x%2 pixels.")
-            .arg(m_size.width())
-            .arg(m_size.height());
+        return QStringLiteral("is no area map: %1 pixels.").arg(SizeText(m_size));
     }
     return {};
 }
@@ -199,8 +215,8 @@ bool MapFields::ReadSection(qint64 offset, int band, BitFieldRaster& fields)
     return true;
 }
 
-bool MapFields::Read(int band, BitFieldRaster& usages, BitFieldRaster& values)
+bool MapFields::Fill(int band, FieldBand& fields)
 {
-    return ReadSection(MapHeaderBytes, band, usages) &&
-           ReadSection(MapHeaderBytes + SectionBytes(m_usageBits), band, values);
+    return ReadSection(MapHeaderBytes, band, fields.usages) &&
+           ReadSection(MapHeaderBytes + SectionBytes(m_usageBits), band, fields.values);
 }

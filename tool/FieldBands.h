@@ -9,7 +9,15 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 #include <vector>
+
+/// The fields of some rows of an area map, with words in the machine's order.
+struct FieldBand
+{
+    raster::BitFieldRaster usages;
+    raster::BitFieldRaster values;
+};
 
 /// The fields of an area map, whole or still to be composed, a band of rows at a time: as many rows
 /// as raster::TargaBands has, from the bottom of the map as in its file.
@@ -30,13 +38,16 @@ public:
     int BandCount() const;
     int Rows(int band) const;
 
-    raster::BitFieldRaster UsageRaster(int band) const;
-    raster::BitFieldRaster ValueRaster(int band) const;
-    /// Fills fresh rasters of the band with words in the machine's order; false after a printed
-    /// error.
-    virtual bool Read(int band, raster::BitFieldRaster& usages, raster::BitFieldRaster& values) = 0;
+    /// Nothing after a printed error, and after an interruption.
+    std::optional<FieldBand> Read(int band);
 
 protected:
+    /// Rasters of the band without any flag; nothing after a printed error.
+    std::optional<FieldBand> MakeBand(int band) const;
+    /// Fills rasters from MakeBand; false after a printed error.
+    virtual bool Fill(int band, FieldBand& fields) = 0;
+
+    QString m_path;
     QSize m_size;
     QSize m_worldSize;
     int m_usageBits = 0;
@@ -47,18 +58,29 @@ protected:
 class ProjectFields : public FieldBands
 {
 public:
+    /// What to do about bitmaps that end before their last pixel.
+    enum class CutOffBitmaps
+    {
+        /// An error.
+        Refuse,
+        /// Said, and filled as the editor does.
+        Fill,
+    };
+
     /// False after a printed error: when the layers have no size that a map can hold, there are too
     /// many flag types, or a bitmap cannot be read.
-    bool Open(const ProjectData& project);
-    bool Read(int band, raster::BitFieldRaster& usages, raster::BitFieldRaster& values) override;
+    bool Open(const ProjectData& project, CutOffBitmaps cutOff);
     /// That of the project's layer of this index.
     const LayerBitmap& Bitmap(int layer) const
     {
         return *m_bitmaps[static_cast<std::size_t>(layer)].bitmap;
     }
 
+protected:
+    bool Fill(int band, FieldBand& fields) override;
+
 private:
-    bool AddBitmaps(const ProjectData& project);
+    bool AddBitmaps(const ProjectData& project, CutOffBitmaps cutOff);
 
     struct FlaggedBitmap
     {
@@ -68,7 +90,6 @@ private:
         std::unique_ptr<LayerBitmap> bitmap;
     };
 
-    QString m_path;
     /// One a layer.
     std::vector<FlaggedBitmap> m_bitmaps;
 };
@@ -77,9 +98,13 @@ private:
 class MapFields : public FieldBands
 {
 public:
-    /// What is wrong with the file as a map; empty when nothing is.
-    QString Open(const QString& path);
-    bool Read(int band, raster::BitFieldRaster& usages, raster::BitFieldRaster& values) override;
+    /// False after a printed error.
+    bool Open(const QString& path);
+    /// What is wrong with the file as a map; empty when it is open.
+    QString TryOpen(const QString& path);
+
+protected:
+    bool Fill(int band, FieldBand& fields) override;
 
 private:
     /// What is wrong with a section of so many bits per pixel.

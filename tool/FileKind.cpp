@@ -41,7 +41,7 @@ bool FindXmlKind(QFile& file, FileKind& kind)
 bool FindFileKind(QFile& file, FileKind& kind)
 {
     const QString path = file.fileName();
-    if (MapFields().Open(path).isEmpty()) {
+    if (MapFields().TryOpen(path).isEmpty()) {
         kind = FileKind::Map;
         return true;
     }

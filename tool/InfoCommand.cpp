@@ -5,6 +5,7 @@
 #include "tool/FieldBands.h"
 #include "tool/FieldCounts.h"
 #include "tool/FileKind.h"
+#include "tool/Interruption.h"
 #include "tool/LayerBitmap.h"
 #include "tool/Progress.h"
 #include "tool/ProjectData.h"
@@ -15,6 +16,7 @@
 #include <QXmlStreamReader>
 
 #include <cmath>
+#include <optional>
 
 namespace {
 
@@ -61,29 +63,30 @@ struct MapCounts
     FieldCounts values;
 };
 
+/// False after a printed error.
 bool CountFields(FieldBands& fields, MapCounts& counts)
 {
     Progress progress(QStringLiteral("Counting"), fields.BandCount());
     for (int band = 0; band < fields.BandCount(); ++band) {
-        raster::BitFieldRaster usages = fields.UsageRaster(band);
-        raster::BitFieldRaster values = fields.ValueRaster(band);
-        if (!usages.IsValid() || !values.IsValid() || !fields.Read(band, usages, values)) {
+        const std::optional<FieldBand> rows = fields.Read(band);
+        if (!rows) {
             return false;
         }
-        counts.usages.Add(usages);
-        counts.values.Add(values);
+        counts.usages.Add(rows->usages);
+        counts.values.Add(rows->values);
         progress.Step();
     }
     return true;
 }
 
-/// One entry a flag; bits without a name are left out where nothing has them.
-QVector<Report> FlagReports(const FieldCounts& counts, int bits, const QVector<QString>& names,
+/// One entry a flag; bits without a name are left out where nothing has them. counts: null when
+/// they are not known.
+QVector<Report> FlagReports(const FieldCounts* counts, int bits, const QVector<QString>& names,
                             const AreaScale& scale)
 {
     QVector<Report> reports;
     for (int bit = 0; bit < qMax(bits, names.size()); ++bit) {
-        const qint64 pixels = bit < bits ? counts.Of(bit) : 0;
+        const qint64 pixels = counts && bit < bits ? counts->Of(bit) : 0;
         if (bit >= names.size() && pixels == 0) {
             continue;
         }
@@ -92,13 +95,15 @@ QVector<Report> FlagReports(const FieldCounts& counts, int bits, const QVector<Q
         if (bit < names.size()) {
             report.Add(QStringLiteral("bit"), bit);
         }
-        scale.AddTo(report, pixels);
+        if (counts) {
+            scale.AddTo(report, pixels);
+        }
         reports.append(report);
     }
     return reports;
 }
 
-void AddTotals(Report& report, const SpawnCounts& totals)
+void AddTotals(Report& report, const SpawnTotals& totals)
 {
     report.Add(QStringLiteral("static-min"), totals.staticMin);
     report.Add(QStringLiteral("static-max"), totals.staticMax);
@@ -106,16 +111,15 @@ void AddTotals(Report& report, const SpawnCounts& totals)
     report.Add(QStringLiteral("dynamic-max"), totals.dynamicMax);
 }
 
-Report TypeReport(const QString& name, const QVector<TerritoryData>& territories)
+Report TerritoriesReport(const QVector<TerritoryData>& territories)
 {
     int zones = 0;
-    SpawnCounts totals;
+    SpawnTotals totals;
     for (const TerritoryData& territory : territories) {
         zones += territory.zones.size();
         totals += territory.Totals();
     }
     Report report;
-    report.Add(QStringLiteral("name"), name);
     report.Add(QStringLiteral("territories"), territories.size());
     report.Add(QStringLiteral("zones"), zones);
     AddTotals(report, totals);
@@ -133,7 +137,8 @@ QJsonArray FlagNames(quint32 flags, const QVector<QString>& names)
     return array;
 }
 
-QVector<Report> LayerReports(const ProjectData& project, const ProjectFields& fields,
+/// A layer whose bitmap cannot be read has no pixels to tell of. fields: null when not all can.
+QVector<Report> LayerReports(const ProjectData& project, const ProjectFields* fields,
                              const AreaScale& scale)
 {
     Progress progress(QStringLiteral("Reading layers"), project.layers.size());
@@ -145,7 +150,12 @@ QVector<Report> LayerReports(const ProjectData& project, const ProjectFields& fi
         report.Add(QStringLiteral("visible"), layer.isVisible);
         report.Add(QStringLiteral("usages"), FlagNames(layer.usageFlags, project.flagTypes.usages));
         report.Add(QStringLiteral("values"), FlagNames(layer.valueFlags, project.flagTypes.values));
-        scale.AddTo(report, fields.Bitmap(i).CountPixels().Covered());
+        std::optional<LayerBitmap> opened;
+        const LayerBitmap& bitmap = fields ? fields->Bitmap(i) : opened.emplace(project, layer);
+        raster::PixelCounts counts;
+        if (bitmap.GetProblem() == LayerBitmap::Problem::None && bitmap.CountPixels(counts)) {
+            scale.AddTo(report, counts.Covered());
+        }
         reports.append(report);
         progress.Step();
     }
@@ -155,16 +165,24 @@ QVector<Report> LayerReports(const ProjectData& project, const ProjectFields& fi
 ToolExit DescribeProject(const QString& path, bool asJson)
 {
     ProjectData project;
+    if (!ReadProject(path, project)) {
+        return ToolExit::Unreadable;
+    }
     ProjectFields fields;
     MapCounts counts;
-    if (!ReadProject(path, project) || !fields.Open(project) || !CountFields(fields, counts)) {
+    const bool areCounted =
+        fields.Open(project, ProjectFields::CutOffBitmaps::Fill) && CountFields(fields, counts);
+    if (Interruption::HasCome()) {
         return ToolExit::Unreadable;
     }
     const AreaScale scale(project.layerSize, project.worldSize);
     QVector<Report> types;
     QVector<TerritoryData> territories;
     for (const TerritoryTypeData& type : qAsConst(project.types)) {
-        types.append(TypeReport(type.name, type.territories));
+        Report typeReport;
+        typeReport.Add(QStringLiteral("name"), type.name);
+        typeReport.Append(TerritoriesReport(type.territories));
+        types.append(typeReport);
         territories += type.territories;
     }
     Report report;
@@ -172,28 +190,25 @@ ToolExit DescribeProject(const QString& path, bool asJson)
     report.Add(QStringLiteral("kind"), QStringLiteral("project"));
     AddSizes(report, project.layerSize, project.worldSize);
     report.Add(QStringLiteral("background"), project.backgroundFile);
-    report.Add(QStringLiteral("layers"), LayerReports(project, fields, scale));
+    report.Add(QStringLiteral("layers"),
+               LayerReports(project, areCounted ? &fields : nullptr, scale));
+    const FieldCounts* usageCounts = areCounted ? &counts.usages : nullptr;
+    const FieldCounts* valueCounts = areCounted ? &counts.values : nullptr;
     report.Add(QStringLiteral("usage-flags"),
-               FlagReports(counts.usages, fields.UsageBits(), project.flagTypes.usages, scale));
+               FlagReports(usageCounts, fields.UsageBits(), project.flagTypes.usages, scale));
     report.Add(QStringLiteral("value-flags"),
-               FlagReports(counts.values, fields.ValueBits(), project.flagTypes.values, scale));
+               FlagReports(valueCounts, fields.ValueBits(), project.flagTypes.values, scale));
     report.Add(QStringLiteral("territory-types"), types);
-    report.Add(QStringLiteral("all-territories"),
-               QVector<Report>{TypeReport(QStringLiteral("all types"), territories)});
+    report.Add(QStringLiteral("all-territories"), TerritoriesReport(territories));
     report.Print(asJson);
-    return ToolExit::Done;
+    return areCounted ? ToolExit::Done : ToolExit::Unreadable;
 }
 
 ToolExit DescribeMap(const QString& path, bool asJson)
 {
     MapFields fields;
     MapCounts counts;
-    const QString error = fields.Open(path);
-    if (!error.isEmpty()) {
-        Console::PrintError(path, error);
-        return ToolExit::Unreadable;
-    }
-    if (!CountFields(fields, counts)) {
+    if (!fields.Open(path) || !CountFields(fields, counts)) {
         return ToolExit::Unreadable;
     }
     const AreaScale scale(fields.Size(), fields.WorldSize());
@@ -204,9 +219,9 @@ ToolExit DescribeMap(const QString& path, bool asJson)
     report.Add(QStringLiteral("usage-bits"), fields.UsageBits());
     report.Add(QStringLiteral("value-bits"), fields.ValueBits());
     report.Add(QStringLiteral("usage-flags"),
-               FlagReports(counts.usages, fields.UsageBits(), {}, scale));
+               FlagReports(&counts.usages, fields.UsageBits(), {}, scale));
     report.Add(QStringLiteral("value-flags"),
-               FlagReports(counts.values, fields.ValueBits(), {}, scale));
+               FlagReports(&counts.values, fields.ValueBits(), {}, scale));
     report.Print(asJson);
     return ToolExit::Done;
 }
@@ -214,11 +229,10 @@ ToolExit DescribeMap(const QString& path, bool asJson)
 ToolExit DescribeBitmap(const QString& path, bool asJson)
 {
     const LayerBitmap bitmap(path);
-    if (bitmap.GetProblem() != LayerBitmap::Problem::None) {
-        Console::PrintError(path, bitmap.Error());
+    raster::PixelCounts counts;
+    if (!bitmap.CountPixels(counts)) {
         return ToolExit::Unreadable;
     }
-    const raster::PixelCounts counts = bitmap.CountPixels();
     const double pixelCount = double(bitmap.Size().width()) * bitmap.Size().height();
     Report report;
     report.Add(QStringLiteral("file"), path);
@@ -278,8 +292,7 @@ ToolExit DescribeType(const QString& path, bool asJson)
         each.append(territory);
     }
     report.Add(QStringLiteral("territories"), each);
-    report.Add(QStringLiteral("all-territories"),
-               QVector<Report>{TypeReport(QStringLiteral("all"), territories)});
+    report.Add(QStringLiteral("all-territories"), TerritoriesReport(territories));
     report.Print(asJson);
     return ToolExit::Done;
 }

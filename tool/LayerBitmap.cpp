@@ -1,6 +1,10 @@
 #include "tool/LayerBitmap.h"
 
+#include "app/Names.h"
+#include "tool/Console.h"
 #include "tool/InputFiles.h"
+#include "tool/Interruption.h"
+#include "tool/ProjectData.h"
 
 #include <QByteArray>
 #include <QFile>
@@ -35,6 +39,9 @@ public:
 
     qint64 Read(qint64 offset, uchar* to, qint64 count) const
     {
+        if (Interruption::HasCome()) {
+            return 0;
+        }
         const qint64 present = qBound<qint64>(0, m_bytes.size() - offset, count);
         std::copy_n(m_bytes.constData() + offset, present, reinterpret_cast<char*>(to));
         return present;
@@ -47,15 +54,11 @@ private:
 qint64 ReadFile(const QString& path, qint64 offset, uchar* to, qint64 count)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || !file.seek(offset)) {
+    if (Interruption::HasCome() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) ||
+        !file.seek(offset)) {
         return 0;
     }
     return file.read(reinterpret_cast<char*>(to), count);
-}
-
-QString SizeText(QSize size)
-{
-    return QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
 }
 
 } // namespace
@@ -63,11 +66,26 @@ QString SizeText(QSize size)
 LayerBitmap::LayerBitmap(const QString& path, QSize size)
     : m_path(path)
 {
-    if (!QFileInfo::exists(path)) {
+    Open(size);
+}
+
+LayerBitmap::LayerBitmap(const ProjectData& project, const LayerData& layer)
+    : m_path(project.BitmapPath(layer))
+{
+    if (LeadsUpward(layer.name)) {
+        Refuse(Problem::Outside, QStringLiteral("lies outside the project."));
+    } else {
+        Open(project.LayerSizeError().isEmpty() ? project.layerSize : QSize());
+    }
+}
+
+void LayerBitmap::Open(QSize size)
+{
+    if (!QFileInfo::exists(m_path)) {
         Refuse(Problem::Missing, QStringLiteral("does not exist."));
         return;
     }
-    QFile file(path);
+    QFile file(m_path);
     const QString error = OpenInput(file, QIODevice::Unbuffered);
     if (!error.isEmpty()) {
         Refuse(Problem::Unreadable, error);
@@ -77,7 +95,9 @@ LayerBitmap::LayerBitmap(const QString& path, QSize size)
     const raster::ByteReader reader = MakeReader(file);
     m_size = raster::TargaSize(reader);
     auto bands = std::make_unique<raster::TargaBands>(reader, byteCount, m_size);
-    if (bands->Error() != TargaError::None) {
+    if (bands->HasFailed()) {
+        Refuse(Problem::Unreadable, QStringLiteral("cannot be read."));
+    } else if (bands->Error() != TargaError::None) {
         Refuse(Problem::Unreadable,
                bands->Error() == TargaError::NoImage
                    ? QStringLiteral("is a bitmap without pixels.")
@@ -88,6 +108,48 @@ LayerBitmap::LayerBitmap(const QString& path, QSize size)
             QStringLiteral("has %1 pixels instead of %2.").arg(SizeText(m_size), SizeText(size)));
     } else {
         m_bands = std::move(bands);
+    }
+}
+
+QImage LayerBitmap::Band(int band) const
+{
+    const QImage rows = m_bands ? m_bands->Decode(band) : QImage();
+    if (rows.isNull()) {
+        PrintFailure();
+    }
+    return rows;
+}
+
+bool LayerBitmap::CountPixels(raster::PixelCounts& counts) const
+{
+    const bool isCounted = m_bands && m_bands->CountPixels(counts);
+    if (!isCounted) {
+        PrintFailure();
+    }
+    return isCounted;
+}
+
+void LayerBitmap::PrintProblem() const
+{
+    Console::PrintError(m_path, m_error);
+}
+
+void LayerBitmap::PrintFailure() const
+{
+    if (!m_bands) {
+        PrintProblem();
+        return;
+    }
+    Console::PrintError(m_path, m_bands->HasFailed()
+                                    ? QStringLiteral("cannot be read.")
+                                    : QStringLiteral("there is no memory for it."));
+}
+
+void LayerBitmap::WarnIfCutOff() const
+{
+    if (IsCutOff()) {
+        Console::PrintError(m_path,
+                            QStringLiteral("ends before its last pixel, and its rest is filled."));
     }
 }
 

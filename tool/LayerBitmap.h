@@ -9,6 +9,8 @@
 #include <memory>
 
 class QFile;
+struct LayerData;
+struct ProjectData;
 
 /// A layer bitmap that is read band by band. Its bytes are kept when they are few, and otherwise
 /// read anew for each band.
@@ -23,10 +25,14 @@ public:
         /// It cannot be read, or is no grey TGA file.
         Unreadable,
         WrongSize,
+        /// Its place is outside the project's folder.
+        Outside,
     };
 
     /// The size that the image shall have; empty for whatever its header says.
     explicit LayerBitmap(const QString& path, QSize size = {});
+    /// That of a layer of the project, which shall have the size of its layers.
+    LayerBitmap(const ProjectData& project, const LayerData& layer);
 
     Problem GetProblem() const { return m_problem; }
     /// The problem in words, without the file; empty for none.
@@ -38,15 +44,18 @@ public:
     int BandCount() const { return m_bands ? m_bands->Count() : 0; }
     /// True only for a band without set pixels.
     bool IsClear(int band) const { return m_bands && m_bands->IsClear(band); }
-    /// Null when there is a problem. Bands count from the bottom; see TargaBands.
-    QImage Band(int band) const { return m_bands ? m_bands->Decode(band) : QImage(); }
-    /// All 0 when there is a problem.
-    raster::PixelCounts CountPixels() const
-    {
-        return m_bands ? m_bands->CountPixels() : raster::PixelCounts();
-    }
+    /// Null after a printed error. Bands count from the bottom; see TargaBands.
+    QImage Band(int band) const;
+    /// False after a printed error.
+    bool CountPixels(raster::PixelCounts& counts) const;
+
+    void PrintProblem() const;
+    /// Says it when a part of the pixels is missing, and was filled.
+    void WarnIfCutOff() const;
 
 private:
+    void Open(QSize size);
+    void PrintFailure() const;
     void Refuse(Problem problem, const QString& error);
     raster::ByteReader MakeReader(QFile& file);
 

@@ -17,8 +17,6 @@
 
 #include <algorithm>
 
-using raster::BitFieldRaster;
-
 namespace {
 
 /// The layer pixel below the middle of a picture pixel.
@@ -98,14 +96,22 @@ void MapPicture::Cover(const QColor& color)
     painter.fillRect(m_image.rect(), color);
 }
 
-void MapPicture::DrawMask(const LayerBitmap& bitmap, const QColor& color)
+bool MapPicture::DrawMask(const LayerBitmap& bitmap, const QColor& color)
 {
+    if (bitmap.GetProblem() != LayerBitmap::Problem::None) {
+        bitmap.PrintProblem();
+        return false;
+    }
+    bitmap.WarnIfCutOff();
     const QRgb premultiplied = qPremultiply(color.rgba());
     for (int band = 0; band < bitmap.BandCount(); ++band) {
         const std::vector<ShownRow> rows = RowsOf(band);
-        const QImage mask = rows.empty() ? QImage() : bitmap.Band(band);
-        if (mask.isNull()) {
+        if (rows.empty() || bitmap.IsClear(band)) {
             continue;
+        }
+        const QImage mask = bitmap.Band(band);
+        if (mask.isNull()) {
+            return false;
         }
         for (const ShownRow row : rows) {
             const uchar* pixels = mask.constScanLine(row.bandRow);
@@ -117,14 +123,14 @@ void MapPicture::DrawMask(const LayerBitmap& bitmap, const QColor& color)
             }
         }
     }
+    return true;
 }
 
 bool MapPicture::DrawFlags(FieldBands& fields, const QVector<ShownFlag>& flags)
 {
     for (int band = 0; band < fields.BandCount(); ++band) {
-        BitFieldRaster usages = fields.UsageRaster(band);
-        BitFieldRaster values = fields.ValueRaster(band);
-        if (!fields.Read(band, usages, values)) {
+        const std::optional<FieldBand> read = fields.Read(band);
+        if (!read) {
             return false;
         }
         const std::vector<ShownRow> rows = RowsOf(band);
@@ -132,8 +138,8 @@ bool MapPicture::DrawFlags(FieldBands& fields, const QVector<ShownFlag>& flags)
             const int fieldRow = fields.Rows(band) - 1 - row.bandRow;
             auto* to = reinterpret_cast<QRgb*>(m_image.scanLine(row.y));
             for (std::size_t x = 0; x < m_columns.size(); ++x) {
-                const quint32 usage = usages.Get(m_columns[x], fieldRow);
-                const quint32 value = values.Get(m_columns[x], fieldRow);
+                const quint32 usage = read->usages.Get(m_columns[x], fieldRow);
+                const quint32 value = read->values.Get(m_columns[x], fieldRow);
                 for (const ShownFlag& flag : flags) {
                     if (((flag.isUsage ? usage : value) >> flag.bit & 1U) != 0) {
                         to[x] = Over(qPremultiply(flag.color.rgba()), to[x]);

@@ -35,8 +35,8 @@ public:
     void DrawPicture(const QImage& picture);
     /// color with its alpha over everything.
     void Cover(const QColor& color);
-    /// The pixels that are set, as the editor shows them.
-    void DrawMask(const LayerBitmap& bitmap, const QColor& color);
+    /// The pixels that are set, as the editor shows them. False after a printed error.
+    bool DrawMask(const LayerBitmap& bitmap, const QColor& color);
     /// False after a printed error.
     bool DrawFlags(FieldBands& fields, const QVector<ShownFlag>& flags);
     /// The zones of the visible territories, as the editor shows them.

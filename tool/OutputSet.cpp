@@ -1,6 +1,7 @@
 #include "tool/OutputSet.h"
 
 #include "tool/Console.h"
+#include "tool/Interruption.h"
 
 #include <QDir>
 #include <QFile>
@@ -109,7 +110,7 @@ void OutputSet::PutBack()
 bool OutputSet::Commit(const QStringList& names)
 {
     for (const QString& name : names) {
-        if (!Place(name)) {
+        if (Interruption::HasCome() || !Place(name)) {
             PutBack();
             return false;
         }

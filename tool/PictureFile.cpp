@@ -2,6 +2,7 @@
 
 #include "app/OutputFile.h"
 #include "tool/Console.h"
+#include "tool/Interruption.h"
 
 #include <QBuffer>
 
@@ -11,6 +12,9 @@ bool WritePicture(const QString& path, const QImage& picture)
     QBuffer buffer(&bytes);
     if (picture.isNull() || !picture.save(&buffer, "PNG")) {
         Console::PrintError(path, QStringLiteral("there is no memory for the picture."));
+        return false;
+    }
+    if (Interruption::HasCome()) {
         return false;
     }
     OutputFile file(path);

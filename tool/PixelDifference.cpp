@@ -73,15 +73,17 @@ Report PixelDifference::ToReport(const QString& place) const
     return report;
 }
 
-PixelDifference CompareBitmaps(const LayerBitmap& a, const LayerBitmap& b)
+bool CompareBitmaps(const LayerBitmap& a, const LayerBitmap& b, PixelDifference& difference)
 {
-    PixelDifference difference;
     int bottom = a.Size().height();
     for (int band = 0; band < a.BandCount(); ++band) {
         const QImage rowsA = a.Band(band);
         const QImage rowsB = b.Band(band);
+        if (rowsA.isNull() || rowsB.isNull()) {
+            return false;
+        }
         bottom -= rowsA.height();
-        for (int row = 0; row < qMin(rowsA.height(), rowsB.height()); ++row) {
+        for (int row = 0; row < rowsA.height(); ++row) {
             const uchar* pixelsA = rowsA.constScanLine(row);
             const uchar* pixelsB = rowsB.constScanLine(row);
             if (std::equal(pixelsA, pixelsA + rowsA.width(), pixelsB)) {
@@ -95,7 +97,7 @@ PixelDifference CompareBitmaps(const LayerBitmap& a, const LayerBitmap& b)
             }
         }
     }
-    return difference;
+    return true;
 }
 
 FieldComparison::FieldComparison(FieldBands& a, FieldBands& b, bool doPaint)
@@ -116,33 +118,33 @@ bool FieldComparison::Run()
     const int bandCount = qMax(m_a.BandCount(), m_b.BandCount());
     Progress progress(QStringLiteral("Comparing"), bandCount);
     for (int band = 0; band < bandCount; ++band) {
-        Rasters usages{m_a.UsageRaster(band), m_b.UsageRaster(band)};
-        Rasters values{m_a.ValueRaster(band), m_b.ValueRaster(band)};
-        if (!m_a.Read(band, usages.a, values.a) || !m_b.Read(band, usages.b, values.b)) {
+        const std::optional<FieldBand> a = m_a.Read(band);
+        const std::optional<FieldBand> b = a ? m_b.Read(band) : std::nullopt;
+        if (!b) {
             return false;
         }
         const int rows = m_a.Rows(band);
         for (int row = 0; row < rows; ++row) {
             const int fileRow = band * raster::TargaBands::BandRows + row;
-            CompareRow(usages, values, row, m_a.Size().height() - 1 - fileRow);
+            CompareRow(*a, *b, row, m_a.Size().height() - 1 - fileRow);
         }
         progress.Step();
     }
     return true;
 }
 
-void FieldComparison::CompareRow(const Rasters& usages, const Rasters& values, int row, int y)
+void FieldComparison::CompareRow(const FieldBand& a, const FieldBand& b, int row, int y)
 {
     const bool isEqual =
-        AreRowsEqual(usages.a, usages.b, row) && AreRowsEqual(values.a, values.b, row);
+        AreRowsEqual(a.usages, b.usages, row) && AreRowsEqual(a.values, b.values, row);
     if (isEqual && m_picture.isNull()) {
         return;
     }
     for (int x = 0; x < m_a.Size().width(); ++x) {
-        const quint32 usageA = usages.a.Get(x, row);
-        const quint32 usageB = usages.b.Get(x, row);
-        const quint32 valueA = values.a.Get(x, row);
-        const quint32 valueB = values.b.Get(x, row);
+        const quint32 usageA = a.usages.Get(x, row);
+        const quint32 usageB = b.usages.Get(x, row);
+        const quint32 valueA = a.values.Get(x, row);
+        const quint32 valueB = b.values.Get(x, row);
         AddFields(m_usages, x, y, usageA, usageB);
         AddFields(m_values, x, y, valueA, valueB);
         if (!m_picture.isNull()) {

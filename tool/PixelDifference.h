@@ -26,8 +26,8 @@ struct PixelDifference
     Report ToReport(const QString& place) const;
 };
 
-/// Both bitmaps are good and of one size.
-PixelDifference CompareBitmaps(const LayerBitmap& a, const LayerBitmap& b);
+/// Both bitmaps are good and of one size. False after a printed error.
+bool CompareBitmaps(const LayerBitmap& a, const LayerBitmap& b, PixelDifference& difference);
 
 /// Compares the fields of two maps of one size, flag by flag.
 class FieldComparison
@@ -46,13 +46,7 @@ public:
     const QImage& Picture() const { return m_picture; }
 
 private:
-    struct Rasters
-    {
-        raster::BitFieldRaster a;
-        raster::BitFieldRaster b;
-    };
-
-    void CompareRow(const Rasters& usages, const Rasters& values, int row, int y);
+    void CompareRow(const FieldBand& a, const FieldBand& b, int row, int y);
     void PaintPixel(int x, int y, quint64 a, quint64 b);
 
     FieldBands& m_a;

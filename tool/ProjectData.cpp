@@ -3,6 +3,7 @@
 #include "app/ProjectReader.h"
 #include "app/ProjectSettings.h"
 #include "app/Xml.h"
+#include "layers/raster/Mask.h"
 #include "tool/Console.h"
 #include "tool/InputFiles.h"
 
@@ -10,11 +11,20 @@
 #include <QFileInfo>
 #include <QXmlStreamReader>
 
-SpawnCounts TerritoryData::Totals() const
+void SpawnTotals::operator+=(const SpawnTotals& more)
 {
-    SpawnCounts totals;
+    staticMin += more.staticMin;
+    staticMax += more.staticMax;
+    dynamicMin += more.dynamicMin;
+    dynamicMax += more.dynamicMax;
+}
+
+SpawnTotals TerritoryData::Totals() const
+{
+    SpawnTotals totals;
     for (const ZoneData& zone : zones) {
-        totals += zone.counts;
+        totals += {zone.counts.staticMin, zone.counts.staticMax, zone.counts.dynamicMin,
+                   zone.counts.dynamicMax};
     }
     return totals;
 }
@@ -39,6 +49,18 @@ QStringList ProjectData::Files() const
         files.append(BackgroundPath());
     }
     return files;
+}
+
+QString ProjectData::LayerSizeError() const
+{
+    return raster::IsMaskSize(layerSize)
+               ? QString()
+               : QStringLiteral("layers cannot have %1 pixels.").arg(SizeText(layerSize));
+}
+
+QString SizeText(QSize size)
+{
+    return QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
 }
 
 namespace {

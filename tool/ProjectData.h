@@ -23,6 +23,17 @@ struct LayerData
     bool isVisible = false;
 };
 
+/// Sums over zones, whatever numbers these hold.
+struct SpawnTotals
+{
+    qint64 staticMin = 0;
+    qint64 staticMax = 0;
+    qint64 dynamicMin = 0;
+    qint64 dynamicMax = 0;
+
+    void operator+=(const SpawnTotals& more);
+};
+
 struct ZoneData
 {
     QString name;
@@ -41,7 +52,7 @@ struct TerritoryData
     bool isVisible = false;
     QVector<ZoneData> zones;
 
-    SpawnCounts Totals() const;
+    SpawnTotals Totals() const;
 };
 
 struct TerritoryTypeData
@@ -72,7 +83,12 @@ struct ProjectData
     QString BackgroundPath() const;
     /// All that is read of the project: the document, the bitmaps and the background.
     QStringList Files() const;
+    /// What is wrong with the size of the layers; empty when nothing is.
+    QString LayerSizeError() const;
 };
+
+/// As in "800x600".
+QString SizeText(QSize size);
 
 /// Opens the document and takes it for the open project as well, as far as its settings go. False
 /// after a printed error when it cannot be read, is malformed or is no project.

@@ -2,6 +2,7 @@
 
 #include "tool/Console.h"
 #include "tool/PixelDifference.h"
+#include "tool/Progress.h"
 
 #include <QMap>
 
@@ -75,7 +76,8 @@ QString ColorText(const QColor& color)
     return color.name(QColor::HexArgb);
 }
 
-void CompareLayer(const QString& place, const ProjectData& a, const LayerData& layerA,
+/// False after a printed error.
+bool CompareLayer(const QString& place, const ProjectData& a, const LayerData& layerA,
                   const ProjectData& b, const LayerData& layerB, QVector<Report>& differences)
 {
     const auto compare = [&](const char* what, const QString& textA, const QString& textB) {
@@ -87,14 +89,15 @@ void CompareLayer(const QString& place, const ProjectData& a, const LayerData& l
     compare("color", ColorText(layerA.color), ColorText(layerB.color));
     compare("visibility", layerA.isVisible ? QStringLiteral("shown") : QStringLiteral("hidden"),
             layerB.isVisible ? QStringLiteral("shown") : QStringLiteral("hidden"));
-    if (a.layerSize != b.layerSize) {
-        return;
+    PixelDifference pixels;
+    if (a.layerSize == b.layerSize &&
+        !CompareBitmaps(LayerBitmap(a, layerA), LayerBitmap(b, layerB), pixels)) {
+        return false;
     }
-    const PixelDifference pixels = CompareBitmaps(LayerBitmap(a.BitmapPath(layerA), a.layerSize),
-                                                  LayerBitmap(b.BitmapPath(layerB), b.layerSize));
     if (!pixels.IsEmpty()) {
         differences.append(pixels.ToReport(QStringLiteral("pixels of ") + place));
     }
+    return true;
 }
 
 /// Everything that a zone is, as one text.
@@ -159,11 +162,6 @@ void CompareTypes(const ProjectData& a, const ProjectData& b, QVector<Report>& d
 
 } // namespace
 
-QString SizeText(QSize size)
-{
-    return QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
-}
-
 void AddDifference(const QString& place, const QString& a, const QString& b,
                    QVector<Report>& differences)
 {
@@ -176,9 +174,8 @@ void AddDifference(const QString& place, const QString& a, const QString& b,
     }
 }
 
-QVector<Report> CompareDocuments(const ProjectData& a, const ProjectData& b)
+bool CompareDocuments(const ProjectData& a, const ProjectData& b, QVector<Report>& differences)
 {
-    QVector<Report> differences;
     const auto compare = [&differences](const char* place, const QString& textA,
                                         const QString& textB) {
         AddDifference(QString::fromLatin1(place), textA, textB, differences);
@@ -190,14 +187,17 @@ QVector<Report> CompareDocuments(const ProjectData& a, const ProjectData& b)
     compare("usage flag types", Names(a.flagTypes.usages), Names(b.flagTypes.usages));
     compare("value flag types", Names(a.flagTypes.values), Names(b.flagTypes.values));
     const int before = differences.size();
+    bool isGood = true;
+    Progress progress(QStringLiteral("Comparing layers"), a.layers.size());
     CompareNamed(QStringLiteral("layer"), a.layers, b.layers, differences,
                  [&](const QString& place, const LayerData& layerA, const LayerData& layerB) {
-                     CompareLayer(place, a, layerA, b, layerB, differences);
+                     isGood = isGood && CompareLayer(place, a, layerA, b, layerB, differences);
+                     progress.Step();
                  });
     // An order is worth a word only where it is the same layers.
     if (a.layers.size() == b.layers.size() && differences.size() == before) {
         compare("order of layers", Order(a.layers), Order(b.layers));
     }
     CompareTypes(a, b, differences);
-    return differences;
+    return isGood;
 }

@@ -1,7 +1,5 @@
 #include "tool/RenderCommand.h"
 
-#include "app/Names.h"
-#include "layers/raster/Mask.h"
 #include "tool/Commands.h"
 #include "tool/FileKind.h"
 #include "tool/InputFiles.h"
@@ -153,15 +151,9 @@ bool ChooseLayers(const ProjectData& project, const RenderOptions& options,
 bool DrawLayers(const ProjectData& project, const QVector<LayerData>& layers, MapPicture& picture)
 {
     for (const LayerData& layer : layers) {
-        const LayerBitmap bitmap(project.BitmapPath(layer), project.layerSize);
-        const bool isOutside = LeadsUpward(layer.name);
-        if (isOutside || bitmap.GetProblem() != LayerBitmap::Problem::None) {
-            Console::PrintError(project.BitmapPath(layer),
-                                isOutside ? QStringLiteral("lies outside the project.")
-                                          : bitmap.Error());
+        if (!picture.DrawMask(LayerBitmap(project, layer), layer.color)) {
             return false;
         }
-        picture.DrawMask(bitmap, layer.color);
     }
     return true;
 }
@@ -184,10 +176,9 @@ ToolExit RenderProject(const QString& path, const RenderOptions& options)
     if (!ChooseLayers(project, options, layers, unknown)) {
         return UsageError(QStringLiteral("there is no layer %1.").arg(Console::Quoted(unknown)));
     }
-    if (!raster::IsMaskSize(project.layerSize)) {
-        Console::PrintError(path, QStringLiteral("layers cannot have %1x%2 pixels.")
-                                      .arg(project.layerSize.width())
-                                      .arg(project.layerSize.height()));
+    const QString sizeError = project.LayerSizeError();
+    if (!sizeError.isEmpty()) {
+        Console::PrintError(path, sizeError);
         return ToolExit::Unreadable;
     }
     MapPicture picture(project.layerSize, PictureSize(project.layerSize, options.length));
@@ -204,7 +195,8 @@ ToolExit RenderProject(const QString& path, const RenderOptions& options)
     }
     if (!flags.isEmpty()) {
         ProjectFields fields;
-        if (!fields.Open(project) || !picture.DrawFlags(fields, flags)) {
+        if (!fields.Open(project, ProjectFields::CutOffBitmaps::Fill) ||
+            !picture.DrawFlags(fields, flags)) {
             return ToolExit::Unreadable;
         }
     }
@@ -217,9 +209,7 @@ ToolExit RenderProject(const QString& path, const RenderOptions& options)
 ToolExit RenderMap(const QString& path, const RenderOptions& options)
 {
     MapFields fields;
-    const QString error = fields.Open(path);
-    if (!error.isEmpty()) {
-        Console::PrintError(path, error);
+    if (!fields.Open(path)) {
         return ToolExit::Unreadable;
     }
     QStringList texts = options.flags;
@@ -245,7 +235,7 @@ ToolExit RenderBitmap(const QString& path, const RenderOptions& options)
 {
     const LayerBitmap bitmap(path);
     if (bitmap.GetProblem() != LayerBitmap::Problem::None) {
-        Console::PrintError(path, bitmap.Error());
+        bitmap.PrintProblem();
         return ToolExit::Unreadable;
     }
     MapPicture picture(bitmap.Size(), PictureSize(bitmap.Size(), options.length));
@@ -253,8 +243,8 @@ ToolExit RenderBitmap(const QString& path, const RenderOptions& options)
         return NoMemory(options);
     }
     picture.Cover(Qt::black);
-    picture.DrawMask(bitmap, Qt::white);
-    return Finish(options, picture, {});
+    return picture.DrawMask(bitmap, Qt::white) ? Finish(options, picture, {})
+                                               : ToolExit::Unreadable;
 }
 
 ToolExit Render(const QStringList& files, const QCommandLineParser& parser)

@@ -33,6 +33,11 @@ void Report::Add(const QString& name, const QJsonValue& value)
     m_facts.append({name, value, false, {}});
 }
 
+void Report::Add(const QString& name, const Report& part)
+{
+    m_facts.append({name, {}, false, {part}});
+}
+
 void Report::Add(const QString& name, const QVector<Report>& entries)
 {
     m_facts.append({name, {}, true, entries});
@@ -44,29 +49,26 @@ QJsonObject Report::ToJson() const
     for (const Fact& fact : m_facts) {
         if (fact.isList) {
             QJsonArray array;
-            for (const Report& entry : fact.entries) {
+            for (const Report& entry : fact.parts) {
                 array.append(entry.ToJson());
             }
             object.insert(fact.name, array);
         } else {
-            object.insert(fact.name, fact.value);
+            object.insert(fact.name,
+                          fact.parts.isEmpty() ? fact.value : fact.parts.first().ToJson());
         }
     }
     return object;
 }
 
-QString Report::Line() const
+QString Report::Line(int first) const
 {
-    QString line;
-    for (int i = 0; i < m_facts.size(); ++i) {
-        const Fact& fact = m_facts.at(i);
-        const QString text = Text(fact.value);
-        line += i == 0
-                    ? text
-                    : QStringLiteral("%1 %2 %3")
-                          .arg(i == 1 ? QStringLiteral(":") : QStringLiteral(","), fact.name, text);
+    QStringList texts;
+    const QVector<Fact> facts = m_facts.mid(first);
+    for (const Fact& fact : facts) {
+        texts.append(fact.name + QLatin1Char(' ') + Text(fact.value));
     }
-    return line;
+    return texts.join(QStringLiteral(", "));
 }
 
 void Report::PrintText() const
@@ -74,12 +76,14 @@ void Report::PrintText() const
     for (const Fact& fact : m_facts) {
         const QString name = fact.name + QStringLiteral(": ");
         if (fact.isList) {
-            Console::Print(name + QString::number(fact.entries.size()));
-            for (const Report& entry : fact.entries) {
-                Console::Print(QStringLiteral("  ") + entry.Line());
+            Console::Print(name + QString::number(fact.parts.size()));
+            for (const Report& entry : fact.parts) {
+                Console::Print(QStringLiteral("  %1: %2")
+                                   .arg(Text(entry.m_facts.first().value), entry.Line(1)));
             }
         } else {
-            Console::Print(name + Text(fact.value));
+            Console::Print(name +
+                           (fact.parts.isEmpty() ? Text(fact.value) : fact.parts.first().Line(0)));
         }
     }
 }

@@ -1,4 +1,5 @@
 #include "tool/Commands.h"
+#include "tool/Interruption.h"
 
 #include <QApplication>
 #include <QFile>
@@ -39,6 +40,7 @@ int main(int argc, char* argv[])
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     // Nothing is shown, so no display is needed, whatever one the environment names.
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    Interruption::Watch();
     Console::TakeMessages();
     QStringList arguments;
     for (int i = 0; i < argc; ++i) {
@@ -53,5 +55,5 @@ int main(int argc, char* argv[])
     const ToolExit result = RunTool(arguments);
     // The lists hand their models to deferred deletion, which processing events does not run.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    return static_cast<int>(result);
+    return Interruption::HasCome() ? Interruption::ExitCode() : static_cast<int>(result);
 }

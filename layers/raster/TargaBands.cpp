@@ -27,15 +27,17 @@ public:
 
     qint64 Offset() const { return m_blockEnd - (m_stop - m_at); }
     qint64 Left() const { return m_end - Offset(); }
+    /// There were fewer bytes than there should be; they read as 0.
+    bool HasFailed() const { return m_hasFailed; }
 
-    /// Only while something is left; a file that became shorter meanwhile reads as 0.
+    /// Only while something is left.
     uchar Take()
     {
         if (m_at == m_stop) {
             m_block.assign(static_cast<std::size_t>(std::min<qint64>(Left(), BlockSize)), 0);
             m_at = m_block.data();
             m_stop = m_at + m_block.size();
-            m_read(m_blockEnd, m_block.data(), m_stop - m_at);
+            m_hasFailed |= m_read(m_blockEnd, m_block.data(), m_stop - m_at) != m_stop - m_at;
             m_blockEnd += m_stop - m_at;
         }
         return *m_at++;
@@ -51,6 +53,7 @@ private:
     /// In the file.
     qint64 m_blockEnd;
     qint64 m_end;
+    bool m_hasFailed = false;
 };
 
 struct Packet
@@ -115,11 +118,12 @@ TargaBands::TargaBands(ByteReader read, qint64 byteCount, QSize size)
     , m_size(size)
 {
     const qint64 headerCount = std::max<qint64>(m_read(0, m_header, TargaHeaderSize), 0);
+    m_hasFailed = headerCount != std::min<qint64>(TargaHeaderSize, byteCount);
     m_error = CheckTargaHeader(m_header, headerCount, size);
     if (m_error == TargaError::None && !IsMaskSize(size)) {
         m_error = TargaError::NoImage;
     }
-    if (m_error != TargaError::None) {
+    if (m_error != TargaError::None || m_hasFailed) {
         return;
     }
     m_isRunLength = (m_header[2] & RunLengthBit) != 0;
@@ -169,7 +173,7 @@ void TargaBands::FindPackets()
     const auto pixelOf = [&](const auto& start) {
         return start == starts.end() ? pixelCount : width * (*start)->storedRow;
     };
-    while (pixel < pixelCount && cursor.Left() >= 2) {
+    while (pixel < pixelCount && cursor.Left() >= 2 && !cursor.HasFailed()) {
         const Packet packet = TakePacket(cursor, pixelCount - pixel);
         const bool hasSet = packet.counts.Covered() != 0;
         m_counts += packet.counts;
@@ -189,6 +193,12 @@ void TargaBands::FindPackets()
             current = &start;
         }
         pixel += packet.present;
+    }
+    if (cursor.HasFailed()) {
+        m_hasFailed = true;
+        m_starts.clear();
+        m_counts = {};
+        return;
     }
     m_isCutOff = pixel < pixelCount;
     m_end = cursor.Offset();
@@ -214,15 +224,17 @@ std::vector<uchar> TargaBands::Header(int rows) const
     return header;
 }
 
-void TargaBands::Append(std::vector<uchar>& file, qint64 offset, qint64 count) const
+bool TargaBands::Append(std::vector<uchar>& file, qint64 offset, qint64 count)
 {
-    const std::size_t used = file.size();
-    file.resize(used + static_cast<std::size_t>(std::max<qint64>(count, 0)));
-    const qint64 read = count > 0 ? m_read(offset, file.data() + used, count) : 0;
-    file.resize(used + static_cast<std::size_t>(std::max<qint64>(read, 0)));
+    if (count > 0) {
+        const std::size_t used = file.size();
+        file.resize(used + static_cast<std::size_t>(count));
+        m_hasFailed = m_read(offset, file.data() + used, count) != count;
+    }
+    return !m_hasFailed;
 }
 
-QImage TargaBands::Decode(int band) const
+QImage TargaBands::Decode(int band)
 {
     if (band < 0 || band >= Count()) {
         return {};
@@ -230,11 +242,14 @@ QImage TargaBands::Decode(int band) const
     return m_isRunLength ? DecodePackets(band) : DecodeRaw(band);
 }
 
-PixelCounts TargaBands::CountPixels() const
+bool TargaBands::CountPixels(PixelCounts& counts)
 {
-    PixelCounts counts = m_counts;
+    counts = m_counts;
     for (int band = 0; band < Count() && !m_isRunLength; ++band) {
         const QImage rows = DecodeRaw(band);
+        if (rows.isNull()) {
+            return false;
+        }
         for (int y = 0; y < rows.height(); ++y) {
             const uchar* begin = rows.constScanLine(y);
             const uchar* end = begin + rows.width();
@@ -245,10 +260,10 @@ PixelCounts TargaBands::CountPixels() const
             counts.other += rows.width() - clear - set;
         }
     }
-    return counts;
+    return true;
 }
 
-QImage TargaBands::DecodePackets(int band) const
+QImage TargaBands::DecodePackets(int band)
 {
     const Start& start = m_starts[static_cast<std::size_t>(band)];
     // The bytes up to where the next rows in the file begin.
@@ -257,12 +272,14 @@ QImage TargaBands::DecodePackets(int band) const
     const qint64 end = isLast ? m_end : m_starts[static_cast<std::size_t>(nextBand)].offset;
     std::vector<uchar> file = Header(Rows(band));
     file.insert(file.end(), start.packet, start.packet + start.packetBytes);
-    Append(file, start.offset, end - start.offset);
+    if (!Append(file, start.offset, end - start.offset)) {
+        return {};
+    }
     return DecodeTarga(file.data(), static_cast<qint64>(file.size()), {m_size.width(), Rows(band)})
         .mask;
 }
 
-QImage TargaBands::DecodeRaw(int band) const
+QImage TargaBands::DecodeRaw(int band)
 {
     const int width = m_size.width();
     const int rows = Rows(band);
@@ -275,7 +292,9 @@ QImage TargaBands::DecodeRaw(int band) const
 
     std::vector<uchar> file = Header(rows + before);
     const qint64 offset = TargaHeaderSize + qint64(storedRow - before) * width;
-    Append(file, offset, std::min<qint64>(m_end - offset, qint64(rows + before) * width));
+    if (!Append(file, offset, std::min<qint64>(m_end - offset, qint64(rows + before) * width))) {
+        return {};
+    }
     QImage mask =
         DecodeTarga(file.data(), static_cast<qint64>(file.size()), {width, rows + before}).mask;
     if (before == 0 || mask.isNull()) {

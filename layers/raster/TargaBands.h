@@ -42,19 +42,22 @@ public:
     TargaBands(ByteReader read, qint64 byteCount, QSize size);
 
     TargaError Error() const { return m_error; }
+    /// The reader gave fewer bytes than the file had at first: what was read last is not known.
+    bool HasFailed() const { return m_hasFailed; }
     /// The file has fewer bytes than its pixels need.
     bool IsCutOff() const { return m_isCutOff; }
-    /// 0 after an error.
+    /// 0 after an error or a failure.
     int Count() const { return static_cast<int>(m_starts.size()); }
 
     /// True only for a band that has no set pixel; there need be no mask of it. Raw files are not
     /// looked through.
     bool IsClear(int band) const { return !m_starts.at(static_cast<std::size_t>(band)).hasSet; }
-    /// The rows of a band as a mask; null when there is no memory. Bands count from the bottom of
-    /// the image, as maps do; the last one may be lower.
-    QImage Decode(int band) const;
-    /// Of the whole image; all 0 after an error. Raw files are read for it.
-    PixelCounts CountPixels() const;
+    /// The rows of a band as a mask; null when there is no memory or reading fails. Bands count
+    /// from the bottom of the image, as maps do; the last one may be lower.
+    QImage Decode(int band);
+    /// Of the whole image; all 0 after an error. Raw files are read for it: false when there is no
+    /// memory or reading fails.
+    bool CountPixels(PixelCounts& counts);
 
 private:
     /// Where a row begins: the rest of the packet that it begins in, and what follows that.
@@ -72,9 +75,10 @@ private:
     int StoredRow(int band) const;
     void FindPackets();
     std::vector<uchar> Header(int rows) const;
-    QImage DecodePackets(int band) const;
-    QImage DecodeRaw(int band) const;
-    void Append(std::vector<uchar>& file, qint64 offset, qint64 count) const;
+    QImage DecodePackets(int band);
+    QImage DecodeRaw(int band);
+    /// False when reading fails.
+    bool Append(std::vector<uchar>& file, qint64 offset, qint64 count);
 
     ByteReader m_read;
     qint64 m_byteCount;
@@ -84,6 +88,7 @@ private:
     bool m_isTopDown = false;
     bool m_isRunLength = false;
     bool m_isCutOff = false;
+    bool m_hasFailed = false;
     /// By band.
     std::vector<Start> m_starts;
     /// Of the packets.

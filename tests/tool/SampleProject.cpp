@@ -5,6 +5,7 @@
 #include "tests/support/Masks.h"
 
 #include <QImage>
+#include <QProcess>
 
 namespace {
 
@@ -33,6 +34,20 @@ constexpr char Document[] =
   </territory-type-list>
 </qm-config>
 )";
+
+QProcessEnvironment WithoutDisplay()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        environment.remove(name);
+    }
+    return environment;
+}
+
+QStringList ShellArguments(const QString& limit)
+{
+    return {"-c", limit + "; exec \"$0\" \"$@\"", QUILLMAP_TOOL};
+}
 
 } // namespace
 
@@ -75,10 +90,14 @@ ProgramRun SampleProject::Run(const QStringList& arguments) const
 
 ProgramRun SampleProject::RunLimited(const QString& limit, const QStringList& arguments) const
 {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
-        environment.remove(name);
-    }
-    const QStringList shell = {"-c", limit + "; exec \"$0\" \"$@\"", QUILLMAP_TOOL};
-    return RunProgram("/bin/sh", shell + arguments, m_folder.path(), environment);
+    return RunProgram("/bin/sh", ShellArguments(limit) + arguments, m_folder.path(),
+                      WithoutDisplay());
+}
+
+void SampleProject::Start(QProcess& process, const QString& limit,
+                          const QStringList& arguments) const
+{
+    process.setWorkingDirectory(m_folder.path());
+    process.setProcessEnvironment(WithoutDisplay());
+    process.start("/bin/sh", ShellArguments(limit) + arguments, QIODevice::ReadOnly);
 }

@@ -9,6 +9,8 @@
 #include <QTemporaryDir>
 #include <QVector>
 
+class QProcess;
+
 /// A small good project in a folder of its own, which tests break, and runs of the tool beside it.
 class SampleProject
 {
@@ -26,6 +28,8 @@ public:
     ProgramRun Run(const QStringList& arguments) const;
     /// The same behind a command of the shell that takes something away from the tool.
     ProgramRun RunLimited(const QString& limit, const QStringList& arguments) const;
+    /// The same without waiting for its end.
+    void Start(QProcess& process, const QString& limit, const QStringList& arguments) const;
 
 private:
     QTemporaryDir m_folder;

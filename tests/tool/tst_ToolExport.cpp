@@ -155,9 +155,7 @@ void tst_ToolExport::NothingIsWrittenWhenTheInputIsBroken_data()
         << QStringList{"sample.xml: layers cannot have 0x0 pixels."} << 3;
     QTest::newRow("name leads out")
         << QByteArray("\"Village\"") << QByteArray("\"../layers/Village\"")
-        << QStringList{"sample.xml: the bitmap of layer '../layers/Village' lies outside the "
-                       "project."}
-        << 3;
+        << QStringList{"FOLDER/layers/../layers/Village.tga: lies outside the project."} << 3;
     QTest::newRow("too many flag types")
         << QByteArray("</usages>") << usages + "</usages>"
         << QStringList{"sample.xml: an area map holds at most 32 usage and 32 value flag types."}

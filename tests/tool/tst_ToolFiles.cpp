@@ -19,6 +19,8 @@ private slots:
     void MapsOfAnyWidthAreRead_data();
     void MapsOfAnyWidthAreRead();
     void DocumentsAreKnownByTheirElements();
+    void CutOffBitmapsAreShownWithAWord_data();
+    void CutOffBitmapsAreShownWithAWord();
 };
 
 void tst_ToolFiles::InputsAreNotOverwritten_data()
@@ -105,6 +107,41 @@ void tst_ToolFiles::DocumentsAreKnownByTheirElements()
     for (const char* file : {"sample.xml", "project.map"}) {
         QVERIFY(project.Run({"info", file}).output.contains("kind: project\n"));
     }
+}
+
+void tst_ToolFiles::CutOffBitmapsAreShownWithAWord_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("exitCode");
+    QTest::newRow("info") << QStringList{"info", "sample.xml"} << 0;
+    QTest::newRow("compare") << QStringList{"compare", "sample.xml", "other/sample.xml"} << 1;
+    QTest::newRow("layers") << QStringList{"render", "sample.xml", "-o", "p.png"} << 0;
+    QTest::newRow("flags") << QStringList{"render", "sample.xml", "-o", "p.png", "--flag", "Town"}
+                           << 0;
+}
+
+void tst_ToolFiles::CutOffBitmapsAreShownWithAWord()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, exitCode);
+    const SampleProject project;
+    WriteBytes(project.Path("other/sample.xml"), ReadBytes(project.Path("sample.xml")));
+    for (const char* layer : {"layers/Shore.tga", "layers/Village.tga"}) {
+        WriteBytes(project.Path(QString("other/") + layer), ReadBytes(project.Path(layer)));
+    }
+    const QString path = project.Path("layers/Village.tga");
+    const QByteArray bytes = ReadBytes(path);
+    // Without the packet of the last pixel, which is set.
+    WriteBytes(path, bytes.left(bytes.size() - 2));
+
+    const ProgramRun run = project.Run(arguments);
+
+    QCOMPARE(run.log, QStringList{path + ": ends before its last pixel, and its rest is filled."});
+    QCOMPARE(run.exitCode, exitCode);
+    const ProgramRun exported = project.Run({"export", "sample.xml", "-o", "out"});
+    QCOMPARE(exported.log, QStringList{path + ": ends before its last pixel."});
+    QCOMPARE(exported.exitCode, 3);
+    QVERIFY(!QFile::exists(project.Path("out")));
 }
 
 QTEST_APPLESS_MAIN(tst_ToolFiles)

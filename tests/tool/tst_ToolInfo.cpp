@@ -48,8 +48,7 @@ void tst_ToolInfo::FilesAreDescribed_data()
            "9\n"
            "  Wolf: territories 0, zones 0, static-min 0, static-max 0, dynamic-min 0, dynamic-max "
            "0\n"
-           "all-territories: 1\n"
-           "  all types: territories 1, zones 2, static-min 1, static-max 3, dynamic-min 3, "
+           "all-territories: territories 1, zones 2, static-min 1, static-max 3, dynamic-min 3, "
            "dynamic-max 9\n";
     QTest::newRow("map") << "sample.map"
                          << "file: sample.map\nkind: map\nwidth: 8\nheight: 8\nworld-width: 800\n"
@@ -68,8 +67,8 @@ void tst_ToolInfo::FilesAreDescribed_data()
         << "territoryTypes/Deer.xml"
         << "file: territoryTypes/Deer.xml\nkind: territory type\nterritories: 1\n"
            "  1: zones 2, static-min 1, static-max 3, dynamic-min 3, dynamic-max 9\n"
-           "all-territories: 1\n"
-           "  all: territories 1, zones 2, static-min 1, static-max 3, dynamic-min 3, dynamic-max "
+           "all-territories: territories 1, zones 2, static-min 1, static-max 3, dynamic-min 3, "
+           "dynamic-max "
            "9\n";
     QTest::newRow("area types") << "types.xml"
                                 << "file: types.xml\nkind: area types\nusages: A + B\nvalues: "

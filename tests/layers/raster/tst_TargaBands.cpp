@@ -70,7 +70,7 @@ QByteArray RandomFile(Random& random, QSize size, bool isRunLength, bool isTopDo
 }
 
 /// The bands put together; the first is the lowest.
-QImage Whole(const TargaBands& bands, QSize size)
+QImage Whole(TargaBands& bands, QSize size)
 {
     QImage whole = raster::BlankMask(size);
     int bottom = size.height();
@@ -105,8 +105,10 @@ raster::PixelCounts Counted(const QImage& mask)
     return counts;
 }
 
-void CompareCounts(const raster::PixelCounts& counts, const raster::PixelCounts& expected)
+void CompareCounts(TargaBands& bands, const raster::PixelCounts& expected)
 {
+    raster::PixelCounts counts;
+    QVERIFY(bands.CountPixels(counts));
     QCOMPARE(counts.clear, expected.clear);
     QCOMPARE(counts.set, expected.set);
     QCOMPARE(counts.other, expected.other);
@@ -124,6 +126,8 @@ private slots:
     void CutOffFilesAreFilledAlike_data() { BandsMakeTheWholeImage_data(); }
     void CutOffFilesAreFilledAlike();
     void BytesBehindTheLastPixelAreLeftOut();
+    void FilesThatShrinkFail_data();
+    void FilesThatShrinkFail();
     void RefusesWhatTheDecoderRefuses();
     void ClearBandsAreKnown_data();
     void ClearBandsAreKnown();
@@ -156,13 +160,13 @@ void tst_TargaBands::BandsMakeTheWholeImage()
     Random random;
     const QByteArray file = RandomFile(random, size, isRunLength, isTopDown);
 
-    const TargaBands bands(ReaderOf(file), file.size(), size);
+    TargaBands bands(ReaderOf(file), file.size(), size);
 
     QCOMPARE(bands.Error(), TargaError::None);
     QVERIFY(!bands.IsCutOff());
     QCOMPARE(bands.Count(), (size.height() + 63) / 64);
     QCOMPARE(Whole(bands, size), Decoded(file, size));
-    CompareCounts(bands.CountPixels(), Counted(Decoded(file, size)));
+    CompareCounts(bands, Counted(Decoded(file, size)));
 }
 
 void tst_TargaBands::CutOffFilesAreFilledAlike()
@@ -175,11 +179,11 @@ void tst_TargaBands::CutOffFilesAreFilledAlike()
     for (int i = 0; i < 60; ++i) {
         const QByteArray cut = file.left(18 + random.Below(file.size() - 18));
 
-        const TargaBands bands(ReaderOf(cut), cut.size(), size);
+        TargaBands bands(ReaderOf(cut), cut.size(), size);
 
         QVERIFY(isRunLength || bands.IsCutOff());
         QCOMPARE(Whole(bands, size), Decoded(cut, size));
-        CompareCounts(bands.CountPixels(), Counted(Decoded(cut, size)));
+        CompareCounts(bands, Counted(Decoded(cut, size)));
     }
 }
 
@@ -194,11 +198,48 @@ void tst_TargaBands::BytesBehindTheLastPixelAreLeftOut()
         lastByte = offset + present;
         return present;
     };
-    const TargaBands bands(spy, file.size() + (1 << 20), size);
+    TargaBands bands(spy, file.size() + (1 << 20), size);
     lastByte = 0;
 
     QCOMPARE(Whole(bands, size), Decoded(file, size));
     QCOMPARE(lastByte, qint64(file.size()));
+}
+
+void tst_TargaBands::FilesThatShrinkFail_data()
+{
+    QTest::addColumn<bool>("isRunLength");
+    QTest::newRow("packets") << true;
+    QTest::newRow("raw") << false;
+}
+
+void tst_TargaBands::FilesThatShrinkFail()
+{
+    QFETCH(bool, isRunLength);
+    const QSize size(100, 100);
+    Random random;
+    const QByteArray file = RandomFile(random, size, isRunLength, false);
+    qint64 bytesLeft = file.size();
+    const raster::ByteReader read = ReaderOf(file);
+    const auto shrinking = [&](qint64 offset, uchar* to, qint64 count) {
+        return read(offset, to, qBound<qint64>(0, bytesLeft - offset, count));
+    };
+    TargaBands bands(shrinking, file.size(), size);
+    QVERIFY(!bands.Decode(0).isNull());
+
+    bytesLeft = file.size() / 2;
+    QVERIFY(bands.Decode(1).isNull());
+    QVERIFY(bands.HasFailed());
+    raster::PixelCounts counts;
+    // Those of packets are known already.
+    QCOMPARE(bands.CountPixels(counts), isRunLength);
+
+    TargaBands shorter(shrinking, file.size(), size);
+    QCOMPARE(shorter.HasFailed(), isRunLength);
+    bytesLeft = 0;
+    TargaBands empty(shrinking, file.size(), size);
+    QVERIFY(empty.HasFailed());
+    QCOMPARE(empty.Count(), 0);
+    QVERIFY(empty.Decode(0).isNull());
 }
 
 void tst_TargaBands::RefusesWhatTheDecoderRefuses()
@@ -237,21 +278,21 @@ void tst_TargaBands::ClearBandsAreKnown()
         for (int row = 0; row < 200; ++row) {
             file += row == setRow ? QByteArray("\xff\x01", 2) : QByteArray("\xff\x00", 2);
         }
-        const TargaBands bands(ReaderOf(file), file.size(), size);
+        TargaBands bands(ReaderOf(file), file.size(), size);
         for (int band = 0; band < bands.Count(); ++band) {
             const int fromBottom = isTopDown ? 199 - setRow : setRow;
             QCOMPARE(bands.IsClear(band), fromBottom / 64 != band);
         }
     }
     const QByteArray cut = Header(size, true, isTopDown) + QByteArray("\x80\xff", 2);
-    const TargaBands bands(ReaderOf(cut), cut.size(), size);
+    TargaBands bands(ReaderOf(cut), cut.size(), size);
     QVERIFY(!bands.IsClear(0) && !bands.IsClear(3));
 }
 
 void tst_TargaBands::BandsOutsideAreNull()
 {
     const QByteArray file = Header({4, 4}, true, true);
-    const TargaBands bands(ReaderOf(file), file.size(), {4, 4});
+    TargaBands bands(ReaderOf(file), file.size(), {4, 4});
     QVERIFY(!bands.Decode(0).isNull());
     QVERIFY(bands.Decode(-1).isNull());
     QVERIFY(bands.Decode(1).isNull());

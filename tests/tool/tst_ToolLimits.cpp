@@ -1,0 +1,157 @@
+#include "tests/support/Files.h"
+#include "tests/tool/SampleProject.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QProcess>
+#include <QTest>
+
+#include <csignal>
+
+namespace {
+
+constexpr int LargeSize = 8192;
+
+/// Packets of 128 pixels that are all set.
+QByteArray LargeBitmap()
+{
+    QByteArray bytes(18, '\0');
+    bytes[2] = 11;
+    bytes[13] = bytes[15] = LargeSize / 256;
+    bytes[16] = 8;
+    constexpr int packets = LargeSize / 128 * LargeSize;
+    return bytes + QByteArray(2 * packets, '\xff');
+}
+
+/// Makes the sample's layers so large that work on them takes a while, and 32 bits a pixel.
+void Enlarge(SampleProject& project)
+{
+    project.Replace("<layer size=\"8\"/>",
+                    "<layer size=\"" + QByteArray::number(LargeSize) + "\"/>");
+    QByteArray usages;
+    for (int i = 3; i < 32; ++i) {
+        usages += "<usage name=\"u" + QByteArray::number(i) + "\"/>";
+    }
+    project.Replace("</usages>", usages + "</usages>");
+    WriteBytes(project.Path("layers/Shore.tga"), LargeBitmap());
+    WriteBytes(project.Path("layers/Village.tga"), LargeBitmap());
+}
+
+bool HasLargeFile(const QString& folder)
+{
+    QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        it.next();
+        if (it.fileInfo().size() > LargeSize) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Comes back when the export of the large project is in the midst of the map.
+void StartExport(QProcess& process, const SampleProject& project, const QString& before)
+{
+    project.Start(process, before, {"export", "sample.xml", "-o", "out"});
+    process.waitForStarted();
+    while (process.state() == QProcess::Running && !HasLargeFile(project.Path("out"))) {
+        process.waitForFinished(1);
+    }
+}
+
+} // namespace
+
+/// What becomes of runs that are ended, or get too little.
+class tst_ToolLimits : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void SignalsLeaveNothingBehind_data();
+    void SignalsLeaveNothingBehind();
+    void SignalsThatAreTurnedOffStayOff();
+    void MissingMemoryIsReported_data();
+    void MissingMemoryIsReported();
+};
+
+void tst_ToolLimits::SignalsLeaveNothingBehind_data()
+{
+    QTest::addColumn<int>("signalNumber");
+    QTest::newRow("Ctrl-C") << SIGINT;
+    QTest::newRow("ended") << SIGTERM;
+    QTest::newRow("terminal closed") << SIGHUP;
+}
+
+void tst_ToolLimits::SignalsLeaveNothingBehind()
+{
+    QFETCH(int, signalNumber);
+    SampleProject project;
+    Enlarge(project);
+    WriteBytes(project.Path("out/sample.map"), "old");
+    QProcess process;
+    StartExport(process, project, ":");
+
+    QCOMPARE(kill(static_cast<pid_t>(process.processId()), signalNumber), 0);
+
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.readAllStandardError(), QByteArray());
+    QCOMPARE(process.readAllStandardOutput(), QByteArray());
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 128 + signalNumber);
+    QCOMPARE(FilesBelow(project.Path("out")), (QMap<QString, QByteArray>{{"sample.map", "old"}}));
+}
+
+void tst_ToolLimits::SignalsThatAreTurnedOffStayOff()
+{
+    SampleProject project;
+    Enlarge(project);
+    QProcess process;
+    StartExport(process, project, "trap '' HUP");
+    QCOMPARE(kill(static_cast<pid_t>(process.processId()), SIGHUP), 0);
+    QCOMPARE(kill(static_cast<pid_t>(process.processId()), SIGTERM), 0);
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 128 + SIGTERM);
+}
+
+void tst_ToolLimits::MissingMemoryIsReported_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("info") << QStringList{"info", "sample.xml"};
+    QTest::newRow("compare") << QStringList{"compare", "sample.xml", "sample.xml"};
+    QTest::newRow("render") << QStringList{"render", "sample.xml", "-o", "p.png", "--size", "100"};
+}
+
+void tst_ToolLimits::MissingMemoryIsReported()
+{
+#ifdef __SANITIZE_ADDRESS__
+    QSKIP("The sanitizer needs more address space than any limit leaves.");
+#endif
+    QFETCH(QStringList, arguments);
+    SampleProject project;
+    Enlarge(project);
+    const ProgramRun whole = project.Run(arguments);
+    const auto runWith = [&project](int kilobytes, const QStringList& what) {
+        return project.RunLimited(QString("ulimit -v %1").arg(kilobytes), what);
+    };
+    constexpr int step = 1500;
+    int limit = 30000;
+    while (runWith(limit, {"--version"}).exitCode != 0) {
+        limit += step;
+    }
+    int failures = 0;
+    for (int i = 0; i < 8; ++i, limit += step) {
+        const ProgramRun run = runWith(limit, arguments);
+        if (run.exitCode == whole.exitCode) {
+            QCOMPARE(run.output, whole.output);
+            continue;
+        }
+        ++failures;
+        QVERIFY(run.exitCode == 3 || run.exitCode == 4);
+        QCOMPARE(run.log.size(), 1);
+        QVERIFY(run.log.first().contains("there is no memory"));
+    }
+    QVERIFY(failures > 0);
+}
+
+QTEST_APPLESS_MAIN(tst_ToolLimits)
+#include "tst_ToolLimits.moc"
