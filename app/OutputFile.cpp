@@ -7,6 +7,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
+
 namespace {
 
 /// A save file would put a regular file in the place of a device node, and would take no name for
@@ -57,18 +60,38 @@ bool OutputFile::Open(QIODevice::OpenMode flags)
     const QIODevice::OpenMode mode = QIODevice::WriteOnly | flags;
     auto* inPlace = qobject_cast<QFile*>(m_device.get());
     m_isWhole = inPlace ? OpenWithoutWaiting(*inPlace, mode) : m_device->open(mode);
+    if (inPlace && !m_isWhole) {
+        m_openError = QString::fromLocal8Bit(std::strerror(errno));
+    }
     return m_isWhole;
 }
 
 bool OutputFile::Write(const char* bytes, qint64 count)
 {
-    m_isWhole = m_isWhole && m_device->write(bytes, count) == count;
+    // A disk that gets full takes a part, and tells what is wrong only when asked to take more.
+    while (m_isWhole && count > 0) {
+        const qint64 taken = m_device->write(bytes, count);
+        m_isWhole = taken > 0;
+        bytes += taken;
+        count -= taken;
+    }
     return m_isWhole;
+}
+
+bool OutputFile::Flush()
+{
+    // The same as for writing.
+    return m_device->flush() || m_device->flush();
+}
+
+QString OutputFile::ErrorString() const
+{
+    return m_openError.isEmpty() ? m_device->errorString() : m_openError;
 }
 
 bool OutputFile::Commit()
 {
-    m_isWhole = m_isWhole && m_device->flush();
+    m_isWhole = m_isWhole && Flush();
     if (auto* saveFile = qobject_cast<QSaveFile*>(m_device.get())) {
         if (!m_isWhole) {
             saveFile->cancelWriting();

@@ -24,10 +24,14 @@ public:
     bool Write(const QByteArray& bytes) { return Write(bytes.constData(), bytes.size()); }
     /// Puts the finished file in its place; false, and nothing is put there, after any failure.
     bool Commit();
-    /// The reason of the last failure of a regular file, in the toolkit's words.
-    QString ErrorString() const { return m_device->errorString(); }
+    /// The reason of the last failure, in the toolkit's or the system's words.
+    QString ErrorString() const;
 
 private:
+    bool Flush();
+
     std::unique_ptr<QFileDevice> m_device;
+    /// Of opening a target that is written in place.
+    QString m_openError;
     bool m_isWhole = true;
 };

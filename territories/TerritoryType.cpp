@@ -147,18 +147,8 @@ void TerritoryType::Write(QXmlStreamWriter& xml) const
     xml.writeEndElement();
 }
 
-bool TerritoryType::Export() const
+QByteArray TerritoryType::ToGameFile() const
 {
-    const QString name = text();
-    if (name.contains(QLatin1Char('/')) || name.contains(QDir::separator())) {
-        LogError(
-            QStringLiteral("Territory type '%1' cannot be exported under this name.").arg(name));
-        return false;
-    }
-    OutputFile file(ProjectSettings::Instance().TerritoryTypePath(name));
-    if (!file.Open()) {
-        return false;
-    }
     QByteArray document;
     QXmlStreamWriter xml(&document);
     xml.setAutoFormatting(true);
@@ -170,5 +160,17 @@ bool TerritoryType::Export() const
     }
     xml.writeEndElement();
     xml.writeEndDocument();
-    return file.Write(document) && file.Commit();
+    return document;
+}
+
+bool TerritoryType::Export() const
+{
+    const QString name = text();
+    if (name.contains(QLatin1Char('/')) || name.contains(QDir::separator())) {
+        LogError(
+            QStringLiteral("Territory type '%1' cannot be exported under this name.").arg(name));
+        return false;
+    }
+    OutputFile file(ProjectSettings::Instance().TerritoryTypePath(name));
+    return file.Open() && file.Write(ToGameFile()) && file.Commit();
 }

@@ -51,6 +51,8 @@ public:
     void setData(const QVariant& value, int role = Qt::UserRole + 1) override;
 
     void Write(QXmlStreamWriter& xml) const;
+    /// The type's file for the game, with all territories, shown or not.
+    QByteArray ToGameFile() const;
     /// Writes the type's file for the game into the project's "territoryTypes" folder, shown or
     /// not. False when that fails; a name that would lead out of the folder is refused with an
     /// error.

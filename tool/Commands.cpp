@@ -91,23 +91,15 @@ QString CommandHelp(const Command& command)
            OptionTable(WithCommonOptions(command.options));
 }
 
-ToolExit BadUsage(const QString& error, const QString& help)
-{
-    Console::PrintError(ToolName(), error);
-    Console::PrintError(ToolName(), QStringLiteral("try '%1 --help'.").arg(help));
-    return ToolExit::BadArguments;
-}
-
 ToolExit RunCommand(const Command& command, const QStringList& arguments)
 {
-    const QString help = ToolName() + QLatin1Char(' ') + command.name;
     QCommandLineParser parser;
     const QVector<QCommandLineOption> options = WithCommonOptions(command.options);
     for (const QCommandLineOption& option : options) {
         parser.addOption(option);
     }
     if (!parser.parse(arguments)) {
-        return BadUsage(parser.errorText(), help);
+        return UsageError(command.name, parser.errorText());
     }
     if (parser.isSet(QStringLiteral("help"))) {
         Console::PrintData(CommandHelp(command).toUtf8());
@@ -115,7 +107,8 @@ ToolExit RunCommand(const Command& command, const QStringList& arguments)
     }
     const QStringList files = parser.positionalArguments();
     if (files.size() != command.fileCount) {
-        return BadUsage(QStringLiteral("%1 is needed, and nothing else.").arg(command.files), help);
+        return UsageError(command.name,
+                          QStringLiteral("%1 is needed, and nothing else.").arg(command.files));
     }
     Console::SetQuiet(parser.isSet(QStringLiteral("quiet")));
     return command.run(files, parser);
@@ -124,7 +117,7 @@ ToolExit RunCommand(const Command& command, const QStringList& arguments)
 ToolExit Run(const QStringList& arguments)
 {
     if (arguments.size() < 2) {
-        return BadUsage(QStringLiteral("a command is needed."), ToolName());
+        return UsageError({}, QStringLiteral("a command is needed."));
     }
     const QString& first = arguments.at(1);
     if (first == QLatin1String("--help") || first == QLatin1String("-h")) {
@@ -140,13 +133,21 @@ ToolExit Run(const QStringList& arguments)
         std::find_if(commands.begin(), commands.end(),
                      [&first](const Command& candidate) { return candidate.name == first; });
     if (command == commands.end()) {
-        return BadUsage(QStringLiteral("there is no command %1.").arg(Console::Quoted(first)),
-                        ToolName());
+        return UsageError({},
+                          QStringLiteral("there is no command %1.").arg(Console::Quoted(first)));
     }
     return RunCommand(*command, arguments.mid(1));
 }
 
 } // namespace
+
+ToolExit UsageError(const QString& command, const QString& error)
+{
+    const QString help = command.isEmpty() ? QString() : QLatin1Char(' ') + command;
+    Console::PrintError(ToolName(), error);
+    Console::PrintError(ToolName(), QStringLiteral("try '%1%2 --help'.").arg(ToolName(), help));
+    return ToolExit::BadArguments;
+}
 
 const QVector<Command>& Commands()
 {

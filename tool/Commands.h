@@ -24,6 +24,10 @@ struct Command
     std::function<ToolExit(const QStringList& files, const QCommandLineParser& options)> run;
 };
 
+/// For a command's arguments, when the files or what the options mean together is wrong; the result
+/// is to be returned.
+ToolExit UsageError(const QString& command, const QString& error);
+
 /// In the order of the help.
 const QVector<Command>& Commands();
 

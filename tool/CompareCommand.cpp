@@ -118,23 +118,25 @@ ToolExit CompareProjects(const QStringList& files, const Options& options)
 
 ToolExit Compare(const QStringList& files, const QCommandLineParser& parser)
 {
+    const Options options{parser.value(QStringLiteral("output")),
+                          parser.isSet(QStringLiteral("json"))};
+    if (parser.isSet(QStringLiteral("output")) && options.picture.isEmpty()) {
+        return UsageError(QStringLiteral("compare"), QStringLiteral("the picture has no name."));
+    }
     FileKind a = FileKind::Bitmap;
     FileKind b = FileKind::Bitmap;
     const bool isGood = FindKind(files.at(0), a);
     if (!FindKind(files.at(1), b) || !isGood) {
         return ToolExit::Unreadable;
     }
-    const Options options{parser.value(QStringLiteral("output")),
-                          parser.isSet(QStringLiteral("json"))};
     if (a == FileKind::Map && b == FileKind::Map) {
         return CompareMaps(files, options);
     }
     if (a == FileKind::Project && b == FileKind::Project) {
         return CompareProjects(files, options);
     }
-    Console::PrintError(QStringLiteral("quillmap-tool"),
-                        QStringLiteral("two maps or two projects are needed."));
-    return ToolExit::BadArguments;
+    return UsageError(QStringLiteral("compare"),
+                      QStringLiteral("two maps or two projects are needed."));
 }
 
 } // namespace

@@ -1,12 +1,11 @@
 #include "tool/ExportCommand.h"
 
-#include "app/ProjectReader.h"
-#include "app/ProjectSettings.h"
 #include "territories/TerritoryType.h"
 #include "territories/TerritoryTypeList.h"
 #include "tool/Commands.h"
 #include "tool/FieldBands.h"
 #include "tool/InputFiles.h"
+#include "tool/NewFile.h"
 #include "tool/OutputSet.h"
 #include "tool/Progress.h"
 #include "tool/ProjectData.h"
@@ -21,61 +20,77 @@ using raster::BitFieldRaster;
 
 namespace {
 
-/// A map file whose sections are written side by side.
+/// A map file whose sections are written side by side. False after a printed error.
 class MapWriter
 {
 public:
-    explicit MapWriter(const QString& path)
+    /// target: where the file will be, for messages.
+    MapWriter(const QString& path, const QString& target)
         : m_file(path)
+        , m_target(target)
     {
     }
 
     bool Write(FieldBands& fields);
-    /// Empty when the error was printed already.
-    QString Error() const { return m_error; }
 
 private:
-    bool WriteAt(qint64 offset, const void* bytes, qint64 count)
-    {
-        const bool isWritten =
-            m_file.seek(offset) && m_file.write(static_cast<const char*>(bytes), count) == count;
-        if (!isWritten) {
-            m_error = m_file.errorString();
-        }
-        return isWritten;
-    }
-    bool WriteInt(qint64 offset, qint32 value)
-    {
-        const qint32 bytes = qToLittleEndian(value);
-        return WriteAt(offset, &bytes, sizeof bytes);
-    }
-    bool WriteBand(qint64 offset, int band, BitFieldRaster& fields)
-    {
-        const qint64 count = fields.WordCount();
-        if (count == 0) {
-            return true;
-        }
-        qToLittleEndian<quint32>(fields.Words(), count, fields.Words());
-        const qint64 before = fields.WordsPerRow() * band * raster::TargaBands::BandRows;
-        return WriteAt(offset + 4 + 4 * before, fields.Words(), 4 * count);
-    }
+    bool Open();
+    bool WriteAt(qint64 offset, const void* bytes, qint64 count);
+    bool WriteInt(qint64 offset, qint32 value);
+    bool WriteBand(qint64 offset, int band, BitFieldRaster& fields);
 
-    QFile m_file;
-    QString m_error;
+    NewFile m_file;
+    QString m_target;
 };
+
+void PrintWriteError(const QString& target, const NewFile& file)
+{
+    Console::PrintError(target, QStringLiteral("cannot be written: %1.").arg(file.Error()));
+}
+
+bool MapWriter::Open()
+{
+    const bool isOpen = m_file.Open();
+    if (!isOpen) {
+        PrintWriteError(m_target, m_file);
+    }
+    return isOpen;
+}
+
+bool MapWriter::WriteAt(qint64 offset, const void* bytes, qint64 count)
+{
+    const bool isWritten = m_file.WriteAt(offset, bytes, count);
+    if (!isWritten) {
+        PrintWriteError(m_target, m_file);
+    }
+    return isWritten;
+}
+
+bool MapWriter::WriteInt(qint64 offset, qint32 value)
+{
+    const qint32 bytes = qToLittleEndian(value);
+    return WriteAt(offset, &bytes, sizeof bytes);
+}
+
+bool MapWriter::WriteBand(qint64 offset, int band, BitFieldRaster& fields)
+{
+    const qint64 count = fields.WordCount();
+    if (count == 0) {
+        return true;
+    }
+    qToLittleEndian<quint32>(fields.Words(), count, fields.Words());
+    const qint64 before = fields.WordsPerRow() * band * raster::TargaBands::BandRows;
+    return WriteAt(offset + 4 + 4 * before, fields.Words(), 4 * count);
+}
 
 bool MapWriter::Write(FieldBands& fields)
 {
-    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
-        m_error = m_file.errorString();
-        return false;
-    }
     constexpr qint64 usageOffset = 16;
     const qint64 words =
         fields.UsageBits() == 0 ? 0 : fields.Size().width() / (32 / fields.UsageBits());
     const qint64 valueOffset = usageOffset + 4 + 4 * words * fields.Size().height();
     const bool hasHeader =
-        WriteInt(0, fields.Size().width()) && WriteInt(4, fields.Size().height()) &&
+        Open() && WriteInt(0, fields.Size().width()) && WriteInt(4, fields.Size().height()) &&
         WriteInt(8, fields.WorldSize().width()) && WriteInt(12, fields.WorldSize().height()) &&
         WriteInt(usageOffset, fields.UsageBits()) && WriteInt(valueOffset, fields.ValueBits());
     if (!hasHeader) {
@@ -90,7 +105,12 @@ bool MapWriter::Write(FieldBands& fields)
         }
         progress.Step();
     }
-    return m_file.flush();
+    return true;
+}
+
+QString MapFile(const ProjectData& project)
+{
+    return project.name + QStringLiteral(".map");
 }
 
 QString TypeFile(const QString& typeName)
@@ -98,27 +118,25 @@ QString TypeFile(const QString& typeName)
     return QStringLiteral("territoryTypes/") + typeName + QStringLiteral(".xml");
 }
 
-void ReadTypes(const QString& path, TerritoryTypeList& types)
-{
-    QFile file(path);
-    if (file.open(QIODevice::ReadOnly)) {
-        ProjectReader reader(file);
-        reader.Read({[](QXmlStreamReader&) {}, [](QXmlStreamReader&) { return true; },
-                     [&types](QXmlStreamReader& xml) { return types.Read(xml, nullptr); }});
-    }
-}
-
-/// Two types of one name would be written over one another.
+/// False, after a printed error, for names that lead elsewhere, and for two types of one name,
+/// which would be written over one another.
 bool CheckTypeNames(const ProjectData& project)
 {
     QSet<QString> names;
     for (const TerritoryTypeData& type : project.types) {
+        const QString name = Console::Quoted(type.name);
+        if (type.name.contains(QLatin1Char('/'))) {
+            Console::PrintError(
+                project.path,
+                QStringLiteral("territory type %1 cannot be exported under this name.").arg(name));
+            return false;
+        }
         if (names.contains(type.name)) {
             Console::PrintError(
                 project.path,
                 QStringLiteral("two territory types are named %1 and would be written "
                                "into one file.")
-                    .arg(Console::Quoted(type.name)));
+                    .arg(name));
             return false;
         }
         names.insert(type.name);
@@ -127,68 +145,73 @@ bool CheckTypeNames(const ProjectData& project)
 }
 
 /// True after a printed error.
-bool OverwritesInput(const ProjectData& project, const OutputSet& output)
+bool OverwritesInput(const QStringList& names, const ProjectData& project, const OutputSet& output)
 {
-    QStringList names = {project.name + QStringLiteral(".map")};
-    for (const TerritoryTypeData& type : project.types) {
-        names.append(TypeFile(type.name));
-    }
-    return std::any_of(names.begin(), names.end(), [&](const QString& name) {
-        return IsInput(output.Target(name), project.Files());
-    });
+    const QStringList inputs = project.Files();
+    return std::any_of(names.begin(), names.end(),
+                       [&](const QString& name) { return IsInput(output.Target(name), inputs); });
 }
 
-bool WriteTypes(const ProjectData& project, const OutputSet& output, QStringList& written)
+bool WriteType(const TerritoryType& type, const QString& path, const QString& target)
 {
-    TerritoryTypeList types;
-    ReadTypes(project.path, types);
-    // The files of types go below the open project.
-    ProjectSettings::Instance().projectDir.setPath(output.Workplace());
-    const QVector<TerritoryType*> all = types.Types();
-    for (const TerritoryType* type : all) {
-        const QString name = TypeFile(type->text());
-        const Console::CurrentFile current(project.path);
-        if (!type->Export()) {
-            Console::PrintError(output.Target(name), QStringLiteral("cannot be written."));
+    const QByteArray bytes = type.ToGameFile();
+    NewFile file(path);
+    const bool isWritten = file.Open() && file.WriteAt(0, bytes.constData(), bytes.size());
+    if (!isWritten) {
+        PrintWriteError(target, file);
+    }
+    return isWritten;
+}
+
+/// Writes the map and the types; their names are in this order. False after a printed error.
+bool WriteFiles(FieldBands& fields, const TerritoryTypeList& types, const QStringList& names,
+                OutputSet& output)
+{
+    QStringList paths;
+    for (const QString& name : names) {
+        paths.append(output.Add(name));
+        if (paths.last().isEmpty()) {
             return false;
         }
-        written.append(name);
     }
-    return true;
-}
-
-bool WriteMap(FieldBands& fields, const QString& name, const OutputSet& output)
-{
-    MapWriter writer(output.Workplace() + QLatin1Char('/') + name);
-    if (writer.Write(fields)) {
-        return true;
+    const QVector<TerritoryType*> all = types.Types();
+    for (int i = 0; i < all.size(); ++i) {
+        if (!WriteType(*all.at(i), paths.at(i + 1), output.Target(names.at(i + 1)))) {
+            return false;
+        }
     }
-    const QString error = writer.Error();
-    if (!error.isEmpty()) {
-        Console::PrintError(output.Target(name),
-                            QStringLiteral("cannot be written: %1.").arg(error));
-    }
-    return false;
+    return MapWriter(paths.first(), output.Target(names.first())).Write(fields) && output.Commit();
 }
 
 ToolExit Export(const QStringList& files, const QCommandLineParser& options)
 {
+    const QString folder = options.value(QStringLiteral("output"));
+    if (folder.isEmpty()) {
+        return UsageError(QStringLiteral("export"), QStringLiteral("the folder has no name."));
+    }
     ProjectData project;
-    ProjectFields fields;
-    if (!ReadProject(files.first(), project) ||
-        !fields.Open(project, ProjectFields::CutOffBitmaps::Refuse)) {
+    if (!ReadProject(files.first(), project) || !CheckTypeNames(project)) {
         return ToolExit::Unreadable;
     }
-    OutputSet output(options.value(QStringLiteral("output")));
-    if (OverwritesInput(project, output)) {
+    TerritoryTypeList types;
+    ProjectFields fields;
+    if (!fields.Open(project, ProjectFields::CutOffBitmaps::Refuse) ||
+        !ReadTypeList(project.path, types)) {
+        return ToolExit::Unreadable;
+    }
+    OutputSet output(folder);
+    QStringList names = {MapFile(project)};
+    const QVector<TerritoryType*> all = types.Types();
+    for (const TerritoryType* type : all) {
+        names.append(TypeFile(type->text()));
+    }
+    if (OverwritesInput(names, project, output)) {
         return ToolExit::BadArguments;
     }
-    QStringList written = {project.name + QStringLiteral(".map")};
-    if (!CheckTypeNames(project) || !output.Open() || !WriteMap(fields, written.first(), output) ||
-        !WriteTypes(project, output, written) || !output.Commit(written)) {
+    if (!WriteFiles(fields, types, names, output)) {
         return ToolExit::NotWritten;
     }
-    for (const QString& name : qAsConst(written)) {
+    for (const QString& name : qAsConst(names)) {
         Console::Print(output.Target(name));
     }
     return ToolExit::Done;

@@ -1,16 +1,12 @@
 #include "tool/MapPicture.h"
 
-#include "app/ProjectReader.h"
 #include "layers/raster/Mask.h"
 #include "territories/Territory.h"
 #include "territories/TerritoryType.h"
 #include "territories/TerritoryTypeList.h"
 #include "territories/Zone.h"
 #include "territories/ZoneIcons.h"
-#include "tool/Console.h"
-#include "tool/ProjectData.h"
 
-#include <QFile>
 #include <QFontMetrics>
 #include <QPainter>
 #include <QStyleOptionGraphicsItem>
@@ -151,16 +147,8 @@ bool MapPicture::DrawFlags(FieldBands& fields, const QVector<ShownFlag>& flags)
     return true;
 }
 
-void MapPicture::DrawZones(const QString& projectPath)
+void MapPicture::DrawZones(const TerritoryTypeList& types)
 {
-    TerritoryTypeList types;
-    QFile file(projectPath);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return;
-    }
-    ProjectReader reader(file);
-    reader.Read({[](QXmlStreamReader&) {}, [](QXmlStreamReader&) { return true; },
-                 [&types](QXmlStreamReader& xml) { return types.Read(xml, nullptr); }});
     ZoneIcons::Load();
     QPainter painter(&m_image);
     painter.scale(double(m_image.width()) / m_layerSize.width(),

@@ -10,7 +10,7 @@
 
 #include <vector>
 
-struct ProjectData;
+class TerritoryTypeList;
 
 /// A flag to be shown, and how.
 struct ShownFlag
@@ -40,7 +40,7 @@ public:
     /// False after a printed error.
     bool DrawFlags(FieldBands& fields, const QVector<ShownFlag>& flags);
     /// The zones of the visible territories, as the editor shows them.
-    void DrawZones(const QString& projectPath);
+    void DrawZones(const TerritoryTypeList& types);
     /// What the flags' colours mean, in the top left corner.
     void DrawLegend(const QVector<ShownFlag>& flags);
 

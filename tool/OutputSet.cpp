@@ -7,7 +7,12 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 namespace {
 
@@ -17,16 +22,48 @@ bool Rename(const QString& from, const QString& to)
     return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
 }
 
+/// A second name for the old file, so that the first one is there all the time; where links are not
+/// supported the file is moved.
+bool KeepOld(const QString& from, const QString& to)
+{
+    return link(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0 ||
+           Rename(from, to);
+}
+
+QString LastError()
+{
+    return QString::fromLocal8Bit(std::strerror(errno));
+}
+
+/// Without links in its folders, behind which ".." would be misread; empty without the folder.
+QString WithRealFolder(const QString& path)
+{
+    const QFileInfo info(path);
+    const QString folder = QFileInfo(info.path()).canonicalFilePath();
+    return folder.isEmpty() ? QString() : folder + QLatin1Char('/') + info.fileName();
+}
+
+/// What a link leads to, whether or not that exists; empty when its folder does not.
+QString Followed(const QString& path)
+{
+    constexpr int maxLinks = 40;
+    QString followed = WithRealFolder(path);
+    for (int i = 0; i < maxLinks && QFileInfo(followed).isSymLink(); ++i) {
+        followed = WithRealFolder(QFileInfo(followed).symLinkTarget());
+    }
+    return followed;
+}
+
 } // namespace
 
 OutputSet::OutputSet(const QString& folder)
-    : m_folder(QDir::cleanPath(folder))
+    : m_folder(folder)
 {
 }
 
 OutputSet::~OutputSet()
 {
-    m_workplace.reset();
+    m_workplaces.clear();
     for (int i = m_isDone ? 0 : m_madeFolders.size(); i > 0; --i) {
         QDir().rmdir(m_madeFolders.at(i - 1));
     }
@@ -34,7 +71,9 @@ OutputSet::~OutputSet()
 
 QString OutputSet::Target(const QString& name) const
 {
-    return QDir::cleanPath(QDir(m_folder).filePath(name));
+    const QString path = QDir(m_folder).filePath(name);
+    // Behind a link ".." leads elsewhere than to the folder that the link is in.
+    return m_folder.contains(QLatin1String("..")) ? path : QDir::cleanPath(path);
 }
 
 bool OutputSet::MakeFolder(const QString& path)
@@ -46,71 +85,95 @@ bool OutputSet::MakeFolder(const QString& path)
     if (!MakeFolder(parent)) {
         return false;
     }
-    if (!QDir().mkdir(path)) {
-        Console::PrintError(path, QStringLiteral("the folder cannot be created."));
-        return false;
-    }
-    m_madeFolders.append(path);
-    return true;
-}
-
-bool OutputSet::Open()
-{
-    if (!MakeFolder(m_folder)) {
-        return false;
-    }
-    m_workplace = std::make_unique<QTemporaryDir>(
-        QDir(m_folder).filePath(QStringLiteral(".quillmap-XXXXXX")));
-    if (!m_workplace->isValid()) {
-        Console::PrintError(m_folder, QStringLiteral("nothing can be written into the folder: %1.")
-                                          .arg(m_workplace->errorString()));
-        return false;
+    constexpr mode_t everything = 0777;
+    if (!QFileInfo(path).isDir()) {
+        if (mkdir(QFile::encodeName(path).constData(), everything) != 0) {
+            Console::PrintError(
+                path, QStringLiteral("the folder cannot be created: %1.").arg(LastError()));
+            return false;
+        }
+        m_madeFolders.append(path);
     }
     return true;
 }
 
-bool OutputSet::Place(const QString& name)
+QString OutputSet::Workplace(const QString& folder)
 {
-    const QString target = Target(name);
-    const QFileInfo info(target);
-    if (!MakeFolder(info.path())) {
-        return false;
+    std::unique_ptr<QTemporaryDir>& workplace = m_workplaces[folder];
+    if (!workplace) {
+        workplace = std::make_unique<QTemporaryDir>(folder + QStringLiteral("/.quillmap-XXXXXX"));
     }
-    Placed placed{target, {}};
-    if (info.exists() || info.isSymLink()) {
-        if (!info.isFile() && !info.isSymLink()) {
-            Console::PrintError(target, QStringLiteral("cannot be written: it is no file."));
-            return false;
-        }
-        placed.old = m_workplace->filePath(QStringLiteral("old-%1").arg(m_placed.size()));
-        if (!Rename(target, placed.old)) {
-            Console::PrintError(target, QStringLiteral("cannot be replaced."));
-            return false;
-        }
+    if (!workplace->isValid()) {
+        Console::PrintError(folder, QStringLiteral("nothing can be written into the folder: %1.")
+                                        .arg(workplace->errorString()));
+        return {};
     }
-    m_placed.append(placed);
-    if (!Rename(m_workplace->filePath(name), target)) {
-        Console::PrintError(target, QStringLiteral("cannot be written."));
-        return false;
+    return workplace->path();
+}
+
+QString OutputSet::Add(const QString& name)
+{
+    File file;
+    file.target = Target(name);
+    if (!MakeFolder(QFileInfo(file.target).path())) {
+        return {};
     }
-    return true;
+    file.place = Followed(file.target);
+    const QFileInfo info(file.place);
+    if (file.place.isEmpty()) {
+        Console::PrintError(
+            file.target,
+            QStringLiteral("cannot be written: it leads to a folder that does not exist."));
+        return {};
+    }
+    if (info.exists() && !info.isFile()) {
+        Console::PrintError(file.target, QStringLiteral("cannot be written: it is no file."));
+        return {};
+    }
+    const QString workplace = Workplace(info.path());
+    if (workplace.isEmpty()) {
+        return {};
+    }
+    file.made = QStringLiteral("%1/new-%2").arg(workplace).arg(m_files.size());
+    if (info.exists()) {
+        file.old = QStringLiteral("%1/old-%2").arg(workplace).arg(m_files.size());
+    }
+    m_files.append(file);
+    return file.made;
+}
+
+bool OutputSet::Place(File& file)
+{
+    bool isKept = true;
+    if (!file.old.isEmpty()) {
+        QFile::setPermissions(file.made, QFile::permissions(file.place));
+        isKept = KeepOld(file.place, file.old);
+    }
+    file.isPlaced = isKept && Rename(file.made, file.place);
+    if (!file.isPlaced) {
+        Console::PrintError(file.target, QStringLiteral("cannot be written: %1.").arg(LastError()));
+    }
+    return file.isPlaced;
 }
 
 void OutputSet::PutBack()
 {
-    for (const Placed& placed : qAsConst(m_placed)) {
-        if (placed.old.isEmpty()) {
-            QFile::remove(placed.target);
-        } else {
-            Rename(placed.old, placed.target);
+    // From the last on: links may lead two of them to one place.
+    for (int i = m_files.size(); i > 0; --i) {
+        const File& file = m_files.at(i - 1);
+        if (!file.old.isEmpty()) {
+            // Nothing happens where the old one was not kept yet.
+            Rename(file.old, file.place);
+        } else if (file.isPlaced) {
+            QFile::remove(file.place);
         }
     }
 }
 
-bool OutputSet::Commit(const QStringList& names)
+bool OutputSet::Commit()
 {
-    for (const QString& name : names) {
-        if (Interruption::HasCome() || !Place(name)) {
+    for (File& file : m_files) {
+        if (Interruption::HasCome() || !Place(file)) {
             PutBack();
             return false;
         }

@@ -5,10 +5,12 @@
 #include <QTemporaryDir>
 #include <QVector>
 
+#include <map>
 #include <memory>
 
-/// Several files of one folder that take their places together: they are made in a folder beside
-/// them, and until all are in place the old ones can be put back.
+/// Several files of one folder that take their places together: they are made in hidden folders
+/// beside them, and until all are in place the old ones can be put back. Links are written through,
+/// and a file keeps the permissions of the one that it replaces.
 class OutputSet
 {
 public:
@@ -17,31 +19,39 @@ public:
     ~OutputSet();
     Q_DISABLE_COPY(OutputSet)
 
-    /// Creates the folder; false after a printed error.
-    bool Open();
-    /// Where the files are to be made.
-    QString Workplace() const { return m_workplace->path(); }
-    /// Where the file will be, for messages.
+    /// Where the file will be.
     QString Target(const QString& name) const;
-    /// Puts the files, which are named as below the folder, in their places; false after a printed
-    /// error, and then all is as it was.
-    bool Commit(const QStringList& names);
+    /// Where the file, which is named as below the folder, is to be made; creates the folders for
+    /// it. Empty after a printed error.
+    QString Add(const QString& name);
+    /// Puts the files in their places; false after a printed error or an interruption, and then all
+    /// is as it was.
+    bool Commit();
 
 private:
+    struct File
+    {
+        /// For messages.
+        QString target;
+        /// The target, or what a link in its place leads to.
+        QString place;
+        QString made;
+        /// Where the old file is meanwhile; empty when there is none.
+        QString old;
+        bool isPlaced = false;
+    };
+
     bool MakeFolder(const QString& path);
-    bool Place(const QString& name);
+    /// Empty after a printed error.
+    QString Workplace(const QString& folder);
+    bool Place(File& file);
     void PutBack();
 
     QString m_folder;
-    std::unique_ptr<QTemporaryDir> m_workplace;
+    /// By the folder that they are in.
+    std::map<QString, std::unique_ptr<QTemporaryDir>> m_workplaces;
     /// In the order in which they were made.
     QStringList m_madeFolders;
-    struct Placed
-    {
-        QString target;
-        /// Where the old file is; empty when there was none.
-        QString old;
-    };
-    QVector<Placed> m_placed;
+    QVector<File> m_files;
     bool m_isDone = false;
 };

@@ -4,6 +4,7 @@
 #include "app/ProjectSettings.h"
 #include "app/Xml.h"
 #include "layers/raster/Mask.h"
+#include "territories/TerritoryTypeList.h"
 #include "tool/Console.h"
 #include "tool/InputFiles.h"
 
@@ -201,5 +202,20 @@ bool ReadProject(const QString& path, ProjectData& project)
                      return true;
                  }});
     TakeSettings(project);
+    return true;
+}
+
+bool ReadTypeList(const QString& path, TerritoryTypeList& types)
+{
+    QFile file(path);
+    const QString error = OpenInput(file);
+    if (!error.isEmpty()) {
+        Console::PrintError(path, error);
+        return false;
+    }
+    const Console::CurrentFile current(path);
+    ProjectReader reader(file);
+    reader.Read({[](QXmlStreamReader&) {}, [](QXmlStreamReader&) { return true; },
+                 [&types](QXmlStreamReader& xml) { return types.Read(xml, nullptr); }});
     return true;
 }

@@ -11,6 +11,7 @@
 #include <QVector>
 
 class QXmlStreamReader;
+class TerritoryTypeList;
 
 /// What a project document says, as plain values: reading it creates no folder, loads no bitmap and
 /// is no open project of the editor.
@@ -93,6 +94,10 @@ QString SizeText(QSize size);
 /// Opens the document and takes it for the open project as well, as far as its settings go. False
 /// after a printed error when it cannot be read, is malformed or is no project.
 bool ReadProject(const QString& path, ProjectData& project);
+
+/// Reads the territory types as the editor does; zones depend on the settings that ReadProject
+/// took. False after a printed error.
+bool ReadTypeList(const QString& path, TerritoryTypeList& types);
 
 /// Reads what the document says of territories, from the "territory-type-list" or
 /// "territory-type" element that the reader stands on; the second as its own file has it.

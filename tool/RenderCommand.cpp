@@ -1,5 +1,6 @@
 #include "tool/RenderCommand.h"
 
+#include "territories/TerritoryTypeList.h"
 #include "tool/Commands.h"
 #include "tool/FileKind.h"
 #include "tool/InputFiles.h"
@@ -35,12 +36,9 @@ struct RenderOptions
     bool doDrawZones = false;
 };
 
-ToolExit UsageError(const QString& error)
+ToolExit WrongOption(const QString& error)
 {
-    Console::PrintError(QStringLiteral("quillmap-tool"), error);
-    Console::PrintError(QStringLiteral("quillmap-tool"),
-                        QStringLiteral("try 'quillmap-tool render --help'."));
-    return ToolExit::BadArguments;
+    return UsageError(QStringLiteral("render"), error);
 }
 
 QSize PictureSize(QSize layerSize, int length)
@@ -171,10 +169,10 @@ ToolExit RenderProject(const QString& path, const RenderOptions& options)
     QVector<LayerData> layers;
     QString unknown;
     if (!FindFlags(options.flags, project.flagTypes, flags, unknown)) {
-        return UsageError(QStringLiteral("there is no flag %1.").arg(Console::Quoted(unknown)));
+        return WrongOption(QStringLiteral("there is no flag %1.").arg(Console::Quoted(unknown)));
     }
     if (!ChooseLayers(project, options, layers, unknown)) {
-        return UsageError(QStringLiteral("there is no layer %1.").arg(Console::Quoted(unknown)));
+        return WrongOption(QStringLiteral("there is no layer %1.").arg(Console::Quoted(unknown)));
     }
     const QString sizeError = project.LayerSizeError();
     if (!sizeError.isEmpty()) {
@@ -200,8 +198,12 @@ ToolExit RenderProject(const QString& path, const RenderOptions& options)
             return ToolExit::Unreadable;
         }
     }
+    TerritoryTypeList types;
     if (options.doDrawZones) {
-        picture.DrawZones(path);
+        if (!ReadTypeList(path, types)) {
+            return ToolExit::Unreadable;
+        }
+        picture.DrawZones(types);
     }
     return Finish(options, picture, flags);
 }
@@ -219,9 +221,9 @@ ToolExit RenderMap(const QString& path, const RenderOptions& options)
     QVector<ShownFlag> flags;
     QString unknown;
     if (!FindFlags(texts, {}, flags, unknown)) {
-        return UsageError(QStringLiteral("there is no flag %1, a map knows them as usage:BIT and "
-                                         "value:BIT.")
-                              .arg(Console::Quoted(unknown)));
+        return WrongOption(QStringLiteral("there is no flag %1, a map knows them as usage:BIT and "
+                                          "value:BIT.")
+                               .arg(Console::Quoted(unknown)));
     }
     MapPicture picture(fields.Size(), PictureSize(fields.Size(), options.length));
     if (picture.IsNull()) {
@@ -252,12 +254,13 @@ ToolExit Render(const QStringList& files, const QCommandLineParser& parser)
     RenderOptions options;
     options.output = parser.value(QStringLiteral("output"));
     if (options.output.isEmpty()) {
-        return UsageError(QStringLiteral("the option -o is needed."));
+        return WrongOption(QStringLiteral("the option -o is needed."));
     }
     const QString size = parser.value(QStringLiteral("size"));
     options.length = size.toInt();
-    if (!size.isEmpty() && (options.length < 1 || options.length > MaxPictureLength)) {
-        return UsageError(QStringLiteral("a size is 1 to %1.").arg(MaxPictureLength));
+    if (parser.isSet(QStringLiteral("size")) &&
+        (options.length < 1 || options.length > MaxPictureLength)) {
+        return WrongOption(QStringLiteral("a size is 1 to %1.").arg(MaxPictureLength));
     }
     options.flags = parser.values(QStringLiteral("flag"));
     options.areLayersChosen = parser.isSet(QStringLiteral("layers"));
@@ -273,7 +276,7 @@ ToolExit Render(const QStringList& files, const QCommandLineParser& parser)
         return ToolExit::Unreadable;
     }
     if (kind != FileKind::Project && (options.areLayersChosen || options.doDrawZones)) {
-        return UsageError(QStringLiteral("only projects have layers and zones."));
+        return WrongOption(QStringLiteral("only projects have layers and zones."));
     }
     switch (kind) {
     case FileKind::Project:
@@ -281,10 +284,11 @@ ToolExit Render(const QStringList& files, const QCommandLineParser& parser)
     case FileKind::Map:
         return RenderMap(path, options);
     case FileKind::Bitmap:
-        return options.flags.isEmpty() ? RenderBitmap(path, options)
-                                       : UsageError(QStringLiteral("a layer bitmap has no flags."));
+        return options.flags.isEmpty()
+                   ? RenderBitmap(path, options)
+                   : WrongOption(QStringLiteral("a layer bitmap has no flags."));
     default:
-        return UsageError(QStringLiteral("a project, map or layer bitmap is needed."));
+        return WrongOption(QStringLiteral("a project, map or layer bitmap is needed."));
     }
 }
 

@@ -246,11 +246,16 @@ void tst_ToolCompare::OtherFilesCannotBeCompared_data()
     QTest::addColumn<QStringList>("files");
     QTest::addColumn<QStringList>("log");
     QTest::addColumn<int>("exitCode");
+    const QString tryHelp = "quillmap-tool: try 'quillmap-tool compare --help'.";
+    QTest::newRow("no name") << QStringList{"a.map", "a.map", "-o", ""}
+                             << QStringList{"quillmap-tool: the picture has no name.", tryHelp}
+                             << 2;
     QTest::newRow("map and project")
         << QStringList{"sample.xml", "a.map"}
-        << QStringList{"quillmap-tool: two maps or two projects are needed."} << 2;
+        << QStringList{"quillmap-tool: two maps or two projects are needed.", tryHelp} << 2;
     QTest::newRow("bitmaps") << QStringList{"layers/Shore.tga", "layers/Shore.tga"}
-                             << QStringList{"quillmap-tool: two maps or two projects are needed."}
+                             << QStringList{"quillmap-tool: two maps or two projects are needed.",
+                                            tryHelp}
                              << 2;
     QTest::newRow("both missing") << QStringList{"x", "y"}
                                   << QStringList{"x: does not exist.", "y: does not exist."} << 3;

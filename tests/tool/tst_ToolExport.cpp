@@ -8,7 +8,7 @@
 #include <QDir>
 #include <QTest>
 
-#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -51,9 +51,9 @@ private slots:
     void NothingIsWrittenWhenTheInputIsBroken();
     void NothingIsLeftWhenTheOutputFails_data();
     void NothingIsLeftWhenTheOutputFails();
+    void FullDisksAreReported_data();
     void FullDisksAreReported();
-    void ProgressShowsOnTerminals_data();
-    void ProgressShowsOnTerminals();
+    void LinksAreFollowed();
     void UnwrittenOutputEndsWithFour();
     void HelpAndUsage_data();
     void HelpAndUsage();
@@ -164,13 +164,12 @@ void tst_ToolExport::NothingIsWrittenWhenTheInputIsBroken_data()
         << QByteArray("\"Wolf\"") << QByteArray("\"Deer\"")
         << QStringList{"sample.xml: two territory types are named 'Deer' and would be written into "
                        "one file."}
-        << 4;
+        << 3;
     QTest::newRow("type that leads out")
         << QByteArray("\"Wolf\"") << QByteArray("\"../../Wolf\"")
-        << QStringList{"sample.xml: Territory type '../../Wolf' cannot be exported under this "
-                       "name.",
-                       "Wolf.xml: cannot be written."}
-        << 4;
+        << QStringList{"sample.xml: territory type '../../Wolf' cannot be exported under this "
+                       "name."}
+        << 3;
 }
 
 void tst_ToolExport::NothingIsWrittenWhenTheInputIsBroken()
@@ -197,13 +196,10 @@ void tst_ToolExport::NothingIsLeftWhenTheOutputFails_data()
     QTest::addColumn<QString>("folder");
     QTest::addColumn<QString>("obstacle");
     QTest::addColumn<QString>("error");
-    QTest::newRow("file for the folder") << "sample.xml/out"
-                                         << ""
-                                         << "sample.xml: the folder cannot be created.";
-    QTest::newRow("folder that takes no files")
-        << "/proc/self"
+    QTest::newRow("file for the folder")
+        << "sample.xml/out"
         << ""
-        << "/proc/self: nothing can be written into the folder: No such file or directory.";
+        << "sample.xml: the folder cannot be created: File exists.";
     QTest::newRow("folder for the map") << "out"
                                         << "out/sample.map/x"
                                         << "out/sample.map: cannot be written: it is no file.";
@@ -211,9 +207,15 @@ void tst_ToolExport::NothingIsLeftWhenTheOutputFails_data()
         << "out"
         << "out/territoryTypes/Wolf.xml/x"
         << "out/territoryTypes/Wolf.xml: cannot be written: it is no file.";
-    QTest::newRow("file for the types") << "out"
-                                        << "out/territoryTypes"
-                                        << "out/territoryTypes: the folder cannot be created.";
+    QTest::newRow("link to nowhere")
+        << "nowhere"
+        << ""
+        << "nowhere/sample.map: cannot be written: it leads to a folder that "
+           "does not exist.";
+    QTest::newRow("file for the types")
+        << "out"
+        << "out/territoryTypes"
+        << "out/territoryTypes: the folder cannot be created: File exists.";
 }
 
 void tst_ToolExport::NothingIsLeftWhenTheOutputFails()
@@ -229,6 +231,8 @@ void tst_ToolExport::NothingIsLeftWhenTheOutputFails()
     if (!obstacle.startsWith("out/sample.map")) {
         WriteBytes(project.Path("out/sample.map"), "old map");
     }
+    QVERIFY(QDir().mkdir(project.Path("nowhere")));
+    QCOMPARE(symlink("none/x.map", qPrintable(project.Path("nowhere/sample.map"))), 0);
     const QMap<QString, QByteArray> files = FilesBelow(project.Path("."));
 
     const ProgramRun run = project.Run({"export", "-o", folder, "sample.xml"});
@@ -239,39 +243,61 @@ void tst_ToolExport::NothingIsLeftWhenTheOutputFails()
     QCOMPARE(FilesBelow(project.Path(".")), files);
 }
 
+void tst_ToolExport::FullDisksAreReported_data()
+{
+    QTest::addColumn<QString>("limit");
+    QTest::addColumn<QString>("file");
+    QTest::newRow("full") << "ulimit -f 0"
+                          << "territoryTypes/Deer.xml";
+    QTest::newRow("full in the midst") << "ulimit -f 1"
+                                       << "sample.map";
+}
+
 void tst_ToolExport::FullDisksAreReported()
 {
-    const SampleProject project;
+    QFETCH(QString, limit);
+    QFETCH(QString, file);
+    SampleProject project;
+    // A map of more bytes than the larger limit.
+    const QStringList rows = QVector<QString>(64, QString(64, '#')).toList();
+    project.Replace("<layer size=\"8\"/>", "<layer size=\"64\"/>");
+    project.Paint("Shore", rows);
+    project.Paint("Village", rows);
     const QMap<QString, QByteArray> files = FilesBelow(project.Path("."));
-    const ProgramRun run =
-        project.RunLimited("ulimit -f 0", {"export", "-o", "new/out", "sample.xml"});
-    QCOMPARE(run.log, QStringList{"new/out/sample.map: cannot be written: File too large."});
+    const ProgramRun run = project.RunLimited(limit, {"export", "-o", "new/out", "sample.xml"});
+    QCOMPARE(run.log, QStringList{"new/out/" + file + ": cannot be written: File too large."});
     QCOMPARE(run.exitCode, 4);
     QCOMPARE(FilesBelow(project.Path(".")), files);
 }
 
-void tst_ToolExport::ProgressShowsOnTerminals_data()
+/// ".." leads to the folder above what the link leads to, as everywhere else.
+void tst_ToolExport::LinksAreFollowed()
 {
-    QTest::addColumn<QString>("options");
-    QTest::addColumn<QString>("output");
-    QTest::newRow("shown and wiped out")
-        << ""
-        << "\rComposing [##############################] 100 %\r\033[K";
-    QTest::newRow("quiet") << "--quiet"
-                           << "";
-}
-
-void tst_ToolExport::ProgressShowsOnTerminals()
-{
-    QFETCH(QString, options);
-    QFETCH(QString, output);
     const SampleProject project;
-    // script runs a command in a terminal of its own.
-    const QString inTerminal =
-        "exec script -qec \"$0 export " + options + " -o out sample.xml >/dev/null\" /dev/null";
-    const ProgramRun run = project.RunLimited(inTerminal, {});
-    QCOMPARE(run.output, output);
+    QVERIFY(QDir().mkpath(project.Path("far/away")));
+    WriteBytes(project.Path("far/old.map"), "old");
+    QVERIFY(
+        QFile::setPermissions(project.Path("far/old.map"), QFile::ReadOwner | QFile::WriteOwner));
+    QCOMPARE(symlink("far/away", qPrintable(project.Path("link"))), 0);
+    QCOMPARE(symlink("../new.xml", qPrintable(project.Path("far/away/Deer.xml"))), 0);
+    QVERIFY(QDir().mkpath(project.Path("far/out")));
+    QCOMPARE(symlink("../old.map", qPrintable(project.Path("far/out/sample.map"))), 0);
+    QCOMPARE(symlink("../away", qPrintable(project.Path("far/out/territoryTypes"))), 0);
+
+    const ProgramRun run = project.Run({"export", "sample.xml", "-o", "link/../out"});
+
+    QCOMPARE(run.log, QStringList());
+    QCOMPARE(run.output, QString("link/../out/sample.map\nlink/../out/territoryTypes/Deer.xml\n"
+                                 "link/../out/territoryTypes/Wolf.xml\n"));
     QCOMPARE(run.exitCode, 0);
+    QCOMPARE(ReadBytes(project.Path("far/old.map")), SampleMap(project));
+    QCOMPARE(QFile::permissions(project.Path("far/old.map")) & ~QFile::Permissions(0xF00),
+             QFile::ReadOwner | QFile::WriteOwner);
+    QCOMPARE(ReadBytes(project.Path("far/new.xml")), QByteArray(SampleTypeFile));
+    QVERIFY(QFileInfo(project.Path("far/out/sample.map")).isSymLink());
+    QCOMPARE(FilesBelow(project.Path("far")).keys(),
+             (QStringList{"away/", "away/Deer.xml", "away/Wolf.xml", "new.xml", "old.map", "out/",
+                          "out/sample.map", "out/territoryTypes/"}));
 }
 
 void tst_ToolExport::UnwrittenOutputEndsWithFour()
@@ -322,6 +348,9 @@ void tst_ToolExport::HelpAndUsage_data()
     QTest::newRow("option of the toolkit")
         << QStringList{"export", "-platform", "xcb", "a"} << ""
         << QStringList{"quillmap-tool: Unknown options: p, l, a, t, f.", tryHelp} << 2;
+    QTest::newRow("folder without a name")
+        << QStringList{"export", "a", "-o", ""} << ""
+        << QStringList{"quillmap-tool: the folder has no name.", tryHelp} << 2;
     QTest::newRow("no folder") << QStringList{"export", "a", "-o"} << ""
                                << QStringList{"quillmap-tool: Missing value after '-o'.", tryHelp}
                                << 2;

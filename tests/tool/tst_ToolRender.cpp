@@ -6,6 +6,8 @@
 #include <QImage>
 #include <QTest>
 
+#include <sys/stat.h>
+
 namespace {
 
 constexpr QRgb White = 0xFFFFFFFF;
@@ -59,6 +61,7 @@ private slots:
     void UnreadableFilesEndWithThree();
     void UnreadableLayersEndWithThree();
     void UnreadableBackgroundsEndWithThree();
+    void UnwrittenPicturesEndWithFour_data();
     void UnwrittenPicturesEndWithFour();
 };
 
@@ -213,6 +216,7 @@ void tst_ToolRender::WrongOptionsEndWithTwo_data()
     };
     row("no picture", {"sample.xml"}, "the option -o is needed.");
     row("size", {"sample.xml", "-o", "p", "--size", "0"}, "a size is 1 to 16384.");
+    row("empty size", {"sample.xml", "-o", "p", "--size", ""}, "a size is 1 to 16384.");
     row("large size", {"sample.xml", "-o", "p", "--size", "16385"}, "a size is 1 to 16384.");
     row("size in letters", {"sample.xml", "-o", "p", "--size", "big"}, "a size is 1 to 16384.");
     row("flag", {"sample.xml", "-o", "p", "--flag", "usage:32"}, "there is no flag 'usage:32'.");
@@ -297,12 +301,35 @@ void tst_ToolRender::UnreadableBackgroundsEndWithThree()
     QVERIFY(!QFile::exists(project.Path("p.png")));
 }
 
+void tst_ToolRender::UnwrittenPicturesEndWithFour_data()
+{
+    QTest::addColumn<QString>("limit");
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QString>("reason");
+    const auto row = [](const char* name, const char* limit, const char* target,
+                        const char* reason) {
+        QTest::newRow(name) << QString(limit) << QString(target) << QString(reason);
+    };
+    row("no folder", ":", "none/p.png", "No such file or directory.");
+    row("full", "ulimit -f 0", "layers/p.png", "File too large.");
+    row("full in the midst", "ulimit -f 1", "layers/p.png", "File too large.");
+    row("folder", ":", "layers", "Is a directory.");
+    row("pipe that nobody reads", ":", "pipe", "No such device or address.");
+}
+
 void tst_ToolRender::UnwrittenPicturesEndWithFour()
 {
+    QFETCH(QString, limit);
+    QFETCH(QString, target);
+    QFETCH(QString, reason);
     const SampleProject project;
-    const ProgramRun run = project.Run({"render", "sample.xml", "-o", "none/p.png"});
-    QCOMPARE(run.log, QStringList{"none/p.png: cannot be written: No such file or directory."});
+    QCOMPARE(mkfifo(qPrintable(project.Path("pipe")), 0600), 0);
+    const QMap<QString, QByteArray> files = FilesBelow(project.Path("layers"));
+    const ProgramRun run = project.RunLimited(
+        limit, {"render", "sample.xml", "-o", target, "--size", "800", "--zones"});
+    QCOMPARE(run.log, QStringList{target + ": cannot be written: " + reason});
     QCOMPARE(run.exitCode, 4);
+    QCOMPARE(FilesBelow(project.Path("layers")), files);
 }
 
 QTEST_APPLESS_MAIN(tst_ToolRender)
