@@ -81,9 +81,6 @@ QString ReservedName(const QString& name)
     if (device.match(name).hasMatch()) {
         return QStringLiteral("some file systems keep the name for a device.");
     }
-    if (name != name.trimmed()) {
-        return QStringLiteral("the name begins or ends with a space.");
-    }
     return {};
 }
 
@@ -152,6 +149,8 @@ void CheckNames(const ProjectData& project, Findings& findings)
     for (const NameGroup& group : qAsConst(groups)) {
         CheckDuplicates(group, findings);
     }
+    // The map is named after it.
+    CheckFileName(QStringLiteral("project"), project.name, findings);
     for (const QString& name : layers) {
         CheckFileName(QStringLiteral("layer"), name, findings);
     }

@@ -2,10 +2,11 @@
 
 #include "layers/raster/BitFieldRaster.h"
 #include "layers/raster/Mask.h"
+#include "tool/FieldBands.h"
+#include "tool/PictureFile.h"
 #include "tool/ProjectData.h"
 
-#include <QFileInfo>
-#include <QImageReader>
+#include <QFile>
 
 namespace {
 
@@ -43,7 +44,7 @@ void CheckFlagTypeCount(const QString& kind, int count, Findings& findings)
 /// Columns that the fields of a map section have no place for.
 void CheckMapColumns(const QString& kind, int flagCount, int width, Findings& findings)
 {
-    const auto bits = static_cast<int>(raster::NextPowerOfTwo(static_cast<quint32>(flagCount)));
+    const int bits = MapBits(flagCount);
     if (!raster::IsFieldSize(bits) || width <= 0) {
         return;
     }
@@ -77,13 +78,12 @@ void CheckBackground(const ProjectData& project, Findings& findings)
     if (project.backgroundFile.isEmpty()) {
         return;
     }
-    const QString path = project.BackgroundPath();
     const QString place = QStringLiteral("background '%1'").arg(project.backgroundFile);
-    const bool isThere = QFileInfo(path).isFile();
-    if (!isThere || !QImageReader(path).canRead()) {
+    QFile file(project.BackgroundPath());
+    const QString error = OpenPicture(file);
+    if (!error.isEmpty()) {
         findings.append({QStringLiteral("missing-background"), Severity::Warning, place,
-                         isThere ? QStringLiteral("the file is no picture that can be read.")
-                                 : QStringLiteral("there is no such file."),
+                         QStringLiteral("it ") + error,
                          QStringLiteral("Load a background image in the editor.")});
     }
 }

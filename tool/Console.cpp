@@ -14,6 +14,7 @@ struct State
 {
     bool isQuiet = false;
     bool isWhole = true;
+    bool hasBar = false;
     QString file = QStringLiteral("quillmap-tool");
 };
 
@@ -23,6 +24,14 @@ State& TheState()
     return state;
 }
 
+/// Characters that make what follows be shown from right to left, or back.
+bool TurnsDirection(QChar character)
+{
+    const ushort code = character.unicode();
+    return code == 0x061C || code == 0x200E || code == 0x200F ||
+           (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+}
+
 /// One line, whatever names from files put into it: a line break could forge another message, and
 /// escape sequences could change what is shown.
 QString WithoutControlCharacters(QString text)
@@ -30,7 +39,7 @@ QString WithoutControlCharacters(QString text)
     for (QChar& character : text) {
         const QChar::Category category = character.category();
         if (category == QChar::Other_Control || category == QChar::Separator_Line ||
-            category == QChar::Separator_Paragraph) {
+            category == QChar::Separator_Paragraph || TurnsDirection(character)) {
             character = QLatin1Char(' ');
         }
     }
@@ -39,6 +48,7 @@ QString WithoutControlCharacters(QString text)
 
 void Write(const QByteArray& text)
 {
+    RemoveBar();
     const auto count = static_cast<std::size_t>(text.size());
     TheState().isWhole =
         std::fwrite(text.constData(), 1, count, stdout) == count && TheState().isWhole;
@@ -73,6 +83,22 @@ bool IsQuiet()
     return TheState().isQuiet;
 }
 
+void ShowBar(const QString& text)
+{
+    TheState().hasBar = true;
+    std::fputs((QLatin1Char('\r') + text).toUtf8().constData(), stderr);
+    std::fflush(stderr);
+}
+
+void RemoveBar()
+{
+    if (TheState().hasBar) {
+        TheState().hasBar = false;
+        std::fputs("\r\033[K", stderr);
+        std::fflush(stderr);
+    }
+}
+
 void Print(const QString& line)
 {
     if (!IsQuiet()) {
@@ -92,8 +118,8 @@ void PrintError(const QString& file, const QString& what)
         return;
     }
     const QString line = WithoutControlCharacters(file + QStringLiteral(": ") + what);
-    const QByteArray text = line.toUtf8() + '\n';
-    std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stderr);
+    RemoveBar();
+    std::fputs((line.toUtf8() + '\n').constData(), stderr);
 }
 
 bool Flush()

@@ -21,6 +21,10 @@ namespace Console {
 void SetQuiet(bool isQuiet);
 bool IsQuiet();
 
+/// A line on the standard error that stays until something is printed or another one is shown.
+void ShowBar(const QString& text);
+void RemoveBar();
+
 /// One line of the result; not when quiet.
 void Print(const QString& line);
 /// Text as it is, also when quiet.

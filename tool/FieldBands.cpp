@@ -15,11 +15,6 @@ namespace {
 constexpr int BandRows = raster::TargaBands::BandRows;
 constexpr qint64 MapHeaderBytes = 16;
 
-int BitCount(int flagTypeCount)
-{
-    return static_cast<int>(raster::NextPowerOfTwo(static_cast<quint32>(flagTypeCount)));
-}
-
 /// For the masks of a band.
 constexpr int MaskBytes = 1 << 22;
 
@@ -31,6 +26,11 @@ void AddWords(BitFieldRaster& fields, const BitFieldRaster& more)
 }
 
 } // namespace
+
+int MapBits(int flagTypeCount)
+{
+    return static_cast<int>(raster::NextPowerOfTwo(static_cast<quint32>(flagTypeCount)));
+}
 
 int FieldBands::BandCount() const
 {
@@ -79,8 +79,8 @@ bool ProjectFields::Open(const ProjectData& project, CutOffBitmaps cutOff)
                         .arg(AreaFlagTypes::MaxCount));
         return false;
     }
-    m_usageBits = BitCount(project.flagTypes.usages.size());
-    m_valueBits = BitCount(project.flagTypes.values.size());
+    m_usageBits = MapBits(project.flagTypes.usages.size());
+    m_valueBits = MapBits(project.flagTypes.values.size());
     return AddBitmaps(project, cutOff);
 }
 

@@ -12,6 +12,9 @@
 #include <optional>
 #include <vector>
 
+/// Of each field of a map section for so many flag types.
+int MapBits(int flagTypeCount);
+
 /// The fields of some rows of an area map, with words in the machine's order.
 struct FieldBand
 {

@@ -6,6 +6,7 @@
 #include "territories/TerritoryTypeList.h"
 #include "territories/Zone.h"
 #include "territories/ZoneIcons.h"
+#include "tool/Progress.h"
 
 #include <QFontMetrics>
 #include <QPainter>
@@ -100,7 +101,9 @@ bool MapPicture::DrawMask(const LayerBitmap& bitmap, const QColor& color)
     }
     bitmap.WarnIfCutOff();
     const QRgb premultiplied = qPremultiply(color.rgba());
+    Progress progress(QStringLiteral("Drawing"), bitmap.BandCount());
     for (int band = 0; band < bitmap.BandCount(); ++band) {
+        progress.Step();
         const std::vector<ShownRow> rows = RowsOf(band);
         if (rows.empty() || bitmap.IsClear(band)) {
             continue;
@@ -122,8 +125,9 @@ bool MapPicture::DrawMask(const LayerBitmap& bitmap, const QColor& color)
     return true;
 }
 
-bool MapPicture::DrawFlags(FieldBands& fields, const QVector<ShownFlag>& flags)
+bool MapPicture::DrawFlags(FieldBands& fields, QVector<ShownFlag>& flags)
 {
+    Progress progress(QStringLiteral("Drawing flags"), fields.BandCount());
     for (int band = 0; band < fields.BandCount(); ++band) {
         const std::optional<FieldBand> read = fields.Read(band);
         if (!read) {
@@ -136,13 +140,15 @@ bool MapPicture::DrawFlags(FieldBands& fields, const QVector<ShownFlag>& flags)
             for (std::size_t x = 0; x < m_columns.size(); ++x) {
                 const quint32 usage = read->usages.Get(m_columns[x], fieldRow);
                 const quint32 value = read->values.Get(m_columns[x], fieldRow);
-                for (const ShownFlag& flag : flags) {
+                for (ShownFlag& flag : flags) {
                     if (((flag.isUsage ? usage : value) >> flag.bit & 1U) != 0) {
+                        flag.isSeen = true;
                         to[x] = Over(qPremultiply(flag.color.rgba()), to[x]);
                     }
                 }
             }
         }
+        progress.Step();
     }
     return true;
 }
@@ -178,8 +184,12 @@ void MapPicture::DrawLegend(const QVector<ShownFlag>& flags)
     for (const ShownFlag& flag : flags) {
         width = std::max(width, metrics.horizontalAdvance(flag.name));
     }
-    painter.fillRect(QRect(0, 0, width + 2 * line, line * flags.size() + 8),
-                     QColor(255, 255, 255, 220));
+    const QRect legend(0, 0, width + 2 * line, line * flags.size() + 8);
+    if (!m_image.rect().contains(legend) ||
+        4 * qint64(legend.width()) * legend.height() > qint64(m_image.width()) * m_image.height()) {
+        return;
+    }
+    painter.fillRect(legend, QColor(255, 255, 255, 220));
     painter.setPen(Qt::black);
     for (int i = 0; i < flags.size(); ++i) {
         const int top = 4 + i * line;

@@ -19,6 +19,8 @@ struct ShownFlag
     bool isUsage = true;
     int bit = 0;
     QColor color;
+    /// Some pixel of the picture shows it.
+    bool isSeen = false;
 };
 
 /// A picture of a map at a size of its own: each of its pixels shows the layer pixel below its
@@ -37,11 +39,12 @@ public:
     void Cover(const QColor& color);
     /// The pixels that are set, as the editor shows them. False after a printed error.
     bool DrawMask(const LayerBitmap& bitmap, const QColor& color);
-    /// False after a printed error.
-    bool DrawFlags(FieldBands& fields, const QVector<ShownFlag>& flags);
+    /// False after a printed error. Marks the flags that are seen.
+    bool DrawFlags(FieldBands& fields, QVector<ShownFlag>& flags);
     /// The zones of the visible territories, as the editor shows them.
     void DrawZones(const TerritoryTypeList& types);
-    /// What the flags' colours mean, in the top left corner.
+    /// What the flags' colours mean, in the top left corner; nothing where that would cover more
+    /// than a quarter of the picture.
     void DrawLegend(const QVector<ShownFlag>& flags);
 
 private:

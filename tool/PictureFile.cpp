@@ -2,9 +2,111 @@
 
 #include "app/OutputFile.h"
 #include "tool/Console.h"
+#include "tool/InputFiles.h"
 #include "tool/Interruption.h"
+#include "tool/ProjectData.h"
 
 #include <QBuffer>
+#include <QFile>
+#include <QImageReader>
+#include <QtEndian>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+/// At four bytes a pixel these are 2 GiB.
+constexpr qint64 MaxPixels = 1 << 29;
+
+QString NoPicture()
+{
+    return QStringLiteral("is no picture that can be read.");
+}
+
+/// Goes from chunk to chunk, without unpacking any.
+bool IsCutOffPng(QFile& file)
+{
+    constexpr int signatureBytes = 8;
+    constexpr int lengthBytes = 4;
+    constexpr int checksumBytes = 4;
+    for (qint64 offset = signatureBytes; file.seek(offset);) {
+        const QByteArray head = file.read(2 * lengthBytes);
+        if (head.size() < 2 * lengthBytes) {
+            return true;
+        }
+        offset += head.size() + qFromBigEndian<quint32>(head.constData()) + checksumBytes;
+        if (head.endsWith("IEND")) {
+            return file.size() < offset;
+        }
+    }
+    return true;
+}
+
+/// The library that unpacks pictures says on the standard error, in its own form, what is wrong.
+class ErrorsTurnedOff
+{
+public:
+    ErrorsTurnedOff()
+        : m_before(dup(STDERR_FILENO))
+    {
+        const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+        if (m_before >= 0 && nowhere >= 0) {
+            dup2(nowhere, STDERR_FILENO);
+        }
+        close(nowhere);
+    }
+    ~ErrorsTurnedOff()
+    {
+        if (m_before >= 0) {
+            dup2(m_before, STDERR_FILENO);
+            close(m_before);
+        }
+    }
+    Q_DISABLE_COPY(ErrorsTurnedOff)
+
+private:
+    int m_before;
+};
+
+} // namespace
+
+QString OpenPicture(QFile& file)
+{
+    const QString error = OpenInput(file);
+    if (!error.isEmpty()) {
+        return error;
+    }
+    const ErrorsTurnedOff silence;
+    QImageReader reader(&file);
+    const QByteArray format = reader.format();
+    const QSize size = reader.size();
+    if (!reader.canRead()) {
+        return NoPicture();
+    }
+    if (qint64(size.width()) * size.height() > MaxPixels) {
+        return QStringLiteral("has %1 pixels, which are too many.").arg(SizeText(size));
+    }
+    if (format == "png" && IsCutOffPng(file)) {
+        return QStringLiteral("is a picture that is cut off.");
+    }
+    return file.seek(0) ? QString() : NoPicture();
+}
+
+QImage ReadPicture(const QString& path)
+{
+    QFile file(path);
+    QString error = OpenPicture(file);
+    QImage picture;
+    if (error.isEmpty()) {
+        const ErrorsTurnedOff silence;
+        picture = QImageReader(&file).read();
+    }
+    if (picture.isNull()) {
+        Console::PrintError(path, error.isEmpty() ? NoPicture() : error);
+    }
+    return picture;
+}
 
 bool WritePicture(const QString& path, const QImage& picture)
 {

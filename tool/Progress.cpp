@@ -2,21 +2,27 @@
 
 #include "tool/Console.h"
 
-#include <cstdio>
-
 #include <unistd.h>
+
+namespace {
+
+bool isAnyShown = false;
+
+} // namespace
 
 Progress::Progress(const QString& what, int total)
     : m_what(what)
     , m_total(total)
-    , m_isShown(!Console::IsQuiet() && total > 0 && isatty(STDERR_FILENO) == 1)
+    , m_isShown(!isAnyShown && !Console::IsQuiet() && total > 0 && isatty(STDERR_FILENO) == 1)
 {
+    isAnyShown = isAnyShown || m_isShown;
 }
 
 Progress::~Progress()
 {
-    if (m_shownPercent >= 0) {
-        std::fputs("\r\033[K", stderr);
+    if (m_isShown) {
+        isAnyShown = false;
+        Console::RemoveBar();
     }
 }
 
@@ -36,8 +42,5 @@ void Progress::Draw() const
     const int filled = width * m_shownPercent / 100;
     const QString bar =
         QString(filled, QLatin1Char('#')) + QString(width - filled, QLatin1Char(' '));
-    const QByteArray line =
-        QStringLiteral("\r%1 [%2] %3 %").arg(m_what, bar).arg(m_shownPercent, 3).toUtf8();
-    std::fputs(line.constData(), stderr);
-    std::fflush(stderr);
+    Console::ShowBar(QStringLiteral("%1 [%2] %3 %").arg(m_what, bar).arg(m_shownPercent, 3));
 }

@@ -2,8 +2,8 @@
 
 #include <QString>
 
-/// A bar on the standard error for as long as it lives, when that is a terminal and the tool is not
-/// quiet.
+/// A bar on the standard error for as long as it lives, when that is a terminal, the tool is not
+/// quiet and no other one lives.
 class Progress
 {
 public:

@@ -6,6 +6,7 @@
 
 #include <QMap>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -56,14 +57,29 @@ void CompareNamed(const QString& kind, const QVector<Item>& a, const QVector<Ite
     }
 }
 
-template <typename Items>
-QString Order(const Items& items)
+template <typename Item>
+QStringList NamesOf(const QVector<Item>& items)
 {
     QStringList names;
-    for (const auto& item : items) {
+    for (const Item& item : items) {
         names.append(item.name);
     }
-    return names.join(QStringLiteral(", "));
+    return names;
+}
+
+/// Of the same names; where they are not, it is worth no word.
+template <typename Item>
+void CompareOrder(const QString& kind, const QVector<Item>& a, const QVector<Item>& b,
+                  QVector<Report>& differences)
+{
+    QStringList sortedA = NamesOf(a);
+    QStringList sortedB = NamesOf(b);
+    sortedA.sort();
+    sortedB.sort();
+    if (sortedA == sortedB) {
+        AddDifference(QStringLiteral("order of ") + kind, NamesOf(a).join(QStringLiteral(", ")),
+                      NamesOf(b).join(QStringLiteral(", ")), differences);
+    }
 }
 
 QString Names(const QVector<QString>& names)
@@ -124,6 +140,10 @@ void CompareZones(const QString& place, const QVector<ZoneData>& a, const QVecto
     for (const ZoneData& zone : b) {
         --surplus[ZoneKey(zone)];
     }
+    const auto isSame = [](const ZoneData& zoneA, const ZoneData& zoneB) {
+        return ZoneKey(zoneA) == ZoneKey(zoneB);
+    };
+    const auto other = std::mismatch(a.begin(), a.end(), b.begin(), b.end(), isSame).first;
     int onlyA = 0;
     int onlyB = 0;
     for (const int count : qAsConst(surplus)) {
@@ -135,6 +155,11 @@ void CompareZones(const QString& place, const QVector<ZoneData>& a, const QVecto
         report.Add(QStringLiteral("place"), QStringLiteral("zones of ") + place);
         report.Add(QStringLiteral("only-a"), onlyA);
         report.Add(QStringLiteral("only-b"), onlyB);
+        differences.append(report);
+    } else if (other != a.end()) {
+        Report report;
+        report.Add(QStringLiteral("place"), QStringLiteral("order of zones of ") + place);
+        report.Add(QStringLiteral("first"), static_cast<int>(other - a.begin()) + 1);
         differences.append(report);
     }
 }
@@ -154,9 +179,12 @@ void CompareTypes(const ProjectData& a, const ProjectData& b, QVector<Report>& d
     };
     const auto compareType = [&](const QString& place, const TerritoryTypeData& typeA,
                                  const TerritoryTypeData& typeB) {
+        CompareOrder(QStringLiteral("territories of ") + place, typeA.territories,
+                     typeB.territories, differences);
         CompareNamed(place + QStringLiteral(", territory"), typeA.territories, typeB.territories,
                      differences, compareTerritory);
     };
+    CompareOrder(QStringLiteral("territory types"), a.types, b.types, differences);
     CompareNamed(QStringLiteral("territory type"), a.types, b.types, differences, compareType);
 }
 
@@ -186,7 +214,6 @@ bool CompareDocuments(const ProjectData& a, const ProjectData& b, QVector<Report
     compare("background color", ColorText(a.backgroundColor), ColorText(b.backgroundColor));
     compare("usage flag types", Names(a.flagTypes.usages), Names(b.flagTypes.usages));
     compare("value flag types", Names(a.flagTypes.values), Names(b.flagTypes.values));
-    const int before = differences.size();
     bool isGood = true;
     Progress progress(QStringLiteral("Comparing layers"), a.layers.size());
     CompareNamed(QStringLiteral("layer"), a.layers, b.layers, differences,
@@ -194,10 +221,7 @@ bool CompareDocuments(const ProjectData& a, const ProjectData& b, QVector<Report
                      isGood = isGood && CompareLayer(place, a, layerA, b, layerB, differences);
                      progress.Step();
                  });
-    // An order is worth a word only where it is the same layers.
-    if (a.layers.size() == b.layers.size() && differences.size() == before) {
-        compare("order of layers", Order(a.layers), Order(b.layers));
-    }
+    CompareOrder(QStringLiteral("layers"), a.layers, b.layers, differences);
     CompareTypes(a, b, differences);
     return isGood;
 }

@@ -6,13 +6,16 @@
 #include "tool/InputFiles.h"
 #include "tool/MapPicture.h"
 #include "tool/PictureFile.h"
+#include "tool/Progress.h"
 #include "tool/ProjectData.h"
 
 #include <QCommandLineParser>
 #include <QRegularExpression>
+#include <QSet>
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace {
 
@@ -30,7 +33,8 @@ struct RenderOptions
     /// The longer side; 0 for that of the layers.
     int length = 0;
     QStringList flags;
-    /// Without a value those that the editor shows.
+    /// Those that the editor shows, unless they are chosen: each text is one name, or several with
+    /// commas between.
     bool areLayersChosen = false;
     QStringList layers;
     bool doDrawZones = false;
@@ -51,38 +55,65 @@ QSize PictureSize(QSize layerSize, int length)
     return {scaled(layerSize.width()), scaled(layerSize.height())};
 }
 
-/// A flag by its name, or by "usage:BIT" or "value:BIT".
-bool FindFlag(const QString& text, const AreaFlagTypes& types, ShownFlag& flag)
+/// The golden angle keeps any number of hues apart, whichever number it will be.
+QColor LegendColor(int index)
 {
-    static const QRegularExpression number(
-        QStringLiteral("^(usage|value):([0-9]|[12][0-9]|3[01])$"));
+    constexpr double goldenAngle = 137.50776405;
+    const auto hue = static_cast<int>(std::fmod(index * goldenAngle, 360));
+    constexpr int saturation = 200;
+    const bool isFixed = index < static_cast<int>(LegendColors.size());
+    QColor color = isFixed ? QColor(LegendColors[static_cast<std::size_t>(index)])
+                           : QColor::fromHsv(hue, saturation, index % 2 == 0 ? 255 : 150);
+    color.setAlpha(LegendAlpha);
+    return color;
+}
+
+/// The flags that a file may have.
+struct KnownFlags
+{
+    /// Empty where it holds no names.
+    AreaFlagTypes types;
+    int usageBits = 0;
+    int valueBits = 0;
+};
+
+/// -1 for none.
+int FlagBit(const QString& text, const QString& prefix, const QVector<QString>& names)
+{
+    static const QRegularExpression number(QStringLiteral("^[0-9]{1,2}$"));
+    const int named = names.indexOf(text);
+    if (named >= 0 || !text.startsWith(prefix)) {
+        return named;
+    }
+    const QString rest = text.mid(prefix.size());
+    const int bit = names.indexOf(rest);
+    return bit < 0 && number.match(rest).hasMatch() ? rest.toInt() : bit;
+}
+
+/// A flag by its name, or by "usage:" or "value:" and its name or bit.
+bool FindFlag(const QString& text, const KnownFlags& known, ShownFlag& flag)
+{
     flag.name = text;
-    flag.bit = types.usages.indexOf(text);
-    flag.isUsage = flag.bit >= 0;
-    if (!flag.isUsage) {
-        flag.bit = types.values.indexOf(text);
+    flag.bit = FlagBit(text, QStringLiteral("usage:"), known.types.usages);
+    flag.isUsage = flag.bit >= 0 && flag.bit < known.usageBits;
+    if (flag.isUsage) {
+        return true;
     }
-    const QRegularExpressionMatch match = number.match(text);
-    if (flag.bit < 0 && match.hasMatch()) {
-        flag.isUsage = match.captured(1) == QLatin1String("usage");
-        flag.bit = match.captured(2).toInt();
-    }
-    return flag.bit >= 0 && flag.bit < AreaFlagTypes::MaxCount;
+    flag.bit = FlagBit(text, QStringLiteral("value:"), known.types.values);
+    return flag.bit >= 0 && flag.bit < known.valueBits;
 }
 
 /// False when one is not known; its text is in unknown then.
-bool FindFlags(const QStringList& texts, const AreaFlagTypes& types, QVector<ShownFlag>& flags,
+bool FindFlags(const QStringList& texts, const KnownFlags& known, QVector<ShownFlag>& flags,
                QString& unknown)
 {
     for (const QString& text : texts) {
         ShownFlag flag;
-        if (!FindFlag(text, types, flag)) {
+        if (!FindFlag(text, known, flag)) {
             unknown = text;
             return false;
         }
-        flag.color =
-            QColor(LegendColors[static_cast<std::size_t>(flags.size()) % LegendColors.size()]);
-        flag.color.setAlpha(LegendAlpha);
+        flag.color = LegendColor(flags.size());
         flags.append(flag);
     }
     return true;
@@ -110,10 +141,8 @@ ToolExit NoMemory(const RenderOptions& options)
 bool DrawBackground(const ProjectData& project, MapPicture& picture)
 {
     if (!project.backgroundFile.isEmpty()) {
-        const QImage background(project.BackgroundPath());
+        const QImage background = ReadPicture(project.BackgroundPath());
         if (background.isNull()) {
-            Console::PrintError(project.BackgroundPath(),
-                                QStringLiteral("is no picture that can be read."));
             return false;
         }
         picture.DrawPicture(background);
@@ -122,23 +151,39 @@ bool DrawBackground(const ProjectData& project, MapPicture& picture)
     return true;
 }
 
+/// The names that are meant, as some may hold commas. False when one is not in the project.
+bool ChosenNames(const ProjectData& project, const QStringList& texts, QSet<QString>& chosen,
+                 QString& unknown)
+{
+    QSet<QString> known;
+    for (const LayerData& layer : project.layers) {
+        known.insert(layer.name);
+    }
+    for (const QString& text : texts) {
+        const QStringList names = known.contains(text)
+                                      ? QStringList{text}
+                                      : text.split(QLatin1Char(','), Qt::SkipEmptyParts);
+        for (const QString& name : names) {
+            if (!known.contains(name)) {
+                unknown = name;
+                return false;
+            }
+            chosen.insert(name);
+        }
+    }
+    return true;
+}
+
 /// The layers to be shown, the lowest first. False when one is not in the project.
 bool ChooseLayers(const ProjectData& project, const RenderOptions& options,
                   QVector<LayerData>& chosen, QString& unknown)
 {
-    for (const QString& name : options.layers) {
-        const bool isKnown =
-            std::any_of(project.layers.begin(), project.layers.end(),
-                        [&name](const LayerData& layer) { return layer.name == name; });
-        if (!isKnown) {
-            unknown = name;
-            return false;
-        }
+    QSet<QString> names;
+    if (!ChosenNames(project, options.layers, names, unknown)) {
+        return false;
     }
     for (const LayerData& layer : project.layers) {
-        const bool isShown =
-            options.areLayersChosen ? options.layers.contains(layer.name) : layer.isVisible;
-        if (isShown) {
+        if (options.areLayersChosen ? names.contains(layer.name) : layer.isVisible) {
             chosen.prepend(layer);
         }
     }
@@ -148,10 +193,12 @@ bool ChooseLayers(const ProjectData& project, const RenderOptions& options,
 /// False after a printed error.
 bool DrawLayers(const ProjectData& project, const QVector<LayerData>& layers, MapPicture& picture)
 {
+    Progress progress(QStringLiteral("Drawing layers"), layers.size());
     for (const LayerData& layer : layers) {
         if (!picture.DrawMask(LayerBitmap(project, layer), layer.color)) {
             return false;
         }
+        progress.Step();
     }
     return true;
 }
@@ -168,7 +215,9 @@ ToolExit RenderProject(const QString& path, const RenderOptions& options)
     QVector<ShownFlag> flags;
     QVector<LayerData> layers;
     QString unknown;
-    if (!FindFlags(options.flags, project.flagTypes, flags, unknown)) {
+    const KnownFlags known{project.flagTypes, MapBits(project.flagTypes.usages.size()),
+                           MapBits(project.flagTypes.values.size())};
+    if (!FindFlags(options.flags, known, flags, unknown)) {
         return WrongOption(QStringLiteral("there is no flag %1.").arg(Console::Quoted(unknown)));
     }
     if (!ChooseLayers(project, options, layers, unknown)) {
@@ -208,19 +257,28 @@ ToolExit RenderProject(const QString& path, const RenderOptions& options)
     return Finish(options, picture, flags);
 }
 
+/// The usages, or where there are none the values.
+QStringList AllFlags(const FieldBands& fields)
+{
+    const bool hasUsages = fields.UsageBits() > 0;
+    const QString text = hasUsages ? QStringLiteral("usage:%1") : QStringLiteral("value:%1");
+    QStringList texts;
+    for (int bit = 0; bit < (hasUsages ? fields.UsageBits() : fields.ValueBits()); ++bit) {
+        texts.append(text.arg(bit));
+    }
+    return texts;
+}
+
 ToolExit RenderMap(const QString& path, const RenderOptions& options)
 {
     MapFields fields;
     if (!fields.Open(path)) {
         return ToolExit::Unreadable;
     }
-    QStringList texts = options.flags;
-    for (int bit = 0; options.flags.isEmpty() && bit < fields.UsageBits(); ++bit) {
-        texts.append(QStringLiteral("usage:%1").arg(bit));
-    }
     QVector<ShownFlag> flags;
     QString unknown;
-    if (!FindFlags(texts, {}, flags, unknown)) {
+    const QStringList texts = options.flags.isEmpty() ? AllFlags(fields) : options.flags;
+    if (!FindFlags(texts, {{}, fields.UsageBits(), fields.ValueBits()}, flags, unknown)) {
         return WrongOption(QStringLiteral("there is no flag %1, a map knows them as usage:BIT and "
                                           "value:BIT.")
                                .arg(Console::Quoted(unknown)));
@@ -229,8 +287,14 @@ ToolExit RenderMap(const QString& path, const RenderOptions& options)
     if (picture.IsNull()) {
         return NoMemory(options);
     }
-    return picture.DrawFlags(fields, flags) ? Finish(options, picture, flags)
-                                            : ToolExit::Unreadable;
+    if (!picture.DrawFlags(fields, flags)) {
+        return ToolExit::Unreadable;
+    }
+    if (options.flags.isEmpty()) {
+        const auto isAbsent = [](const ShownFlag& flag) { return !flag.isSeen; };
+        flags.erase(std::remove_if(flags.begin(), flags.end(), isAbsent), flags.end());
+    }
+    return Finish(options, picture, flags);
 }
 
 ToolExit RenderBitmap(const QString& path, const RenderOptions& options)
@@ -264,8 +328,7 @@ ToolExit Render(const QStringList& files, const QCommandLineParser& parser)
     }
     options.flags = parser.values(QStringLiteral("flag"));
     options.areLayersChosen = parser.isSet(QStringLiteral("layers"));
-    options.layers =
-        parser.value(QStringLiteral("layers")).split(QLatin1Char(','), Qt::SkipEmptyParts);
+    options.layers = parser.values(QStringLiteral("layers"));
     options.doDrawZones = parser.isSet(QStringLiteral("zones"));
     const QString& path = files.first();
     if (IsInput(options.output, files)) {
@@ -302,7 +365,7 @@ Command RenderCommand()
         1,
         QStringLiteral("Make a PNG picture of a project, map or layer bitmap.\n"
                        "A project looks as in the editor; with flags, their areas are shown in "
-                       "the colours\nof a legend, which is printed too. A map shows all usages "
+                       "the colours\nof a legend, which is printed too. A map shows its usages "
                        "unless flags are named."),
         {{{QStringLiteral("o"), QStringLiteral("output")},
           QStringLiteral("Write the picture to this file."),
@@ -311,10 +374,11 @@ Command RenderCommand()
           QStringLiteral("Length of the longer side; that of the layers otherwise."),
           QStringLiteral("PIXELS")},
          {QStringLiteral("flag"),
-          QStringLiteral("Show a flag, by its name, usage:BIT or value:BIT. May be repeated."),
+          QStringLiteral(
+              "Show a flag: NAME, usage:NAME or usage:BIT (or value:). May be repeated."),
           QStringLiteral("NAME")},
          {QStringLiteral("layers"),
-          QStringLiteral("Show these layers, with commas between, instead of the visible ones."),
+          QStringLiteral("Show these layers (A,B) instead of the visible ones. May be repeated."),
           QStringLiteral("NAMES")},
          {QStringLiteral("zones"), QStringLiteral("Show the zones of the visible territories.")}},
         Render};

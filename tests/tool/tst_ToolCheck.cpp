@@ -50,6 +50,8 @@ private slots:
     void ExampleHasNoFinding();
     void EachRuleIsFound_data();
     void EachRuleIsFound();
+    void NameOfTheMapIsChecked_data();
+    void NameOfTheMapIsChecked();
     void StrictCountsWarnings();
     void QuietSaysNothing();
     void FindingsAsJson();
@@ -131,9 +133,7 @@ void tst_ToolCheck::EachRuleIsFound_data()
     row("device name", Replacing("\"Wolf\"", "\"aux.1\""),
         {"warning: territory type 'aux.1': some file systems keep the name for a device. Give it a "
          "name that a file can have. [refused-name]"});
-    row("space at the end", Replacing("\"Wolf\"", "\"Wolf \""),
-        {"warning: territory type 'Wolf ': the name begins or ends with a space. Give it a name "
-         "that a file can have. [refused-name]"});
+    row("space before the ending", Replacing("\"Wolf\"", "\"Wolf \""), {});
     const QString outOfOrder =
         " The editor leaves the layer out; put a bitmap of the layer size in "
         "its place. ";
@@ -234,12 +234,26 @@ void tst_ToolCheck::EachRuleIsFound_data()
         {"warning: territory 'North' of type 'Deer': it is hidden, and exported all the same. Show "
          "it, or remove it. [invisible-territory]"});
     row("no background", [](SampleProject& project) { QFile::remove(project.Path("back.png")); },
-        {"warning: background 'back.png': there is no such file. Load a background image in the "
+        {"warning: background 'back.png': it does not exist. Load a background image in the "
          "editor. [missing-background]"});
     row("background is no picture",
         [](SampleProject& project) { WriteBytes(project.Path("back.png"), "text"); },
-        {"warning: background 'back.png': the file is no picture that can be read. Load a "
+        {"warning: background 'back.png': it is no picture that can be read. Load a "
          "background image in the editor. [missing-background]"});
+    row("folder for the background",
+        [](SampleProject& project) {
+            QFile::remove(project.Path("back.png"));
+            QDir().mkdir(project.Path("back.png"));
+        },
+        {"warning: background 'back.png': it is no file. Load a background image in the editor. "
+         "[missing-background]"});
+    row("background cut off",
+        [](SampleProject& project) {
+            const QByteArray bytes = ReadBytes(project.Path("back.png"));
+            WriteBytes(project.Path("back.png"), bytes.left(bytes.size() - 1));
+        },
+        {"warning: background 'back.png': it is a picture that is cut off. Load a background image "
+         "in the editor. [missing-background]"});
     row("no world", Replacing("world size=\"800\"", "world size=\"0\""),
         {"error: project: the world cannot be 0x0 metres large. Choose a size of at least 1. "
          "[world-size]"});
@@ -274,6 +288,29 @@ void tst_ToolCheck::EachRuleIsFound()
     QCOMPARE(Lines(run.output), expected);
     QCOMPARE(run.log, QStringList());
     QCOMPARE(run.exitCode, errors > 0 ? 1 : 0);
+}
+
+void tst_ToolCheck::NameOfTheMapIsChecked_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("finding");
+    QTest::newRow("device") << "con.v1.xml"
+                            << "warning: project 'con': some file systems keep the name for a "
+                               "device. Give it a name that a file can have. [refused-name]";
+    QTest::newRow("nothing before the dot")
+        << ".xml"
+        << "error: project '': the name is empty. Give it a name that a file can have. "
+           "[refused-name]";
+}
+
+void tst_ToolCheck::NameOfTheMapIsChecked()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, finding);
+    const SampleProject project;
+    QVERIFY(QFile::copy(project.Path("sample.xml"), project.Path(file)));
+    const ProgramRun run = project.Run({"check", file});
+    QCOMPARE(Lines(run.output).first(), file + ": " + finding);
 }
 
 void tst_ToolCheck::StrictCountsWarnings()
@@ -363,9 +400,11 @@ void tst_ToolCheck::NamesCannotForgeLines()
     // An escape is no character of XML, and a line break stays within its line.
     QCOMPARE(project.Run({"check", "sample.xml"}).exitCode, 3);
     project.Replace("&#27;", "&#155;");
+    project.Replace("name=\"Wolf\"", "name=\"|&#x202E;fl&#x2066;oW&#x200F;\"");
     const ProgramRun run = project.Run({"check", "sample.xml"});
-    QCOMPARE(Lines(run.output).size(), 2);
+    QCOMPARE(Lines(run.output).size(), 3);
     QVERIFY(run.output.contains("zone 1 of territory 'a b [2J' of type 'Deer'"));
+    QVERIFY(run.output.contains("territory type '| fl oW ':"));
 }
 
 QTEST_APPLESS_MAIN(tst_ToolCheck)

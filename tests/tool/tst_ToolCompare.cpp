@@ -42,6 +42,7 @@ private slots:
     void MapsOfOtherSizesAreNotCompared();
     void ProjectsDiffer_data();
     void ProjectsDiffer();
+    void OrderOfTerritoriesIsCompared();
     void DifferencesAsJson();
     void PictureShowsWhereFlagsDiffer();
     void UnwrittenPictureEndsWithFour();
@@ -161,6 +162,23 @@ void tst_ToolCompare::ProjectsDiffer_data()
          "territory type 'Deer', territory 'South': a absent, b present"});
     row("zone", Replacing("x=\"400\"", "x=\"401\""),
         {"zones of territory type 'Deer', territory 'North': only-a 1, only-b 1"});
+    row("type order",
+        [](SampleProject& project) {
+            project.Replace("<territory-type name=\"Wolf\"/>", "");
+            project.Replace("<territory-type name=\"Deer\">",
+                            "<territory-type name=\"Wolf\"/><territory-type name=\"Deer\">");
+        },
+        {"order of territory types: a Deer, Wolf, b Wolf, Deer"});
+    row("zone order",
+        [](SampleProject& project) {
+            project.Replace("<zone name=\"Graze\" smin=\"1\" smax=\"2\" dmin=\"3\" dmax=\"4\" "
+                            "x=\"400\" z=\"200\" r=\"100\" d=\"2\"/>",
+                            "");
+            project.Replace("</territory>",
+                            "<zone name=\"Graze\" smin=\"1\" smax=\"2\" dmin=\"3\" dmax=\"4\" "
+                            "x=\"400\" z=\"200\" r=\"100\" d=\"2\"/></territory>");
+        },
+        {"order of zones of territory type 'Deer', territory 'North': first 1"});
     row("layer size",
         [](SampleProject& project) {
             project.Replace("<layer size=\"8\"/>", "<layer size=\"1\"/>");
@@ -187,6 +205,19 @@ void tst_ToolCompare::ProjectsDiffer()
     QCOMPARE(run.output, expected);
     QCOMPARE(run.log, QStringList());
     QCOMPARE(run.exitCode, differences.isEmpty() ? 0 : 1);
+}
+
+void tst_ToolCompare::OrderOfTerritoriesIsCompared()
+{
+    SampleProject a;
+    SampleProject b;
+    a.Replace("</territory>", "</territory><territory name=\"South\" visible=\"1\"/>");
+    b.Replace("<territory name=\"North\"",
+              "<territory name=\"South\" visible=\"1\"/><territory name=\"North\"");
+    const ProgramRun run = a.Run({"compare", "sample.xml", b.Path("sample.xml")});
+    QVERIFY(run.output.endsWith("differences: 1\n  order of territories of territory type 'Deer': "
+                                "a North, South, b South, North\n"));
+    QCOMPARE(run.exitCode, 1);
 }
 
 void tst_ToolCompare::DifferencesAsJson()

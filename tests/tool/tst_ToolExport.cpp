@@ -55,8 +55,6 @@ private slots:
     void FullDisksAreReported();
     void LinksAreFollowed();
     void UnwrittenOutputEndsWithFour();
-    void HelpAndUsage_data();
-    void HelpAndUsage();
 };
 
 void tst_ToolExport::WritesMapAndTypes()
@@ -306,67 +304,6 @@ void tst_ToolExport::UnwrittenOutputEndsWithFour()
     const ProgramRun run = project.RunLimited("exec >/dev/full", {"check", "sample.xml"});
     QCOMPARE(run.log, QStringList{"standard output: cannot be written."});
     QCOMPARE(run.exitCode, 4);
-}
-
-void tst_ToolExport::HelpAndUsage_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("output");
-    QTest::addColumn<QStringList>("log");
-    QTest::addColumn<int>("exitCode");
-    const QString help =
-        "Usage: quillmap-tool export [OPTION]... PROJECT\n\n"
-        "Write the area map and the territory type files of a project.\n"
-        "NAME.map and territoryTypes/*.xml take their places together, or not at all.\n"
-        "Prints the names of the files.\n\n"
-        "Options:\n"
-        "  -o, --output DIR  Write into the folder DIR instead of the current one.\n"
-        "  -q, --quiet       Print nothing but errors, and JSON where it is asked for.\n"
-        "  -h, --help        Show this help.\n";
-    const QString tryHelp = "quillmap-tool: try 'quillmap-tool export --help'.";
-    QTest::newRow("help") << QStringList{"export", "--help"} << help << QStringList() << 0;
-    QTest::newRow("short help") << QStringList{"export", "-h", "x"} << help << QStringList() << 0;
-    QTest::newRow("version") << QStringList{"--version"} << "quillmap-tool " QUILLMAP_VERSION "\n"
-                             << QStringList() << 0;
-    QTest::newRow("no command") << QStringList() << ""
-                                << QStringList{"quillmap-tool: a command is needed.",
-                                               "quillmap-tool: try 'quillmap-tool --help'."}
-                                << 2;
-    QTest::newRow("unknown command") << QStringList{"paint"} << ""
-                                     << QStringList{"quillmap-tool: there is no command 'paint'.",
-                                                    "quillmap-tool: try 'quillmap-tool --help'."}
-                                     << 2;
-    QTest::newRow("no project")
-        << QStringList{"export"} << ""
-        << QStringList{"quillmap-tool: PROJECT is needed, and nothing else.", tryHelp} << 2;
-    QTest::newRow("two projects")
-        << QStringList{"export", "a", "b"} << ""
-        << QStringList{"quillmap-tool: PROJECT is needed, and nothing else.", tryHelp} << 2;
-    QTest::newRow("unknown option")
-        << QStringList{"export", "--json", "a"} << ""
-        << QStringList{"quillmap-tool: Unknown option 'json'.", tryHelp} << 2;
-    QTest::newRow("option of the toolkit")
-        << QStringList{"export", "-platform", "xcb", "a"} << ""
-        << QStringList{"quillmap-tool: Unknown options: p, l, a, t, f.", tryHelp} << 2;
-    QTest::newRow("folder without a name")
-        << QStringList{"export", "a", "-o", ""} << ""
-        << QStringList{"quillmap-tool: the folder has no name.", tryHelp} << 2;
-    QTest::newRow("no folder") << QStringList{"export", "a", "-o"} << ""
-                               << QStringList{"quillmap-tool: Missing value after '-o'.", tryHelp}
-                               << 2;
-}
-
-void tst_ToolExport::HelpAndUsage()
-{
-    QFETCH(QStringList, arguments);
-    QFETCH(QString, output);
-    QFETCH(QStringList, log);
-    QFETCH(int, exitCode);
-    const SampleProject project;
-    const ProgramRun run = project.Run(arguments);
-    QCOMPARE(run.output, output);
-    QCOMPARE(run.log, log);
-    QCOMPARE(run.exitCode, exitCode);
 }
 
 QTEST_APPLESS_MAIN(tst_ToolExport)

@@ -10,6 +10,8 @@ class tst_ToolHelp : public QObject
 private slots:
     void HelpIsShown_data();
     void HelpIsShown();
+    void WrongArgumentsEndWithTwo_data();
+    void WrongArgumentsEndWithTwo();
 };
 
 void tst_ToolHelp::HelpIsShown_data()
@@ -61,6 +63,19 @@ Options:
   -q, --quiet  Print nothing but errors, and JSON where it is asked for.
   -h, --help   Show this help.
 )";
+    QTest::newRow("export") << QStringList{"export", "-h", "x"}
+                            << R"(Usage: quillmap-tool export [OPTION]... PROJECT
+
+Write the area map and the territory type files of a project.
+NAME.map and territoryTypes/*.xml take their places together, or not at all.
+Prints the names of the files.
+
+Options:
+  -o, --output DIR  Write into the folder DIR instead of the current one.
+  -q, --quiet       Print nothing but errors, and JSON where it is asked for.
+  -h, --help        Show this help.
+)";
+    QTest::newRow("version") << QStringList{"--version"} << "quillmap-tool " QUILLMAP_VERSION "\n";
     QTest::newRow("compare") << QStringList{"compare", "--help"}
                              << R"(Usage: quillmap-tool compare [OPTION]... A B
 
@@ -79,13 +94,13 @@ Options:
 
 Make a PNG picture of a project, map or layer bitmap.
 A project looks as in the editor; with flags, their areas are shown in the colours
-of a legend, which is printed too. A map shows all usages unless flags are named.
+of a legend, which is printed too. A map shows its usages unless flags are named.
 
 Options:
   -o, --output PICTURE  Write the picture to this file.
   --size PIXELS         Length of the longer side; that of the layers otherwise.
-  --flag NAME           Show a flag, by its name, usage:BIT or value:BIT. May be repeated.
-  --layers NAMES        Show these layers, with commas between, instead of the visible ones.
+  --flag NAME           Show a flag: NAME, usage:NAME or usage:BIT (or value:). May be repeated.
+  --layers NAMES        Show these layers (A,B) instead of the visible ones. May be repeated.
   --zones               Show the zones of the visible territories.
   -q, --quiet           Print nothing but errors, and JSON where it is asked for.
   -h, --help            Show this help.
@@ -101,6 +116,49 @@ void tst_ToolHelp::HelpIsShown()
     QCOMPARE(run.output, help);
     QCOMPARE(run.log, QStringList());
     QCOMPARE(run.exitCode, 0);
+}
+
+void tst_ToolHelp::WrongArgumentsEndWithTwo_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QStringList>("log");
+    const QString tryHelp = "quillmap-tool: try 'quillmap-tool export --help'.";
+    QTest::newRow("no command") << QStringList()
+                                << QStringList{"quillmap-tool: a command is needed.",
+                                               "quillmap-tool: try 'quillmap-tool --help'."};
+    QTest::newRow("unknown command") << QStringList{"paint"}
+                                     << QStringList{"quillmap-tool: there is no command 'paint'.",
+                                                    "quillmap-tool: try 'quillmap-tool --help'."};
+    QTest::newRow("no project") << QStringList{"export"}
+                                << QStringList{
+                                       "quillmap-tool: PROJECT is needed, and nothing else.",
+                                       tryHelp};
+    QTest::newRow("two projects") << QStringList{"export", "a", "b"}
+                                  << QStringList{
+                                         "quillmap-tool: PROJECT is needed, and nothing else.",
+                                         tryHelp};
+    QTest::newRow("unknown option")
+        << QStringList{"export", "--json", "a"}
+        << QStringList{"quillmap-tool: Unknown option 'json'.", tryHelp};
+    QTest::newRow("option of the toolkit")
+        << QStringList{"export", "-platform", "xcb", "a"}
+        << QStringList{"quillmap-tool: Unknown options: p, l, a, t, f.", tryHelp};
+    QTest::newRow("folder without a name")
+        << QStringList{"export", "a", "-o", ""}
+        << QStringList{"quillmap-tool: the folder has no name.", tryHelp};
+    QTest::newRow("no folder") << QStringList{"export", "a", "-o"}
+                               << QStringList{"quillmap-tool: Missing value after '-o'.", tryHelp};
+}
+
+void tst_ToolHelp::WrongArgumentsEndWithTwo()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QStringList, log);
+    const SampleProject project;
+    const ProgramRun run = project.Run(arguments);
+    QCOMPARE(run.output, QString());
+    QCOMPARE(run.log, log);
+    QCOMPARE(run.exitCode, 2);
 }
 
 QTEST_APPLESS_MAIN(tst_ToolHelp)

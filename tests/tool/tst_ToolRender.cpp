@@ -53,6 +53,10 @@ private slots:
     void ZonesAreShown();
     void FlagsHaveTheColoursOfTheLegend();
     void MapShowsItsUsages();
+    void MapWithoutUsagesShowsItsValues();
+    void ColoursOfTheLegendDiffer();
+    void LegendLeavesSmallPicturesAlone();
+    void FlagsHaveSeveralNames();
     void BitmapIsWhiteOnBlack();
     void TallBitmapsAreWhole();
     void WrongOptionsEndWithTwo_data();
@@ -60,6 +64,7 @@ private slots:
     void UnreadableFilesEndWithThree_data();
     void UnreadableFilesEndWithThree();
     void UnreadableLayersEndWithThree();
+    void UnreadableBackgroundsEndWithThree_data();
     void UnreadableBackgroundsEndWithThree();
     void UnwrittenPicturesEndWithFour_data();
     void UnwrittenPicturesEndWithFour();
@@ -110,6 +115,15 @@ void tst_ToolRender::ChosenLayersAreShown()
                           "........", "........"}));
     project.Run({"render", "sample.xml", "-o", "p.png", "--layers", "Village,Shore"});
     QCOMPARE(Art(QImage(project.Path("p.png"))).at(4), QString("rrrr...."));
+    project.Run(
+        {"render", "sample.xml", "-o", "p.png", "--layers", "Village", "--layers", "Shore"});
+    QCOMPARE(Art(QImage(project.Path("p.png"))).at(0), QString(".......g"));
+    QCOMPARE(Art(QImage(project.Path("p.png"))).at(4), QString("rrrr...."));
+    project.Replace("\"Shore\"", "\"A,B\"");
+    QVERIFY(QFile::rename(project.Path("layers/Shore.tga"), project.Path("layers/A,B.tga")));
+    project.Run({"render", "sample.xml", "-o", "p.png", "--layers", "A,B"});
+    QCOMPARE(Art(QImage(project.Path("p.png"))).at(4), QString("rrrr...."));
+    QCOMPARE(Art(QImage(project.Path("p.png"))).at(0), QString("........"));
 }
 
 void tst_ToolRender::SizeIsThatOfTheLongerSide_data()
@@ -169,20 +183,85 @@ void tst_ToolRender::MapShowsItsUsages()
     const SampleProject project;
     QCOMPARE(project.Run({"export", "sample.xml"}).exitCode, 0);
     const ProgramRun run = project.Run({"render", "sample.map", "-o", "p.png", "--size", "800"});
-    QCOMPARE(run.output, QString("#e69f00 usage:0\n#56b4e9 usage:1\n#009e73 usage:2\n"
-                                 "#f0e442 usage:3\n"));
+    // No pixel has the fourth of its bits.
+    QCOMPARE(run.output, QString("#e69f00 usage:0\n#56b4e9 usage:1\n#009e73 usage:2\n"));
     const QImage picture(project.Path("p.png"));
     QCOMPARE(picture.size(), QSize(800, 800));
+    // Two thirds of the colour over the grey, and of the third over the second.
     QCOMPARE(picture.pixelColor(750, 750), QColor(48, 48, 48));
-    QVERIFY(picture.pixelColor(750, 50) != QColor(48, 48, 48));
-    QVERIFY(picture.pixelColor(50, 750) != QColor(48, 48, 48));
+    QCOMPARE(picture.pixelColor(750, 50), QColor(24, 150, 134));
+    QCOMPARE(picture.pixelColor(50, 750), QColor(169, 122, 16));
+}
+
+void tst_ToolRender::MapWithoutUsagesShowsItsValues()
+{
+    const SampleProject project;
+    const QImage mask = MaskFromArt({QString(32, '#')});
+    WriteBytes(project.Path("a.map"), literal::WriteMap({{mask, 0, 2}}, {32, 1}, {80, 80}, 0, 2));
+    const ProgramRun run = project.Run({"render", "a.map", "-o", "p.png"});
+    QCOMPARE(run.output, QString("#56b4e9 value:1\n"));
+    QCOMPARE(QImage(project.Path("p.png")).pixelColor(0, 0), QColor(73, 136, 171));
+}
+
+/// However many flags there are, each has a colour of its own.
+void tst_ToolRender::ColoursOfTheLegendDiffer()
+{
+    SampleProject project;
+    QByteArray usages;
+    QStringList arguments = {"render", "sample.xml", "-o", "p.png"};
+    for (int i = 3; i < 32; ++i) {
+        usages += "<usage name=\"u" + QByteArray::number(i) + "\"/>";
+    }
+    project.Replace("</usages>", usages + "</usages>");
+    for (int i = 0; i < 64; ++i) {
+        arguments +=
+            {"--flag", i < 32 ? QString("usage:%1").arg(i) : QString("value:%1").arg(i % 4)};
+    }
+    const ProgramRun run = project.Run(arguments);
+    QSet<QString> colors;
+    const QStringList lines = run.output.split('\n', Qt::SkipEmptyParts);
+    for (const QString& line : lines) {
+        colors.insert(line.section(' ', 0, 0));
+    }
+    QCOMPARE(colors.size(), 64);
+}
+
+void tst_ToolRender::LegendLeavesSmallPicturesAlone()
+{
+    const SampleProject project;
+    const QStringList arguments = {"render", "sample.xml", "-o",    "p.png",
+                                   "--flag", "Coast",      "--size"};
+    QCOMPARE(project.Run(arguments + QStringList{"40"}).output, QString("#e69f00 Coast\n"));
+    QCOMPARE(QImage(project.Path("p.png")).pixelColor(8, 8), QColor(Qt::white));
+    QCOMPARE(project.Run(arguments + QStringList{"400"}).output, QString("#e69f00 Coast\n"));
+    QCOMPARE(QImage(project.Path("p.png")).pixelColor(8, 8), QColor(0xE6, 0x9F, 0x00));
+}
+
+/// A name that usages and values share means the usage.
+void tst_ToolRender::FlagsHaveSeveralNames()
+{
+    SampleProject project;
+    project.Replace("\"Tier3\"", "\"Town\"");
+    const auto isShown = [&project](const QString& flag) {
+        const ProgramRun run = project.Run({"render", "sample.xml", "-o", "p.png", "--flag", flag});
+        return run.exitCode == 0 &&
+               QImage(project.Path("p.png")).pixelColor(7, 0) != QColor(Qt::white);
+    };
+    QVERIFY(isShown("Town"));
+    QVERIFY(isShown("usage:Town"));
+    QVERIFY(isShown("usage:1"));
+    QVERIFY(isShown("value:Tier4"));
+    QVERIFY(!isShown("value:Town"));
+    QVERIFY(!isShown("value:2"));
 }
 
 void tst_ToolRender::BitmapIsWhiteOnBlack()
 {
     const SampleProject project;
     QCOMPARE(project.Run({"render", "layers/Shore.tga", "-o", "p.png"}).exitCode, 0);
-    QCOMPARE(Art(QImage(project.Path("p.png"))).at(4), QString("....    "));
+    const QString clear(8, ' ');
+    QCOMPARE(Art(QImage(project.Path("p.png"))),
+             (QStringList{clear, clear, clear, clear, "....    ", clear, clear, ".       "}));
 }
 
 /// Several bands of rows, at sizes that divide none of them.
@@ -219,6 +298,8 @@ void tst_ToolRender::WrongOptionsEndWithTwo_data()
     row("empty size", {"sample.xml", "-o", "p", "--size", ""}, "a size is 1 to 16384.");
     row("large size", {"sample.xml", "-o", "p", "--size", "16385"}, "a size is 1 to 16384.");
     row("size in letters", {"sample.xml", "-o", "p", "--size", "big"}, "a size is 1 to 16384.");
+    row("bit beyond the flags", {"sample.xml", "-o", "p", "--flag", "usage:4"},
+        "there is no flag 'usage:4'.");
     row("flag", {"sample.xml", "-o", "p", "--flag", "usage:32"}, "there is no flag 'usage:32'.");
     row("layer", {"sample.xml", "-o", "p", "--layers", "Shore,x"}, "there is no layer 'x'.");
     row("zones", {"layers/Shore.tga", "-o", "p", "--zones"},
@@ -291,12 +372,47 @@ void tst_ToolRender::UnreadableLayersEndWithThree()
     QVERIFY(!QFile::exists(project.Path("p.png")));
 }
 
+void tst_ToolRender::UnreadableBackgroundsEndWithThree_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("error");
+    const auto row = [](const char* name, const QByteArray& bytes, const char* error) {
+        QTest::newRow(name) << bytes << QString(error);
+    };
+    row("missing", QByteArray(), "does not exist.");
+    row("pipe", "pipe", "is no file.");
+    row("text", "text", "is no picture that can be read.");
+    row("cut off", "most", "is a picture that is cut off.");
+    row("damaged", "damaged", "is no picture that can be read.");
+    row("of few bytes and very large",
+        QByteArray(
+            "\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR\0\0\x75\x30\0\0\x75\x30\1\0\0\0\0\x4e\x5c\xc5\x17"
+            "\0\0\0\0IDAT\x35\xaf\x06\x1e\0\0\0\0IEND\xae\x42\x60\x82",
+            57),
+        "has 30000x30000 pixels, which are too many.");
+}
+
 void tst_ToolRender::UnreadableBackgroundsEndWithThree()
 {
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, error);
     const SampleProject project;
-    QFile::remove(project.Path("back.png"));
+    const QString path = project.Path("back.png");
+    const QByteArray good = ReadBytes(path);
+    QFile::remove(path);
+    if (bytes == "pipe") {
+        QCOMPARE(mkfifo(qPrintable(path), 0600), 0);
+    } else if (bytes == "most") {
+        WriteBytes(path, good.left(good.size() - 1));
+    } else if (bytes == "damaged") {
+        QByteArray damaged = good;
+        damaged[damaged.indexOf("IDAT") + 5] = '\xaa';
+        WriteBytes(path, damaged);
+    } else if (!bytes.isNull()) {
+        WriteBytes(path, bytes);
+    }
     const ProgramRun run = project.Run({"render", "sample.xml", "-o", "p.png"});
-    QCOMPARE(run.log, QStringList{project.Path("back.png") + ": is no picture that can be read."});
+    QCOMPARE(run.log, QStringList{path + ": " + error});
     QCOMPARE(run.exitCode, 3);
     QVERIFY(!QFile::exists(project.Path("p.png")));
 }
