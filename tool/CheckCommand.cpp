@@ -1,5 +1,3 @@
-#include "tool/CheckCommand.h"
-
 #include "tool/Commands.h"
 #include "tool/Findings.h"
 #include "tool/ProjectData.h"

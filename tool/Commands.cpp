@@ -1,11 +1,5 @@
 #include "tool/Commands.h"
 
-#include "tool/CheckCommand.h"
-#include "tool/CompareCommand.h"
-#include "tool/ExportCommand.h"
-#include "tool/InfoCommand.h"
-#include "tool/RenderCommand.h"
-
 #include <QCommandLineParser>
 
 #include <algorithm>

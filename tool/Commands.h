@@ -24,6 +24,17 @@ struct Command
     std::function<ToolExit(const QStringList& files, const QCommandLineParser& options)> run;
 };
 
+/// Looks for what makes a project's output wrong or surprising.
+Command CheckCommand();
+/// Tells what a file holds.
+Command InfoCommand();
+/// Writes what the game reads of a project.
+Command ExportCommand();
+/// Tells where two maps or two projects differ.
+Command CompareCommand();
+/// Makes a picture of a project, a map or a layer bitmap.
+Command RenderCommand();
+
 /// For a command's arguments, when the files or what the options mean together is wrong; the result
 /// is to be returned.
 ToolExit UsageError(const QString& command, const QString& error);

@@ -1,5 +1,3 @@
-#include "tool/CompareCommand.h"
-
 #include "tool/Commands.h"
 #include "tool/FieldBands.h"
 #include "tool/FileKind.h"

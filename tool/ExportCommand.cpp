@@ -1,5 +1,3 @@
-#include "tool/ExportCommand.h"
-
 #include "territories/TerritoryType.h"
 #include "territories/TerritoryTypeList.h"
 #include "tool/Commands.h"

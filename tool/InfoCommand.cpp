@@ -1,10 +1,9 @@
-#include "tool/InfoCommand.h"
-
 #include "layers/raster/BitFieldRaster.h"
 #include "tool/Commands.h"
 #include "tool/FieldBands.h"
 #include "tool/FieldCounts.h"
 #include "tool/FileKind.h"
+#include "tool/InputFiles.h"
 #include "tool/Interruption.h"
 #include "tool/LayerBitmap.h"
 #include "tool/Progress.h"
@@ -16,6 +15,7 @@
 #include <QXmlStreamReader>
 
 #include <cmath>
+#include <functional>
 #include <optional>
 
 namespace {
@@ -249,35 +249,29 @@ ToolExit DescribeBitmap(const QString& path, bool asJson)
     return ToolExit::Done;
 }
 
-/// Reads the whole document, so that its end is known to be good; false after a printed error.
-template <typename ReadElement>
-bool ReadDocument(const QString& path, QLatin1String element, ReadElement read)
+/// False after a printed error.
+bool ReadElements(const QString& path, const std::function<void(QXmlStreamReader&)>& takeElement)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        Console::PrintError(path, QStringLiteral("cannot be read: %1.").arg(file.errorString()));
-        return false;
+    QString error = OpenInput(file);
+    if (error.isEmpty()) {
+        error = WalkDocument(file, takeElement);
     }
-    QXmlStreamReader xml(&file);
-    while (!xml.atEnd()) {
-        xml.readNext();
-        if (xml.isStartElement() && (element.size() == 0 || xml.name() == element)) {
-            read(xml);
-        }
+    if (!error.isEmpty()) {
+        Console::PrintError(path, error);
     }
-    if (xml.hasError()) {
-        Console::PrintError(
-            path, QStringLiteral("line %1: %2").arg(xml.lineNumber()).arg(xml.errorString()));
-    }
-    return !xml.hasError();
+    return error.isEmpty();
 }
 
 ToolExit DescribeType(const QString& path, bool asJson)
 {
     QVector<TerritoryData> territories;
-    if (!ReadDocument(path, QLatin1String("territory-type"), [&](QXmlStreamReader& xml) {
+    const auto read = [&territories](QXmlStreamReader& xml) {
+        if (xml.name() == QLatin1String("territory-type")) {
             territories += ReadTerritoryType(xml).territories;
-        })) {
+        }
+    };
+    if (!ReadElements(path, read)) {
         return ToolExit::Unreadable;
     }
     Report report;
@@ -301,7 +295,7 @@ ToolExit DescribeAreaTypes(const QString& path, bool asJson)
 {
     QJsonArray usages;
     QJsonArray values;
-    const auto read = [&](QXmlStreamReader& xml) {
+    const auto read = [&](const QXmlStreamReader& xml) {
         const QString name = xml.attributes().value(QLatin1String("name")).toString();
         if (xml.name() == QLatin1String("usage")) {
             usages.append(name);
@@ -309,7 +303,7 @@ ToolExit DescribeAreaTypes(const QString& path, bool asJson)
             values.append(name);
         }
     };
-    if (!ReadDocument(path, QLatin1String(), read)) {
+    if (!ReadElements(path, read)) {
         return ToolExit::Unreadable;
     }
     Report report;

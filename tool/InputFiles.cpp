@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QXmlStreamReader>
 
 #include <sys/stat.h>
 
@@ -33,6 +34,20 @@ QString OpenInput(QFile& file, QIODevice::OpenMode flags)
     return file.open(QIODevice::ReadOnly | flags)
                ? QString()
                : QStringLiteral("cannot be read: %1.").arg(file.errorString());
+}
+
+QString WalkDocument(QFile& file, const std::function<void(QXmlStreamReader&)>& takeElement)
+{
+    QXmlStreamReader xml(&file);
+    while (!xml.atEnd()) {
+        xml.readNext();
+        if (xml.isStartElement()) {
+            takeElement(xml);
+        }
+    }
+    return xml.hasError()
+               ? QStringLiteral("line %1: %2").arg(xml.lineNumber()).arg(xml.errorString())
+               : QString();
 }
 
 bool IsInput(const QString& target, const QStringList& inputs)

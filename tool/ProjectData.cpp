@@ -123,17 +123,13 @@ void ReadLayers(QXmlStreamReader& xml, QVector<LayerData>& layers)
 /// Empty for a well-formed document that holds the sizes of a project.
 QString DocumentError(QFile& file)
 {
-    QXmlStreamReader xml(&file);
     bool hasGlobal = false;
-    while (!xml.atEnd()) {
-        xml.readNext();
-        hasGlobal = hasGlobal || (xml.isStartElement() && xml.name() == QLatin1String("global"));
-    }
-    if (xml.hasError()) {
-        return QStringLiteral("line %1: %2").arg(xml.lineNumber()).arg(xml.errorString());
-    }
-    return hasGlobal ? QString()
-                     : QStringLiteral("is no project: there is no element \"global\" in it.");
+    const QString error = WalkDocument(file, [&hasGlobal](const QXmlStreamReader& xml) {
+        hasGlobal = hasGlobal || xml.name() == QLatin1String("global");
+    });
+    return hasGlobal || !error.isEmpty()
+               ? error
+               : QStringLiteral("is no project: there is no element \"global\" in it.");
 }
 
 void TakeSettings(ProjectData& project)

@@ -1,5 +1,3 @@
-#include "tool/RenderCommand.h"
-
 #include "territories/TerritoryTypeList.h"
 #include "tool/Commands.h"
 #include "tool/FileKind.h"

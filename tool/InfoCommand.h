@@ -1,6 +1,0 @@
-#pragma once
-
-struct Command;
-
-/// Tells what a file holds.
-Command InfoCommand();
