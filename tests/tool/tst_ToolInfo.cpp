@@ -1,9 +1,7 @@
-#include "layers/raster/Mask.h"
-#include "layers/raster/TargaCodec.h"
 #include "tests/support/Files.h"
-#include "tests/support/LiteralTarga.h"
 #include "tests/tool/SampleProject.h"
 
+#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -17,8 +15,11 @@ private slots:
     void FilesAreDescribed_data();
     void FilesAreDescribed();
     void ProjectAsJson();
-    void LargeBitmapsAreCounted();
-    void ManyLayersAreCounted();
+    void FilesAsJson_data();
+    void FilesAsJson();
+    void TellsWhatItCanOfBrokenProjects_data();
+    void TellsWhatItCanOfBrokenProjects();
+    void SumsDoNotWrap();
     void UnreadableFilesEndWithThree_data();
     void UnreadableFilesEndWithThree();
 };
@@ -89,56 +90,6 @@ void tst_ToolInfo::FilesAreDescribed()
     QCOMPARE(project.Run({"info", "--quiet", file}).output, QString());
 }
 
-/// More than the tool keeps of one file, so that it reads again and again.
-void tst_ToolInfo::LargeBitmapsAreCounted()
-{
-    const SampleProject project;
-    QImage mask = raster::BlankMask({1200, 1000});
-    for (const QPoint pixel : {QPoint(0, 0), QPoint(1199, 500), QPoint(600, 999)}) {
-        mask.setPixel(pixel, raster::MaskSet);
-    }
-    WriteBytes(project.Path("large.tga"), literal::WriteTarga(mask, false));
-    const ProgramRun run = project.Run({"info", "large.tga"});
-    QVERIFY2(run.output.contains("\nset: 3\nclear: 1199997\nother: 0\n"), qPrintable(run.output));
-}
-
-/// More layers than the tool composes at once.
-void tst_ToolInfo::ManyLayersAreCounted()
-{
-    constexpr int size = 1024;
-    constexpr int layers = 260;
-    const SampleProject project;
-    QByteArray document = "<qm-config><global><layer size=\"1024\"/><world size=\"1024\"/></global>"
-                          "<areas><usages><usage name=\"A\"/><usage name=\"B\"/></usages></areas>"
-                          "<layers>";
-    const auto bitmap = [](const QVector<QPoint>& pixels) {
-        QImage mask = raster::BlankMask({size, size});
-        for (const QPoint pixel : pixels) {
-            mask.setPixel(pixel, raster::MaskSet);
-        }
-        QByteArray bytes;
-        raster::EncodeTarga(mask, raster::TargaPacking::RunLength,
-                            [&bytes](const char* data, qint64 count) {
-                                bytes.append(data, static_cast<int>(count));
-                                return true;
-                            });
-        return bytes;
-    };
-    WriteBytes(project.Path("layers/first.tga"), bitmap({{0, 0}}));
-    WriteBytes(project.Path("layers/last.tga"), bitmap({{1, 0}, {2, size - 1}}));
-    for (int i = 1; i < layers; ++i) {
-        const QString name = i == layers - 1 ? "last" : "L" + QString::number(i);
-        QFile::link("first.tga", project.Path("layers/" + name + ".tga"));
-        document += "<layer usage_flags=\"" + QByteArray(name == "last" ? "3" : "1") +
-                    "\" name=\"" + name.toUtf8() + "\"/>";
-    }
-    WriteBytes(project.Path("many.xml"), document + "</layers></qm-config>");
-    const ProgramRun run = project.Run({"info", "many.xml"});
-    QCOMPARE(run.log, QStringList());
-    QVERIFY2(run.output.contains("  A: bit 0, pixels 3,"), qPrintable(run.output));
-    QVERIFY2(run.output.contains("  B: bit 1, pixels 2,"), qPrintable(run.output));
-}
-
 void tst_ToolInfo::ProjectAsJson()
 {
     const SampleProject project;
@@ -153,7 +104,120 @@ void tst_ToolInfo::ProjectAsJson()
                               {"km2", 0.03},
                               {"percent", 4.69}};
     QCOMPARE(info["layers"].toArray().at(1).toObject(), village);
+    const QJsonObject all{{"territories", 1}, {"zones", 2},       {"static-min", 1},
+                          {"static-max", 3},  {"dynamic-min", 3}, {"dynamic-max", 9}};
+    QCOMPARE(info["all-territories"].toObject(), all);
     QCOMPARE(run.exitCode, 0);
+}
+
+void tst_ToolInfo::FilesAsJson_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QJsonObject>("info");
+    const auto flag = [](const char* name, int pixels, double km2, double percent) {
+        return QJsonObject{{"name", name}, {"pixels", pixels}, {"km2", km2}, {"percent", percent}};
+    };
+    QTest::newRow("map") << "sample.map"
+                         << QJsonObject{{"file", "sample.map"},
+                                        {"kind", "map"},
+                                        {"width", 8},
+                                        {"height", 8},
+                                        {"world-width", 800},
+                                        {"world-height", 800},
+                                        {"usage-bits", 4},
+                                        {"value-bits", 4},
+                                        {"usage-flags", QJsonArray{flag("bit 0", 5, 0.05, 7.81),
+                                                                   flag("bit 1", 3, 0.03, 4.69),
+                                                                   flag("bit 2", 3, 0.03, 4.69)}},
+                                        {"value-flags", QJsonArray{flag("bit 0", 5, 0.05, 7.81),
+                                                                   flag("bit 1", 3, 0.03, 4.69),
+                                                                   flag("bit 3", 3, 0.03, 4.69)}}};
+    QTest::newRow("bitmap") << "layers/Shore.tga"
+                            << QJsonObject{{"file", "layers/Shore.tga"},
+                                           {"kind", "layer bitmap"},
+                                           {"width", 8},
+                                           {"height", 8},
+                                           {"cut-off", false},
+                                           {"set", 5},
+                                           {"clear", 59},
+                                           {"other", 0},
+                                           {"percent", 7.81}};
+    const QJsonObject sums{
+        {"zones", 2}, {"static-min", 1}, {"static-max", 3}, {"dynamic-min", 3}, {"dynamic-max", 9}};
+    QJsonObject first = sums;
+    first["number"] = 1;
+    QJsonObject all = sums;
+    all["territories"] = 1;
+    QTest::newRow("territory type") << "territoryTypes/Deer.xml"
+                                    << QJsonObject{{"file", "territoryTypes/Deer.xml"},
+                                                   {"kind", "territory type"},
+                                                   {"territories", QJsonArray{first}},
+                                                   {"all-territories", all}};
+    QTest::newRow("area types") << "types.xml"
+                                << QJsonObject{{"file", "types.xml"},
+                                               {"kind", "area types"},
+                                               {"usages", QJsonArray{"A", "B"}},
+                                               {"values", QJsonArray()}};
+}
+
+void tst_ToolInfo::FilesAsJson()
+{
+    QFETCH(QString, file);
+    QFETCH(QJsonObject, info);
+    const SampleProject project;
+    WriteBytes(project.Path("types.xml"), "<areas><usage name=\"A\"/><usage name=\"B\"/></areas>");
+    QCOMPARE(project.Run({"export", "sample.xml"}).exitCode, 0);
+    const ProgramRun run = project.Run({"info", "--json", "--quiet", file});
+    QCOMPARE(QJsonDocument::fromJson(run.output.toUtf8()).object(), info);
+    QCOMPARE(run.exitCode, 0);
+}
+
+void tst_ToolInfo::TellsWhatItCanOfBrokenProjects_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QByteArray>("after");
+    QTest::addColumn<QString>("error");
+    QTest::addColumn<QString>("village");
+    QByteArray usages;
+    for (int i = 0; i < 30; ++i) {
+        usages += "<usage name=\"a\"/>";
+    }
+    QTest::newRow("missing bitmap")
+        << QByteArray("\"Village\"") << QByteArray("\"Other\"")
+        << "FOLDER/layers/Other.tga: does not exist."
+        << "  Other: visible yes, usages Town + Farm, values Tier2 + Tier4\n";
+    QTest::newRow("too many flag types")
+        << QByteArray("</usages>") << usages + "</usages>"
+        << "sample.xml: an area map holds at most 32 usage and 32 value flag types."
+        << "  Village: visible yes, usages Town + Farm, values Tier2 + Tier4, pixels 3, km2 0.03, "
+           "percent 4.69\n";
+}
+
+void tst_ToolInfo::TellsWhatItCanOfBrokenProjects()
+{
+    QFETCH(QByteArray, before);
+    QFETCH(QByteArray, after);
+    QFETCH(QString, error);
+    QFETCH(QString, village);
+    SampleProject project;
+    project.Replace(before, after);
+    const ProgramRun run = project.Run({"info", "sample.xml"});
+    QCOMPARE(run.log,
+             QStringList{error.replace("FOLDER", QDir(project.Path(".")).canonicalPath())});
+    QVERIFY(run.output.contains("  Shore: visible yes, usages Coast, values Tier1, pixels 5, "
+                                "km2 0.05, percent 7.81\n" +
+                                village));
+    // How many pixels have a flag is not known.
+    QVERIFY(run.output.contains("\n  Coast: bit 0\n"));
+    QCOMPARE(run.exitCode, 3);
+}
+
+void tst_ToolInfo::SumsDoNotWrap()
+{
+    SampleProject project;
+    project.Replace("dmax=\"4\"", "dmax=\"2147483647\"");
+    project.Replace("dmax=\"5\"", "dmax=\"2147483647\"");
+    QVERIFY(project.Run({"info", "sample.xml"}).output.contains("dynamic-max 4294967294\n"));
 }
 
 void tst_ToolInfo::UnreadableFilesEndWithThree_data()
