@@ -1,4 +1,7 @@
+#include "layers/raster/Mask.h"
+#include "layers/raster/TargaCodec.h"
 #include "tests/support/Files.h"
+#include "tests/support/LiteralTarga.h"
 #include "tests/tool/SampleProject.h"
 
 #include <QDir>
@@ -15,6 +18,8 @@ private slots:
     void FilesAreDescribed_data();
     void FilesAreDescribed();
     void ProjectAsJson();
+    void LargeBitmapsAreCounted();
+    void ManyLayersAreCounted();
     void FilesAsJson_data();
     void FilesAsJson();
     void TellsWhatItCanOfBrokenProjects_data();
@@ -88,6 +93,56 @@ void tst_ToolInfo::FilesAreDescribed()
     QCOMPARE(run.log, QStringList());
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(project.Run({"info", "--quiet", file}).output, QString());
+}
+
+/// More than the tool keeps of one file, so that it reads again and again.
+void tst_ToolInfo::LargeBitmapsAreCounted()
+{
+    const SampleProject project;
+    QImage mask = raster::BlankMask({1200, 1000});
+    for (const QPoint pixel : {QPoint(0, 0), QPoint(1199, 500), QPoint(600, 999)}) {
+        mask.setPixel(pixel, raster::MaskSet);
+    }
+    WriteBytes(project.Path("large.tga"), literal::WriteTarga(mask, false));
+    const ProgramRun run = project.Run({"info", "large.tga"});
+    QVERIFY2(run.output.contains("\nset: 3\nclear: 1199997\nother: 0\n"), qPrintable(run.output));
+}
+
+/// More layers than the tool composes at once.
+void tst_ToolInfo::ManyLayersAreCounted()
+{
+    constexpr int size = 1024;
+    constexpr int layers = 260;
+    const SampleProject project;
+    QByteArray document = "<qm-config><global><layer size=\"1024\"/><world size=\"1024\"/></global>"
+                          "<areas><usages><usage name=\"A\"/><usage name=\"B\"/></usages></areas>"
+                          "<layers>";
+    const auto bitmap = [](const QVector<QPoint>& pixels) {
+        QImage mask = raster::BlankMask({size, size});
+        for (const QPoint pixel : pixels) {
+            mask.setPixel(pixel, raster::MaskSet);
+        }
+        QByteArray bytes;
+        raster::EncodeTarga(mask, raster::TargaPacking::RunLength,
+                            [&bytes](const char* data, qint64 count) {
+                                bytes.append(data, static_cast<int>(count));
+                                return true;
+                            });
+        return bytes;
+    };
+    WriteBytes(project.Path("layers/first.tga"), bitmap({{0, 0}}));
+    WriteBytes(project.Path("layers/last.tga"), bitmap({{1, 0}, {2, size - 1}}));
+    for (int i = 1; i < layers; ++i) {
+        const QString name = i == layers - 1 ? "last" : "L" + QString::number(i);
+        QFile::link("first.tga", project.Path("layers/" + name + ".tga"));
+        document += "<layer usage_flags=\"" + QByteArray(name == "last" ? "3" : "1") +
+                    "\" name=\"" + name.toUtf8() + "\"/>";
+    }
+    WriteBytes(project.Path("many.xml"), document + "</layers></qm-config>");
+    const ProgramRun run = project.Run({"info", "many.xml"});
+    QCOMPARE(run.log, QStringList());
+    QVERIFY2(run.output.contains("  A: bit 0, pixels 3,"), qPrintable(run.output));
+    QVERIFY2(run.output.contains("  B: bit 1, pixels 2,"), qPrintable(run.output));
 }
 
 void tst_ToolInfo::ProjectAsJson()

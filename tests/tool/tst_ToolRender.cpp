@@ -340,7 +340,8 @@ void tst_ToolRender::UnreadableFilesEndWithThree_data()
         << "layers cannot have 0x0 pixels.";
     QTest::newRow("map that ends early")
         << "a.map" << Map().left(22) << "is too short for an area map.";
-    QTest::newRow("map without pixels") << "a.map" << QByteArray(24, '\0') << "has no pixels.";
+    QTest::newRow("map without pixels")
+        << "a.map" << QByteArray(24, '\0') << "is no area map: 0x0 pixels.";
     QTest::newRow("bitmap that ends early")
         << "a.tga" << QByteArray(17, '\0') << "is no greyscale TGA file without colour map.";
     QTest::newRow("no file") << "" << QByteArray() << "does not exist.";
