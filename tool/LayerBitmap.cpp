@@ -113,7 +113,7 @@ void LayerBitmap::Open(QSize size)
 
 QImage LayerBitmap::Band(int band) const
 {
-    const QImage rows = m_bands ? m_bands->Decode(band) : QImage();
+    QImage rows = m_bands ? m_bands->Decode(band) : QImage();
     if (rows.isNull()) {
         PrintFailure();
     }

@@ -73,7 +73,7 @@ private:
 
 QString OpenPicture(QFile& file)
 {
-    const QString error = OpenInput(file);
+    QString error = OpenInput(file);
     if (!error.isEmpty()) {
         return error;
     }
