@@ -65,10 +65,10 @@ struct Packet
     /// Where its first pixel is in the file.
     qint64 data = 0;
     uchar last = MaskClear;
-    PixelCounts counts;
+    bool hasSet = false;
 };
 
-Packet TakePacket(Cursor& cursor, qint64 wanted)
+Packet TakePacket(Cursor& cursor, qint64 wanted, PixelCounts& counts)
 {
     Packet packet;
     const uchar header = cursor.Take();
@@ -78,30 +78,20 @@ Packet TakePacket(Cursor& cursor, qint64 wanted)
     packet.present = std::min<qint64>(packet.count, wanted);
     if (packet.isRun) {
         packet.last = cursor.Take();
-        packet.counts.Add(packet.last, packet.present);
+        packet.hasSet = packet.last != MaskClear;
+        counts.Add(packet.last, packet.present);
         return packet;
     }
     packet.present = std::min(packet.present, cursor.Left());
     for (qint64 i = 0; i < packet.present; ++i) {
         packet.last = cursor.Take();
-        packet.counts.Add(packet.last, 1);
+        packet.hasSet |= packet.last != MaskClear;
+        counts.Add(packet.last, 1);
     }
     return packet;
 }
 
 } // namespace
-
-void PixelCounts::Add(uchar value, qint64 count)
-{
-    (value == MaskClear ? clear : value == MaskSet ? set : other) += count;
-}
-
-void PixelCounts::operator+=(const PixelCounts& more)
-{
-    clear += more.clear;
-    set += more.set;
-    other += more.other;
-}
 
 QSize TargaSize(const ByteReader& read)
 {
@@ -165,6 +155,7 @@ void TargaBands::FindPackets()
     const qint64 pixelCount = width * m_size.height();
     auto next = starts.begin();
     Cursor cursor(m_read, TargaHeaderSize, m_byteCount);
+    PixelCounts counts;
     uchar last = MaskClear;
     qint64 pixel = 0;
     // Of the band at hand, and where the next one begins; the first begins with the first packet.
@@ -174,12 +165,10 @@ void TargaBands::FindPackets()
         return start == starts.end() ? pixelCount : width * (*start)->storedRow;
     };
     while (pixel < pixelCount && cursor.Left() >= 2 && !cursor.HasFailed()) {
-        const Packet packet = TakePacket(cursor, pixelCount - pixel);
-        const bool hasSet = packet.counts.Covered() != 0;
-        m_counts += packet.counts;
+        const Packet packet = TakePacket(cursor, pixelCount - pixel, counts);
         last = packet.last;
         if (pixel < nextPixel) {
-            current->hasSet |= hasSet;
+            current->hasSet |= packet.hasSet;
         }
         for (; nextPixel < pixel + packet.present; nextPixel = pixelOf(next)) {
             const auto passed = static_cast<int>(nextPixel - pixel);
@@ -189,7 +178,7 @@ void TargaBands::FindPackets()
             start.packet[1] = last;
             start.packetBytes = packet.isRun ? 2 : 1;
             start.offset = packet.isRun ? cursor.Offset() : packet.data + passed;
-            start.hasSet = hasSet;
+            start.hasSet = packet.hasSet;
             current = &start;
         }
         pixel += packet.present;
@@ -197,16 +186,16 @@ void TargaBands::FindPackets()
     if (cursor.HasFailed()) {
         m_hasFailed = true;
         m_starts.clear();
-        m_counts = {};
         return;
     }
     m_isCutOff = pixel < pixelCount;
     m_end = cursor.Offset();
     // The last pixel goes on to the end.
     if (m_isCutOff) {
-        m_counts.Add(last, pixelCount - pixel);
+        counts.Add(last, pixelCount - pixel);
         current->hasSet |= last != MaskClear;
     }
+    m_counts = counts;
     for (; next != starts.end(); ++next) {
         Start& start = **next;
         start.packet[0] = RunBit;
