@@ -118,7 +118,6 @@ void tst_ToolLimits::MissingMemoryIsReported_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::newRow("info") << QStringList{"info", "sample.xml"};
     QTest::newRow("compare") << QStringList{"compare", "sample.xml", "sample.xml"};
-    QTest::newRow("render") << QStringList{"render", "sample.xml", "-o", "p.png", "--size", "100"};
 }
 
 void tst_ToolLimits::MissingMemoryIsReported()
@@ -142,6 +141,8 @@ void tst_ToolLimits::MissingMemoryIsReported()
     while (runWith(limit, {"--version"}).exitCode != 0) {
         limit += step;
     }
+    // What the libraries need to start with is not the same in each run.
+    limit += step;
     int failures = 0;
     for (int i = 0; i < 8; ++i, limit += step) {
         const ProgramRun run = runWith(limit, arguments);
