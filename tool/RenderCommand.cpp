@@ -201,6 +201,40 @@ bool DrawLayers(const ProjectData& project, const QVector<LayerData>& layers, Ma
     return true;
 }
 
+/// What is drawn of a project.
+struct Drawing
+{
+    /// The lowest first.
+    QVector<LayerData> layers;
+    QVector<ShownFlag> flags;
+    bool areLayersDrawn = true;
+    bool areZonesDrawn = false;
+};
+
+/// False after a printed error.
+bool DrawProject(const ProjectData& project, Drawing& drawing, MapPicture& picture)
+{
+    if (!DrawBackground(project, picture) ||
+        (drawing.areLayersDrawn && !DrawLayers(project, drawing.layers, picture))) {
+        return false;
+    }
+    if (!drawing.flags.isEmpty()) {
+        ProjectFields fields;
+        if (!fields.Open(project, ProjectFields::CutOffBitmaps::Fill) ||
+            !picture.DrawFlags(fields, drawing.flags)) {
+            return false;
+        }
+    }
+    if (drawing.areZonesDrawn) {
+        TerritoryTypeList types;
+        if (!ReadTypeList(project.path, types)) {
+            return false;
+        }
+        picture.DrawZones(types);
+    }
+    return true;
+}
+
 ToolExit RenderProject(const QString& path, const RenderOptions& options)
 {
     ProjectData project;
@@ -210,15 +244,14 @@ ToolExit RenderProject(const QString& path, const RenderOptions& options)
     if (IsInput(options.output, project.Files())) {
         return ToolExit::BadArguments;
     }
-    QVector<ShownFlag> flags;
-    QVector<LayerData> layers;
+    Drawing drawing;
     QString unknown;
     const KnownFlags known{project.flagTypes, MapBits(project.flagTypes.usages.size()),
                            MapBits(project.flagTypes.values.size())};
-    if (!FindFlags(options.flags, known, flags, unknown)) {
+    if (!FindFlags(options.flags, known, drawing.flags, unknown)) {
         return WrongOption(QStringLiteral("there is no flag %1.").arg(Console::Quoted(unknown)));
     }
-    if (!ChooseLayers(project, options, layers, unknown)) {
+    if (!ChooseLayers(project, options, drawing.layers, unknown)) {
         return WrongOption(QStringLiteral("there is no layer %1.").arg(Console::Quoted(unknown)));
     }
     const QString sizeError = project.LayerSizeError();
@@ -230,29 +263,10 @@ ToolExit RenderProject(const QString& path, const RenderOptions& options)
     if (picture.IsNull()) {
         return NoMemory(options);
     }
-    if (!DrawBackground(project, picture)) {
-        return ToolExit::Unreadable;
-    }
-    if (flags.isEmpty() || options.areLayersChosen) {
-        if (!DrawLayers(project, layers, picture)) {
-            return ToolExit::Unreadable;
-        }
-    }
-    if (!flags.isEmpty()) {
-        ProjectFields fields;
-        if (!fields.Open(project, ProjectFields::CutOffBitmaps::Fill) ||
-            !picture.DrawFlags(fields, flags)) {
-            return ToolExit::Unreadable;
-        }
-    }
-    TerritoryTypeList types;
-    if (options.doDrawZones) {
-        if (!ReadTypeList(path, types)) {
-            return ToolExit::Unreadable;
-        }
-        picture.DrawZones(types);
-    }
-    return Finish(options, picture, flags);
+    drawing.areLayersDrawn = drawing.flags.isEmpty() || options.areLayersChosen;
+    drawing.areZonesDrawn = options.doDrawZones;
+    return DrawProject(project, drawing, picture) ? Finish(options, picture, drawing.flags)
+                                                  : ToolExit::Unreadable;
 }
 
 /// The usages, or where there are none the values.

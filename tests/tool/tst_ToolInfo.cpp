@@ -281,6 +281,9 @@ void tst_ToolInfo::UnreadableFilesEndWithThree_data()
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("error");
     QTest::newRow("missing") << "x.map" << QByteArray() << "does not exist.";
+    QTest::newRow("name in another encoding")
+        << QString(QChar::ReplacementCharacter) << QByteArray()
+        << "does not exist, or its name is no UTF-8.";
     QTest::newRow("text") << "x.txt" << QByteArray("some text")
                           << "is no project, map, layer bitmap, territory type or area types file.";
     QTest::newRow("another document")
