@@ -8,6 +8,7 @@
 #include "ui/DockLayers.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QCheckBox>
 #include <QGroupBox>
 #include <QLabel>
@@ -505,6 +506,8 @@ void tst_WindowSaving::ShortcutsWaitForTheEndOfASave()
     fixture.window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(fixture.window.get()));
     const auto press = [&fixture](Qt::Key key) {
+        // The window manager may still be at work on the dialog that was closed.
+        QApplication::setActiveWindow(fixture.window.get());
         QTest::keyClick(fixture.window->windowHandle(), key, Qt::ControlModifier);
     };
     int pressed = 0;
