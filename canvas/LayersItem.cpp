@@ -40,6 +40,9 @@ void LayersItem::Add(const QImage& mask, QRgb rgb, qreal opacity)
     }
     // What lies beyond a smaller mask is clear.
     const QImage whole = mask.size() == m_size ? mask : mask.copy({QPoint(), m_size});
+    if (whole.isNull()) {
+        return;
+    }
     m_pictures.append({whole, WithOpacity(rgb, opacity)});
     PictureChanged();
 }

@@ -39,11 +39,13 @@ QString Question(const QString& consequence, const QString& action)
     return QStringLiteral("%1\n\nAre you sure you want to %2?").arg(consequence, action);
 }
 
-/// Whether nothing would be lost, or the user agrees to lose it.
-bool MayDiscard(QWidget& window, const QString& title, const QString& action)
+/// Whether nothing would be lost, or the user agrees to lose it. What the mouse is at work on ends,
+/// and counts.
+bool MayDiscard(const EditorParts& parts, const QString& title, const QString& action)
 {
+    parts.scene.LoseMouse();
     return !Settings().modified ||
-           AskYesNo(&window, title,
+           AskYesNo(&parts.window, title,
                     Question(QStringLiteral(
                                  "This action will remove all current data. All unsaved work will "
                                  "be lost."),
@@ -107,7 +109,7 @@ ProjectActions::ProjectActions(const EditorParts& parts, LayerComposition& compo
 void ProjectActions::New()
 {
     if (IsBusy() ||
-        !MayDiscard(m_parts.window, QStringLiteral("New project"), QStringLiteral("continue"))) {
+        !MayDiscard(m_parts, QStringLiteral("New project"), QStringLiteral("continue"))) {
         return;
     }
     DialogNewProject dialog(&m_parts.window);
@@ -150,7 +152,7 @@ bool ProjectActions::StartWith(const QString& configPath)
 /// False when the user does not want to load after all.
 bool ProjectActions::AskForProject()
 {
-    if (!MayDiscard(m_parts.window, QStringLiteral("Load configuration"),
+    if (!MayDiscard(m_parts, QStringLiteral("Load configuration"),
                     QStringLiteral("load a different configuration"))) {
         return false;
     }
@@ -431,7 +433,7 @@ void ProjectActions::ImportAreaMap()
     }
     m_composition.Clear();
     const QString title = QStringLiteral("Import area map");
-    const bool isWanted = MayDiscard(m_parts.window, title, QStringLiteral("continue"));
+    const bool isWanted = MayDiscard(m_parts, title, QStringLiteral("continue"));
     const QString path = isWanted ? AskForFile(&m_parts.window, FilePurpose::AreaMap) : QString();
     if (path.isEmpty()) {
         m_composition.Fill();

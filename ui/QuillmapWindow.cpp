@@ -354,6 +354,8 @@ void QuillmapWindow::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
+    // What the mouse is at work on counts too.
+    m_ui->paintView->Scene()->LoseMouse();
     const QString question = tr("All unsaved work will be lost.\n\nAre you sure you want to quit "
                                 "the application?");
     if (ProjectSettings::Instance().modified && !AskYesNo(this, tr("Exit application"), question)) {

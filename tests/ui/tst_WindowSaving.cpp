@@ -74,6 +74,7 @@ private slots:
     void ClosesWithoutAQuestion();
     void AsksBeforeItCloses_data();
     void AsksBeforeItCloses();
+    void AsksWhatIsBeingPainted();
     void ClosesAfterARunningSave();
     void ShortcutsWaitForTheEndOfASave();
     void WaitsForNoPipe();
@@ -472,6 +473,29 @@ void tst_WindowSaving::AsksBeforeItCloses()
                     "to quit the application?"});
     QCOMPARE(fixture.window->isVisible(), !isClosed);
     QCOMPARE(QSettings("Halvern Works", "Tarvo Tools").contains("Brantle/path"), isClosed);
+}
+
+void tst_WindowSaving::AsksWhatIsBeingPainted()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    fixture.Trigger("actionTogglePaintMode");
+    QWidget* viewport = fixture.View().viewport();
+    QTest::mousePress(viewport, Qt::LeftButton, {}, viewport->rect().center());
+    QVERIFY(!fixture.Modified());
+    fixture.answers.AddButton("No");
+    fixture.answers.AddButton("No");
+
+    QVERIFY(!fixture.window->close());
+    QVERIFY(fixture.Modified());
+
+    fixture.Modified() = false;
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, viewport->rect().center());
+    QTest::mousePress(viewport, Qt::LeftButton, {}, viewport->rect().center());
+    fixture.Modified() = false;
+    fixture.Trigger("actionNew");
+    QCOMPARE(fixture.answers.Asked().size(), 3);
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, viewport->rect().center());
 }
 
 void tst_WindowSaving::ClosesAfterARunningSave()
