@@ -310,7 +310,7 @@ void tst_ToolCheck::NameOfTheMapIsChecked()
     const SampleProject project;
     QVERIFY(QFile::copy(project.Path("sample.xml"), project.Path(file)));
     const ProgramRun run = project.Run({"check", file});
-    QCOMPARE(Lines(run.output).first(), file + ": " + finding);
+    QCOMPARE(Lines(run.output).value(0), file + ": " + finding);
 }
 
 void tst_ToolCheck::StrictCountsWarnings()

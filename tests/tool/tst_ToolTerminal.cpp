@@ -37,7 +37,7 @@ QByteArray TerminalOutput(const SampleProject& project, const QStringList& argum
     return output;
 }
 
-const QByteArray Removed = "\r\x1b[K";
+constexpr char Removed[] = "\r\x1b[K";
 
 QByteArray Bar(const QByteArray& what, int percent)
 {
