@@ -1,5 +1,7 @@
 #include "app/Names.h"
 
+#include "app/Xml.h"
+
 #include <QRegExp>
 
 namespace {
@@ -13,7 +15,8 @@ QRegExp ForbiddenCharacters()
 
 bool IsValidName(const QString& name)
 {
-    return !name.trimmed().isEmpty() && !name.contains(ForbiddenCharacters());
+    return !name.trimmed().isEmpty() && !name.contains(ForbiddenCharacters()) &&
+           ToXmlText(name) == name;
 }
 
 bool IsRename(const QString& oldName, const QString& newName)
@@ -28,7 +31,7 @@ bool LeadsUpward(const QString& name)
 
 QString ToValidName(const QString& name)
 {
-    QString valid = name;
+    QString valid = ToXmlText(name);
     valid.replace(ForbiddenCharacters(), QStringLiteral("_"));
     return valid.trimmed().isEmpty() ? QStringLiteral("Unnamed") : valid;
 }

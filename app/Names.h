@@ -5,7 +5,7 @@
 #include <QString>
 
 /// True when a layer or a territory type may have this name, which becomes a file name: something
-/// is left after trimming, and none of < > : " / \ | ? * is in it.
+/// is left after trimming, none of < > : " / \ | ? * is in it, and an XML document can hold it.
 bool IsValidName(const QString& name);
 
 /// Whether a rename in a view is carried out: to another name, and to a valid one.

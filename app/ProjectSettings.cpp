@@ -65,7 +65,7 @@ void ProjectSettings::WriteXml(QXmlStreamWriter& xml) const
 {
     xml.writeStartElement(QStringLiteral("global"));
     xml.writeEmptyElement(QStringLiteral("background"));
-    xml.writeAttribute(QStringLiteral("file"), backgroundFile);
+    WriteTextAttribute(xml, QLatin1String("file"), backgroundFile);
     xml.writeAttribute(QStringLiteral("rgba"), QString::number(backgroundColor.rgba()));
     xml.writeEmptyElement(QStringLiteral("layer"));
     xml.writeAttribute(QStringLiteral("size"), QString::number(layerWidth));

@@ -1,6 +1,8 @@
 #include "app/Xml.h"
 
+#include <QVector>
 #include <QXmlStreamReader>
+#include <QXmlStreamWriter>
 
 #include <algorithm>
 #include <limits>
@@ -13,6 +15,14 @@ const XmlHandler* HandlerFor(const XmlHandlers& handlers, const QStringRef& elem
         return element == handler.element;
     });
     return it == handlers.end() ? nullptr : &*it;
+}
+
+bool IsXmlCharacter(uint codePoint)
+{
+    if (codePoint < 0x20) {
+        return codePoint == '\t' || codePoint == '\n' || codePoint == '\r';
+    }
+    return codePoint != 0xFFFE && codePoint != 0xFFFF;
 }
 
 } // namespace
@@ -68,4 +78,18 @@ quint32 BitsAttribute(const QXmlStreamReader& xml, QLatin1String name)
     const bool isInRange =
         value >= std::numeric_limits<qint32>::min() && value <= std::numeric_limits<quint32>::max();
     return isInRange ? static_cast<quint32>(value) : 0;
+}
+
+QString ToXmlText(const QString& text)
+{
+    QVector<uint> codePoints = text.toUcs4();
+    codePoints.erase(std::remove_if(codePoints.begin(), codePoints.end(),
+                                    [](uint codePoint) { return !IsXmlCharacter(codePoint); }),
+                     codePoints.end());
+    return QString::fromUcs4(codePoints.constData(), codePoints.size());
+}
+
+void WriteTextAttribute(QXmlStreamWriter& xml, QLatin1String name, const QString& value)
+{
+    xml.writeAttribute(name, ToXmlText(value));
 }

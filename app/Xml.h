@@ -7,6 +7,7 @@
 #include <vector>
 
 class QXmlStreamReader;
+class QXmlStreamWriter;
 
 /// What a reader does with one element. A handler that returns false stops the walk.
 struct XmlHandler
@@ -31,3 +32,10 @@ quint32 UIntAttribute(const QXmlStreamReader& xml, QLatin1String name, quint32 d
 float FloatAttribute(const QXmlStreamReader& xml, QLatin1String name, float defaultValue);
 /// A set of 32 bits, written signed or unsigned; negative numbers keep their bit pattern.
 quint32 BitsAttribute(const QXmlStreamReader& xml, QLatin1String name);
+
+/// The text without the characters that no XML 1.0 document can hold, however they are escaped:
+/// controls other than tab and line ends, U+FFFE and U+FFFF. Half a surrogate pair becomes U+FFFD.
+/// Pasted into a name they would make a document that cannot be loaded.
+QString ToXmlText(const QString& text);
+/// Writes an attribute of the element begun last, its value made to XML text.
+void WriteTextAttribute(QXmlStreamWriter& xml, QLatin1String name, const QString& value);

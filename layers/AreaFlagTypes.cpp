@@ -54,7 +54,7 @@ void WriteNames(QXmlStreamWriter& xml, const QString& group, const QString& elem
     xml.writeStartElement(group);
     for (const QString& name : names) {
         xml.writeEmptyElement(element);
-        xml.writeAttribute(QStringLiteral("name"), name);
+        WriteTextAttribute(xml, QLatin1String("name"), name);
     }
     xml.writeEndElement();
 }

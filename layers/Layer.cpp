@@ -4,6 +4,7 @@
 #include "app/Log.h"
 #include "app/Names.h"
 #include "app/ProjectSettings.h"
+#include "app/Xml.h"
 #include "layers/CustomLayer.h"
 #include "layers/Targa.h"
 #include "layers/raster/Mask.h"
@@ -171,7 +172,7 @@ bool Layer::WriteXml(QXmlStreamWriter& xml) const
     xml.writeAttribute(QStringLiteral("value_flags"), QString::number(m_valueFlags));
     xml.writeAttribute(QStringLiteral("color"), QString::number(m_color.rgba()));
     xml.writeAttribute(QStringLiteral("visible"), QString::number(m_isVisible ? 1 : 0));
-    xml.writeAttribute(QStringLiteral("name"), text());
+    WriteTextAttribute(xml, QLatin1String("name"), text());
     const bool isSaved = SaveBitmap();
     xml.writeEndElement();
     return isSaved;

@@ -200,7 +200,7 @@ void Territory::Write(QXmlStreamWriter& xml, bool exportMode) const
 {
     xml.writeStartElement(QStringLiteral("territory"));
     if (!exportMode) {
-        xml.writeAttribute(QStringLiteral("name"), text());
+        WriteTextAttribute(xml, QLatin1String("name"), text());
         xml.writeAttribute(QStringLiteral("visible"), QString::number(m_isVisible ? 1 : 0));
     }
     xml.writeAttribute(QStringLiteral("color"), QString::number(m_color.rgba()));

@@ -4,6 +4,7 @@
 #include "app/Names.h"
 #include "app/OutputFile.h"
 #include "app/ProjectSettings.h"
+#include "app/Xml.h"
 #include "territories/Territory.h"
 #include "territories/TerritoryTypeList.h"
 
@@ -139,7 +140,7 @@ void TerritoryType::setData(const QVariant& value, int role)
 void TerritoryType::Write(QXmlStreamWriter& xml) const
 {
     xml.writeStartElement(QStringLiteral("territory-type"));
-    xml.writeAttribute(QStringLiteral("name"), text());
+    WriteTextAttribute(xml, QLatin1String("name"), text());
     const QVector<Territory*> territories = Territories();
     for (const Territory* territory : territories) {
         territory->Write(xml, false);

@@ -229,7 +229,7 @@ void Zone::Write(QXmlStreamWriter& xml, bool exportMode) const
     const auto metresX = static_cast<double>(settings.metresPerPixelX);
     const auto metresZ = static_cast<double>(settings.metresPerPixelZ);
     xml.writeEmptyElement(QStringLiteral("zone"));
-    xml.writeAttribute(QStringLiteral("name"), Name());
+    WriteTextAttribute(xml, QLatin1String("name"), Name());
     xml.writeAttribute(QStringLiteral("smin"), QString::number(m_counts.staticMin));
     xml.writeAttribute(QStringLiteral("smax"), QString::number(m_counts.staticMax));
     xml.writeAttribute(QStringLiteral("dmin"), QString::number(m_counts.dynamicMin));

@@ -37,6 +37,12 @@ void NamesTest::namesThatCanBeFileNamesAreValid_data()
         QTest::newRow(("with " + row).constData()) << QString("co%1ast").arg(forbidden) << false;
         QTest::newRow(("only " + row).constData()) << QString(forbidden) << false;
     }
+    QTest::newRow("tab, which a document escapes") << "co\tast" << true;
+    QTest::newRow("beyond the basic plane") << QString::fromUtf8("co\U0001F3F0ast") << true;
+    for (const ushort unwritable : {0x0, 0x1, 0xB, 0x1F, 0xD83C, 0xDFF0, 0xFFFE, 0xFFFF}) {
+        QTest::addRow("with U+%04X, which no document holds", unwritable)
+            << "co" + QString(QChar(unwritable)) + "ast" << false;
+    }
 }
 
 void NamesTest::namesThatCanBeFileNamesAreValid()
@@ -99,6 +105,9 @@ void NamesTest::invalidNamesBecomeValidOnesThatResembleThem_data()
     QTest::newRow("path upward") << "../coast"
                                  << ".._coast";
     QTest::newRow("all forbidden characters") << QStringLiteral("a<>:\"/\\|?*b") << "a_________b";
+    QTest::newRow("vertical tab and null") << QString("a\vb") + QChar::Null << "ab";
+    QTest::newRow("half a surrogate pair")
+        << "a" + QString(QChar(0xD83C)) << "a" + QString(QChar(0xFFFD));
     QTest::newRow("empty") << ""
                            << "Unnamed";
     QTest::newRow("blanks only") << "  "

@@ -3,12 +3,15 @@
 #include "app/ProjectSettings.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
+#include "territories/Territory.h"
 #include "territories/TerritoryType.h"
 #include "territories/TerritoryTypeList.h"
+#include "territories/Zone.h"
 #include "tests/support/ProjectFixture.h"
 
 #include <QFile>
 #include <QTest>
+#include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
 #include <memory>
@@ -41,6 +44,7 @@ private slots:
     void SelectedRowIsWritten_data();
     void SelectedRowIsWritten();
     void CallerIsToldBeforeTheLayers();
+    void PastedControlCharactersAreLeftOut();
 
 private:
     std::unique_ptr<ProjectFixture> m_project;
@@ -160,6 +164,43 @@ void tst_ProjectDocument::CallerIsToldBeforeTheLayers()
     QVERIFY(documentThen.contains("<brush"));
     QVERIFY(!documentThen.contains("<layers>"));
     QVERIFY(!isBitmapThere);
+}
+
+void tst_ProjectDocument::PastedControlCharactersAreLeftOut()
+{
+    ProjectSettings& settings = ProjectSettings::Instance();
+    settings.backgroundFile = "wor\vld.png";
+    settings.areaFlagTypes.values = QVector<QString>{QString("rich") + QChar(0xFFFE)};
+    LayerList layers;
+    auto* coast = new Layer(0, 0, &layers,
+                            "co\x01"
+                            "ast");
+    coast->SetImage(settings.BlankLayerImage(), Qt::white);
+    QVERIFY(layers.AddLayer(coast));
+    TerritoryTypeList types;
+    auto* type = new TerritoryType("ani\fmals");
+    QVERIFY(types.AddType(type));
+    Territory* territory = type->NewTerritory();
+    territory->setText("\x1Bherd");
+    auto* zone = new Zone(territory, 100);
+    zone->SetUsage(Zone::DynamicEvent);
+    zone->SetEventName("hunt\b");
+    QVERIFY(territory->AddZone(zone));
+
+    QXmlStreamReader document(Written({-1, {}, {}, layers, types}));
+
+    QStringList texts;
+    while (!document.atEnd()) {
+        document.readNext();
+        for (const char* name : {"file", "name"}) {
+            if (document.isStartElement() && document.attributes().hasAttribute(name)) {
+                texts.append(document.attributes().value(name).toString());
+            }
+        }
+    }
+    QVERIFY2(!document.hasError(), qPrintable(document.errorString()));
+    QCOMPARE(texts, (QStringList{"world.png", "rich", "coast", "animals", "herd", "hunt"}));
+    QVERIFY(QFile::exists(m_project->Path("layers/coast.tga")));
 }
 
 QTEST_GUILESS_MAIN(tst_ProjectDocument)
