@@ -8,6 +8,13 @@
 #include <QScrollBar>
 #include <QStyledItemDelegate>
 
+namespace {
+
+/// Of a screen with 60 pictures a second.
+constexpr int FrameMilliseconds = 16;
+
+} // namespace
+
 /// Gives all lines one size, that of the widest: the list then lays out thousands of them without
 /// measuring each, and still scrolls to the end of the longest.
 class DockStatus::LineDelegate : public QStyledItemDelegate
@@ -41,6 +48,9 @@ DockStatus::DockStatus(QWidget* parent)
     // What was said before the list had its size counts too.
     connect(m_ui->messageListView->verticalScrollBar(), &QScrollBar::rangeChanged,
             m_ui->messageListView, &QAbstractItemView::scrollToBottom);
+    m_frame.setSingleShot(true);
+    m_frame.setInterval(FrameMilliseconds);
+    connect(&m_frame, &QTimer::timeout, this, &DockStatus::ShowFrame);
     connect(m_ui->messageListView, &QWidget::customContextMenuRequested, this,
             &DockStatus::ShowContextMenu);
 }
@@ -61,10 +71,25 @@ void DockStatus::AddMessage(const QString& content, Log::MessageType type)
     option.font = m_ui->messageListView->font();
     m_delegate->MakeRoomFor(option, line->index());
     m_ui->messageListView->scrollToBottom();
+    if (m_frame.isActive()) {
+        m_ui->messageListView->setUpdatesEnabled(false);
+    } else {
+        m_frame.start();
+    }
+}
+
+/// Shows what was said since the last picture, if anything was.
+void DockStatus::ShowFrame()
+{
+    if (!m_ui->messageListView->updatesEnabled()) {
+        m_ui->messageListView->setUpdatesEnabled(true);
+        m_frame.start();
+    }
 }
 
 void DockStatus::SetBusy()
 {
+    ShowFrame();
     m_ui->pgrStatus->setRange(0, 0);
     m_ui->pgrStatus->setValue(0);
     QCoreApplication::processEvents();

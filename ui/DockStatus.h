@@ -4,6 +4,7 @@
 
 #include <QDockWidget>
 #include <QStandardItemModel>
+#include <QTimer>
 
 #include <memory>
 
@@ -35,10 +36,14 @@ public slots:
 private:
     void ShowContextMenu(const QPoint& position);
     void CopyAll() const;
+    void ShowFrame();
 
     class LineDelegate;
 
     std::unique_ptr<Ui::DockStatus> m_ui;
     QStandardItemModel m_model;
+    /// Runs from one picture of the list to the next: where messages come faster, painting the list
+    /// after each would take longer than what they tell of.
+    QTimer m_frame;
     LineDelegate* m_delegate;
 };

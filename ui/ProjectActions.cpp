@@ -224,6 +224,9 @@ void ProjectActions::BeginReplacing()
     m_parts.view.setEnabled(false);
     m_parts.status.SetProgressVisible(true);
     m_parts.status.SetBusy();
+    // They are shown empty now, and then not again at each row.
+    m_parts.layers.setUpdatesEnabled(false);
+    m_parts.terTypes.setUpdatesEnabled(false);
 }
 
 void ProjectActions::EmptyLists()
@@ -242,6 +245,8 @@ void ProjectActions::EmptyLists()
 
 void ProjectActions::Finalize(bool isSuccessful, int selected)
 {
+    m_parts.layers.setUpdatesEnabled(true);
+    m_parts.terTypes.setUpdatesEnabled(true);
     m_parts.layerProps.Refresh();
     m_parts.status.SetProgressVisible(false);
     EnableEditing(true);

@@ -3,6 +3,7 @@
 #include "app/ProjectSettings.h"
 #include "ui/QuillmapWindow.h"
 
+#include <QCoreApplication>
 #include <QFileDialog>
 #include <QLineEdit>
 
@@ -23,6 +24,8 @@ void Pulse::Reset()
 
 double LoadSeconds(QuillmapWindow& window, const QString& path, Pulse* pulse)
 {
+    // The picture of what was loaded before is not part of this load.
+    QCoreApplication::processEvents();
     std::chrono::steady_clock::time_point begin;
     QTimer::singleShot(0, &window, [&] {
         QTimer::singleShot(0, &window, [&] {

@@ -1,6 +1,7 @@
 #include "ui/DockStatus.h"
 
 #include "tests/support/Forms.h"
+#include "tests/support/PaintCounter.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -53,6 +54,8 @@ private slots:
     void ScrollsToTheNewestMessage();
     void ShowsTheNewestOfWhatWasSaidBeforeItWasShown();
     void ScrollsToTheEndOfTheLongestLine();
+    void PaintsMessagesInAHurryTogether();
+    void PaintsTheLastMessageBeforeItGetsBusy();
     void RunsBusy();
     void MakesRoomWhileTheBarIsHidden();
     void TellsWhetherTheBarIsOnScreen();
@@ -172,6 +175,40 @@ void tst_DockStatus::ScrollsToTheEndOfTheLongestLine()
     const int width = List(dock)->fontMetrics().horizontalAdvance(QString(200, QLatin1Char('m')));
     QVERIFY(List(dock)->visualRect(Line(dock, 1)->index()).width() >= width);
     QVERIFY(List(dock)->horizontalScrollBar()->maximum() > 0);
+}
+
+void tst_DockStatus::PaintsMessagesInAHurryTogether()
+{
+    DockStatus dock;
+    dock.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dock));
+    const PaintCounter paints(List(dock)->viewport());
+
+    for (int i = 0; i < 200; ++i) {
+        dock.AddMessage(QStringLiteral("message %1").arg(i), Log::Info);
+        QCoreApplication::processEvents();
+    }
+
+    const int paintsInAHurry = paints.Count();
+    QVERIFY(paintsInAHurry >= 1);
+    QVERIFY(paintsInAHurry < 200);
+    QTRY_VERIFY(paints.Count() > paintsInAHurry);
+    QTRY_VERIFY(List(dock)->updatesEnabled());
+}
+
+void tst_DockStatus::PaintsTheLastMessageBeforeItGetsBusy()
+{
+    DockStatus dock;
+    dock.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dock));
+    dock.AddMessage(QStringLiteral("first"), Log::Info);
+    QCoreApplication::processEvents();
+    dock.AddMessage(QStringLiteral("last"), Log::Info);
+    const PaintCounter paints(List(dock)->viewport());
+
+    dock.SetBusy();
+
+    QCOMPARE(paints.Count(), 1);
 }
 
 void tst_DockStatus::RunsBusy()

@@ -3,6 +3,7 @@
 #include "layers/LayerList.h"
 #include "territories/Zone.h"
 #include "tests/support/Files.h"
+#include "tests/support/PaintCounter.h"
 #include "tests/support/WindowFixture.h"
 #include "ui/DockLayers.h"
 
@@ -67,6 +68,7 @@ class tst_WindowLoading : public QObject
 
 private slots:
     void LoadsAProject();
+    void PaintsTheListsOnceWhileItLoads();
     void SelectsTheStoredRow();
     void WithoutAStoredRowThereIsNothingToPaint();
     void TakesElementsInAnyOrder();
@@ -120,6 +122,29 @@ void tst_WindowLoading::LoadsAProject()
     QVERIFY(fixture.window->actions().contains(fixture.Action("actionTogglePaintMode")));
     QVERIFY(fixture.Child<QWidget>("pgrStatus")->isHidden());
     QVERIFY(fixture.Child<QWidget>("BrushDock")->isHidden());
+}
+
+void tst_WindowLoading::PaintsTheListsOnceWhileItLoads()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    const PaintCounter paints(fixture.Child<QTreeView>("treeLayers")->viewport());
+    int paintsBefore = -1;
+    int paintsOfTheFirstRow = -1;
+    const QObject context;
+    connect(&Log::Instance(), &Log::MessageReceived, &context, [&](const QString& line) {
+        if (line.contains("\"red\"")) {
+            paintsBefore = paints.Count();
+        } else if (line.contains("\"blue\"")) {
+            QCoreApplication::processEvents();
+            paintsOfTheFirstRow = paints.Count() - paintsBefore;
+        }
+    });
+
+    fixture.Load(path);
+
+    QCOMPARE(paintsOfTheFirstRow, 0);
+    QTRY_VERIFY(paints.Count() > paintsBefore);
 }
 
 void tst_WindowLoading::SelectsTheStoredRow()
