@@ -66,7 +66,6 @@ private slots:
     void ClipsNothing_data();
     void ClipsNothing();
     void KeepsItsSizeWithLongNames();
-    void StaysQuickWithManyLayers();
     void ShowsTheLayersColors();
     void KeepsTheNameReadable_data();
     void KeepsTheNameReadable();
@@ -298,26 +297,6 @@ void tst_DialogCustomLayerLook::KeepsItsSizeWithLongNames()
         }
         m->Click("btnCancel");
     });
-}
-
-void tst_DialogCustomLayerLook::StaysQuickWithManyLayers()
-{
-    constexpr int count = 500;
-    for (int i = 0; i < count; ++i) {
-        m->Add(QString("layer %1").arg(i), {0, 0, 8, 8});
-    }
-    QElapsedTimer time;
-    time.start();
-
-    m->Execute(nullptr, [&] {
-        m->WaitIdle();
-        m->Key("cboInputA", Qt::Key_End);
-        m->WaitIdle();
-        m->Click("btnCancel");
-    });
-
-    constexpr int milliseconds = 2000;
-    QVERIFY2(time.elapsed() < milliseconds, qPrintable(QString::number(time.elapsed())));
 }
 
 void tst_DialogCustomLayerLook::ShowsTheLayersColors()

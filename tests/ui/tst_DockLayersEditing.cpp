@@ -5,7 +5,6 @@
 
 #include <QAction>
 #include <QCheckBox>
-#include <QElapsedTimer>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QStandardItemModel>
@@ -34,7 +33,6 @@ private slots:
     void ClearsWhileALayerIsSelected();
     void DiesBeforeAndAfterTheOtherDock_data();
     void DiesBeforeAndAfterTheOtherDock();
-    void StaysQuickWith500Layers();
 
 private:
     std::unique_ptr<LayerDocksFixture> m_docks;
@@ -311,32 +309,6 @@ void tst_DockLayersEditing::DiesBeforeAndAfterTheOtherDock()
     QCoreApplication::processEvents();
 
     QVERIFY(m_docks->selected.isEmpty());
-}
-
-void tst_DockLayersEditing::StaysQuickWith500Layers()
-{
-    constexpr int count = 500;
-    constexpr qint64 milliseconds = 5000;
-    // It looks at every row whenever one changes.
-    m_docks->tester.reset();
-    QElapsedTimer timer;
-    timer.start();
-    for (int i = 0; i < count; ++i) {
-        QTest::mouseClick(m_docks->Button("btnAddPainted"), Qt::LeftButton);
-        m_docks->dock->SelectRow(i);
-    }
-    for (int i = 0; i < count; ++i) {
-        m_docks->List()->model()->item(i)->setCheckState(Qt::Checked);
-    }
-    DragRow(*m_docks->Tree(), 0, 3);
-    QTest::mouseClick(m_docks->Button("btnHideAll"), Qt::LeftButton);
-    for (int i = 0; i < count; ++i) {
-        m_docks->dock->SelectRow(0);
-        m_docks->Action("actionRemove")->trigger();
-    }
-
-    QVERIFY(!m_docks->dock->HasLayers());
-    QVERIFY2(timer.elapsed() < milliseconds, qPrintable(QString::number(timer.elapsed())));
 }
 
 QTEST_MAIN(tst_DockLayersEditing)
