@@ -28,6 +28,13 @@ public:
         return {qMax(size.width(), m_width), size.height()};
     }
 
+    /// In one line: a second one would be hidden by the next message.
+    QString displayText(const QVariant& value, const QLocale& locale) const override
+    {
+        return QStyledItemDelegate::displayText(value, locale)
+            .replace(QChar(QChar::LineSeparator), QChar(QChar::Space));
+    }
+
     void MakeRoomFor(const QStyleOptionViewItem& option, const QModelIndex& index)
     {
         m_width = sizeHint(option, index).width();

@@ -54,6 +54,7 @@ private slots:
     void ScrollsToTheNewestMessage();
     void ShowsTheNewestOfWhatWasSaidBeforeItWasShown();
     void ScrollsToTheEndOfTheLongestLine();
+    void ShowsAMessageWithLineBreaksInOneLine();
     void PaintsMessagesInAHurryTogether();
     void PaintsTheLastMessageBeforeItGetsBusy();
     void RunsBusy();
@@ -175,6 +176,24 @@ void tst_DockStatus::ScrollsToTheEndOfTheLongestLine()
     const int width = List(dock)->fontMetrics().horizontalAdvance(QString(200, QLatin1Char('m')));
     QVERIFY(List(dock)->visualRect(Line(dock, 1)->index()).width() >= width);
     QVERIFY(List(dock)->horizontalScrollBar()->maximum() > 0);
+}
+
+void tst_DockStatus::ShowsAMessageWithLineBreaksInOneLine()
+{
+    DockStatus dock;
+    dock.show();
+    // The mouse may be on the first line.
+    dock.AddMessage(QStringLiteral("first"), Log::Info);
+    dock.AddMessage(QStringLiteral("Layer 'a\nb' saved."), Log::Info);
+    dock.AddMessage(QStringLiteral("Layer 'a b' saved."), Log::Info);
+    QCoreApplication::processEvents();
+
+    QCOMPARE(Line(dock, 1)->text(), QStringLiteral("Layer 'a\nb' saved."));
+    const QRect broken = List(dock)->visualRect(Line(dock, 1)->index());
+    const QRect whole = List(dock)->visualRect(Line(dock, 2)->index());
+    QVERIFY(broken.height() < 2 * List(dock)->fontMetrics().height());
+    const QImage picture = List(dock)->viewport()->grab().toImage();
+    QCOMPARE(picture.copy(broken), picture.copy(whole));
 }
 
 void tst_DockStatus::PaintsMessagesInAHurryTogether()
