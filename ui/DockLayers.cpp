@@ -181,13 +181,17 @@ void DockLayers::Modify(bool /*checked*/)
     if (!layer) {
         return;
     }
-    DialogCustomLayer dialog(m_list.get(), layer, this);
-    if (dialog.exec() == QDialog::Accepted) {
+    const QString oldName = layer->text();
+    const quint64 oldRevision = layer->PictureRevision();
+    DialogCustomLayer(m_list.get(), layer, this).exec();
+    if (!layer) {
+        return;
+    }
+    // The dialog is accepted too when it could not compute the layer, which stays what it was.
+    if (layer->text() != oldName || layer->PictureRevision() != oldRevision) {
         ProjectSettings::Instance().modified = true;
     }
-    if (layer) {
-        emit Modified(layer);
-    }
+    emit Modified(layer);
 }
 
 void DockLayers::Rename(bool /*checked*/)

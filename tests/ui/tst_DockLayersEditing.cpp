@@ -20,6 +20,7 @@ private slots:
     void OpensItsMenuOnLayersOnly();
     void ModifiesTheLayer();
     void ReportsAModificationThatWasCancelled();
+    void AModificationThatFailedChangesNothing();
     void RenamesWithF2();
     void DropsInvalidNames_data();
     void DropsInvalidNames();
@@ -83,6 +84,23 @@ void tst_DockLayersEditing::ReportsAModificationThatWasCancelled()
     QCOMPARE(modified.size(), 1);
     QCOMPARE(m_docks->Order(), QStringLiteral("a"));
     QVERIFY(m_docks->LayerAt(0)->Code().isEmpty());
+    QVERIFY(!m_docks->IsModified());
+}
+
+void tst_DockLayersEditing::AModificationThatFailedChangesNothing()
+{
+    const Layer* layer = m_docks->AddLayer(QStringLiteral("a"));
+    const QImage mask = layer->Image();
+    const QSignalSpy modified(m_docks->dock, &DockLayers::Modified);
+    ProjectSettings::Instance().layerWidth = 0;
+    ModalAnswers answers;
+    answers.Add(ClickWhenIdle("btnOk", QStringLiteral("inverse")));
+
+    m_docks->UseMenu(m_docks->RectOf(0).center(), "actionModify");
+
+    QCOMPARE(modified.size(), 1);
+    QCOMPARE(m_docks->Order(), QStringLiteral("a"));
+    QCOMPARE(layer->Image(), mask);
     QVERIFY(!m_docks->IsModified());
 }
 
