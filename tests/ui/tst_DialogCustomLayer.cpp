@@ -277,6 +277,8 @@ void tst_DialogCustomLayer::OpensAComputedLayer_data()
     QTest::newRow("one input") << "!(B)" << 0 << 1 << 0 << 25;
     QTest::newRow("two inputs") << "-(B)(A)" << 3 << 1 << 0 << 25;
     QTest::newRow("a radius") << "d(B:40)" << 5 << 1 << 0 << 40;
+    QTest::newRow("a radius below the range") << "d(B:0)" << 5 << 1 << 0 << 1;
+    QTest::newRow("a radius above the range") << "d(B:5000)" << 5 << 1 << 0 << 2000;
     QTest::newRow("an unknown operation") << "x(B)" << 0 << 1 << 0 << 25;
     QTest::newRow("an id that is gone") << "!(999999)" << 0 << 0 << 0 << 25;
 }

@@ -238,6 +238,7 @@ void tst_DialogCustomLayerLook::NamesItsControls()
     if (!label.isEmpty()) {
         QCOMPARE(dialog.findChild<QLabel*>(label)->buddy(), widget);
     }
+    QCOMPARE(widget->toolTip().isEmpty(), widget->focusPolicy() == Qt::NoFocus);
 }
 
 void tst_DialogCustomLayerLook::ClipsNothing_data()

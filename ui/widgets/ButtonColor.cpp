@@ -25,6 +25,7 @@ ButtonColor::ButtonColor(QWidget* parent)
     setFixedSize(ButtonSize, ButtonSize);
     setIconSize({PictureSize, PictureSize});
     setAccessibleName(tr("Color"));
+    setToolTip(tr("Choose the color"));
     ShowColor();
     connect(this, &QPushButton::clicked, this, &ButtonColor::PickColor);
 }

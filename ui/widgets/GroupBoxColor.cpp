@@ -42,6 +42,7 @@ void GroupBoxColor::BuildForm()
     m_slider->setRange(0, HighestAlpha);
     m_slider->setValue(FirstAlpha);
     m_slider->setAccessibleName(tr("Opacity"));
+    m_slider->setToolTip(tr("Opacity, from transparent to opaque"));
     TakeWheelOnlyWithFocus(m_slider);
     m_label->setObjectName(QStringLiteral("label"));
     m_label->setText(tr("<b>50%</b>"));
