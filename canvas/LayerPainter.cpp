@@ -1,5 +1,6 @@
 #include "canvas/LayerPainter.h"
 
+#include "app/Log.h"
 #include "canvas/Brush.h"
 #include "canvas/DeviceImage.h"
 #include "canvas/MaskSampler.h"
@@ -37,6 +38,7 @@ void LayerPainter::Load(Layer* layer)
     m_mask = layer ? layer->Image() : QImage();
     m_rgb = layer ? layer->Color().rgb() : 0;
     m_wasHandedOver = false;
+    m_wasMemoryMissed = false;
 }
 
 QRect LayerPainter::Dab(const Brush& brush, BrushAction action)
@@ -71,32 +73,49 @@ QRect LayerPainter::Step(const Brush& brush, BrushAction action, const QRect& to
     if (!layer || m_mask.isNull()) {
         return {};
     }
-    const bool isOtherColor = layer->Color().rgb() != m_rgb;
+    if (!Prepare(*layer, brush, action)) {
+        MissMemory(*layer);
+        return {};
+    }
+    const QRect part = action == BrushAction::None ? QRect() : Brush::PatchRect(touched, Size());
+    if (!part.isEmpty() && !PaintPart(*layer, part, draw)) {
+        MissMemory(*layer);
+    }
+    return part;
+}
+
+bool LayerPainter::Prepare(Layer& layer, const Brush& brush, BrushAction action)
+{
+    const bool isOtherColor = layer.Color().rgb() != m_rgb;
     // Translucent paint, and shades between two colours of a picture, are other colours too.
     const bool paintsOtherColor =
         action == BrushAction::Paint && brush.PaintColor() != QColor(m_rgb);
-    if (isOtherColor || paintsOtherColor) {
-        MakeArgb();
+    if ((isOtherColor || paintsOtherColor) && !MakeArgb()) {
+        return false;
     }
-    if (!IsHandedOver(*layer)) {
-        HandOverWhole(*layer);
-    }
-    if (action == BrushAction::None) {
-        return {};
-    }
-    const QRect part = Brush::PatchRect(touched, Size());
-    if (part.isEmpty()) {
-        return {};
-    }
+    return IsHandedOver(layer) || HandOverWhole(layer);
+}
+
+bool LayerPainter::PaintPart(Layer& layer, const QRect& part, const Draw& draw)
+{
     if (m_argb.isNull()) {
         QImage patch = raster::MaskToDisplay(m_mask.copy(part), m_rgb);
         draw(patch, {part.topLeft(), Size()});
-        HandOverPart(*layer, part, patch);
-    } else {
-        draw(m_argb, {});
-        HandOverPart(*layer, part, m_argb.copy(part));
+        return HandOverPart(layer, part, patch);
     }
-    return part;
+    draw(m_argb, {});
+    // What could not be handed over now is with the next step.
+    m_wasHandedOver = HandOverPart(layer, part, m_argb.copy(part));
+    return m_wasHandedOver;
+}
+
+void LayerPainter::MissMemory(const Layer& layer)
+{
+    if (!m_wasMemoryMissed) {
+        m_wasMemoryMissed = true;
+        // Comes last: whoever reads messages may load another layer.
+        LogError(QStringLiteral("There is no memory to paint on layer '%1'.").arg(layer.text()));
+    }
 }
 
 bool LayerPainter::IsHandedOver(const Layer& layer) const
@@ -105,36 +124,58 @@ bool LayerPainter::IsHandedOver(const Layer& layer) const
            m_mask.constBits() == layer.Image().constBits();
 }
 
-void LayerPainter::HandOverWhole(Layer& layer)
+bool LayerPainter::HandOverWhole(Layer& layer)
 {
     const QRgb rgb = layer.Color().rgb();
+    QImage mask = m_mask;
     if (!m_argb.isNull()) {
-        m_mask = raster::ImageToMask(m_argb, rgb);
+        mask = raster::ImageToMask(m_argb, rgb);
     } else if (!IsTwoValued(m_mask)) {
-        m_mask = raster::ImageToMask(raster::MaskToDisplay(m_mask, m_rgb), rgb);
+        mask = raster::ImageToMask(raster::MaskToDisplay(m_mask, m_rgb), rgb);
     }
+    if (mask.isNull()) {
+        return false;
+    }
+    m_mask = mask;
     m_handedRgb = rgb;
     m_wasHandedOver = true;
     layer.TakePaintedMask(m_mask);
+    return true;
 }
 
-void LayerPainter::HandOverPart(Layer& layer, const QRect& part, const QImage& patch)
+bool LayerPainter::HandOverPart(Layer& layer, const QRect& part, const QImage& patch)
 {
     const QImage patchMask = raster::ImageToMask(patch, layer.Color().rgb());
+    if (patchMask.isNull()) {
+        return false;
+    }
     // With the layer's hold on the mask given up, this is the only one, and writing does not copy.
     layer.TakePaintedMask({});
-    for (int y = 0; y < part.height(); ++y) {
+    const bool isWritable = m_mask.isDetached() || CopyMask();
+    for (int y = 0; y < part.height() && isWritable; ++y) {
         std::memcpy(m_mask.scanLine(part.y() + y) + part.x(), patchMask.constScanLine(y),
                     static_cast<std::size_t>(part.width()));
     }
     layer.TakePaintedMask(m_mask);
+    return isWritable;
 }
 
-void LayerPainter::MakeArgb()
+bool LayerPainter::CopyMask()
+{
+    const QImage copy = m_mask.copy();
+    if (copy.isNull()) {
+        return false;
+    }
+    m_mask = copy;
+    return true;
+}
+
+bool LayerPainter::MakeArgb()
 {
     if (m_argb.isNull()) {
         m_argb = raster::MaskToDisplay(m_mask, m_rgb);
     }
+    return !m_argb.isNull();
 }
 
 void LayerPainter::Paint(QPainter& painter, const QRectF& exposed) const

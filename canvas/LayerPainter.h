@@ -34,7 +34,8 @@ public:
     Layer* GetLayer() const { return m_layer; }
 
     /// A filled circle at the brush's position, or a line from the point to there, and the
-    /// hand-over that follows. Returns the layer pixels that may have changed.
+    /// hand-over that follows. Returns the layer pixels that may have changed. Without memory for
+    /// it the layer keeps the mask that it has; the first time after Load an error is logged.
     QRect Dab(const Brush& brush, BrushAction action);
     QRect Segment(const Brush& brush, BrushAction action, QPointF from);
 
@@ -49,10 +50,16 @@ private:
     using Draw = std::function<void(QImage& image, const BrushPatch& patch)>;
 
     QRect Step(const Brush& brush, BrushAction action, const QRect& touched, const Draw& draw);
+    // Each that returns a bool leaves mask and layer as they are, and returns false, when there is
+    // no memory for more.
+    bool Prepare(Layer& layer, const Brush& brush, BrushAction action);
+    bool PaintPart(Layer& layer, const QRect& part, const Draw& draw);
     bool IsHandedOver(const Layer& layer) const;
-    void HandOverWhole(Layer& layer);
-    void HandOverPart(Layer& layer, const QRect& part, const QImage& patch);
-    void MakeArgb();
+    bool HandOverWhole(Layer& layer);
+    bool HandOverPart(Layer& layer, const QRect& part, const QImage& patch);
+    bool CopyMask();
+    bool MakeArgb();
+    void MissMemory(const Layer& layer);
 
     Tracked<Layer> m_layer;
     /// The mask of the last hand-over. It is the picture too, in m_rgb where it is 255, as long as
@@ -63,4 +70,5 @@ private:
     QImage m_argb;
     bool m_wasHandedOver = false;
     QRgb m_handedRgb = 0;
+    bool m_wasMemoryMissed = false;
 };

@@ -5,7 +5,9 @@
 #include "layers/LayerList.h"
 #include "layers/raster/Mask.h"
 #include "tests/support/LiteralCanvas.h"
+#include "tests/support/LogSpy.h"
 #include "tests/support/Masks.h"
+#include "tests/support/MemoryLimit.h"
 #include "tests/support/Random.h"
 
 #include <QPainter>
@@ -259,6 +261,9 @@ private slots:
     void ForgetsADestroyedLayer();
     void StandsLayersWithoutAnImage();
     void StandsPositionsThatAreNoNumbers();
+    void KeepsTheMaskWithoutMemory_data();
+    void KeepsTheMaskWithoutMemory();
+    void HandsOverLaterWhatFoundNoMemory();
     void ShowsThePicture_data();
     void ShowsThePicture();
 
@@ -476,6 +481,80 @@ void tst_LayerPainter::StandsPositionsThatAreNoNumbers()
         QVERIFY(painter.Segment(brush, BrushAction::Erase, {0, bad}).isEmpty());
     }
     QCOMPARE(layer.Image(), mask);
+}
+
+void tst_LayerPainter::KeepsTheMaskWithoutMemory_data()
+{
+    QTest::addColumn<int>("valueAtTheEnd");
+    QTest::addColumn<QColor>("colorBefore");
+    QTest::addColumn<QColor>("colorAfter");
+    QTest::addColumn<QColor>("paint");
+    const QColor red = Qt::red;
+    const QColor blue = Qt::blue;
+    QTest::newRow("somebody else holds the mask") << 255 << red << red << red;
+    QTest::newRow("the mask has other values") << 7 << red << red << red;
+    QTest::newRow("another colour is painted") << 255 << red << red << blue;
+    QTest::newRow("the layer has another colour") << 255 << red << blue << blue;
+}
+
+void tst_LayerPainter::KeepsTheMaskWithoutMemory()
+{
+    QFETCH(int, valueAtTheEnd);
+    QFETCH(QColor, colorBefore);
+    QFETCH(QColor, colorAfter);
+    QFETCH(QColor, paint);
+    const QSize size(8192, 8192);
+    LayerList list;
+    Layer layer(1, 1, &list, "sea");
+    QImage mask = raster::BlankMask(size);
+    mask.scanLine(8191)[8191] = static_cast<uchar>(valueAtTheEnd);
+    layer.SetImage(mask, colorBefore);
+    LayerPainter painter;
+    painter.Load(&layer);
+    layer.SetColor(colorAfter);
+    Brush brush;
+    brush.SetPaintColor(paint);
+    brush.SetPosition({100, 100});
+    LogSpy log;
+    {
+        const MemoryLimit limit(32 << 20);
+        painter.Dab(brush, BrushAction::Paint);
+        painter.Segment(brush, BrushAction::Paint, {90, 100});
+    }
+    QCOMPARE(log.Take(), QStringList("Error: There is no memory to paint on layer 'sea'."));
+    QCOMPARE(layer.Image().constBits(), mask.constBits());
+    QCOMPARE(layer.Image().pixelIndex(8191, 8191), valueAtTheEnd);
+    QCOMPARE(layer.Image().pixelIndex(100, 100), int(raster::MaskClear));
+    // With memory the next step paints.
+    painter.Load(&layer);
+    brush.SetPaintColor(colorAfter);
+    painter.Dab(brush, BrushAction::Paint);
+    QCOMPARE(layer.Image().pixelIndex(100, 100), int(raster::MaskSet));
+    QCOMPARE(layer.Image().size(), size);
+    QVERIFY(log.Messages().isEmpty());
+}
+
+void tst_LayerPainter::HandsOverLaterWhatFoundNoMemory()
+{
+    LayerList list;
+    Layer layer(1, 1, &list);
+    layer.SetImage(raster::BlankMask({8192, 8192}), Qt::red);
+    LayerPainter painter;
+    painter.Load(&layer);
+    Brush brush;
+    brush.SetPaintColor(Qt::blue);
+    painter.Dab(brush, BrushAction::Paint);
+    const QImage held = layer.Image();
+    brush.SetPaintColor(Qt::red);
+    brush.SetPosition({100, 100});
+    {
+        const MemoryLimit limit(32 << 20);
+        QVERIFY(!painter.Dab(brush, BrushAction::Paint).isEmpty());
+    }
+    QCOMPARE(layer.Image().constBits(), held.constBits());
+    painter.Segment(brush, BrushAction::None, {});
+    QCOMPARE(layer.Image().pixelIndex(100, 100), int(raster::MaskSet));
+    QCOMPARE(held.pixelIndex(100, 100), int(raster::MaskClear));
 }
 
 void tst_LayerPainter::ShowsThePicture_data()
