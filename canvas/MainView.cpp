@@ -36,6 +36,14 @@ bool IsTextBeingEdited()
            !qobject_cast<const QAbstractItemView*>(focus);
 }
 
+/// Toward zero. The edges of the vast maps that files may name lie beyond what an int holds.
+int WholePixels(float pixels)
+{
+    constexpr float lowest = -2147483648.0F;
+    constexpr float highest = 2147483520.0F;
+    return static_cast<int>(qBound(lowest, pixels, highest));
+}
+
 } // namespace
 
 MainView::MainView(QWidget* parent)
@@ -361,8 +369,8 @@ void MainView::mouseMoveEvent(QMouseEvent* event)
     } else {
         m_band->setGeometry(0, 0, 0, 0);
     }
-    emit MouseMoved(static_cast<int>(static_cast<float>(event->x()) - m_horizontalRuler->Origin()),
-                    static_cast<int>(m_verticalRuler->Origin() - static_cast<float>(event->y())));
+    emit MouseMoved(WholePixels(static_cast<float>(event->x()) - m_horizontalRuler->Origin()),
+                    WholePixels(m_verticalRuler->Origin() - static_cast<float>(event->y())));
     QGraphicsView::mouseMoveEvent(event);
 }
 

@@ -50,6 +50,7 @@ private slots:
     void PutsTheOriginsAtTheMapsEdges();
     void OriginsFollowAMapThatFits();
     void TellsWhereTheMouseIs();
+    void TellsWhereTheMouseIsOnVastMaps();
     void RulersFollowTheMouse();
     void TakesTheFocusWhenTheMouseEnters();
     void LeavesTheFocusToTextThatIsEdited();
@@ -391,6 +392,21 @@ void tst_MainView::TellsWhereTheMouseIs()
     const auto zoom = static_cast<double>(view.Zoom());
     QVERIFY(std::abs(spy.last().at(0).toInt() / zoom - 30) <= 2);
     QVERIFY(std::abs(spy.last().at(1).toInt() / zoom - 120) <= 2);
+}
+
+void tst_MainView::TellsWhereTheMouseIsOnVastMaps()
+{
+    CanvasFixture canvas;
+    MainView& view = canvas.view;
+    constexpr int vast = std::numeric_limits<int>::max();
+    constexpr int nearlyVast = vast - 1000;
+    view.SetSceneSize(vast, vast);
+    QSignalSpy spy(&view, &MainView::MouseMoved);
+    view.horizontalScrollBar()->setValue(view.horizontalScrollBar()->maximum());
+    view.verticalScrollBar()->setValue(0);
+    canvas.Mouse(QEvent::MouseMove, {0, 0}, Qt::NoButton, Qt::NoButton);
+    QVERIFY(spy.last().at(0).toInt() > nearlyVast);
+    QVERIFY(spy.last().at(1).toInt() > nearlyVast);
 }
 
 void tst_MainView::RulersFollowTheMouse()
