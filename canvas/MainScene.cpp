@@ -15,6 +15,8 @@
 #include <QImage>
 #include <QPen>
 
+#include <algorithm>
+
 namespace {
 
 constexpr qreal WorldZ = 0.2;
@@ -180,10 +182,11 @@ void MainScene::RefreshBrush()
         return;
     }
     m_brushCursor.setBrush(m_brush->Color());
-    m_brushCursor.setPen(m_brush->HasOutline()
-                             ? QPen(m_brush->OutlineColor(), m_brush->OutlineWidth(), Qt::SolidLine,
-                                    Qt::RoundCap, Qt::RoundJoin)
-                             : QPen(Qt::transparent));
+    // Files may hold any width, pens only those from 0 on.
+    const int outlineWidth = std::max(m_brush->OutlineWidth(), 0);
+    m_brushCursor.setPen(m_brush->HasOutline() ? QPen(m_brush->OutlineColor(), outlineWidth,
+                                                      Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin)
+                                               : QPen(Qt::transparent));
     const auto radius = static_cast<qreal>(m_brush->Radius());
     m_brushCursor.setRect(-radius, -radius, m_brush->Size(), m_brush->Size());
     m_brushCursor.setPos(m_brush->Position());

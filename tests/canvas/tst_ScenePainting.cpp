@@ -8,6 +8,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <limits>
+
 Q_DECLARE_METATYPE(SceneMode)
 Q_DECLARE_METATYPE(Qt::MouseButton)
 
@@ -17,6 +19,7 @@ class tst_ScenePainting : public QObject
 
 private slots:
     void ShowsTheBrush();
+    void ShowsTheThinnestOutlineForWidthsBelowZero();
     void ShowsTheBrushOnlyInPaint();
     void StandsNoBrush_data();
     void StandsNoBrush();
@@ -54,6 +57,21 @@ void tst_ScenePainting::ShowsTheBrush()
     canvas.Scene().RefreshBrush();
     QCOMPARE(cursor->pen(), QPen(QColor(Qt::transparent)));
     QCOMPARE(cursor->rect(), QRectF(-128, -128, 256, 256));
+    canvas.Scene().ChangeBrush(nullptr);
+}
+
+void tst_ScenePainting::ShowsTheThinnestOutlineForWidthsBelowZero()
+{
+    CanvasFixture canvas;
+    canvas.Scene().ChangeMode(SceneMode::Paint);
+    Brush brush;
+    for (const int width : {-1, std::numeric_limits<int>::min(), 0}) {
+        brush.SetOutlineWidth(width);
+        canvas.Scene().ChangeBrush(&brush);
+        QCOMPARE(BrushCursor(canvas)->pen().widthF(), 0.0);
+        QVERIFY(BrushCursor(canvas)->boundingRect().contains(QRectF(-16, -16, 32, 32)));
+        canvas.view.grab();
+    }
     canvas.Scene().ChangeBrush(nullptr);
 }
 
