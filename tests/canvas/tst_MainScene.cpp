@@ -17,6 +17,7 @@ class tst_MainScene : public QObject
 private slots:
     void HasItsSignalsAndSlotsInOrder();
     void HasItsItems();
+    void ShowsTheBrushCursorUntilTheFirstMode();
     void StandsNoLayer();
     void ForgetsWhatIsDestroyed_data();
     void ForgetsWhatIsDestroyed();
@@ -84,6 +85,16 @@ void tst_MainScene::HasItsItems()
     QCOMPARE(canvas.Scene().CurrentLayer(), nullptr);
     QCOMPARE(canvas.Scene().CurrentTerritory(), nullptr);
     QCOMPARE(canvas.Scene().parent(), &canvas.view);
+}
+
+void tst_MainScene::ShowsTheBrushCursorUntilTheFirstMode()
+{
+    const MainView view;
+    const QList<QGraphicsItem*> items = view.Scene()->items(Qt::DescendingOrder);
+    QCOMPARE(items.first()->zValue(), BrushZ);
+    QVERIFY(items.first()->isVisible());
+    view.Scene()->ChangeMode(SceneMode::None);
+    QVERIFY(!items.first()->isVisible());
 }
 
 void tst_MainScene::StandsNoLayer()
@@ -167,8 +178,10 @@ void tst_MainScene::ResizesThePictures()
     Layer* layer = canvas.AddLayer(Qt::red, {0, 0, 100, 80});
     canvas.Scene().AddLayer(layer);
     canvas.Scene().ChangeLayer(layer);
+    QCOMPARE(canvas.Scene().CurrentLayer(), layer);
     canvas.Scene().ChangeSize(400, 80);
     QCOMPARE(canvas.Scene().sceneRect(), QRectF(0, 0, 400, 80));
+    QCOMPARE(canvas.Scene().CurrentLayer(), nullptr);
     const QImage picture = ItemOf<LayersItem>(canvas, LayersZ)->pixmap().toImage();
     QCOMPARE(picture.size(), QSize(400, 80));
     QCOMPARE(picture.pixel(199, 39), qRgb(255, 0, 0));
