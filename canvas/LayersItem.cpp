@@ -38,12 +38,7 @@ void LayersItem::Add(const QImage& mask, QRgb rgb, qreal opacity)
     if (m_size.isEmpty() || mask.isNull()) {
         return;
     }
-    // What lies beyond a smaller mask is clear.
-    const QImage whole = mask.size() == m_size ? mask : mask.copy({QPoint(), m_size});
-    if (whole.isNull()) {
-        return;
-    }
-    m_pictures.append({whole, WithOpacity(rgb, opacity)});
+    m_pictures.append({mask, WithOpacity(rgb, opacity)});
     PictureChanged();
 }
 

@@ -14,7 +14,8 @@ class LayersItem : public QGraphicsPixmapItem
 public:
     explicit LayersItem(QSize size);
 
-    /// Draws a mask beneath those drawn before. opacity: 0 to 1.
+    /// Draws a mask beneath those drawn before, at the top left corner when it has another size.
+    /// opacity: 0 to 1.
     void Add(const QImage& mask, QRgb rgb, qreal opacity);
     void Clear();
     /// Scales what was drawn to the new size in layer pixels, without smoothing.

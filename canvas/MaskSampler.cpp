@@ -54,10 +54,15 @@ MaskSampler::Axis MaskSampler::MakeAxis(qreal scale, qreal offset, int size, int
                                         bool isScaled)
 {
     static QImage ramp;
-    if (ramp.width() != size) {
-        ramp = Ramp(size);
+    // No mask is longer, whatever the size of the map says.
+    const int length = std::min(size, raster::MaxMaskLength);
+    if (ramp.width() != length) {
+        ramp = Ramp(length);
     }
     QImage places(std::max(count, 1), 1, QImage::Format_ARGB32_Premultiplied);
+    if (places.isNull()) {
+        return {};
+    }
     places.fill(Qt::transparent);
     QPainter painter(&places);
     // The other axis only has to be there; it is scaled exactly when the picture is, because
@@ -74,6 +79,7 @@ MaskSampler::Axis MaskSampler::MakeAxis(qreal scale, qreal offset, int size, int
     }
     for (int i = axis.first; i < count && pixels[i] != 0; ++i) {
         axis.pixels.push_back(static_cast<int>(pixels[i] & 0x00FFFFFFU));
+        axis.end = std::max(axis.end, axis.pixels.back() + 1);
     }
     axis.isContiguous = !axis.pixels.empty() &&
                         axis.pixels.back() - axis.pixels.front() + 1 == int(axis.pixels.size()) &&
@@ -91,27 +97,36 @@ MaskSampler::MaskSampler(const QTransform& toDevice, QSize size, const QRect& de
                       isScaled);
 }
 
+void MaskSampler::GatherRow(uchar* target, const QImage& mask, int row) const
+{
+    const uchar* pixels = mask.constScanLine(row);
+    const int width = mask.width();
+    std::transform(m_columns.pixels.begin(), m_columns.pixels.end(), target,
+                   [pixels, width](int column) {
+                       return column < width ? pixels[column] : raster::MaskClear;
+                   });
+}
+
 void MaskSampler::DrawBeneath(QImage& target, const QImage& mask, QRgb color) const
 {
     const auto columns = static_cast<int>(m_columns.pixels.size());
     if (columns == 0) {
         return;
     }
+    const bool isAsItIs = m_columns.isContiguous && m_columns.end <= mask.width();
     std::vector<uchar> gathered(m_columns.pixels.size());
     int gatheredRow = -1;
     for (std::size_t i = 0; i < m_rows.pixels.size(); ++i) {
         const int row = m_rows.pixels[i];
-        const uchar* pixels = mask.constScanLine(row);
-        if (m_columns.isContiguous) {
-            pixels += m_columns.pixels.front();
-        } else {
-            if (row != gatheredRow) {
-                std::transform(m_columns.pixels.begin(), m_columns.pixels.end(), gathered.begin(),
-                               [pixels](int column) { return pixels[column]; });
-                gatheredRow = row;
-            }
-            pixels = gathered.data();
+        if (row >= mask.height()) {
+            continue;
         }
+        if (!isAsItIs && row != gatheredRow) {
+            GatherRow(gathered.data(), mask, row);
+            gatheredRow = row;
+        }
+        const uchar* pixels =
+            isAsItIs ? mask.constScanLine(row) + m_columns.pixels.front() : gathered.data();
         auto* line = reinterpret_cast<QRgb*>(target.scanLine(m_rows.first + static_cast<int>(i)));
         DrawRowBeneath(line + m_columns.first, pixels, color);
     }
@@ -136,10 +151,10 @@ QImage MaskSampler::Sampled(const QImage& mask) const
         return {};
     }
     for (std::size_t i = 0; i < m_rows.pixels.size(); ++i) {
-        const uchar* pixels = mask.constScanLine(m_rows.pixels[i]);
-        uchar* line = sampled.scanLine(m_rows.first + static_cast<int>(i)) + m_columns.first;
-        std::transform(m_columns.pixels.begin(), m_columns.pixels.end(), line,
-                       [pixels](int column) { return pixels[column]; });
+        if (m_rows.pixels[i] < mask.height()) {
+            uchar* line = sampled.scanLine(m_rows.first + static_cast<int>(i));
+            GatherRow(line + m_columns.first, mask, m_rows.pixels[i]);
+        }
     }
     return sampled;
 }

@@ -15,8 +15,9 @@
 class MaskSampler
 {
 public:
-    /// toDevice maps layer pixels to device pixels and must not rotate or shear; size is the masks'
-    /// in layer pixels, device the device pixels that are wanted.
+    /// toDevice maps layer pixels to device pixels and must not rotate or shear; size is the
+    /// pictures' in layer pixels, device the device pixels that are wanted. Masks may have other
+    /// sizes: they lie in the picture's top left corner, and what lies beyond them is clear.
     MaskSampler(const QTransform& toDevice, QSize size, const QRect& device);
 
     static bool CanSample(const QTransform& toDevice)
@@ -32,6 +33,8 @@ public:
     QImage Sampled(const QImage& mask) const;
 
 private:
+    /// The mask's pixels for all device columns.
+    void GatherRow(uchar* target, const QImage& mask, int row) const;
     void DrawRowBeneath(QRgb* target, const uchar* mask, QRgb color) const;
 
     /// The layer pixel for each device column and row; those outside the picture are left out.
@@ -39,6 +42,8 @@ private:
     {
         int first = 0;
         std::vector<int> pixels;
+        /// Beyond the greatest of them.
+        int end = 0;
         bool isContiguous = false;
     };
     static Axis MakeAxis(qreal scale, qreal offset, int size, int begin, int count, bool isScaled);

@@ -3,6 +3,7 @@
 #include "layers/raster/Mask.h"
 #include "tests/support/LiteralCanvas.h"
 #include "tests/support/Masks.h"
+#include "tests/support/MemoryLimit.h"
 #include "tests/support/Random.h"
 
 #include <QGraphicsScene>
@@ -14,6 +15,7 @@
 #include <QTest>
 
 #include <functional>
+#include <limits>
 
 namespace {
 
@@ -125,6 +127,8 @@ private slots:
     void StandsSizesOfNothing_data();
     void StandsSizesOfNothing();
     void DrawsMasksOfOtherSizesAtTheCorner();
+    void TakesNoMemoryForWhatLiesBeyondAMask();
+    void StandsSizesWithoutEnd();
     void HasTheBoundsOfThePicture();
     void KeepsNoHoldOnMasksOnceCleared();
 };
@@ -429,6 +433,42 @@ void tst_LayersItem::DrawsMasksOfOtherSizesAtTheCorner()
     QCOMPARE(Premultiplied(item.pixmap()), picture);
     const QTransform transform = QTransform::fromScale(2.5, 2.5);
     QCOMPARE(ShownItem(item, 1, transform), ShownPicture(picture, 1, transform));
+    item.SetSize({20, 60});
+    const QImage scaled = picture.scaled(20, 60, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    QCOMPARE(Premultiplied(item.pixmap()), scaled);
+}
+
+void tst_LayersItem::TakesNoMemoryForWhatLiesBeyondAMask()
+{
+    const QImage mask = MaskOf({30, 20}, raster::MaskSet);
+    const QTransform zoom = QTransform::fromScale(2.5, 2.5);
+    for (const QSize size : {QSize(30000, 30000), QSize(65535, 40000), QSize(20000000, 50)}) {
+        const MemoryLimit limit(64 << 20);
+        LayersItem item(size);
+        for (int i = 0; i < 32; ++i) {
+            item.Add(mask, qRgb(255, i, 0), 0.5);
+        }
+        QVector<literal::ShownLayer> layers;
+        for (int i = 0; i < 32; ++i) {
+            layers.append({mask, qRgb(255, i, 0), 0.5F});
+        }
+        const QImage picture = literal::Compose(layers, mask.size());
+        QCOMPARE(ShownItem(item, 1, {}), ShownPicture(picture, 1, {}));
+        QCOMPARE(ShownItem(item, 1, zoom), ShownPicture(picture, 1, zoom));
+    }
+}
+
+void tst_LayersItem::StandsSizesWithoutEnd()
+{
+    constexpr int endless = std::numeric_limits<int>::max();
+    LayersItem item({4, 4});
+    item.Add(MaskOf({4, 4}, raster::MaskSet), qRgb(255, 0, 0), 1);
+    item.SetSize({endless, endless});
+    QVERIFY(item.pixmap().isNull());
+    item.Add(MaskOf({4, 4}, raster::MaskSet), qRgb(255, 0, 0), 1);
+    LayersItem small({4, 4});
+    small.Add(MaskOf({4, 4}, raster::MaskSet), qRgb(255, 0, 0), 1);
+    QCOMPARE(ShownItem(item, 1, {}), ShownItem(small, 1, {}));
 }
 
 void tst_LayersItem::HasTheBoundsOfThePicture()
