@@ -7,9 +7,11 @@
 #include "tests/support/CanvasFixture.h"
 #include "tests/support/LiteralCanvas.h"
 #include "tests/support/LogSpy.h"
+#include "tests/support/MemoryLimit.h"
 
 #include <QGraphicsScene>
 #include <QPainter>
+#include <QScrollBar>
 #include <QTest>
 
 #include <cmath>
@@ -32,6 +34,7 @@ private slots:
     void ShowsLayersAtTheirOpacity();
     void ShowsTheEditedLayerAtItsOpacity();
     void HidesTheEditedLayer();
+    void ShowsAndPaintsSmallLayersOfAHugeMap();
     void IgnoresTheColorUntilTheNextLayerChange();
 };
 
@@ -269,6 +272,33 @@ void tst_ScenePictures::HidesTheEditedLayer()
     QCOMPARE(current->pixmap().toImage(), layer->Pixmap().toImage());
     QCOMPARE(canvas.Scene().CurrentLayer(), layer);
     QCOMPARE(Shown(canvas.Scene(), {200, 160}).pixelColor(30, 30), QColor(Qt::white));
+}
+
+void tst_ScenePictures::ShowsAndPaintsSmallLayersOfAHugeMap()
+{
+    CanvasFixture canvas;
+    Layer* below = canvas.AddLayer(Qt::blue, {100, 20, 40, 40});
+    Layer* current = canvas.AddLayer(Qt::red, {20, 20, 40, 40});
+    const MemoryLimit limit(64 << 20);
+    for (const int side : {30000, 1000000}) {
+        ProjectSettings::Instance().SetSizes(side, side, side, side);
+        canvas.view.SetSceneSize(side, side);
+        canvas.Scene().ClearLayers();
+        canvas.Scene().AddLayer(below);
+        canvas.Edit(current);
+        canvas.view.horizontalScrollBar()->setValue(0);
+        canvas.view.verticalScrollBar()->setValue(0);
+        canvas.Click({80, 40});
+        canvas.Click({180, 180});
+        canvas.Scene().ChangeMode(SceneMode::None);
+        const QImage shown = canvas.view.viewport()->grab().toImage();
+        QCOMPARE(shown.pixelColor(canvas.At({30, 30})), QColor(Qt::red));
+        QCOMPARE(shown.pixelColor(canvas.At({80, 40})), QColor(Qt::red));
+        QCOMPARE(shown.pixelColor(canvas.At({120, 30})), QColor(Qt::blue));
+        QCOMPARE(shown.pixelColor(canvas.At({180, 180})), QColor(Qt::white));
+        QCOMPARE(current->Image().size(), QSize(200, 160));
+        canvas.Scene().ChangeLayer(nullptr);
+    }
 }
 
 void tst_ScenePictures::IgnoresTheColorUntilTheNextLayerChange()
