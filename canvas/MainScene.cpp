@@ -251,6 +251,7 @@ void MainScene::BeginPan()
         m_isPanning = true;
         m_savedMode = m_mode;
         ChangeMode(SceneMode::Pan);
+        m_view->setDragMode(QGraphicsView::ScrollHandDrag);
     }
 }
 
@@ -259,6 +260,7 @@ void MainScene::EndPan()
     if (m_isPanning) {
         m_isPanning = false;
         ChangeMode(m_savedMode);
+        m_view->setDragMode(QGraphicsView::NoDrag);
     }
 }
 

@@ -39,7 +39,8 @@ public:
     Territory* CurrentTerritory() const;
     Layer* CurrentLayer() const;
 
-    /// Pans while the space bar is held; the mode before is restored at the end, unless none began.
+    /// Pans while the space bar is held: the view drags the map. At the end the mode before is
+    /// restored, unless no panning began.
     void BeginPan();
     void EndPan();
     /// No world picture; the overlay stays.

@@ -203,7 +203,6 @@ bool MainView::PressShortcut(QKeyEvent* event)
     switch (event->key()) {
     case Qt::Key_Space:
         m_scene->BeginPan();
-        setDragMode(ScrollHandDrag);
         return true;
     case Qt::Key_0:
         if (keys.ctrl) {
@@ -338,7 +337,6 @@ void MainView::keyReleaseEvent(QKeyEvent* event)
     }
     if (event->key() == Qt::Key_Space) {
         m_scene->EndPan();
-        setDragMode(NoDrag);
     }
     HeldKeys::Instance().Release(*event);
     QGraphicsView::keyReleaseEvent(event);
@@ -430,7 +428,6 @@ void MainView::focusOutEvent(QFocusEvent* event)
     // Releases that go elsewhere would leave keys held for good.
     HeldKeys::Instance().ReleaseAll();
     m_scene->EndPan();
-    setDragMode(NoDrag);
     LoseMouse();
     QGraphicsView::focusOutEvent(event);
 }

@@ -251,10 +251,13 @@ void tst_MainScene::PansAndRestoresTheMode()
     scene.BeginPan();
     QCOMPARE(scene.Mode(), SceneMode::Pan);
     QVERIFY(!BrushCursor(canvas)->isVisible());
+    QCOMPARE(canvas.view.dragMode(), QGraphicsView::ScrollHandDrag);
     scene.BeginPan();
     scene.EndPan();
     QCOMPARE(scene.Mode(), SceneMode::Paint);
     QVERIFY(BrushCursor(canvas)->isVisible());
+    // Also when the window ends it while the key is still held.
+    QCOMPARE(canvas.view.dragMode(), QGraphicsView::NoDrag);
     scene.BeginPan();
     scene.ChangeMode(SceneMode::Insert);
     scene.EndPan();
