@@ -48,6 +48,7 @@ private slots:
     void CentersOnThePointUnderTheMouse();
     void ResetsTheZoomWithoutTheRulers();
     void PutsTheOriginsAtTheMapsEdges();
+    void OriginsFollowTheScrollBars();
     void OriginsFollowAMapThatFits();
     void TellsWhereTheMouseIs();
     void TellsWhereTheMouseIsOnVastMaps();
@@ -348,6 +349,32 @@ void tst_MainView::PutsTheOriginsAtTheMapsEdges()
             QVERIFY(near(vertical->Origin(), view.mapFromScene(0, 160).y()));
         }
     }
+}
+
+void tst_MainView::OriginsFollowTheScrollBars()
+{
+    CanvasFixture canvas;
+    QScrollBar* across = canvas.view.horizontalScrollBar();
+    QScrollBar* along = canvas.view.verticalScrollBar();
+    const WidgetRuler* horizontal = Ruler(canvas.view, true);
+    const WidgetRuler* vertical = Ruler(canvas.view, false);
+    QCOMPARE(across->value(), 0);
+    QCOMPARE(along->value(), 0);
+    const float centeredX = horizontal->Origin();
+    const float centeredY = vertical->Origin();
+    across->setRange(0, 500);
+    QCOMPARE(horizontal->Origin(), 0.0F);
+    QCOMPARE(vertical->Origin(), centeredY);
+    along->setRange(0, 300);
+    QCOMPARE(vertical->Origin(), static_cast<float>(300 + along->pageStep()));
+    across->setValue(7);
+    QCOMPARE(horizontal->Origin(), -7.0F);
+    along->setValue(9);
+    QCOMPARE(vertical->Origin(), static_cast<float>(300 - 9 + along->pageStep()));
+    across->setRange(0, 0);
+    along->setRange(0, 0);
+    QCOMPARE(horizontal->Origin(), centeredX);
+    QCOMPARE(vertical->Origin(), centeredY);
 }
 
 void tst_MainView::OriginsFollowAMapThatFits()

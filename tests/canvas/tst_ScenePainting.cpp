@@ -309,6 +309,7 @@ void tst_ScenePainting::IgnoresButtonsThatDoNothing()
     QVERIFY(!canvas.TakeModified());
     QCOMPARE(Area(*layer), 2500);
     QCOMPARE(zone->pos(), QPointF(100, 50));
+    QVERIFY(!zone->isSelected());
     QCOMPARE(canvas.territory->Zones().size(), 1);
     QVERIFY(query.isEmpty());
 }

@@ -10,6 +10,24 @@
 Q_DECLARE_METATYPE(SceneMode)
 Q_DECLARE_METATYPE(Qt::KeyboardModifiers)
 
+namespace {
+
+/// Counts the keys that reach an object, and keeps them from it.
+class KeyCounter : public QObject
+{
+public:
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override
+    {
+        const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
+        count += isKey ? 1 : 0;
+        return isKey;
+    }
+
+    int count = 0;
+};
+
+} // namespace
+
 class tst_ViewKeys : public QObject
 {
     Q_OBJECT
@@ -22,7 +40,10 @@ private slots:
     void BothBracketsHeldCancelOut();
     void BracketsNeedThePaintMode();
     void AltGrBracketsAreReleasedByTheirPlace();
+    void ReleasedBracesLetGoOfShift_data();
+    void ReleasedBracesLetGoOfShift();
     void AutoRepeatIsIgnored();
+    void OtherKeysGoOnToTheMap();
     void LostFocusReleasesTheKeys();
     void ArrowsNudgeTheSelection_data();
     void ArrowsNudgeTheSelection();
@@ -171,6 +192,37 @@ void tst_ViewKeys::AltGrBracketsAreReleasedByTheirPlace()
     QCOMPARE(brush->Size(), 115);
 }
 
+void tst_ViewKeys::ReleasedBracesLetGoOfShift_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<bool>("isShiftHeld");
+    QTest::newRow("{") << int(Qt::Key_BraceLeft) << false;
+    QTest::newRow("}") << int(Qt::Key_BraceRight) << false;
+    QTest::newRow("[") << int(Qt::Key_BracketLeft) << true;
+    QTest::newRow("]") << int(Qt::Key_BracketRight) << true;
+}
+
+void tst_ViewKeys::ReleasedBracesLetGoOfShift()
+{
+    QFETCH(int, key);
+    QFETCH(bool, isShiftHeld);
+    CanvasFixture canvas;
+    canvas.Scene().ChangeMode(SceneMode::Paint);
+    canvas.dock.SetSize(100);
+    const Brush* brush = canvas.dock.GetBrush();
+    // The other bracket stays held and shows which step is in force.
+    const bool isLeft = key == Qt::Key_BraceLeft || key == Qt::Key_BracketLeft;
+    const int other = isLeft ? Qt::Key_BraceRight : Qt::Key_BraceLeft;
+    SendKey(canvas.view, QEvent::KeyPress, key, 0);
+    SendKey(canvas.view, QEvent::KeyPress, other, 0);
+    QVERIFY(HeldKeys::Instance().shift);
+    canvas.dock.SetSize(100);
+    SendKey(canvas.view, QEvent::KeyRelease, key, 0);
+    QCOMPARE(HeldKeys::Instance().shift, isShiftHeld);
+    Tick(canvas.view);
+    QCOMPARE(brush->Size(), 100 + (isLeft ? 1 : -1) * (isShiftHeld ? 15 : 5));
+}
+
 void tst_ViewKeys::AutoRepeatIsIgnored()
 {
     CanvasFixture canvas;
@@ -190,6 +242,33 @@ void tst_ViewKeys::AutoRepeatIsIgnored()
     SendKey(canvas.view, QEvent::KeyPress, Qt::Key_Space, 0);
     SendKey(canvas.view, QEvent::KeyRelease, Qt::Key_Space, 0, true);
     QCOMPARE(canvas.Scene().Mode(), SceneMode::Pan);
+}
+
+/// What the view hands on reaches the scene. Releases always do, presses unless they were consumed.
+void tst_ViewKeys::OtherKeysGoOnToTheMap()
+{
+    CanvasFixture canvas;
+    KeyCounter counter;
+    canvas.Scene().installEventFilter(&counter);
+    const auto reached = [&](QEvent::Type type, int key, bool isAutoRepeat) {
+        counter.count = 0;
+        SendKey(canvas.view, type, key, 0, isAutoRepeat);
+        return counter.count == 1;
+    };
+    canvas.Scene().ChangeMode(SceneMode::Paint);
+    for (const int key : {Qt::Key_F5, Qt::Key_Left, Qt::Key_BracketLeft, Qt::Key_BraceRight,
+                          Qt::Key_Space, Qt::Key_S, Qt::Key_C}) {
+        const bool isConsumed = key != Qt::Key_F5 && key != Qt::Key_Left && key != Qt::Key_C;
+        QVERIFY(!reached(QEvent::KeyPress, key, true));
+        QCOMPARE(reached(QEvent::KeyPress, key, false), !isConsumed);
+        QVERIFY(!reached(QEvent::KeyRelease, key, true));
+        QVERIFY(reached(QEvent::KeyRelease, key, false));
+    }
+    canvas.Scene().ChangeMode(SceneMode::Select);
+    for (const int key : {Qt::Key_Left, Qt::Key_C, Qt::Key_V, Qt::Key_BracketLeft}) {
+        QCOMPARE(reached(QEvent::KeyPress, key, false), key == Qt::Key_BracketLeft);
+        QVERIFY(reached(QEvent::KeyRelease, key, false));
+    }
 }
 
 void tst_ViewKeys::LostFocusReleasesTheKeys()
