@@ -280,19 +280,21 @@ void RegisterLayers()
     }
 }
 
-void RepaintZones(State& state)
+/// Zones all over the view, on whole pixels or anywhere on them, and the repaint of it all.
+void RepaintZones(State& state, double zoom, bool isOnPixels)
 {
     constexpr int zoneCount = 5000;
     Canvas& canvas = CanvasOf(2048);
-    canvas.SetZoom(1);
+    canvas.SetZoom(zoom);
     Territory territory(QStringLiteral("many"));
     territory.SetRgba(0x80FF8040U);
     const QPolygonF area = canvas.view.mapToScene(canvas.view.viewport()->rect());
     const QRectF visible = area.boundingRect();
     for (int i = 0; i < zoneCount; ++i) {
         auto* zone = new Zone(&territory, 150);
-        zone->setPos(visible.x() + i * 37 % int(visible.width()),
-                     visible.y() + i * 53 % int(visible.height()));
+        const double shift = isOnPixels ? 0 : i * 0.618034;
+        zone->setPos(visible.x() + i * 37 % int(visible.width()) + shift - int(shift),
+                     visible.y() + i * 53 % int(visible.height()) + shift - int(shift));
         zone->SetUsage(1 + i % 5);
         territory.AddZone(zone);
         canvas.scene()->addItem(zone);
@@ -301,6 +303,19 @@ void RepaintZones(State& state)
     for (auto _ : state) {
         canvas.view.viewport()->repaint();
     }
+}
+
+void RegisterZones()
+{
+    const auto add = [](const char* name, double zoom, bool isOnPixels) {
+        benchmark::RegisterBenchmark(name, RepaintZones, zoom, isOnPixels)
+            ->Unit(benchmark::kMillisecond)
+            ->UseRealTime();
+    };
+    add("repaint 5000 zones on whole pixels/ours", 1, true);
+    add("repaint 5000 zones/ours", 1, false);
+    add("repaint 5000 zones at zoom 0.25/ours", 0.25, false);
+    add("repaint 5000 zones at zoom 0.5/ours", 0.5, false);
 }
 
 double ResidentBytes()
@@ -339,9 +354,7 @@ int main(int argc, char** argv)
     PrintMemory();
     RegisterBrush();
     RegisterLayers();
-    benchmark::RegisterBenchmark("repaint 5000 zones/ours", RepaintZones)
-        ->Unit(benchmark::kMillisecond)
-        ->UseRealTime();
+    RegisterZones();
     const int result = RunBenchmarks(argc, argv);
     paintedCanvas.reset();
     layeredCanvas.reset();

@@ -3,6 +3,7 @@
 #include "app/ProjectSettings.h"
 #include "app/Xml.h"
 #include "territories/Territory.h"
+#include "territories/ZoneCircle.h"
 #include "territories/ZoneIcons.h"
 
 #include <QPainter>
@@ -11,7 +12,6 @@
 #include <QXmlStreamWriter>
 
 #include <array>
-#include <vector>
 
 namespace {
 
@@ -50,19 +50,6 @@ int UsageOf(const QString& name)
         ++usage;
     }
     return usage;
-}
-
-/// Made once: a map shows thousands of zones.
-const QPen& OutlinePen(int grey)
-{
-    static const std::vector<QPen> pens = [] {
-        std::vector<QPen> greys;
-        for (int level = 0; level <= Zone::MaxDepth; ++level) {
-            greys.emplace_back(QColor(level, level, level), 2);
-        }
-        return greys;
-    }();
-    return pens[static_cast<std::size_t>(grey)];
 }
 
 /// Icons are as wide as their zone's radius, up to their own width, and may leave the painter
@@ -253,12 +240,8 @@ void Zone::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWid
         painter->drawRect(Truncated(bounds.x() + 3), Truncated(bounds.y() + 3),
                           Truncated(bounds.width() - 6), Truncated(bounds.height() - 6));
     }
-    const int grey = qBound(MinDepth, Depth(), MaxDepth);
     const auto radius = static_cast<qreal>(m_radius);
-    painter->setPen(OutlinePen(grey));
-    painter->setBrush(m_color);
-    painter->drawEllipse(rect().center(), radius, radius);
-
+    DrawZoneCircle(*painter, {radius, m_color, qBound(MinDepth, Depth(), MaxDepth)});
     DrawIcon(*painter, m_usage, radius);
 }
 
