@@ -4,11 +4,11 @@
 #include <QImage>
 #include <QPaintEngine>
 #include <QPainter>
+#include <QPainterPath>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <memory>
 #include <vector>
 
 namespace {
@@ -18,6 +18,8 @@ constexpr int OutlineWidth = 2;
 constexpr int MaxReach = 64;
 /// QPainter rounds coordinates beyond this another way.
 constexpr double LastPixel = 32000;
+/// A map has few radii at a time.
+constexpr int MaxPaths = 1000;
 constexpr int CacheBytes = 64 << 20;
 /// What an entry takes beside its pixels.
 constexpr int EntryBytes = 256;
@@ -35,11 +37,39 @@ const QPen& OutlinePen(int grey)
     return pens[static_cast<std::size_t>(grey)];
 }
 
-void DrawPlainly(QPainter& painter, const ZoneCircle& circle)
+void DrawEllipse(QPainter& painter, const ZoneCircle& circle)
 {
     painter.setPen(OutlinePen(circle.grey));
     painter.setBrush(circle.fill);
     painter.drawEllipse(QPointF(), circle.radius, circle.radius);
+}
+
+struct Paths
+{
+    QPainterPath disc;
+    QPainterPath outline;
+};
+
+/// What QPainter makes of an ellipse and its pen each time; the radius is a positive number.
+const Paths& PathsOf(qreal radius)
+{
+    static QCache<qreal, Paths> cache(MaxPaths);
+    if (const Paths* known = cache.object(radius)) {
+        return *known;
+    }
+    auto* paths = new Paths;
+    paths->disc.addEllipse(QPointF(), radius, radius);
+    paths->outline = QPainterPathStroker(OutlinePen(0)).createStroke(paths->disc);
+    cache.insert(radius, paths);
+    return *paths;
+}
+
+/// As DrawEllipse does where outlines are thick, but quicker.
+void DrawPaths(QPainter& painter, const ZoneCircle& circle)
+{
+    const Paths& paths = PathsOf(circle.radius);
+    painter.fillPath(paths.disc, circle.fill);
+    painter.fillPath(paths.outline, OutlinePen(circle.grey).brush());
 }
 
 /// Circles with equal keys have equal pixels.
@@ -76,37 +106,36 @@ struct Place
     QSize Size() const { return {2 * reach.x() + 1, 2 * reach.y() + 1}; }
 };
 
-/// False for painters that mix a circle's colours with each other or with the ground otherwise than
-/// one pixel of a picture with the ground.
-bool KeepsPixels(const QPainter& painter)
+/// False where QPainter draws an ellipse by other rules than its disc and its outline. Those of up
+/// to a pixel let the ground shine through and are rounded otherwise.
+bool IsMadeOfPaths(const QPainter& painter, qreal radius)
 {
-    return painter.paintEngine()->type() == QPaintEngine::Raster &&
-           painter.compositionMode() == QPainter::CompositionMode_SourceOver &&
-           painter.opacity() >= 1 && !painter.testRenderHint(QPainter::Antialiasing);
+    const QTransform& toDevice = painter.deviceTransform();
+    return painter.paintEngine()->type() == QPaintEngine::Raster && radius > 0 &&
+           toDevice.type() <= QTransform::TxScale &&
+           !painter.testRenderHint(QPainter::Antialiasing) &&
+           OutlineWidth * std::abs(toDevice.m11()) > 1 &&
+           OutlineWidth * std::abs(toDevice.m22()) > 1;
 }
 
-/// False for circles that are not kept as pictures.
+/// False for circles that are not kept as pictures: large ones, and those whose colours are mixed
+/// with each other or with the ground otherwise than the pixels of a picture are.
 bool FindPlace(Place& place, const QPainter& painter, qreal radius)
 {
     const QTransform& toDevice = painter.deviceTransform();
     const double width = (radius + OutlineWidth) * std::abs(toDevice.m11());
     const double height = (radius + OutlineWidth) * std::abs(toDevice.m22());
-    const bool isSmall = radius > 0 && width < MaxReach - 2 && height < MaxReach - 2;
-    // Outlines of up to a pixel are drawn by other rules: the ground shines through thin ones, and
-    // they are rounded otherwise in a picture.
-    const bool isThick =
-        OutlineWidth * std::abs(toDevice.m11()) > 1 && OutlineWidth * std::abs(toDevice.m22()) > 1;
-    if (!isSmall || !isThick || toDevice.type() > QTransform::TxScale) {
-        return false;
-    }
-    place.reach = {static_cast<int>(width) + 2, static_cast<int>(height) + 2};
     const double x = std::floor(toDevice.dx());
     const double y = std::floor(toDevice.dy());
-    if (!(std::abs(x) < LastPixel && std::abs(y) < LastPixel)) {
+    const bool isSmall = width < MaxReach - 2 && height < MaxReach - 2;
+    const bool isNear = std::abs(x) < LastPixel && std::abs(y) < LastPixel;
+    if (!isSmall || !isNear || painter.opacity() < 1 ||
+        painter.compositionMode() != QPainter::CompositionMode_SourceOver) {
         return false;
     }
-    place.center = {static_cast<int>(x), static_cast<int>(y)};
     place.toDevice = toDevice;
+    place.center = {static_cast<int>(x), static_cast<int>(y)};
+    place.reach = {static_cast<int>(width) + 2, static_cast<int>(height) + 2};
     return true;
 }
 
@@ -127,7 +156,7 @@ QImage Picture(const ZoneCircle& circle, const Place& place)
         QPainter painter(&picture);
         painter.setTransform(place.toDevice *
                              QTransform::fromTranslate(-topLeft.x(), -topLeft.y()));
-        DrawPlainly(painter, circle);
+        DrawPaths(painter, circle);
     }
     return picture;
 }
@@ -145,20 +174,29 @@ void DrawPicture(QPainter& painter, const QImage& picture, const Place& place)
 void DrawZoneCircle(QPainter& painter, const ZoneCircle& circle)
 {
     static QCache<Key, QImage> cache(CacheBytes);
+    if (!IsMadeOfPaths(painter, circle.radius)) {
+        DrawEllipse(painter, circle);
+        return;
+    }
     Place place;
-    if (!KeepsPixels(painter) || !FindPlace(place, painter, circle.radius)) {
-        DrawPlainly(painter, circle);
+    if (!FindPlace(place, painter, circle.radius)) {
+        DrawPaths(painter, circle);
         return;
     }
     const Key key = KeyOf(circle, place);
     const QImage* known = cache.object(key);
-    if (known && !known->isNull()) {
-        DrawPicture(painter, *known, place);
-        return;
-    }
-    DrawPlainly(painter, circle);
+    QImage picture = known ? *known : QImage();
     // Making a picture takes longer than drawing, and pays only for what is drawn time and again.
-    auto entry = std::make_unique<QImage>(known ? Picture(circle, place) : QImage());
-    const int bytes = EntryBytes + static_cast<int>(entry->sizeInBytes());
-    cache.insert(key, entry.release(), bytes);
+    if (known && known->isNull()) {
+        picture = Picture(circle, place);
+    }
+    if (!known || known->isNull()) {
+        const int bytes = EntryBytes + static_cast<int>(picture.sizeInBytes());
+        cache.insert(key, new QImage(picture), bytes);
+    }
+    if (picture.isNull()) {
+        DrawPaths(painter, circle);
+    } else {
+        DrawPicture(painter, picture, place);
+    }
 }
