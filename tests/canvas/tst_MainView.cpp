@@ -43,6 +43,7 @@ private slots:
     void ZoomsInSteps();
     void StaysInTheZoomRange();
     void ZeroDeltaZoomsIn();
+    void KeepsWheelAndKeyThatZoom();
     void ScrollsWithOtherModifiers_data();
     void ScrollsWithOtherModifiers();
     void CentersOnThePointUnderTheMouse();
@@ -113,6 +114,7 @@ void tst_MainView::LaysOutTheRulers()
         const QWidget* corner = view.layout()->itemAt(0)->widget();
         QCOMPARE(corner->size(), QSize(RulerThickness, RulerThickness));
         QCOMPARE(corner->backgroundRole(), QPalette::Window);
+        QCOMPARE(corner->contentsMargins(), QMargins());
         QCOMPARE(horizontal->height(), RulerThickness);
         QCOMPARE(vertical->width(), RulerThickness);
         QCOMPARE(horizontal->geometry().bottomLeft() + QPoint(0, 1), viewport.topLeft());
@@ -260,6 +262,23 @@ void tst_MainView::ZeroDeltaZoomsIn()
     CanvasFixture canvas;
     Wheel(canvas.view, {50, 50}, 0, Qt::ControlModifier);
     QCOMPARE(canvas.view.Zoom(), 1.25F);
+}
+
+/// Nobody else is asked about them.
+void tst_MainView::KeepsWheelAndKeyThatZoom()
+{
+    CanvasFixture canvas;
+    QWheelEvent wheel(QPointF(50, 50), canvas.view.viewport()->mapToGlobal(QPoint(50, 50)), {},
+                      {0, 120}, Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase, false);
+    wheel.ignore();
+    QCoreApplication::sendEvent(canvas.view.viewport(), &wheel);
+    QVERIFY(wheel.isAccepted());
+    QTest::keyClick(&canvas.view, Qt::Key_F5, Qt::ControlModifier); // Sets the modifiers.
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_0, Qt::ControlModifier);
+    key.ignore();
+    QCoreApplication::sendEvent(&canvas.view, &key);
+    QVERIFY(key.isAccepted());
+    QCOMPARE(canvas.view.Zoom(), 1.0F);
 }
 
 void tst_MainView::ScrollsWithOtherModifiers_data()

@@ -38,6 +38,7 @@ private slots:
     void HeldBracketsRepeat();
     void TheTimerRepeatsByItself();
     void BothBracketsHeldCancelOut();
+    void HeldKeysAreThoseOfTheProgram();
     void BracketsNeedThePaintMode();
     void AltGrBracketsAreReleasedByTheirPlace();
     void ReleasedBracesLetGoOfShift_data();
@@ -145,6 +146,23 @@ void tst_ViewKeys::BothBracketsHeldCancelOut()
     QCOMPARE(canvas.dock.GetBrush()->Size(), 105);
     Tick(canvas.view);
     QCOMPARE(canvas.dock.GetBrush()->Size(), 105);
+}
+
+void tst_ViewKeys::HeldKeysAreThoseOfTheProgram()
+{
+    CanvasFixture canvas;
+    MainView other;
+    BrushDock dock;
+    other.SetBrushDock(&dock);
+    other.Scene()->ChangeMode(SceneMode::Paint);
+    canvas.Scene().ChangeMode(SceneMode::Paint);
+    QTest::keyPress(&canvas.view, Qt::Key_BracketRight);
+    QCOMPARE(dock.GetBrush()->Size(), 32);
+    Tick(other);
+    QCOMPARE(dock.GetBrush()->Size(), 37);
+    QTest::keyRelease(&other, Qt::Key_BracketRight);
+    Tick(canvas.view);
+    QCOMPARE(canvas.dock.GetBrush()->Size(), 37);
 }
 
 void tst_ViewKeys::BracketsNeedThePaintMode()

@@ -1,6 +1,7 @@
 #include "canvas/WidgetRuler.h"
 
 #include <QApplication>
+#include <QMetaMethod>
 #include <QPainter>
 #include <QTest>
 
@@ -104,6 +105,7 @@ class tst_WidgetRuler : public QObject
 
 private slots:
     void HasItsInitialValues();
+    void HasItsSlotsInOrder();
     void ChoosesTickSetsByZoom_data();
     void ChoosesTickSetsByZoom();
     void LabelsEveryHundredPixelsInMetres();
@@ -140,6 +142,19 @@ void tst_WidgetRuler::HasItsInitialValues()
     QCOMPARE(ruler.font().styleHint(), QFont::Helvetica);
     QCOMPARE(ruler.font().hintingPreference(), QFont::PreferNoHinting);
     QVERIFY(!ruler.accessibleName().isEmpty());
+}
+
+void tst_WidgetRuler::HasItsSlotsInOrder()
+{
+    QStringList signatures;
+    const QMetaObject& meta = WidgetRuler::staticMetaObject;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        QCOMPARE(meta.method(i).methodType(), QMetaMethod::Slot);
+        signatures << QString::fromLatin1(meta.method(i).methodSignature());
+    }
+    QCOMPARE(signatures,
+             QStringList({"SetOrigin(float)", "SetUnit(float)", "SetZoom(float)",
+                          "SetCursorPos(QPoint)", "SetMouseTrack(bool)", "FlipSign(bool)"}));
 }
 
 void tst_WidgetRuler::ChoosesTickSetsByZoom_data()
