@@ -180,7 +180,9 @@ void tst_ZoneCircle::LooksTheSameWhereItIsTurned()
     CompareRepaints(background, {{QTransform::fromTranslate(70.3, 60.6), circle}});
     for (const QTransform& turn :
          {QTransform().rotate(30), QTransform().shear(0.5, 0), QTransform::fromScale(-1, 2),
-          QTransform::fromScale(2, -0.5), QTransform::fromScale(0, 1)}) {
+          QTransform::fromScale(2, -0.5), QTransform::fromScale(0, 1),
+          QTransform::fromScale(0.25, 0.9), QTransform::fromScale(0.9, 0.25),
+          QTransform::fromScale(0.3, 0.3)}) {
         CompareRepaints(background, {{turn * QTransform::fromTranslate(70.3, 60.6), circle}});
     }
 }
