@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <new>
 #include <utility>
 
 namespace raster {
@@ -103,13 +105,18 @@ bool AreDistinct(const QVector<QPoint>& offsets, int radius)
 
 QVector<QPoint> Disc(float radius)
 {
-    constexpr auto longest = static_cast<int>(MaxListedRadius);
+    // What is cut off there is a square already, of more offsets than a vector holds.
+    constexpr int longest = 9300;
+    constexpr qint64 largestByteCount = std::numeric_limits<int>::max() - sizeof(QArrayData);
     const quint64 limit = SquareOfDiagonal(QSize(longest, longest));
-    const std::vector<int> halfChords =
-        HalfChords(LargestSquare(std::min(radius, MaxListedRadius), limit), longest);
+    const std::vector<int> halfChords = HalfChords(LargestSquare(radius, limit), longest);
+    const qint64 count = OffsetCount(halfChords);
+    if (count > largestByteCount / qint64(sizeof(QPoint))) {
+        throw std::bad_alloc();
+    }
     const int last = static_cast<int>(halfChords.size()) - 1;
     QVector<QPoint> offsets;
-    offsets.reserve(static_cast<int>(OffsetCount(halfChords)));
+    offsets.reserve(static_cast<int>(count));
     for (int dy = -last; dy <= last; ++dy) {
         const int half = halfChords[static_cast<std::size_t>(std::abs(dy))];
         for (int dx = -half; dx <= half; ++dx) {

@@ -9,14 +9,11 @@
 
 namespace raster {
 
-/// The list of a larger disc would have more offsets than a vector can hold.
-constexpr float MaxListedRadius = 9200;
-
 /// The offsets (dx, dy) of a disc, boundary circle included: row by row all those with
 /// radius * radius >= dx * dx + dy * dy, compared as 32-bit floats; (0, 0) alone for a radius of 0
-/// and below or one that is no number. The list takes 25 bytes times the square of the radius and
-/// std::bad_alloc tells that there is no memory for it. Radii above MaxListedRadius are taken for
-/// that; DiscShape serves them.
+/// and below or one that is no number. The list takes 25 bytes times the square of the radius;
+/// std::bad_alloc tells that there is no memory for it or that a vector cannot hold it, which is so
+/// from a radius of about 9240 on. DiscShape serves these.
 QVector<QPoint> Disc(float radius);
 
 /// The same disc as its chords, which take memory in proportion to the picture's longest side: what
