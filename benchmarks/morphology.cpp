@@ -306,6 +306,22 @@ void CompareGrey(benchmark::State& state, float radius)
     }
 }
 
+/// Without OpenCV, whose kernel would have as many offsets as four such pictures pixels.
+void MeasureGreyBeyondTheDiagonal(benchmark::State& state, int size)
+{
+    const QImage mask = RandomMask(size, 256);
+    QImage dilated;
+    std::vector<uchar> copy(static_cast<std::size_t>(mask.sizeInBytes()));
+    std::vector<Way> ways = {
+        {"copy", [&] { std::memcpy(copy.data(), mask.constBits(), copy.size()); }, 5, {}},
+        {"dilate", [&] { dilated = raster::Dilate(mask, float(2 * mask.width())); }, 5, {}},
+    };
+    for (auto _ : state) {
+        MeasureInterleaved(ways);
+        ReportTimes(state, ways, ways[1].Median());
+    }
+}
+
 void CompareSetOperations(benchmark::State& state, int size)
 {
     const QImage a = NaturalShapes(size);
@@ -364,6 +380,7 @@ int main(int argc, char* argv[])
         RegisterMorphology(named, 266, false);
     }
     Register("grey/2048/radius:133", CompareGrey, 133.0F);
+    Register("grey/2048/beyond_diagonal", MeasureGreyBeyondTheDiagonal, WorldSize);
     Register("set_operations/2048", CompareSetOperations, WorldSize);
     Register("set_operations/8192", CompareSetOperations, DenseSize);
     benchmark::RunSpecifiedBenchmarks();

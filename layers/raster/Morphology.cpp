@@ -6,6 +6,7 @@
 #include "layers/raster/ReachSweep.h"
 #include "layers/raster/RunningMaximum.h"
 #include "layers/raster/StructuringElement.h"
+#include "layers/raster/WideVectors.h"
 
 #include <algorithm>
 #include <new>
@@ -25,6 +26,29 @@ bool IsIndexed(const QImage& mask)
     return !mask.isNull() && mask.format() == QImage::Format_Indexed8;
 }
 
+QUILLMAP_WIDE_VECTORS
+uchar Largest(const uchar* pixels, int count, uchar flip)
+{
+    uchar largest = 0;
+    for (int x = 0; x < count; ++x) {
+        largest = std::max<uchar>(largest, pixels[x] ^ flip);
+    }
+    return largest;
+}
+
+/// Where every pixel reaches every other, all become the largest of them.
+void DilateByPicture(const QImage& mask, uchar flip, QImage& result)
+{
+    const int width = mask.width();
+    uchar largest = 0;
+    for (int y = 0; y < mask.height() && largest != 255; ++y) {
+        largest = std::max(largest, Largest(mask.constScanLine(y), width, flip));
+    }
+    for (int y = 0; y < result.height(); ++y) {
+        std::fill_n(result.scanLine(y), width, static_cast<uchar>(largest ^ flip));
+    }
+}
+
 QImage DilateByDisc(const QImage& mask, const DiscShape& disc, uchar flip)
 {
     if (!IsIndexed(mask) || disc.Radius() == 0) {
@@ -34,7 +58,9 @@ QImage DilateByDisc(const QImage& mask, const DiscShape& disc, uchar flip)
     if (result.isNull()) {
         return {};
     }
-    if (disc.Radius() == 1 && disc.HalfChord(1) == 0) {
+    if (disc.Covers(mask.size())) {
+        DilateByPicture(mask, flip, result);
+    } else if (disc.Radius() == 1 && disc.HalfChord(1) == 0) {
         DilateByCross(mask, flip, result);
     } else if (!IsBinary(mask)) {
         DilateByRunningMaxima(mask, disc, flip, result);

@@ -137,6 +137,12 @@ DiscShape::DiscShape(std::vector<int> halfChords)
 {
 }
 
+bool DiscShape::Covers(QSize picture) const
+{
+    const int farthest = picture.height() - 1;
+    return Radius() >= farthest && HalfChord(farthest) >= picture.width() - 1;
+}
+
 std::optional<DiscShape> DiscShape::FromOffsets(const QVector<QPoint>& offsets, QSize picture)
 {
     quint64 square = 0;

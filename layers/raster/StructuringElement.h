@@ -31,6 +31,9 @@ public:
     int Radius() const { return static_cast<int>(m_halfChords.size()) - 1; }
     /// The largest offset along one axis at a distance of 0 to Radius() along the other.
     int HalfChord(int distance) const { return m_halfChords[static_cast<std::size_t>(distance)]; }
+    /// True when every pixel of that picture, which is the one that the disc was made for, has all
+    /// others in reach.
+    bool Covers(QSize picture) const;
 
 private:
     explicit DiscShape(std::vector<int> halfChords);

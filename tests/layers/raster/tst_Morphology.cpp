@@ -36,6 +36,8 @@ private slots:
     void radiiBelowAPixelChangeNothing_data();
     void radiiBelowAPixelChangeNothing();
     void radiiBeyondTheDiagonalChangeNothingMore();
+    void greyMasksBeyondTheDiagonalBecomeTheirExtremes_data();
+    void greyMasksBeyondTheDiagonalBecomeTheirExtremes();
     void openingRemovesWhatIsSmaller();
     void closingFillsWhatIsSmaller();
     void resultsKeepTheColours();
@@ -229,6 +231,29 @@ void MorphologyTest::radiiBeyondTheDiagonalChangeNothingMore()
         QCOMPARE(Erode(pixel, radius), BlankMask({40, 30}));
     }
     QVERIFY(Dilate(pixel, 48) != full);
+}
+
+void MorphologyTest::greyMasksBeyondTheDiagonalBecomeTheirExtremes_data()
+{
+    QTest::addColumn<QSize>("size");
+    // Going row by row through what each row reaches would take longer than a test may.
+    QTest::newRow("as high as masks get") << QSize(100, 65535);
+    QTest::newRow("a row") << QSize(1001, 1);
+    QTest::newRow("a column") << QSize(1, 1001);
+}
+
+/// The surroundings are neither clear nor set: there is neither index in the mask.
+void MorphologyTest::greyMasksBeyondTheDiagonalBecomeTheirExtremes()
+{
+    QFETCH(QSize, size);
+    QImage mask = Filled(size, 100);
+    mask.scanLine(size.height() - 1)[0] = 7;
+    mask.scanLine(0)[size.width() - 1] = 201;
+    for (const float radius : {66000.0F, Infinity}) {
+        QCOMPARE(Dilate(mask, radius), Filled(size, 201));
+        QCOMPARE(Erode(mask, radius), Filled(size, 7));
+        QCOMPARE(Open(mask, radius), Filled(size, 7));
+    }
 }
 
 void MorphologyTest::openingRemovesWhatIsSmaller()

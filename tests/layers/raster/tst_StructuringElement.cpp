@@ -45,6 +45,8 @@ private slots:
     void otherShapesAreNoDiscs();
     void shapesAreCutOffAtThePicture_data();
     void shapesAreCutOffAtThePicture();
+    void aDiscCoversAPictureOfItsDiagonal_data();
+    void aDiscCoversAPictureOfItsDiagonal();
 };
 
 void StructuringElementTest::discsHaveTheirOffsets_data()
@@ -224,6 +226,27 @@ void StructuringElementTest::shapesAreCutOffAtThePicture()
     if (radius > diagonal) {
         QCOMPARE(shape.HalfChord(59), 99);
     }
+}
+
+void StructuringElementTest::aDiscCoversAPictureOfItsDiagonal_data()
+{
+    QTest::addColumn<QSize>("picture");
+    QTest::addColumn<float>("diagonal");
+    QTest::newRow("wide") << QSize(41, 10) << 41.0F;
+    QTest::newRow("high") << QSize(10, 41) << 41.0F;
+    QTest::newRow("a row") << QSize(8, 1) << 7.0F;
+    QTest::newRow("a column") << QSize(1, 8) << 7.0F;
+}
+
+/// Between the centres of opposite corners: 40 and 9 pixels make 41.
+void StructuringElementTest::aDiscCoversAPictureOfItsDiagonal()
+{
+    QFETCH(QSize, picture);
+    QFETCH(float, diagonal);
+    QVERIFY(DiscShape(diagonal, picture).Covers(picture));
+    QVERIFY(DiscShape(Infinity, picture).Covers(picture));
+    QVERIFY(!DiscShape(diagonal - 0.1F, picture).Covers(picture));
+    QVERIFY(DiscShape::FromOffsets(Disc(diagonal), picture)->Covers(picture));
 }
 
 QTEST_APPLESS_MAIN(StructuringElementTest)
