@@ -55,7 +55,11 @@ LargeBlock* LargeBlock::Take(qint64 byteCount)
 
 void LargeBlock::GiveBack(void* block)
 {
-    delete spare.exchange(static_cast<LargeBlock*>(block));
+    auto* given = static_cast<LargeBlock*>(block);
+    if (Keeps(given->m_byteCount)) {
+        given = spare.exchange(given);
+    }
+    delete given;
 }
 
 } // namespace raster
