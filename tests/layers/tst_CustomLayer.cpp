@@ -13,6 +13,8 @@
 #include <QTimer>
 #include <QtTest>
 
+#include <algorithm>
+#include <array>
 #include <memory>
 
 class CustomLayerTest : public QObject
@@ -44,6 +46,7 @@ private slots:
     void anInfiniteFactorReachesEverything();
     void hugeRadiiTakeNoMemory();
     void operandsAreScaled();
+    void operandsComeFromTheListThatIsPassed();
     void previewsKeepTheRadiusInFullSizePixels();
     void codesThatCannotBeEvaluatedAreLogged_data();
     void codesThatCannotBeEvaluatedAreLogged();
@@ -54,6 +57,9 @@ private slots:
     void theListMayGoWhileAMessageIsShown();
 
     void aCodeReplacesTheImage();
+    void aCodeIsEvaluatedAtTheLayerSize_data();
+    void aCodeIsEvaluatedAtTheLayerSize();
+    void aCodeIsEvaluatedOverTheListOfItsLayer();
     void anEqualCodeChangesNothing();
     void aCodeThatEvaluatesToNothingChangesNothing_data();
     void aCodeThatEvaluatesToNothingChangesNothing();
@@ -79,6 +85,32 @@ QStringList ArtA()
 {
     return {"##......", "##......", "........", "...###..",
             "...###..", "...###..", "........", "........"};
+}
+
+/// Columns in a row each: one as high as a disc of the radius, which is what opening leaves of it,
+/// and one a pixel less high, with room around both.
+QImage RunsAround(int radius)
+{
+    QImage mask = raster::BlankMask({2, 8 * radius + 16});
+    for (int i = 0; i < 2 * radius + 1; ++i) {
+        std::fill_n(mask.scanLine(radius + 4 + i), 2, raster::MaskSet);
+    }
+    for (int i = 0; i < 2 * radius; ++i) {
+        std::fill_n(mask.scanLine(5 * radius + 10 + i), 2, raster::MaskSet);
+    }
+    return mask;
+}
+
+struct Morphology
+{
+    char character;
+    QImage (*function)(const QImage& mask, float discRadius);
+};
+
+std::array<Morphology, 4> AllMorphology()
+{
+    return {
+        {{'e', raster::Erode}, {'d', raster::Dilate}, {'o', raster::Open}, {'c', raster::Close}}};
 }
 
 QStringList ArtB()
@@ -289,31 +321,42 @@ void CustomLayerTest::morphologyIsEvaluated()
 
 void CustomLayerTest::radiiAreConvertedInFloats_data()
 {
-    QTest::addColumn<int>("layerSize");
-    QTest::addColumn<int>("worldSize");
+    QTest::addColumn<QSize>("layerSize");
+    QTest::addColumn<QSize>("worldSize");
     QTest::addColumn<int>("metres");
     QTest::addColumn<int>("pixels");
-    QTest::newRow("truncated") << 2048 << 15360 << 25 << 3;
-    QTest::newRow("below a pixel") << 2048 << 15360 << 7 << 0;
-    QTest::newRow("in double it would be 3") << 2048 << 12800 << 25 << 4;
-    QTest::newRow("100 m") << 2048 << 12800 << 100 << 16;
-    QTest::newRow("625 m") << 4096 << 5000 << 625 << 512;
+    const QSize usual(2048, 2048);
+    QTest::newRow("truncated") << usual << QSize(15360, 15360) << 25 << 3;
+    QTest::newRow("below a pixel") << usual << QSize(15360, 15360) << 7 << 0;
+    QTest::newRow("in double it would be 3") << usual << QSize(12800, 12800) << 25 << 4;
+    QTest::newRow("100 m") << usual << QSize(12800, 12800) << 100 << 16;
+    QTest::newRow("625 m") << QSize(4096, 4096) << QSize(5000, 5000) << 625 << 512;
+    QTest::newRow("a wide world") << usual << QSize(8192, 1024) << 40 << 10;
+    QTest::newRow("a high world") << usual << QSize(1024, 8192) << 40 << 80;
+    QTest::newRow("a wide layer") << QSize(2048, 256) << QSize(2048, 2048) << 40 << 40;
+    QTest::newRow("a high layer") << QSize(256, 2048) << QSize(2048, 2048) << 40 << 5;
 }
 
 void CustomLayerTest::radiiAreConvertedInFloats()
 {
-    QFETCH(int, layerSize);
-    QFETCH(int, worldSize);
+    QFETCH(QSize, layerSize);
+    QFETCH(QSize, worldSize);
     QFETCH(int, metres);
     QFETCH(int, pixels);
-    ProjectSettings::Instance().SetSizes(layerSize, layerSize, worldSize, worldSize);
-    QImage row = raster::BlankMask({2 * 512 + 3, 1});
-    row.setPixel(513, 0, raster::MaskSet);
-    m_a->SetImage(row, Qt::white);
-    const QString code = QString("d(%1:%2)").arg(m_a->Id()).arg(metres);
-    const QImage grown = Evaluate(*m_layers, code, row.width(), row.height());
-    for (int x = 0; x < row.width(); ++x) {
-        QCOMPARE(grown.pixelIndex(x, 0) == 255, qAbs(x - 513) <= pixels);
+    ProjectSettings::Instance().SetSizes(layerSize.width(), layerSize.height(), worldSize.width(),
+                                         worldSize.height());
+    const QImage runs = RunsAround(pixels);
+    for (const Morphology& each : AllMorphology()) {
+        // Gaps close as runs open.
+        const QImage mask = each.character == 'c' ? raster::Complement(runs) : runs;
+        m_a->SetImage(mask, Qt::white);
+        const QString code =
+            QString("%1(%2:%3)").arg(QChar(each.character)).arg(m_a->Id()).arg(metres);
+        const QImage image = Evaluate(*m_layers, code, mask.width(), mask.height());
+        const auto radius = static_cast<float>(pixels);
+        QCOMPARE(image, each.function(mask, radius));
+        QVERIFY(image != each.function(mask, radius + 1));
+        QVERIFY(pixels == 0 || image != each.function(mask, radius - 1));
     }
 }
 
@@ -352,6 +395,18 @@ void CustomLayerTest::operandsAreScaled()
 
     m_b->SetImage(raster::BlankMask({3, 5}), Qt::white);
     QCOMPARE(EvaluateAtLayerSize(Code("+(A)(B)")), m_a->Image());
+}
+
+void CustomLayerTest::operandsComeFromTheListThatIsPassed()
+{
+    LayerList others;
+    auto layer = std::make_unique<Layer>(0, 0, &others, "other");
+    layer->SetImage(MaskFromArt(ArtB()), Qt::white);
+    const QString code = QString("!(%1)").arg(layer->Id());
+    QVERIFY(others.AddLayer(std::move(layer)));
+    QCOMPARE(Evaluate(others, code, 8, 8), raster::Complement(MaskFromArt(ArtB())));
+    QVERIFY(EvaluateAtLayerSize(code).isNull());
+    QVERIFY(Evaluate(others, Code("!(A)"), 8, 8).isNull());
 }
 
 void CustomLayerTest::previewsKeepTheRadiusInFullSizePixels()
@@ -441,6 +496,47 @@ void CustomLayerTest::aCodeReplacesTheImage()
     QCOMPARE(m_b->Image(), raster::Complement(MaskFromArt(ArtA())));
     QVERIFY(m_b->PictureRevision() != revision);
     QCOMPARE(ArtFromMask(m_a->Image()), ArtA());
+}
+
+void CustomLayerTest::aCodeIsEvaluatedAtTheLayerSize_data()
+{
+    QTest::addColumn<QSize>("layerSize");
+    QTest::addColumn<QSize>("operandSize");
+    QTest::newRow("a wide layer") << QSize(12, 5) << QSize(12, 5);
+    QTest::newRow("a high layer") << QSize(5, 12) << QSize(5, 12);
+    QTest::newRow("operands of the other side") << QSize(12, 5) << QSize(5, 12);
+    QTest::newRow("smaller operands") << QSize(12, 5) << QSize(3, 2);
+    QTest::newRow("larger operands") << QSize(5, 12) << QSize(40, 31);
+}
+
+/// Whatever the size of the layer's image before.
+void CustomLayerTest::aCodeIsEvaluatedAtTheLayerSize()
+{
+    QFETCH(QSize, layerSize);
+    QFETCH(QSize, operandSize);
+    Random random;
+    const QImage operand = RandomMask(random, operandSize);
+    m_a->SetImage(operand, Qt::white);
+    ProjectSettings::Instance().SetSizes(layerSize.width(), layerSize.height(), 8, 8);
+    const QImage scaled = operand.scaled(layerSize, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    QVERIFY(m_b->SetCode(Code("!(A)")));
+    QCOMPARE(m_b->Image(), raster::Complement(scaled));
+    QVERIFY(m_b->SetCode(Code("+(A)(B)")));
+    QCOMPARE(m_b->Image(), raster::Union(scaled, raster::Complement(scaled)));
+    QCOMPARE(m_a->Image(), operand);
+}
+
+void CustomLayerTest::aCodeIsEvaluatedOverTheListOfItsLayer()
+{
+    LayerList others;
+    auto other = std::make_unique<Layer>(0, 0, &others, "other");
+    Layer* layer = other.get();
+    layer->SetImage(MaskFromArt(ArtB()), Qt::white);
+    QVERIFY(others.AddLayer(std::move(other)));
+    QVERIFY(!layer->SetCode(Code("!(A)")));
+    QCOMPARE(ArtFromMask(layer->Image()), ArtB());
+    QVERIFY(layer->SetCode(QString("!(%1)").arg(layer->Id())));
+    QCOMPARE(layer->Image(), raster::Complement(MaskFromArt(ArtB())));
 }
 
 void CustomLayerTest::anEqualCodeChangesNothing()

@@ -98,7 +98,9 @@ private slots:
     void cleanup();
 
     void aPreviewIsReported();
+    void aLayerIsComputedAtTheLayerSize_data();
     void aLayerIsComputedAtTheLayerSize();
+    void aLayerIsModifiedOverItsOwnList();
     void missingListsAndCodesGiveNull_data();
     void missingListsAndCodesGiveNull();
 
@@ -197,12 +199,57 @@ void CustomLayerWorkerTest::aPreviewIsReported()
     QCOMPARE(requester.TakePreview(), Evaluate(*m_layers, Code("d(A:2)"), 40, 20));
 }
 
+void CustomLayerWorkerTest::aLayerIsComputedAtTheLayerSize_data()
+{
+    QTest::addColumn<QSize>("layerSize");
+    QTest::newRow("that of the operands") << QSize(LayerSize, LayerSize);
+    QTest::newRow("wide") << QSize(90, 40);
+    QTest::newRow("high") << QSize(41, 130);
+}
+
 void CustomLayerWorkerTest::aLayerIsComputedAtTheLayerSize()
 {
+    QFETCH(QSize, layerSize);
+    ProjectSettings::Instance().SetSizes(layerSize.width(), layerSize.height(), LayerSize,
+                                         LayerSize);
+    const auto scaled = [layerSize](const QImage& mask) {
+        return mask.scaled(layerSize, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    };
     Requester requester;
     emit requester.LayerRequested(m_layers.get(), Code("-(A)(B)"), nullptr);
-    QCOMPARE(requester.TakeImage(), raster::Difference(MaskA(), MaskB()));
+    QCOMPARE(requester.TakeImage(), raster::Difference(scaled(MaskA()), scaled(MaskB())));
     QCOMPARE(m_a->Image(), MaskA());
+    QCOMPARE(m_b->Image(), MaskB());
+
+    emit requester.LayerRequested(m_layers.get(), Code("!(A)"), m_b);
+    QCOMPARE(requester.TakeImage(), raster::Complement(scaled(MaskA())));
+    QCOMPARE(m_b->Image(), raster::Complement(scaled(MaskA())));
+    QCOMPARE(m_a->Image(), MaskA());
+}
+
+/// Whichever list is passed with it, here and on the worker's thread.
+void CustomLayerWorkerTest::aLayerIsModifiedOverItsOwnList()
+{
+    LayerList others;
+    auto other = std::make_unique<Layer>(0, 0, &others, "other");
+    other->SetImage(MaskB(), Qt::white);
+    const QString ofOther = QString("!(%1)").arg(other->Id());
+    QVERIFY(others.AddLayer(std::move(other)));
+
+    Requester requester;
+    emit requester.LayerRequested(&others, ofOther, nullptr);
+    QCOMPARE(requester.TakeImage(), raster::Complement(MaskB()));
+    emit requester.LayerRequested(&others, ofOther, m_b);
+    QVERIFY(requester.TakeImage().isNull());
+    emit requester.LayerRequested(&others, Code("!(A)"), m_b);
+    QCOMPARE(requester.TakeImage(), raster::Complement(MaskA()));
+    QCOMPARE(m_b->Image(), raster::Complement(MaskA()));
+
+    CustomLayerWorker worker;
+    worker.ComputeLayer(&others, ofOther, m_b);
+    QCOMPARE(m_b->Image(), raster::Complement(MaskA()));
+    worker.ComputeLayer(&others, Code("d(A:1)"), m_b);
+    QCOMPARE(m_b->Image(), raster::Dilate(MaskA(), 1));
 }
 
 void CustomLayerWorkerTest::missingListsAndCodesGiveNull_data()

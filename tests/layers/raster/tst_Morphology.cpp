@@ -56,6 +56,7 @@ private slots:
     void longMasksEqualTheLiteralResult();
     void aRowOfManyShortRunsGrowsToArcs_data();
     void aRowOfManyShortRunsGrowsToArcs();
+    void busyRowsOfHighMasksEqualTheLiteralResult();
     void singlePixelsAtCornersEqualTheLiteralResult();
     void allRadiiEqualTheLiteralResult();
     void greyMasksThatLookBinaryAreNoticed();
@@ -357,22 +358,29 @@ void MorphologyTest::listedDiscsEqualTheLiteralResult()
 
 void MorphologyTest::smallMasksEqualTheLiteralResult_data()
 {
+    QTest::addColumn<int>("count");
+    QTest::addColumn<int>("longestSide");
+    QTest::addColumn<int>("smallestRadius");
     QTest::addColumn<int>("largestRadius");
-    QTest::newRow("next neighbours") << 3;
-    QTest::newRow("packed rows") << 20;
-    QTest::newRow("sweeps") << 50;
+    QTest::newRow("next neighbours") << 1000 << 22 << 0 << 3;
+    QTest::newRow("packed rows") << 600 << 30 << 0 << 20;
+    // Only pictures with longer sides than the smallest of these radii are not filled as a whole.
+    QTest::newRow("sweeps") << 120 << 60 << 21 << 50;
 }
 
 void MorphologyTest::smallMasksEqualTheLiteralResult()
 {
+    QFETCH(int, count);
+    QFETCH(int, longestSide);
+    QFETCH(int, smallestRadius);
     QFETCH(int, largestRadius);
     Random random;
-    for (int i = 0; i < 1000; ++i) {
-        const QImage mask = RandomContent(random, {random.Between(1, 22), random.Between(1, 22)});
-        const bool isWhole = random.Below(2) == 0;
-        const float radius = isWhole ? static_cast<float>(random.Below(largestRadius + 1))
-                                     : static_cast<float>(random.Below(64 * largestRadius)) / 64;
-        QVERIFY(EqualsLiteral(mask, radius));
+    for (int i = 0; i < count; ++i) {
+        const QSize size(random.Between(1, longestSide), random.Between(1, longestSide));
+        const QImage mask = RandomContent(random, size);
+        const int parts = random.Below(2) == 0 ? 1 : 64;
+        const int radius = random.Between(parts * smallestRadius, parts * largestRadius);
+        QVERIFY(EqualsLiteral(mask, static_cast<float>(radius) / static_cast<float>(parts)));
     }
 }
 
@@ -427,6 +435,28 @@ void MorphologyTest::aRowOfManyShortRunsGrowsToArcs()
     }
     QCOMPARE(Dilate(mask, radius), expected);
     QCOMPARE(Erode(Complement(mask), radius), Complement(expected));
+}
+
+/// Rows of many short runs that reach further than a byte counts. The rest is clear, or the literal
+/// result would take minutes.
+void MorphologyTest::busyRowsOfHighMasksEqualTheLiteralResult()
+{
+    Random random;
+    for (int i = 0; i < 12; ++i) {
+        QImage mask = BlankMask({random.Between(100, 400), random.Between(300, 900)});
+        for (int rows = random.Between(1, 3); rows > 0; --rows) {
+            uchar* row = mask.scanLine(random.Below(mask.height()));
+            const int period = random.Between(3, 31);
+            for (int x = random.Below(period); x < mask.width(); x += period) {
+                row[x] = raster::MaskSet;
+            }
+            std::fill_n(row + random.Below(mask.width() / 2), mask.width() / 3, uchar(0));
+        }
+        const auto radius = static_cast<float>(random.Between(256, 600));
+        const QImage expected = literal::Apply(Step::Dilate, mask, radius);
+        QCOMPARE(Dilate(mask, radius), expected);
+        QCOMPARE(Erode(Complement(mask), radius), Complement(expected));
+    }
 }
 
 void MorphologyTest::singlePixelsAtCornersEqualTheLiteralResult()
