@@ -113,6 +113,13 @@ QImage RandomMask(int size, quint32 indices)
     return MakeMask(size, [&](int, int) { return random() % indices * (255 / (indices - 1)); });
 }
 
+/// A set pixel every so many, at random.
+QImage SparseNoise(int size, quint32 period)
+{
+    std::mt19937 random(1);
+    return MakeMask(size, [&](int, int) { return random() % period == 0 ? 255 : 0; });
+}
+
 QImage Checkerboard(int size)
 {
     return MakeMask(size, [](int x, int y) { return (x + y) % 2 * 255; });
@@ -165,6 +172,7 @@ std::vector<NamedMask> Masks(int size)
 {
     return {{"natural", NaturalShapes(size)},
             {"noise", RandomMask(size, 2)},
+            {"sparse_noise", SparseNoise(size, 30)},
             {"checkerboard", Checkerboard(size)},
             {"half_noise", HalfNoise(size)},
             {"half_checkerboard", HalfCheckerboard(size)},

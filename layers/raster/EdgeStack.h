@@ -14,11 +14,12 @@ namespace raster {
 class EdgeStack
 {
 public:
-    /// The ends of a row's runs; none for a row that was not kept.
+    /// The ends of a row's runs.
     struct Edges
     {
         const int* begin;
         const int* end;
+        bool IsKept() const { return begin != nullptr; }
         bool IsEmpty() const { return begin == end; }
     };
 

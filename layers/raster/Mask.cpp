@@ -128,22 +128,25 @@ bool SameGeometry(const QImage& a, const QImage& b)
     return !a.isNull() && !b.isNull() && a.format() == b.format() && a.size() == b.size();
 }
 
-QUILLMAP_WIDE_VECTORS
 bool IsBinary(const QImage& mask)
 {
-    const int width = mask.width();
     for (int y = 0; y < mask.height(); ++y) {
-        const uchar* pixels = mask.constScanLine(y);
-        uchar others = 0;
-        for (int x = 0; x < width; ++x) {
-            // 255 and 0 become 0 and 1 when one is added.
-            others |= static_cast<uchar>(pixels[x] + 1);
-        }
-        if (others > 1) {
+        if (!IsBinary(mask.constScanLine(y), mask.width())) {
             return false;
         }
     }
     return true;
+}
+
+QUILLMAP_WIDE_VECTORS
+bool IsBinary(const uchar* pixels, int count)
+{
+    uchar others = 0;
+    for (int x = 0; x < count; ++x) {
+        // 255 and 0 become 0 and 1 when one is added.
+        others |= static_cast<uchar>(pixels[x] + 1);
+    }
+    return others <= 1;
 }
 
 } // namespace raster

@@ -40,5 +40,7 @@ bool SameGeometry(const QImage& a, const QImage& b);
 
 /// True when every pixel of a Format_Indexed8 image is MaskClear or MaskSet.
 bool IsBinary(const QImage& mask);
+/// The same for count pixels.
+bool IsBinary(const uchar* pixels, int count);
 
 } // namespace raster

@@ -49,6 +49,19 @@ void DilateByPicture(const QImage& mask, uchar flip, QImage& result)
     }
 }
 
+/// False, and result is of no use, for a mask of other indices than 0 and 255.
+bool DilateIfBinary(const QImage& mask, const DiscShape& disc, uchar flip, QImage& result)
+{
+    if (disc.Radius() > LargestChordRadius) {
+        return DilateBySweeps(mask, disc, flip, result);
+    }
+    if (!IsBinary(mask)) {
+        return false;
+    }
+    DilateByChords(mask, disc, flip, result);
+    return true;
+}
+
 QImage DilateByDisc(const QImage& mask, const DiscShape& disc, uchar flip)
 {
     if (!IsIndexed(mask) || disc.Radius() == 0) {
@@ -62,12 +75,8 @@ QImage DilateByDisc(const QImage& mask, const DiscShape& disc, uchar flip)
         DilateByPicture(mask, flip, result);
     } else if (disc.Radius() == 1 && disc.HalfChord(1) == 0) {
         DilateByCross(mask, flip, result);
-    } else if (!IsBinary(mask)) {
+    } else if (!DilateIfBinary(mask, disc, flip, result)) {
         DilateByRunningMaxima(mask, disc, flip, result);
-    } else if (disc.Radius() <= LargestChordRadius) {
-        DilateByChords(mask, disc, flip, result);
-    } else {
-        DilateBySweeps(mask, disc, flip, result);
     }
     return result;
 }

@@ -49,7 +49,7 @@ void Prefetch(const QImage& image, int y)
 #endif
 }
 
-constexpr int RowsAhead = 2;
+constexpr int RowsAhead = 4;
 
 /// The nearest set pixel of each row says how many rows further a pixel of that row is within the
 /// disc; what the rows above and below still reach is the maximum of these, less one a row. It is
@@ -58,7 +58,7 @@ constexpr int RowsAhead = 2;
 ///
 /// This one keeps the reach of the sweep downward in the result, where a byte holds it.
 QUILLMAP_WIDE_VECTORS
-void SweepBytes(const QImage& mask, const DiscShape& disc, uchar flip, QImage& result)
+bool SweepBytes(const QImage& mask, const DiscShape& disc, uchar flip, QImage& result)
 {
     const int width = mask.width();
     RowReach<uchar> row(disc, mask.size());
@@ -66,23 +66,39 @@ void SweepBytes(const QImage& mask, const DiscShape& disc, uchar flip, QImage& r
     for (int y = 0; y < mask.height(); ++y) {
         Prefetch(mask, y + RowsAhead);
         Prefetch(result, y + RowsAhead);
-        const uchar* own = row.Of(mask.constScanLine(y), flip);
+        const uchar* pixels = mask.constScanLine(y);
+        if (!IsBinary(pixels, width)) {
+            return false;
+        }
+        const uchar* own = row.Of(pixels, flip);
         Advance(
             width, reach.data(), result.scanLine(y), [own](int x, uchar) { return own[x]; },
             [](uchar here, uchar) { return here; });
     }
     std::fill(reach.begin(), reach.end(), uchar(0));
     for (int y = mask.height() - 1; y >= 0; --y) {
+        Prefetch(result, y - RowsAhead);
         Advance(
             width, reach.data(), result.scanLine(y), [](int, uchar kept) { return kept; },
             [flip](uchar here, uchar) -> uchar { return ToPixel(here) ^ flip; });
     }
+    return true;
+}
+
+/// That of a row on the way back.
+template <typename T>
+const T* OwnReach(RowReach<T>& row, EdgeStack::Edges edges, const uchar* pixels, uchar flip)
+{
+    if (!edges.IsKept()) {
+        return row.Of(pixels, flip);
+    }
+    return edges.IsEmpty() ? row.OfBusy(pixels, flip) : row.Of(edges);
 }
 
 /// For a longer reach, which the sweep upward finds once more, from the edges of the rows where
 /// there was room for them: that is faster than to keep it, and takes less memory.
 template <typename T>
-QUILLMAP_WIDE_VECTORS void SweepTwice(const QImage& mask, const DiscShape& disc, uchar flip,
+QUILLMAP_WIDE_VECTORS bool SweepTwice(const QImage& mask, const DiscShape& disc, uchar flip,
                                       QImage& result)
 {
     const int width = mask.width();
@@ -92,7 +108,11 @@ QUILLMAP_WIDE_VECTORS void SweepTwice(const QImage& mask, const DiscShape& disc,
     for (int y = 0; y < mask.height(); ++y) {
         Prefetch(mask, y + RowsAhead);
         Prefetch(result, y + RowsAhead);
-        const T* own = row.Of(mask.constScanLine(y), flip);
+        const uchar* pixels = mask.constScanLine(y);
+        if (!IsBinary(pixels, width)) {
+            return false;
+        }
+        const T* own = row.Of(pixels, flip);
         remembered.Push(row.Edges());
         Advance(
             width, reach.data(), result.scanLine(y), [own](int x, uchar) { return own[x]; },
@@ -101,25 +121,25 @@ QUILLMAP_WIDE_VECTORS void SweepTwice(const QImage& mask, const DiscShape& disc,
     std::fill(reach.begin(), reach.end(), T(0));
     for (int y = mask.height() - 1; y >= 0; --y) {
         Prefetch(result, y - RowsAhead);
-        const EdgeStack::Edges edges = remembered.Pop();
-        const T* own = edges.IsEmpty() ? row.Of(mask.constScanLine(y), flip) : row.Of(edges);
+        const T* own = OwnReach(row, remembered.Pop(), mask.constScanLine(y), flip);
         Advance(
             width, reach.data(), result.scanLine(y), [own](int x, uchar) { return own[x]; },
             [flip](T here, uchar above) -> uchar { return (ToPixel(here) | above) ^ flip; });
     }
+    return true;
 }
 
 } // namespace
 
-void DilateBySweeps(const QImage& mask, const DiscShape& disc, uchar flip, QImage& result)
+bool DilateBySweeps(const QImage& mask, const DiscShape& disc, uchar flip, QImage& result)
 {
     if (RowReach<uchar>::Holds(disc, mask.size())) {
-        SweepBytes(mask, disc, flip, result);
-    } else if (RowReach<qint16>::Holds(disc, mask.size())) {
-        SweepTwice<qint16>(mask, disc, flip, result);
-    } else {
-        SweepTwice<qint32>(mask, disc, flip, result);
+        return SweepBytes(mask, disc, flip, result);
     }
+    if (RowReach<qint16>::Holds(disc, mask.size())) {
+        return SweepTwice<qint16>(mask, disc, flip, result);
+    }
+    return SweepTwice<qint32>(mask, disc, flip, result);
 }
 
 } // namespace raster

@@ -10,7 +10,8 @@ namespace raster {
 /// mask's size and format. flip inverts what is read and written: 0 dilates, 255 erodes. The radius
 /// is more than 15. Takes scratch memory for a few rows, without which it throws std::bad_alloc,
 /// and above radius 254 for the edges of rows, half a byte a pixel but no more than 32 MiB, without
-/// which it goes on.
-void DilateBySweeps(const QImage& mask, const DiscShape& disc, uchar flip, QImage& result);
+/// which it goes on. False, and result is of no use, for a mask that turns out to hold other
+/// indices than 0 and 255.
+bool DilateBySweeps(const QImage& mask, const DiscShape& disc, uchar flip, QImage& result);
 
 } // namespace raster

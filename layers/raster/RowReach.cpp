@@ -2,28 +2,106 @@
 
 #include "layers/raster/WideVectors.h"
 
+#include <QtAlgorithms>
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 namespace raster {
 namespace {
 
-/// Distances in a busy row are looked for up to here.
+/// Distances in a busy row are looked for up to the largest of these that is less than the radius.
 constexpr int FarDistance = 15;
-/// Marks a distance that is not known (yet); the largest step added to it still fits a byte.
+constexpr int VeryFarDistance = 31;
+/// On either side of a row, of distances that are not known.
+constexpr int Margin = VeryFarDistance + 1;
+/// Marks a distance that is not known (yet), by the highest bit; the largest step added to it still
+/// fits a byte.
 constexpr uchar UnknownDistance = 128;
 /// A row is busy whose runs, each with the gap before it, are shorter on average: below that their
 /// ends cost more to find and to fill around than distances for all pixels.
-constexpr int BusyPeriod = 32;
-constexpr int RunsBeforeJudging = 16;
+constexpr int BusyPeriod = 28;
+/// Found in any row, however close they are.
+constexpr int EdgesBeforeJudging = 16;
 
-/// The first index from start on that holds value, or width.
-int Find(const uchar* pixels, int start, int width, uchar value)
+/// Pixels whose ends of runs are looked for together.
+constexpr int WordLength = 64;
+
+/// Values are filled in by as many at once: what is too much is filled in anew by what follows.
+template <typename T>
+constexpr int ChunkLength = 64 / static_cast<int>(sizeof(T));
+
+/// Bit i is the highest one of byte i.
+quint64 BitsOf(const uchar* bytes)
 {
-    const auto count = static_cast<std::size_t>(width - start);
-    const void* found = std::memchr(pixels + start, value, count);
-    return found ? static_cast<int>(static_cast<const uchar*>(found) - pixels) : width;
+    quint64 bits = 0;
+#ifdef __SSE2__
+    for (int i = 0; i < 4; ++i) {
+        const __m128i part = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes) + i);
+        bits |= static_cast<quint64>(static_cast<quint32>(_mm_movemask_epi8(part))) << 16 * i;
+    }
+#else
+    for (int i = 0; i < WordLength; ++i) {
+        bits |= static_cast<quint64>(bytes[i] >> 7) << i;
+    }
+#endif
+    return bits;
+}
+
+/// The same for fewer bytes; the others are like the last.
+quint64 BitsOf(const uchar* bytes, int count)
+{
+    uchar word[WordLength];
+    std::fill(std::copy_n(bytes, count, word), word + WordLength, bytes[count - 1]);
+    return BitsOf(word);
+}
+
+/// Finds the first bytes in turn that have the highest bit and that do not, or the other way round
+/// when flipped is all ones. False when they turn out to be too many.
+bool FindEdges(const uchar* bytes, int width, quint64 flipped, std::vector<int>& edges)
+{
+    quint64 before = 0;
+    edges.clear();
+    for (int start = 0; start < width; start += WordLength) {
+        const int count = std::min(width - start, WordLength);
+        const quint64 bits =
+            (count == WordLength ? BitsOf(bytes + start) : BitsOf(bytes + start, count)) ^ flipped;
+        for (quint64 ends = bits ^ (bits << 1 | before); ends != 0; ends &= ends - 1) {
+            edges.push_back(start + static_cast<int>(qCountTrailingZeroBits(ends)));
+        }
+        if (static_cast<int>(edges.size()) > EdgesBeforeJudging + 2 * start / BusyPeriod) {
+            return false;
+        }
+        before = bits >> (WordLength - 1);
+    }
+    // The row ends in a run, or in a gap before none.
+    edges.resize(edges.size() + 2 - edges.size() % 2, width);
+    return true;
+}
+
+/// Copies count values and some more.
+template <typename T>
+void CopyChunks(const T* from, int count, T* __restrict to)
+{
+    for (int i = 0; i < count; i += ChunkLength<T>) {
+        std::memcpy(to + i, from + i, sizeof(T) * ChunkLength<T>);
+    }
+}
+
+/// Fills in count values and some more.
+template <typename T>
+void FillChunks(T value, int count, T* __restrict to)
+{
+    for (int i = 0; i < count; i += ChunkLength<T>) {
+        for (int j = 0; j < ChunkLength<T>; ++j) {
+            to[i + j] = value;
+        }
+    }
 }
 
 /// Lets distances of up to twice step spread from either side. Gives the largest that is left.
@@ -41,7 +119,7 @@ uchar SpreadDistances(const uchar* from, int width, int step, uchar* __restrict 
 }
 
 QUILLMAP_WIDE_VECTORS
-void AddFrom(const uchar* distances, int width, int distance, uchar drop, uchar* __restrict drops)
+void AddFrom(const uchar* distances, int width, uchar distance, uchar drop, uchar* __restrict drops)
 {
     for (int x = 0; x < width; ++x) {
         drops[x] += static_cast<uchar>(distances[x] >= distance ? drop : 0);
@@ -69,78 +147,69 @@ template <typename T>
 RowReach<T>::RowReach(const DiscShape& disc, QSize picture)
     : m_width(picture.width())
     , m_radius(disc.Radius())
-    , m_outward(static_cast<std::size_t>(disc.Radius()) + 1)
-    , m_distances(static_cast<std::size_t>(picture.width()) + 2 * (FarDistance + 1))
-    , m_nearer(m_distances.size())
-    , m_reach(static_cast<std::size_t>(picture.width()))
+    , m_farDistance(disc.Radius() > VeryFarDistance ? VeryFarDistance : FarDistance)
+    , m_outward(static_cast<std::size_t>(disc.Radius() + 1 + ChunkLength<T>))
+    , m_distances(static_cast<std::size_t>(picture.width()) + 2 * Margin, UnknownDistance)
+    , m_nearer(m_distances)
+    , m_reach(static_cast<std::size_t>(picture.width() + ChunkLength<T>))
 {
     Q_ASSERT(m_radius > FarDistance);
     for (int distance = 0; distance <= m_radius; ++distance) {
         const int rows = std::min(disc.HalfChord(distance), picture.height() - 1) + 1;
         m_outward[static_cast<std::size_t>(distance)] = static_cast<T>(rows);
     }
-    m_inward.assign(m_outward.rbegin(), m_outward.rend());
+    m_inward.assign(m_outward.rbegin() + ChunkLength<T>, m_outward.rend());
+    m_inward.resize(m_outward.size());
 }
 
 template <typename T>
 const T* RowReach<T>::Of(const uchar* pixels, uchar flip)
 {
     const auto set = static_cast<uchar>(~flip);
-    if (FindRuns(pixels, set)) {
+    // Natural shapes have a few long runs in a row.
+    if (FindEdges(pixels, m_width, set == 0 ? ~quint64(0) : 0, m_edges)) {
         return Of(EdgeStack::Edges{m_edges.data(), m_edges.data() + m_edges.size()});
     }
     m_edges.clear();
-    FillByDistances(pixels, set);
-    return m_reach.data();
+    return OfBusy(pixels, flip);
 }
 
-/// Natural shapes have a few long runs in a row. False when the runs turn out to be too short for
-/// that.
 template <typename T>
-bool RowReach<T>::FindRuns(const uchar* pixels, uchar set)
+const T* RowReach<T>::OfBusy(const uchar* pixels, uchar flip)
 {
-    m_edges.clear();
-    int judgedAt = 0;
-    for (int gap = 0, runs = 1; gap < m_width; ++runs) {
-        const int run = Find(pixels, gap, m_width, set);
-        gap = Find(pixels, run, m_width, static_cast<uchar>(~set));
-        m_edges.push_back(run);
-        m_edges.push_back(gap);
-        if (runs % RunsBeforeJudging == 0) {
-            if (gap - judgedAt < RunsBeforeJudging * BusyPeriod) {
-                return false;
-            }
-            judgedAt = gap;
-        }
-    }
-    return true;
+    FillByDistances(pixels, static_cast<uchar>(~flip));
+    return m_reach.data();
 }
 
 /// The insides of runs are one value, and their surroundings are copied.
 template <typename T>
-const T* RowReach<T>::Of(EdgeStack::Edges edges)
+QUILLMAP_WIDE_VECTORS const T* RowReach<T>::Of(EdgeStack::Edges edges)
 {
     T* reach = m_reach.data();
+    const T inside = m_outward.front();
     int gap = 0;
     for (const int* edge = edges.begin; edge != edges.end; edge += 2) {
         const int run = edge[0];
-        FillGap(reach + gap, run - gap, gap > 0, run < m_width);
+        FillGap(gap, run);
         gap = edge[1];
-        std::fill(reach + run, reach + gap, m_outward.front());
+        FillChunks(inside, gap - run, reach + run);
     }
     return reach;
 }
 
-/// Fills the clear pixels between two runs, of which the picture's edges may cut off either.
+/// Fills the clear pixels between two runs, of which the picture's edges may cut off either, and
+/// some behind them.
 template <typename T>
-void RowReach<T>::FillGap(T* reach, int length, bool hasLeft, bool hasRight) const
+void RowReach<T>::FillGap(int gap, int run)
 {
-    const int toLeft = hasRight ? (hasLeft ? (length + 1) / 2 : 0) : length;
-    const int fromLeft = hasLeft ? std::min(toLeft, m_radius) : 0;
-    const int fromRight = hasRight ? std::min(length - toLeft, m_radius) : 0;
-    std::copy_n(m_outward.data() + 1, fromLeft, reach);
-    std::fill_n(reach + fromLeft, length - fromLeft - fromRight, T(0));
-    std::copy_n(m_inward.data() + m_radius - fromRight, fromRight, reach + length - fromRight);
+    T* reach = m_reach.data();
+    const int length = run - gap;
+    const int toLeft = run < m_width ? (gap > 0 ? (length + 1) / 2 : 0) : length;
+    const int fromLeft = gap > 0 ? std::min(toLeft, m_radius) : 0;
+    const int fromRight = run < m_width ? std::min(length - toLeft, m_radius) : 0;
+    CopyChunks(m_outward.data() + 1, fromLeft, reach + gap);
+    FillChunks(T(0), length - fromLeft - fromRight, reach + gap + fromLeft);
+    CopyChunks(m_inward.data() + m_radius - fromRight, fromRight, reach + run - fromRight);
 }
 
 /// For rows of many short runs: the distance to the nearest set pixel, from both sides in steps of
@@ -148,47 +217,50 @@ void RowReach<T>::FillGap(T* reach, int length, bool hasLeft, bool hasRight) con
 template <typename T>
 void RowReach<T>::FillByDistances(const uchar* pixels, uchar set)
 {
-    constexpr int margin = FarDistance + 1;
     const int width = m_width;
-    std::fill(m_distances.begin(), m_distances.end(), UnknownDistance);
-    std::fill(m_nearer.begin(), m_nearer.end(), UnknownDistance);
-    uchar* distances = m_distances.data() + margin;
-    uchar* nearer = m_nearer.data() + margin;
+    uchar* distances = m_distances.data() + Margin;
+    uchar* nearer = m_nearer.data() + Margin;
     for (int x = 0; x < width; ++x) {
         distances[x] = pixels[x] == set ? 0 : UnknownDistance;
     }
     int farthest = UnknownDistance;
-    for (int step = 1; step <= FarDistance && farthest > FarDistance; step *= 2) {
+    for (int step = 1; step <= m_farDistance && farthest > m_farDistance; step *= 2) {
         farthest = SpreadDistances(distances, width, step, nearer);
         std::swap(distances, nearer);
     }
     uchar* drops = nearer;
     std::fill_n(drops, width, uchar(0));
-    for (int distance = 1; distance <= std::min(farthest, FarDistance); ++distance) {
+    for (int distance = 1; distance <= std::min(farthest, m_farDistance); ++distance) {
         const auto index = static_cast<std::size_t>(distance);
         const int drop = m_outward[index - 1] - m_outward[index];
         if (drop != 0) {
-            AddFrom(distances, width, distance, static_cast<uchar>(drop), drops);
+            AddFrom(distances, width, static_cast<uchar>(distance), static_cast<uchar>(drop),
+                    drops);
         }
     }
     Subtract(m_outward.front(), drops, width, m_reach.data());
-    if (farthest > FarDistance) {
+    if (farthest > m_farDistance) {
         FillUnknown(distances);
     }
 }
 
-/// What is too far from a set pixel on either side has known distances up to FarDistance around it,
-/// except at the picture's edges: with these it is a gap.
+/// What is too far from a set pixel on either side has known distances up to m_farDistance around
+/// it, except at the picture's edges: with these it is a gap.
 template <typename T>
 void RowReach<T>::FillUnknown(const uchar* distances)
 {
-    int first = Find(distances, 0, m_width, UnknownDistance);
-    while (first < m_width) {
-        const int end = Find(distances, first, m_width, FarDistance);
-        const int gap = first > 0 ? first - FarDistance : 0;
-        const int run = end < m_width ? end + FarDistance : m_width;
-        FillGap(m_reach.data() + gap, run - gap, gap > 0, run < m_width);
-        first = Find(distances, end, m_width, UnknownDistance);
+    // Each is in the middle of so long a gap that there are never too many of them.
+    static_assert(BusyPeriod < 2 * FarDistance);
+    FindEdges(distances, m_width, 0, m_unknown);
+    for (std::size_t i = 0; i < m_unknown.size() && m_unknown[i] < m_width; i += 2) {
+        const int first = m_unknown[i];
+        const int end = m_unknown[i + 1];
+        const int gap = first > 0 ? first - m_farDistance : 0;
+        const int run = end < m_width ? end + m_farDistance : m_width;
+        T known[ChunkLength<T>];
+        std::memcpy(known, m_reach.data() + run, sizeof(known));
+        FillGap(gap, run);
+        std::memcpy(m_reach.data() + run, known, sizeof(known));
     }
 }
 

@@ -31,19 +31,23 @@ public:
     const std::vector<int>& Edges() const { return m_edges; }
     /// The values of the row that has these edges, of which there are some.
     const T* Of(EdgeStack::Edges edges);
+    /// The values of a row that has none.
+    const T* OfBusy(const uchar* pixels, uchar flip);
 
 private:
-    bool FindRuns(const uchar* pixels, uchar set);
-    void FillGap(T* reach, int length, bool hasLeft, bool hasRight) const;
+    void FillGap(int gap, int run);
     void FillByDistances(const uchar* pixels, uchar set);
     void FillUnknown(const uchar* distances);
 
     int m_width;
     int m_radius;
-    /// The values by their distance from the nearest set pixel, 0 to m_radius, and backwards.
+    int m_farDistance;
+    /// The values by their distance from the nearest set pixel, 0 to m_radius, and backwards;
+    /// behind them, as behind m_reach, is room for a chunk.
     std::vector<T> m_outward;
     std::vector<T> m_inward;
     std::vector<int> m_edges;
+    std::vector<int> m_unknown;
     std::vector<uchar> m_distances;
     std::vector<uchar> m_nearer;
     std::vector<T> m_reach;

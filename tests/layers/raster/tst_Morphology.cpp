@@ -116,7 +116,7 @@ uchar RandomPixel(Random& random, Content content, int x, int y)
     case Content::HalfNoise:
         return x % 100 < 50 && random.Below(2) != 0 ? 255 : 0;
     case Content::Lines:
-        return x % (26 + y % 12) == 0 ? 255 : 0;
+        return x % (20 + y % 12) == 0 ? 255 : 0;
     case Content::Even:
         break;
     }
@@ -408,33 +408,48 @@ void MorphologyTest::longMasksEqualTheLiteralResult()
 
 void MorphologyTest::aRowOfManyShortRunsGrowsToArcs_data()
 {
+    QTest::addColumn<int>("radius");
     QTest::addColumn<int>("period");
-    QTest::addColumn<int>("end");
-    QTest::newRow("the whole row") << 20 << 600;
-    QTest::newRow("the longest gaps that count as short") << 31 << 600;
-    QTest::newRow("long gaps behind them") << 20 << 400;
+    QTest::addColumn<QPoint>("gap");
+    for (const int radius : {25, 32, 60}) {
+        const auto row = [radius](const char* name) -> QTestData& {
+            return QTest::addRow("%s, radius %d", name, radius) << radius;
+        };
+        row("the whole row") << 20 << QPoint(0, 0);
+        row("the longest gaps that count as short") << 24 << QPoint(0, 0);
+        row("a long gap before them") << 10 << QPoint(0, 300);
+        row("a gap of twice the known distances") << 10 << QPoint(1100, 1172);
+        row("a long gap amidst them") << 10 << QPoint(1100, 1500);
+        row("a long gap behind them") << 10 << QPoint(1300, 2000);
+    }
 }
 
 /// Nothing else is set, so that each column of the result shows how far the row reaches there.
 void MorphologyTest::aRowOfManyShortRunsGrowsToArcs()
 {
+    QFETCH(int, radius);
     QFETCH(int, period);
-    QFETCH(int, end);
-    constexpr float radius = 25;
-    QImage mask = BlankMask({600, 40});
+    QFETCH(QPoint, gap);
+    QImage mask = BlankMask({2000, 2 * radius + 10});
     QImage expected = mask.copy();
-    for (int center = period / 2; center < end; center += period) {
-        mask.setPixel(center, 5, raster::MaskSet);
+    const int centerY = radius + 5;
+    for (int center = period / 2; center < mask.width(); center += period) {
+        if (center >= gap.x() && center < gap.y()) {
+            continue;
+        }
+        mask.setPixel(center, centerY, raster::MaskSet);
+        const int first = std::max(center - radius, 0);
+        const int last = std::min(center + radius, mask.width() - 1);
         for (int y = 0; y < mask.height(); ++y) {
-            for (int x = 0; x < mask.width(); ++x) {
-                if (literal::IsInDisc(radius, x - center, y - 5)) {
-                    expected.setPixel(x, y, raster::MaskSet);
+            for (int x = first; x <= last; ++x) {
+                if (literal::IsInDisc(float(radius), x - center, y - centerY)) {
+                    expected.scanLine(y)[x] = raster::MaskSet;
                 }
             }
         }
     }
-    QCOMPARE(Dilate(mask, radius), expected);
-    QCOMPARE(Erode(Complement(mask), radius), Complement(expected));
+    QCOMPARE(Dilate(mask, float(radius)), expected);
+    QCOMPARE(Erode(Complement(mask), float(radius)), Complement(expected));
 }
 
 /// Rows of many short runs that reach further than a byte counts. The rest is clear, or the literal
