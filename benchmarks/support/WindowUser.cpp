@@ -22,27 +22,41 @@ void Pulse::Reset()
     m_sinceTick.restart();
 }
 
+/// Until nothing is left to be painted.
+static void Settle()
+{
+    constexpr int milliseconds = 200;
+    QCoreApplication::processEvents(QEventLoop::AllEvents, milliseconds);
+}
+
 double LoadSeconds(QuillmapWindow& window, const QString& path, Pulse* pulse)
 {
     // The picture of what was loaded before is not part of this load.
-    QCoreApplication::processEvents();
-    std::chrono::steady_clock::time_point begin;
+    Settle();
     QTimer::singleShot(0, &window, [&] {
         QTimer::singleShot(0, &window, [&] {
             auto* dialog = window.findChild<QFileDialog*>();
             dialog->selectFile(path);
             dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
             static_cast<QDialog*>(dialog)->accept();
-            if (pulse) {
-                pulse->Reset();
-            }
-            begin = std::chrono::steady_clock::now();
         });
     });
     ProjectSettings::Instance().modified = false;
+    std::chrono::steady_clock::time_point begin;
+    window.setWindowTitle(QString());
+    // The project's name is shown as soon as the file dialog is closed.
+    const auto beginning = QObject::connect(&window, &QWidget::windowTitleChanged, [&] {
+        begin = std::chrono::steady_clock::now();
+        if (pulse) {
+            pulse->Reset();
+        }
+    });
     window.LoadProject();
+    const auto end = std::chrono::steady_clock::now();
+    QObject::disconnect(beginning);
     if (pulse) {
         pulse->Tick();
     }
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    Settle();
+    return std::chrono::duration<double>(end - begin).count();
 }
