@@ -65,7 +65,7 @@ void HideWhatVaries(EditorUser& user, const QDir& example)
     for (int row = 0; row < messages->rowCount(); ++row) {
         QString text = messages->item(row)->text();
         text.replace(0, time.size(), time);
-        text.replace(example.absolutePath(), QStringLiteral("/home/ann/highlands"));
+        text.replace(example.absolutePath(), QStringLiteral("highlands"));
         messages->item(row)->setText(text);
     }
     list.scrollToBottom();
@@ -210,9 +210,9 @@ void ShowNewProject(EditorUser& user, const QDir& pictures)
         const auto type = [&](const char* name, const QString& text) {
             Part<QLineEdit>(dialog, name).setText(text);
         };
-        type("txtWorldImage", QStringLiteral("/home/ann/isle/island.jpg"));
-        type("txtAreaFlagsFile", QStringLiteral("/home/ann/isle/area-types.xml"));
-        type("txtProjectName", QStringLiteral("/home/ann/isle/isle.xml"));
+        type("txtWorldImage", QStringLiteral("isle/island.jpg"));
+        type("txtAreaFlagsFile", QStringLiteral("isle/area-types.xml"));
+        type("txtProjectName", QStringLiteral("isle/isle.xml"));
         Picture(dialog).Save(pictures, QStringLiteral("new-project"));
         dialog.reject();
     });
