@@ -4,6 +4,7 @@
 #include "tests/support/Files.h"
 #include "tests/support/LogSpy.h"
 #include "tests/support/ProjectFixture.h"
+#include "tests/support/TargaFiles.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -18,13 +19,7 @@ namespace {
 /// A picture of one byte a pixel, rows from the top, without compression.
 QByteArray Targa(quint16 size, const QByteArray& pixels)
 {
-    QByteArray header(18, '\0');
-    header[2] = 3;
-    qToLittleEndian(size, header.data() + 12);
-    qToLittleEndian(size, header.data() + 14);
-    header[16] = 8;
-    header[17] = 0x20;
-    return header + pixels;
+    return TargaHeader(RawType, {size, size}) + pixels;
 }
 
 QByteArray Document(const QString& children)

@@ -9,8 +9,8 @@
 #include "tests/support/Masks.h"
 #include "tests/support/MemoryLimit.h"
 #include "tests/support/ProjectFixture.h"
+#include "tests/support/TargaFiles.h"
 
-#include <QtEndian>
 #include <QtTest>
 
 class TargaTest : public QObject
@@ -64,10 +64,7 @@ constexpr quint64 AMebibyte = 1 << 20;
 /// A run-length file of 9 GB, none of which takes room on the disk but its header.
 void WriteSparseTarga(const QString& path, QSize size)
 {
-    QByteArray header = literal::WriteTarga(raster::BlankMask({1, 1}), true).left(18);
-    qToLittleEndian(static_cast<quint16>(size.width()), header.data() + 12);
-    qToLittleEndian(static_cast<quint16>(size.height()), header.data() + 14);
-    WriteBytes(path, header);
+    WriteBytes(path, TargaHeader(RunLengthType, size));
     if (!QFile::resize(path, 9000000000)) {
         qFatal("Cannot make a sparse file.");
     }

@@ -41,15 +41,6 @@ Output Run(const QString& program, const QStringList& arguments)
     return {process.readAllStandardOutput(), {}};
 }
 
-QByteArray Indices(const QImage& mask)
-{
-    QByteArray indices;
-    for (int y = 0; y < mask.height(); ++y) {
-        indices.append(reinterpret_cast<const char*>(mask.constScanLine(y)), mask.width());
-    }
-    return indices;
-}
-
 /// Every row begins with another value than the row before ended with, so no run crosses a row's
 /// end. Some runs are longer than a packet.
 QImage MaskWithoutRunsAcrossRowEnds()

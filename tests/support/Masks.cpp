@@ -69,6 +69,22 @@ QStringList ArtFromMask(const QImage& mask)
     return rows;
 }
 
+QByteArray Indices(const QImage& mask)
+{
+    QByteArray indices;
+    for (int y = 0; y < mask.height(); ++y) {
+        indices.append(reinterpret_cast<const char*>(mask.constScanLine(y)), mask.width());
+    }
+    return indices;
+}
+
+QImage FullMask(QSize size)
+{
+    QImage mask = raster::BlankMask(size);
+    mask.fill(raster::MaskSet);
+    return mask;
+}
+
 QImage RandomMask(Random& random, QSize size)
 {
     QImage mask = raster::BlankMask(size);

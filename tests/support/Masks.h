@@ -9,6 +9,10 @@
 QImage MaskFromArt(const QStringList& rows);
 /// The same the other way; indices other than 0, 1 and 255 show as '?', a null image as no row.
 QStringList ArtFromMask(const QImage& mask);
+/// The pixel indices row by row, from the top.
+QByteArray Indices(const QImage& mask);
 
+/// Every pixel set.
+QImage FullMask(QSize size);
 /// A mask with overlapping rectangles of set pixels and some noise of any index.
 QImage RandomMask(Random& random, QSize size);

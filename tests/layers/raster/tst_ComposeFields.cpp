@@ -48,13 +48,6 @@ QVector<quint32> WordsOf(const BitFieldRaster& raster)
     return {raster.Words(), raster.Words() + raster.WordCount()};
 }
 
-QImage FullMask(QSize size)
-{
-    QImage mask = raster::BlankMask(size);
-    mask.fill(255);
-    return mask;
-}
-
 QSize RandomSize(Random& random)
 {
     // Now and then more than the chunks and the bands in which masks are looked at.

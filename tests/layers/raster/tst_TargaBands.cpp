@@ -3,6 +3,7 @@
 #include "layers/raster/Mask.h"
 #include "tests/support/Masks.h"
 #include "tests/support/Random.h"
+#include "tests/support/TargaFiles.h"
 
 #include <QTest>
 
@@ -24,15 +25,7 @@ raster::ByteReader ReaderOf(const QByteArray& file)
 
 QByteArray Header(QSize size, bool isRunLength, bool isTopDown)
 {
-    QByteArray header(18, '\0');
-    header[2] = isRunLength ? 11 : 3;
-    header[12] = static_cast<char>(size.width() & 255);
-    header[13] = static_cast<char>(size.width() >> 8);
-    header[14] = static_cast<char>(size.height() & 255);
-    header[15] = static_cast<char>(size.height() >> 8);
-    header[16] = 8;
-    header[17] = isTopDown ? 0x20 : 0;
-    return header;
+    return TargaHeader(isRunLength ? RunLengthType : RawType, size, isTopDown ? TopDown : BottomUp);
 }
 
 uchar RandomValue(Random& random)
@@ -85,12 +78,6 @@ QImage Whole(TargaBands& bands, QSize size)
         }
     }
     return bottom == 0 ? whole : QImage();
-}
-
-QImage Decoded(const QByteArray& file, QSize size)
-{
-    return raster::DecodeTarga(reinterpret_cast<const uchar*>(file.constData()), file.size(), size)
-        .mask;
 }
 
 raster::PixelCounts Counted(const QImage& mask)
@@ -165,8 +152,8 @@ void tst_TargaBands::BandsMakeTheWholeImage()
     QCOMPARE(bands.Error(), TargaError::None);
     QVERIFY(!bands.IsCutOff());
     QCOMPARE(bands.Count(), (size.height() + 63) / 64);
-    QCOMPARE(Whole(bands, size), Decoded(file, size));
-    CompareCounts(bands, Counted(Decoded(file, size)));
+    QCOMPARE(Whole(bands, size), Decoded(file, size).mask);
+    CompareCounts(bands, Counted(Decoded(file, size).mask));
 }
 
 void tst_TargaBands::CutOffFilesAreFilledAlike()
@@ -182,8 +169,8 @@ void tst_TargaBands::CutOffFilesAreFilledAlike()
         TargaBands bands(ReaderOf(cut), cut.size(), size);
 
         QVERIFY(isRunLength || bands.IsCutOff());
-        QCOMPARE(Whole(bands, size), Decoded(cut, size));
-        CompareCounts(bands, Counted(Decoded(cut, size)));
+        QCOMPARE(Whole(bands, size), Decoded(cut, size).mask);
+        CompareCounts(bands, Counted(Decoded(cut, size).mask));
     }
 }
 
@@ -201,7 +188,7 @@ void tst_TargaBands::BytesBehindTheLastPixelAreLeftOut()
     TargaBands bands(spy, file.size() + (1 << 20), size);
     lastByte = 0;
 
-    QCOMPARE(Whole(bands, size), Decoded(file, size));
+    QCOMPARE(Whole(bands, size), Decoded(file, size).mask);
     QCOMPARE(lastByte, qint64(file.size()));
 }
 

@@ -1,9 +1,11 @@
-#include "layers/raster/Mask.h"
 #include "layers/raster/TargaCodec.h"
+
+#include "layers/raster/Mask.h"
 
 #include "tests/support/LiteralTarga.h"
 #include "tests/support/Masks.h"
 #include "tests/support/MemoryLimit.h"
+#include "tests/support/TargaFiles.h"
 
 #include <QtTest>
 
@@ -13,24 +15,11 @@ using raster::TargaResult;
 
 Q_DECLARE_METATYPE(raster::TargaError)
 
-class TargaCodecTest : public QObject
+class TargaCodecReadingTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void theHeaderSaysWhatFollows_data();
-    void theHeaderSaysWhatFollows();
-    void runsAreWrittenInPacketsOfAtMost128Pixels_data();
-    void runsAreWrittenInPacketsOfAtMost128Pixels();
-    void runsGoOnAcrossRowEnds();
-    void rawDataHasNoPadding();
-    void largeMasksAreHandedOnInBlocks();
-    void aNullMaskIsWrittenAsItsHeader();
-    void theWriterStopsWhenTheSinkDoes_data();
-    void theWriterStopsWhenTheSinkDoes();
-    void theWriterWritesWhatTheLiteralOneDoes();
-    void whatIsWrittenIsReadBackTheSame();
-
     void filesThatAreNoMaskOfTheSizeAreRefused_data();
     void filesThatAreNoMaskOfTheSizeAreRefused();
     void headerFieldsWithoutMeaningAreIgnored_data();
@@ -59,236 +48,11 @@ private slots:
     void theMostBytesAreThoseOfOnePacketAPixel();
 };
 
-namespace {
-
-constexpr char TopDown = 0x20;
-constexpr char BottomUp = 0;
-
-TargaResult Decode(const QByteArray& file, QSize size)
-{
-    // A copy of its exact size lets the address sanitizer see every read behind the end.
-    const std::vector<uchar> bytes(file.begin(), file.end());
-    return raster::DecodeTarga(bytes.data(), file.size(), size);
-}
-
-QByteArray Encode(const QImage& mask, TargaPacking packing)
-{
-    QByteArray file;
-    raster::EncodeTarga(mask, packing, [&file](const char* bytes, qint64 count) {
-        file.append(bytes, static_cast<int>(count));
-        return true;
-    });
-    return file;
-}
-
-QByteArray Size16(int length)
-{
-    QByteArray bytes;
-    bytes.append(static_cast<char>(length % 256)).append(static_cast<char>(length / 256));
-    return bytes;
-}
-
-QByteArray HeaderBytes(char imageType, QSize size, char descriptor = TopDown)
-{
-    return QByteArray(2, '\0') + imageType + QByteArray(9, '\0') + Size16(size.width()) +
-           Size16(size.height()) + '\x08' + descriptor;
-}
-
-constexpr char RawType = 3;
-constexpr char RunLengthType = 11;
-
-/// The pixel indices row by row, from the top.
-QByteArray Indices(const QImage& mask)
-{
-    QByteArray indices;
-    for (int y = 0; y < mask.height(); ++y) {
-        indices.append(reinterpret_cast<const char*>(mask.constScanLine(y)), mask.width());
-    }
-    return indices;
-}
-
-QImage MaskOfIndices(QSize size, const QByteArray& indices)
-{
-    QImage mask = raster::BlankMask(size);
-    for (int i = 0; i < indices.size(); ++i) {
-        mask.scanLine(i / size.width())[i % size.width()] = static_cast<uchar>(indices.at(i));
-    }
-    return mask;
-}
-
-QSize RandomSize(Random& random)
-{
-    return {random.Between(1, 40), random.Between(1, 20)};
-}
-
-} // namespace
-
-void TargaCodecTest::theHeaderSaysWhatFollows_data()
-{
-    QTest::addColumn<int>("packing");
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<QByteArray>("header");
-    const int raw = int(TargaPacking::Raw);
-    const int runLength = int(TargaPacking::RunLength);
-    QTest::newRow("raw") << raw << QSize(2, 1)
-                         << QByteArray::fromHex("0000 03 0000 0000 00 0000 0000 0200 0100 08 20");
-    QTest::newRow("run-length") << runLength << QSize(2, 1)
-                                << QByteArray::fromHex(
-                                       "0000 0b 0000 0000 00 0000 0000 0200 0100 08 20");
-    QTest::newRow("two-byte sizes")
-        << runLength << QSize(0x0123, 0x0456)
-        << QByteArray::fromHex("0000 0b 0000 0000 00 0000 0000 2301 5604 08 20");
-    QTest::newRow("longest sides")
-        << runLength << QSize(65535, 1)
-        << QByteArray::fromHex("0000 0b 0000 0000 00 0000 0000 ffff 0100 08 20");
-}
-
-void TargaCodecTest::theHeaderSaysWhatFollows()
-{
-    QFETCH(int, packing);
-    QFETCH(QSize, size);
-    QFETCH(QByteArray, header);
-    const QByteArray file = Encode(raster::BlankMask(size), TargaPacking(packing));
-    QCOMPARE(file.left(18).toHex(), header.toHex());
-}
-
-void TargaCodecTest::runsAreWrittenInPacketsOfAtMost128Pixels_data()
-{
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<QByteArray>("indices");
-    QTest::addColumn<QByteArray>("packets");
-    QTest::newRow("one pixel") << QSize(1, 1) << QByteArray(1, '\xff')
-                               << QByteArray::fromHex("80ff");
-    QTest::newRow("alternating") << QSize(4, 1) << QByteArray::fromHex("00ff00ff")
-                                 << QByteArray::fromHex("8000 80ff 8000 80ff");
-    QTest::newRow("indices other than set and clear")
-        << QSize(4, 1) << QByteArray::fromHex("01017ffe") << QByteArray::fromHex("8101 807f 80fe");
-    QTest::newRow("a run of 128") << QSize(128, 1) << QByteArray(128, '\xff')
-                                  << QByteArray::fromHex("ffff");
-    QTest::newRow("a run of 129") << QSize(129, 1) << QByteArray(129, '\xff')
-                                  << QByteArray::fromHex("ffff 80ff");
-    QTest::newRow("a run of 300") << QSize(300, 1) << QByteArray(300, '\xff')
-                                  << QByteArray::fromHex("ffff ffff abff");
-    QTest::newRow("a run of 300 in between")
-        << QSize(304, 1) << QByteArray(2, '\0') + QByteArray(300, '\xff') + QByteArray(2, '\0')
-        << QByteArray::fromHex("8100 ffff ffff abff 8100");
-}
-
-void TargaCodecTest::runsAreWrittenInPacketsOfAtMost128Pixels()
-{
-    QFETCH(QSize, size);
-    QFETCH(QByteArray, indices);
-    QFETCH(QByteArray, packets);
-    const QByteArray file = Encode(MaskOfIndices(size, indices), TargaPacking::RunLength);
-    QCOMPARE(file.mid(18).toHex(), packets.toHex());
-}
-
-void TargaCodecTest::runsGoOnAcrossRowEnds()
-{
-    const QImage mask = MaskFromArt({"..###", "####.", "....."});
-    QCOMPARE(Encode(mask, TargaPacking::RunLength).mid(18).toHex(), QByteArray("810086ff8500"));
-}
-
-void TargaCodecTest::rawDataHasNoPadding()
-{
-    const QImage narrow = MaskFromArt({"..###", "####.", "....."});
-    QCOMPARE(Encode(narrow, TargaPacking::Raw).mid(18), Indices(narrow));
-    const QImage aligned = MaskFromArt({"..##", "+##."});
-    QCOMPARE(Encode(aligned, TargaPacking::Raw).mid(18), Indices(aligned));
-}
-
-void TargaCodecTest::largeMasksAreHandedOnInBlocks()
-{
-    // Alternating pixels are the longest data: a packet each.
-    QImage mask = raster::BlankMask({512, 512});
-    for (int y = 0; y < mask.height(); ++y) {
-        for (int x = y % 2; x < mask.width(); x += 2) {
-            mask.scanLine(y)[x] = raster::MaskSet;
-        }
-    }
-    int calls = 0;
-    QByteArray file;
-    QVERIFY(
-        raster::EncodeTarga(mask, TargaPacking::RunLength, [&](const char* bytes, qint64 count) {
-            ++calls;
-            file.append(bytes, static_cast<int>(count));
-            return true;
-        }));
-    QVERIFY2(calls > 2 && calls < 10, QByteArray::number(calls).constData());
-    QCOMPARE(file, literal::WriteTarga(mask, true));
-    QCOMPARE(Decode(file, mask.size()).mask, mask);
-}
-
-void TargaCodecTest::aNullMaskIsWrittenAsItsHeader()
-{
-    QCOMPARE(Encode({}, TargaPacking::RunLength), HeaderBytes(RunLengthType, {0, 0}));
-    QCOMPARE(Encode({}, TargaPacking::Raw), HeaderBytes(RawType, {0, 0}));
-}
-
-void TargaCodecTest::theWriterStopsWhenTheSinkDoes_data()
-{
-    QTest::addColumn<int>("packing");
-    QTest::addColumn<QSize>("size");
-    for (const QSize size : {QSize(64, 2), QSize(63, 3), QSize(768, 1024)}) {
-        const QByteArray name = QByteArray::number(size.width());
-        QTest::newRow((name + " raw").constData()) << int(TargaPacking::Raw) << size;
-        QTest::newRow((name + " run-length").constData()) << int(TargaPacking::RunLength) << size;
-    }
-}
-
-void TargaCodecTest::theWriterStopsWhenTheSinkDoes()
-{
-    QFETCH(int, packing);
-    QFETCH(QSize, size);
-    QImage mask = raster::BlankMask(size);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x) {
-            mask.scanLine(y)[x] = static_cast<uchar>(x);
-        }
-    }
-    int callCount = 0;
-    const auto countCalls = [&callCount](const char*, qint64) {
-        ++callCount;
-        return true;
-    };
-    QVERIFY(raster::EncodeTarga(mask, TargaPacking(packing), countCalls));
-    QVERIFY(callCount >= 2);
-    for (int failing = 1; failing <= callCount; ++failing) {
-        int call = 0;
-        const auto failOnce = [&](const char*, qint64) { return ++call != failing; };
-        QVERIFY(!raster::EncodeTarga(mask, TargaPacking(packing), failOnce));
-        QCOMPARE(call, failing);
-    }
-}
-
-void TargaCodecTest::theWriterWritesWhatTheLiteralOneDoes()
-{
-    Random random;
-    for (int i = 0; i < 200; ++i) {
-        const QImage mask = RandomMask(random, RandomSize(random));
-        QCOMPARE(Encode(mask, TargaPacking::RunLength), literal::WriteTarga(mask, true));
-        QCOMPARE(Encode(mask, TargaPacking::Raw), literal::WriteTarga(mask, false));
-    }
-}
-
-void TargaCodecTest::whatIsWrittenIsReadBackTheSame()
-{
-    Random random;
-    for (int i = 0; i < 200; ++i) {
-        const QImage mask = RandomMask(random, RandomSize(random));
-        for (const TargaPacking packing : {TargaPacking::Raw, TargaPacking::RunLength}) {
-            const TargaResult result = Decode(Encode(mask, packing), mask.size());
-            QCOMPARE(result.error, TargaError::None);
-            QCOMPARE(result.mask, mask);
-        }
-    }
-}
-
-void TargaCodecTest::filesThatAreNoMaskOfTheSizeAreRefused_data()
+void TargaCodecReadingTest::filesThatAreNoMaskOfTheSizeAreRefused_data()
 {
     QTest::addColumn<QByteArray>("header");
     QTest::addColumn<TargaError>("error");
-    const QByteArray good = HeaderBytes(RawType, {4, 2});
+    const QByteArray good = TargaHeader(RawType, {4, 2});
     const auto with = [&good](int offset, char byte) {
         QByteArray header = good;
         header[offset] = byte;
@@ -306,25 +70,25 @@ void TargaCodecTest::filesThatAreNoMaskOfTheSizeAreRefused_data()
     QTest::newRow("too wide") << with(13, 1) << TargaError::WrongSize;
     QTest::newRow("too low") << with(14, 1) << TargaError::WrongSize;
     QTest::newRow("too high") << with(15, 1) << TargaError::WrongSize;
-    QTest::newRow("sides swapped") << HeaderBytes(RawType, {2, 4}) << TargaError::WrongSize;
+    QTest::newRow("sides swapped") << TargaHeader(RawType, {2, 4}) << TargaError::WrongSize;
     QTest::newRow("identification before colour")
         << QByteArray::fromHex("0100020000") << TargaError::TypeMismatch;
-    QTest::newRow("colour before size") << HeaderBytes(2, {9, 9}) << TargaError::ColourFormat;
+    QTest::newRow("colour before size") << TargaHeader(2, {9, 9}) << TargaError::ColourFormat;
     QTest::newRow("empty") << QByteArray() << TargaError::ColourFormat;
     QTest::newRow("only the type") << QByteArray::fromHex("000003") << TargaError::WrongSize;
     QTest::newRow("only half of the height") << good.left(15) << TargaError::None;
 }
 
-void TargaCodecTest::filesThatAreNoMaskOfTheSizeAreRefused()
+void TargaCodecReadingTest::filesThatAreNoMaskOfTheSizeAreRefused()
 {
     QFETCH(QByteArray, header);
     QFETCH(TargaError, error);
-    const TargaResult result = Decode(header, {4, 2});
+    const TargaResult result = Decoded(header, {4, 2});
     QCOMPARE(result.error, error);
     QCOMPARE(result.mask.isNull(), error != TargaError::None);
 }
 
-void TargaCodecTest::headerFieldsWithoutMeaningAreIgnored_data()
+void TargaCodecReadingTest::headerFieldsWithoutMeaningAreIgnored_data()
 {
     QTest::addColumn<int>("offset");
     for (const int offset : {3, 4, 5, 6, 7, 8, 9, 10, 11, 16}) {
@@ -332,16 +96,16 @@ void TargaCodecTest::headerFieldsWithoutMeaningAreIgnored_data()
     }
 }
 
-void TargaCodecTest::headerFieldsWithoutMeaningAreIgnored()
+void TargaCodecReadingTest::headerFieldsWithoutMeaningAreIgnored()
 {
     QFETCH(int, offset);
     const QImage mask = MaskFromArt({"#..", ".#."});
-    QByteArray file = Encode(mask, TargaPacking::RunLength);
+    QByteArray file = Encoded(mask, TargaPacking::RunLength);
     file[offset] = '\xff';
-    QCOMPARE(Decode(file, mask.size()).mask, mask);
+    QCOMPARE(Decoded(file, mask.size()).mask, mask);
 }
 
-void TargaCodecTest::rowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo_data()
+void TargaCodecReadingTest::rowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo_data()
 {
     QTest::addColumn<char>("imageType");
     QTest::addColumn<char>("descriptor");
@@ -355,7 +119,7 @@ void TargaCodecTest::rowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo_data()
     }
 }
 
-void TargaCodecTest::rowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo()
+void TargaCodecReadingTest::rowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo()
 {
     QFETCH(char, imageType);
     QFETCH(char, descriptor);
@@ -367,26 +131,26 @@ void TargaCodecTest::rowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo()
     file[2] = imageType;
     file[17] = descriptor;
     const QStringList flipped = {"+...#", ".##..", "#...."};
-    QCOMPARE(ArtFromMask(Decode(file, mask.size()).mask), isTopDown ? art : flipped);
+    QCOMPARE(ArtFromMask(Decoded(file, mask.size()).mask), isTopDown ? art : flipped);
 }
 
-void TargaCodecTest::sixteenBitPixelsAreReadByteByByte()
+void TargaCodecReadingTest::sixteenBitPixelsAreReadByteByByte()
 {
-    QByteArray file = HeaderBytes(RawType, {2, 2}) + QByteArray::fromHex("01020304 05060708");
+    QByteArray file = TargaHeader(RawType, {2, 2}) + QByteArray::fromHex("01020304 05060708");
     file[16] = 16;
-    const TargaResult result = Decode(file, {2, 2});
+    const TargaResult result = Decoded(file, {2, 2});
     QCOMPARE(result.error, TargaError::None);
     QCOMPARE(Indices(result.mask).toHex(), QByteArray("01020304"));
 }
 
-void TargaCodecTest::masksHaveTheGreyTable()
+void TargaCodecReadingTest::masksHaveTheGreyTable()
 {
-    const QImage mask = Decode(HeaderBytes(RawType, {3, 3}), {3, 3}).mask;
+    const QImage mask = Decoded(TargaHeader(RawType, {3, 3}), {3, 3}).mask;
     QCOMPARE(mask.format(), QImage::Format_Indexed8);
     QCOMPARE(mask.colorTable(), raster::GreyTable());
 }
 
-void TargaCodecTest::packetsAreDecoded_data()
+void TargaCodecReadingTest::packetsAreDecoded_data()
 {
     QTest::addColumn<QByteArray>("packets");
     QTest::addColumn<QByteArray>("indices");
@@ -417,16 +181,16 @@ void TargaCodecTest::packetsAreDecoded_data()
     QTest::newRow("no packet") << QByteArray() << QByteArray("0000000000000000");
 }
 
-void TargaCodecTest::packetsAreDecoded()
+void TargaCodecReadingTest::packetsAreDecoded()
 {
     QFETCH(QByteArray, packets);
     QFETCH(QByteArray, indices);
-    const TargaResult result = Decode(HeaderBytes(RunLengthType, {4, 2}) + packets, {4, 2});
+    const TargaResult result = Decoded(TargaHeader(RunLengthType, {4, 2}) + packets, {4, 2});
     QCOMPARE(result.error, TargaError::None);
     QCOMPARE(Indices(result.mask).toHex(), indices);
 }
 
-void TargaCodecTest::missingRawBytesAreThoseOfTheRowBefore_data()
+void TargaCodecReadingTest::missingRawBytesAreThoseOfTheRowBefore_data()
 {
     QTest::addColumn<QByteArray>("data");
     QTest::addColumn<QByteArray>("indices");
@@ -443,15 +207,15 @@ void TargaCodecTest::missingRawBytesAreThoseOfTheRowBefore_data()
     QTest::newRow("none") << QByteArray() << QByteArray("000000000000000000");
 }
 
-void TargaCodecTest::missingRawBytesAreThoseOfTheRowBefore()
+void TargaCodecReadingTest::missingRawBytesAreThoseOfTheRowBefore()
 {
     QFETCH(QByteArray, data);
     QFETCH(QByteArray, indices);
-    const QImage mask = Decode(HeaderBytes(RawType, {3, 3}) + data, {3, 3}).mask;
+    const QImage mask = Decoded(TargaHeader(RawType, {3, 3}) + data, {3, 3}).mask;
     QCOMPARE(Indices(mask).toHex(), indices);
 }
 
-void TargaCodecTest::filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes_data()
+void TargaCodecReadingTest::filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes_data()
 {
     QTest::addColumn<bool>("isRunLength");
     QTest::addColumn<char>("descriptor");
@@ -461,7 +225,7 @@ void TargaCodecTest::filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes_data()
     QTest::newRow("run-length, bottom up") << true << BottomUp;
 }
 
-void TargaCodecTest::filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes()
+void TargaCodecReadingTest::filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes()
 {
     QFETCH(bool, isRunLength);
     QFETCH(char, descriptor);
@@ -471,37 +235,37 @@ void TargaCodecTest::filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes()
         file[17] = descriptor;
         for (int length = 0; length <= file.size(); ++length) {
             const QByteArray part = file.left(length);
-            QCOMPARE(Decode(part, size).mask, literal::ReadTarga(part, size));
+            QCOMPARE(Decoded(part, size).mask, literal::ReadTarga(part, size));
         }
     }
 }
 
-void TargaCodecTest::randomPacketsAreReadLikeTheLiteralReaderDoes()
+void TargaCodecReadingTest::randomPacketsAreReadLikeTheLiteralReaderDoes()
 {
     Random random;
     for (int i = 0; i < 2000; ++i) {
-        const QSize size = RandomSize(random);
-        QByteArray file = HeaderBytes(static_cast<char>(3 + 4 * random.Below(4)), size,
+        const QSize size{random.Between(1, 40), random.Between(1, 20)};
+        QByteArray file = TargaHeader(static_cast<char>(3 + 4 * random.Below(4)), size,
                                       random.Below(2) == 0 ? TopDown : BottomUp);
         for (int count = random.Below(size.width() * size.height() * 2); count > 0; --count) {
             // Short packets and clear pixels come often, so that all ways to go on are met.
             const int byte = random.Below(2) == 0 ? random.Below(256) : 128 * random.Below(2);
             file.append(static_cast<char>(byte + random.Below(2) * random.Below(20)));
         }
-        QCOMPARE(Decode(file, size).mask, literal::ReadTarga(file, size));
+        QCOMPARE(Decoded(file, size).mask, literal::ReadTarga(file, size));
     }
 }
 
-void TargaCodecTest::bytesBehindThoseOfTheMaskAreIgnored()
+void TargaCodecReadingTest::bytesBehindThoseOfTheMaskAreIgnored()
 {
     const QImage mask = MaskFromArt({"##..#", ".#+#."});
     for (const TargaPacking packing : {TargaPacking::Raw, TargaPacking::RunLength}) {
-        const QByteArray file = Encode(mask, packing) + "trailing bytes";
-        QCOMPARE(Decode(file, mask.size()).mask, mask);
+        const QByteArray file = Encoded(mask, packing) + "trailing bytes";
+        QCOMPARE(Decoded(file, mask.size()).mask, mask);
     }
 }
 
-void TargaCodecTest::largeMasksAreDecodedInPlace_data()
+void TargaCodecReadingTest::largeMasksAreDecodedInPlace_data()
 {
     QTest::addColumn<char>("imageType");
     QTest::addColumn<char>("descriptor");
@@ -511,7 +275,7 @@ void TargaCodecTest::largeMasksAreDecodedInPlace_data()
     QTest::newRow("run-length, bottom-up") << RunLengthType << BottomUp;
 }
 
-void TargaCodecTest::largeMasksAreDecodedInPlace()
+void TargaCodecReadingTest::largeMasksAreDecodedInPlace()
 {
     QFETCH(char, imageType);
     QFETCH(char, descriptor);
@@ -519,12 +283,12 @@ void TargaCodecTest::largeMasksAreDecodedInPlace()
     const QSize size(65535, 4000);
     constexpr quint64 mebibyte = 1 << 20;
     const MemoryLimit limit(320 * mebibyte);
-    const TargaResult result = Decode(HeaderBytes(imageType, size, descriptor), size);
+    const TargaResult result = Decoded(TargaHeader(imageType, size, descriptor), size);
     QCOMPARE(result.error, TargaError::None);
     QCOMPARE(result.mask.size(), size);
 }
 
-void TargaCodecTest::clearPixelsTakeNoMemory_data()
+void TargaCodecReadingTest::clearPixelsTakeNoMemory_data()
 {
     QTest::addColumn<int>("width");
     QTest::addColumn<QByteArray>("packets");
@@ -543,7 +307,7 @@ void TargaCodecTest::clearPixelsTakeNoMemory_data()
     }
 }
 
-void TargaCodecTest::clearPixelsTakeNoMemory()
+void TargaCodecReadingTest::clearPixelsTakeNoMemory()
 {
     QFETCH(int, width);
     QFETCH(QByteArray, packets);
@@ -551,13 +315,13 @@ void TargaCodecTest::clearPixelsTakeNoMemory()
     QFETCH(char, descriptor);
     const QSize size(width, 4000);
     const quint64 before = ResidentMemory();
-    const TargaResult result = Decode(HeaderBytes(imageType, size, descriptor) + packets, size);
+    const TargaResult result = Decoded(TargaHeader(imageType, size, descriptor) + packets, size);
     constexpr quint64 mebibyte = 1 << 20;
     QVERIFY(ResidentMemory() < before + 40 * mebibyte);
     QCOMPARE(result.mask.size(), size);
 }
 
-void TargaCodecTest::sizesWithoutAnImageGiveNone_data()
+void TargaCodecReadingTest::sizesWithoutAnImageGiveNone_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<TargaError>("error");
@@ -568,30 +332,30 @@ void TargaCodecTest::sizesWithoutAnImageGiveNone_data()
     QTest::newRow("longer than files can say") << QSize(65536, 1) << TargaError::WrongSize;
 }
 
-void TargaCodecTest::sizesWithoutAnImageGiveNone()
+void TargaCodecReadingTest::sizesWithoutAnImageGiveNone()
 {
     QFETCH(QSize, size);
     QFETCH(TargaError, error);
-    const TargaResult result = Decode(HeaderBytes(RawType, size), size);
+    const TargaResult result = Decoded(TargaHeader(RawType, size), size);
     QCOMPARE(result.error, error);
     QVERIFY(result.mask.isNull());
 }
 
-void TargaCodecTest::theHeaderAloneTellsWhatIsRefused_data()
+void TargaCodecReadingTest::theHeaderAloneTellsWhatIsRefused_data()
 {
     QTest::addColumn<QByteArray>("header");
     QTest::addColumn<TargaError>("error");
-    const QByteArray good = HeaderBytes(RawType, {5, 3});
+    const QByteArray good = TargaHeader(RawType, {5, 3});
     QTest::newRow("good") << good << TargaError::None;
     QTest::newRow("good, and more") << good + "bytes" << TargaError::None;
     QTest::newRow("no bytes") << QByteArray() << TargaError::ColourFormat;
     QTest::newRow("cut off") << good.left(12) << TargaError::WrongSize;
     QTest::newRow("image identification")
         << good.mid(2, 1) + good.mid(1) << TargaError::TypeMismatch;
-    QTest::newRow("another size") << HeaderBytes(RawType, {5, 4}) << TargaError::WrongSize;
+    QTest::newRow("another size") << TargaHeader(RawType, {5, 4}) << TargaError::WrongSize;
 }
 
-void TargaCodecTest::theHeaderAloneTellsWhatIsRefused()
+void TargaCodecReadingTest::theHeaderAloneTellsWhatIsRefused()
 {
     QFETCH(QByteArray, header);
     QFETCH(TargaError, error);
@@ -599,7 +363,7 @@ void TargaCodecTest::theHeaderAloneTellsWhatIsRefused()
     QCOMPARE(raster::CheckTargaHeader(bytes, header.size(), {5, 3}), error);
 }
 
-void TargaCodecTest::theMostBytesAreThoseOfOnePacketAPixel_data()
+void TargaCodecReadingTest::theMostBytesAreThoseOfOnePacketAPixel_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<qint64>("bytes");
@@ -612,13 +376,13 @@ void TargaCodecTest::theMostBytesAreThoseOfOnePacketAPixel_data()
         << QSize(2147483647, 2147483647) << qint64(9223372028264841236);
 }
 
-void TargaCodecTest::theMostBytesAreThoseOfOnePacketAPixel()
+void TargaCodecReadingTest::theMostBytesAreThoseOfOnePacketAPixel()
 {
     QFETCH(QSize, size);
     QFETCH(qint64, bytes);
     QCOMPARE(raster::TargaMaxBytes(size), bytes);
 }
 
-QTEST_GUILESS_MAIN(TargaCodecTest)
+QTEST_GUILESS_MAIN(TargaCodecReadingTest)
 
-#include "tst_TargaCodec.moc"
+#include "tst_TargaCodecReading.moc"
