@@ -10,7 +10,6 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QTest>
-#include <QtEndian>
 
 #include <memory>
 
@@ -32,16 +31,6 @@ constexpr char Types[] =
     "<territory-type-list><territory-type name=\"Deer\"><territory color=\"1\">"
     "<zone name=\"Rest\" x=\"50\" z=\"50\" r=\"25\"/></territory>"
     "</territory-type><territory-type name=\"Wolf\"/></territory-type-list>";
-
-QByteArray Ints(const QVector<qint32>& numbers)
-{
-    QByteArray bytes;
-    for (const qint32 number : numbers) {
-        const qint32 little = qToLittleEndian(number);
-        bytes.append(reinterpret_cast<const char*>(&little), sizeof little);
-    }
-    return bytes;
-}
 
 /// What a map of a project without flag types consists of.
 QByteArray MapWithoutFlags()
@@ -287,7 +276,7 @@ void tst_BatchExport::KnownFlagTypesFillTheMap()
                                  "</layers>"));
     QCOMPARE(Run("a.xml", "out"), ExitDone);
 
-    QVector<qint32> numbers = {16, 16, 15360, 15360};
+    QVector<qint64> numbers = {16, 16, 15360, 15360};
     const auto appendSection = [&numbers](int bits, quint32 left, quint32 top) {
         numbers.append(bits);
         const int pixelsPerWord = 32 / bits;
@@ -300,7 +289,7 @@ void tst_BatchExport::KnownFlagTypesFillTheMap()
                 // The leftmost pixel of a word takes its highest bits.
                 word |= flags << (bits * (pixelsPerWord - 1 - place));
                 if (place == pixelsPerWord - 1) {
-                    numbers.append(static_cast<qint32>(word));
+                    numbers.append(word);
                     word = 0;
                 }
             }

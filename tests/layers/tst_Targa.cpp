@@ -59,8 +59,6 @@ private:
 
 namespace {
 
-constexpr quint64 AMebibyte = 1 << 20;
-
 /// A run-length file of 9 GB, none of which takes room on the disk but its header.
 void WriteSparseTarga(const QString& path, QSize size)
 {

@@ -4,6 +4,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QtEndian>
 
 QByteArray ReadBytes(const QString& path)
 {
@@ -35,4 +36,14 @@ void WriteBytes(const QString& path, const QByteArray& bytes)
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush()) {
         qFatal("Cannot write the test file '%s'.", qPrintable(path));
     }
+}
+
+QByteArray Ints(const QVector<qint64>& values)
+{
+    QByteArray bytes;
+    for (const qint64 value : values) {
+        const auto word = qToLittleEndian(static_cast<quint32>(value));
+        bytes.append(reinterpret_cast<const char*>(&word), sizeof word);
+    }
+    return bytes;
 }

@@ -2,6 +2,8 @@
 
 #include <QtGlobal>
 
+constexpr quint64 AMebibyte = 1 << 20;
+
 /// While it lives, this process gets no more than this many bytes of address space on top of what
 /// it has: large allocations fail, small ones do not.
 class MemoryLimit

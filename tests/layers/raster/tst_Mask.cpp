@@ -80,8 +80,7 @@ void MaskTest::sizesWithoutAMaskGiveANullImage()
 
 void MaskTest::withoutMemoryTheMaskIsNull()
 {
-    constexpr quint64 mebibyte = 1 << 20;
-    const MemoryLimit limit(64 * mebibyte);
+    const MemoryLimit limit(64 * AMebibyte);
     QVERIFY(raster::BlankMask({16384, 16384}).isNull());
     QVERIFY(!raster::BlankMask({16, 16}).isNull());
 }

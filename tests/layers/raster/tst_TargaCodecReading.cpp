@@ -281,8 +281,7 @@ void TargaCodecReadingTest::largeMasksAreDecodedInPlace()
     QFETCH(char, descriptor);
     // Such rows are padded in memory.
     const QSize size(65535, 4000);
-    constexpr quint64 mebibyte = 1 << 20;
-    const MemoryLimit limit(320 * mebibyte);
+    const MemoryLimit limit(320 * AMebibyte);
     const TargaResult result = Decoded(TargaHeader(imageType, size, descriptor), size);
     QCOMPARE(result.error, TargaError::None);
     QCOMPARE(result.mask.size(), size);
@@ -316,8 +315,7 @@ void TargaCodecReadingTest::clearPixelsTakeNoMemory()
     const QSize size(width, 4000);
     const quint64 before = ResidentMemory();
     const TargaResult result = Decoded(TargaHeader(imageType, size, descriptor) + packets, size);
-    constexpr quint64 mebibyte = 1 << 20;
-    QVERIFY(ResidentMemory() < before + 40 * mebibyte);
+    QVERIFY(ResidentMemory() < before + 40 * AMebibyte);
     QCOMPARE(result.mask.size(), size);
 }
 

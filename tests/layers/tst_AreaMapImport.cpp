@@ -1,0 +1,472 @@
+#include "layers/LayerList.h"
+
+#include "layers/Layer.h"
+#include "layers/raster/Mask.h"
+
+#include "tests/support/AreaMaps.h"
+#include "tests/support/Files.h"
+#include "tests/support/LayerLists.h"
+#include "tests/support/LiteralMap.h"
+#include "tests/support/LogSpy.h"
+#include "tests/support/Masks.h"
+#include "tests/support/MemoryLimit.h"
+#include "tests/support/ProjectFixture.h"
+
+#include <QBuffer>
+#include <QtTest>
+
+#include <limits>
+
+class AreaMapImportTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void anEmptyFileMakesNoLayerAndNoSize();
+    void missingHeaderIntegersAreMinusOne_data();
+    void missingHeaderIntegersAreMinusOne();
+    void sizesBecomeTheProjectsButNotItsScale();
+    void combinedFlagsBecomeLayersOfTheirOwn();
+    void importedLayersAreWhiteHiddenAndNamed_data();
+    void importedLayersAreWhiteHiddenAndNamed();
+    void usagesComeBeforeValuesAndFirstPixelsFirst();
+    void bitsWithoutATypeAreIgnored();
+    void theFormerLayersStayAndAllPicturesAreRenewed();
+    void importingSaysWhatItDoes();
+    void tooManyFlagTypesAreRefusedBeforeAnythingIsRead_data();
+    void tooManyFlagTypesAreRefusedBeforeAnythingIsRead();
+    void aBitCountThatIsNoPowerOfTwoEndsItsSection_data();
+    void aBitCountThatIsNoPowerOfTwoEndsItsSection();
+    void sizesWithoutAnImageEndTheSection_data();
+    void sizesWithoutAnImageEndTheSection();
+    void moreWordsThanTheFileHoldsCountAsClear();
+    void layersWithoutMemoryAreLeftOut();
+    void aLargeMapWithoutFlagsNeedsNoMemory();
+    void aDeviceThatFailsInTheHeaderFailsTheImport_data();
+    void aDeviceThatFailsInTheHeaderFailsTheImport();
+    void aDeviceThatFailsInASectionKeepsWhatWasRead();
+    void sequentialDevicesAreReadPieceByPiece();
+    void mapsCutOffAnywhereAreReadLikeTheLiteralReaderDoes();
+    void mapsAreImportedLikeTheLiteralReaderDoes();
+
+private:
+    QString File() const { return m_project->Path("area.map"); }
+
+    std::unique_ptr<ProjectFixture> m_project;
+    LogSpy m_log;
+};
+
+namespace {
+
+bool Import(LayerList& layers, const QByteArray& map)
+{
+    QBuffer device;
+    device.setData(map);
+    device.open(QIODevice::ReadOnly);
+    return layers.ImportMap(device);
+}
+
+QVector<int> ProjectSizes()
+{
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    return {settings.layerWidth, settings.layerHeight, settings.worldWidth, settings.worldHeight};
+}
+
+/// Hands out bytes in pieces and then fails, or has no more.
+class SlowDevice : public QIODevice
+{
+public:
+    SlowDevice(const QByteArray& bytes, int pieceSize)
+        : m_bytes(bytes)
+        , m_pieceSize(pieceSize)
+    {
+        open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    }
+
+    bool isSequential() const override { return true; }
+
+protected:
+    qint64 readData(char* data, qint64 maxSize) override
+    {
+        if (m_bytes.isEmpty()) {
+            return -1;
+        }
+        const int count =
+            static_cast<int>(qMin<qint64>(qMin(maxSize, qint64(m_pieceSize)), m_bytes.size()));
+        std::copy_n(m_bytes.constData(), count, data);
+        m_bytes.remove(0, count);
+        return count;
+    }
+    qint64 writeData(const char*, qint64) override { return -1; }
+
+private:
+    QByteArray m_bytes;
+    int m_pieceSize;
+};
+
+bool AreEqual(const LayerList& layers, const QVector<literal::MapLayer>& expected)
+{
+    const QVector<Layer*> actual = layers.Layers();
+    return std::equal(actual.begin(), actual.end(), expected.begin(), expected.end(),
+                      [](const Layer* layer, const literal::MapLayer& other) {
+                          return layer->Image() == other.image &&
+                                 layer->UsageFlags() == other.usageFlags &&
+                                 layer->ValueFlags() == other.valueFlags;
+                      });
+}
+
+} // namespace
+
+void AreaMapImportTest::init()
+{
+    m_project = std::make_unique<ProjectFixture>(QSize(8, 2), QSize(15360, 10240));
+    m_log.Take();
+}
+
+void AreaMapImportTest::cleanup()
+{
+    m_project.reset();
+}
+
+void AreaMapImportTest::anEmptyFileMakesNoLayerAndNoSize()
+{
+    SetFlagTypes(5, 3);
+    LayerList layers;
+    QVERIFY(Import(layers, {}));
+    QVERIFY(layers.IsEmpty());
+    QCOMPARE(ProjectSizes(), (QVector<int>{-1, -1, -1, -1}));
+}
+
+void AreaMapImportTest::missingHeaderIntegersAreMinusOne_data()
+{
+    QTest::addColumn<int>("byteCount");
+    QTest::addColumn<QVector<int>>("sizes");
+    QTest::newRow("3") << 3 << QVector<int>{-1, -1, -1, -1};
+    QTest::newRow("4") << 4 << QVector<int>{8, -1, -1, -1};
+    QTest::newRow("10") << 10 << QVector<int>{8, 2, -1, -1};
+    QTest::newRow("15") << 15 << QVector<int>{8, 2, 100, -1};
+    QTest::newRow("16") << 16 << QVector<int>{8, 2, 100, 200};
+    QTest::newRow("19") << 19 << QVector<int>{8, 2, 100, 200};
+    QTest::newRow("20") << 20 << QVector<int>{8, 2, 100, 200};
+}
+
+void AreaMapImportTest::missingHeaderIntegersAreMinusOne()
+{
+    QFETCH(int, byteCount);
+    QFETCH(QVector<int>, sizes);
+    SetFlagTypes(5, 3);
+    LayerList layers;
+    QVERIFY(Import(layers, Ints({8, 2, 100, 200, 0}).left(byteCount)));
+    QVERIFY(layers.IsEmpty());
+    QCOMPARE(ProjectSizes(), sizes);
+}
+
+void AreaMapImportTest::sizesBecomeTheProjectsButNotItsScale()
+{
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    const float metresPerPixelX = settings.metresPerPixelX;
+    const float pixelsPerMetreZ = settings.pixelsPerMetreZ;
+    LayerList layers;
+    QVERIFY(Import(layers, Ints({16, 4, 100, 200, 0, 0})));
+    QCOMPARE(ProjectSizes(), (QVector<int>{16, 4, 100, 200}));
+    QCOMPARE(settings.metresPerPixelX, metresPerPixelX);
+    QCOMPARE(settings.pixelsPerMetreZ, pixelsPerMetreZ);
+}
+
+void AreaMapImportTest::combinedFlagsBecomeLayersOfTheirOwn()
+{
+    SetFlagTypes(3, 0);
+    const QImage mask = MaskFromArt({"##......", "...##..."});
+    LayerList saved;
+    AddLayer(saved, mask, 5, 0);
+    QVERIFY(saved.SaveMap(File()));
+    LayerList layers;
+    QVERIFY(Import(layers, ReadBytes(File())));
+    QCOMPARE(NamesOf(layers), (QStringList{"usage0", "usage2"}));
+    QCOMPARE(layers.LayerAt(0)->UsageFlags(), 1U);
+    QCOMPARE(layers.LayerAt(1)->UsageFlags(), 4U);
+    QCOMPARE(layers.LayerAt(0)->Image(), mask);
+    QCOMPARE(layers.LayerAt(1)->Image(), mask);
+}
+
+void AreaMapImportTest::importedLayersAreWhiteHiddenAndNamed_data()
+{
+    QTest::addColumn<bool>("isGuiRunning");
+    QTest::newRow("without a window") << false;
+    QTest::newRow("with a window") << true;
+}
+
+void AreaMapImportTest::importedLayersAreWhiteHiddenAndNamed()
+{
+    QFETCH(bool, isGuiRunning);
+    const auto window = isGuiRunning ? std::make_unique<QWidget>() : nullptr;
+    SetFlagTypes(32, 32);
+    LayerList layers;
+    QVERIFY(Import(layers, Ints({1, 1, 100, 100, 32, 0x80000000, 32, 0x80000000})));
+    QCOMPARE(NamesOf(layers), (QStringList{"usage31", "value31"}));
+    for (int row = 0; row < 2; ++row) {
+        const Layer* layer = layers.LayerAt(row);
+        QCOMPARE(layer->Color(), QColor(Qt::white));
+        QVERIFY(!layer->IsVisible());
+        QCOMPARE(layer->Code(), QString());
+        QCOMPARE(layer->List(), &layers);
+        QCOMPARE(layer->Image().colorTable(), raster::GreyTable());
+        QCOMPARE(layer->Pixmap().isNull(), !isGuiRunning);
+    }
+    QCOMPARE(layers.LayerAt(0)->UsageFlags(), 0x80000000U);
+    QCOMPARE(layers.LayerAt(0)->ValueFlags(), 0U);
+    QCOMPARE(layers.LayerAt(1)->UsageFlags(), 0U);
+    QCOMPARE(layers.LayerAt(1)->ValueFlags(), 0x80000000U);
+}
+
+void AreaMapImportTest::usagesComeBeforeValuesAndFirstPixelsFirst()
+{
+    SetFlagTypes(8, 8);
+    LayerList layers;
+    // The first file row is the bottom row of the image.
+    QVERIFY(Import(layers, Ints({4, 2, 100, 100, 8, 0x00002002, 0x01000081, 8, 0x00000003, 0})));
+    QCOMPARE(NamesOf(layers),
+             (QStringList{"usage5", "usage1", "usage0", "usage7", "value0", "value1"}));
+    QCOMPARE(ArtFromMask(layers.LayerByName("usage5")->Image()), (QStringList{"....", "..#."}));
+    QCOMPARE(ArtFromMask(layers.LayerByName("usage0")->Image()), (QStringList{"#..#", "...."}));
+}
+
+void AreaMapImportTest::bitsWithoutATypeAreIgnored()
+{
+    SetFlagTypes(2, 0);
+    LayerList layers;
+    QVERIFY(Import(layers, Ints({1, 1, 100, 100, 32, 0xFFFFFFFE, 32, 0xFFFFFFFF})));
+    QCOMPARE(NamesOf(layers), QStringList{"usage1"});
+}
+
+void AreaMapImportTest::theFormerLayersStayAndAllPicturesAreRenewed()
+{
+    SetFlagTypes(1, 0);
+    LayerList layers;
+    const Layer* former = AddLayer(layers, FullMask({8, 2}), 1, 0);
+    const quint64 revision = former->PictureRevision();
+    QVERIFY(Import(layers, Ints({1, 1, 100, 100, 32, 1, 0})));
+    QCOMPARE(NamesOf(layers), (QStringList{"layer", "usage0"}));
+    QVERIFY(former->PictureRevision() != revision);
+}
+
+void AreaMapImportTest::importingSaysWhatItDoes()
+{
+    LayerList layers;
+    QVERIFY(Import(layers, Ints({8, 2, 100, 100, 0, 0})));
+    QCOMPARE(m_log.Messages(),
+             (QStringList{"Info: Importing map, please wait ...", "Info: Import done"}));
+}
+
+void AreaMapImportTest::tooManyFlagTypesAreRefusedBeforeAnythingIsRead_data()
+{
+    AddTooManyTypes();
+}
+
+void AreaMapImportTest::tooManyFlagTypesAreRefusedBeforeAnythingIsRead()
+{
+    QFETCH(int, usageCount);
+    QFETCH(int, valueCount);
+    SetFlagTypes(usageCount, valueCount);
+    QBuffer device;
+    device.setData(Ints({1, 1, 100, 100, 32, 1, 32, 1}));
+    device.open(QIODevice::ReadOnly);
+    LayerList layers;
+    QVERIFY(!layers.ImportMap(device));
+    QCOMPARE(m_log.Messages(), QStringList{TooManyTypes});
+    QCOMPARE(device.pos(), qint64(0));
+    QVERIFY(layers.IsEmpty());
+    QCOMPARE(ProjectSizes(), (QVector<int>{8, 2, 15360, 10240}));
+}
+
+void AreaMapImportTest::aBitCountThatIsNoPowerOfTwoEndsItsSection_data()
+{
+    QTest::addColumn<int>("bits");
+    for (const int bits : {3, 5, 7, 31, 33, 64, 2147483647, -1, -8, -2147483647 - 1}) {
+        QTest::newRow(QByteArray::number(bits).constData()) << bits;
+    }
+}
+
+void AreaMapImportTest::aBitCountThatIsNoPowerOfTwoEndsItsSection()
+{
+    QFETCH(int, bits);
+    SetFlagTypes(8, 8);
+    LayerList layers;
+    QVERIFY(Import(layers, Ints({1, 1, 100, 100, bits, 32, 2})));
+    const QString error = "Error: The area map has an invalid number of bits per pixel: %1.";
+    QCOMPARE(m_log.Messages(), (QStringList{"Info: Importing map, please wait ...", error.arg(bits),
+                                            "Info: Import done"}));
+    QCOMPARE(NamesOf(layers), QStringList{"value1"});
+}
+
+void AreaMapImportTest::sizesWithoutAnImageEndTheSection_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("height");
+    const int largest = std::numeric_limits<int>::max();
+    const int smallest = std::numeric_limits<int>::min();
+    QTest::newRow("zero") << 0 << 0;
+    QTest::newRow("no width") << 0 << 8;
+    QTest::newRow("no height") << 8 << 0;
+    QTest::newRow("negative") << -8 << -8;
+    QTest::newRow("missing") << -1 << -1;
+    QTest::newRow("smallest") << smallest << smallest;
+    QTest::newRow("largest") << largest << largest;
+    QTest::newRow("widest") << largest << 1;
+    QTest::newRow("highest") << 1 << largest;
+}
+
+void AreaMapImportTest::sizesWithoutAnImageEndTheSection()
+{
+    QFETCH(int, width);
+    QFETCH(int, height);
+    SetFlagTypes(8, 8);
+    LayerList layers;
+    QVERIFY(Import(layers, Ints({width, height, 100, 100, 8, 0})));
+    const QString error = "Error: The area map has an invalid size: %1x%2 pixels.";
+    QCOMPARE(m_log.Messages(), (QStringList{"Info: Importing map, please wait ...",
+                                            error.arg(width).arg(height), "Info: Import done"}));
+    QVERIFY(layers.IsEmpty());
+    QCOMPARE(ProjectSizes(), (QVector<int>{width, height, 100, 100}));
+}
+
+void AreaMapImportTest::moreWordsThanTheFileHoldsCountAsClear()
+{
+    SetFlagTypes(32, 32);
+    LayerList layers;
+    QVERIFY(Import(layers, Ints({65535, 1000, 100, 100, 32, 0, 4})));
+    QCOMPARE(NamesOf(layers), QStringList{"usage2"});
+    const QImage image = layers.LayerAt(0)->Image();
+    QCOMPARE(image.size(), QSize(65535, 1000));
+    QCOMPARE(image.pixelIndex(1, 999), 255);
+    QCOMPARE(image.pixelIndex(0, 999), 0);
+    QCOMPARE(image.pixelIndex(2, 999), 0);
+}
+
+void AreaMapImportTest::layersWithoutMemoryAreLeftOut()
+{
+    SetFlagTypes(32, 32);
+    // Each layer takes a quarter of a gigabyte of address space; how many find room in the rest
+    // depends on the allocator.
+    const QByteArray map = Ints({16384, 16384, 100, 100, 32, 0xFFFFFFFF});
+    const QString error = "Error: There is no memory for %1 layers of the area map.";
+    LayerList layers;
+    {
+        const MemoryLimit limit(640 * AMebibyte);
+        QVERIFY(Import(layers, map));
+    }
+    const int count = layers.Layers().size();
+    QVERIFY(count > 0 && count < 32);
+    QCOMPARE(NamesOf(layers), QStringList(FlagNames("usage", count).toList()));
+    QCOMPARE(m_log.Take(), (QStringList{"Info: Importing map, please wait ...",
+                                        error.arg(32 - count), "Info: Import done"}));
+    const MemoryLimit limit(64 * AMebibyte);
+    QVERIFY(Import(layers, map));
+    QCOMPARE(m_log.Take().at(1), error.arg(32));
+    QCOMPARE(layers.Layers().size(), count);
+}
+
+void AreaMapImportTest::aLargeMapWithoutFlagsNeedsNoMemory()
+{
+    SetFlagTypes(32, 0);
+    WriteBytes(File(), Ints({8192, 16384, 100, 100, 32}));
+    // Half a gigabyte of clear words, which take no room on the disk.
+    QVERIFY(QFile::resize(File(), 20 + 4 * 8192 * qint64(16384)));
+    QFile device(File());
+    QVERIFY(device.open(QIODevice::ReadOnly));
+    LayerList layers;
+    const MemoryLimit limit(64 * AMebibyte);
+    QVERIFY(layers.ImportMap(device));
+    QVERIFY(layers.IsEmpty());
+    QCOMPARE(m_log.Messages(),
+             (QStringList{"Info: Importing map, please wait ...", "Info: Import done"}));
+}
+
+void AreaMapImportTest::aDeviceThatFailsInTheHeaderFailsTheImport_data()
+{
+    QTest::addColumn<int>("byteCount");
+    for (const int count : {0, 4, 8, 12}) {
+        QTest::newRow(QByteArray::number(count).constData()) << count;
+    }
+}
+
+void AreaMapImportTest::aDeviceThatFailsInTheHeaderFailsTheImport()
+{
+    QFETCH(int, byteCount);
+    SlowDevice device(Ints({1, 1, 100, 100}).left(byteCount), 1000);
+    LayerList layers;
+    QVERIFY(!layers.ImportMap(device));
+    QCOMPARE(m_log.Messages(), QStringList{"Info: Importing map, please wait ..."});
+    QCOMPARE(ProjectSizes(), (QVector<int>{8, 2, 15360, 10240}));
+}
+
+void AreaMapImportTest::aDeviceThatFailsInASectionKeepsWhatWasRead()
+{
+    SetFlagTypes(8, 8);
+    const QByteArray map = Ints({2, 2, 100, 100, 32, 1, 2, 4, 8, 32, 1});
+    LayerList layers;
+    SlowDevice failingInTheValues(map, 1000);
+    QVERIFY(layers.ImportMap(failingInTheValues));
+    QCOMPARE(NamesOf(layers), (QStringList{"usage0", "usage1", "usage2", "usage3", "value0"}));
+    layers.Clear();
+    SlowDevice failingInTheUsages(map.left(28), 1000);
+    QVERIFY(layers.ImportMap(failingInTheUsages));
+    QCOMPARE(NamesOf(layers), (QStringList{"usage0", "usage1"}));
+    layers.Clear();
+    SlowDevice failingBehindTheHeader(map.left(16), 1000);
+    QVERIFY(layers.ImportMap(failingBehindTheHeader));
+    QVERIFY(layers.IsEmpty());
+}
+
+void AreaMapImportTest::sequentialDevicesAreReadPieceByPiece()
+{
+    Random random;
+    SetFlagTypes(8, 3);
+    SetLayerSize({64, 9});
+    const literal::MapLayer layer{RandomMask(random, {64, 9}), 0x55, 5};
+    const QByteArray map = literal::WriteMap({layer}, {64, 9}, {100, 100}, 8, 3);
+    for (const int pieceSize : {4, 7, 100}) {
+        LayerList layers;
+        SlowDevice device(map, pieceSize);
+        QVERIFY(layers.ImportMap(device));
+        QVERIFY(AreEqual(layers, literal::ReadMap(map, 8, 3)));
+    }
+}
+
+void AreaMapImportTest::mapsCutOffAnywhereAreReadLikeTheLiteralReaderDoes()
+{
+    Random random;
+    SetFlagTypes(3, 5);
+    const QSize size(11, 5);
+    const QByteArray map = literal::WriteMap(
+        {{RandomMask(random, size), 5, 0}, {FullMask(size), 2, 0x11}}, size, {100, 100}, 3, 5);
+    for (int length = 16; length <= map.size(); ++length) {
+        LayerList layers;
+        QVERIFY(Import(layers, map.left(length)));
+        QVERIFY2(AreEqual(layers, literal::ReadMap(map.left(length), 3, 5)),
+                 QByteArray::number(length).constData());
+    }
+}
+
+void AreaMapImportTest::mapsAreImportedLikeTheLiteralReaderDoes()
+{
+    Random random;
+    for (int i = 0; i < 100; ++i) {
+        const RandomMap map(random);
+        const QByteArray bytes = map.LiteralBytes();
+        // Mostly other types than those that the map was written with.
+        const int usageCount = random.Below(33);
+        const int valueCount = random.Below(33);
+        SetFlagTypes(usageCount, valueCount);
+        LayerList layers;
+        QVERIFY(Import(layers, bytes));
+        QVERIFY(AreEqual(layers, literal::ReadMap(bytes, usageCount, valueCount)));
+    }
+}
+
+QTEST_MAIN(AreaMapImportTest)
+
+#include "tst_AreaMapImport.moc"
