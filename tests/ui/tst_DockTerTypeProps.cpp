@@ -1,13 +1,11 @@
 #include "ui/DockTerTypeProps.h"
 
 #include "tests/support/Forms.h"
-#include "tests/support/TerritoryDocks.h"
+#include "tests/support/ShownZoneFixture.h"
 #include "ui/widgets/ButtonColor.h"
 #include "ui/widgets/GroupBoxColor.h"
 
-#include <QApplication>
 #include <QButtonGroup>
-#include <QColorDialog>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -16,63 +14,9 @@
 #include <QSlider>
 #include <QSpinBox>
 #include <QTest>
-#include <QTimer>
 #include <QToolButton>
-#include <QWheelEvent>
 
 #include <memory>
-
-namespace {
-
-/// Both docks with a current territory of one zone, which is shown.
-class Fixture : public TerritoryDocks
-{
-public:
-    Fixture()
-        : type(AddType(QStringLiteral("Deer")))
-        , territory(AddTerritory(type, QStringLiteral("North"), 1))
-        , zone(territory->Zones().first())
-    {
-        MakeCurrent(territory);
-        SelectZone(zone);
-        TakeModified();
-    }
-
-    QStringList Totals() const
-    {
-        QStringList texts;
-        for (const char* label : {"lblTerStaticMinVal", "lblTerStaticMaxVal", "lblTerDynMinVal",
-                                  "lblTerDynMaxVal", "lblTerTotalMinVal", "lblTerTotalMaxVal"}) {
-            texts.append(Text(label));
-        }
-        return texts;
-    }
-    int CheckedUsage() const { return Child<QButtonGroup>("btngAIUsage")->checkedId(); }
-    int Value(const char* box) const { return Child<QSpinBox>(box)->value(); }
-
-    TerritoryType* type;
-    Territory* territory;
-    Zone* zone;
-};
-
-void SetCounts(Zone* zone, int staticMin, int staticMax, int dynamicMin, int dynamicMax)
-{
-    zone->SetStaticMin(staticMin);
-    zone->SetStaticMax(staticMax);
-    zone->SetDynamicMin(dynamicMin);
-    zone->SetDynamicMax(dynamicMax);
-}
-
-QString Values(const SpawnCounts& counts)
-{
-    return QStringLiteral("%1 %2 %3 %4")
-        .arg(counts.staticMin)
-        .arg(counts.staticMax)
-        .arg(counts.dynamicMin)
-        .arg(counts.dynamicMax);
-}
-
-} // namespace
 
 class tst_DockTerTypeProps : public QObject
 {
@@ -89,24 +33,7 @@ private slots:
     void ShowsZones();
     void ShowsNoZone();
     void FillingWritesNothingBack();
-    void TakesRadiiInRange_data();
-    void TakesRadiiInRange();
-    void TakesTheRadiusOnEachKeystroke();
-    void ShowsTheStoredRadiusWhenEditingIsFinished();
-    void EditsCounts_data();
-    void EditsCounts();
-    void MaximumIsNotBelowTheMinimum_data();
-    void MaximumIsNotBelowTheMinimum();
     void TotalsFollowWhateverChangesThem();
-    void ClicksUsages_data();
-    void ClicksUsages();
-    void StepsThroughUsagesByKeyboard();
-    void UsageZeroEnablesNothing();
-    void NamesTheEvent();
-    void PicksTheColor();
-    void SlidesTheOpacity();
-    void MovesZonesInDepth();
-    void EditsNothingWithoutAZone();
 };
 
 void tst_DockTerTypeProps::HasItsForm_data()
@@ -171,7 +98,7 @@ void tst_DockTerTypeProps::HasItsForm()
 
 void tst_DockTerTypeProps::HasIconsAndUsageIds()
 {
-    const Fixture fixture;
+    const ShownZoneFixture fixture;
 
     QVERIFY(ShowsIcon(fixture.Child<QToolButton>("btnToFront")->icon(),
                       QStringLiteral(":/bringtofront")));
@@ -196,7 +123,7 @@ void tst_DockTerTypeProps::ShowsNothingAtFirst()
 
 void tst_DockTerTypeProps::ShowsATerritory()
 {
-    Fixture fixture;
+    ShownZoneFixture fixture;
     fixture.territory->setText(QStringLiteral("Deer & Wolf"));
     fixture.territory->SetRgba(qRgba(10, 20, 30, 200));
     SetCounts(fixture.zone, 1, 20, 300, 4000);
@@ -222,7 +149,7 @@ void tst_DockTerTypeProps::ShowsATerritory()
 
 void tst_DockTerTypeProps::ShowsAType()
 {
-    Fixture fixture;
+    ShownZoneFixture fixture;
     SetCounts(fixture.zone, 1, 2, 3, 4);
     Territory* south = fixture.AddTerritory(fixture.type, QStringLiteral("South"), 1);
     SetCounts(south->Zones().first(), 10, 20, 30, 40);
@@ -266,7 +193,7 @@ void tst_DockTerTypeProps::ShowsZones()
     QFETCH(float, radius);
     QFETCH(QString, size);
     QFETCH(QString, eventName);
-    Fixture fixture;
+    ShownZoneFixture fixture;
     // What was shown before does not show through.
     fixture.zone->SetUsage(Zone::DynamicEvent);
     fixture.zone->SetEventName(QStringLiteral("Fire"));
@@ -293,7 +220,7 @@ void tst_DockTerTypeProps::ShowsZones()
 
 void tst_DockTerTypeProps::ShowsNoZone()
 {
-    Fixture fixture;
+    ShownZoneFixture fixture;
 
     fixture.props->ShowZone(nullptr);
 
@@ -306,7 +233,7 @@ void tst_DockTerTypeProps::ShowsNoZone()
 
 void tst_DockTerTypeProps::FillingWritesNothingBack()
 {
-    Fixture fixture;
+    ShownZoneFixture fixture;
     const QSignalSpy changed(fixture.props, &DockTerTypeProps::Changed);
     Zone* zone = fixture.AddZone(fixture.territory, {500, 500}, 33.333333F);
     // The boxes cannot show these.
@@ -322,7 +249,7 @@ void tst_DockTerTypeProps::FillingWritesNothingBack()
     fixture.props->ShowType(fixture.type);
     fixture.props->ShowZone(nullptr);
 
-    QCOMPARE(Values(zone->Counts()), QStringLiteral("5000 -7 1000 999"));
+    QCOMPARE(CountsText(zone->Counts()), QStringLiteral("5000 -7 1000 999"));
     QCOMPARE(zone->Radius(), 33.333333F);
     QCOMPARE(zone->GetUsage(), 9);
     QCOMPARE(fixture.territory->Color().rgba(), color);
@@ -331,137 +258,9 @@ void tst_DockTerTypeProps::FillingWritesNothingBack()
     QVERIFY(!fixture.TakeModified());
 }
 
-void tst_DockTerTypeProps::TakesRadiiInRange_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<float>("radius");
-
-    QTest::newRow("the smallest") << "50" << 50.0F;
-    QTest::newRow("the largest") << "32768" << 32768.0F;
-    QTest::newRow("a fraction") << "1234.5" << 1234.5F;
-    QTest::newRow("with an exponent") << "1e3" << 1000.0F;
-    QTest::newRow("just below") << "49.9" << 60.0F;
-    QTest::newRow("just above") << "32768.1" << 60.0F;
-    QTest::newRow("above") << "40000" << 60.0F;
-    QTest::newRow("negative") << "-300" << 60.0F;
-    QTest::newRow("no number") << "300 m" << 60.0F;
-    QTest::newRow("not a number") << "nan" << 60.0F;
-    QTest::newRow("infinite") << "inf" << 60.0F;
-    QTest::newRow("empty") << "" << 60.0F;
-}
-
-void tst_DockTerTypeProps::TakesRadiiInRange()
-{
-    QFETCH(QString, text);
-    QFETCH(float, radius);
-    Fixture fixture;
-
-    fixture.props->UpdateSize(text);
-
-    QCOMPARE(fixture.zone->Radius(), radius);
-    QCOMPARE(fixture.TakeModified(), radius != 60.0F);
-}
-
-void tst_DockTerTypeProps::TakesTheRadiusOnEachKeystroke()
-{
-    Fixture fixture;
-    fixture.window.activateWindow();
-
-    fixture.Type("txtSize", QStringLiteral("49"));
-    QCOMPARE(fixture.zone->Radius(), 60.0F);
-    QVERIFY(!fixture.TakeModified());
-    fixture.Type("txtSize", QStringLiteral("499"));
-    QCOMPARE(fixture.zone->Radius(), 499.0F);
-    QTest::keyClicks(fixture.Child<QLineEdit>("txtSize"), QStringLiteral("99"));
-    QCOMPARE(fixture.zone->Radius(), 4999.0F);
-    QVERIFY(fixture.TakeModified());
-    QCOMPARE(fixture.Child<QLineEdit>("txtSize")->text(), QStringLiteral("49999"));
-}
-
-void tst_DockTerTypeProps::ShowsTheStoredRadiusWhenEditingIsFinished()
-{
-    Fixture fixture;
-    fixture.Type("txtSize", QStringLiteral("40000"));
-    QCOMPARE(fixture.zone->Radius(), 4000.0F);
-
-    QTest::keyClick(fixture.Child<QLineEdit>("txtSize"), Qt::Key_Return);
-
-    QCOMPARE(fixture.Child<QLineEdit>("txtSize")->text(), QStringLiteral("4000"));
-}
-
-void tst_DockTerTypeProps::EditsCounts_data()
-{
-    QTest::addColumn<QByteArray>("box");
-    QTest::addColumn<QString>("counts");
-    QTest::addColumn<QStringList>("totals");
-
-    QTest::newRow("static min") << QByteArray("spbStaticMin") << "77 2 3 4"
-                                << QStringList({"78", "3", "4", "5", "82", "8"});
-    QTest::newRow("static max") << QByteArray("spbStaticMax") << "1 77 3 4"
-                                << QStringList({"2", "78", "4", "5", "6", "83"});
-    QTest::newRow("dynamic min") << QByteArray("spbDynMin") << "1 2 77 4"
-                                 << QStringList({"2", "3", "78", "5", "80", "8"});
-    QTest::newRow("dynamic max") << QByteArray("spbDynMax") << "1 2 3 77"
-                                 << QStringList({"2", "3", "4", "78", "6", "81"});
-}
-
-void tst_DockTerTypeProps::EditsCounts()
-{
-    QFETCH(QByteArray, box);
-    QFETCH(QString, counts);
-    QFETCH(QStringList, totals);
-    Fixture fixture;
-    SetCounts(fixture.zone, 1, 2, 3, 4);
-    SetCounts(fixture.AddZone(fixture.territory), 1, 1, 1, 1);
-    fixture.SelectZone(fixture.zone);
-    fixture.TakeModified();
-
-    fixture.Type(box.constData(), QStringLiteral("77"));
-
-    QCOMPARE(Values(fixture.zone->Counts()), counts);
-    QCOMPARE(fixture.Totals(), totals);
-    QVERIFY(fixture.TakeModified());
-}
-
-void tst_DockTerTypeProps::MaximumIsNotBelowTheMinimum_data()
-{
-    QTest::addColumn<QByteArray>("box");
-    QTest::addColumn<QString>("below");
-    QTest::addColumn<QString>("after");
-
-    QTest::newRow("static") << QByteArray("spbStaticMax") << "20 20 5 6"
-                            << "20 25 5 6";
-    QTest::newRow("dynamic") << QByteArray("spbDynMax") << "20 30 5 5"
-                             << "20 30 5 25";
-}
-
-void tst_DockTerTypeProps::MaximumIsNotBelowTheMinimum()
-{
-    QFETCH(QByteArray, box);
-    QFETCH(QString, below);
-    QFETCH(QString, after);
-    Fixture fixture;
-    SetCounts(fixture.zone, 20, 30, 5, 6);
-    fixture.SelectZone(fixture.zone);
-
-    // The first digit of 25 is below the minimum, and must not be taken away from the typist.
-    fixture.Type(box.constData(), QStringLiteral("2"));
-    QCOMPARE(Values(fixture.zone->Counts()), below);
-    QCOMPARE(fixture.Value(box), 2);
-    QTest::keyClicks(fixture.Child<QSpinBox>(box), QStringLiteral("5"));
-    QCOMPARE(Values(fixture.zone->Counts()), after);
-    QCOMPARE(fixture.Value(box), 25);
-
-    fixture.Type(box.constData(), QStringLiteral("2"));
-    QTest::keyClick(fixture.Child<QSpinBox>(box), Qt::Key_Tab);
-
-    QCOMPARE(Values(fixture.zone->Counts()), below);
-    QCOMPARE(fixture.Value(box), box == "spbStaticMax" ? 20 : 5);
-}
-
 void tst_DockTerTypeProps::TotalsFollowWhateverChangesThem()
 {
-    Fixture fixture;
+    ShownZoneFixture fixture;
     const QStringList none({"0", "0", "0", "0", "0", "0"});
     const QStringList some({"1", "2", "3", "4", "4", "6"});
 
@@ -476,159 +275,6 @@ void tst_DockTerTypeProps::TotalsFollowWhateverChangesThem()
     fixture.props->ShowType(fixture.type);
     fixture.type->RemoveTerritory(fixture.territory->Id());
     QTRY_COMPARE(fixture.Totals(), none);
-}
-
-void tst_DockTerTypeProps::ClicksUsages_data()
-{
-    QTest::addColumn<QByteArray>("button");
-    QTest::addColumn<int>("usage");
-
-    QTest::newRow("rest") << QByteArray("rdoRest") << 1;
-    QTest::newRow("graze") << QByteArray("rdoGraze") << 2;
-    QTest::newRow("water") << QByteArray("rdoWater") << 3;
-    QTest::newRow("hunting ground") << QByteArray("rdoHunting") << 4;
-    QTest::newRow("dynamic event") << QByteArray("rdoDynEvent") << 5;
-}
-
-void tst_DockTerTypeProps::ClicksUsages()
-{
-    QFETCH(QByteArray, button);
-    QFETCH(int, usage);
-    Fixture fixture;
-    fixture.zone->SetUsage(usage == 1 ? 2 : 1);
-    fixture.zone->SetEventName(QStringLiteral("Storm"));
-    fixture.props->ShowZone(fixture.zone);
-    const QSignalSpy changed(fixture.props, &DockTerTypeProps::Changed);
-
-    fixture.Click(button.constData());
-
-    QCOMPARE(fixture.zone->GetUsage(), usage);
-    QCOMPARE(fixture.CheckedUsage(), usage);
-    QCOMPARE(changed.size(), 1);
-    QCOMPARE(changed.first().first().toRectF(), fixture.zone->sceneBoundingRect());
-    QCOMPARE(fixture.Child<QLineEdit>("txtDynEvent")->isEnabled(), usage == 5);
-    QCOMPARE(fixture.Child<QLineEdit>("txtDynEvent")->text(),
-             usage == 5 ? QStringLiteral("Storm") : QString());
-    QVERIFY(fixture.TakeModified());
-}
-
-void tst_DockTerTypeProps::StepsThroughUsagesByKeyboard()
-{
-    Fixture fixture;
-    auto* rest = fixture.Child<QRadioButton>("rdoRest");
-    rest->setFocus();
-
-    QTest::keyClick(rest, Qt::Key_Down);
-
-    QVERIFY(fixture.zone->GetUsage() != Zone::Rest);
-    QCOMPARE(fixture.CheckedUsage(), fixture.zone->GetUsage());
-    QVERIFY(fixture.TakeModified());
-}
-
-void tst_DockTerTypeProps::UsageZeroEnablesNothing()
-{
-    Fixture fixture;
-    const QSignalSpy changed(fixture.props, &DockTerTypeProps::Changed);
-
-    fixture.props->UpdateUsage(0);
-
-    QCOMPARE(fixture.zone->GetUsage(), 0);
-    QCOMPARE(changed.size(), 0);
-    QVERIFY(!fixture.Child<QLineEdit>("txtDynEvent")->isEnabled());
-}
-
-void tst_DockTerTypeProps::NamesTheEvent()
-{
-    Fixture fixture;
-    fixture.props->UpdateEvent(QStringLiteral("Storm"));
-    QCOMPARE(fixture.zone->EventName(), QString());
-    QVERIFY(!fixture.TakeModified());
-
-    fixture.Click("rdoDynEvent");
-    fixture.Type("txtDynEvent", QStringLiteral("Storm"));
-    QCOMPARE(fixture.zone->EventName(), QStringLiteral("Storm"));
-    QVERIFY(fixture.TakeModified());
-
-    fixture.props->UpdateEvent(QStringLiteral("Storm"));
-    QVERIFY(!fixture.TakeModified());
-}
-
-void tst_DockTerTypeProps::PicksTheColor()
-{
-    Fixture fixture;
-    fixture.territory->SetAlpha(100);
-    const QSignalSpy changed(fixture.props, &DockTerTypeProps::Changed);
-
-    QTimer::singleShot(0, fixture.props, [] {
-        auto* dialog = qobject_cast<QColorDialog*>(QApplication::activeModalWidget());
-        QVERIFY(dialog);
-        dialog->setCurrentColor(QColor(9, 8, 7));
-        dialog->accept();
-    });
-    fixture.Click("button");
-
-    QCOMPARE(fixture.territory->Color().rgba(), qRgba(9, 8, 7, 100));
-    QCOMPARE(fixture.zone->Color().rgba(), qRgba(9, 8, 7, 100));
-    QCOMPARE(changed.size(), 0);
-    QVERIFY(fixture.TakeModified());
-}
-
-void tst_DockTerTypeProps::SlidesTheOpacity()
-{
-    Fixture fixture;
-    const QSignalSpy changed(fixture.props, &DockTerTypeProps::Changed);
-
-    fixture.Child<QSlider>("slider")->setValue(77);
-
-    QCOMPARE(fixture.territory->Color().rgba(), qRgba(0, 0, 0, 77));
-    QCOMPARE(changed.size(), 1);
-    QCOMPARE(changed.first().first().toRectF(), QRectF());
-    QVERIFY(fixture.TakeModified());
-}
-
-void tst_DockTerTypeProps::MovesZonesInDepth()
-{
-    Fixture fixture;
-
-    fixture.Click("btnToFront");
-    QCOMPARE(fixture.zone->zValue(), 25.0);
-    QVERIFY(fixture.TakeModified());
-    fixture.Click("btnToFront");
-    fixture.Click("btnToBack");
-    QCOMPARE(fixture.zone->zValue(), 25.0);
-    QVERIFY(fixture.TakeModified());
-    for (int i = 0; i < 20; ++i) {
-        fixture.Click("btnToFront");
-    }
-    QCOMPARE(fixture.zone->zValue(), 255.0);
-}
-
-void tst_DockTerTypeProps::EditsNothingWithoutAZone()
-{
-    Fixture fixture;
-    fixture.props->ShowZone(nullptr);
-    fixture.props->ShowType(fixture.type);
-    const QSignalSpy changed(fixture.props, &DockTerTypeProps::Changed);
-    const QRgb color = fixture.territory->Color().rgba();
-
-    fixture.props->UpdateSize(QStringLiteral("100"));
-    fixture.props->UpdateStaticMin(1);
-    fixture.props->UpdateStaticMax(1);
-    fixture.props->UpdateDynMin(1);
-    fixture.props->UpdateDynMax(1);
-    fixture.props->ToFront();
-    fixture.props->ToBack();
-    fixture.props->UpdateUsage(3);
-    fixture.props->UpdateEvent(QStringLiteral("Storm"));
-    // The colour belongs to a territory, and a type is shown.
-    fixture.props->UpdateColor(Qt::red);
-    fixture.props->UpdateOpacity(3);
-
-    QCOMPARE(Values(fixture.zone->Counts()), QStringLiteral("0 0 0 0"));
-    QCOMPARE(fixture.zone->Radius(), 60.0F);
-    QCOMPARE(fixture.territory->Color().rgba(), color);
-    QCOMPARE(changed.size(), 0);
-    QVERIFY(!fixture.TakeModified());
 }
 
 QTEST_MAIN(tst_DockTerTypeProps)

@@ -1,8 +1,7 @@
 #include "canvas/HeldKeys.h"
-#include "tests/support/TerritoryDocks.h"
+#include "tests/support/TwoTypesFixture.h"
 #include "tests/support/XmlText.h"
 
-#include <QAbstractItemModelTester>
 #include <QApplication>
 #include <QGroupBox>
 #include <QLabel>
@@ -13,23 +12,16 @@
 
 namespace {
 
-/// One type with the territories North and South of two zones each, and an empty type.
-class Fixture : public TerritoryDocks
+/// With the zones of South apart from those of North, and a record of what the dock announces.
+class Fixture : public TwoTypesFixture
 {
 public:
     Fixture()
-        : deer(AddType(QStringLiteral("Deer")))
-        , wolf(AddType(QStringLiteral("Wolf")))
-        , north(AddTerritory(deer, QStringLiteral("North"), 2))
-        , south(AddTerritory(deer, QStringLiteral("South"), 2))
-        , tester(List().model())
     {
         HeldKeys::Instance().ReleaseAll();
-        // Apart from the zones of the other territory.
         for (Zone* zone : south->Zones()) {
             zone->moveBy(0, 200);
         }
-        Tree().expandAll();
         TakeModified();
         QObject::connect(types, &DockTerTypes::Selected, types,
                          [this](Territory* territory) { selected.append(territory); });
@@ -72,13 +64,8 @@ public:
         QTest::keyClick(view, key, modifiers);
     }
 
-    TerritoryType* deer;
-    TerritoryType* wolf;
-    Territory* north;
-    Territory* south;
     QVector<Territory*> selected;
     QStringList modes;
-    QAbstractItemModelTester tester;
 };
 
 bool AreEditable(const Territory* territory)
@@ -140,7 +127,7 @@ void tst_DockTerTypesSelection::TerritoryRowUnlocksItsZones()
     fixture.MakeCurrent(fixture.north);
     QVERIFY(AreEditable(fixture.north) && !AreEditable(fixture.south));
     QCOMPARE(fixture.Scene().CurrentTerritory(), fixture.north);
-    QCOMPARE(fixture.Child<QGroupBox>("gboTer")->title(), QStringLiteral("Territory: North"));
+    QCOMPARE(fixture.PropsTitle(), QStringLiteral("Territory: North"));
     QCOMPARE(fixture.Buttons(), QStringLiteral("ZoneInsert ZoneSelect QueryTer"));
 
     fixture.SelectZone(fixture.north->Zones().first());
@@ -173,7 +160,7 @@ void tst_DockTerTypesSelection::TypeRowHasNoTerritory()
 
     QCOMPARE(fixture.Scene().CurrentTerritory(), nullptr);
     QVERIFY(!AreEditable(fixture.north));
-    QCOMPARE(fixture.Child<QGroupBox>("gboTer")->title(), QStringLiteral("Territory type: Deer"));
+    QCOMPARE(fixture.PropsTitle(), QStringLiteral("Territory type: Deer"));
     QCOMPARE(fixture.Buttons(), QStringLiteral("QueryTer"));
     QVERIFY(fixture.props->isEnabled());
 }
