@@ -1,28 +1,19 @@
 #include "tests/support/RandomUser.h"
 
-#include "layers/Layer.h"
 #include "layers/LayerList.h"
-#include "territories/Territory.h"
-#include "territories/TerritoryType.h"
 #include "territories/TerritoryTypeList.h"
-#include "territories/Zone.h"
 #include "tests/support/Drags.h"
 #include "tests/support/Files.h"
 #include "ui/DockLayers.h"
 #include "ui/DockTerTypes.h"
-#include "ui/FileDialogs.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
-#include <QColorDialog>
-#include <QComboBox>
-#include <QDialog>
-#include <QDockWidget>
-#include <QGroupBox>
+#include <QImage>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QMouseEvent>
 #include <QSlider>
 #include <QSpinBox>
@@ -33,12 +24,6 @@
 namespace {
 
 const char* const GoodFiles[] = {"first/first.xml", "second/second.xml"};
-
-bool operator==(const SpawnCounts& a, const SpawnCounts& b)
-{
-    return a.staticMin == b.staticMin && a.staticMax == b.staticMax &&
-           a.dynamicMin == b.dynamicMin && a.dynamicMax == b.dynamicMax;
-}
 
 } // namespace
 
@@ -411,207 +396,4 @@ void RandomUser::CloseWindow()
         Restart(m_random.Below(2) == 0 ? QString()
                                        : Path(QLatin1String(GoodFiles[m_random.Below(2)])));
     }
-}
-
-void RandomUser::Answer(QWidget& dialog)
-{
-    if (m_random.Below(6) == 0 && dialog.objectName() != QLatin1String("DialogCustomLayer")) {
-        QTest::keyClick(&dialog, Qt::Key_Escape);
-    } else if (dialog.inherits("QFileDialog")) {
-        AnswerFileDialog(dialog);
-    } else if (dialog.objectName() == QLatin1String("DialogNewProject")) {
-        AnswerNewProject(dialog);
-    } else if (dialog.objectName() == QLatin1String("DialogCustomLayer")) {
-        AnswerCustomLayer(dialog);
-    } else {
-        PressAnyButton(dialog);
-    }
-}
-
-void RandomUser::AnswerFileDialog(QWidget& dialog)
-{
-    static const QMap<QString, QStringList> files{
-        {QStringLiteral("Load"),
-         {QStringLiteral("first/first.xml"), QStringLiteral("first/first.xml"),
-          QStringLiteral("second/second.xml"), QStringLiteral("second/second.xml"),
-          QStringLiteral("first/cut.xml"), QStringLiteral("first/small.xml"),
-          QStringLiteral("first/empty.xml"), QStringLiteral("saved/saved.xml")}},
-        {QStringLiteral("Save"),
-         {QStringLiteral("saved/saved.xml"), QStringLiteral("other"),
-          QStringLiteral("nowhere/a.xml")}},
-        {QStringLiteral("Load background image"),
-         {QStringLiteral("world.png"), QStringLiteral("text.png")}},
-        {QStringLiteral("Import area flag types"),
-         {QStringLiteral("areas.xml"), QStringLiteral("areas.xml"),
-          QStringLiteral("cut-areas.xml")}},
-        {QStringLiteral("Import area map"),
-         {QStringLiteral("saved/map/saved.map"), QStringLiteral("junk.map")}},
-    };
-    const QStringList choice = files[dialog.windowTitle()];
-    const QString path = Path(choice[m_random.Below(choice.size())]);
-    // What cannot be opened is told in a box of the dialog's own.
-    dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
-    QTest::keyClick(&dialog, Qt::Key_Return);
-    if (dialog.isVisible()) {
-        QTest::keyClick(&dialog, Qt::Key_Escape);
-    }
-}
-
-void RandomUser::AnswerNewProject(QWidget& dialog)
-{
-    const auto line = [&dialog](const char* name) {
-        return dialog.findChild<QLineEdit*>(QLatin1String(name));
-    };
-    dialog.findChild<QSpinBox*>(QStringLiteral("spinLayerSizeX"))->setValue(m_random.Below(120));
-    dialog.findChild<QSpinBox*>(QStringLiteral("spinWorldSizeX"))
-        ->setValue(1 << m_random.Below(15));
-    line("txtProjectName")
-        ->setText(Path(m_random.Below(4) == 0 ? QStringLiteral("nowhere/a.xml")
-                                              : QStringLiteral("saved/saved.xml")));
-    line("txtWorldImage")
-        ->setText(m_random.Below(2) == 0 ? Path(QStringLiteral("world.png")) : QString());
-    line("txtAreaFlagsFile")
-        ->setText(m_random.Below(2) == 0 ? Path(QStringLiteral("areas.xml")) : QString());
-    QTest::mouseClick(dialog.findChild<QAbstractButton*>(QStringLiteral("btnOk")), Qt::LeftButton);
-    if (dialog.isVisible()) {
-        QTest::keyClick(&dialog, Qt::Key_Escape);
-    }
-}
-
-void RandomUser::AnswerCustomLayer(QWidget& dialog)
-{
-    const auto child = [&dialog](const char* name) {
-        return dialog.findChild<QWidget*>(QLatin1String(name));
-    };
-    // What computes is not enabled; each answer does one thing, until the last one ends it.
-    if (++m_customLayerAnswers < 6) {
-        static const char* const names[] = {"cboOperation", "cboInputA", "cboInputB"};
-        auto* box = qobject_cast<QComboBox*>(child(names[m_random.Below(3)]));
-        if (box->isEnabled() && box->count() > 0) {
-            box->setCurrentIndex(m_random.Below(box->count()));
-        }
-        if (auto* radius = qobject_cast<QSpinBox*>(child("spnRadius")); radius->isEnabled()) {
-            radius->setValue(m_random.Between(radius->minimum(), radius->maximum()));
-        }
-        return;
-    }
-    if (!child("btnCancel")->isEnabled()) {
-        return;
-    }
-    m_customLayerAnswers = 0;
-    qobject_cast<QLineEdit*>(child("txtOutputName"))
-        ->setText(QStringLiteral("custom %1").arg(m_random.Below(8)));
-    const char* const name = m_random.Below(2) == 0 ? "btnOk" : "btnCancel";
-    QTest::mouseClick(child(name), Qt::LeftButton);
-}
-
-void RandomUser::PressAnyButton(QWidget& dialog)
-{
-    const QList<QAbstractButton*> buttons = dialog.findChildren<QAbstractButton*>();
-    QVector<QAbstractButton*> clickable;
-    for (QAbstractButton* button : buttons) {
-        if (button->isVisible() && button->isEnabled()) {
-            clickable.append(button);
-        }
-    }
-    if (clickable.isEmpty() || dialog.inherits("QColorDialog")) {
-        QTest::keyClick(&dialog, m_random.Below(2) == 0 ? Qt::Key_Return : Qt::Key_Escape);
-        return;
-    }
-    clickable[m_random.Below(clickable.size())]->click();
-}
-
-QString RandomUser::Contradiction() const
-{
-    const ProjectSettings& settings = ProjectSettings::Instance();
-    const QVector<Layer*> layers = Layers().Layers();
-    QSet<int> ids;
-    for (const Layer* layer : layers) {
-        if (layer->Image().size() != QSize(settings.layerWidth, settings.layerHeight)) {
-            return QStringLiteral("Layer '%1' has another size.").arg(layer->text());
-        }
-        ids.insert(layer->Id());
-    }
-    if (ids.size() != layers.size()) {
-        return QStringLiteral("Two layers have one id.");
-    }
-    if (Scene().CurrentLayer() && !layers.contains(Scene().CurrentLayer())) {
-        return QStringLiteral("The scene edits a layer that is in no list.");
-    }
-
-    QSet<QGraphicsItem*> listed;
-    bool isCurrentListed = !Scene().CurrentTerritory();
-    const QVector<TerritoryType*> types = Types().Types();
-    for (const TerritoryType* type : types) {
-        SpawnCounts typeTotals;
-        const QVector<Territory*> territories = type->Territories();
-        for (const Territory* territory : territories) {
-            SpawnCounts totals;
-            for (Zone* zone : territory->Zones()) {
-                totals += zone->Counts();
-                listed.insert(zone);
-            }
-            typeTotals += totals;
-            if (!(territory->Totals() == totals)) {
-                return QStringLiteral("Territory '%1' has other totals.").arg(territory->text());
-            }
-            isCurrentListed = isCurrentListed || territory == Scene().CurrentTerritory();
-        }
-        if (!(type->Totals() == typeTotals)) {
-            return QStringLiteral("Type '%1' has other totals.").arg(type->text());
-        }
-    }
-    if (!isCurrentListed) {
-        return QStringLiteral("The scene's territory is in no list.");
-    }
-    const QList<QGraphicsItem*> items = Scene().items();
-    for (QGraphicsItem* item : items) {
-        if (item->type() == Zone::Type && !listed.remove(item)) {
-            return QStringLiteral("A zone on the map is in no territory.");
-        }
-    }
-    if (!listed.isEmpty()) {
-        return QStringLiteral("A territory's zone is not on the map.");
-    }
-
-    const QString name =
-        settings.projectName.isEmpty() ? QStringLiteral("Unsaved") : settings.projectName;
-    if (window->windowTitle() != name + QStringLiteral(" - Tarvo Ledger Tool")) {
-        return QStringLiteral("The title names another project.");
-    }
-    if (Action("actionTogglePaintMode")->isChecked() !=
-        Child<QGroupBox>("gboPaintMode")->isChecked()) {
-        return QStringLiteral("Action and box show different paint modes.");
-    }
-    return {};
-}
-
-QString RandomUser::LostBySaving()
-{
-    const auto save = [this](const QString& folder) {
-        QDir().mkpath(Path(folder));
-        window->SaveProjectFile(Path(folder + QStringLiteral("/saved.xml")));
-        return FilesBelow(Path(folder));
-    };
-    const QMap<QString, QByteArray> saved = save(QStringLiteral("once"));
-    Modified() = false;
-    answers.AddFile(Path(QStringLiteral("once/saved.xml")));
-    Trigger("actionLoad");
-    const QMap<QString, QByteArray> savedAgain = save(QStringLiteral("twice"));
-    const QString document = QStringLiteral("saved.xml");
-    const QList<QByteArray> lines = saved[document].split('\n');
-    const QList<QByteArray> linesAgain = savedAgain[document].split('\n');
-    for (int i = 0; i < lines.size(); ++i) {
-        if (lines[i] != linesAgain.value(i)) {
-            return QString::fromUtf8(lines[i] + " became " + linesAgain.value(i));
-        }
-    }
-    const QVector<Layer*> layers = Layers().Layers();
-    for (const Layer* layer : layers) {
-        const QString file = QStringLiteral("layers/%1.tga").arg(layer->text());
-        if (saved[file] != savedAgain[file]) {
-            return file;
-        }
-    }
-    return {};
 }

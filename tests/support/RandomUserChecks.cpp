@@ -1,0 +1,119 @@
+#include "tests/support/RandomUser.h"
+
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "territories/Territory.h"
+#include "territories/TerritoryType.h"
+#include "territories/TerritoryTypeList.h"
+#include "territories/Zone.h"
+#include "tests/support/Files.h"
+
+#include <QAction>
+#include <QDir>
+#include <QGroupBox>
+#include <QSet>
+
+namespace {
+
+bool operator==(const SpawnCounts& a, const SpawnCounts& b)
+{
+    return a.staticMin == b.staticMin && a.staticMax == b.staticMax &&
+           a.dynamicMin == b.dynamicMin && a.dynamicMax == b.dynamicMax;
+}
+
+} // namespace
+
+QString RandomUser::Contradiction() const
+{
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    const QVector<Layer*> layers = Layers().Layers();
+    QSet<int> ids;
+    for (const Layer* layer : layers) {
+        if (layer->Image().size() != QSize(settings.layerWidth, settings.layerHeight)) {
+            return QStringLiteral("Layer '%1' has another size.").arg(layer->text());
+        }
+        ids.insert(layer->Id());
+    }
+    if (ids.size() != layers.size()) {
+        return QStringLiteral("Two layers have one id.");
+    }
+    if (Scene().CurrentLayer() && !layers.contains(Scene().CurrentLayer())) {
+        return QStringLiteral("The scene edits a layer that is in no list.");
+    }
+
+    QSet<QGraphicsItem*> listed;
+    bool isCurrentListed = !Scene().CurrentTerritory();
+    const QVector<TerritoryType*> types = Types().Types();
+    for (const TerritoryType* type : types) {
+        SpawnCounts typeTotals;
+        const QVector<Territory*> territories = type->Territories();
+        for (const Territory* territory : territories) {
+            SpawnCounts totals;
+            for (Zone* zone : territory->Zones()) {
+                totals += zone->Counts();
+                listed.insert(zone);
+            }
+            typeTotals += totals;
+            if (!(territory->Totals() == totals)) {
+                return QStringLiteral("Territory '%1' has other totals.").arg(territory->text());
+            }
+            isCurrentListed = isCurrentListed || territory == Scene().CurrentTerritory();
+        }
+        if (!(type->Totals() == typeTotals)) {
+            return QStringLiteral("Type '%1' has other totals.").arg(type->text());
+        }
+    }
+    if (!isCurrentListed) {
+        return QStringLiteral("The scene's territory is in no list.");
+    }
+    const QList<QGraphicsItem*> items = Scene().items();
+    for (QGraphicsItem* item : items) {
+        if (item->type() == Zone::Type && !listed.remove(item)) {
+            return QStringLiteral("A zone on the map is in no territory.");
+        }
+    }
+    if (!listed.isEmpty()) {
+        return QStringLiteral("A territory's zone is not on the map.");
+    }
+
+    const QString name =
+        settings.projectName.isEmpty() ? QStringLiteral("Unsaved") : settings.projectName;
+    if (window->windowTitle() != name + QStringLiteral(" - Tarvo Ledger Tool")) {
+        return QStringLiteral("The title names another project.");
+    }
+    if (Action("actionTogglePaintMode")->isChecked() !=
+        Child<QGroupBox>("gboPaintMode")->isChecked()) {
+        return QStringLiteral("Action and box show different paint modes.");
+    }
+    return {};
+}
+
+QString RandomUser::LostBySaving()
+{
+    const auto save = [this](const QString& folder) {
+        QDir().mkpath(Path(folder));
+        window->SaveProjectFile(Path(folder + QStringLiteral("/saved.xml")));
+        return FilesBelow(Path(folder));
+    };
+    const QMap<QString, QByteArray> saved = save(QStringLiteral("once"));
+    Modified() = false;
+    answers.AddFile(Path(QStringLiteral("once/saved.xml")));
+    Trigger("actionLoad");
+    const QMap<QString, QByteArray> savedAgain = save(QStringLiteral("twice"));
+    const QString document = QStringLiteral("saved.xml");
+    const QList<QByteArray> lines = saved[document].split('\n');
+    const QList<QByteArray> linesAgain = savedAgain[document].split('\n');
+    for (int i = 0; i < lines.size(); ++i) {
+        if (lines[i] != linesAgain.value(i)) {
+            return QString::fromUtf8(lines[i] + " became " + linesAgain.value(i));
+        }
+    }
+    const QVector<Layer*> layers = Layers().Layers();
+    for (const Layer* layer : layers) {
+        const QString file = QStringLiteral("layers/%1.tga").arg(layer->text());
+        if (saved[file] != savedAgain[file]) {
+            return file;
+        }
+    }
+    return {};
+}
