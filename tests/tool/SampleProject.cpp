@@ -6,6 +6,7 @@
 
 #include <QImage>
 #include <QProcess>
+#include <QTest>
 
 namespace {
 
@@ -100,4 +101,19 @@ void SampleProject::Start(QProcess& process, const QString& limit,
     process.setWorkingDirectory(m_folder.path());
     process.setProcessEnvironment(WithoutDisplay());
     process.start("/bin/sh", ShellArguments(limit) + arguments, QIODevice::ReadOnly);
+}
+
+void CheckIsUnreadable(const QStringList& commands, const QString& file, const QByteArray& bytes,
+                       const QString& error)
+{
+    const SampleProject project;
+    if (!bytes.isNull()) {
+        WriteBytes(project.Path(file), bytes);
+    }
+    for (const QString& command : commands) {
+        const ProgramRun run = project.Run({command, file});
+        QCOMPARE(run.output, QString());
+        QCOMPARE(run.log, QStringList{error});
+        QCOMPARE(run.exitCode, 3);
+    }
 }

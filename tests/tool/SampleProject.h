@@ -35,3 +35,8 @@ private:
     QTemporaryDir m_folder;
     QByteArray m_document;
 };
+
+/// Has each of the commands read a file with these bytes (no file is written when they are null),
+/// and fails the test unless all end with 3 and this line.
+void CheckIsUnreadable(const QStringList& commands, const QString& file, const QByteArray& bytes,
+                       const QString& error);

@@ -87,56 +87,55 @@ void tst_ToolCheck::EachRuleIsFound_data()
     const auto row = [](const char* name, const Break& doBreak, const QStringList& findings) {
         QTest::newRow(name) << doBreak << findings;
     };
+    const QString duplicate = " Rename one of them. [duplicate-name]";
+    const QString alike = " Rename one of them. [duplicate-name-by-case]";
+    const QString refused = " Give it a name that a file can have. [refused-name]";
+    const QString orphan = "warning: bitmap 'Village.tga': no layer has it. Remove it from the "
+                           "folder 'layers'. [orphan-bitmap]";
     row("layers of one name", Replacing("name=\"Village\"", "name=\"Shore\""),
-        {"error: layer 'Shore': another layer has the same name; both read one bitmap. Rename one "
-         "of them. [duplicate-name]",
-         "warning: bitmap 'Village.tga': no layer has it. Remove it from the folder 'layers'. "
-         "[orphan-bitmap]"});
+        {"error: layer 'Shore': another layer has the same name; both read one bitmap." + duplicate,
+         orphan});
     row("layers alike but for case",
         [](SampleProject& project) {
             project.Replace("name=\"Village\"", "name=\"SHORE\"");
             QFile::rename(project.Path("layers/Village.tga"), project.Path("layers/SHORE.tga"));
         },
-        {"warning: layer 'SHORE': another layer has the same name but for upper and lower case. "
-         "Rename one of them. [duplicate-name-by-case]"});
+        {"warning: layer 'SHORE': another layer has the same name but for upper and lower case." +
+         alike});
     row("types of one name", Replacing("name=\"Wolf\"", "name=\"Deer\""),
         {"error: territory type 'Deer': another territory type has the same name; both are "
-         "exported into one file. Rename one of them. [duplicate-name]"});
+         "exported into one file." +
+         duplicate});
     row("territories of one name",
         Replacing("</territory>", "</territory><territory name=\"North\" visible=\"1\"/>"),
         {"warning: territory 'North' of type 'Deer': another territory has the same name; nobody "
-         "can tell them apart. Rename one of them. [duplicate-name]"});
+         "can tell them apart." +
+         duplicate});
     row("flags of one name", Replacing("\"Farm\"", "\"Coast\""),
         {"warning: usage flag 'Coast': another usage flag has the same name; nobody can tell them "
-         "apart. Rename one of them. [duplicate-name]"});
+         "apart." +
+         duplicate});
     row("value flags alike but for case", Replacing("\"Tier4\"", "\"tier1\""),
         {"warning: value flag 'tier1': another value flag has the same name but for upper and "
-         "lower case. Rename one of them. [duplicate-name-by-case]"});
+         "lower case." +
+         alike});
     row("forbidden character", Replacing("\"Wolf\"", "\"Wo|f\""),
-        {"error: territory type 'Wo|f': the name holds one of < > : \" / \\ | ? *. Give it a name "
-         "that a file can have. [refused-name]"});
+        {"error: territory type 'Wo|f': the name holds one of < > : \" / \\ | ? *." + refused});
     row("empty name", Replacing("\"Wolf\"", "\" \""),
-        {"error: territory type ' ': the name is empty. Give it a name that a file can have. "
-         "[refused-name]"});
+        {"error: territory type ' ': the name is empty." + refused});
     row("name that leads out", Replacing("name=\"Village\"", "name=\"../Village\""),
-        {"error: layer '../Village': the name leads out of the project. Give it a name that a file "
-         "can have. [refused-name]",
-         "warning: bitmap 'Village.tga': no layer has it. Remove it from the folder 'layers'. "
-         "[orphan-bitmap]"});
+        {"error: layer '../Village': the name leads out of the project." + refused, orphan});
     row("control character", Replacing("\"Wolf\"", "\"Wo&#9;f\""),
-        {"error: territory type 'Wo f': the name holds a control character. Give it a name that a "
-         "file can have. [refused-name]"});
+        {"error: territory type 'Wo f': the name holds a control character." + refused});
     row("long name", Replacing("\"Wolf\"", "\"" + QByteArray(252, 'w') + "\""),
-        {"error: territory type '" + QString(252, 'w') +
-         "': the name is too long for a file. Give it a name that a file can have. "
-         "[refused-name]"});
+        {"error: territory type '" + QString(252, 'w') + "': the name is too long for a file." +
+         refused});
     row("device name", Replacing("\"Wolf\"", "\"aux.1\""),
-        {"warning: territory type 'aux.1': some file systems keep the name for a device. Give it a "
-         "name that a file can have. [refused-name]"});
+        {"warning: territory type 'aux.1': some file systems keep the name for a device." +
+         refused});
     row("space before the ending", Replacing("\"Wolf\"", "\"Wolf \""), {});
     const QString outOfOrder =
-        " The editor leaves the layer out; put a bitmap of the layer size in "
-        "its place. ";
+        " The editor leaves the layer out; put a bitmap of the layer size in its place. ";
     row("missing bitmap",
         [](SampleProject& project) { QFile::remove(project.Path("layers/Village.tga")); },
         {"error: layer 'Village': its bitmap does not exist." + outOfOrder + "[bitmap-missing]"});
@@ -205,8 +204,8 @@ void tst_ToolCheck::EachRuleIsFound_data()
         {"error: " + zone + "the static minimum 3 is above the maximum 2." + more});
     row("dynamic minimum", Replacing("dmin=\"3\"", "dmin=\"5\""),
         {"error: " + zone + "the dynamic minimum 5 is above the maximum 4." + more});
-    const QString radius = " m is outside 50 to 32768 m. Change the radius in the zone properties. "
-                           "[zone-radius]";
+    const QString radius =
+        " m is outside 50 to 32768 m. Change the radius in the zone properties. [zone-radius]";
     row("small radius", Replacing("r=\"100\"", "r=\"49.9\""),
         {"warning: " + zone + "its radius of 49.9" + radius});
     row("large radius", Replacing("r=\"100\"", "r=\"32769\""),
@@ -215,45 +214,37 @@ void tst_ToolCheck::EachRuleIsFound_data()
         {"warning: " + zone + "its radius of nan" + radius});
     row("event like a usage", Replacing("name=\"Graze\"", "name=\"hunting ground\""),
         {"warning: " + zone +
-         "its dynamic event 'hunting ground' is named like the usage "
-         "'HuntingGround', and is another one. Choose the usage, or rename "
-         "the event. [event-like-usage]"});
+         "its dynamic event 'hunting ground' is named like the usage 'HuntingGround', and is "
+         "another one. Choose the usage, or rename the event. [event-like-usage]"});
     row("event without name", Replacing("name=\"Graze\"", ""),
-        {"error: " + zone +
-         "its dynamic event has no name. Name the event. "
-         "[event-without-name]"});
+        {"error: " + zone + "its dynamic event has no name. Name the event. [event-without-name]"});
     row("outside", Replacing("x=\"400\"", "x=\"801\""),
         {"error: " + zone +
-         "its centre (801, 200) lies outside the world. Move or remove it. "
-         "[zone-outside-world]"});
+         "its centre (801, 200) lies outside the world. Move or remove it. [zone-outside-world]"});
     row("below", Replacing("z=\"200\"", "z=\"-0.5\""),
         {"error: " + zone +
-         "its centre (400, -0.5) lies outside the world. Move or remove it. "
-         "[zone-outside-world]"});
+         "its centre (400, -0.5) lies outside the world. Move or remove it. [zone-outside-world]"});
     row("hidden territory", Replacing("name=\"North\" visible=\"1\"", "name=\"North\""),
         {"warning: territory 'North' of type 'Deer': it is hidden, and exported all the same. Show "
          "it, or remove it. [invisible-territory]"});
+    const QString background = " Load a background image in the editor. [missing-background]";
     row("no background", [](SampleProject& project) { QFile::remove(project.Path("back.png")); },
-        {"warning: background 'back.png': it does not exist. Load a background image in the "
-         "editor. [missing-background]"});
+        {"warning: background 'back.png': it does not exist." + background});
     row("background is no picture",
         [](SampleProject& project) { WriteBytes(project.Path("back.png"), "text"); },
-        {"warning: background 'back.png': it is no picture that can be read. Load a "
-         "background image in the editor. [missing-background]"});
+        {"warning: background 'back.png': it is no picture that can be read." + background});
     row("folder for the background",
         [](SampleProject& project) {
             QFile::remove(project.Path("back.png"));
             QDir().mkdir(project.Path("back.png"));
         },
-        {"warning: background 'back.png': it is no file. Load a background image in the editor. "
-         "[missing-background]"});
+        {"warning: background 'back.png': it is no file." + background});
     row("background cut off",
         [](SampleProject& project) {
             const QByteArray bytes = ReadBytes(project.Path("back.png"));
             WriteBytes(project.Path("back.png"), bytes.left(bytes.size() - 1));
         },
-        {"warning: background 'back.png': it is a picture that is cut off. Load a background image "
-         "in the editor. [missing-background]"});
+        {"warning: background 'back.png': it is a picture that is cut off." + background});
     row("no world", Replacing("world size=\"800\"", "world size=\"0\""),
         {"error: project: the world cannot be 0x0 metres large. Choose a size of at least 1. "
          "[world-size]"});
@@ -380,16 +371,7 @@ void tst_ToolCheck::UnreadableProjectsEndWithThree()
     QFETCH(QString, file);
     QFETCH(QByteArray, bytes);
     QFETCH(QString, error);
-    const SampleProject project;
-    if (!bytes.isNull()) {
-        WriteBytes(project.Path(file), bytes);
-    }
-    for (const char* command : {"check", "export"}) {
-        const ProgramRun run = project.Run({command, file});
-        QCOMPARE(run.output, QString());
-        QCOMPARE(run.log, QStringList{error});
-        QCOMPARE(run.exitCode, 3);
-    }
+    CheckIsUnreadable({"check", "export"}, file, bytes, error);
 }
 
 void tst_ToolCheck::NamesCannotForgeLines()

@@ -10,6 +10,21 @@
 #include <QJsonObject>
 #include <QTest>
 
+namespace {
+
+/// The project with its map and types exported, and a file of area types, types.xml.
+class EveryKindOfFile : public SampleProject
+{
+public:
+    EveryKindOfFile()
+    {
+        WriteBytes(Path("types.xml"), "<areas><usage name=\"A\"/><usage name=\"B\"/></areas>");
+        QCOMPARE(Run({"export", "sample.xml"}).exitCode, 0);
+    }
+};
+
+} // namespace
+
 class tst_ToolInfo : public QObject
 {
     Q_OBJECT
@@ -85,9 +100,7 @@ void tst_ToolInfo::FilesAreDescribed()
 {
     QFETCH(QString, file);
     QFETCH(QString, text);
-    const SampleProject project;
-    WriteBytes(project.Path("types.xml"), "<areas><usage name=\"A\"/><usage name=\"B\"/></areas>");
-    QCOMPARE(project.Run({"export", "sample.xml"}).exitCode, 0);
+    const EveryKindOfFile project;
     const ProgramRun run = project.Run({"info", file});
     QCOMPARE(run.output, text);
     QCOMPARE(run.log, QStringList());
@@ -219,9 +232,7 @@ void tst_ToolInfo::FilesAsJson()
 {
     QFETCH(QString, file);
     QFETCH(QJsonObject, info);
-    const SampleProject project;
-    WriteBytes(project.Path("types.xml"), "<areas><usage name=\"A\"/><usage name=\"B\"/></areas>");
-    QCOMPARE(project.Run({"export", "sample.xml"}).exitCode, 0);
+    const EveryKindOfFile project;
     const ProgramRun run = project.Run({"info", "--json", "--quiet", file});
     QCOMPARE(QJsonDocument::fromJson(run.output.toUtf8()).object(), info);
     QCOMPARE(run.exitCode, 0);
@@ -309,14 +320,7 @@ void tst_ToolInfo::UnreadableFilesEndWithThree()
     QFETCH(QString, file);
     QFETCH(QByteArray, bytes);
     QFETCH(QString, error);
-    const SampleProject project;
-    if (!bytes.isNull()) {
-        WriteBytes(project.Path(file), bytes);
-    }
-    const ProgramRun run = project.Run({"info", file});
-    QCOMPARE(run.output, QString());
-    QCOMPARE(run.log, QStringList{file + ": " + error});
-    QCOMPARE(run.exitCode, 3);
+    CheckIsUnreadable({"info"}, file, bytes, file + ": " + error);
 }
 
 QTEST_APPLESS_MAIN(tst_ToolInfo)
