@@ -1,21 +1,16 @@
 // The whole batch run of a project with 32 layers of 2048 x 2048 pixels.
 
 #include "app/BatchExport.h"
-#include "app/ProjectDocument.h"
 #include "app/ProjectSettings.h"
 #include "benchmarks/support/LiteralCodecs.h"
+#include "benchmarks/support/NaturalProject.h"
 #include "benchmarks/support/RatioReporter.h"
-#include "benchmarks/support/Shapes.h"
-#include "layers/Layer.h"
-#include "layers/LayerList.h"
-#include "territories/TerritoryTypeList.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QXmlStreamWriter>
 
 #include <sys/resource.h>
 
@@ -30,24 +25,6 @@ constexpr int LayerCount = 32;
 constexpr double MiB = 1024.0 * 1024.0;
 
 void Quiet(QtMsgType, const QMessageLogContext&, const QString&) {}
-
-bool MakeProject(const QString& path)
-{
-    LayerList layers;
-    const TerritoryTypeList types;
-    for (int i = 0; i < LayerCount; ++i) {
-        auto layer = std::make_unique<Layer>(1, 1, &layers, QStringLiteral("layer %1").arg(i));
-        layer->SetImage(NaturalMask({Side, Side}, 100U + static_cast<quint32>(i)), Qt::white);
-        layers.AddLayer(std::move(layer));
-    }
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        return false;
-    }
-    QXmlStreamWriter xml(&file);
-    WriteProjectDocument(xml, {-1, {}, {}, layers, types});
-    return !xml.hasError();
-}
 
 /// Reads every layer pixel by pixel; there is nothing else to do where no flags are read.
 void RunPerPixel()
@@ -119,7 +96,7 @@ int main(int argc, char** argv)
     const QTemporaryDir folder;
     ProjectSettings::Instance().SetSizes(Side, Side, 15360, 15360);
     QDir::setCurrent(folder.path());
-    if (!MakeProject(QStringLiteral("bench.xml"))) {
+    if (!MakeProject(QStringLiteral("bench.xml"), LayerCount)) {
         return 1;
     }
     PrintPeakMemory();

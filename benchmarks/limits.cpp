@@ -1,12 +1,9 @@
 // Projects at the ends of what the editor takes: each is opened, saved and exported in the window,
 // in a process of its own, and the time and the memory of it are printed.
 
-#include "app/ProjectDocument.h"
 #include "app/ProjectSettings.h"
-#include "benchmarks/support/Shapes.h"
+#include "benchmarks/support/NaturalProject.h"
 #include "benchmarks/support/WindowUser.h"
-#include "layers/Layer.h"
-#include "layers/LayerList.h"
 #include "territories/Territory.h"
 #include "territories/TerritoryType.h"
 #include "territories/TerritoryTypeList.h"
@@ -16,11 +13,9 @@
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
-#include <QXmlStreamWriter>
 
 #include <sys/resource.h>
 
@@ -72,34 +67,15 @@ void AddZones(TerritoryTypeList& types, int count)
     }
 }
 
-/// Every kind of flag occurs.
 int Make(const Case& made, const QString& path)
 {
     ProjectSettings& settings = ProjectSettings::Instance();
     settings.SetSizes(made.layerSize, made.layerSize, made.worldSize, made.worldSize);
-    for (int i = 0; i < 6; ++i) {
-        settings.areaFlagTypes.usages.append(QStringLiteral("usage %1").arg(i));
-        settings.areaFlagTypes.values.append(QStringLiteral("value %1").arg(i));
-    }
-    LayerList layers;
+    constexpr int typeCount = 6;
+    AddFlagTypes(typeCount, typeCount);
     TerritoryTypeList types;
-    for (int i = 0; i < made.layers; ++i) {
-        const quint32 flags = 1U << (i % 6);
-        auto layer =
-            std::make_unique<Layer>(flags, flags, &layers, QStringLiteral("layer %1").arg(i));
-        layer->SetImage(NaturalMask({made.layerSize, made.layerSize}, 100U + quint32(i)),
-                        Qt::darkGreen);
-        layer->SetVisible(true);
-        layers.AddLayer(std::move(layer));
-    }
     AddZones(types, made.zones);
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        return 1;
-    }
-    QXmlStreamWriter xml(&file);
-    WriteProjectDocument(xml, {0, {}, {}, layers, types});
-    return xml.hasError() ? 1 : 0;
+    return MakeProject(path, made.layers, types) ? 0 : 1;
 }
 
 int Edit(const Case& edited, const QString& path)

@@ -1,13 +1,9 @@
 // quillmap-tool on a project with 32 layers of 2048 x 2048 pixels and 6 + 4 flag types, each run in
 // a process of its own, beside one that only reads and writes the same files.
 
-#include "app/ProjectDocument.h"
 #include "app/ProjectSettings.h"
+#include "benchmarks/support/NaturalProject.h"
 #include "benchmarks/support/RatioReporter.h"
-#include "benchmarks/support/Shapes.h"
-#include "layers/Layer.h"
-#include "layers/LayerList.h"
-#include "territories/TerritoryTypeList.h"
 
 #include <QApplication>
 #include <QDir>
@@ -15,7 +11,6 @@
 #include <QProcess>
 #include <QSaveFile>
 #include <QTemporaryDir>
-#include <QXmlStreamWriter>
 
 #include <sys/resource.h>
 
@@ -32,40 +27,13 @@ constexpr int ValueCount = 4;
 constexpr double MiB = 1024.0 * 1024.0;
 constexpr const char* OnceOption = "--once";
 
-bool MakeProject(const QString& path)
-{
-    ProjectSettings& settings = ProjectSettings::Instance();
-    settings.SetSizes(Side, Side, 15360, 15360);
-    for (int i = 0; i < UsageCount; ++i) {
-        settings.areaFlagTypes.usages.append(QStringLiteral("usage %1").arg(i));
-    }
-    for (int i = 0; i < ValueCount; ++i) {
-        settings.areaFlagTypes.values.append(QStringLiteral("value %1").arg(i));
-    }
-    LayerList layers;
-    const TerritoryTypeList types;
-    for (int i = 0; i < LayerCount; ++i) {
-        auto layer = std::make_unique<Layer>(1U << (i % UsageCount), 1U << (i % ValueCount),
-                                             &layers, QStringLiteral("layer %1").arg(i));
-        layer->SetImage(NaturalMask({Side, Side}, 100U + static_cast<quint32>(i)), Qt::white);
-        layers.AddLayer(std::move(layer));
-    }
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        return false;
-    }
-    QXmlStreamWriter xml(&file);
-    WriteProjectDocument(xml, {-1, {}, {}, layers, types});
-    return !xml.hasError();
-}
-
 /// Reads the project's files, and writes as many bytes as the map has, as safely as the tool.
 int CopyFiles(bool isWriting)
 {
     const QDir folder(QStringLiteral("layers"));
     QStringList names = {QStringLiteral("bench.xml")};
     for (int i = 0; i < LayerCount; ++i) {
-        names.append(folder.filePath(QStringLiteral("layer %1.tga").arg(i)));
+        names.append(folder.filePath(LayerName(i) + QStringLiteral(".tga")));
     }
     for (const QString& name : qAsConst(names)) {
         QFile file(name);
@@ -122,7 +90,9 @@ int main(int argc, char** argv)
     const QTemporaryDir folder;
     QDir::setCurrent(folder.path());
     const QString project = QStringLiteral("bench.xml");
-    if (!MakeProject(project)) {
+    ProjectSettings::Instance().SetSizes(Side, Side, 15360, 15360);
+    AddFlagTypes(UsageCount, ValueCount);
+    if (!MakeProject(project, LayerCount)) {
         return 1;
     }
     const QString tool = QStringLiteral(BENCH_TOOL);

@@ -1,24 +1,19 @@
 // The editor's window: loading and saving a project with 32 layers of 2048 x 2048 pixels, how long
 // it is deaf meanwhile, and how long it takes to appear.
 
-#include "app/ProjectDocument.h"
 #include "app/ProjectSettings.h"
+#include "benchmarks/support/NaturalProject.h"
 #include "benchmarks/support/RatioReporter.h"
 #include "benchmarks/support/Shapes.h"
 #include "benchmarks/support/WindowUser.h"
-#include "layers/Layer.h"
-#include "layers/LayerList.h"
 #include "layers/Targa.h"
-#include "territories/TerritoryTypeList.h"
 #include "ui/QuillmapWindow.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QFile>
 #include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
-#include <QXmlStreamWriter>
 
 #include <chrono>
 #include <cstdio>
@@ -32,30 +27,6 @@ constexpr int LayerCount = 32;
 const QLatin1String OnceOption("--once");
 
 void Quiet(QtMsgType, const QMessageLogContext&, const QString&) {}
-
-QString LayerName(int i)
-{
-    return QStringLiteral("layer %1").arg(i);
-}
-
-bool MakeProject(const QString& path)
-{
-    LayerList layers;
-    const TerritoryTypeList types;
-    for (int i = 0; i < LayerCount; ++i) {
-        auto layer = std::make_unique<Layer>(1, 1, &layers, LayerName(i));
-        layer->SetImage(NaturalMask({Side, Side}, 100U + static_cast<quint32>(i)), Qt::white);
-        layer->SetVisible(true);
-        layers.AddLayer(std::move(layer));
-    }
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        return false;
-    }
-    QXmlStreamWriter xml(&file);
-    WriteProjectDocument(xml, {0, {}, {}, layers, types});
-    return !xml.hasError();
-}
 
 double ReadSeconds(const QString& folder)
 {
@@ -165,7 +136,7 @@ int main(int argc, char** argv)
     ProjectSettings::Instance().projectDir = QDir(folder.path());
     const QString path = folder.filePath(QStringLiteral("bench.xml"));
     const QWidget guiIsRunning;
-    if (!MakeProject(path)) {
+    if (!MakeProject(path, LayerCount)) {
         return 1;
     }
     QuillmapWindow window{QString()};
