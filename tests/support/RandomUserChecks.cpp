@@ -95,6 +95,8 @@ QString RandomUser::LostBySaving()
         window->SaveProjectFile(Path(folder + QStringLiteral("/saved.xml")));
         return FilesBelow(Path(folder));
     };
+    // The load would ask about a stroke that is under way.
+    Scene().LoseMouse();
     const QMap<QString, QByteArray> saved = save(QStringLiteral("once"));
     Modified() = false;
     answers.AddFile(Path(QStringLiteral("once/saved.xml")));
