@@ -222,8 +222,10 @@ void Zone::Write(QXmlStreamWriter& xml, bool exportMode) const
     xml.writeAttribute(QStringLiteral("dmin"), QString::number(m_counts.dynamicMin));
     xml.writeAttribute(QStringLiteral("dmax"), QString::number(m_counts.dynamicMax));
     xml.writeAttribute(QStringLiteral("x"), MetresText(metresX * scenePos().x()));
-    xml.writeAttribute(QStringLiteral("z"),
-                       MetresText(settings.worldHeight - metresZ * scenePos().y()));
+    // Rounded as it is when read again: counted from the other edge, a few metres would else get
+    // other last digits.
+    const auto sceneY = static_cast<double>(static_cast<float>(scenePos().y()));
+    xml.writeAttribute(QStringLiteral("z"), MetresText(settings.worldHeight - metresZ * sceneY));
     xml.writeAttribute(QStringLiteral("r"),
                        MetresText(static_cast<double>(settings.metresPerPixelX * m_radius)));
     if (!exportMode) {

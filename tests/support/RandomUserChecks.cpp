@@ -11,9 +11,33 @@
 #include <QAction>
 #include <QDir>
 #include <QGroupBox>
+#include <QPair>
 #include <QSet>
 
+#include <cmath>
+
 namespace {
+
+/// The line without the number behind ' z="', and that number.
+QPair<QByteArray, double> SplitAtZ(const QByteArray& line)
+{
+    const int begin = line.indexOf(" z=\"") + 4;
+    const int end = line.indexOf('"', begin);
+    return {line.left(begin) + line.mid(end), line.mid(begin, end - begin).toDouble()};
+}
+
+/// Zones may move by what a single precision number cannot tell, where the layer's pixels do not
+/// divide the world evenly.
+bool IsSameLine(const QByteArray& line, const QByteArray& again)
+{
+    if (line == again || !line.contains("<zone ")) {
+        return line == again;
+    }
+    constexpr double metres = 0.01;
+    const auto [rest, z] = SplitAtZ(line);
+    const auto [restAgain, zAgain] = SplitAtZ(again);
+    return rest == restAgain && std::abs(z - zAgain) < metres;
+}
 
 bool operator==(const SpawnCounts& a, const SpawnCounts& b)
 {
@@ -106,7 +130,7 @@ QString RandomUser::LostBySaving()
     const QList<QByteArray> lines = saved[document].split('\n');
     const QList<QByteArray> linesAgain = savedAgain[document].split('\n');
     for (int i = 0; i < lines.size(); ++i) {
-        if (lines[i] != linesAgain.value(i)) {
+        if (!IsSameLine(lines[i], linesAgain.value(i))) {
             return QString::fromUtf8(lines[i] + " became " + linesAgain.value(i));
         }
     }

@@ -45,6 +45,7 @@ private slots:
     void PlacesAreWorldMetres_data();
     void PlacesAreWorldMetres();
     void EachAxisHasItsOwnFactor();
+    void AnyPlaceIsWrittenAgainAsItWas();
     void MissingPlaceIsTheSouthWestCorner();
     void DepthIsClampedOnReading_data();
     void DepthIsClampedOnReading();
@@ -257,6 +258,18 @@ void tst_Zone::EachAxisHasItsOwnFactor()
     QCOMPARE(zone->pos(), QPointF(100, 300));
     QCOMPARE(zone->Radius(), 10.0F);
     QVERIFY(Text(*zone, true).endsWith(" x=\"400\" z=\"400\" r=\"40\"/>"));
+}
+
+void tst_Zone::AnyPlaceIsWrittenAgainAsItWas()
+{
+    // As drags leave zones: at any fraction of a pixel, also close to the southern edge.
+    ProjectSettings::Instance().SetSizes(64, 64, 640, 640);
+    for (int i = 0; i < 10000; ++i) {
+        Zone zone(nullptr, 100);
+        zone.setPos(64 * i / 9999.0, 64 - i / 7777.0);
+        const QString text = Text(zone, false);
+        QCOMPARE(Text(*ZoneFrom(text), false), text);
+    }
 }
 
 void tst_Zone::MissingPlaceIsTheSouthWestCorner()
