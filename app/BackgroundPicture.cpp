@@ -61,7 +61,8 @@ bool Carry(const QString& source, const QDir& folder, const QString& backgroundF
 {
     const QString place = QStringLiteral("%1/%2").arg(folder.absolutePath(), backgroundFile);
     const QString canonicalSource = QFileInfo(source).canonicalFilePath();
-    if (canonicalSource.isEmpty()) {
+    // A pipe that took the picture's place would be waited for.
+    if (!QFileInfo(canonicalSource).isFile()) {
         return false;
     }
     if (canonicalSource == QFileInfo(place).canonicalFilePath()) {

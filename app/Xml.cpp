@@ -1,6 +1,5 @@
 #include "app/Xml.h"
 
-#include <QVector>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
@@ -17,12 +16,13 @@ const XmlHandler* HandlerFor(const XmlHandlers& handlers, const QStringRef& elem
     return it == handlers.end() ? nullptr : &*it;
 }
 
-bool IsXmlCharacter(uint codePoint)
+bool IsXmlCharacter(QChar unit)
 {
-    if (codePoint < 0x20) {
-        return codePoint == '\t' || codePoint == '\n' || codePoint == '\r';
+    const ushort code = unit.unicode();
+    if (code < 0x20) {
+        return code == '\t' || code == '\n' || code == '\r';
     }
-    return codePoint != 0xFFFE && codePoint != 0xFFFF;
+    return code != 0xFFFE && code != 0xFFFF;
 }
 
 } // namespace
@@ -82,11 +82,19 @@ quint32 BitsAttribute(const QXmlStreamReader& xml, QLatin1String name)
 
 QString ToXmlText(const QString& text)
 {
-    QVector<uint> codePoints = text.toUcs4();
-    codePoints.erase(std::remove_if(codePoints.begin(), codePoints.end(),
-                                    [](uint codePoint) { return !IsXmlCharacter(codePoint); }),
-                     codePoints.end());
-    return QString::fromUcs4(codePoints.constData(), codePoints.size());
+    QString xmlText;
+    xmlText.reserve(text.size());
+    for (int i = 0; i < text.size(); ++i) {
+        const QChar unit = text.at(i);
+        if (unit.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate()) {
+            xmlText.append(unit).append(text.at(++i));
+        } else if (unit.isSurrogate()) {
+            xmlText.append(QChar(QChar::ReplacementCharacter));
+        } else if (IsXmlCharacter(unit)) {
+            xmlText.append(unit);
+        }
+    }
+    return xmlText;
 }
 
 void WriteTextAttribute(QXmlStreamWriter& xml, QLatin1String name, const QString& value)

@@ -9,27 +9,8 @@
 
 #include <QPainter>
 
-#include <algorithm>
 #include <cstring>
 #include <utility>
-
-namespace {
-
-bool IsTwoValued(const QImage& mask)
-{
-    for (int y = 0; y < mask.height(); ++y) {
-        const uchar* row = mask.constScanLine(y);
-        const auto isOther = [](uchar pixel) {
-            return pixel != raster::MaskClear && pixel != raster::MaskSet;
-        };
-        if (std::any_of(row, row + mask.width(), isOther)) {
-            return false;
-        }
-    }
-    return true;
-}
-
-} // namespace
 
 void LayerPainter::Load(Layer* layer)
 {
@@ -130,7 +111,7 @@ bool LayerPainter::HandOverWhole(Layer& layer)
     QImage mask = m_mask;
     if (!m_argb.isNull()) {
         mask = raster::ImageToMask(m_argb, rgb);
-    } else if (!IsTwoValued(m_mask)) {
+    } else if (!raster::IsBinary(m_mask)) {
         mask = raster::ImageToMask(raster::MaskToDisplay(m_mask, m_rgb), rgb);
     }
     if (mask.isNull()) {

@@ -11,6 +11,7 @@
 #include "territories/Territory.h"
 #include "territories/Zone.h"
 
+#include <QFileInfo>
 #include <QGraphicsSceneMouseEvent>
 #include <QImage>
 #include <QPen>
@@ -91,7 +92,8 @@ Layer* MainScene::CurrentLayer() const
 
 void MainScene::ChangeWorld(QString file)
 {
-    const QImage picture(file);
+    // Opening a pipe would wait for a writer, maybe for ever.
+    const QImage picture = QFileInfo(file).isFile() ? QImage(file) : QImage();
     if (picture.isNull()) {
         LogError(QStringLiteral("Could not load background image '%1'.").arg(file));
         return;

@@ -52,9 +52,15 @@ DockStatus::DockStatus(QWidget* parent)
     m_ui->setupUi(this);
     m_ui->messageListView->setItemDelegate(m_delegate);
     m_ui->messageListView->setModel(&m_model);
-    // What was said before the list had its size counts too.
-    connect(m_ui->messageListView->verticalScrollBar(), &QScrollBar::rangeChanged,
-            m_ui->messageListView, &QAbstractItemView::scrollToBottom);
+    // What was said before the list had its size counts too. Who reads older lines stays there.
+    QScrollBar* bar = m_ui->messageListView->verticalScrollBar();
+    connect(bar, &QScrollBar::valueChanged, this,
+            [this, bar](int value) { m_isAtEnd = value == bar->maximum(); });
+    connect(bar, &QScrollBar::rangeChanged, this, [this] {
+        if (m_isAtEnd) {
+            m_ui->messageListView->scrollToBottom();
+        }
+    });
     m_frame.setSingleShot(true);
     m_frame.setInterval(FrameMilliseconds);
     connect(&m_frame, &QTimer::timeout, this, &DockStatus::ShowFrame);
@@ -78,10 +84,22 @@ void DockStatus::AddMessage(const QString& content, Log::MessageType type)
     option.font = m_ui->messageListView->font();
     m_delegate->MakeRoomFor(option, line->index());
     m_ui->messageListView->scrollToBottom();
-    if (m_frame.isActive()) {
-        m_ui->messageListView->setUpdatesEnabled(false);
-    } else {
+    ShowInTime(type);
+}
+
+/// Paints the message at once or with the next picture. What is announced has to be seen while it
+/// is done, so that it waits for nothing but other announcements.
+void DockStatus::ShowInTime(Log::MessageType type)
+{
+    const bool isDue =
+        type == Log::Info && (!m_sinceInfo.isValid() || m_sinceInfo.hasExpired(FrameMilliseconds));
+    const bool isPainted = isDue || !m_frame.isActive();
+    m_ui->messageListView->setUpdatesEnabled(isPainted);
+    if (isPainted) {
         m_frame.start();
+    }
+    if (isPainted && type == Log::Info) {
+        m_sinceInfo.start();
     }
 }
 

@@ -3,6 +3,7 @@
 #include "app/Log.h"
 
 #include <QDockWidget>
+#include <QElapsedTimer>
 #include <QStandardItemModel>
 #include <QTimer>
 
@@ -36,6 +37,7 @@ public slots:
 private:
     void ShowContextMenu(const QPoint& position);
     void CopyAll() const;
+    void ShowInTime(Log::MessageType type);
     void ShowFrame();
 
     class LineDelegate;
@@ -45,5 +47,8 @@ private:
     /// Runs from one picture of the list to the next: where messages come faster, painting the list
     /// after each would take longer than what they tell of.
     QTimer m_frame;
+    /// Since the last painted Info.
+    QElapsedTimer m_sinceInfo;
+    bool m_isAtEnd = true;
     LineDelegate* m_delegate;
 };

@@ -26,6 +26,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSignalBlocker>
 
 namespace {
 
@@ -273,6 +274,8 @@ void ProjectActions::ShowWorld()
         scene.ChangeWorld(Settings().BackgroundPath());
     }
     scene.ChangeWorldRGBA(Settings().backgroundColor);
+    // It is no edit of the user's.
+    const QSignalBlocker blocker(m_parts.form.gboBgOver);
     m_parts.form.gboBgOver->SetColor(Settings().backgroundColor);
     m_parts.window.UpdateWorldScale();
 }

@@ -109,5 +109,4 @@ private:
     std::unique_ptr<LayerComposition> m_composition;
     std::unique_ptr<InteractionModes> m_modes;
     std::unique_ptr<ProjectActions> m_project;
-    bool m_isCloseAsked = false;
 };

@@ -9,6 +9,8 @@
 #include <QFileInfo>
 #include <QTest>
 
+#include <sys/stat.h>
+
 namespace {
 
 /// A project in "old" beside a folder "new".
@@ -53,6 +55,7 @@ private slots:
     void ReplacesNothingOutsideTheFolder_data();
     void ReplacesNothingOutsideTheFolder();
     void APictureThatIsGoneIsStillNamed();
+    void APipeInThePicturesPlaceIsNotWaitedFor();
     void APictureThatCannotBeCopiedIsNamedAtItsOldPlace();
 };
 
@@ -188,6 +191,17 @@ void tst_BackgroundPicture::APictureThatIsGoneIsStillNamed()
     folders.CarryPicture("gone.png");
 
     QCOMPARE(folders.BackgroundFile(), "../old/gone.png");
+    QVERIFY(FilesBelow(folders.Path("new")).isEmpty());
+}
+
+void tst_BackgroundPicture::APipeInThePicturesPlaceIsNotWaitedFor()
+{
+    const TwoFolders folders;
+    QCOMPARE(mkfifo(qPrintable(folders.Path("old/world.png")), 0600), 0);
+
+    folders.CarryPicture("world.png");
+
+    QCOMPARE(folders.BackgroundFile(), "../old/world.png");
     QVERIFY(FilesBelow(folders.Path("new")).isEmpty());
 }
 

@@ -38,6 +38,7 @@ void NamesTest::namesThatCanBeFileNamesAreValid_data()
         QTest::newRow(("only " + row).constData()) << QString(forbidden) << false;
     }
     QTest::newRow("tab, which a document escapes") << "co\tast" << true;
+    QTest::newRow("byte order mark") << QString(QChar(0xFEFF)) + "coast" << true;
     QTest::newRow("beyond the basic plane") << QString::fromUtf8("co\U0001F3F0ast") << true;
     for (const ushort unwritable : {0x0, 0x1, 0xB, 0x1F, 0xD83C, 0xDFF0, 0xFFFE, 0xFFFF}) {
         QTest::addRow("with U+%04X, which no document holds", unwritable)

@@ -57,6 +57,8 @@ private slots:
     void ShowsAMessageWithLineBreaksInOneLine();
     void PaintsMessagesInAHurryTogether();
     void PaintsTheLastMessageBeforeItGetsBusy();
+    void PaintsAtOnceWhatIsAnnounced();
+    void StaysWhereOlderMessagesAreRead();
     void RunsBusy();
     void MakesRoomWhileTheBarIsHidden();
     void TellsWhetherTheBarIsOnScreen();
@@ -228,6 +230,46 @@ void tst_DockStatus::PaintsTheLastMessageBeforeItGetsBusy()
     dock.SetBusy();
 
     QCOMPARE(paints.Count(), 1);
+}
+
+void tst_DockStatus::PaintsAtOnceWhatIsAnnounced()
+{
+    DockStatus dock;
+    dock.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dock));
+    const PaintCounter paints(List(dock)->viewport());
+    for (int i = 0; i < 5; ++i) {
+        dock.AddMessage(QStringLiteral("Layer saved."), Log::Success);
+        QCoreApplication::processEvents();
+    }
+    const int paintsBefore = paints.Count();
+
+    dock.AddMessage(QStringLiteral("Processing binary map ..."), Log::Info);
+    QCoreApplication::processEvents();
+
+    QCOMPARE(paints.Count(), paintsBefore + 1);
+}
+
+void tst_DockStatus::StaysWhereOlderMessagesAreRead()
+{
+    DockStatus dock;
+    dock.resize(300, 200);
+    dock.show();
+    for (int i = 0; i < 100; ++i) {
+        dock.AddMessage(QStringLiteral("message %1").arg(i), Log::Info);
+    }
+    QScrollBar* bar = List(dock)->verticalScrollBar();
+    bar->setValue(10);
+
+    dock.resize(300, 150);
+    QCoreApplication::processEvents();
+    QCOMPARE(bar->value(), 10);
+
+    dock.AddMessage(QStringLiteral("the newest"), Log::Info);
+    QCOMPARE(bar->value(), bar->maximum());
+    dock.resize(300, 200);
+    QCoreApplication::processEvents();
+    QCOMPARE(bar->value(), bar->maximum());
 }
 
 void tst_DockStatus::RunsBusy()

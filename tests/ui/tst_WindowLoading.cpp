@@ -78,6 +78,7 @@ private slots:
     void AMissingFileLeavesAllAsItWas();
     void AMalformedProjectLeavesNothing_data();
     void AMalformedProjectLeavesNothing();
+    void AFailedLoadShowsTheBackgroundThatItRead_data();
     void AFailedLoadShowsTheBackgroundThatItRead();
     void OldFlagBoxesGo();
     void AnOldBackgroundGoes();
@@ -314,8 +315,16 @@ void tst_WindowLoading::AMalformedProjectLeavesNothing()
     }
 }
 
+void tst_WindowLoading::AFailedLoadShowsTheBackgroundThatItRead_data()
+{
+    QTest::addColumn<bool>("isModified");
+    QTest::newRow("unsaved work before") << true;
+    QTest::newRow("nothing unsaved") << false;
+}
+
 void tst_WindowLoading::AFailedLoadShowsTheBackgroundThatItRead()
 {
+    QFETCH(bool, isModified);
     WindowFixture fixture;
     const QString path = fixture.WriteProject();
     fixture.Load(path);
@@ -323,15 +332,17 @@ void tst_WindowLoading::AFailedLoadShowsTheBackgroundThatItRead()
     document.replace("rgba=\"16777215\"", "rgba=\"3355443455\"");
     document.truncate(document.indexOf("</layers>"));
     WriteBytes(path, document);
-    fixture.Modified() = true;
-    fixture.answers.AddButton("Yes");
+    fixture.Modified() = isModified;
+    if (isModified) {
+        fixture.answers.AddButton("Yes");
+    }
 
     fixture.Load(path);
 
     QVERIFY(fixture.log.Take().contains("Error: Failed to parse input."));
     QCOMPARE(ProjectSettings::Instance().backgroundColor.rgba(), 3355443455U);
     QCOMPARE(fixture.Child<QGroupBox>("gboBgOver")->findChild<QSlider*>()->value(), 200);
-    QVERIFY(fixture.Modified());
+    QCOMPARE(fixture.Modified(), isModified);
 }
 
 void tst_WindowLoading::OldFlagBoxesGo()

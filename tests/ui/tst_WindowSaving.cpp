@@ -564,6 +564,10 @@ void tst_WindowSaving::WaitsForNoPipe()
     QVERIFY(!fixture.window->LoadAreaTypesFile(pipe));
     QCOMPARE(fixture.log.Take(), error);
 
+    fixture.window->LoadWorldImageFile(pipe);
+    QCOMPARE(fixture.log.Take(),
+             QStringList{QString("Error: Could not load background image '%1'.").arg(pipe)});
+
     fixture.Restart(pipe);
     QCOMPARE(fixture.log.Take(), QStringList{"Error: Failed to open file 'pipe.xml' for reading."});
     QCOMPARE(ProjectSettings::Instance().projectFileName, QString());
