@@ -11,10 +11,10 @@ void FieldCounts::Add(const raster::BitFieldRaster& fields)
         while (word != end && *word == *begin) {
             ++word;
         }
-        quint32 rest = *begin;
-        for (ByteCounts& counts : m_bytes) {
-            counts[rest & 0xFFU] += word - begin;
-            rest >>= 8U;
+        // Nobody asks for bytes without a bit, which most are.
+        auto counts = m_bytes.begin();
+        for (quint32 rest = *begin; rest != 0; rest >>= 8U) {
+            (*counts++)[rest & 0xFFU] += word - begin;
         }
     }
 }
