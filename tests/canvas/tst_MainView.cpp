@@ -83,6 +83,7 @@ void tst_MainView::HasItsInitialState()
     QCOMPARE(view.scene(), view.Scene());
     QCOMPARE(view.Scene()->sceneRect(), QRectF(0, 0, 2048, 2048));
     QVERIFY(Band(view)->isHidden());
+    QCOMPARE(Band(view)->shape(), QRubberBand::Rectangle);
     const auto timers =
         QAbstractEventDispatcher::instance()->registeredTimers(const_cast<MainView*>(&view));
     const auto isOurs = [](const QAbstractEventDispatcher::TimerInfo& timer) {
@@ -223,6 +224,7 @@ void tst_MainView::ZoomsInSteps()
     CanvasFixture canvas;
     MainView& view = canvas.view;
     QSignalSpy spy(&view, &MainView::ZoomChanged);
+    const QSignalSpy ofTheScene(view.Scene(), &MainScene::ZoomChanged);
     Zoom(view, 1);
     QCOMPARE(view.Zoom(), 1.25F);
     QCOMPARE(view.transform(), QTransform::fromScale(1.25, 1.25));
@@ -238,6 +240,7 @@ void tst_MainView::ZoomsInSteps()
     QCOMPARE(view.Zoom(), 1.0F);
     Wheel(view, {50, 50}, -1, Qt::ControlModifier);
     QCOMPARE(view.Zoom(), 0.75F);
+    QVERIFY(ofTheScene.isEmpty());
 }
 
 void tst_MainView::StaysInTheZoomRange()
@@ -326,6 +329,7 @@ void tst_MainView::ResetsTheZoomWithoutTheRulers()
     Zoom(view, 12);
     view.centerOn(0, 0);
     QSignalSpy spy(&view, &MainView::ZoomChanged);
+    const QSignalSpy ofTheScene(view.Scene(), &MainScene::ZoomChanged);
     QTest::keyClick(&view, Qt::Key_0);
     QCOMPARE(view.Zoom(), 4.0F);
     QTest::keyClick(&view, Qt::Key_0, Qt::ControlModifier);
@@ -333,6 +337,7 @@ void tst_MainView::ResetsTheZoomWithoutTheRulers()
     QCOMPARE(view.transform(), QTransform());
     QCOMPARE(spy.size(), 1);
     QCOMPARE(spy.first().first().toFloat(), 1.0F);
+    QVERIFY(ofTheScene.isEmpty());
     QCOMPARE(Ruler(view, true)->Zoom(), 4.0F);
     QCOMPARE(Ruler(view, false)->Zoom(), 4.0F);
     Zoom(view, 1);

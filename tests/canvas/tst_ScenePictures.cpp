@@ -22,6 +22,7 @@ class tst_ScenePictures : public QObject
 
 private slots:
     void LoadsTheWorldPicture();
+    void ScalesTheWorldToTheLayerSize();
     void KeepsTheWorldPictureWhenAnotherCannotBeLoaded();
     void KeepsTheWorldPictureWhenAnotherCannotBeScaled_data();
     void KeepsTheWorldPictureWhenAnotherCannotBeScaled();
@@ -63,6 +64,24 @@ void tst_ScenePictures::LoadsTheWorldPicture()
     const QImage overlay = ItemOf<OverlayItem>(canvas, OverlayZ)->pixmap().toImage();
     QCOMPARE(overlay.size(), QSize(6, 4));
     QCOMPARE(overlay.pixelColor(5, 3), QColor(0, 255, 0));
+}
+
+/// A project's sizes are known before the scene has them.
+void tst_ScenePictures::ScalesTheWorldToTheLayerSize()
+{
+    CanvasFixture canvas({6, 4});
+    QImage picture(3, 2, QImage::Format_RGB32);
+    picture.fill(Qt::blue);
+    const QString path = canvas.project.Path("world.png");
+    QVERIFY(picture.save(path));
+    canvas.Scene().ChangeWorldRGBA(Qt::green);
+    ProjectSettings::Instance().SetSizes(8, 5, 100, 100);
+    canvas.Scene().ChangeWorld(path);
+    QCOMPARE(canvas.Scene().sceneRect(), QRectF(0, 0, 6, 4));
+    QCOMPARE(ItemOf<QGraphicsPixmapItem>(canvas, WorldZ)->pixmap().size(), QSize(8, 5));
+    const auto* overlay = ItemOf<OverlayItem>(canvas, OverlayZ);
+    QCOMPARE(overlay->pixmap().size(), QSize(8, 5));
+    QCOMPARE(overlay->boundingRect(), QRectF(0, 0, 8, 5));
 }
 
 void tst_ScenePictures::KeepsTheWorldPictureWhenAnotherCannotBeLoaded()

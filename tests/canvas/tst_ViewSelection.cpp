@@ -25,6 +25,8 @@ private slots:
     void DeletesTheSelection();
     void SelectsWithTheBand();
     void BandKeepsItsOwnCorner();
+    void ClickSelectsBesideTheMouse_data();
+    void ClickSelectsBesideTheMouse();
     void BandFollowsTheMouse();
     void BandStartsOnADoubleClickToo();
     void LosesTheBandWithTheMouse_data();
@@ -261,6 +263,34 @@ void tst_ViewSelection::BandKeepsItsOwnCorner()
     for (const Zone* zone : missed) {
         QVERIFY(!zone->isSelected());
     }
+}
+
+void tst_ViewSelection::ClickSelectsBesideTheMouse_data()
+{
+    QTest::addColumn<QPoint>("offset");
+    QTest::addColumn<bool>("isSelected");
+    QTest::newRow("right and below") << QPoint(16, 16) << true;
+    QTest::newRow("at the end of the rulers' size") << QPoint(28, 28) << true;
+    QTest::newRow("beyond it") << QPoint(40, 40) << false;
+    QTest::newRow("to the left") << QPoint(-8, 0) << false;
+    QTest::newRow("above") << QPoint(0, -8) << false;
+    QTest::newRow("left of what is caught") << QPoint(-8, 16) << false;
+    QTest::newRow("above what is caught") << QPoint(16, -8) << false;
+}
+
+/// A band without a size is still shortened by the rulers, and so spans from its corner back to the
+/// mouse.
+void tst_ViewSelection::ClickSelectsBesideTheMouse()
+{
+    QFETCH(QPoint, offset);
+    CanvasFixture canvas;
+    const QPoint mouse = canvas.At({100, 80});
+    const Zone* zone = canvas.AddZone(canvas.view.mapToScene(mouse + offset), 3);
+    canvas.Scene().ChangeMode(SceneMode::Select);
+    canvas.Mouse(QEvent::MouseButtonPress, mouse, Qt::LeftButton, Qt::LeftButton);
+    QVERIFY(Band(canvas.view)->size().isEmpty());
+    canvas.Mouse(QEvent::MouseButtonRelease, mouse, Qt::LeftButton, Qt::NoButton);
+    QTEST(zone->isSelected(), "isSelected");
 }
 
 void tst_ViewSelection::BandFollowsTheMouse()
