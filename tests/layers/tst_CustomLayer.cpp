@@ -48,6 +48,7 @@ private slots:
     void operandsAreScaled();
     void operandsComeFromTheListThatIsPassed();
     void previewsKeepTheRadiusInFullSizePixels();
+    void sizesOfNothingGiveNull();
     void codesThatCannotBeEvaluatedAreLogged_data();
     void codesThatCannotBeEvaluatedAreLogged();
     void nothingIsEvaluatedOverAnEmptyList_data();
@@ -152,8 +153,7 @@ QString CustomLayerTest::Code(QString text) const
 
 QImage CustomLayerTest::EvaluateAtLayerSize(const QString& code) const
 {
-    const QSize size = ProjectSettings::Instance().LayerSize();
-    return Evaluate(*m_layers, code, size.width(), size.height());
+    return ::EvaluateAtLayerSize(*m_layers, code);
 }
 
 void CustomLayerTest::operationsHaveCharacters_data()
@@ -413,6 +413,15 @@ void CustomLayerTest::previewsKeepTheRadiusInFullSizePixels()
 {
     const QImage half = m_b->Image().scaled(4, 4, Qt::IgnoreAspectRatio, Qt::FastTransformation);
     QCOMPARE(Evaluate(*m_layers, Code("d(B:2)"), 4, 4), raster::Dilate(half, 2));
+}
+
+void CustomLayerTest::sizesOfNothingGiveNull()
+{
+    for (const char* code : {"!(A)", "d(A:2)", "c(A:2)", "+(A)(B)", "-(A)(B)"}) {
+        for (const QSize& size : {QSize(0, 8), QSize(8, 0), QSize(-1, 8), QSize(8, -1)}) {
+            QVERIFY(Evaluate(*m_layers, Code(code), size.width(), size.height()).isNull());
+        }
+    }
 }
 
 void CustomLayerTest::codesThatCannotBeEvaluatedAreLogged_data()
