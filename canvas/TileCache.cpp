@@ -10,7 +10,7 @@ namespace {
 /// Device pixels.
 constexpr int TileSize = 128;
 /// 64 MiB, the screens of several windows.
-constexpr int MaxTiles = 1024;
+constexpr int UsualMaxTiles = 1024;
 /// Quarters of a pixel in both directions, as a screen at 125 % has them.
 constexpr std::size_t MaxPhases = 16;
 
@@ -26,11 +26,17 @@ QTransform WithoutTranslation(const QTransform& transform)
 
 } // namespace
 
+void TileCache::Clear()
+{
+    m_phases.clear();
+    m_mostDrawn = 0;
+}
+
 TileCache::Phase& TileCache::PhaseFor(const QTransform& transform)
 {
     if (!m_phases.empty() &&
         WithoutTranslation(m_phases.front().transform) != WithoutTranslation(transform)) {
-        m_phases.clear();
+        Clear();
     }
     const auto found =
         std::find_if(m_phases.begin(), m_phases.end(),
@@ -46,10 +52,12 @@ TileCache::Phase& TileCache::PhaseFor(const QTransform& transform)
 
 void TileCache::DropOldTiles()
 {
+    // A very large screen has room for panning too.
+    const int maxTiles = std::max(UsualMaxTiles, 2 * m_mostDrawn);
     int count = 0;
     for (std::size_t i = 0; i < m_phases.size(); ++i) {
         count += m_phases[i].tiles.size();
-        if (i == MaxPhases || count > MaxTiles) {
+        if (i == MaxPhases || count > maxTiles) {
             // The one in use begins anew when it is too large by itself.
             m_phases.resize(std::max<std::size_t>(i, 1));
             if (i == 0) {
@@ -67,6 +75,7 @@ void TileCache::Draw(QPainter& painter, const QRectF& exposed, const MakeDeviceI
     const QTransform transform = toDevice * QTransform::fromTranslate(-origin.x(), -origin.y());
     Phase& phase = PhaseFor(transform);
     const QRect device = transform.mapRect(exposed).toAlignedRect();
+    int drawn = 0;
     painter.save();
     UseDevicePixels(painter);
     for (int row = TileAt(device.top()); row <= TileAt(device.bottom()); ++row) {
@@ -77,7 +86,9 @@ void TileCache::Draw(QPainter& painter, const QRectF& exposed, const MakeDeviceI
                 tile = make(transform, {topLeft, QSize(TileSize, TileSize)});
             }
             painter.drawImage(origin + topLeft, tile);
+            ++drawn;
         }
     }
     painter.restore();
+    m_mostDrawn = std::max(m_mostDrawn, drawn);
 }

@@ -8,6 +8,22 @@
 namespace {
 
 constexpr int TileSize = 128;
+/// Of a screen whose tiles are more than are kept usually.
+constexpr int LargeColumns = 60;
+constexpr int LargeRows = 34;
+constexpr QSize LargeSize(LargeColumns* TileSize, LargeRows* TileSize);
+constexpr int LargeArea = LargeColumns * TileSize * LargeRows * TileSize;
+
+/// All share their pixels, so that very many take no memory.
+QImage RedTile(QSize size)
+{
+    static QImage tile;
+    if (tile.size() != size) {
+        tile = QImage(size, QImage::Format_ARGB32_Premultiplied);
+        tile.fill(Qt::red);
+    }
+    return tile;
+}
 
 /// Draws into a screen of 300 x 200 and counts the device pixels that had to be made.
 class Screen
@@ -22,9 +38,7 @@ public:
         int made = 0;
         m_cache.Draw(painter, exposed, [&made](const QTransform&, const QRect& device) {
             made += device.width() * device.height();
-            QImage tile(device.size(), QImage::Format_ARGB32_Premultiplied);
-            tile.fill(Qt::red);
-            return tile;
+            return RedTile(device.size());
         });
         return made;
     }
@@ -63,6 +77,10 @@ private slots:
     void DropsTilesWhenTheItemChanges();
     void DropsTilesWhenTheScaleChanges();
     void DropsTilesWhenTheyBecomeMany();
+    void KeepsTheTilesOfAVeryLargeScreen();
+    void DropsTilesOfAVeryLargeScreenToo();
+    void ForgetsThatAScreenWasVeryLarge_data();
+    void ForgetsThatAScreenWasVeryLarge();
     void PaintsTheExposedPart();
     void LeavesThePainterAsItWas();
 };
@@ -182,6 +200,54 @@ void tst_TileCache::DropsTilesWhenTheyBecomeMany()
         QCOMPARE(screen.DrawAll(Scroll(i * 3 * TileSize, 0)), all);
     }
     QCOMPARE(screen.DrawAll(Scroll(0, 0)), all);
+}
+
+void tst_TileCache::KeepsTheTilesOfAVeryLargeScreen()
+{
+    Screen screen;
+    const QRectF all({0, 0}, LargeSize);
+    QCOMPARE(screen.Draw(Scroll(0, 0), all), LargeArea);
+    QCOMPARE(screen.Draw(Scroll(0, 0), all), 0);
+    // A part, and the whole once more.
+    QCOMPARE(screen.Draw(Scroll(0, 0), {10, 20, 30, 40}), 0);
+    QCOMPARE(screen.Draw(Scroll(0, 0), all), 0);
+    // A column beside it, there and back again.
+    QCOMPARE(screen.Draw(Scroll(TileSize, 0), all.translated(TileSize, 0)),
+             LargeRows * TileSize * TileSize);
+    QCOMPARE(screen.Draw(Scroll(0, 0), all), 0);
+}
+
+void tst_TileCache::DropsTilesOfAVeryLargeScreenToo()
+{
+    Screen screen;
+    const QRectF all({0, 0}, LargeSize);
+    for (int i = 0; i < 4; ++i) {
+        QCOMPARE(screen.Draw(Scroll(0, 0), all.translated(all.width() * i, 0)), LargeArea);
+    }
+    QCOMPARE(screen.Draw(Scroll(0, 0), all), LargeArea);
+}
+
+void tst_TileCache::ForgetsThatAScreenWasVeryLarge_data()
+{
+    QTest::addColumn<bool>("isScaled");
+    QTest::newRow("the item changes") << false;
+    QTest::newRow("the scale changes") << true;
+}
+
+void tst_TileCache::ForgetsThatAScreenWasVeryLarge()
+{
+    QFETCH(bool, isScaled);
+    Screen screen;
+    screen.Draw(Scroll(0, 0), {{0, 0}, LargeSize});
+    if (!isScaled) {
+        screen.Clear();
+    }
+    constexpr int all = 6 * TileSize * TileSize;
+    const double zoom = isScaled ? 2 : 1;
+    for (int i = 0; i < 200; ++i) {
+        QCOMPARE(screen.DrawAll(Scroll(i * 3 * TileSize, 0, zoom)), all);
+    }
+    QCOMPARE(screen.DrawAll(Scroll(0, 0, zoom)), all);
 }
 
 void tst_TileCache::PaintsTheExposedPart()
