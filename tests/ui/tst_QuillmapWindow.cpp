@@ -1,6 +1,7 @@
 #include "ui/QuillmapWindow.h"
 
 #include "canvas/BrushDock.h"
+#include "canvas/WidgetRuler.h"
 #include "tests/support/Forms.h"
 #include "tests/support/WindowFixture.h"
 
@@ -44,6 +45,8 @@ private slots:
     void ShowsDocksByTheirActions();
     void ShowsTheZoom();
     void KeepsNothingOnScreenOfStoredForeignBytes();
+    void ComesBackWithItsDocks();
+    void RulersMeasureTheProjectThatIsViewed();
     void DeclaresTheSignalThatIsNeverEmitted();
 };
 
@@ -312,6 +315,50 @@ void tst_QuillmapWindow::KeepsNothingOnScreenOfStoredForeignBytes()
 
     QVERIFY(fixture.Child<QDockWidget>("DockLayers")->isVisible());
     QVERIFY(fixture.window->isVisible());
+}
+
+void tst_QuillmapWindow::ComesBackWithItsDocks()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    fixture.Trigger("actionViewTerritoryTypes");
+    fixture.Trigger("actionViewLayers");
+    fixture.Trigger("actionViewStatus");
+    fixture.Trigger("actionTogglePaintMode");
+    QVERIFY(fixture.Child<QWidget>("BrushDock")->isVisible());
+    QVERIFY(fixture.window->close());
+
+    fixture.Restart();
+
+    for (const char* dock : {"DockTerTypes", "DockTerTypeProps"}) {
+        QVERIFY2(fixture.Child<QWidget>(dock)->isVisible(), dock);
+    }
+    // The brush is shown in paint mode only, in which no window starts.
+    for (const char* dock : {"DockLayers", "DockLayerProps", "DockStatus", "BrushDock"}) {
+        QVERIFY2(fixture.Child<QWidget>(dock)->isHidden(), dock);
+    }
+    QVERIFY(fixture.Action("actionViewTerritoryTypes")->isChecked());
+    QVERIFY(!fixture.Action("actionViewLayers")->isChecked());
+    QVERIFY(!fixture.Action("actionViewStatus")->isChecked());
+}
+
+void tst_QuillmapWindow::RulersMeasureTheProjectThatIsViewed()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    const auto units = [&] {
+        QVector<float> found;
+        const QList<WidgetRuler*> rulers = fixture.View().findChildren<WidgetRuler*>();
+        for (const WidgetRuler* ruler : rulers) {
+            found.append(ruler->Unit());
+        }
+        return found;
+    };
+    QCOMPARE(units(), (QVector<float>{7.5F, 7.5F}));
+
+    fixture.Restart(path);
+
+    QCOMPARE(units(), (QVector<float>{10, 10}));
 }
 
 void tst_QuillmapWindow::DeclaresTheSignalThatIsNeverEmitted()

@@ -6,15 +6,19 @@
 #include "territories/Zone.h"
 #include "tests/support/WindowFixture.h"
 #include "ui/DockLayers.h"
+#include "ui/DockTerTypeProps.h"
 #include "ui/DockTerTypes.h"
-
 #include "ui/widgets/ButtonColor.h"
 #include "ui/widgets/GroupBoxColor.h"
 
 #include <QAbstractButton>
+#include <QGraphicsEllipseItem>
 #include <QGroupBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPainter>
+#include <QPen>
+#include <QSignalSpy>
 #include <QSlider>
 #include <QTest>
 #include <QTreeView>
@@ -49,6 +53,14 @@ public:
     {
         QTest::mouseMove(View().viewport(), At(scenePosition));
         QTest::mouseClick(View().viewport(), Qt::LeftButton, {}, At(scenePosition));
+    }
+    void BeginProject(const QString& path)
+    {
+        answers.Add([path](QWidget& dialog) {
+            dialog.findChild<QLineEdit*>("txtProjectName")->setText(path);
+            QTest::mouseClick(dialog.findChild<QAbstractButton*>("btnOk"), Qt::LeftButton);
+        });
+        Trigger("actionNew");
     }
     bool IsPaintShown() const
     {
@@ -92,6 +104,8 @@ private slots:
     void ShowsTheWorldPosition();
     void TheOverlayIsData();
     void ATypeRowEndsZoneModes();
+    void ShowsWhatTheTerritoryPropertiesChange();
+    void ShowsWhatTheBrushDockChanges();
 };
 
 void tst_WindowEditing::TogglesPaintMode()
@@ -136,7 +150,8 @@ void tst_WindowEditing::PaintModeIsLeft_data()
 {
     QTest::addColumn<QString>("by");
 
-    for (const char* by : {"insert mode", "hide all", "load", "removal of all layers", "query"}) {
+    for (const char* by : {"insert mode", "hide all", "load", "removal of all layers", "query",
+                           "select mode", "new project", "import"}) {
         QTest::newRow(by) << by;
     }
 }
@@ -158,6 +173,15 @@ void tst_WindowEditing::PaintModeIsLeft()
         editor.Load(editor.Path("small/small.xml"));
     } else if (by == "query") {
         editor.Click("btnToggleQueryTer");
+    } else if (by == "select mode") {
+        editor.Click("btnToggleZoneSelect");
+    } else if (by == "new project") {
+        editor.Modified() = false;
+        editor.BeginProject(editor.Path("fresh.xml"));
+    } else if (by == "import") {
+        editor.window->SaveAreaMap();
+        editor.Modified() = false;
+        editor.TriggerWithFile("actionImportMap", editor.Path("small/map/small.map"));
     } else {
         editor.LayerTree().setCurrentIndex(editor.Layers().LayerAt(0)->index());
         editor.Trigger("actionRemove");
@@ -479,6 +503,42 @@ void tst_WindowEditing::ATypeRowEndsZoneModes()
     QCOMPARE(editor.Scene().CurrentTerritory(), nullptr);
     QVERIFY(!editor.Button("btnToggleZoneInsert")->isEnabled());
     QVERIFY(!editor.Button("btnToggleZoneInsert")->isChecked());
+}
+
+void tst_WindowEditing::ShowsWhatTheTerritoryPropertiesChange()
+{
+    const Editor editor;
+    QCoreApplication::processEvents();
+    const QSignalSpy spy(&editor.Scene(), &QGraphicsScene::changed);
+    const QRectF rect(3, 4, 5, 6);
+
+    emit editor.Child<DockTerTypeProps>("DockTerTypeProps")->Changed(rect);
+
+    QTRY_COMPARE(spy.size(), 1);
+    QCOMPARE(spy.first().first().value<QList<QRectF>>(), QList<QRectF>{rect});
+}
+
+void tst_WindowEditing::ShowsWhatTheBrushDockChanges()
+{
+    const Editor editor;
+    editor.Trigger("actionTogglePaintMode");
+    const auto cursor = [&]() -> const QGraphicsEllipseItem* {
+        const QList<QGraphicsItem*> items = editor.Scene().items();
+        for (const QGraphicsItem* item : items) {
+            if (const auto* ellipse = qgraphicsitem_cast<const QGraphicsEllipseItem*>(item)) {
+                return ellipse;
+            }
+        }
+        return nullptr;
+    };
+    QVERIFY(cursor());
+    QCOMPARE(cursor()->rect(), QRectF(-4, -4, 8, 8));
+
+    editor.Child<QSlider>("sldBrushSize")->setValue(20);
+    QCOMPARE(cursor()->rect(), QRectF(-10, -10, 20, 20));
+
+    editor.Child<QSlider>("sldBrushOutlineWidth")->setValue(3);
+    QCOMPARE(cursor()->pen().width(), 3);
 }
 
 QTEST_MAIN(tst_WindowEditing)
