@@ -5,6 +5,8 @@
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QTest>
+#include <QTimer>
+#include <QWindow>
 
 #include <memory>
 
@@ -52,4 +54,37 @@ bool DragRow(QAbstractItemView& view, int sourceRow, int targetRow)
 {
     QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, MiddleOf(view, sourceRow));
     return DropAt(view, MiddleOf(view, targetRow));
+}
+
+void DragRowByMouse(QAbstractItemView& view, int sourceRow, int targetRow)
+{
+    QWindow* window = view.window()->windowHandle();
+    const auto inWindow = [&view](QPoint position) {
+        return view.viewport()->mapTo(view.window(), position);
+    };
+    const QPoint source = inWindow(MiddleOf(view, sourceRow));
+    const QPoint target = inWindow(MiddleOf(view, targetRow));
+    // The drag runs a loop of its own, from the first move that is far enough.
+    QTimer steps;
+    int step = 0;
+    QObject::connect(&steps, &QTimer::timeout, [&] {
+        ++step;
+        if (step == 1) {
+            QTest::mouseMove(window, target - QPoint(0, 1));
+        } else if (step == 2) {
+            QTest::mouseMove(window, target);
+        } else {
+            steps.stop();
+            QTest::mouseRelease(window, Qt::LeftButton, {}, target);
+        }
+    });
+    QTest::mouseMove(window, source);
+    QTest::mousePress(window, Qt::LeftButton, {}, source);
+    steps.start(50);
+    QTest::mouseMove(window, source + QPoint(0, QApplication::startDragDistance() / 2));
+    QTest::mouseMove(window, source + QPoint(0, QApplication::startDragDistance() + 2));
+    while (steps.isActive()) {
+        QTest::qWait(20);
+    }
+    QCoreApplication::processEvents();
 }

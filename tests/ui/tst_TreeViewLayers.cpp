@@ -24,6 +24,7 @@ private slots:
     void MovesALayerToTheRowItIsDroppedOn_data();
     void MovesALayerToTheRowItIsDroppedOn();
     void MovesTheLayerItself();
+    void MovesALayerThatTheMouseDrags();
     void MakesTheMovedLayerHighlightedAndCurrent();
     void TellsThatItMoves();
     void LeavesTheEventUnaccepted();
@@ -108,6 +109,22 @@ void tst_TreeViewLayers::MovesALayerToTheRowItIsDroppedOn()
     QCOMPARE(Order(), order);
     QCOMPARE(moved.size(), 1);
     QCOMPARE(moved.first().first().value<Layer*>(), LayerAt(target));
+}
+
+void tst_TreeViewLayers::MovesALayerThatTheMouseDrags()
+{
+    if (QGuiApplication::platformName() == QLatin1String("offscreen")) {
+        QSKIP("Nothing is dragged without a window system.");
+    }
+    Layer* layer = LayerAt(0);
+    QApplication::setActiveWindow(m_view.get());
+
+    DragRowByMouse(*m_view, 0, 2);
+
+    QCOMPARE(Order(), QStringLiteral("b c a d"));
+    QCOMPARE(LayerAt(2), layer);
+    DragRowByMouse(*m_view, 3, 1);
+    QCOMPARE(Order(), QStringLiteral("b d c a"));
 }
 
 void tst_TreeViewLayers::MovesTheLayerItself()
