@@ -76,7 +76,8 @@ void MorphologyReachTest::singlePixelsGrowToTheDisc()
 {
     QFETCH(QSize, size);
     QFETCH(int, radius);
-    for (const QPoint& place : Places(size)) {
+    const QVector<QPoint> places = Places(size);
+    for (const QPoint& place : places) {
         QVERIFY(GrowsToTheDisc(size, place, static_cast<float>(radius)));
     }
 }
