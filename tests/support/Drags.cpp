@@ -67,7 +67,7 @@ void DragRowByMouse(QAbstractItemView& view, int sourceRow, int targetRow)
     // The drag runs a loop of its own, from the first move that is far enough.
     QTimer steps;
     int step = 0;
-    QObject::connect(&steps, &QTimer::timeout, [&] {
+    QObject::connect(&steps, &QTimer::timeout, &steps, [&] {
         ++step;
         if (step == 1) {
             QTest::mouseMove(window, target - QPoint(0, 1));
