@@ -6,6 +6,7 @@
 #include <QFileDialog>
 #include <QIcon>
 #include <QMessageBox>
+#include <QPushButton>
 
 namespace {
 
@@ -64,6 +65,14 @@ QString AskForFile(QWidget* parent, FilePurpose purpose)
 
 bool AskYesNo(QWidget* parent, const QString& title, const QString& text)
 {
-    return QMessageBox::question(parent, title, text, QMessageBox::Yes | QMessageBox::No) ==
-           QMessageBox::Yes;
+    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Yes | QMessageBox::No, parent);
+    box.setEscapeButton(QMessageBox::No);
+    const QList<QPushButton*> buttons = box.findChildren<QPushButton*>();
+    for (QPushButton* button : buttons) {
+        // Without a default button Qt takes the first one that may become the default.
+        button->setAutoDefault(false);
+    }
+    // The space bar presses the button that has the focus.
+    box.button(QMessageBox::No)->setFocus();
+    return box.exec() == QMessageBox::Yes;
 }

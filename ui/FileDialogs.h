@@ -19,5 +19,6 @@ enum class FilePurpose
 /// before an existing file is given.
 QString AskForFile(QWidget* parent, FilePurpose purpose);
 
-/// Whether the user answers Yes.
+/// Whether the user answers Yes. Enter answers nothing, because a Yes may throw work away. Esc is
+/// No, which also has the focus at first.
 bool AskYesNo(QWidget* parent, const QString& title, const QString& text);

@@ -5,6 +5,7 @@
 #include "tests/support/Modals.h"
 #include "tests/support/ProjectFixture.h"
 
+#include <QApplication>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
@@ -57,6 +58,7 @@ private slots:
     void NeedsAProjectFile();
     void NeedsAProjectFileThatCanBeWritten();
     void Cancels();
+    void EnterPressesNoButton();
     void ClipsNothing();
 
 private:
@@ -259,6 +261,28 @@ void tst_DialogNewProject::Cancels()
 
     QVERIFY(!dialog.isVisible());
     QCOMPARE(dialog.result(), int(QDialog::Rejected));
+}
+
+void tst_DialogNewProject::EnterPressesNoButton()
+{
+    DialogNewProject dialog;
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowActive(&dialog));
+    QTest::keyClicks(Line(dialog, "txtProjectName"), m_project.Path("new.xml"));
+    const QWidget* first = QApplication::focusWidget();
+    do {
+        QWidget* focused = QApplication::focusWidget();
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+            QTest::keyClick(focused, key);
+            QVERIFY2(dialog.isVisible(), qPrintable(focused->objectName()));
+        }
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    } while (QApplication::focusWidget() != first);
+
+    dialog.findChild<QWidget*>("btnOk")->setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+
+    QCOMPARE(dialog.result(), int(QDialog::Accepted));
 }
 
 void tst_DialogNewProject::ClipsNothing()

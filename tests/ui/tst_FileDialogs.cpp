@@ -8,6 +8,7 @@
 #include <QAbstractButton>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTest>
 
 Q_DECLARE_METATYPE(FilePurpose)
@@ -25,6 +26,8 @@ private slots:
     void SelectsTheProjectToBeSaved();
     void AsksYesOrNo_data();
     void AsksYesOrNo();
+    void TakesKeysForAnswers_data();
+    void TakesKeysForAnswers();
 
 private:
     ProjectFixture m_project;
@@ -141,6 +144,46 @@ void tst_FileDialogs::AsksYesOrNo()
 
     QCOMPARE(AskYesNo(&m_parent, "Title", "Text?"), isYes);
     QCOMPARE(answers.Asked(), QStringList{"Title: Text?"});
+}
+
+void tst_FileDialogs::TakesKeysForAnswers_data()
+{
+    using Keys = QVector<Qt::Key>;
+    QTest::addColumn<Keys>("withoutEffect");
+    QTest::addColumn<Qt::Key>("answer");
+    QTest::addColumn<bool>("isYes");
+
+    QTest::newRow("Esc") << Keys{} << Qt::Key_Escape << false;
+    QTest::newRow("Enter, Esc") << Keys{Qt::Key_Return, Qt::Key_Enter} << Qt::Key_Escape << false;
+    QTest::newRow("Space") << Keys{} << Qt::Key_Space << false;
+    QTest::newRow("Tab, Space") << Keys{Qt::Key_Tab} << Qt::Key_Space << true;
+    QTest::newRow("Enter on Yes, Space")
+        << Keys{Qt::Key_Tab, Qt::Key_Return, Qt::Key_Enter} << Qt::Key_Space << true;
+    QTest::newRow("Enter on Yes, Tab, Space")
+        << Keys{Qt::Key_Tab, Qt::Key_Return, Qt::Key_Tab} << Qt::Key_Space << false;
+}
+
+void tst_FileDialogs::TakesKeysForAnswers()
+{
+    QFETCH(QVector<Qt::Key>, withoutEffect);
+    QFETCH(Qt::Key, answer);
+    QFETCH(bool, isYes);
+    ModalAnswers answers;
+    answers.Add([&](QWidget& box) {
+        QVERIFY(QTest::qWaitForWindowActive(&box));
+        for (const Qt::Key key : qAsConst(withoutEffect)) {
+            QTest::keyClick(box.focusWidget(), key);
+            QVERIFY(box.isVisible());
+            const QList<QPushButton*> buttons = box.findChildren<QPushButton*>();
+            for (const QPushButton* button : buttons) {
+                QVERIFY2(!button->isDefault(), qPrintable(button->text()));
+            }
+        }
+        QTest::keyClick(box.focusWidget(), answer);
+        QVERIFY(!box.isVisible());
+    });
+
+    QCOMPARE(AskYesNo(&m_parent, "Title", "Text?"), isYes);
 }
 
 QTEST_MAIN(tst_FileDialogs)

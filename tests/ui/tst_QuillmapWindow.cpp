@@ -5,13 +5,16 @@
 #include "tests/support/Forms.h"
 #include "tests/support/WindowFixture.h"
 
+#include <QApplication>
 #include <QGroupBox>
 #include <QLabel>
 #include <QMenu>
+#include <QPushButton>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolBar>
+#include <QTreeView>
 #include <QWheelEvent>
 
 namespace {
@@ -48,6 +51,8 @@ private slots:
     void ComesBackWithItsDocks();
     void RulersMeasureTheProjectThatIsViewed();
     void DeclaresTheSignalThatIsNeverEmitted();
+    void EnterAnswersNoQuestion_data();
+    void EnterAnswersNoQuestion();
 };
 
 void tst_QuillmapWindow::HasItsForm_data()
@@ -366,6 +371,47 @@ void tst_QuillmapWindow::DeclaresTheSignalThatIsNeverEmitted()
     const WindowFixture fixture;
     QSignalSpy spy(fixture.window.get(), &QuillmapWindow::ConfigurationLoadRequested);
     QVERIFY(spy.isValid());
+}
+
+void tst_QuillmapWindow::EnterAnswersNoQuestion_data()
+{
+    QTest::addColumn<QString>("title");
+
+    QTest::newRow("actionNew") << "New project";
+    QTest::newRow("actionLoad") << "Load configuration";
+    QTest::newRow("actionImportMap") << "Import area map";
+    QTest::newRow("actionImportAreas") << "Import area flag types";
+    QTest::newRow("actionExit") << "Exit application";
+}
+
+void tst_QuillmapWindow::EnterAnswersNoQuestion()
+{
+    QFETCH(QString, title);
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    fixture.Modified() = true;
+    fixture.answers.Add([&](QWidget& box) {
+        QCOMPARE(box.windowTitle(), title);
+        QVERIFY(QTest::qWaitForWindowActive(&box));
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+            QTest::keyClick(box.focusWidget(), key);
+            QVERIFY(box.isVisible());
+        }
+        const QList<QPushButton*> buttons = box.findChildren<QPushButton*>();
+        QCOMPARE(buttons.size(), 2);
+        for (const QPushButton* button : buttons) {
+            QVERIFY2(!button->isDefault() && !button->autoDefault(), qPrintable(button->text()));
+        }
+        QTest::keyClick(box.focusWidget(), Qt::Key_Escape);
+        QVERIFY(!box.isVisible());
+    });
+
+    fixture.Trigger(QTest::currentDataTag());
+
+    QVERIFY(fixture.window->isVisible());
+    QVERIFY(fixture.Modified());
+    QCOMPARE(fixture.window->windowTitle(), "small - Tarvo Ledger Tool");
+    QCOMPARE(fixture.Child<QTreeView>("treeLayers")->model()->rowCount(), 2);
 }
 
 QTEST_MAIN(tst_QuillmapWindow)
