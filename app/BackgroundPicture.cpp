@@ -82,6 +82,22 @@ bool Carry(const QString& source, const QDir& folder, const QString& backgroundF
 
 } // namespace
 
+QString BackgroundFileFrom(const QDir& folder, const QString& picture)
+{
+    const QFileInfo file(picture);
+    QString relative = folder.relativeFilePath(file.absoluteFilePath());
+    const QFileInfo found(QStringLiteral("%1/%2").arg(folder.path(), relative));
+    const QString realFolder = folder.canonicalPath();
+    const QString realParent = file.dir().canonicalPath();
+    const bool isBeside = realParent == realFolder;
+    if (realFolder.isEmpty() || realParent.isEmpty() ||
+        (!isBeside && found.canonicalFilePath() == file.canonicalFilePath())) {
+        return relative;
+    }
+    return isBeside ? file.fileName()
+                    : QDir(realFolder).relativeFilePath(QDir(realParent).filePath(file.fileName()));
+}
+
 void CarryBackgroundTo(const QDir& folder)
 {
     ProjectSettings& settings = ProjectSettings::Instance();
@@ -90,6 +106,6 @@ void CarryBackgroundTo(const QDir& folder)
     }
     const QString source = settings.BackgroundPath();
     if (!Carry(source, folder, settings.backgroundFile)) {
-        settings.backgroundFile = folder.relativeFilePath(QFileInfo(source).absoluteFilePath());
+        settings.backgroundFile = BackgroundFileFrom(folder, source);
     }
 }

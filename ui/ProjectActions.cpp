@@ -1,5 +1,6 @@
 #include "ui/ProjectActions.h"
 
+#include "app/BackgroundPicture.h"
 #include "app/Log.h"
 #include "app/ProjectDocument.h"
 #include "app/ProjectFile.h"
@@ -53,15 +54,10 @@ bool MayDiscard(const EditorParts& parts, const QString& title, const QString& a
                              action));
 }
 
-/// A project that was never saved: it has no name, and its background picture is found from the
-/// folder.
-void LeaveOldPlace(const QDir& folder)
+/// The project has no name until it is saved.
+void MoveUnsavedTo(const QDir& folder)
 {
     ProjectSettings& settings = Settings();
-    if (!settings.backgroundFile.isEmpty()) {
-        const QFileInfo picture(settings.BackgroundPath());
-        settings.backgroundFile = folder.relativeFilePath(picture.absoluteFilePath());
-    }
     settings.projectFileName.clear();
     settings.projectName.clear();
     settings.projectDir = folder;
@@ -123,6 +119,7 @@ void ProjectActions::Create(const DialogNewProject& dialog)
 {
     const Busy loading(*this, Work::Loading);
     EmptyLists();
+    MoveUnsavedTo(QFileInfo(dialog.ProjectPath()).absoluteDir());
     Settings().areaFlagTypes = {};
     Settings().backgroundFile.clear();
     Settings().backgroundColor = QColor::fromRgba(ProjectSettings::DefaultBackground);
@@ -136,10 +133,6 @@ void ProjectActions::Create(const DialogNewProject& dialog)
         LoadAreaTypesFile(dialog.AreaFlagsPath());
     }
     const bool isSaved = SaveTo(dialog.ProjectPath());
-    if (!isSaved) {
-        LeaveOldPlace(QFileInfo(dialog.ProjectPath()).absoluteDir());
-        m_parts.window.SetTitle(QString());
-    }
     Finalize(true, -1);
     Settings().modified = !isSaved;
 }
@@ -393,8 +386,7 @@ void ProjectActions::LoadWorldImage()
 
 void ProjectActions::LoadWorldImageFile(const QString& path)
 {
-    Settings().backgroundFile =
-        Settings().projectDir.relativeFilePath(QFileInfo(path).absoluteFilePath());
+    Settings().backgroundFile = BackgroundFileFrom(Settings().projectDir, path);
     m_parts.scene.ChangeWorld(Settings().BackgroundPath());
 }
 

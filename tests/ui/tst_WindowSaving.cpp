@@ -10,6 +10,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QCheckBox>
+#include <QDirIterator>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -61,6 +62,8 @@ private slots:
     void SavesNoMapWithoutLayers();
     void BeginsANewProject();
     void ANewProjectNeedsNoFiles();
+    void ANewProjectUsesThePictureWhereItIs_data();
+    void ANewProjectUsesThePictureWhereItIs();
     void AsksBeforeANewProject_data();
     void AsksBeforeANewProject();
     void ANewProjectThatCannotBeSavedHasNoName();
@@ -227,8 +230,7 @@ void tst_WindowSaving::BeginsANewProject()
     QCOMPARE(settings.areaFlagTypes.usages, QVector<QString>{"Only"});
     QVERIFY(settings.areaFlagTypes.values.isEmpty());
     QCOMPARE(settings.backgroundColor.rgba(), 2U);
-    QCOMPARE(settings.backgroundFile, "world.png");
-    QVERIFY(QFile::exists(fixture.Path("fresh/world.png")));
+    QCOMPARE(settings.backgroundFile, "../small/world.png");
     QVERIFY(!settings.modified);
     QVERIFY(!query->isChecked());
     QVERIFY(!fixture.Action("actionTogglePaintMode")->isEnabled());
@@ -250,6 +252,66 @@ void tst_WindowSaving::ANewProjectNeedsNoFiles()
                                               "Success: Project saved to file 'fresh.xml'."}));
     QCOMPARE(ProjectSettings::Instance().backgroundFile, QString());
     QVERIFY(fixture.Action("actionSave")->isEnabled());
+}
+
+void tst_WindowSaving::ANewProjectUsesThePictureWhereItIs_data()
+{
+    QTest::addColumn<QString>("project");
+    QTest::addColumn<QString>("picture");
+    QTest::addColumn<QString>("stored");
+
+    QTest::newRow("beside it") << "fresh/w2.xml"
+                               << "fresh/world.png"
+                               << "world.png";
+    QTest::newRow("below it") << "w2.xml"
+                              << "fresh/world.png"
+                              << "fresh/world.png";
+    QTest::newRow("above it") << "deep/er/w2.xml"
+                              << "world.png"
+                              << "../../world.png";
+    QTest::newRow("in the folder of the former project") << "fresh/w2.xml"
+                                                         << "small/world.png"
+                                                         << "../small/world.png";
+    QTest::newRow("beside it, through a link") << "deep/link/w2.xml"
+                                               << "fresh/world.png"
+                                               << "world.png";
+    QTest::newRow("elsewhere, through a link") << "deep/link/w2.xml"
+                                               << "deep/world.png"
+                                               << "../deep/world.png";
+}
+
+void tst_WindowSaving::ANewProjectUsesThePictureWhereItIs()
+{
+    QFETCH(QString, project);
+    QFETCH(QString, picture);
+    QFETCH(QString, stored);
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    QDir().mkpath(fixture.Path("fresh"));
+    QDir().mkpath(fixture.Path("deep/er"));
+    QVERIFY(QFile::link(fixture.Path("fresh"), fixture.Path("deep/link")));
+    QImage world(4, 4, QImage::Format_RGB32);
+    world.fill(Qt::magenta);
+    QVERIFY(world.save(fixture.Path(picture)));
+    fixture.log.Take();
+    fixture.answers.Add(NewProject(64, 640, fixture.Path(project), fixture.Path(picture)));
+
+    fixture.Trigger("actionNew");
+
+    QCOMPARE(fixture.log.Take(), (QStringList{"Info: Saving project 'w2'...",
+                                              "Success: Project saved to file 'w2.xml'."}));
+    QCOMPARE(ProjectSettings::Instance().backgroundFile, stored);
+    QVERIFY(
+        ReadBytes(fixture.Path(project)).contains("file=\"" + stored.toUtf8() + "\" rgba=\"2\""));
+    QCOMPARE(QFileInfo(ProjectSettings::Instance().BackgroundPath()).canonicalFilePath(),
+             fixture.Path(picture));
+    QStringList pictures;
+    for (QDirIterator files(fixture.Path("."), {"*.png"}, QDir::Files,
+                            QDirIterator::Subdirectories);
+         files.hasNext();) {
+        pictures.append(QDir::cleanPath(files.next()));
+    }
+    QCOMPARE(pictures, QStringList{fixture.Path(picture)});
 }
 
 void tst_WindowSaving::AsksBeforeANewProject_data()
