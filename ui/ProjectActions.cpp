@@ -193,6 +193,7 @@ bool ProjectActions::Load()
 bool ProjectActions::ReadFrom(QFile& file)
 {
     const bool wasModified = Settings().modified;
+    const Brush brushBefore = *m_parts.brush.GetBrush();
     BeginReplacing();
     ProjectReader reader(file);
     m_reader = &reader;
@@ -204,6 +205,7 @@ bool ProjectActions::ReadFrom(QFile& file)
     m_reader = nullptr;
     if (!isRead) {
         Settings().modified = wasModified;
+        *m_parts.brush.GetBrush() = brushBefore;
     }
     Finalize(isRead, isRead ? reader.SelectedRow() : -1);
     return isRead;
@@ -244,8 +246,8 @@ void ProjectActions::Finalize(bool isSuccessful, int selected)
     m_parts.layerProps.Refresh();
     m_parts.status.SetProgressVisible(false);
     EnableEditing(true);
-    ShowWorld();
     if (isSuccessful) {
+        ShowWorld();
         ShowProject(selected);
         return;
     }
@@ -256,7 +258,6 @@ void ProjectActions::Finalize(bool isSuccessful, int selected)
     }
 }
 
-/// Sizes and background are those of the file even where the rest of it could not be read.
 void ProjectActions::ShowWorld()
 {
     MainScene& scene = m_parts.scene;

@@ -1,4 +1,5 @@
 #include "app/Log.h"
+#include "canvas/BrushDock.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "territories/Zone.h"
@@ -6,6 +7,7 @@
 #include "tests/support/WindowFixture.h"
 #include "ui/DockLayers.h"
 
+#include <QAbstractButton>
 #include <QCheckBox>
 #include <QFileDialog>
 #include <QGroupBox>
@@ -78,8 +80,9 @@ private slots:
     void AMissingFileLeavesAllAsItWas();
     void AMalformedProjectLeavesNothing_data();
     void AMalformedProjectLeavesNothing();
-    void AFailedLoadShowsTheBackgroundThatItRead_data();
-    void AFailedLoadShowsTheBackgroundThatItRead();
+    void AFailedLoadLeavesThePicture_data();
+    void AFailedLoadLeavesThePicture();
+    void LayersMadeAfterAFailedLoadCanBePainted();
     void OldFlagBoxesGo();
     void AnOldBackgroundGoes();
     void OpensTheProjectOfTheCommandLine();
@@ -315,34 +318,83 @@ void tst_WindowLoading::AMalformedProjectLeavesNothing()
     }
 }
 
-void tst_WindowLoading::AFailedLoadShowsTheBackgroundThatItRead_data()
+void tst_WindowLoading::AFailedLoadLeavesThePicture_data()
 {
     QTest::addColumn<bool>("isModified");
     QTest::newRow("unsaved work before") << true;
     QTest::newRow("nothing unsaved") << false;
 }
 
-void tst_WindowLoading::AFailedLoadShowsTheBackgroundThatItRead()
+void tst_WindowLoading::AFailedLoadLeavesThePicture()
 {
     QFETCH(bool, isModified);
     WindowFixture fixture;
     const QString path = fixture.WriteProject();
+    const QByteArray document = ReadBytes(path);
+    QImage picture(4, 4, QImage::Format_RGB32);
+    picture.fill(Qt::magenta);
+    QVERIFY(picture.save(fixture.Path("small/world.png")));
+    QByteArray first = document;
+    first.replace("file=\"\" rgba=\"16777215\"", "file=\"world.png\" rgba=\"1677721855\"");
+    // What is in the lists is not part of the picture.
+    first.replace("visible=\"1\"", "visible=\"0\"").replace("<selected row=\"1\"/>", "");
+    WriteBytes(path, first);
+    QByteArray second = document;
+    second.replace("rgba=\"16777215\"", "rgba=\"3355443455\"")
+        .replace("<layer size=\"64\"/>", "<layer size=\"32\"/>")
+        .replace("<world size=\"640\"/>", "<world size=\"6400\"/>")
+        .replace("size=\"8\"", "size=\"99\"");
+    second.truncate(second.indexOf("<layer usage"));
+    WriteBytes(fixture.Path("second.xml"), second);
     fixture.Load(path);
-    QByteArray document = ReadBytes(path);
-    document.replace("rgba=\"16777215\"", "rgba=\"3355443455\"");
-    document.truncate(document.indexOf("</layers>"));
-    WriteBytes(path, document);
+    const QImage map = fixture.View().grab().toImage();
+    fixture.log.Take();
     fixture.Modified() = isModified;
     if (isModified) {
         fixture.answers.AddButton("Yes");
     }
 
-    fixture.Load(path);
+    fixture.Load(fixture.Path("second.xml"));
 
-    QVERIFY(fixture.log.Take().contains("Error: Failed to parse input."));
-    QCOMPARE(ProjectSettings::Instance().backgroundColor.rgba(), 3355443455U);
-    QCOMPARE(fixture.Child<QGroupBox>("gboBgOver")->findChild<QSlider*>()->value(), 200);
+    QCOMPARE(fixture.log.Take(), QStringList{"Error: Failed to parse input."});
+    QVERIFY(Layers(fixture).IsEmpty());
+    QCOMPARE(ZonesOnTheMap(fixture), 0);
+    QCOMPARE(fixture.Scene().sceneRect(), QRectF(0, 0, 64, 64));
+    QCOMPARE(fixture.Child<QLabel>("lblWorldScaleX")->text(), "X: 1 px = 10 m");
+    QCOMPARE(fixture.Child<QGroupBox>("gboBgOver")->findChild<QSlider*>()->value(), 100);
+    QCOMPARE(fixture.Child<BrushDock>("BrushDock")->GetBrush()->Size(), 8);
+    QCOMPARE(fixture.View().grab().toImage(), map);
     QCOMPARE(fixture.Modified(), isModified);
+    // The sizes and the background are those of the file, for what is made and saved from now on.
+    QCOMPARE(ProjectSettings::Instance().LayerSize(), QSize(32, 32));
+    QCOMPARE(ProjectSettings::Instance().backgroundColor.rgba(), 3355443455U);
+}
+
+void tst_WindowLoading::LayersMadeAfterAFailedLoadCanBePainted()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    QByteArray document = ReadBytes(fixture.Path("small/small.xml"));
+    document.replace("<layer size=\"64\"/>", "<layer size=\"32\"/>");
+    document.truncate(document.indexOf("<layer usage"));
+    WriteBytes(fixture.Path("second.xml"), document);
+    fixture.Load(fixture.Path("second.xml"));
+
+    fixture.Child<QAbstractButton>("btnAddPainted")->click();
+    auto* tree = fixture.Child<QTreeView>("treeLayers");
+    tree->setCurrentIndex(tree->model()->index(0, 0));
+    fixture.Trigger("actionTogglePaintMode");
+    QWidget* viewport = fixture.View().viewport();
+    for (const QPointF place : {QPointF(50, 50), QPointF(10, 10)}) {
+        QTest::mouseMove(viewport, fixture.View().mapFromScene(place));
+        QTest::mouseClick(viewport, Qt::LeftButton, {}, fixture.View().mapFromScene(place));
+    }
+
+    QCOMPARE(fixture.Scene().sceneRect(), QRectF(0, 0, 64, 64));
+    const QImage mask = Layers(fixture).LayerAt(0)->Image();
+    QCOMPARE(mask.size(), QSize(32, 32));
+    QCOMPARE(mask.pixelIndex(10, 10), 255);
+    QCOMPARE(mask.pixelIndex(30, 30), 0);
 }
 
 void tst_WindowLoading::OldFlagBoxesGo()
