@@ -5,6 +5,16 @@
 
 #include <QIODevice>
 
+namespace {
+
+/// Ends where the reader of the element ends.
+XmlHandler PassOver(QLatin1String name)
+{
+    return {name, [name](QXmlStreamReader& element) { return WalkXml(element, {}, name); }};
+}
+
+} // namespace
+
 ProjectReader::ProjectReader(QIODevice& device)
     : m_device(device)
 {
@@ -26,6 +36,9 @@ void ProjectReader::ReadSettings()
                           settings.areaFlagTypes.ReadXml(element);
                           return true;
                       }},
+                     PassOver(QLatin1String("brush")),
+                     PassOver(QLatin1String("layers")),
+                     PassOver(QLatin1String("territory-type-list")),
                  });
 }
 
@@ -44,8 +57,10 @@ bool ProjectReader::Read(const Handlers& handlers)
                               {QLatin1String("brush"),
                                [&handlers](QXmlStreamReader& element) {
                                    handlers.brush(element);
-                                   return true;
+                                   return WalkXml(element, {}, QLatin1String("brush"));
                                }},
+                              PassOver(QLatin1String("global")),
+                              PassOver(QLatin1String("areas")),
                               {QLatin1String("layers"), handlers.layers},
                               {QLatin1String("territory-type-list"), handlers.territoryTypes},
                           });

@@ -7,11 +7,14 @@
 class QIODevice;
 
 /// Reads a project document for the editor. The order of its elements does not matter: the sizes
-/// and flag types, on which layers and zones depend, are read in a first pass.
+/// and flag types, on which layers and zones depend, are read in a first pass. What stands within
+/// an element that is read belongs to that element alone: an "areas" in "layers" sets no flag
+/// types.
 class ProjectReader
 {
 public:
-    /// Read the element whose start tag the reader stands on. A false result ends the reading.
+    /// Read the element whose start tag the reader stands on, up to its end tag; that of the brush
+    /// reads attributes only. A false result ends the reading.
     struct Handlers
     {
         std::function<void(QXmlStreamReader&)> brush;

@@ -211,7 +211,8 @@ bool ReadTypeList(const QString& path, TerritoryTypeList& types)
     }
     const Console::CurrentFile current(path);
     ProjectReader reader(file);
-    reader.Read({[](QXmlStreamReader&) {}, [](QXmlStreamReader&) { return true; },
+    reader.Read({[](QXmlStreamReader&) {},
+                 [](QXmlStreamReader& xml) { return WalkXml(xml, {}, QLatin1String("layers")); },
                  [&types](QXmlStreamReader& xml) { return types.Read(xml, nullptr); }});
     return true;
 }

@@ -75,6 +75,8 @@ class tst_ProjectReader : public QObject
 private slots:
     void HandsElementsOn_data();
     void HandsElementsOn();
+    void LeavesStrayElementsToTheirReaders_data();
+    void LeavesStrayElementsToTheirReaders();
     void EndsWithAFailedHandler_data();
     void EndsWithAFailedHandler();
     void TakesMalformedDocumentsAsFarAsTheyGo_data();
@@ -115,6 +117,48 @@ void tst_ProjectReader::HandsElementsOn()
     // Read once only.
     QCOMPARE(ProjectSettings::Instance().areaFlagTypes.usages.size(),
              document.contains("Town") ? 1 : 0);
+}
+
+void tst_ProjectReader::LeavesStrayElementsToTheirReaders_data()
+{
+    QTest::addColumn<QByteArray>("element");
+    QTest::addColumn<QString>("event");
+
+    QTest::newRow("global") << QByteArray("global") << QString();
+    QTest::newRow("areas") << QByteArray("areas") << QString();
+    QTest::newRow("brush") << QByteArray("brush") << "brush 8";
+    QTest::newRow("layers") << QByteArray("layers") << "layers 8";
+    QTest::newRow("territory-type-list") << QByteArray("territory-type-list") << "types 8";
+}
+
+void tst_ProjectReader::LeavesStrayElementsToTheirReaders()
+{
+    QFETCH(QByteArray, element);
+    QFETCH(QString, event);
+    const QByteArray settings = "<global><layer size='8'/></global>"
+                                "<areas><usages><usage name='Town'/></usages></areas>";
+    QByteArray strays = "<selected row='1'/><global><layer size='9'/></global>"
+                        "<areas><values><value name='Rich'/></values></areas>"
+                        "<brush/><layers/><territory-type-list/>";
+    // The end tag of a stray element of the same name would end the outer one.
+    strays.replace("<" + element + "/>", "");
+    if (element == "global" || element == "areas") {
+        strays = "<selected row='1'/><brush/><layers/><territory-type-list/>";
+    }
+    const QByteArray holder = "<" + element + ">" + strays + "</" + element + ">";
+    // Settings that are read in a holder would replace those before it.
+    Reading reading(
+        "<p>" +
+        (element == "global" || element == "areas" ? holder + settings : settings + holder) +
+        "</p>");
+
+    QVERIFY(reading.Read());
+
+    QCOMPARE(reading.events, event.isEmpty() ? QStringList() : QStringList{event});
+    QCOMPARE(reading.reader->SelectedRow(), -1);
+    QCOMPARE(ProjectSettings::Instance().LayerSize(), QSize(8, 8));
+    QCOMPARE(ProjectSettings::Instance().areaFlagTypes.usages, QVector<QString>{"Town"});
+    QCOMPARE(ProjectSettings::Instance().areaFlagTypes.values, QVector<QString>{});
 }
 
 void tst_ProjectReader::EndsWithAFailedHandler_data()
