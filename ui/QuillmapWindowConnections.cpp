@@ -43,8 +43,7 @@ void QuillmapWindow::ConnectActions()
             &QuillmapWindow::ShowTerritoryTypes);
     connect(ui.actionViewStatus, &QAction::triggered, this, &QuillmapWindow::ShowStatus);
     for (QDockWidget* dock :
-         std::initializer_list<QDockWidget*>{m_layers.get(), m_layerProps.get(), m_terTypes.get(),
-                                             m_terTypeProps.get(), m_status.get()}) {
+         std::initializer_list<QDockWidget*>{m_layers.get(), m_terTypes.get(), m_status.get()}) {
         dock->installEventFilter(this);
     }
 }
@@ -116,8 +115,7 @@ bool QuillmapWindow::eventFilter(QObject* watched, QEvent* event)
 
 void QuillmapWindow::ShowDockStates()
 {
-    m_ui->actionViewLayers->setChecked(!m_layers->isHidden() || !m_layerProps->isHidden());
-    m_ui->actionViewTerritoryTypes->setChecked(!m_terTypes->isHidden() ||
-                                               !m_terTypeProps->isHidden());
+    m_ui->actionViewLayers->setChecked(!m_layers->isHidden());
+    m_ui->actionViewTerritoryTypes->setChecked(!m_terTypes->isHidden());
     m_ui->actionViewStatus->setChecked(!m_status->isHidden());
 }
