@@ -15,7 +15,10 @@
 #include <QTest>
 #include <QToolBar>
 #include <QTreeView>
+#include <QWhatsThis>
 #include <QWheelEvent>
+
+#include <algorithm>
 
 namespace {
 
@@ -46,6 +49,9 @@ private slots:
     void StartsWithoutAProject();
     void ShowsDocksByTheirActions_data();
     void ShowsDocksByTheirActions();
+    void ExplainsWhatMayDoNothing_data();
+    void ExplainsWhatMayDoNothing();
+    void ShowsTheExplanationsOnShiftF1();
     void ShowsTheZoom();
     void KeepsNothingOnScreenOfStoredForeignBytes();
     void ComesBackWithItsDocks();
@@ -298,6 +304,59 @@ void tst_QuillmapWindow::ShowsDocksByTheirActions()
             QCOMPARE(action->isChecked(), isFirstShown);
         }
     }
+}
+
+void tst_QuillmapWindow::ExplainsWhatMayDoNothing_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("toolTip");
+
+    QTest::newRow("actionSaveAll")
+        << "Saves the project, then writes the area map and all territory types. In a project "
+           "without layers it does nothing."
+        << "Save and export all";
+    QTest::newRow("btnExportSelected")
+        << "Writes the files of the territory types whose boxes are ticked. Without a tick it "
+           "writes no file."
+        << "Write the files of the checked territory types";
+}
+
+void tst_QuillmapWindow::ExplainsWhatMayDoNothing()
+{
+    const WindowFixture fixture;
+    const QObject* object = fixture.Child<QObject>(QTest::currentDataTag());
+
+    QTEST(object->property("statusTip").toString(), "text");
+    QTEST(object->property("whatsThis").toString(), "text");
+    QTEST(object->property("toolTip").toString(), "toolTip");
+}
+
+void tst_QuillmapWindow::ShowsTheExplanationsOnShiftF1()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    fixture.Trigger("actionViewTerritoryTypes");
+    const auto isExplained = [] {
+        const QWidgetList widgets = QApplication::topLevelWidgets();
+        return std::any_of(widgets.begin(), widgets.end(), [](const QWidget* widget) {
+            return widget->inherits("QWhatsThat") && widget->isVisible();
+        });
+    };
+
+    auto* button = fixture.Child<QWidget>("btnExportSelected");
+    button->setFocus();
+    QTest::keyClick(button, Qt::Key_F1, Qt::ShiftModifier);
+    QVERIFY(isExplained());
+    QWhatsThis::hideText();
+    QVERIFY(!isExplained());
+
+    auto* menu = fixture.Child<QMenu>("menuFile");
+    menu->popup(fixture.window->pos());
+    menu->setActiveAction(fixture.Action("actionSaveAll"));
+    QTest::keyClick(menu, Qt::Key_F1, Qt::ShiftModifier);
+    QVERIFY(isExplained());
+    // It was explained and not carried out.
+    QCOMPARE(fixture.answers.Asked(), QStringList{"Load"});
 }
 
 void tst_QuillmapWindow::ShowsTheZoom()
