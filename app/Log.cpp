@@ -1,5 +1,7 @@
 #include "app/Log.h"
 
+#include "app/ControlCharacters.h"
+
 #include <QCoreApplication>
 #include <QTime>
 #include <QtDebug>
@@ -10,29 +12,11 @@ Log& Log::Instance()
     return log;
 }
 
-namespace {
-
-/// A line on the console, whatever names from files put into it: a line break could forge another
-/// message, and escape sequences could change what is shown.
-QString WithoutControlCharacters(QString text)
-{
-    for (QChar& character : text) {
-        const QChar::Category category = character.category();
-        if (category == QChar::Other_Control || category == QChar::Separator_Line ||
-            category == QChar::Separator_Paragraph) {
-            character = QLatin1Char(' ');
-        }
-    }
-    return text;
-}
-
-} // namespace
-
 void Log::LogMessage(const QString& content, Log::MessageType type)
 {
     const QString line =
         QTime::currentTime().toString(QStringLiteral("HH:mm:ss")) + QStringLiteral(" - ") + content;
-    const QByteArray console = WithoutControlCharacters(line).toUtf8();
+    const QByteArray console = ToConsoleLine(line).toUtf8();
     if (type == Error) {
         qCritical("%s", console.constData());
     } else {

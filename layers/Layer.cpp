@@ -1,6 +1,7 @@
 #include "layers/Layer.h"
 
 #include "app/Gui.h"
+#include "app/Ids.h"
 #include "app/Log.h"
 #include "app/Names.h"
 #include "app/ProjectSettings.h"
@@ -10,16 +11,6 @@
 #include "layers/raster/Mask.h"
 
 #include <QXmlStreamWriter>
-
-namespace {
-
-int NextId()
-{
-    static int nextId = 0;
-    return nextId++;
-}
-
-} // namespace
 
 Layer::Layer(quint32 usageFlags, quint32 valueFlags, LayerList* list)
     : Layer(usageFlags, valueFlags, list, QString())
@@ -37,7 +28,7 @@ Layer::Layer(quint32 usageFlags, quint32 valueFlags, LayerList* list, const QStr
 Layer::Layer(quint32 usageFlags, quint32 valueFlags, LayerList* list, const QString& name,
              const QString& code)
     : QStandardItem(name)
-    , m_id(NextId())
+    , m_id(NextId<Layer>())
     , m_list(list)
     , m_usageFlags(usageFlags)
     , m_valueFlags(valueFlags)

@@ -1,6 +1,7 @@
 #include "territories/Territory.h"
 
 #include "app/Gui.h"
+#include "app/Ids.h"
 #include "app/Xml.h"
 #include "territories/TerritoryType.h"
 #include "territories/Zone.h"
@@ -10,16 +11,6 @@
 #include <QXmlStreamWriter>
 
 #include <memory>
-
-namespace {
-
-int NextId()
-{
-    static int nextId = 0;
-    return nextId++;
-}
-
-} // namespace
 
 Territory::Territory()
     : Territory(QString())
@@ -31,7 +22,7 @@ Territory::Territory()
 
 Territory::Territory(const QString& name)
     : QStandardItem(name)
-    , m_id(NextId())
+    , m_id(NextId<Territory>())
 {
     Init();
 }

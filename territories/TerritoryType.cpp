@@ -1,5 +1,6 @@
 #include "territories/TerritoryType.h"
 
+#include "app/Ids.h"
 #include "app/Log.h"
 #include "app/Names.h"
 #include "app/OutputFile.h"
@@ -14,16 +15,6 @@
 #include <algorithm>
 #include <memory>
 
-namespace {
-
-int NextId()
-{
-    static int nextId = 0;
-    return nextId++;
-}
-
-} // namespace
-
 TerritoryType::TerritoryType()
     : TerritoryType(QString())
 {
@@ -32,7 +23,7 @@ TerritoryType::TerritoryType()
 
 TerritoryType::TerritoryType(const QString& name)
     : QStandardItem(name)
-    , m_id(NextId())
+    , m_id(NextId<TerritoryType>())
 {
     setCheckable(true);
     setEditable(true);

@@ -1,5 +1,6 @@
 #include "territories/Zone.h"
 
+#include "app/Ids.h"
 #include "app/ProjectSettings.h"
 #include "app/Xml.h"
 #include "territories/Territory.h"
@@ -16,12 +17,6 @@
 namespace {
 
 constexpr int DepthStep = 23;
-
-int NextId()
-{
-    static int nextId = 0;
-    return nextId++;
-}
 
 /// Toward zero; numbers that no int holds give the nearest one, and no number gives 0.
 int Truncated(double value)
@@ -85,7 +80,7 @@ QString MetresText(double metres)
 
 Zone::Zone(Territory* territory, QGraphicsItem* parent)
     : QGraphicsEllipseItem(parent)
-    , m_id(NextId())
+    , m_id(NextId<Zone>())
     , m_color(territory ? territory->Color() : QColor(Qt::black))
 {
     SetTerritory(territory);

@@ -1,5 +1,6 @@
 #include "tool/Findings.h"
 
+#include "app/ControlCharacters.h"
 #include "app/Names.h"
 #include "tool/Console.h"
 #include "tool/ProjectData.h"
@@ -60,10 +61,7 @@ QString RefusedName(const QString& name)
     if (!IsValidName(name)) {
         return QStringLiteral("the name holds one of < > : \" / \\ | ? *.");
     }
-    const auto isControl = [](QChar character) {
-        return character.category() == QChar::Other_Control;
-    };
-    if (std::any_of(name.begin(), name.end(), isControl)) {
+    if (std::any_of(name.begin(), name.end(), IsControlCharacter)) {
         return QStringLiteral("the name holds a control character.");
     }
     if (name.toUtf8().size() + int(sizeof ".tga") - 1 > maxFileNameBytes) {

@@ -1,9 +1,11 @@
 #include "tool/Console.h"
 
+#include "app/ControlCharacters.h"
 #include "tool/Interruption.h"
 
 #include <QtGlobal>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -32,18 +34,11 @@ bool TurnsDirection(QChar character)
            (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
 }
 
-/// One line, whatever names from files put into it: a line break could forge another message, and
-/// escape sequences could change what is shown.
-QString WithoutControlCharacters(QString text)
+QString OneLine(const QString& text)
 {
-    for (QChar& character : text) {
-        const QChar::Category category = character.category();
-        if (category == QChar::Other_Control || category == QChar::Separator_Line ||
-            category == QChar::Separator_Paragraph || TurnsDirection(character)) {
-            character = QLatin1Char(' ');
-        }
-    }
-    return text;
+    QString line = ToConsoleLine(text);
+    std::replace_if(line.begin(), line.end(), TurnsDirection, QLatin1Char(' '));
+    return line;
 }
 
 void Write(const QByteArray& text)
@@ -102,7 +97,7 @@ void RemoveBar()
 void Print(const QString& line)
 {
     if (!IsQuiet()) {
-        Write(WithoutControlCharacters(line).toUtf8() + '\n');
+        Write(OneLine(line).toUtf8() + '\n');
     }
 }
 
@@ -117,7 +112,7 @@ void PrintError(const QString& file, const QString& what)
     if (Interruption::HasCome()) {
         return;
     }
-    const QString line = WithoutControlCharacters(file + QStringLiteral(": ") + what);
+    const QString line = OneLine(file + QStringLiteral(": ") + what);
     RemoveBar();
     std::fputs((line.toUtf8() + '\n').constData(), stderr);
 }
