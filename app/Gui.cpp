@@ -7,3 +7,8 @@ bool IsGuiRunning()
 {
     return !QApplication::topLevelWidgets().isEmpty();
 }
+
+void KeepEveryMouseMove()
+{
+    QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
+}

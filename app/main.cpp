@@ -1,5 +1,6 @@
 #include "app/BatchExport.h"
 #include "app/CommandLine.h"
+#include "app/Gui.h"
 #include "app/Log.h"
 #include "ui/QuillmapWindow.h"
 
@@ -29,6 +30,7 @@ int main(int argc, char* argv[])
     ChoosePlatform(argc, argv);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);
+    KeepEveryMouseMove();
 
     const CommandLine commandLine = ParseCommandLine(QCoreApplication::arguments());
     if (!commandLine.error.isEmpty()) {

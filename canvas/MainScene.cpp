@@ -320,17 +320,21 @@ void MainScene::Press(QGraphicsSceneMouseEvent* event)
     }
 }
 
+QPointF MainScene::BrushPositionOf(const QGraphicsSceneMouseEvent& event) const
+{
+    return event.scenePos() + m_view->MouseFraction();
+}
+
 void MainScene::PressInPaint(QGraphicsSceneMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton) {
         m_stroke = BrushAction::Paint;
-        m_strokePoint = event->scenePos();
     } else if (event->button() == Qt::RightButton) {
         m_stroke = BrushAction::Erase;
     } else {
         return;
     }
-    PaintDab(event->scenePos());
+    PaintDab(BrushPositionOf(*event));
 }
 
 void MainScene::PressInInsert(QPointF position)
@@ -386,7 +390,12 @@ void MainScene::mouseMoveEvent(QGraphicsSceneMouseEvent* event)
 {
     m_mousePosition = event->scenePos();
     if (m_mode == SceneMode::Paint) {
-        PaintStep(m_mousePosition);
+        m_mousePosition = BrushPositionOf(*event);
+        if (m_view->IsMapMoving()) {
+            MoveBrush(m_mousePosition);
+        } else {
+            PaintStep(m_mousePosition);
+        }
     }
     QGraphicsScene::mouseMoveEvent(event);
 }
@@ -423,25 +432,33 @@ void MainScene::focusOutEvent(QFocusEvent* event)
 
 void MainScene::PaintDab(QPointF position)
 {
+    MoveBrush(position);
     if (m_brush) {
-        m_brush->SetPosition(position);
-        AfterPainting(m_painter.Dab(*m_brush, m_stroke), position);
+        ShowPainted(m_painter.Dab(*m_brush, m_stroke));
     }
 }
 
 void MainScene::PaintStep(QPointF position)
 {
+    const QPointF from = m_strokePoint;
+    MoveBrush(position);
     if (m_brush) {
-        m_brush->SetPosition(position);
-        AfterPainting(m_painter.Segment(*m_brush, m_stroke, m_strokePoint), position);
+        ShowPainted(m_painter.Segment(*m_brush, m_stroke, from));
     }
 }
 
-void MainScene::AfterPainting(const QRect& changed, QPointF position)
+void MainScene::MoveBrush(QPointF position)
 {
+    if (m_brush) {
+        m_brush->SetPosition(position);
+    }
     m_strokePoint = position;
+    m_brushCursor.setPos(position);
+}
+
+void MainScene::ShowPainted(const QRect& changed)
+{
     if (!changed.isEmpty()) {
         m_currentItem->update(changed);
     }
-    m_brushCursor.setPos(position);
 }

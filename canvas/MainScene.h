@@ -47,6 +47,9 @@ public:
     void ClearWorld();
     /// Whatever else ends a stroke than its button.
     void EndStroke();
+    /// The map has moved below the mouse, which is at the position now: a stroke goes on from there
+    /// and paints nothing between.
+    void ContinueStrokeFrom(QPointF position) { m_strokePoint = position; }
     /// The mouse is somebody else's now: strokes and drags end where they are, because their
     /// release may never come.
     void LoseMouse();
@@ -101,6 +104,7 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
+    QPointF BrushPositionOf(const QGraphicsSceneMouseEvent& event) const;
     void Press(QGraphicsSceneMouseEvent* event);
     void PressInPaint(QGraphicsSceneMouseEvent* event);
     void PressInInsert(QPointF position);
@@ -108,7 +112,8 @@ private:
     void PressInQuery(QPointF position);
     void PaintDab(QPointF position);
     void PaintStep(QPointF position);
-    void AfterPainting(const QRect& changed, QPointF position);
+    void MoveBrush(QPointF position);
+    void ShowPainted(const QRect& changed);
     void BeginZoneDrag();
     void NoticeZoneDrag();
 

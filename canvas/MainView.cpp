@@ -15,6 +15,7 @@
 #include <QMap>
 #include <QPainterPath>
 #include <QRubberBand>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QWheelEvent>
 
@@ -42,6 +43,17 @@ int WholePixels(float pixels)
     constexpr float lowest = -2147483648.0F;
     constexpr float highest = 2147483520.0F;
     return static_cast<int>(qBound(lowest, pixels, highest));
+}
+
+/// Where in the widget the mouse is beside the whole pixel that event.pos() names. Qt keeps the
+/// device pixels of dense screens in the position in the window only.
+QPointF FractionOf(const QMouseEvent& event, const QWidget& widget)
+{
+    const QPointF inWidget = event.windowPos() - widget.mapTo(widget.window(), QPoint());
+    const QPointF fraction = inWidget - event.pos();
+    // Events that a program makes may have no position in the window.
+    const bool isFraction = qAbs(fraction.x()) <= 0.5 && qAbs(fraction.y()) <= 0.5;
+    return isFraction ? fraction : QPointF();
 }
 
 } // namespace
@@ -117,6 +129,12 @@ void MainView::resizeEvent(QResizeEvent* event)
     UpdateRulers();
 }
 
+void MainView::scrollContentsBy(int dx, int dy)
+{
+    const QScopedValueRollback<bool> moving(m_isMapMoving, true);
+    QGraphicsView::scrollContentsBy(dx, dy);
+}
+
 void MainView::UpdateRulers()
 {
     const QScrollBar* horizontal = horizontalScrollBar();
@@ -146,8 +164,11 @@ void MainView::wheelEvent(QWheelEvent* event)
     const QPointF center = mapToScene(event->position().toPoint());
     m_zoom = qBound(MinZoom, m_zoom + ZoomStep * direction, MaxZoom);
     const auto scale = static_cast<qreal>(m_zoom);
-    setTransform(QTransform::fromScale(scale, scale));
-    centerOn(center);
+    {
+        const QScopedValueRollback<bool> moving(m_isMapMoving, true);
+        setTransform(QTransform::fromScale(scale, scale));
+        centerOn(center);
+    }
     m_horizontalRuler->SetZoom(m_zoom);
     m_verticalRuler->SetZoom(m_zoom);
     UpdateRulers();
@@ -252,7 +273,10 @@ void MainView::PressA()
 void MainView::ResetZoom()
 {
     m_zoom = 1.0F;
-    resetTransform();
+    {
+        const QScopedValueRollback<bool> moving(m_isMapMoving, true);
+        resetTransform();
+    }
     m_scene->EndStroke();
     emit ZoomChanged(m_zoom);
 }
@@ -353,6 +377,19 @@ void MainView::timerEvent(QTimerEvent* event)
     }
 }
 
+void MainView::NoteMouse(const QMouseEvent& event)
+{
+    // The map may have moved below the mouse since.
+    m_scene->ContinueStrokeFrom(mapToScene(m_mousePixel) + MouseFraction());
+    m_mousePixel = event.pos();
+    m_mouseFraction = FractionOf(event, *viewport());
+}
+
+QPointF MainView::MouseFraction() const
+{
+    return transform().inverted().map(m_mouseFraction);
+}
+
 QPoint MainView::RulerMargin() const
 {
     return {m_verticalRuler->width(), m_horizontalRuler->height()};
@@ -434,6 +471,16 @@ void MainView::focusOutEvent(QFocusEvent* event)
 
 bool MainView::viewportEvent(QEvent* event)
 {
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+        NoteMouse(*static_cast<QMouseEvent*>(event));
+        break;
+    default:
+        break;
+    }
     const bool isLost = event->type() == QEvent::UngrabMouse || event->type() == QEvent::Hide ||
                         (event->type() == QEvent::EnabledChange && !viewport()->isEnabled());
     if (isLost) {

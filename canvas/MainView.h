@@ -37,6 +37,13 @@ public:
     /// Puts the rulers' origins where the map's edges are.
     void UpdateRulers();
 
+    /// Whether the map is being zoomed or scrolled. Qt sends the scene mouse moves meanwhile,
+    /// although the mouse stands still.
+    bool IsMapMoving() const { return m_isMapMoving; }
+    /// From the whole view pixel of Qt's scene events to where the mouse is, in scene units. Not
+    /// null only where a view pixel has several device pixels; at most half a view pixel.
+    QPointF MouseFraction() const;
+
 signals:
     /// The user asks to switch a zone mode on or off.
     void ModeInsert(bool isOn);
@@ -60,6 +67,7 @@ protected:
     void enterEvent(QEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
     bool viewportEvent(QEvent* event) override;
 
 private:
@@ -69,6 +77,7 @@ private:
     bool PressShortcut(QKeyEvent* event);
     void PressA();
     void ResetZoom();
+    void NoteMouse(const QMouseEvent& event);
     void BrushStep();
     void SelectionStep();
     void CopySelection();
@@ -85,5 +94,9 @@ private:
     WidgetRuler* m_horizontalRuler;
     WidgetRuler* m_verticalRuler;
     float m_zoom = 1.0F;
+    bool m_isMapMoving = false;
+    /// The mouse as the last event had it, in view pixels: the pixel and the way from there.
+    QPoint m_mousePixel;
+    QPointF m_mouseFraction;
     int m_keyTimer = 0;
 };

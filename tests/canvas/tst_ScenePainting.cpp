@@ -3,15 +3,145 @@
 #include "canvas/CurrentLayerItem.h"
 #include "tests/support/CanvasActions.h"
 #include "tests/support/CanvasFixture.h"
+#include "tests/support/LiteralCanvas.h"
+#include "tests/support/Random.h"
 
 #include <QMenu>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
+#include <QWindow>
 
 #include <limits>
 
 Q_DECLARE_METATYPE(SceneMode)
 Q_DECLARE_METATYPE(Qt::MouseButton)
+
+namespace {
+
+/// Paints with a mouse that knows quarters of a view pixel, zooms, scrolls and resizes at any time,
+/// and does the same to a plain picture. Its mouse comes from the window system.
+class StrokeRandomUser
+{
+public:
+    StrokeRandomUser()
+        : m_layer(m_canvas.AddLayer(Ink, {40, 40, 60, 50}))
+        , m_literal(literal::Display(m_layer->Image(), Ink.rgb()))
+    {
+        m_canvas.Edit(m_layer);
+        Zoom(m_canvas.view, 6);
+        MoveMouse();
+    }
+
+    void Act()
+    {
+        switch (m_random.Below(12)) {
+        case 0:
+        case 1:
+            Press();
+            break;
+        case 2:
+            Release();
+            break;
+        case 3:
+            Wheel(m_canvas.view, m_mouse.toPoint(), m_random.Below(2) == 0 ? 120 : -120,
+                  Qt::ControlModifier);
+            break;
+        case 4:
+            Wheel(m_canvas.view, m_mouse.toPoint(), m_random.Below(2) == 0 ? 120 : -120,
+                  Qt::NoModifier);
+            break;
+        case 5:
+            m_canvas.view.horizontalScrollBar()->setValue(m_random.Below(500));
+            break;
+        case 6:
+            m_canvas.view.centerOn(m_random.Below(200), m_random.Below(160));
+            break;
+        case 7:
+            m_canvas.view.resize(m_random.Between(250, 500), m_random.Between(250, 500));
+            QCoreApplication::processEvents();
+            break;
+        default:
+            MoveMouse();
+            break;
+        }
+    }
+
+    QImage Painted() const { return m_layer->Image(); }
+    QImage Expected() const { return literal::Mask(m_literal, Ink.rgb()); }
+
+    QPointF MouseInScene() const
+    {
+        const QPoint pixel = m_mouse.toPoint();
+        const QPointF fraction = m_mouse - pixel;
+        return m_canvas.view.mapToScene(pixel) + m_canvas.view.transform().inverted().map(fraction);
+    }
+
+private:
+    void Press()
+    {
+        Release();
+        // The view may have become smaller.
+        MoveMouse();
+        m_button = m_random.Below(3) == 0 ? Qt::RightButton : Qt::LeftButton;
+        m_canvas.dock.SetSize(m_random.Between(1, 24));
+        Send(QEvent::MouseButtonPress);
+        Draw(true, {});
+    }
+
+    void Release()
+    {
+        if (m_button != Qt::NoButton) {
+            Send(QEvent::MouseButtonRelease);
+            m_button = Qt::NoButton;
+        }
+    }
+
+    void MoveMouse()
+    {
+        const QPointF from = MouseInScene();
+        const QSize size = m_canvas.view.viewport()->size();
+        m_mouse = QPointF(m_random.Below(4 * size.width()), m_random.Below(4 * size.height())) / 4;
+        Send(QEvent::MouseMove);
+        if (m_button != Qt::NoButton) {
+            Draw(false, from);
+        }
+    }
+
+    void Draw(bool isDab, QPointF from)
+    {
+        const bool isErasing = m_button == Qt::RightButton;
+        literal::Paint(m_literal, {isErasing, isDab, Ink, m_canvas.dock.GetBrush()->Size(), from,
+                                   MouseInScene()});
+    }
+
+    void Send(QEvent::Type type)
+    {
+        const QPointF inWindow = m_mouse + m_canvas.view.viewport()->mapTo(&m_canvas.view, {});
+        const bool isRelease = type == QEvent::MouseButtonRelease;
+        qt_handleMouseEvent(m_canvas.view.windowHandle(), inWindow,
+                            inWindow + m_canvas.view.mapToGlobal({}),
+                            isRelease ? Qt::NoButton : m_button,
+                            type == QEvent::MouseMove ? Qt::NoButton : m_button, type,
+                            Qt::NoModifier, m_milliseconds += ClickInterval);
+        QCoreApplication::processEvents();
+    }
+
+    static constexpr QColor Ink = QColor(255, 0, 0);
+    /// Longer than that of a double click.
+    static constexpr int ClickInterval = 1000;
+
+    Random m_random;
+    CanvasFixture m_canvas;
+    Layer* m_layer;
+    QImage m_literal;
+    /// View pixels.
+    QPointF m_mouse;
+    Qt::MouseButton m_button = Qt::NoButton;
+    int m_milliseconds = 0;
+};
+
+} // namespace
 
 class tst_ScenePainting : public QObject
 {
@@ -28,6 +158,7 @@ private slots:
     void PaintsDoubleClicksToo();
     void MovesWithoutAButtonHandOver();
     void PaintsWhereTheBrushLeaves();
+    void PaintsWhereTheMouseIs();
     void IsModifiedWhenAStrokeEnds_data();
     void IsModifiedWhenAStrokeEnds();
     void ContinuesNoStrokeThatEnded();
@@ -198,6 +329,15 @@ void tst_ScenePainting::PaintsWhereTheBrushLeaves()
     QVERIFY(IsSet(*layer, 0, 10));
     QVERIFY(IsSet(*layer, 0, 80));
     QVERIFY(!IsSet(*layer, 0, 45));
+}
+
+void tst_ScenePainting::PaintsWhereTheMouseIs()
+{
+    StrokeRandomUser user;
+    for (int i = 0; i < 600; ++i) {
+        user.Act();
+        QCOMPARE(user.Painted(), user.Expected());
+    }
 }
 
 void tst_ScenePainting::IsModifiedWhenAStrokeEnds_data()
