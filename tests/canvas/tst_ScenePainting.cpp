@@ -100,7 +100,8 @@ private:
     void MoveMouse()
     {
         const QPointF from = MouseInScene();
-        const QSize size = m_canvas.view.viewport()->size();
+        // Positions are rounded to pixels, and the last quarters would be beside the viewport.
+        const QSize size = m_canvas.view.viewport()->size() - QSize(1, 1);
         m_mouse = QPointF(m_random.Below(4 * size.width()), m_random.Below(4 * size.height())) / 4;
         Send(QEvent::MouseMove);
         if (m_button != Qt::NoButton) {
