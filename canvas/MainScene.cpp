@@ -391,7 +391,7 @@ void MainScene::mouseMoveEvent(QGraphicsSceneMouseEvent* event)
     m_mousePosition = event->scenePos();
     if (m_mode == SceneMode::Paint) {
         m_mousePosition = BrushPositionOf(*event);
-        if (m_view->IsMapMoving()) {
+        if (m_stroke == BrushAction::None || m_view->IsMapMoving()) {
             MoveBrush(m_mousePosition);
         } else {
             PaintStep(m_mousePosition);

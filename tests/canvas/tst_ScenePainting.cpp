@@ -157,7 +157,7 @@ private slots:
     void PaintsWithTheLeftButton();
     void ErasesWithTheRightButton();
     void PaintsDoubleClicksToo();
-    void MovesWithoutAButtonHandOver();
+    void MovesWithoutAButtonKeepTheMask();
     void PaintsWhereTheBrushLeaves();
     void PaintsWhereTheMouseIs();
     void IsModifiedWhenAStrokeEnds_data();
@@ -300,7 +300,7 @@ void tst_ScenePainting::PaintsDoubleClicksToo()
     canvas.Release({120, 50}, Qt::RightButton);
 }
 
-void tst_ScenePainting::MovesWithoutAButtonHandOver()
+void tst_ScenePainting::MovesWithoutAButtonKeepTheMask()
 {
     CanvasFixture canvas;
     Layer* layer = canvas.AddLayer(Qt::red, {20, 20, 50, 50});
@@ -311,9 +311,18 @@ void tst_ScenePainting::MovesWithoutAButtonHandOver()
     canvas.Modified() = false;
     QCOMPARE(layer->Image().pixelIndex(0, 0), 100);
     canvas.Move({100, 100}, Qt::NoButton);
-    QCOMPARE(layer->Image().pixelIndex(0, 0), 0);
-    QCOMPARE(Area(*layer), 2500);
+    QCOMPARE(layer->Image().pixelIndex(0, 0), 100);
+    QCOMPARE(BrushCursor(canvas)->pos(), QPointF(100, 100));
+    QCOMPARE(canvas.dock.GetBrush()->Position(), QPointF(100, 100));
     QVERIFY(!canvas.TakeModified());
+    // A stroke makes a painted mask of it.
+    canvas.Press({100, 100});
+    QCOMPARE(layer->Image().pixelIndex(0, 0), 0);
+    canvas.Release({100, 100});
+    // So does not what follows a stroke.
+    layer->SetImage(mask, Qt::red);
+    canvas.Move({120, 100}, Qt::NoButton);
+    QCOMPARE(layer->Image(), mask);
 }
 
 void tst_ScenePainting::PaintsWhereTheBrushLeaves()
