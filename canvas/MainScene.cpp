@@ -263,6 +263,9 @@ void MainScene::EndPan()
         m_isPanning = false;
         ChangeMode(m_savedMode);
         m_view->setDragMode(QGraphicsView::NoDrag);
+        if (m_panEnded) {
+            m_panEnded(m_mode);
+        }
     }
 }
 

@@ -11,7 +11,9 @@
 #include <QPointF>
 #include <QVector>
 
+#include <functional>
 #include <memory>
+#include <utility>
 
 class Brush;
 class CurrentLayerItem;
@@ -40,9 +42,11 @@ public:
     Layer* CurrentLayer() const;
 
     /// Pans while the space bar is held: the view drags the map. At the end the mode before is
-    /// restored, unless no panning began.
+    /// restored, whatever mode was set meanwhile, unless no panning began.
     void BeginPan();
     void EndPan();
+    /// Is called at the end of panning with the mode that was restored; may be empty.
+    void SetPanEnded(std::function<void(SceneMode)> callback) { m_panEnded = std::move(callback); }
     /// No world picture; the overlay stays.
     void ClearWorld();
     /// Whatever else ends a stroke than its button.
@@ -131,6 +135,7 @@ private:
     SceneMode m_mode = SceneMode::None;
     SceneMode m_savedMode = SceneMode::None;
     bool m_isPanning = false;
+    std::function<void(SceneMode)> m_panEnded;
     BrushAction m_stroke = BrushAction::None;
     /// Where the zones were when the mouse took hold of them.
     QVector<QPair<Tracked<Zone>, QPointF>> m_dragStart;

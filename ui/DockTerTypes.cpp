@@ -117,11 +117,11 @@ bool DockTerTypes::ExportChecked() const
     return m_list.ExportChecked();
 }
 
-void DockTerTypes::ResetModeButtons()
+void DockTerTypes::ShowMode(SceneMode mode)
 {
-    m_ui->btnToggleZoneInsert->setChecked(false);
-    m_ui->btnToggleZoneSelect->setChecked(false);
-    m_ui->btnToggleQueryTer->setChecked(false);
+    m_ui->btnToggleZoneInsert->setChecked(mode == SceneMode::Insert);
+    m_ui->btnToggleZoneSelect->setChecked(mode == SceneMode::Select);
+    m_ui->btnToggleQueryTer->setChecked(mode == SceneMode::Query);
 }
 
 void DockTerTypes::ClearSelection()
@@ -364,7 +364,7 @@ void DockTerTypes::SetMode(QPushButton* button, ModeSignal changed, bool isOn)
         return;
     }
     if (isOn) {
-        ResetModeButtons();
+        ShowMode(SceneMode::None);
     }
     button->setChecked(isOn);
     emit(this->*changed)(isOn);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Tracked.h"
+#include "canvas/SceneMode.h"
 #include "territories/TerritoryTypeList.h"
 
 #include <QDockWidget>
@@ -49,8 +50,9 @@ public:
     bool ExportAll() const;
     bool ExportChecked() const;
 
-    /// Unchecks the zone mode buttons without a signal, for when another mode begins.
-    void ResetModeButtons();
+    /// Checks the button of the mode and unchecks the others, without a signal. Only the zone modes
+    /// have buttons.
+    void ShowMode(SceneMode mode);
     /// No zone, no row and no current row any more.
     void ClearSelection();
     /// Whether zones can be removed and copied, i.e. some are selected.

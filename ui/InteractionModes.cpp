@@ -8,26 +8,41 @@
 InteractionModes::InteractionModes(const EditorParts& parts)
     : m_parts(parts)
 {
+    m_parts.scene.SetPanEnded([this](SceneMode mode) { ShowRestoredMode(mode); });
 }
 
-void InteractionModes::ShowPaintMode(bool isOn)
+InteractionModes::~InteractionModes()
+{
+    m_parts.scene.SetPanEnded({});
+}
+
+void InteractionModes::ShowPaint(bool isOn)
 {
     m_parts.form.gboPaintMode->setChecked(isOn);
     m_parts.form.actionTogglePaintMode->setChecked(isOn);
     m_parts.brush.setVisible(isOn);
+}
+
+void InteractionModes::ShowRestoredMode(SceneMode mode)
+{
+    ShowPaint(mode == SceneMode::Paint);
+    m_parts.terTypes.ShowMode(mode);
+}
+
+void InteractionModes::ChangePaint(bool isOn)
+{
+    ShowPaint(isOn);
     EnableZoomLabels();
     m_parts.scene.clearSelection();
-    // Else the space bar, once released, would bring back the mode that is left here.
-    m_parts.scene.EndPan();
     m_parts.scene.ChangeMode(SceneMode::None);
 }
 
 void InteractionModes::TogglePaint(bool isOn)
 {
     if (isOn) {
-        m_parts.terTypes.ResetModeButtons();
+        m_parts.terTypes.ShowMode(SceneMode::Paint);
     }
-    ShowPaintMode(isOn);
+    ChangePaint(isOn);
     if (isOn) {
         m_parts.scene.ChangeMode(SceneMode::Paint);
     }
@@ -35,7 +50,7 @@ void InteractionModes::TogglePaint(bool isOn)
 
 void InteractionModes::EnterZoneMode(SceneMode mode, bool isOn)
 {
-    ShowPaintMode(false);
+    ChangePaint(false);
     if (isOn) {
         m_parts.scene.ChangeMode(mode);
     }
@@ -43,13 +58,17 @@ void InteractionModes::EnterZoneMode(SceneMode mode, bool isOn)
 
 void InteractionModes::Reset()
 {
-    ShowPaintMode(false);
+    // What the mode before worked on is gone, so that panning must not bring it back.
+    m_parts.scene.EndPan();
+    ChangePaint(false);
 }
 
 void InteractionModes::LeavePaint()
 {
     if (m_parts.form.gboPaintMode->isChecked() || m_parts.scene.Mode() == SceneMode::Paint) {
-        ShowPaintMode(false);
+        // With nothing to paint, panning must not bring the mode back.
+        m_parts.scene.EndPan();
+        ChangePaint(false);
     }
 }
 

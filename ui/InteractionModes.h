@@ -3,12 +3,16 @@
 #include "canvas/SceneMode.h"
 #include "ui/EditorParts.h"
 
+#include <QtGlobal>
+
 /// Switches what the mouse does on the map, and keeps the controls that show it together: the paint
 /// mode box and its action, the brush dock and the zone buttons.
 class InteractionModes
 {
 public:
     explicit InteractionModes(const EditorParts& parts);
+    ~InteractionModes();
+    Q_DISABLE_COPY(InteractionModes)
 
     /// Paint mode on or off; on unchecks the zone buttons.
     void TogglePaint(bool isOn);
@@ -23,7 +27,11 @@ public:
     void EnableZoomLabels();
 
 private:
-    void ShowPaintMode(bool isOn);
+    /// The controls only.
+    void ShowPaint(bool isOn);
+    void ShowRestoredMode(SceneMode mode);
+    /// Shows whether paint mode is on, and ends the mode before.
+    void ChangePaint(bool isOn);
 
     EditorParts m_parts;
 };

@@ -228,7 +228,7 @@ void ProjectActions::BeginReplacing()
 void ProjectActions::EmptyLists()
 {
     m_modes.Reset();
-    m_parts.terTypes.ResetModeButtons();
+    m_parts.terTypes.ShowMode(SceneMode::None);
     m_parts.terTypes.ClearSelection();
     m_composition.SetCurrent(nullptr);
     m_parts.scene.ChangeLayer(nullptr);

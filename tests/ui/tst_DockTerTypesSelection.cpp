@@ -321,7 +321,7 @@ void tst_DockTerTypesSelection::ResetsModeButtonsSilently()
     fixture.MakeCurrent(fixture.north);
     fixture.Click("btnToggleZoneInsert");
 
-    fixture.types->ResetModeButtons();
+    fixture.types->ShowMode(SceneMode::None);
 
     QCOMPARE(fixture.Buttons(), QStringLiteral("ZoneInsert ZoneSelect QueryTer"));
     QCOMPARE(fixture.modes, QStringList({"insert"}));

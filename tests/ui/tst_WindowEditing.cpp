@@ -16,6 +16,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMap>
 #include <QPainter>
 #include <QPen>
 #include <QSignalSpy>
@@ -83,7 +84,9 @@ private slots:
     void PaintsTheCurrentLayer();
     void PaintModeIsLeft_data();
     void PaintModeIsLeft();
-    void PaintModeThatWasLeftWhilePanningStaysLeft();
+    void PanningBringsTheModeBack_data();
+    void PanningBringsTheModeBack();
+    void PanningBringsNoPaintModeBackWithoutALayer();
     void ShowsCheckedLayers();
     void SelectingALayerMakesItCurrent();
     void RemovingTheCurrentLayerTakesTheNext();
@@ -192,14 +195,61 @@ void tst_WindowEditing::PaintModeIsLeft()
     QVERIFY(editor.Scene().Mode() != SceneMode::Paint);
 }
 
-void tst_WindowEditing::PaintModeThatWasLeftWhilePanningStaysLeft()
+void tst_WindowEditing::PanningBringsTheModeBack_data()
+{
+    QTest::addColumn<int>("before");
+    QTest::addColumn<int>("meanwhile");
+
+    const char* const names[] = {"none", "paint", "insert", "select", "query"};
+    const SceneMode modes[] = {SceneMode::None, SceneMode::Paint, SceneMode::Insert,
+                               SceneMode::Select, SceneMode::Query};
+    for (int before = 0; before < 5; ++before) {
+        for (int meanwhile = 0; meanwhile < 5; ++meanwhile) {
+            QTest::addRow("%s, %s meanwhile", names[before], names[meanwhile])
+                << int(modes[before]) << int(modes[meanwhile]);
+        }
+    }
+}
+
+void tst_WindowEditing::PanningBringsTheModeBack()
+{
+    QFETCH(int, before);
+    QFETCH(int, meanwhile);
+    Editor editor;
+    editor.SelectTerritory();
+    const QMap<SceneMode, const char*> buttons = {{SceneMode::Insert, "btnToggleZoneInsert"},
+                                                  {SceneMode::Select, "btnToggleZoneSelect"},
+                                                  {SceneMode::Query, "btnToggleQueryTer"}};
+    const auto toggle = [&editor, &buttons](SceneMode mode) {
+        if (mode == SceneMode::Paint) {
+            editor.Trigger("actionTogglePaintMode");
+        } else if (mode != SceneMode::None) {
+            editor.Click(buttons[mode]);
+        }
+    };
+    const auto modeBefore = static_cast<SceneMode>(before);
+    toggle(modeBefore);
+    QTest::keyPress(&editor.View(), Qt::Key_Space);
+    QCOMPARE(editor.Scene().Mode(), SceneMode::Pan);
+
+    // The mode before is left that way too.
+    toggle(static_cast<SceneMode>(meanwhile));
+    QTest::keyRelease(&editor.View(), Qt::Key_Space);
+
+    QCOMPARE(editor.Scene().Mode(), modeBefore);
+    QCOMPARE(editor.View().dragMode(), QGraphicsView::NoDrag);
+    QCOMPARE(editor.IsPaintShown(), modeBefore == SceneMode::Paint);
+    for (auto it = buttons.begin(); it != buttons.end(); ++it) {
+        QCOMPARE(editor.Button(it.value())->isChecked(), it.key() == modeBefore);
+    }
+}
+
+void tst_WindowEditing::PanningBringsNoPaintModeBackWithoutALayer()
 {
     Editor editor;
     editor.Trigger("actionTogglePaintMode");
     QTest::keyPress(&editor.View(), Qt::Key_Space);
-    QCOMPARE(editor.Scene().Mode(), SceneMode::Pan);
-
-    editor.Trigger("actionTogglePaintMode");
+    editor.Click("btnHideAll");
     QTest::keyRelease(&editor.View(), Qt::Key_Space);
 
     QVERIFY(!editor.IsPaintShown());
