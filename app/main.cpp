@@ -3,6 +3,7 @@
 #include "app/Gui.h"
 #include "app/Log.h"
 #include "ui/QuillmapWindow.h"
+#include "ui/widgets/IndicatorStyle.h"
 
 #include <QApplication>
 #include <QTextCodec>
@@ -13,6 +14,7 @@ namespace {
 
 int RunEditor(const QString& configPath)
 {
+    ShowIndicatorsInDarkPalettes();
     QuillmapWindow window(configPath);
     window.show();
     return QApplication::exec();
