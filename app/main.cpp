@@ -30,7 +30,12 @@ int main(int argc, char* argv[])
     // Paths and console messages are UTF-8, also in the C locale.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     ChoosePlatform(argc, argv);
+    // Sizes in the code are pixels of a screen of 96 dpi; Qt scales them on denser ones. Both hold
+    // only when set before the application is made.
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
+        Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     QApplication application(argc, argv);
     KeepEveryMouseMove();
 

@@ -1,6 +1,7 @@
 #include "ui/DialogNewProject.h"
 
 #include "ui/FileDialogs.h"
+#include "ui/widgets/LimitFont.h"
 #include "ui/widgets/WheelFocus.h"
 #include "ui_DialogNewProject.h"
 
@@ -12,6 +13,7 @@ DialogNewProject::DialogNewProject(QWidget* parent)
     , m_ui(std::make_unique<Ui::DialogNewProject>())
 {
     m_ui->setupUi(this);
+    LimitFont(*this);
     TakeWheelOnlyWithFocus(m_ui->spinLayerSizeX);
     TakeWheelOnlyWithFocus(m_ui->spinWorldSizeX);
     connect(m_ui->btnSelectWorldImg, &QPushButton::clicked, this,

@@ -10,6 +10,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScopeGuard>
+#include <QSpinBox>
 #include <QTest>
 
 #include <unistd.h>
@@ -59,6 +61,7 @@ private slots:
     void NeedsAProjectFileThatCanBeWritten();
     void Cancels();
     void EnterPressesNoButton();
+    void ClipsNothing_data();
     void ClipsNothing();
 
 private:
@@ -285,19 +288,38 @@ void tst_DialogNewProject::EnterPressesNoButton()
     QCOMPARE(dialog.result(), int(QDialog::Accepted));
 }
 
+void tst_DialogNewProject::ClipsNothing_data()
+{
+    QTest::addColumn<int>("points");
+
+    for (const int points : {9, 11, 14, 20}) {
+        QTest::addRow("%d points", points) << points;
+    }
+}
+
 void tst_DialogNewProject::ClipsNothing()
 {
+    QFETCH(int, points);
+    const QFont usual = QApplication::font();
+    QFont font = usual;
+    font.setPointSize(points);
+    QApplication::setFont(font);
+    const auto restore = qScopeGuard([usual] { QApplication::setFont(usual); });
     DialogNewProject dialog;
     dialog.show();
-    const QList<QPushButton*> buttons = dialog.findChildren<QPushButton*>();
-    for (const QPushButton* button : buttons) {
-        QVERIFY2(button->width() >= button->minimumSizeHint().width(),
-                 qPrintable(button->objectName()));
-    }
-    const QList<QLabel*> labels = dialog.findChildren<QLabel*>();
-    for (const QLabel* label : labels) {
-        QVERIFY2(label->width() >= label->minimumSizeHint().width(),
-                 qPrintable(label->objectName()));
+
+    QCOMPARE(dialog.size(), QSize(340, 200));
+    QVERIFY(dialog.fontInfo().pointSize() <= points);
+    const QList<QWidget*> controls = dialog.findChildren<QWidget*>();
+    for (const QWidget* control : controls) {
+        const bool isOwn =
+            qobject_cast<const QPushButton*>(control) || qobject_cast<const QLabel*>(control) ||
+            qobject_cast<const QLineEdit*>(control) || qobject_cast<const QSpinBox*>(control);
+        const QSize smallest = control->minimumSizeHint();
+        if (isOwn && !control->objectName().startsWith(QLatin1String("qt_"))) {
+            QVERIFY2(control->width() >= smallest.width(), qPrintable(control->objectName()));
+            QVERIFY2(control->height() >= smallest.height(), qPrintable(control->objectName()));
+        }
     }
 }
 
