@@ -20,11 +20,12 @@
 #include "ui/ProjectActions.h"
 #include "ui/StatusTexts.h"
 #include "ui/WindowState.h"
+#include "ui/widgets/LimitFont.h"
 #include "ui_QuillmapWindow.h"
 
 #include <QCloseEvent>
 #include <QMessageBox>
-#include <QScreen>
+#include <QResizeEvent>
 #include <QTimer>
 
 namespace {
@@ -35,13 +36,6 @@ constexpr int CloseRetryMilliseconds = 50;
 const QString AxisX = QStringLiteral("X");
 const QString AxisZ = QStringLiteral("Z");
 
-/// Beside both docks on a small screen there is not always room for the whole text.
-void ShowText(QLabel& label, const QString& text)
-{
-    label.setText(text);
-    label.setToolTip(text);
-}
-
 } // namespace
 
 QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
@@ -49,6 +43,11 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     , m_ui(std::make_unique<Ui::QuillmapWindowClass>())
 {
     m_ui->setupUi(this);
+    for (QWidget* widget : std::initializer_list<QWidget*>{
+             m_ui->gboPaintMode, m_ui->lblZoom, m_ui->lblZoomValue, m_ui->gboWorldScale,
+             m_ui->gboWorldRSteps, m_ui->gboWorldPos, m_ui->gboBgOver}) {
+        LimitFont(*widget);
+    }
     ZoneIcons::Load();
     AddDocks();
     const EditorParts parts{
@@ -67,7 +66,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     m_status->SetProgressVisible(false);
     SetTitle(QString());
     move(FirstPlace);
-    FitScreen();
+    WindowState::FitScreen(*this);
     if (!configPath.isEmpty()) {
         OpenForViewing(configPath);
     }
@@ -75,6 +74,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     m_project->EnableEditing(false);
     m_brush->setVisible(m_ui->gboPaintMode->isChecked());
     ShowDockStates();
+    WindowState::MaximizeIfTooLarge(*this);
     m_ui->paintView->SetBrushDock(m_brush.get());
     const ProjectSettings& settings = ProjectSettings::Instance();
     if (settings.layerWidth > 0) {
@@ -108,15 +108,6 @@ void QuillmapWindow::AddDocks()
     addDockWidget(Qt::RightDockWidgetArea, m_brush.get());
     m_terTypes->hide();
     m_terTypeProps->hide();
-}
-
-/// As large as the form has it, unless the screen is smaller; what the window system adds around it
-/// is not known yet.
-void QuillmapWindow::FitScreen()
-{
-    constexpr QSize frame(20, 50);
-    const QSize room = screen()->availableGeometry().size() - QSize(FirstPlace.x(), FirstPlace.y());
-    resize(size().boundedTo(room - frame));
 }
 
 /// The project is there to be looked at; what the user was working on last decides where file
@@ -325,18 +316,27 @@ void QuillmapWindow::SetZoomLevel(float zoom)
 void QuillmapWindow::UpdateWorldScale()
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    ShowText(*m_ui->lblWorldScaleX, StatusTexts::Scale(AxisX, settings.metresPerPixelX));
-    ShowText(*m_ui->lblWorldScaleZ, StatusTexts::Scale(AxisZ, settings.metresPerPixelZ));
-    ShowText(*m_ui->lblWorldRStepX, StatusTexts::RulerStep(AxisX, settings.metresPerPixelX));
-    ShowText(*m_ui->lblWorldRStepZ, StatusTexts::RulerStep(AxisZ, settings.metresPerPixelZ));
+    m_ui->lblWorldScaleX->setText(StatusTexts::Scale(AxisX, settings.metresPerPixelX));
+    m_ui->lblWorldScaleZ->setText(StatusTexts::Scale(AxisZ, settings.metresPerPixelZ));
+    m_ui->lblWorldRStepX->setText(StatusTexts::RulerStep(AxisX, settings.metresPerPixelX));
+    m_ui->lblWorldRStepZ->setText(StatusTexts::RulerStep(AxisZ, settings.metresPerPixelZ));
 }
 
 void QuillmapWindow::UpdateWorldPos(int x, int z)
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
     const float zoom = m_ui->paintView->Zoom();
-    ShowText(*m_ui->lblWorldPosX, StatusTexts::Position(AxisX, x, zoom, settings.metresPerPixelX));
-    ShowText(*m_ui->lblWorldPosZ, StatusTexts::Position(AxisZ, z, zoom, settings.metresPerPixelZ));
+    m_ui->lblWorldPosX->setText(StatusTexts::Position(AxisX, x, zoom, settings.metresPerPixelX));
+    m_ui->lblWorldPosZ->setText(StatusTexts::Position(AxisZ, z, zoom, settings.metresPerPixelZ));
+}
+
+void QuillmapWindow::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    // Not the user, but a dock that was opened made the window larger.
+    if (!event->spontaneous() && isVisible()) {
+        QTimer::singleShot(0, this, [this] { WindowState::KeepOnScreen(*this); });
+    }
 }
 
 void QuillmapWindow::closeEvent(QCloseEvent* event)

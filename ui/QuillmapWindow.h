@@ -84,10 +84,10 @@ public slots:
 protected:
     void closeEvent(QCloseEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void AddDocks();
-    void FitScreen();
     void ConnectLog();
     void ConnectActions();
     void ConnectLayers();

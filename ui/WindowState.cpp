@@ -10,6 +10,9 @@
 namespace {
 
 constexpr int StateVersion = 0;
+/// What a window system usually adds around a window. How much it is, is known only when the window
+/// is shown.
+constexpr QSize Frame(4, 30);
 
 bool IsOnScreen(const QRect& rect)
 {
@@ -43,6 +46,43 @@ void RestoreDocks(QMainWindow& window, const QByteArray& state)
 } // namespace
 
 namespace WindowState {
+
+void FitScreen(QMainWindow& window)
+{
+    const QRect screen = window.screen()->availableGeometry();
+    const QPoint end = screen.bottomRight() + QPoint(1, 1);
+    const QSize smallest = window.minimumSizeHint() + Frame;
+    window.move(qMax(screen.left(), qMin(window.x(), end.x() - smallest.width())),
+                qMax(screen.top(), qMin(window.y(), end.y() - smallest.height())));
+    const QPoint room = end - window.pos();
+    window.resize(window.size().boundedTo(QSize(room.x(), room.y()) - Frame));
+}
+
+void MaximizeIfTooLarge(QMainWindow& window)
+{
+    const QSize smallest = window.minimumSizeHint() + Frame;
+    const QSize room = window.screen()->availableGeometry().size();
+    if (smallest.width() > room.width() || smallest.height() > room.height()) {
+        window.setWindowState(window.windowState() | Qt::WindowMaximized);
+    }
+}
+
+void KeepOnScreen(QMainWindow& window)
+{
+    if (window.isMaximized() || window.isFullScreen()) {
+        return;
+    }
+    // A window may stand on several screens.
+    const QRect room = window.screen()->availableVirtualGeometry();
+    const QRect frame = window.frameGeometry();
+    const QPoint last = room.bottomRight() - QPoint(frame.width() - 1, frame.height() - 1);
+    // Of a window that is larger than the screen, the upper left corner is shown.
+    const QPoint place(qMax(room.left(), qMin(frame.left(), last.x())),
+                       qMax(room.top(), qMin(frame.top(), last.y())));
+    if (place != frame.topLeft()) {
+        window.move(place);
+    }
+}
 
 void Restore(QMainWindow& window)
 {

@@ -2,9 +2,17 @@
 
 class QMainWindow;
 
-/// Where the main window and its docks stood when it was last closed, and the folder of the project
-/// that was open, kept in the user's settings.
+/// Where the main window and its docks stand: on the screen, and as they did when it was last closed.
+/// That and the folder of the project that was open are kept in the user's settings.
 namespace WindowState {
+
+/// Makes a window that is not shown yet smaller where it would reach over the right or lower edge
+/// of its screen; where its smallest size does not fit there, moves it left or up.
+void FitScreen(QMainWindow& window);
+/// Maximises a window whose smallest size, with the docks that are open, does not fit the screen.
+void MaximizeIfTooLarge(QMainWindow& window);
+/// Moves a shown window back where it reaches over an edge of the screens.
+void KeepOnScreen(QMainWindow& window);
 
 /// What was never stored, does not fit this program or would leave the window off every screen is
 /// passed over. Without a stored folder the project's becomes the working directory.

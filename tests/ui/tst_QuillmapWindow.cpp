@@ -4,12 +4,15 @@
 #include "canvas/WidgetRuler.h"
 #include "tests/support/Forms.h"
 #include "tests/support/WindowFixture.h"
+#include "ui/widgets/ElidedLabel.h"
+#include "ui/widgets/NamedGroupBox.h"
 
 #include <QApplication>
 #include <QGroupBox>
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
+#include <QScreen>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTest>
@@ -30,6 +33,23 @@ QStringList Texts(const QWidget& widget)
         texts.append(action->isSeparator() ? "|" : action->objectName());
     }
     return texts;
+}
+
+/// The smallest screen that the window is made for, in logical pixels.
+constexpr QSize SmallScreen(1366, 768);
+/// A title bar and borders, as window systems draw them.
+constexpr QSize WindowFrame(4, 30);
+
+/// Opens every dock of the window.
+void OpenDocks(WindowFixture& fixture)
+{
+    fixture.Load(fixture.WriteProject());
+    fixture.Trigger("actionViewTerritoryTypes");
+    fixture.Trigger("actionTogglePaintMode");
+    for (const char* dock : {"DockLayers", "DockLayerProps", "DockTerTypes", "DockTerTypeProps",
+                             "BrushDock", "DockStatus"}) {
+        QVERIFY2(fixture.Child<QWidget>(dock)->isVisible(), dock);
+    }
 }
 
 } // namespace
@@ -59,6 +79,11 @@ private slots:
     void DeclaresTheSignalThatIsNeverEmitted();
     void EnterAnswersNoQuestion_data();
     void EnterAnswersNoQuestion();
+    void CutsNoTextBelowTheMap_data();
+    void CutsNoTextBelowTheMap();
+    void FitsASmallScreenWithAllDocks();
+    void StaysOnTheScreenWhenDocksOpen();
+    void OpensMaximizedWhereItDoesNotFit();
 };
 
 void tst_QuillmapWindow::HasItsForm_data()
@@ -476,6 +501,87 @@ void tst_QuillmapWindow::EnterAnswersNoQuestion()
     QVERIFY(fixture.Modified());
     QCOMPARE(fixture.window->windowTitle(), "small - Tarvo Ledger Tool");
     QCOMPARE(fixture.Child<QTreeView>("treeLayers")->model()->rowCount(), 2);
+}
+
+void tst_QuillmapWindow::CutsNoTextBelowTheMap_data()
+{
+    QTest::addColumn<bool>("isWithTerritories");
+
+    QTest::newRow("first start") << false;
+    QTest::newRow("all docks") << true;
+}
+
+void tst_QuillmapWindow::CutsNoTextBelowTheMap()
+{
+    QFETCH(bool, isWithTerritories);
+    WindowFixture fixture;
+    if (isWithTerritories) {
+        OpenDocks(fixture);
+    }
+    fixture.window->showNormal();
+    fixture.window->resize(fixture.window->minimumSizeHint());
+    ProjectSettings::Instance().SetSizes(2048, 2048, 15360, 15360);
+    fixture.window->UpdateWorldScale();
+    fixture.window->UpdateWorldPos(2047, 2047);
+    QCoreApplication::processEvents();
+
+    QTRY_COMPARE(fixture.Child<ElidedLabel>("lblWorldRStepX")->ElidedText(), "X step = 187.5 m");
+    const QList<ElidedLabel*> labels = fixture.window->findChildren<ElidedLabel*>();
+    QCOMPARE(labels.size(), 6);
+    for (const ElidedLabel* label : labels) {
+        QCOMPARE(label->ElidedText(), label->text());
+        QVERIFY(label->height() >= label->sizeHint().height());
+    }
+    for (const char* name :
+         {"gboPaintMode", "gboWorldScale", "gboWorldRSteps", "gboWorldPos", "gboBgOver"}) {
+        const auto* group = fixture.Child<NamedGroupBox>(name);
+        QVERIFY2(group, name);
+        QCOMPARE(group->ElidedTitle(), group->title());
+    }
+}
+
+void tst_QuillmapWindow::FitsASmallScreenWithAllDocks()
+{
+    WindowFixture fixture;
+    OpenDocks(fixture);
+
+    const QSize smallest = fixture.window->minimumSizeHint() + WindowFrame;
+
+    QVERIFY2(smallest.width() <= SmallScreen.width(),
+             qPrintable(QString::number(smallest.width())));
+    QVERIFY2(smallest.height() <= SmallScreen.height(),
+             qPrintable(QString::number(smallest.height())));
+}
+
+void tst_QuillmapWindow::StaysOnTheScreenWhenDocksOpen()
+{
+    WindowFixture fixture;
+    const QRect room = fixture.window->screen()->availableGeometry();
+    if (room.width() < SmallScreen.width() || room.height() < SmallScreen.height()) {
+        QSKIP("The screen is too small for the window.");
+    }
+    QVERIFY(QTest::qWaitForWindowExposed(fixture.window.get()));
+    QTRY_VERIFY2(room.contains(fixture.window->frameGeometry()), "first start");
+
+    OpenDocks(fixture);
+    QTRY_VERIFY2(room.contains(fixture.window->frameGeometry()), "all docks");
+    for (int i = 0; i < 2; ++i) {
+        for (const char* action :
+             {"actionViewLayers", "actionViewStatus", "actionViewTerritoryTypes"}) {
+            fixture.Trigger(action);
+            QTRY_VERIFY2(room.contains(fixture.window->frameGeometry()), action);
+        }
+    }
+}
+
+void tst_QuillmapWindow::OpensMaximizedWhereItDoesNotFit()
+{
+    const WindowFixture fixture;
+    const QSize room = fixture.window->screen()->availableGeometry().size();
+    const bool isLarge =
+        room.width() >= SmallScreen.width() && room.height() >= SmallScreen.height();
+
+    QCOMPARE(fixture.window->isMaximized(), !isLarge);
 }
 
 QTEST_MAIN(tst_QuillmapWindow)

@@ -19,7 +19,7 @@ constexpr int FirstAlpha = 128;
 } // namespace
 
 GroupBoxColor::GroupBoxColor(QWidget* parent)
-    : QGroupBox(parent)
+    : NamedGroupBox(parent)
     , m_button(new ButtonColor(this))
     , m_slider(new QSlider(Qt::Horizontal, this))
     , m_label(new QLabel(this))

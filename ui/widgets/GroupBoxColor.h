@@ -1,14 +1,15 @@
 #pragma once
 
+#include "ui/widgets/NamedGroupBox.h"
+
 #include <QColor>
-#include <QGroupBox>
 
 class ButtonColor;
 class QLabel;
 class QSlider;
 
 /// A box with a colour button and an opacity slider, as for a layer or the brush's cursor.
-class GroupBoxColor : public QGroupBox
+class GroupBoxColor : public NamedGroupBox
 {
     Q_OBJECT
 

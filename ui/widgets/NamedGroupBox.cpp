@@ -8,8 +8,8 @@
 
 namespace {
 
-/// What styles leave free beside a title.
-constexpr int TitleMargin = 8;
+/// What styles add to the width of a title.
+constexpr int TitleMargin = 2;
 
 } // namespace
 
@@ -26,7 +26,14 @@ QSize NamedGroupBox::minimumSizeHint() const
 
 QString NamedGroupBox::ElidedTitle() const
 {
-    return fontMetrics().elidedText(title(), Qt::ElideRight, width() - 2 * TitleMargin,
+    // Where a title begins does not depend on its length, as long as it fits.
+    QStyleOptionGroupBox option;
+    initStyleOption(&option);
+    option.text = QStringLiteral("m");
+    const QRect label =
+        style()->subControlRect(QStyle::CC_GroupBox, &option, QStyle::SC_GroupBoxLabel, this);
+    const int begin = QStyle::visualRect(option.direction, rect(), label).left();
+    return fontMetrics().elidedText(title(), Qt::ElideRight, width() - begin - 2 * TitleMargin,
                                     Qt::TextShowMnemonic);
 }
 
