@@ -36,6 +36,19 @@ constexpr int CloseRetryMilliseconds = 50;
 const QString AxisX = QStringLiteral("X");
 const QString AxisZ = QStringLiteral("Z");
 
+/// What the Tab key reaches within the widget, in its present order.
+QList<QWidget*> TabStops(QWidget& within)
+{
+    QList<QWidget*> stops;
+    for (QWidget* widget = within.nextInFocusChain(); widget != &within;
+         widget = widget->nextInFocusChain()) {
+        if (within.isAncestorOf(widget) && (widget->focusPolicy() & Qt::TabFocus) != 0) {
+            stops.append(widget);
+        }
+    }
+    return stops;
+}
+
 } // namespace
 
 QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
@@ -108,6 +121,21 @@ void QuillmapWindow::AddDocks()
     addDockWidget(Qt::RightDockWidgetArea, m_brush.get());
     m_terTypes->hide();
     m_terTypeProps->hide();
+    OrderTabs();
+}
+
+/// The Tab key goes from dock to dock as the eye does; docks are made in another order.
+void QuillmapWindow::OrderTabs()
+{
+    QList<QWidget*> stops;
+    for (QWidget* dock :
+         std::initializer_list<QWidget*>{m_layers.get(), m_layerProps.get(), m_terTypes.get(),
+                                         m_terTypeProps.get(), m_brush.get(), m_status.get()}) {
+        stops += TabStops(*dock);
+    }
+    for (int i = 1; i < stops.size(); ++i) {
+        setTabOrder(stops[i - 1], stops[i]);
+    }
 }
 
 /// The project is there to be looked at; what the user was working on last decides where file

@@ -88,6 +88,7 @@ protected:
 
 private:
     void AddDocks();
+    void OrderTabs();
     void ConnectLog();
     void ConnectActions();
     void ConnectLayers();

@@ -84,6 +84,7 @@ private slots:
     void FitsASmallScreenWithAllDocks();
     void StaysOnTheScreenWhenDocksOpen();
     void OpensMaximizedWhereItDoesNotFit();
+    void TabsFromTheLayersToTheirProperties();
 };
 
 void tst_QuillmapWindow::HasItsForm_data()
@@ -582,6 +583,26 @@ void tst_QuillmapWindow::OpensMaximizedWhereItDoesNotFit()
         room.width() >= SmallScreen.width() && room.height() >= SmallScreen.height();
 
     QCOMPARE(fixture.window->isMaximized(), !isLarge);
+}
+
+void tst_QuillmapWindow::TabsFromTheLayersToTheirProperties()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    fixture.window->activateWindow();
+    fixture.Child<QWidget>("btnAddCustom")->setFocus();
+    QStringList order;
+    for (int i = 0; i < 9; ++i) {
+        QTRY_VERIFY(QApplication::focusWidget());
+        QWidget* focus = QApplication::focusWidget();
+        const QString text = focus->property("text").toString();
+        order << (text.isEmpty() ? focus->objectName() : text);
+        QTest::keyClick(focus, Qt::Key_Tab);
+    }
+
+    QCOMPARE(order.join(QStringLiteral(", ")),
+             QStringLiteral("btnAddCustom, btnAddPainted, hide all, treeLayers, Town, Farm, Rich, "
+                            "button, slider"));
 }
 
 QTEST_MAIN(tst_QuillmapWindow)
