@@ -2,8 +2,8 @@
 
 class QMainWindow;
 
-/// Where the main window and its docks stand: on the screen, and as they did when it was last closed.
-/// That and the folder of the project that was open are kept in the user's settings.
+/// Where the main window and its docks stand on the screen, and where they stood when it was last
+/// closed. That and the folder of the project that was open are kept in the user's settings.
 namespace WindowState {
 
 /// Makes a window that is not shown yet smaller where it would reach over the right or lower edge
