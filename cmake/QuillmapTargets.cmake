@@ -6,7 +6,16 @@ option(QUILLMAP_CHECK_HEADERS "Compile each header alone too" OFF)
 option(QUILLMAP_BENCHMARKS "Build the programs in benchmarks/" OFF)
 option(QUILLMAP_FUZZ "Build the programs in fuzzing/ for fuzzing, with Clang" OFF)
 option(QUILLMAP_COVERAGE "Count which lines and branches run" OFF)
+option(QUILLMAP_PORTABLE "Use nothing but Qt and the standard library, as on systems other than Linux"
+  OFF)
 set(QUILLMAP_SANITIZE "" CACHE STRING "Sanitizers to build with, as in -fsanitize=")
+
+# The folder in platform/ that is built.
+if(CMAKE_SYSTEM_NAME STREQUAL "Linux" AND NOT QUILLMAP_PORTABLE)
+  set(QUILLMAP_PLATFORM linux)
+else()
+  set(QUILLMAP_PLATFORM portable)
+endif()
 
 add_library(quillmap_flags INTERFACE)
 target_compile_features(quillmap_flags INTERFACE cxx_std_17)
@@ -42,7 +51,8 @@ endif()
 # quillmap_library(NAME [SOURCES ...] [LINKS ...] [PRIVATE_LINKS ...])
 #
 # A static library of one level. Paths are relative to the project's root. Each source stands beside
-# its header of the same name; HEADERS names headers without a source. A library sees its own headers
+# its header of the same name, one in platform/linux or platform/portable in the folder below its
+# header; HEADERS names headers without a source. A library sees its own headers
 # and those of the libraries it links, and no others: its include path is a folder of links to
 # exactly its headers, so that an include against the layering does not compile.
 function(quillmap_library name)
@@ -50,6 +60,7 @@ function(quillmap_library name)
   set(headers ${ARG_HEADERS})
   foreach(source IN LISTS ARG_SOURCES)
     string(REGEX REPLACE "\\.cpp$" ".h" header ${source})
+    string(REPLACE "platform/${QUILLMAP_PLATFORM}/" "platform/" header ${header})
     if(EXISTS ${PROJECT_SOURCE_DIR}/${header})
       list(APPEND headers ${header})
     endif()

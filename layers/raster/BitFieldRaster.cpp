@@ -32,7 +32,7 @@ BitFieldRaster::BitFieldRaster(int bits, int width, int height)
     }
     m_wordsPerRow = qMax(width, 0) / PixelsPerWord();
     if (WordCount() > 0) {
-        m_words = ZeroedMemory(static_cast<std::size_t>(WordCount()) * sizeof(quint32));
+        m_words = PixelMemory::Zeroed(static_cast<std::size_t>(WordCount()) * sizeof(quint32));
     }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "layers/raster/ZeroedMemory.h"
+#include "layers/raster/PixelMemory.h"
 
 #include <QtGlobal>
 
@@ -49,7 +49,7 @@ private:
     int m_bits;
     int m_height;
     qint64 m_wordsPerRow;
-    ZeroedMemory m_words;
+    PixelMemory m_words;
 };
 
 } // namespace raster

@@ -1,13 +1,13 @@
 #include "layers/raster/Mask.h"
 
-#include "layers/raster/LargeBlock.h"
+#include "layers/raster/PixelMemory.h"
 #include "layers/raster/WideVectors.h"
-#include "layers/raster/ZeroedMemory.h"
 
 #include <QVector>
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace raster {
 
@@ -28,46 +28,55 @@ bool IsMaskSize(QSize size)
     return !size.isEmpty() && qMax(size.width(), size.height()) <= MaxMaskLength;
 }
 
+namespace {
+
+int BytesPerLine(int width)
+{
+    return (width + 3) & ~3;
+}
+
+std::size_t ByteCount(QSize size)
+{
+    return static_cast<std::size_t>(BytesPerLine(size.width())) *
+           static_cast<std::size_t>(size.height());
+}
+
+/// A Format_Indexed8 image of these bytes, which go with it. Null when there are none.
+QImage ImageIn(PixelMemory memory, QSize size)
+{
+    if (memory.IsEmpty()) {
+        return {};
+    }
+    auto pixels = std::make_unique<PixelMemory>(std::move(memory));
+    const auto release = [](void* given) { delete static_cast<PixelMemory*>(given); };
+    QImage image(pixels->As<uchar>(), size.width(), size.height(), BytesPerLine(size.width()),
+                 QImage::Format_Indexed8, release, pixels.get());
+    if (!image.isNull()) {
+        Q_UNUSED(pixels.release())
+    }
+    return image;
+}
+
+QImage Unfilled(const QImage& image)
+{
+    const std::size_t byteCount = ByteCount(image.size());
+    if (image.format() != QImage::Format_Indexed8 || !PixelMemory::IsLarge(byteCount)) {
+        return {image.size(), image.format()};
+    }
+    return ImageIn(PixelMemory::Unfilled(byteCount), image.size());
+}
+
+} // namespace
+
 QImage BlankMask(QSize size)
 {
     if (!IsMaskSize(size)) {
         return {};
     }
-    const int bytesPerLine = (size.width() + 3) & ~3;
-    const auto rows = static_cast<std::size_t>(size.height());
-    auto pixels = std::make_unique<ZeroedMemory>(static_cast<std::size_t>(bytesPerLine) * rows);
-    if (pixels->IsEmpty()) {
-        return {};
-    }
-    const auto release = [](void* memory) { delete static_cast<ZeroedMemory*>(memory); };
-    QImage mask(pixels->As<uchar>(), size.width(), size.height(), bytesPerLine,
-                QImage::Format_Indexed8, release, pixels.get());
-    if (mask.isNull()) {
-        return {};
-    }
-    Q_UNUSED(pixels.release())
+    QImage mask = ImageIn(PixelMemory::Zeroed(ByteCount(size)), size);
     mask.setColorTable(GreyTable());
     return mask;
 }
-
-namespace {
-
-QImage Unfilled(const QImage& image)
-{
-    const int bytesPerLine = (image.width() + 3) & ~3;
-    const qint64 byteCount = qint64(bytesPerLine) * image.height();
-    if (image.format() != QImage::Format_Indexed8 || !LargeBlock::Serves(byteCount)) {
-        return {image.size(), image.format()};
-    }
-    LargeBlock* block = LargeBlock::Take(byteCount);
-    if (!block) {
-        return {};
-    }
-    return {block->Bytes(), image.width(),        image.height(), bytesPerLine,
-            image.format(), LargeBlock::GiveBack, block};
-}
-
-} // namespace
 
 QImage UnfilledCopy(const QImage& image)
 {

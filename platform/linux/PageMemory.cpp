@@ -1,19 +1,26 @@
-#include "layers/raster/ZeroedMemory.h"
+#include "platform/PageMemory.h"
 
+#include <sys/mman.h>
+
+#include <cstdint>
 #include <cstdlib>
 
-// The sanitizers watch the allocator's memory only.
-#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
-#define QUILLMAP_HUGE_PAGES
-#include <sys/mman.h>
-#endif
-
-namespace raster {
-
-#ifdef QUILLMAP_HUGE_PAGES
+namespace platform {
 namespace {
 
 constexpr std::size_t HugePage = std::size_t(2) << 20;
+
+/// The C library serves small blocks, and refuses what no system has.
+bool IsMapped(std::size_t byteCount)
+{
+#ifdef __SANITIZE_ADDRESS__
+    // The sanitizer watches the memory of the C library only.
+    static_cast<void>(byteCount);
+    return false;
+#else
+    return byteCount >= HugePage && byteCount <= SIZE_MAX / 2;
+#endif
+}
 
 constexpr std::size_t RoundedUp(std::size_t count)
 {
@@ -36,38 +43,25 @@ void* MapHugePages(std::size_t byteCount)
         munmap(begin, before);
     }
     munmap(begin + before + byteCount, HugePage - before);
-    // Without huge pages it is still zeroed memory.
+    // Where the system refuses huge pages, the pages are small.
     madvise(begin + before, byteCount, MADV_HUGEPAGE);
     return begin + before;
 }
 
 } // namespace
-#endif
 
-ZeroedMemory::ZeroedMemory(std::size_t byteCount)
+void* AllocatePages(std::size_t byteCount)
 {
-#ifdef QUILLMAP_HUGE_PAGES
-    constexpr std::size_t limit = ~std::size_t(0) / 2;
-    if (byteCount >= HugePage && byteCount < limit) {
-        m_mappedCount = RoundedUp(byteCount);
-        m_bytes = MapHugePages(m_mappedCount);
-        return;
-    }
-#endif
-    m_bytes = std::calloc(byteCount, 1);
+    return IsMapped(byteCount) ? MapHugePages(RoundedUp(byteCount)) : std::calloc(byteCount, 1);
 }
 
-ZeroedMemory::~ZeroedMemory()
+void FreePages(void* bytes, std::size_t byteCount)
 {
-#ifdef QUILLMAP_HUGE_PAGES
-    if (m_mappedCount > 0) {
-        if (m_bytes) {
-            munmap(m_bytes, m_mappedCount);
-        }
-        return;
+    if (!IsMapped(byteCount)) {
+        std::free(bytes);
+    } else if (bytes) {
+        munmap(bytes, RoundedUp(byteCount));
     }
-#endif
-    std::free(m_bytes);
 }
 
-} // namespace raster
+} // namespace platform
