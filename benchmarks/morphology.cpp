@@ -5,9 +5,9 @@
 
 #include "layers/raster/Morphology.h"
 #include "benchmarks/support/ColdTime.h"
+#include "layers/raster/DiscShape.h"
 #include "layers/raster/Mask.h"
 #include "layers/raster/SetOperations.h"
-#include "layers/raster/StructuringElement.h"
 #include "layers/raster/TargaCodec.h"
 
 #include <QDir>
@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <map>
@@ -190,11 +191,13 @@ cv::Mat ToMatrix(const QImage& mask)
 /// OpenCV's own ellipse is not our disc.
 cv::Mat ToKernel(float radius)
 {
-    const QVector<QPoint> offsets = raster::Disc(radius);
-    const int last = -offsets.first().y();
+    const int picture = static_cast<int>(radius) + 2;
+    const raster::DiscShape disc(radius, QSize(picture, picture));
+    const int last = disc.Radius();
     cv::Mat kernel = cv::Mat::zeros(2 * last + 1, 2 * last + 1, CV_8U);
-    for (const QPoint& offset : offsets) {
-        kernel.at<uchar>(offset.y() + last, offset.x() + last) = 1;
+    for (int dy = -last; dy <= last; ++dy) {
+        const int half = disc.HalfChord(std::abs(dy));
+        kernel.row(dy + last).colRange(last - half, last + half + 1).setTo(1);
     }
     return kernel;
 }

@@ -2,10 +2,10 @@
 
 #include "layers/raster/ChordUnion.h"
 #include "layers/raster/CrossMaximum.h"
+#include "layers/raster/DiscShape.h"
 #include "layers/raster/Mask.h"
 #include "layers/raster/ReachSweep.h"
 #include "layers/raster/RunningMaximum.h"
-#include "layers/raster/StructuringElement.h"
 #include "layers/raster/WideVectors.h"
 
 #include <algorithm>
@@ -81,49 +81,6 @@ QImage DilateByDisc(const QImage& mask, const DiscShape& disc, uchar flip)
     return result;
 }
 
-void TakeLargest(const uchar* from, int count, uchar flip, uchar* __restrict to)
-{
-    for (int x = 0; x < count; ++x) {
-        to[x] = std::max<uchar>(to[x], from[x] ^ flip);
-    }
-}
-
-/// Row by row the maximum of all rows and columns that the offsets point to.
-QImage DilateByOffsets(const QImage& mask, const QVector<QPoint>& offsets, uchar flip)
-{
-    QImage result = UnfilledCopy(mask);
-    const int width = mask.width();
-    for (int y = 0; y < result.height(); ++y) {
-        uchar* row = result.scanLine(y);
-        std::fill_n(row, width, uchar(0));
-        for (const QPoint& offset : offsets) {
-            const qint64 source = qint64(y) + offset.y();
-            const qint64 first = std::max<qint64>(0, -qint64(offset.x()));
-            const qint64 end = std::min<qint64>(width, width - qint64(offset.x()));
-            if (source >= 0 && source < mask.height() && first < end) {
-                const uchar* from = mask.constScanLine(static_cast<int>(source));
-                TakeLargest(from + first + offset.x(), static_cast<int>(end - first), flip,
-                            row + first);
-            }
-        }
-        std::transform(row, row + width, row, [flip](uchar pixel) { return pixel ^ flip; });
-    }
-    return result;
-}
-
-QImage DilateByOffsetsOrDisc(const QImage& mask, const QVector<QPoint>& offsets, uchar flip)
-{
-    if (!IsIndexed(mask)) {
-        return {};
-    }
-    try {
-        const auto disc = DiscShape::FromOffsets(offsets, mask.size());
-        return disc ? DilateByDisc(mask, *disc, flip) : DilateByOffsets(mask, offsets, flip);
-    } catch (const std::bad_alloc&) {
-        return {};
-    }
-}
-
 QImage DilateByRadius(const QImage& mask, float discRadius, uchar flip)
 {
     try {
@@ -134,26 +91,6 @@ QImage DilateByRadius(const QImage& mask, float discRadius, uchar flip)
 }
 
 } // namespace
-
-QImage Dilate(const QImage& mask, const QVector<QPoint>& offsets)
-{
-    return DilateByOffsetsOrDisc(mask, offsets, DilateFlip);
-}
-
-QImage Erode(const QImage& mask, const QVector<QPoint>& offsets)
-{
-    return DilateByOffsetsOrDisc(mask, offsets, ErodeFlip);
-}
-
-QImage Open(const QImage& mask, const QVector<QPoint>& offsets)
-{
-    return Dilate(Erode(mask, offsets), offsets);
-}
-
-QImage Close(const QImage& mask, const QVector<QPoint>& offsets)
-{
-    return Erode(Dilate(mask, offsets), offsets);
-}
 
 QImage Dilate(const QImage& mask, float discRadius)
 {

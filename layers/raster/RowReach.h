@@ -1,7 +1,7 @@
 #pragma once
 
+#include "layers/raster/DiscShape.h"
 #include "layers/raster/EdgeStack.h"
-#include "layers/raster/StructuringElement.h"
 
 #include <QSize>
 

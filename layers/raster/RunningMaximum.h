@@ -1,6 +1,6 @@
 #pragma once
 
-#include "layers/raster/StructuringElement.h"
+#include "layers/raster/DiscShape.h"
 
 #include <QImage>
 
