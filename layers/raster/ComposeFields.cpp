@@ -2,6 +2,7 @@
 
 #include "layers/raster/FieldPacking.h"
 #include "layers/raster/Mask.h"
+#include "layers/raster/WideVectors.h"
 
 #include <algorithm>
 #include <cstring>
@@ -23,9 +24,29 @@ enum ChunkKind : uchar
     Set = 2,
 };
 
+#ifdef QUILLMAP_VECTORS
 /// Two words that are combined at once, as both GCC and Clang have them; left to themselves they
 /// make scalar code of the loop below.
 using Words = quint64 __attribute__((vector_size(16)));
+#else
+struct Words
+{
+    quint64 first;
+    quint64 second;
+
+    quint64 operator[](int i) const { return i == 0 ? first : second; }
+    void operator|=(Words other)
+    {
+        first |= other.first;
+        second |= other.second;
+    }
+    void operator&=(Words other)
+    {
+        first &= other.first;
+        second &= other.second;
+    }
+};
+#endif
 
 /// Without branches, so that looking at the masks runs at the speed of the memory.
 ChunkKind KindOf(const uchar* pixels)

@@ -37,7 +37,7 @@ uchar ToPixel(T reach)
 /// gone through side by side.
 void Prefetch(const QImage& image, int y)
 {
-#ifdef __GNUC__
+#ifdef QUILLMAP_VECTORS
     if (y < 0 || y >= image.height()) {
         return;
     }
@@ -46,6 +46,9 @@ void Prefetch(const QImage& image, int y)
     for (int x = 0; x < count; x += 64) {
         __builtin_prefetch(pixels + x);
     }
+#else
+    Q_UNUSED(image)
+    Q_UNUSED(y)
 #endif
 }
 

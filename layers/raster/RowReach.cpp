@@ -8,7 +8,8 @@
 #include <cstring>
 #include <limits>
 
-#ifdef __SSE2__
+#if defined(__SSE2__) && defined(QUILLMAP_VECTORS)
+#define QUILLMAP_SSE2
 #include <emmintrin.h>
 #endif
 
@@ -40,7 +41,7 @@ constexpr int ChunkLength = 64 / static_cast<int>(sizeof(T));
 quint64 BitsOf(const uchar* bytes)
 {
     quint64 bits = 0;
-#ifdef __SSE2__
+#ifdef QUILLMAP_SSE2
     for (int i = 0; i < 4; ++i) {
         const __m128i part = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes) + i);
         bits |= static_cast<quint64>(static_cast<quint32>(_mm_movemask_epi8(part))) << 16 * i;
