@@ -2,13 +2,12 @@
 #include "app/CommandLine.h"
 #include "app/Gui.h"
 #include "app/Log.h"
+#include "platform/Signals.h"
 #include "ui/QuillmapWindow.h"
 #include "ui/widgets/IndicatorStyle.h"
 
 #include <QApplication>
 #include <QTextCodec>
-
-#include <csignal>
 
 namespace {
 
@@ -24,9 +23,7 @@ int RunEditor(const QString& configPath)
 
 int main(int argc, char* argv[])
 {
-    // A file may be limited in size. To write beyond shall fail and be reported like a full disk,
-    // instead of ending the program without a word.
-    std::signal(SIGXFSZ, SIG_IGN);
+    platform::LetTooLargeFilesFail();
     // Paths and console messages are UTF-8, also in the C locale.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     ChoosePlatform(argc, argv);

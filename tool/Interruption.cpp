@@ -1,7 +1,8 @@
 #include "tool/Interruption.h"
 
+#include "platform/Signals.h"
+
 #include <csignal>
-#include <initializer_list>
 
 namespace Interruption {
 namespace {
@@ -17,18 +18,7 @@ extern "C" void TakeSignal(int number)
 
 void Watch()
 {
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-        struct sigaction before = {};
-        sigaction(number, nullptr, &before);
-        if (before.sa_handler == SIG_IGN) {
-            continue;
-        }
-        struct sigaction action = {};
-        action.sa_handler = TakeSignal;
-        // Without SA_RESTART: a full pipe that nobody empties shall not hold up the end.
-        action.sa_flags = static_cast<int>(SA_RESETHAND);
-        sigaction(number, &action, nullptr);
-    }
+    platform::CatchRequestsToEnd(TakeSignal);
 }
 
 bool HasCome()

@@ -1,3 +1,5 @@
+#include "platform/PageMemory.h"
+#include "platform/Signals.h"
 #include "tool/Commands.h"
 #include "tool/Interruption.h"
 
@@ -5,9 +7,6 @@
 #include <QFile>
 #include <QTextCodec>
 
-#include <malloc.h>
-
-#include <csignal>
 #include <memory>
 
 namespace {
@@ -28,14 +27,10 @@ std::unique_ptr<QCoreApplication> MakeApplication(int& count, char** names,
 
 int main(int argc, char* argv[])
 {
-    // A file may be limited in size, and a pipe may lose its reader. To write then shall fail and
-    // be reported like a full disk, instead of ending the program without a word.
-    std::signal(SIGXFSZ, SIG_IGN);
-    std::signal(SIGPIPE, SIG_IGN);
-    // What one band of a map was composed in serves the next one. To give the memory back between
-    // them, and be given it cleared again, takes longer than the work.
-    mallopt(M_MMAP_THRESHOLD, KeptMemory);
-    mallopt(M_TRIM_THRESHOLD, KeptMemory);
+    platform::LetTooLargeFilesFail();
+    platform::LetClosedPipesFail();
+    // Each band of a map is composed in the memory of the band before it.
+    platform::KeepFreedMemory(KeptMemory);
     // Paths and console messages are UTF-8, also in the C locale.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
     // Nothing is shown, so no display is needed, whatever one the environment names.

@@ -1,5 +1,6 @@
 #include "platform/PageMemory.h"
 
+#include <malloc.h>
 #include <sys/mman.h>
 
 #include <cstdint>
@@ -62,6 +63,16 @@ void FreePages(void* bytes, std::size_t byteCount)
     } else if (bytes) {
         munmap(bytes, RoundedUp(byteCount));
     }
+}
+
+void KeepFreedMemory(int byteCount)
+{
+#ifdef __GLIBC__
+    mallopt(M_MMAP_THRESHOLD, byteCount);
+    mallopt(M_TRIM_THRESHOLD, byteCount);
+#else
+    static_cast<void>(byteCount);
+#endif
 }
 
 } // namespace platform

@@ -14,4 +14,6 @@ void FreePages(void* bytes, std::size_t)
     std::free(bytes);
 }
 
+void KeepFreedMemory(int) {}
+
 } // namespace platform
