@@ -6,6 +6,9 @@ set(docs ${CMAKE_INSTALL_DATADIR}/doc/quillmap)
 
 set(programs quillmap quillmap-tool)
 install(TARGETS ${programs})
+if(WIN32)
+  return()  # The rest is for desktops that read what stands below share/.
+endif()
 
 # The desktop: menu entry, what software centres show, icons.
 install(FILES packaging/quillmap.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)

@@ -19,14 +19,23 @@ endif()
 
 add_library(quillmap_flags INTERFACE)
 target_compile_features(quillmap_flags INTERFACE cxx_std_17)
-target_compile_options(quillmap_flags INTERFACE
-  -Wall -Wextra -Wpedantic
-  -Wshadow                # a hidden name is a wrong name sooner or later
-  -Wnon-virtual-dtor -Woverloaded-virtual
-  -Wold-style-cast        # casts say what they do
-  -Wdouble-promotion      # written texts depend on 32-bit float arithmetic staying 32-bit
-  -ffp-contract=off       # likewise: a fused multiply-add rounds once instead of twice
-  $<$<BOOL:${QUILLMAP_WERROR}>:-Werror>)
+if(MSVC)
+  target_compile_options(quillmap_flags INTERFACE
+    /W3 /permissive-
+    /utf-8                # of the sources, and of the literals in them
+    /fp:precise           # written texts depend on 32-bit float arithmetic staying 32-bit
+    $<$<BOOL:${QUILLMAP_WERROR}>:/WX>)
+  target_compile_definitions(quillmap_flags INTERFACE NOMINMAX)  # std::min and std::max are ours
+else()
+  target_compile_options(quillmap_flags INTERFACE
+    -Wall -Wextra -Wpedantic
+    -Wshadow              # a hidden name is a wrong name sooner or later
+    -Wnon-virtual-dtor -Woverloaded-virtual
+    -Wold-style-cast      # casts say what they do
+    -Wdouble-promotion    # written texts depend on 32-bit float arithmetic staying 32-bit
+    -ffp-contract=off     # likewise: a fused multiply-add rounds once instead of twice
+    $<$<BOOL:${QUILLMAP_WERROR}>:-Werror>)
+endif()
 target_compile_definitions(quillmap_flags INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII  # every text says which encoding it has
   QT_NO_FOREACH                              # range-for does not copy the container
@@ -70,7 +79,12 @@ function(quillmap_library name)
   foreach(header IN LISTS headers)
     get_filename_component(folder ${header} DIRECTORY)
     file(MAKE_DIRECTORY ${tree}/${folder})
-    file(CREATE_LINK ${PROJECT_SOURCE_DIR}/${header} ${tree}/${header} SYMBOLIC)
+    if(CMAKE_HOST_WIN32)
+      # Links need a privilege there; this header stands for one.
+      file(WRITE ${tree}/${header} "#include \"${PROJECT_SOURCE_DIR}/${header}\"\n")
+    else()
+      file(CREATE_LINK ${PROJECT_SOURCE_DIR}/${header} ${tree}/${header} SYMBOLIC)
+    endif()
   endforeach()
   list(TRANSFORM ARG_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
   add_library(${name} STATIC ${ARG_SOURCES})
