@@ -4,6 +4,8 @@
 
 #include <atomic>
 #include <memory>
+#include <new>
+#include <utility>
 
 namespace raster {
 namespace {
@@ -34,12 +36,14 @@ PixelMemory PixelMemory::Unfilled(std::size_t byteCount)
 
 PixelMemory::~PixelMemory()
 {
-    if (m_isReusable && m_bytes && m_byteCount <= LargestKept) {
-        m_isReusable = false;
-        const std::unique_ptr<PixelMemory> before(kept.exchange(new PixelMemory(std::move(*this))));
-    } else {
-        platform::FreePages(m_bytes, m_byteCount);
+    const bool isKept = m_isReusable && m_bytes && m_byteCount <= LargestKept;
+    std::unique_ptr<PixelMemory> block(isKept ? new (std::nothrow) PixelMemory : nullptr);
+    if (block) {
+        block->Swap(*this);
+        block->m_isReusable = false;
+        block.reset(kept.exchange(block.release()));
     }
+    platform::FreePages(m_bytes, m_byteCount);
 }
 
 } // namespace raster
