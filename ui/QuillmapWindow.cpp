@@ -121,6 +121,7 @@ void QuillmapWindow::AddDocks()
     addDockWidget(Qt::RightDockWidgetArea, m_brush.get());
     m_terTypes->hide();
     m_terTypeProps->hide();
+    m_brush->hide();
     OrderTabs();
 }
 
