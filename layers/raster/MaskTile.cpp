@@ -53,6 +53,8 @@ Range RangeOf(const uchar* pixels)
 QUILLMAP_WIDE_VECTORS
 bool PackBits(const uchar* pixels, Range range, uchar* bits)
 {
+    const uchar lowest = range.lowest;
+    const uchar highest = range.highest;
     uchar others[TileSide] = {};
     for (int group = 0; group < TileSide / GroupRows; ++group) {
         uchar columns[TileSide] = {};
@@ -60,10 +62,14 @@ bool PackBits(const uchar* pixels, Range range, uchar* bits)
             const auto bit = static_cast<uchar>(1 << k);
             const uchar* row = pixels + (group * GroupRows + k) * TileSide;
             for (int x = 0; x < TileSide; ++x) {
-                const auto high = static_cast<uchar>(row[x] == range.highest ? 0xFF : 0);
-                const auto low = static_cast<uchar>(row[x] == range.lowest ? 0xFF : 0);
-                columns[x] = static_cast<uchar>(columns[x] | (high & bit));
-                others[x] = static_cast<uchar>(others[x] | ~(high | low));
+                const auto isHighest = static_cast<uchar>(-static_cast<int>(row[x] == highest));
+                columns[x] = static_cast<uchar>(columns[x] | (isHighest & bit));
+            }
+            for (int x = 0; x < TileSide; ++x) {
+                const auto fromHighest = static_cast<uchar>(row[x] ^ highest);
+                const auto fromLowest = static_cast<uchar>(row[x] ^ lowest);
+                const uchar rest = fromHighest < fromLowest ? fromHighest : fromLowest;
+                others[x] = static_cast<uchar>(others[x] | rest);
             }
         }
         std::memcpy(bits + group * TileSide, columns, TileSide);
