@@ -9,6 +9,7 @@
 
 #include <QPainter>
 #include <QStyleOptionGraphicsItem>
+#include <QVariant>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
@@ -70,10 +71,18 @@ void DrawIcon(QPainter& painter, int usage, qreal radius)
     painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
 }
 
+/// The nearest 32-bit number.
+double InSinglePrecision(double value)
+{
+    // Optimising compilers drop a cast there and back; what is volatile they keep.
+    const volatile auto rounded = static_cast<float>(value);
+    return static_cast<double>(rounded);
+}
+
 /// World metres as files hold them: six significant digits of a 32-bit number.
 QString MetresText(double metres)
 {
-    return QString::number(static_cast<double>(static_cast<float>(metres)), 'g', 6);
+    return QString::number(InSinglePrecision(metres), 'g', 6);
 }
 
 } // namespace
@@ -217,10 +226,8 @@ void Zone::Write(QXmlStreamWriter& xml, bool exportMode) const
     xml.writeAttribute(QStringLiteral("dmin"), QString::number(m_counts.dynamicMin));
     xml.writeAttribute(QStringLiteral("dmax"), QString::number(m_counts.dynamicMax));
     xml.writeAttribute(QStringLiteral("x"), MetresText(metresX * scenePos().x()));
-    // Rounded as it is when read again: counted from the other edge, a few metres would else get
-    // other last digits.
-    const auto sceneY = static_cast<double>(static_cast<float>(scenePos().y()));
-    xml.writeAttribute(QStringLiteral("z"), MetresText(settings.worldHeight - metresZ * sceneY));
+    xml.writeAttribute(QStringLiteral("z"),
+                       MetresText(settings.worldHeight - metresZ * scenePos().y()));
     xml.writeAttribute(QStringLiteral("r"),
                        MetresText(static_cast<double>(settings.metresPerPixelX * m_radius)));
     if (!exportMode) {
@@ -240,6 +247,15 @@ void Zone::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWid
     const auto radius = static_cast<qreal>(m_radius);
     DrawZoneCircle(*painter, {radius, m_color, qBound(MinDepth, Depth(), MaxDepth)});
     DrawIcon(*painter, m_usage, radius);
+}
+
+QVariant Zone::itemChange(GraphicsItemChange change, const QVariant& value)
+{
+    if (change != ItemPositionChange) {
+        return QGraphicsEllipseItem::itemChange(change, value);
+    }
+    const QPointF position = value.toPointF();
+    return QPointF(InSinglePrecision(position.x()), InSinglePrecision(position.y()));
 }
 
 void Zone::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* /*event*/) {}

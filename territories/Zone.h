@@ -13,7 +13,8 @@ class Territory;
 
 /// One circle of the world map at which creatures are placed. It is an item of the map scene, and
 /// belongs to the territory whose table holds it; whichever of the three dies first, the others
-/// forget the zone or take it along.
+/// forget the zone or take it along. Its position always consists of 32-bit numbers, as files are
+/// read, so that a place is the same before and after it was saved.
 class Zone : public QGraphicsEllipseItem
 {
 public:
@@ -85,6 +86,7 @@ public:
                QWidget* widget = nullptr) override;
 
 protected:
+    QVariant itemChange(GraphicsItemChange change, const QVariant& value) override;
     void mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) override;
 
 private:

@@ -2,6 +2,7 @@
 
 #include "app/ProjectSettings.h"
 #include "territories/Territory.h"
+#include "tests/support/Random.h"
 #include "tests/support/XmlText.h"
 
 #include <QGraphicsScene>
@@ -46,6 +47,8 @@ private slots:
     void PlacesAreWorldMetres();
     void EachAxisHasItsOwnFactor();
     void AnyPlaceIsWrittenAgainAsItWas();
+    void PlacesAreInSinglePrecision();
+    void FirstSaveEqualsLaterOnes();
     void MissingPlaceIsTheSouthWestCorner();
     void DepthIsClampedOnReading_data();
     void DepthIsClampedOnReading();
@@ -269,6 +272,45 @@ void tst_Zone::AnyPlaceIsWrittenAgainAsItWas()
         zone.setPos(64 * i / 9999.0, 64 - i / 7777.0);
         const QString text = Text(zone, false);
         QCOMPARE(Text(*ZoneFrom(text), false), text);
+    }
+}
+
+void tst_Zone::PlacesAreInSinglePrecision()
+{
+    // 0.1 lies between two of them.
+    constexpr float nearest = 0.1F;
+    constexpr float sum = 4.2F;
+    Zone zone(nullptr, 100);
+    zone.setPos(0.1, 4.2);
+    QVERIFY(zone.pos().x() == double(nearest) && zone.pos().x() != 0.1);
+    QVERIFY(zone.pos().y() == double(sum) && zone.pos().y() != 4.2);
+    zone.setX(4.2);
+    zone.setY(0.1);
+    QVERIFY(zone.pos().x() == double(sum) && zone.pos().y() == double(nearest));
+    zone.setPos(0, 0);
+    zone.moveBy(0.1, 4.2);
+    QVERIFY(zone.pos().x() == double(nearest) && zone.pos().y() == double(sum));
+    const std::unique_ptr<Zone> copy(zone.Copy());
+    QVERIFY(copy->pos().x() == double(nearest) && copy->pos().y() == double(sum));
+}
+
+void tst_Zone::FirstSaveEqualsLaterOnes()
+{
+    Random random;
+    const auto fraction = [&random] { return random.Bits() / 4294967295.0; };
+    for (int i = 0; i < 20000; ++i) {
+        const int layerSize = 1 << random.Between(6, 14);
+        // Other worlds move zones close to the southern edge by a hair.
+        const int worldSize = 1 << random.Between(6, 13);
+        ProjectSettings::Instance().SetSizes(layerSize, layerSize, worldSize, worldSize);
+        Zone zone(nullptr, 100);
+        zone.setPos(layerSize * fraction(), layerSize * fraction());
+        zone.moveBy(fraction(), -fraction());
+        const QString first = Text(zone, false);
+        const auto loaded = ZoneFrom(first);
+        const QString second = Text(*loaded, false);
+        QCOMPARE(second, first);
+        QCOMPARE(Text(*ZoneFrom(second), false), first);
     }
 }
 
