@@ -4,7 +4,7 @@
 build_packages=(ca-certificates cmake g++ git ninja-build qtbase5-dev qtbase5-dev-tools)
 run_packages=(fonts-dejavu-core)
 test_packages=(fonts-dejavu-core imagemagick openbox python3 python3-pil x11-utils xauth xvfb)
-check_packages=(clang clang-format clang-tidy clazy)
+check_packages=(clang clang-format clang-tidy clazy libclang-14-dev llvm-14-dev)
 coverage_packages=(gcovr)
 fuzz_packages=(clang libclang-rt-14-dev)
 guide_packages=(fonts-dejavu-core pngquant)

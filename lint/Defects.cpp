@@ -1,0 +1,14 @@
+// Holds one defect for each of the tools that ./check lints with; it fails when one goes unseen.
+
+#include <QStringList>
+
+int CountCharacters(const QStringList& texts)
+{
+    int count = 0;
+    int forgotten = 1;        // for the compiler: clang-diagnostic-unused-variable
+    const char* none = 0;     // for clang-tidy: modernize-use-nullptr
+    for (auto text : texts) { // for clazy: -Wclazy-range-loop-reference
+        count += text.size();
+    }
+    return none ? 0 : count;
+}
