@@ -1,16 +1,13 @@
 #include "app/BackgroundPicture.h"
 
+#include "app/HiddenFile.h"
 #include "app/Log.h"
 #include "app/ProjectSettings.h"
+#include "app/WriteAll.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QTemporaryFile>
-
-#include <cstdio>
-
-#include <unistd.h>
 
 namespace {
 
@@ -19,26 +16,24 @@ bool CopyBytes(QFile& from, QFile& to)
     constexpr qint64 blockSize = 1 << 20;
     while (!from.atEnd()) {
         const QByteArray block = from.read(blockSize);
-        if (block.isEmpty() || to.write(block) != block.size()) {
+        if (block.isEmpty() || !WriteAll(to, block.constData(), block.size())) {
             return false;
         }
     }
-    return to.flush() && fsync(to.handle()) == 0;
+    return true;
 }
 
-/// Copies under another name first, so that at no time half a picture stands at the place.
+/// At no time half a picture stands at the place.
 bool CopyIntoPlace(const QString& source, const QString& place)
 {
     QFile from(source);
-    QTemporaryFile to(place + QStringLiteral(".XXXXXX"));
-    if (!from.open(QIODevice::ReadOnly) || !to.open() || !CopyBytes(from, to)) {
+    HiddenFile to;
+    if (!from.open(QIODevice::ReadOnly) || to.Open(QFileInfo(place).path()) ||
+        !CopyBytes(from, to.Device())) {
         return false;
     }
-    to.setPermissions(from.permissions());
-    const bool isInPlace = std::rename(QFile::encodeName(to.fileName()).constData(),
-                                       QFile::encodeName(place).constData()) == 0;
-    to.setAutoRemove(!isInPlace);
-    return isInPlace;
+    to.SetPermissionsOf(source);
+    return !to.Replace(place);
 }
 
 /// Follows links, as far as the path exists.

@@ -1,103 +1,128 @@
 #include "app/OutputFile.h"
 
-#include <QFile>
+#include "app/WriteAll.h"
+#include "platform/Files.h"
+
+#include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
-
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
 
 namespace {
 
-/// A save file would put a regular file in the place of a device node, and would take no name for
-/// one until the commit.
-bool IsWrittenInPlace(const QString& path)
+/// A device or a pipe would be replaced by a regular file. A folder is among them, as it cannot be
+/// opened in that way either.
+bool IsNoRegularFile(const QString& path)
 {
     const QFileInfo target(path);
-    return path.isEmpty() || (target.exists() && !target.isFile());
+    return target.exists() && !target.isFile();
 }
 
-std::unique_ptr<QFileDevice> MakeDevice(const QString& path)
+QString WithRealFolder(const QString& path)
 {
-    if (IsWrittenInPlace(path)) {
-        return std::make_unique<QFile>(path);
-    }
-    return std::make_unique<QSaveFile>(path);
+    const QFileInfo info(path);
+    const QString folder = QFileInfo(info.path()).canonicalFilePath();
+    return folder.isEmpty() ? QString() : QDir(folder).filePath(info.fileName());
 }
 
-/// Opening a pipe that nobody reads would wait for a reader, maybe for ever; here it fails. Writing
-/// waits as usual.
-bool OpenWithoutWaiting(QFile& file, QIODevice::OpenMode mode)
+/// Whether the folder, rather than the disk, is why no file gets there.
+bool IsRefusal(const std::error_code& error)
 {
-    const QByteArray path = QFile::encodeName(file.fileName());
-    const int descriptor = open(path.constData(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (descriptor < 0) {
-        return false;
-    }
-    const int flags = fcntl(descriptor, F_GETFL);
-    if (fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK) == 0 &&
-        file.open(descriptor, mode, QFileDevice::AutoCloseHandle)) {
-        return true;
-    }
-    close(descriptor);
-    return false;
+    return error == std::errc::permission_denied || error == std::errc::operation_not_permitted ||
+           // A file that is mounted on its own.
+           error == std::errc::device_or_resource_busy;
+}
+
+bool CanBeOverwritten(const QString& place)
+{
+    return QFileInfo(place).isFile() &&
+           QFile(place).open(QIODevice::ReadWrite | QIODevice::ExistingOnly);
 }
 
 } // namespace
 
+QString FollowedPath(const QString& path)
+{
+    constexpr int maxLinks = 40;
+    QString followed = WithRealFolder(path);
+    for (int i = 0; i < maxLinks && QFileInfo(followed).isSymLink(); ++i) {
+        followed = WithRealFolder(QFileInfo(followed).symLinkTarget());
+    }
+    return followed;
+}
+
 OutputFile::OutputFile(const QString& path)
-    : m_device(MakeDevice(path))
+    : m_path(path)
+    , m_isDevice(IsNoRegularFile(path))
+    , m_device(path)
 {
 }
 
 OutputFile::~OutputFile() = default;
 
-bool OutputFile::Open(QIODevice::OpenMode flags)
+bool OutputFile::Take(const std::error_code& error)
 {
-    const QIODevice::OpenMode mode = QIODevice::WriteOnly | flags;
-    auto* inPlace = qobject_cast<QFile*>(m_device.get());
-    m_isWhole = inPlace ? OpenWithoutWaiting(*inPlace, mode) : m_device->open(mode);
-    if (inPlace && !m_isWhole) {
-        m_openError = QString::fromLocal8Bit(std::strerror(errno));
+    if (error && m_error.isEmpty()) {
+        m_error = QString::fromLocal8Bit(error.message().c_str());
     }
+    return !error;
+}
+
+std::error_code OutputFile::OpenHidden()
+{
+    m_place = m_path.isEmpty() ? QString() : FollowedPath(m_path);
+    if (m_place.isEmpty()) {
+        return std::make_error_code(std::errc::no_such_file_or_directory);
+    }
+    const QFileInfo place(m_place);
+    if (place.exists() && !place.isWritable()) {
+        return std::make_error_code(std::errc::permission_denied);
+    }
+    std::error_code error = m_hidden.Open(place.path());
+    if (IsRefusal(error) && CanBeOverwritten(m_place)) {
+        m_isElsewhere = true;
+        error = m_hidden.Open(QDir::tempPath());
+    }
+    return error;
+}
+
+bool OutputFile::Open()
+{
+    m_isWhole = Take(m_isDevice ? platform::OpenDevice(m_device) : OpenHidden());
     return m_isWhole;
 }
 
 bool OutputFile::Write(const char* bytes, qint64 count)
 {
-    // A disk that gets full takes a part, and tells what is wrong only when asked to take more.
-    while (m_isWhole && count > 0) {
-        const qint64 taken = m_device->write(bytes, count);
-        m_isWhole = taken > 0;
-        bytes += taken;
-        count -= taken;
+    if (m_isWhole && !WriteAll(Device(), bytes, count)) {
+        m_isWhole = false;
+        m_error = Device().errorString();
     }
     return m_isWhole;
 }
 
-bool OutputFile::Flush()
+std::error_code OutputFile::PutInPlace()
 {
-    // The same as for writing.
-    return m_device->flush() || m_device->flush();
-}
-
-QString OutputFile::ErrorString() const
-{
-    return m_openError.isEmpty() ? m_device->errorString() : m_openError;
+    std::error_code error;
+    if (!m_isElsewhere) {
+        if (QFileInfo::exists(m_place)) {
+            m_hidden.SetPermissionsOf(m_place);
+        }
+        error = m_hidden.Replace(m_place);
+    }
+    const bool isOverwritten = m_isElsewhere || (IsRefusal(error) && CanBeOverwritten(m_place));
+    return isOverwritten ? m_hidden.Overwrite(m_place) : error;
 }
 
 bool OutputFile::Commit()
 {
-    m_isWhole = m_isWhole && Flush();
-    if (auto* saveFile = qobject_cast<QSaveFile*>(m_device.get())) {
-        if (!m_isWhole) {
-            saveFile->cancelWriting();
-        }
-        return saveFile->commit() && m_isWhole;
+    if (m_isWhole && !FlushAll(Device())) {
+        m_isWhole = false;
+        m_error = Device().errorString();
     }
-    m_device->close();
-    return m_isWhole && m_device->error() == QFileDevice::NoError;
+    if (m_isDevice) {
+        m_device.close();
+        m_isWhole = m_isWhole && m_device.error() == QFileDevice::NoError;
+    } else {
+        m_isWhole = m_isWhole && Take(PutInPlace());
+    }
+    return m_isWhole;
 }

@@ -1,14 +1,14 @@
 #pragma once
 
-#include <QFileDevice>
+#include "app/HiddenFile.h"
+
+#include <QFile>
 #include <QString>
 
-#include <memory>
-
 /// A file being written that takes its target's place only as a whole: until Commit succeeds, and
-/// whenever anything failed, the old file stays as it was. So a file in a folder that takes no new
-/// file cannot be written. A target that exists and is no regular file (a device, a pipe) is
-/// written in place.
+/// whenever anything failed, the old file stays as it was. An existing file whose folder lets no
+/// file take its place is written in place by Commit, after room for all of it was taken; so is a
+/// device or a pipe, as it is being written.
 class OutputFile
 {
 public:
@@ -17,21 +17,34 @@ public:
     ~OutputFile();
     Q_DISABLE_COPY(OutputFile)
 
-    /// flags may hold QIODevice::Text. Never waits: a pipe that nobody reads cannot be opened.
-    bool Open(QIODevice::OpenMode flags = QIODevice::NotOpen);
+    /// Never waits: a pipe that nobody reads cannot be opened.
+    bool Open();
     /// False unless every byte was taken; a failure is remembered until Commit.
     bool Write(const char* bytes, qint64 count);
     bool Write(const QByteArray& bytes) { return Write(bytes.constData(), bytes.size()); }
     /// Puts the finished file in its place; false, and nothing is put there, after any failure.
     bool Commit();
-    /// The reason of the last failure, in the toolkit's or the system's words.
-    QString ErrorString() const;
+    /// The reason of the first failure, in the system's words.
+    QString ErrorString() const { return m_error; }
 
 private:
-    bool Flush();
+    bool Take(const std::error_code& error);
+    std::error_code OpenHidden();
+    std::error_code PutInPlace();
+    QFile& Device() { return m_isDevice ? m_device : m_hidden.Device(); }
 
-    std::unique_ptr<QFileDevice> m_device;
-    /// Of opening a target that is written in place.
-    QString m_openError;
-    bool m_isWhole = true;
+    QString m_path;
+    /// What a link at the path leads to.
+    QString m_place;
+    bool m_isDevice;
+    QFile m_device;
+    HiddenFile m_hidden;
+    /// Whether the folder took no new file, so that the hidden one is elsewhere.
+    bool m_isElsewhere = false;
+    bool m_isWhole = false;
+    QString m_error;
 };
+
+/// What a link leads to, whether or not that exists; without links in its folders, behind which
+/// ".." would be misread. Empty when its folder does not exist.
+QString FollowedPath(const QString& path);

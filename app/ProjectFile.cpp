@@ -59,7 +59,7 @@ bool SaveProjectTo(const QString& path, const ProjectParts& parts)
 {
     const QString fileName = path.section(QLatin1Char('/'), -1);
     OutputFile file(path);
-    if (!file.Open(QIODevice::Text)) {
+    if (!file.Open()) {
         LogNotWritten(fileName);
         return false;
     }

@@ -213,7 +213,7 @@ bool SaveAreaMap(const LayerList& layers, const QString& path)
         return false;
     }
     OutputFile file(path);
-    if (!file.Open(QIODevice::Text)) {
+    if (!file.Open()) {
         LogError(QStringLiteral("Failed to open file '%1' for writing.").arg(path));
         return false;
     }

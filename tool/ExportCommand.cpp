@@ -1,9 +1,9 @@
+#include "app/WriteAll.h"
 #include "territories/TerritoryType.h"
 #include "territories/TerritoryTypeList.h"
 #include "tool/Commands.h"
 #include "tool/FieldBands.h"
 #include "tool/InputFiles.h"
-#include "tool/NewFile.h"
 #include "tool/OutputSet.h"
 #include "tool/Progress.h"
 #include "tool/ProjectData.h"
@@ -23,8 +23,8 @@ class MapWriter
 {
 public:
     /// target: where the file will be, for messages.
-    MapWriter(const QString& path, const QString& target)
-        : m_file(path)
+    MapWriter(QFile& file, const QString& target)
+        : m_file(file)
         , m_target(target)
     {
     }
@@ -32,36 +32,28 @@ public:
     bool Write(FieldBands& fields);
 
 private:
-    bool Open();
     bool WriteAt(qint64 offset, const void* bytes, qint64 count);
     bool WriteInt(qint64 offset, qint32 value);
     bool WriteBand(qint64 offset, int band, BitFieldRaster& fields);
 
-    NewFile m_file;
+    QFile& m_file;
     QString m_target;
 };
 
-void PrintWriteError(const QString& target, const NewFile& file)
+/// False after a printed error.
+bool WriteTo(QFile& file, const void* bytes, qint64 count, const QString& target)
 {
-    Console::PrintError(target, QStringLiteral("cannot be written: %1.").arg(file.Error()));
-}
-
-bool MapWriter::Open()
-{
-    const bool isOpen = m_file.Open();
-    if (!isOpen) {
-        PrintWriteError(m_target, m_file);
+    const bool isWritten = WriteAll(file, bytes, count) && FlushAll(file);
+    if (!isWritten) {
+        Console::PrintError(target,
+                            QStringLiteral("cannot be written: %1.").arg(file.errorString()));
     }
-    return isOpen;
+    return isWritten;
 }
 
 bool MapWriter::WriteAt(qint64 offset, const void* bytes, qint64 count)
 {
-    const bool isWritten = m_file.WriteAt(offset, bytes, count);
-    if (!isWritten) {
-        PrintWriteError(m_target, m_file);
-    }
-    return isWritten;
+    return m_file.seek(offset) && WriteTo(m_file, bytes, count, m_target);
 }
 
 bool MapWriter::WriteInt(qint64 offset, qint32 value)
@@ -88,7 +80,7 @@ bool MapWriter::Write(FieldBands& fields)
         fields.UsageBits() == 0 ? 0 : fields.Size().width() / (32 / fields.UsageBits());
     const qint64 valueOffset = usageOffset + 4 + 4 * words * fields.Size().height();
     const bool hasHeader =
-        Open() && WriteInt(0, fields.Size().width()) && WriteInt(4, fields.Size().height()) &&
+        WriteInt(0, fields.Size().width()) && WriteInt(4, fields.Size().height()) &&
         WriteInt(8, fields.WorldSize().width()) && WriteInt(12, fields.WorldSize().height()) &&
         WriteInt(usageOffset, fields.UsageBits()) && WriteInt(valueOffset, fields.ValueBits());
     if (!hasHeader) {
@@ -150,35 +142,22 @@ bool OverwritesInput(const QStringList& names, const ProjectData& project, const
                        [&](const QString& name) { return IsInput(output.Target(name), inputs); });
 }
 
-bool WriteType(const TerritoryType& type, const QString& path, const QString& target)
-{
-    const QByteArray bytes = type.ToGameFile();
-    NewFile file(path);
-    const bool isWritten = file.Open() && file.WriteAt(0, bytes.constData(), bytes.size());
-    if (!isWritten) {
-        PrintWriteError(target, file);
-    }
-    return isWritten;
-}
-
 /// Writes the map and the types; their names are in this order. False after a printed error.
 bool WriteFiles(FieldBands& fields, const TerritoryTypeList& types, const QStringList& names,
                 OutputSet& output)
 {
-    QStringList paths;
-    for (const QString& name : names) {
-        paths.append(output.Add(name));
-        if (paths.last().isEmpty()) {
-            return false;
-        }
-    }
+    // The map takes longest: what is wrong with the others is known before that.
     const QVector<TerritoryType*> all = types.Types();
     for (int i = 0; i < all.size(); ++i) {
-        if (!WriteType(*all.at(i), paths.at(i + 1), output.Target(names.at(i + 1)))) {
+        const QString name = names.at(i + 1);
+        const QByteArray bytes = all.at(i)->ToGameFile();
+        QFile* file = output.Add(name);
+        if (!file || !WriteTo(*file, bytes.constData(), bytes.size(), output.Target(name))) {
             return false;
         }
     }
-    return MapWriter(paths.first(), output.Target(names.first())).Write(fields) && output.Commit();
+    QFile* map = output.Add(names.first());
+    return map && MapWriter(*map, output.Target(names.first())).Write(fields) && output.Commit();
 }
 
 ToolExit Export(const QStringList& files, const QCommandLineParser& options)

@@ -1,24 +1,14 @@
 #include "tool/InputFiles.h"
 
+#include "platform/Files.h"
 #include "tool/Console.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QXmlStreamReader>
 
-#include <sys/stat.h>
-
 #include <algorithm>
-
-namespace {
-
-/// False for what does not exist.
-bool GetStatus(const QString& path, struct stat& status)
-{
-    return stat(QFile::encodeName(path).constData(), &status) == 0;
-}
-
-} // namespace
+#include <filesystem>
 
 QString OpenInput(QFile& file, QIODevice::OpenMode flags)
 {
@@ -52,14 +42,10 @@ QString WalkDocument(QFile& file, const std::function<void(QXmlStreamReader&)>& 
 
 bool IsInput(const QString& target, const QStringList& inputs)
 {
-    struct stat written = {};
-    if (!GetStatus(target, written)) {
-        return false;
-    }
     const bool isInput = std::any_of(inputs.begin(), inputs.end(), [&](const QString& input) {
-        struct stat read = {};
-        return GetStatus(input, read) && read.st_dev == written.st_dev &&
-               read.st_ino == written.st_ino;
+        std::error_code isMissing;
+        return std::filesystem::equivalent(platform::ToPath(target), platform::ToPath(input),
+                                           isMissing);
     });
     if (isInput) {
         Console::PrintError(target, QStringLiteral("is read by this command."));

@@ -1,6 +1,7 @@
 #include "tool/PictureFile.h"
 
 #include "app/OutputFile.h"
+#include "platform/ErrorOutput.h"
 #include "tool/Console.h"
 #include "tool/InputFiles.h"
 #include "tool/Interruption.h"
@@ -10,9 +11,6 @@
 #include <QFile>
 #include <QImageReader>
 #include <QtEndian>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace {
 
@@ -43,32 +41,6 @@ bool IsCutOffPng(QFile& file)
     return true;
 }
 
-/// The library that unpacks pictures says on the standard error, in its own form, what is wrong.
-class ErrorsTurnedOff
-{
-public:
-    ErrorsTurnedOff()
-        : m_before(dup(STDERR_FILENO))
-    {
-        const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-        if (m_before >= 0 && nowhere >= 0) {
-            dup2(nowhere, STDERR_FILENO);
-        }
-        close(nowhere);
-    }
-    ~ErrorsTurnedOff()
-    {
-        if (m_before >= 0) {
-            dup2(m_before, STDERR_FILENO);
-            close(m_before);
-        }
-    }
-    Q_DISABLE_COPY(ErrorsTurnedOff)
-
-private:
-    int m_before;
-};
-
 } // namespace
 
 QString OpenPicture(QFile& file)
@@ -77,7 +49,8 @@ QString OpenPicture(QFile& file)
     if (!error.isEmpty()) {
         return error;
     }
-    const ErrorsTurnedOff silence;
+    // The library that unpacks pictures says there, in its own form, what is wrong.
+    const platform::ErrorOutputTurnedOff silence;
     QImageReader reader(&file);
     const QByteArray format = reader.format();
     const QSize size = reader.size();
@@ -99,7 +72,7 @@ QImage ReadPicture(const QString& path)
     QString error = OpenPicture(file);
     QImage picture;
     if (error.isEmpty()) {
-        const ErrorsTurnedOff silence;
+        const platform::ErrorOutputTurnedOff silence;
         picture = QImageReader(&file).read();
     }
     if (picture.isNull()) {

@@ -1,8 +1,7 @@
 #include "tool/Progress.h"
 
+#include "platform/ErrorOutput.h"
 #include "tool/Console.h"
-
-#include <unistd.h>
 
 namespace {
 
@@ -13,7 +12,8 @@ bool isAnyShown = false;
 Progress::Progress(const QString& what, int total)
     : m_what(what)
     , m_total(total)
-    , m_isShown(!isAnyShown && !Console::IsQuiet() && total > 0 && isatty(STDERR_FILENO) == 1)
+    , m_isShown(!isAnyShown && !Console::IsQuiet() && total > 0 &&
+                platform::IsErrorOutputTerminal())
 {
     isAnyShown = isAnyShown || m_isShown;
 }

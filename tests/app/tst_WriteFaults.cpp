@@ -14,6 +14,7 @@
 #include "tests/support/ProjectFixture.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QTest>
 
@@ -54,7 +55,7 @@ public:
         }
         auto* type = new TerritoryType(QStringLiteral("Deer"));
         types.AddType(type);
-        auto* territory = new Territory(QStringLiteral("in state %1").arg(state));
+        auto* territory = new Territory(QString(state == 1 ? 1 : 20000, QLatin1Char('x')));
         territory->AddZone(new Zone(territory, 100.0F * static_cast<float>(state)));
         type->AddTerritory(territory);
         ProjectSettings::Instance().modified = true;
@@ -103,18 +104,41 @@ std::shared_ptr<void> FillDisk(const QString& folder)
             WriteBytes(folder + '/' + it.key(), it.value());
         }
     }
-    QFile filler(folder + "/filler");
-    [&] { QVERIFY(filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered)); }();
-    while (filler.write(QByteArray(1024, 'x')) == 1024) {}
+    FillUp(folder);
     return disk;
+}
+
+/// Takes new files from the folders, and gives the files in them these permissions.
+std::shared_ptr<void> MakeFoldersReadOnly(const QString& folder, QFile::Permissions permissions)
+{
+    QDirIterator it(folder, QDir::AllEntries | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString path = it.next();
+        const bool isFolder = it.fileInfo().isDir();
+        [&] {
+            QVERIFY(
+                QFile::setPermissions(path, isFolder ? QFile::Permissions(0x5555) : permissions));
+        }();
+    }
+    return std::make_shared<ReadOnlyFolder>(folder);
 }
 
 std::shared_ptr<void> MakeReadOnly(const QString& folder)
 {
-    for (const char* name : {"/layers", "/map", "/territoryTypes"}) {
-        [&] { QVERIFY(QFile::setPermissions(folder + name, QFile::Permissions(0x5555))); }();
-    }
-    return std::make_shared<ReadOnlyFolder>(folder);
+    return MakeFoldersReadOnly(folder, QFile::Permissions(0x4444));
+}
+
+std::shared_ptr<void> LetFilesBeOverwritten(const QString& folder)
+{
+    return MakeFoldersReadOnly(folder, QFile::Permissions(0x6666));
+}
+
+/// The disk can be taken away only by root, so the folders get their permissions back before that.
+std::shared_ptr<void> FillDiskOfFilesToOverwrite(const QString& folder)
+{
+    std::shared_ptr<void> disk = FillDisk(folder);
+    return std::make_shared<std::pair<std::shared_ptr<void>, std::shared_ptr<void>>>(
+        disk, LetFilesBeOverwritten(folder));
 }
 
 std::shared_ptr<void> RemoveFolder(const QString& folder)
@@ -136,6 +160,7 @@ class tst_WriteFaults : public QObject
 private slots:
     void LeaveWholeFiles_data();
     void LeaveWholeFiles();
+    void FilesInFoldersThatTakeNoneAreOverwritten();
     void NamesTooLongForFilesAreReported();
 };
 
@@ -146,6 +171,8 @@ void tst_WriteFaults::LeaveWholeFiles_data()
     // Elsewhere than in a container of its own a test may not be allowed to.
     if (geteuid() == 0) {
         QTest::newRow("full disk") << Fault(FillDisk);
+        QTest::newRow("full disk, and folders that take no new file")
+            << Fault(FillDiskOfFilesToOverwrite);
     }
     QTest::newRow("read-only folders") << Fault(MakeReadOnly);
     QTest::newRow("folder that is gone") << Fault(RemoveFolder);
@@ -191,6 +218,26 @@ void tst_WriteFaults::LeaveWholeFiles()
     }
     QCOMPARE(left.value("map/p.map") == after["map/p.map"], isMapSaved);
     QCOMPARE(left.value("territoryTypes/Deer.xml") == after["territoryTypes/Deer.xml"], isExported);
+}
+
+void tst_WriteFaults::FilesInFoldersThatTakeNoneAreOverwritten()
+{
+    QMap<QString, QByteArray> after;
+    {
+        Project unharmed;
+        unharmed.Build(2);
+        unharmed.SaveAll();
+        after = unharmed.Files();
+    }
+    Project project;
+    project.SaveAll();
+    project.Build(2);
+
+    const std::shared_ptr<void> locked = LetFilesBeOverwritten(project.Folder());
+    project.SaveAll();
+
+    QVERIFY(!ProjectSettings::Instance().modified);
+    QCOMPARE(project.Files(), after);
 }
 
 void tst_WriteFaults::NamesTooLongForFilesAreReported()

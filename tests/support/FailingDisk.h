@@ -27,17 +27,52 @@ public:
     Q_DISABLE_COPY(RenamesFail)
 };
 
-/// While it lives, the folder takes no new file, not even from root, who is nobody for so long.
-class ReadOnlyFolder
+/// Ends this process before it gives, changes or removes the name of a file or folder for the
+/// number-th time from now on, counted from 0, like a kill in that moment.
+void DieBeforeStep(int number);
+/// What it then ends with.
+constexpr int DeadExitCode = 99;
+
+/// While it lives, no file can be made without a name, as on some file systems.
+class NoUnnamedFiles
 {
 public:
-    explicit ReadOnlyFolder(const QString& path);
-    ~ReadOnlyFolder();
-    Q_DISABLE_COPY(ReadOnlyFolder)
+    NoUnnamedFiles();
+    ~NoUnnamedFiles();
+    Q_DISABLE_COPY(NoUnnamedFiles)
+};
+
+/// While it lives, a folder has these permissions, and root is nobody.
+class FolderOfMode
+{
+public:
+    FolderOfMode(const QString& path, mode_t mode);
+    ~FolderOfMode();
+    Q_DISABLE_COPY(FolderOfMode)
 
 private:
     QByteArray m_path;
     uid_t m_userBefore;
+};
+
+/// While it lives, the folder takes no new file, not even from root.
+class ReadOnlyFolder : public FolderOfMode
+{
+public:
+    explicit ReadOnlyFolder(const QString& path)
+        : FolderOfMode(path, 0555)
+    {
+    }
+};
+
+/// While it lives, the folder takes new files, but root, who made it, does not own the files in it.
+class StickyFolder : public FolderOfMode
+{
+public:
+    explicit StickyFolder(const QString& path)
+        : FolderOfMode(path, 01777)
+    {
+    }
 };
 
 /// A disk of its own, of this many bytes, on an empty folder. Only root can make one.
@@ -54,3 +89,6 @@ private:
     QByteArray m_folder;
     bool m_isThere;
 };
+
+/// Writes a file "filler" into the folder until there is no room on its disk.
+void FillUp(const QString& folder);

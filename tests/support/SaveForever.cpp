@@ -1,9 +1,9 @@
-// SaveForever PROJECT WAY COUNT
+// SaveForever PROJECT WAY COUNT [USER]
 // Saves the project, or exports it, again and again, each time with other contents, until it is
 // killed or did so COUNT times; 0 is without end. WAY is "save", "all" (also the map and the
 // territory types), or "batch": the batch run of PROJECT and, in turn, of a document of the same
 // name in the folder "other". Works in the project's folder. Prints a line when the first save
-// begins.
+// begins. USER is the number of the user that it becomes before that.
 
 #include "app/BatchExport.h"
 #include "app/ProjectDocument.h"
@@ -29,6 +29,7 @@
 #include <csignal>
 
 #include <sys/prctl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -83,9 +84,13 @@ bool Export(const QFileInfo& project, bool isOther)
 
 int main(int argc, char* argv[])
 {
+    const QCoreApplication application(argc, argv);
+    const QString user = QCoreApplication::arguments().value(4);
+    if (!user.isEmpty() && setuid(user.toUInt()) != 0) {
+        return 1;
+    }
     // Whoever started it may be killed itself.
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    const QCoreApplication application(argc, argv);
     const QString path = QCoreApplication::arguments().value(1);
     const QString way = QCoreApplication::arguments().value(2);
     const int saves = QCoreApplication::arguments().value(3).toInt();

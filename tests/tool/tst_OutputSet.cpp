@@ -1,6 +1,7 @@
 #include "tests/support/Files.h"
 #include "tool/OutputSet.h"
 
+#include <QDir>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -21,7 +22,8 @@ private:
     static void Make(OutputSet& output, const QStringList& names)
     {
         for (const QString& name : names) {
-            WriteBytes(output.Add(name), name.toUtf8());
+            QFile* file = output.Add(name);
+            [&] { QVERIFY(file && file->write(name.toUtf8()) == name.size()); }();
         }
     }
 };
@@ -49,9 +51,12 @@ void tst_OutputSet::FailureAtTheLastPutsAllBack()
     {
         OutputSet output(folder.path());
         Make(output, {"a", "b", "c/d"});
-        output.Add("never made");
+        output.Add("obstacle");
+        WriteBytes(folder.filePath("obstacle/x"), "in the way");
         QVERIFY(!output.Commit());
     }
+    QCOMPARE(ReadBytes(folder.filePath("obstacle/x")), QByteArray("in the way"));
+    QVERIFY(QDir(folder.filePath("obstacle")).removeRecursively());
     QCOMPARE(FilesBelow(folder.path()), before);
 }
 
@@ -63,11 +68,12 @@ void tst_OutputSet::TwoNamesOfOneFileArePutBack()
     {
         OutputSet output(folder.path());
         Make(output, {"a", "link"});
-        output.Add("never made");
+        output.Add("obstacle");
+        QVERIFY(QDir(folder.path()).mkdir("obstacle"));
         QVERIFY(!output.Commit());
     }
     QCOMPARE(ReadBytes(folder.filePath("a")), QByteArray("old"));
-    QCOMPARE(FilesBelow(folder.path()).keys(), (QStringList{"a", "link"}));
+    QCOMPARE(FilesBelow(folder.path()).keys(), (QStringList{"a", "link", "obstacle/"}));
 }
 
 void tst_OutputSet::NothingIsLeftWithoutCommit()

@@ -384,7 +384,10 @@ void tst_ToolRender::UnreadableBackgroundsEndWithThree_data()
     row("pipe", "pipe", "is no file.");
     row("text", "text", "is no picture that can be read.");
     row("cut off", "most", "is a picture that is cut off.");
+#ifndef QUILLMAP_PORTABLE
+    // The library that unpacks pictures has its say on other systems than Linux.
     row("damaged", "damaged", "is no picture that can be read.");
+#endif
     row("of few bytes and very large",
         QByteArray(
             "\x89PNG\r\n\x1a\n\0\0\0\x0dIHDR\0\0\x75\x30\0\0\x75\x30\1\0\0\0\0\x4e\x5c\xc5\x17"
@@ -431,7 +434,10 @@ void tst_ToolRender::UnwrittenPicturesEndWithFour_data()
     row("full", "ulimit -f 0", "layers/p.png", "File too large.");
     row("full in the midst", "ulimit -f 1", "layers/p.png", "File too large.");
     row("folder", ":", "layers", "Is a directory.");
+#ifndef QUILLMAP_PORTABLE
+    // Only Linux opens a pipe without waiting for a reader.
     row("pipe that nobody reads", ":", "pipe", "No such device or address.");
+#endif
 }
 
 void tst_ToolRender::UnwrittenPicturesEndWithFour()

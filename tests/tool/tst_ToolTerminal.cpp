@@ -54,10 +54,18 @@ class tst_ToolTerminal : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void BarsShowTheProgress_data();
     void BarsShowTheProgress();
     void ErrorsTakeTheBarsPlace();
 };
+
+void tst_ToolTerminal::initTestCase()
+{
+#ifdef QUILLMAP_PORTABLE
+    QSKIP("Only Linux tells whether the standard error is a terminal.");
+#endif
+}
 
 void tst_ToolTerminal::BarsShowTheProgress_data()
 {

@@ -1,0 +1,140 @@
+#include "app/HiddenFile.h"
+
+#include "app/HiddenNames.h"
+#include "app/Leftovers.h"
+#include "app/WriteAll.h"
+#include "platform/Files.h"
+
+#include <QFileInfo>
+
+#include <cerrno>
+#include <filesystem>
+
+namespace {
+
+/// What the C library noted of a failure in Qt.
+std::error_code LastError()
+{
+    return errno == 0 ? std::make_error_code(std::errc::io_error)
+                      : std::error_code(errno, std::generic_category());
+}
+
+bool OpenFile(QFile& file, QIODevice::OpenMode mode)
+{
+    errno = 0;
+    return file.open(mode);
+}
+
+bool CopyBytes(QFile& from, QFile& to)
+{
+    constexpr qint64 blockSize = 1 << 20;
+    errno = 0;
+    for (qint64 left = from.size(); left > 0;) {
+        const QByteArray block = from.read(qMin(left, blockSize));
+        if (block.isEmpty() || !WriteAll(to, block.constData(), block.size())) {
+            return false;
+        }
+        left -= block.size();
+    }
+    return true;
+}
+
+} // namespace
+
+HiddenFile::~HiddenFile()
+{
+    if (!m_name.isEmpty()) {
+        m_file.close();
+        QFile::remove(m_name);
+    }
+}
+
+std::error_code HiddenFile::Open(const QString& folder)
+{
+    TidyFolder(folder);
+    return platform::OpenUnnamed(m_file, folder) ? OpenNamed(folder) : std::error_code();
+}
+
+std::error_code HiddenFile::OpenNamed(const QString& folder)
+{
+    HiddenThing made = MakeHidden(
+        folder, HiddenKind::File,
+        [this](const QString& path) {
+            m_file.setFileName(path);
+            return OpenFile(m_file, QIODevice::ReadWrite | QIODevice::NewOnly) ? std::error_code()
+                                                                               : LastError();
+        },
+        [this](const QString& path) {
+            m_file.close();
+            QFile::remove(path);
+        });
+    m_name = made.path;
+    m_lock = std::move(made.lock);
+    return made.error;
+}
+
+void HiddenFile::SetPermissionsOf(const QString& path)
+{
+    m_file.setPermissions(QFile::permissions(path));
+}
+
+std::error_code HiddenFile::Finish()
+{
+    return FlushAll(m_file) ? platform::Sync(m_file) : LastError();
+}
+
+std::error_code HiddenFile::Rename(const QString& path)
+{
+    std::error_code error;
+    std::filesystem::rename(platform::ToPath(m_name), platform::ToPath(path), error);
+    if (!error) {
+        m_name.clear();
+    }
+    return error;
+}
+
+std::error_code HiddenFile::HandOver(const QString& path)
+{
+    std::error_code error = Finish();
+    if (!error && m_name.isEmpty()) {
+        return platform::NameUnnamed(m_file, path);
+    }
+    // Some systems rename no open file.
+    m_file.close();
+    return error ? error : Rename(path);
+}
+
+std::error_code HiddenFile::Replace(const QString& place)
+{
+    std::error_code error = HandOver(place);
+    if (error != std::errc::file_exists || !m_name.isEmpty()) {
+        return error;
+    }
+    // Only a file with a name can replace another one. It stays open, and so locked.
+    const QString name = HiddenPath(QFileInfo(place).path(), HiddenKind::File);
+    error = platform::NameUnnamed(m_file, name);
+    if (!error) {
+        m_name = name;
+        error = Rename(place);
+    }
+    return error;
+}
+
+std::error_code HiddenFile::Overwrite(const QString& place)
+{
+    QFile target(place);
+    if (!FlushAll(m_file) || (!m_file.isOpen() && !OpenFile(m_file, QIODevice::ReadOnly)) ||
+        !m_file.seek(0) ||
+        !OpenFile(target, QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
+        return LastError();
+    }
+    const qint64 oldLength = target.size();
+    if (const std::error_code error = platform::Reserve(target, m_file.size())) {
+        target.resize(oldLength);
+        return error;
+    }
+    if (!target.seek(0) || !CopyBytes(m_file, target) || !target.resize(m_file.size())) {
+        return LastError();
+    }
+    return platform::Sync(target);
+}

@@ -1,0 +1,24 @@
+#include "app/WriteAll.h"
+
+#include <QFileDevice>
+
+bool WriteAll(QFileDevice& device, const void* bytes, qint64 count)
+{
+    // A disk that gets full takes a part, and tells what is wrong only when asked to take more.
+    const char* rest = static_cast<const char*>(bytes);
+    while (count > 0) {
+        const qint64 taken = device.write(rest, count);
+        if (taken <= 0) {
+            return false;
+        }
+        rest += taken;
+        count -= taken;
+    }
+    return true;
+}
+
+bool FlushAll(QFileDevice& device)
+{
+    // The first flush may write a part without an error; the second one then tells what is wrong.
+    return device.flush() || device.flush();
+}

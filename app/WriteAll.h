@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QtGlobal>
+
+class QFileDevice;
+
+/// False unless every byte was taken; then the device tells why.
+bool WriteAll(QFileDevice& device, const void* bytes, qint64 count);
+/// Hands on what the device has kept back so far; false unless all of it was taken.
+bool FlushAll(QFileDevice& device);

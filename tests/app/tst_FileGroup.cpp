@@ -1,0 +1,298 @@
+#include "app/FileGroup.h"
+
+#include "app/Leftovers.h"
+#include "app/OutputFile.h"
+#include "platform/Files.h"
+#include "tests/support/FailingDisk.h"
+#include "tests/support/Files.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <functional>
+
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+using Files = QMap<QString, QByteArray>;
+using Step = std::function<bool(const QString& folder)>;
+
+const Files Old = {{"a", "old a"}, {"c/", {}}, {"c/d", "old d"}, {"c/e", "old e"}};
+const Files New = {{"a", "new a"}, {"b", "new b"}, {"c/", {}}, {"c/d", "new d"}, {"c/e", "new e"}};
+
+void MakeOld(const QString& folder)
+{
+    for (auto it = Old.begin(); it != Old.end(); ++it) {
+        if (!it.key().endsWith('/')) {
+            WriteBytes(folder + '/' + it.key(), it.value());
+        }
+    }
+}
+
+bool AddNew(FileGroup& group, const QString& folder)
+{
+    for (auto it = New.begin(); it != New.end(); ++it) {
+        if (!it.key().endsWith('/')) {
+            QFile* file = group.Add(folder + '/' + it.key());
+            if (!file || file->write(it.value()) != it.value().size()) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+bool ReplaceAll(const QString& folder)
+{
+    FileGroup group;
+    return AddNew(group, folder) && group.Commit();
+}
+
+/// The last of the files is kept from its place.
+bool FailToReplaceAll(const QString& folder)
+{
+    FileGroup group;
+    return AddNew(group, folder) && QFile::remove(folder + "/c/e") && QDir(folder).mkdir("c/e") &&
+           !group.Commit();
+}
+
+bool ReplaceOne(const QString& folder)
+{
+    OutputFile file(folder + "/a");
+    return file.Open() && file.Write("new a") && file.Commit();
+}
+
+bool Tidy(const QString& folder)
+{
+    TidyFolder(folder + "/c");
+    TidyFolder(folder);
+    return true;
+}
+
+/// Runs a step in a process that ends before the number-th change of a name; false when it came to
+/// its end before that.
+bool IsKilled(const Step& step, const QString& folder, int number)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        DieBeforeStep(number);
+        const bool isDone = step(folder);
+        DieBeforeStep(-1);
+        _exit(isDone ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    if (code != 0 && code != DeadExitCode) {
+        qFatal("A step failed.");
+    }
+    return code == DeadExitCode;
+}
+
+/// What a reader of a name finds is always a whole file.
+bool AreWhole(const Files& files)
+{
+    for (auto it = New.begin(); it != New.end(); ++it) {
+        if (files.contains(it.key())
+                ? files[it.key()] != it.value() && files[it.key()] != Old.value(it.key())
+                : Old.contains(it.key())) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Step)
+
+class tst_FileGroup : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void AKillAtAnyStepIsMended_data();
+    void AKillAtAnyStepIsMended();
+    void KillsOfTheMenderAreMended();
+    void WhatALivingProgramMakesIsLeftAlone();
+    void OtherNamesAreLeftAlone();
+    void RecordsLeadNowhereElse_data();
+    void RecordsLeadNowhereElse();
+    void ManyFilesNeedFewOpenOnes();
+};
+
+void tst_FileGroup::AKillAtAnyStepIsMended_data()
+{
+    QTest::addColumn<Step>("step");
+    QTest::addColumn<bool>("areFilesNamed");
+    QTest::addColumn<Files>("after");
+    Files onlyA = Old;
+    onlyA["a"] = New["a"];
+    Files obstructed = Old;
+    obstructed.remove("c/e");
+    obstructed["c/e/"] = QByteArray();
+    for (const bool areFilesNamed : {false, true}) {
+        const char* way = areFilesNamed ? "named" : "unnamed";
+        QTest::addRow("one file, %s", way) << Step(ReplaceOne) << areFilesNamed << onlyA;
+        QTest::addRow("several, %s", way) << Step(ReplaceAll) << areFilesNamed << New;
+        QTest::addRow("failing, %s", way) << Step(FailToReplaceAll) << areFilesNamed << obstructed;
+    }
+}
+
+void tst_FileGroup::AKillAtAnyStepIsMended()
+{
+    QFETCH(Step, step);
+    QFETCH(bool, areFilesNamed);
+    QFETCH(Files, after);
+    const std::unique_ptr<NoUnnamedFiles> named =
+        areFilesNamed ? std::make_unique<NoUnnamedFiles>() : nullptr;
+    bool isKilled = true;
+    int number = 0;
+    for (; isKilled; ++number) {
+        const QTemporaryDir folder;
+        MakeOld(folder.path());
+        isKilled = IsKilled(step, folder.path(), number);
+        if (!after.contains("c/e/")) {
+            QVERIFY2(AreWhole(FilesBelow(folder.path())), qPrintable(QString::number(number)));
+        }
+        // From either of the folders, all files are put in their places or back.
+        TidyFolder(folder.filePath(number % 2 == 0 ? "c" : "."));
+        Files files = FilesBelow(folder.path());
+        for (const QString& name : files.keys()) {
+            if (name.contains(".quillmap-")) {
+                files.remove(name);
+            }
+        }
+        Files beforeObstacle = after;
+        beforeObstacle.remove("c/e/");
+        QVERIFY2(files == Old || files == after || files == beforeObstacle,
+                 qPrintable(QString::number(number)));
+        TidyFolder(folder.filePath(number % 2 == 0 ? "." : "c"));
+        QCOMPARE(FilesBelow(folder.path()), files);
+        QVERIFY(isKilled || files == after);
+    }
+    // It was killed, and more often where there is more to do.
+    QVERIFY(number > (after.size() > Old.size() ? 10 : 1));
+}
+
+void tst_FileGroup::KillsOfTheMenderAreMended()
+{
+#ifdef QUILLMAP_PORTABLE
+    constexpr int stride = 7; // lock files have names too, so there are many steps
+#else
+    constexpr int stride = 2;
+#endif
+    for (const Step& step : {Step(ReplaceAll), Step(FailToReplaceAll)}) {
+        bool isFirstKilled = true;
+        for (int first = 0; isFirstKilled; first += stride) {
+            bool isSecondKilled = true;
+            for (int second = 0; isSecondKilled; second += stride) {
+                const QTemporaryDir folder;
+                MakeOld(folder.path());
+                isFirstKilled = IsKilled(step, folder.path(), first);
+                isSecondKilled = IsKilled(Tidy, folder.path(), second);
+                Tidy(folder.path());
+                const Files files = FilesBelow(folder.path());
+                const bool isOld = files.value("a") == Old["a"] && files["c/d"] == Old["c/d"] &&
+                                   !files.contains("b");
+                QVERIFY2(isOld || files == New,
+                         qPrintable(QStringLiteral("%1 %2").arg(first).arg(second)));
+                QVERIFY(files.keys().filter(".quillmap-").isEmpty());
+            }
+        }
+    }
+}
+
+void tst_FileGroup::WhatALivingProgramMakesIsLeftAlone()
+{
+    const QTemporaryDir folder;
+    WriteBytes(folder.filePath(".quillmap-abcdefgh.new"), "file");
+    WriteBytes(folder.filePath(".quillmap-abcdefgh.group/new-0"), "file");
+    const Files before = FilesBelow(folder.path());
+    {
+        const auto file = platform::TryLock(folder.filePath(".quillmap-abcdefgh.new"));
+        const auto group = platform::TryLock(folder.filePath(".quillmap-abcdefgh.group"));
+        QVERIFY(file && group);
+        TidyFolder(folder.path());
+        Files left = FilesBelow(folder.path());
+        left.remove(".quillmap-abcdefgh.new.lock");
+        left.remove(".quillmap-abcdefgh.group.lock");
+        QCOMPARE(left, before);
+    }
+    TidyFolder(folder.path());
+    QCOMPARE(FilesBelow(folder.path()), Files());
+}
+
+void tst_FileGroup::OtherNamesAreLeftAlone()
+{
+    const QTemporaryDir folder;
+    WriteBytes(folder.filePath("far/file"), "far");
+    for (const char* name :
+         {".quillmap-notes", ".quillmap-abcdefgh.newer", ".quillmap-ABCDEFGH.new",
+          "x.quillmap-abcdefgh.new", ".quillmap-abcdefgh.group/mine"}) {
+        WriteBytes(folder.filePath(name), "of the user");
+    }
+    QVERIFY(QFile::link(folder.filePath("far"), folder.filePath(".quillmap-bcdefghi.group")));
+    const Files before = FilesBelow(folder.path());
+    TidyFolder(folder.path());
+    QCOMPARE(FilesBelow(folder.path()), before);
+}
+
+void tst_FileGroup::RecordsLeadNowhereElse_data()
+{
+    QTest::addColumn<QByteArray>("workplace");
+    QTest::addColumn<QByteArray>("name");
+    QTest::newRow("name upward") << QByteArray(".quillmap-abcdefgh.group") << QByteArray("../far");
+    QTest::newRow("the folder itself")
+        << QByteArray(".quillmap-abcdefgh.group") << QByteArray("..");
+    QTest::newRow("other folder") << QByteArray("../home") << QByteArray("far");
+    QTest::newRow("by a link") << QByteArray("link/.quillmap-abcdefgh.group") << QByteArray("far");
+}
+
+void tst_FileGroup::RecordsLeadNowhereElse()
+{
+    QFETCH(QByteArray, workplace);
+    QFETCH(QByteArray, name);
+    const QTemporaryDir folder;
+    WriteBytes(folder.filePath("far"), "far");
+    WriteBytes(folder.filePath("home/new-0"), "planted");
+    const QString project = folder.filePath("project");
+    WriteBytes(project + "/.quillmap-abcdefgh.group/new-0", "planted");
+    WriteBytes(project + "/.quillmap-abcdefgh.group/record", "[{\"workplace\":\"" + workplace +
+                                                                 "\",\"name\":\"" + name +
+                                                                 "\",\"replaces\":true}]");
+    QVERIFY(QFile::link(folder.filePath("home"), project + "/link"));
+    TidyFolder(project);
+    QCOMPARE(FilesBelow(folder.path()).keys(),
+             (QStringList{"far", "home/", "home/new-0", "project/", "project/link/"}));
+    QCOMPARE(ReadBytes(folder.filePath("far")), QByteArray("far"));
+}
+
+void tst_FileGroup::ManyFilesNeedFewOpenOnes()
+{
+    const QTemporaryDir folder;
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    rlimit few = before;
+    few.rlim_cur = 256;
+    QCOMPARE(setrlimit(RLIMIT_NOFILE, &few), 0);
+    {
+        FileGroup group;
+        for (int i = 0; i < 500; ++i) {
+            QFile* file = group.Add(folder.filePath(QString::number(i)));
+            QVERIFY2(file, group.Error().message().c_str());
+            QVERIFY(file->write(QByteArray::number(i)) > 0);
+        }
+        QVERIFY(group.Commit());
+    }
+    setrlimit(RLIMIT_NOFILE, &before);
+    QCOMPARE(FilesBelow(folder.path()).size(), 500);
+    QCOMPARE(ReadBytes(folder.filePath("499")), QByteArray("499"));
+}
+
+QTEST_GUILESS_MAIN(tst_FileGroup)
+#include "tst_FileGroup.moc"
