@@ -42,6 +42,7 @@ private slots:
     void StandsSceneSizesOfNoUse();
     void ZoomsInSteps();
     void StaysInTheZoomRange();
+    void ZeroDeltaZoomsIn_data();
     void ZeroDeltaZoomsIn();
     void KeepsWheelAndKeyThatZoom();
     void ScrollsWithOtherModifiers_data();
@@ -260,10 +261,21 @@ void tst_MainView::StaysInTheZoomRange()
     QCOMPARE(view.Zoom(), 0.5F);
 }
 
+void tst_MainView::ZeroDeltaZoomsIn_data()
+{
+    QTest::addColumn<int>("horizontal");
+    QTest::newRow("no turn") << 0;
+    QTest::newRow("to the left") << 120;
+    QTest::newRow("to the right") << -120;
+}
+
 void tst_MainView::ZeroDeltaZoomsIn()
 {
+    QFETCH(int, horizontal);
     CanvasFixture canvas;
-    Wheel(canvas.view, {50, 50}, 0, Qt::ControlModifier);
+    QWheelEvent wheel(QPointF(50, 50), canvas.view.viewport()->mapToGlobal(QPoint(50, 50)), {},
+                      {horizontal, 0}, Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(canvas.view.viewport(), &wheel);
     QCOMPARE(canvas.view.Zoom(), 1.25F);
 }
 

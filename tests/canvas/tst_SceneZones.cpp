@@ -28,6 +28,7 @@ private slots:
     void AsksForTheTerritoryBeforeItSelects();
     void SelectsWhatTheAnswerUnlocks();
     void StandsAnAnswerThatDestroysTheZone();
+    void QueriesTheTerritoryThatHoldsACopy();
     void QueriesNothingElse();
     void RemovesTheSelection();
     void RemovesZonesOfOtherTerritories();
@@ -318,6 +319,23 @@ void tst_SceneZones::StandsAnAnswerThatDestroysTheZone()
             [&canvas](Territory* territory) { canvas.type->RemoveTerritory(territory->Id()); });
     canvas.Click({50, 50});
     QCOMPARE(canvas.Scene().items().size(), 5);
+}
+
+void tst_SceneZones::QueriesTheTerritoryThatHoldsACopy()
+{
+    CanvasFixture canvas;
+    const Zone* zone = canvas.AddZone({50, 50});
+    Territory* holder = canvas.type->NewTerritory();
+    Zone* copy = zone->Copy();
+    copy->setPos(120, 100);
+    holder->AddZone(copy);
+    canvas.Scene().addItem(copy);
+    QCOMPARE(copy->GetTerritory(), canvas.territory);
+    canvas.Scene().ChangeMode(SceneMode::Query);
+    QSignalSpy query(&canvas.view, &MainView::TerritorySelected);
+    canvas.Click({120, 100});
+    QCOMPARE(query.size(), 1);
+    QCOMPARE(query.first().first().value<Territory*>(), holder);
 }
 
 void tst_SceneZones::QueriesNothingElse()

@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QLayout>
+#include <QMetaMethod>
 #include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QTest>
@@ -19,6 +20,7 @@ class tst_DockLayers : public QObject
 private slots:
     void init() { m_docks = std::make_unique<LayerDocksFixture>(); }
     void cleanup() { m_docks.reset(); }
+    void HasItsSignalsInOrder();
     void HasItsForm_data();
     void HasItsForm();
     void HasItsLayoutsAndIcons();
@@ -41,6 +43,20 @@ private slots:
 private:
     std::unique_ptr<LayerDocksFixture> m_docks;
 };
+
+void tst_DockLayers::HasItsSignalsInOrder()
+{
+    QStringList signatures;
+    const QMetaObject& meta = DockLayers::staticMetaObject;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        if (meta.method(i).methodType() == QMetaMethod::Signal) {
+            signatures.append(QString::fromLatin1(meta.method(i).methodSignature()));
+        }
+    }
+    QCOMPARE(signatures,
+             (QStringList{"Added(Layer*)", "Checked(Layer*)", "Modified(Layer*)", "Removed(int)",
+                          "Selected(Layer*)", "AllHidden()", "Reordered()"}));
+}
 
 void tst_DockLayers::HasItsForm_data()
 {

@@ -84,6 +84,7 @@ private slots:
     void AFailedLoadLeavesThePicture();
     void LayersMadeAfterAFailedLoadCanBePainted();
     void OldFlagBoxesGo();
+    void AnOldBackgroundGoes_data();
     void AnOldBackgroundGoes();
     void OpensTheProjectOfTheCommandLine();
     void RefusesToCloseWhileItLoads();
@@ -411,8 +412,16 @@ void tst_WindowLoading::OldFlagBoxesGo()
     QCOMPARE(boxes("gboLayerValueFlags"), 1);
 }
 
+void tst_WindowLoading::AnOldBackgroundGoes_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::newRow("a project without a picture") << QByteArray();
+    QTest::newRow("a project whose picture is missing") << QByteArray("missing.png");
+}
+
 void tst_WindowLoading::AnOldBackgroundGoes()
 {
+    QFETCH(QByteArray, file);
     WindowFixture fixture;
     const QString path = fixture.WriteProject();
     QImage picture(4, 4, QImage::Format_RGB32);
@@ -435,7 +444,8 @@ void tst_WindowLoading::AnOldBackgroundGoes()
     fixture.Load(path);
     QCOMPARE(shown().size(), QSize(64, 64));
 
-    WriteBytes(path, document);
+    QByteArray other = document;
+    WriteBytes(path, other.replace("file=\"\"", "file=\"" + file + "\""));
     fixture.Load(path);
     QVERIFY(shown().isNull());
 }
