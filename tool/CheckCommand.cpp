@@ -76,13 +76,13 @@ ToolExit Check(const QStringList& files, const QCommandLineParser& options)
 
 Command CheckCommand()
 {
-    return {QStringLiteral("check"),
-            QStringLiteral("PROJECT"),
-            1,
-            QStringLiteral("Look for what makes a project's output wrong or surprising.\n"
-                           "Ends with 1 when there are errors."),
-            {{QStringLiteral("strict"),
-              QStringLiteral("End with 1 also when there are only warnings.")},
-             {QStringLiteral("json"), QStringLiteral("Print the findings as JSON.")}},
-            Check};
+    return {
+        QStringLiteral("check"),
+        QStringLiteral("PROJECT"),
+        1,
+        QStringLiteral("Look for what makes a project's output wrong or surprising.\n"
+                       "Ends with 1 if there are errors."),
+        {{QStringLiteral("strict"), QStringLiteral("End with 1 even if there are only warnings.")},
+         {QStringLiteral("json"), QStringLiteral("Print the findings as JSON.")}},
+        Check};
 }

@@ -15,7 +15,7 @@ QString PlaceOf(const LayerData& layer)
     return QStringLiteral("layer ") + Console::Quoted(layer.name);
 }
 
-/// The numbers of the bits that no flag type names.
+/// The numbers of the set bits that have no flag type, with commas between them.
 QString UnnamedBits(quint32 flags, int typeCount)
 {
     QStringList bits;
@@ -91,7 +91,7 @@ void CheckPixels(const LayerData& layer, const LayerBitmap& bitmap, Findings& fi
 void CheckBitmap(const ProjectData& project, const LayerData& layer, Findings& findings)
 {
     const LayerBitmap bitmap(project, layer);
-    // What is wrong with such a name is a finding already.
+    // CheckNames has reported such a name already.
     if (bitmap.GetProblem() == LayerBitmap::Problem::Outside) {
         return;
     }

@@ -12,10 +12,10 @@
 
 namespace {
 
-/// Names of one kind that shall differ.
+/// Names of one kind that must differ from one another.
 struct NameGroup
 {
-    /// "layer" or the like, and what follows the name in a place.
+    /// kind is "layer" or the like; within is the text after the name in a finding's place.
     QString kind;
     QString within;
     QStringList names;
@@ -48,7 +48,7 @@ void CheckDuplicates(const NameGroup& group, Findings& findings)
     }
 }
 
-/// Why no file can have the name anywhere; empty when there is no reason.
+/// The reason why no file system accepts the name; empty if there is none.
 QString RefusedName(const QString& name)
 {
     constexpr int maxFileNameBytes = 255;
@@ -70,7 +70,7 @@ QString RefusedName(const QString& name)
     return {};
 }
 
-/// Names that some file systems keep for themselves.
+/// The reason why some file systems refuse the name; empty if there is none.
 QString ReservedName(const QString& name)
 {
     static const QRegularExpression device(
@@ -147,7 +147,7 @@ void CheckNames(const ProjectData& project, Findings& findings)
     for (const NameGroup& group : qAsConst(groups)) {
         CheckDuplicates(group, findings);
     }
-    // The map is named after it.
+    // The map gets the project's name.
     CheckFileName(QStringLiteral("project"), project.name, findings);
     for (const QString& name : layers) {
         CheckFileName(QStringLiteral("layer"), name, findings);

@@ -41,7 +41,7 @@ void CheckFlagTypeCount(const QString& kind, int count, Findings& findings)
     }
 }
 
-/// Columns that the fields of a map section have no place for.
+/// Reports columns that a map section does not hold.
 void CheckMapColumns(const QString& kind, int flagCount, int width, Findings& findings)
 {
     const int bits = MapBits(flagCount);

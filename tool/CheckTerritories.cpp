@@ -7,13 +7,13 @@
 
 namespace {
 
-/// Metres; what the editor lets its users set.
+/// Metres. The editor accepts this range.
 constexpr float MinRadius = 50;
 constexpr float MaxRadius = 32768;
 
 constexpr std::array<const char*, 4> FixedUsages = {"Rest", "Graze", "Water", "HuntingGround"};
 
-/// The fixed usage that an event name is easily taken for; empty when it is one itself or none.
+/// The fixed usage that an event's name resembles; empty if it resembles none or is one itself.
 QString ResembledUsage(const QString& name)
 {
     QString letters = name.toLower();
@@ -78,7 +78,7 @@ private:
 
     void CheckRadius(float radius)
     {
-        // Not a number is outside too.
+        // A NaN counts as outside too.
         if (!(radius >= MinRadius && radius <= MaxRadius)) {
             Add("zone-radius", Severity::Warning,
                 QStringLiteral("its radius of %1 m is outside %2 to %3 m.")
@@ -107,7 +107,7 @@ private:
         const auto isInside = [](float value, int size) {
             return value >= 0 && value <= static_cast<float>(size);
         };
-        // In a world without a size, which is a finding of its own, no place is inside.
+        // No place is inside a world without a size. CheckSettings reports that size.
         if (m_project.worldSize.isEmpty()) {
             return;
         }

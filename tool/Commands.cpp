@@ -16,7 +16,7 @@ const QString& ToolName()
 QVector<QCommandLineOption> WithCommonOptions(QVector<QCommandLineOption> options)
 {
     options.append({{QStringLiteral("q"), QStringLiteral("quiet")},
-                    QStringLiteral("Print nothing but errors, and JSON where it is asked for.")});
+                    QStringLiteral("Print only errors, and JSON if --json asks for it.")});
     options.append(
         {{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")});
     return options;
@@ -67,15 +67,16 @@ QString ToolHelp()
                           "Checks, shows and exports the projects and maps of Quillmap.\n\n"
                           "Commands:\n") +
            Table(commands) +
-           QStringLiteral("\nOptions:\n"
-                          "  -h, --help     Show this help; behind a command that of the command.\n"
-                          "  -v, --version  Show the version.\n\n"
-                          "Exit codes:\n"
-                          "  0  Done.\n"
-                          "  1  There are findings or differences.\n"
-                          "  2  The arguments are wrong.\n"
-                          "  3  A file cannot be read.\n"
-                          "  4  A file cannot be written.\n");
+           QStringLiteral(
+               "\nOptions:\n"
+               "  -h, --help     Show this help, or after a command the command's help.\n"
+               "  -v, --version  Show the version.\n\n"
+               "Exit codes:\n"
+               "  0  Done.\n"
+               "  1  There are findings or differences.\n"
+               "  2  The arguments are wrong.\n"
+               "  3  A file cannot be read.\n"
+               "  4  A file cannot be written.\n");
 }
 
 QString CommandHelp(const Command& command)

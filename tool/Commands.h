@@ -15,7 +15,7 @@ class QCommandLineParser;
 struct Command
 {
     QString name;
-    /// What stands behind the options, and how many files that may be.
+    /// The arguments after the options as the help shows them, and how many files are needed.
     QString files;
     int fileCount = 1;
     /// Sentences, one a line.
@@ -26,21 +26,20 @@ struct Command
 
 /// Looks for what makes a project's output wrong or surprising.
 Command CheckCommand();
-/// Tells what a file holds.
+/// Shows what a file holds.
 Command InfoCommand();
-/// Writes what the game reads of a project.
+/// Writes the files that the game reads.
 Command ExportCommand();
-/// Tells where two maps or two projects differ.
+/// Shows where two maps or two projects differ.
 Command CompareCommand();
 /// Makes a picture of a project, a map or a layer bitmap.
 Command RenderCommand();
 
-/// For a command's arguments, when the files or what the options mean together is wrong; the result
-/// is to be returned.
+/// Prints that a command's files or its combination of options is wrong. Return its result.
 ToolExit UsageError(const QString& command, const QString& error);
 
 /// In the order of the help.
 const QVector<Command>& Commands();
 
-/// Does what the arguments ask for; the first one is the program's name.
+/// Runs the command of the arguments; the first one is the program's name.
 ToolExit RunTool(const QStringList& arguments);

@@ -144,8 +144,8 @@ Command CompareCommand()
     return {QStringLiteral("compare"),
             QStringLiteral("A B"),
             2,
-            QStringLiteral("Tell where two maps or two projects differ.\n"
-                           "Ends with 1 when they do. Rectangles are pixels of the layers, from "
+            QStringLiteral("Show where two maps or two projects differ.\n"
+                           "Ends with 1 if they do. Rectangles are pixels of the layers, from "
                            "their top left\ncorner."),
             {{{QStringLiteral("o"), QStringLiteral("output")},
               QStringLiteral("Write a PNG picture: red is only in A, blue only in B, magenta "

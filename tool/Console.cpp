@@ -26,7 +26,7 @@ State& TheState()
     return state;
 }
 
-/// Characters that make what follows be shown from right to left, or back.
+/// True for characters that change the direction in which a terminal shows the text after them.
 bool TurnsDirection(QChar character)
 {
     const ushort code = character.unicode();
@@ -49,7 +49,7 @@ void Write(const QByteArray& text)
         std::fwrite(text.constData(), 1, count, stdout) == count && TheState().isWhole;
 }
 
-/// Logged lines begin with the time of day.
+/// Removes the time of day with which logged lines begin.
 QString WithoutTime(const QString& line)
 {
     constexpr int timeLength = 11;
@@ -108,7 +108,7 @@ void PrintData(const QByteArray& text)
 
 void PrintError(const QString& file, const QString& what)
 {
-    // What fails then, fails for that.
+    // Failures after an interruption are its consequence.
     if (Interruption::HasCome()) {
         return;
     }

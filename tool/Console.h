@@ -6,38 +6,39 @@
 enum class ToolExit : int
 {
     Done = 0,
-    /// There are findings or differences.
+    /// There are findings (check) or differences (compare).
     Found = 1,
     BadArguments = 2,
     Unreadable = 3,
     NotWritten = 4,
 };
 
-/// What the tool says: results on the standard output, errors on the standard error, both UTF-8 and
-/// without control characters that names in files may hold.
+/// The tool's output: results go to the standard output, errors to the standard error. Both are
+/// UTF-8. Control characters, which names in files may contain, are replaced.
 namespace Console {
 
-/// Nothing but errors and JSON is said.
+/// When quiet, only errors and JSON are printed.
 void SetQuiet(bool isQuiet);
 bool IsQuiet();
 
-/// A line on the standard error that stays until something is printed or another one is shown.
+/// Shows a line on the standard error until something is printed or another line is shown.
 void ShowBar(const QString& text);
 void RemoveBar();
 
-/// One line of the result; not when quiet.
+/// Prints one line of the result, unless quiet.
 void Print(const QString& line);
-/// Text as it is, also when quiet.
+/// Prints the text unchanged, also when quiet.
 void PrintData(const QByteArray& text);
-/// "FILE: what is wrong"; nothing after an interruption.
+/// Prints "FILE: what is wrong". Prints nothing after an interruption.
 void PrintError(const QString& file, const QString& what);
-/// False, after an error, when the standard output did not take everything.
+/// Returns false after printing an error if the standard output did not take everything.
 bool Flush();
 
-/// From now on what the libraries log is an error about the current file, or nothing.
+/// From now on, errors that the libraries log are printed as errors about the current file. Their
+/// other messages are dropped.
 void TakeMessages();
 
-/// The file that the libraries are at work on, while this lives.
+/// While this object exists, logged errors are about this file.
 class CurrentFile
 {
 public:
@@ -49,7 +50,7 @@ private:
     QString m_before;
 };
 
-/// Name of a thing in quotes, as messages have it.
+/// The name in the quotes that messages use.
 QString Quoted(const QString& name);
 
 } // namespace Console

@@ -18,7 +18,8 @@ using raster::BitFieldRaster;
 
 namespace {
 
-/// A map file whose sections are written side by side. False after a printed error.
+/// Writes a map file, both sections at the same time. Its functions return false after printing an
+/// error.
 class MapWriter
 {
 public:
@@ -108,8 +109,8 @@ QString TypeFile(const QString& typeName)
     return QStringLiteral("territoryTypes/") + typeName + QStringLiteral(".xml");
 }
 
-/// False, after a printed error, for names that lead elsewhere, and for two types of one name,
-/// which would be written over one another.
+/// Returns false after printing an error if a name leads to another folder, or if two types have
+/// the same name and would overwrite one another.
 bool CheckTypeNames(const ProjectData& project)
 {
     QSet<QString> names;
@@ -134,7 +135,7 @@ bool CheckTypeNames(const ProjectData& project)
     return true;
 }
 
-/// True after a printed error.
+/// Prints an error when it returns true.
 bool OverwritesInput(const QStringList& names, const ProjectData& project, const OutputSet& output)
 {
     const QStringList inputs = project.Files();
@@ -203,8 +204,8 @@ Command ExportCommand()
         QStringLiteral("PROJECT"),
         1,
         QStringLiteral("Write the area map and the territory type files of a project.\n"
-                       "NAME.map and territoryTypes/*.xml take their places together, or not at "
-                       "all.\nPrints the names of the files."),
+                       "Writes NAME.map and all territoryTypes/*.xml, or nothing if one of them "
+                       "fails.\nPrints the names of the files."),
         {{{QStringLiteral("o"), QStringLiteral("output")},
           QStringLiteral("Write into the folder DIR instead of the current one."),
           QStringLiteral("DIR"),

@@ -15,7 +15,7 @@ namespace {
 constexpr int BandRows = raster::TargaBands::BandRows;
 constexpr qint64 MapHeaderBytes = 16;
 
-/// For the masks of a band.
+/// Memory for the masks of a band, in bytes.
 constexpr int MaskBytes = 1 << 22;
 
 void AddWords(BitFieldRaster& fields, const BitFieldRaster& more)
@@ -106,7 +106,7 @@ bool ProjectFields::AddBitmaps(const ProjectData& project, CutOffBitmaps cutOff)
 
 bool ProjectFields::Fill(int band, FieldBand& fields)
 {
-    // As many layers at once as their masks take little memory.
+    // Groups of layers whose masks fit into MaskBytes, but at least one layer.
     const auto groupSize =
         static_cast<std::size_t>(qMax(1, MaskBytes / (m_size.width() * BandRows)));
     for (std::size_t begin = 0; begin < m_bitmaps.size(); begin += groupSize) {

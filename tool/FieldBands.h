@@ -12,7 +12,7 @@
 #include <optional>
 #include <vector>
 
-/// Of each field of a map section for so many flag types.
+/// The bits of each field in a map section with so many flag types.
 int MapBits(int flagTypeCount);
 
 /// The fields of some rows of an area map, with words in the machine's order.
@@ -22,8 +22,9 @@ struct FieldBand
     raster::BitFieldRaster values;
 };
 
-/// The fields of an area map, whole or still to be composed, a band of rows at a time: as many rows
-/// as raster::TargaBands has, from the bottom of the map as in its file.
+/// The fields of an area map, read from its file or composed from layers, one band of rows at a
+/// time. Bands have as many rows as those of raster::TargaBands and count from the bottom of the
+/// map.
 class FieldBands
 {
 public:
@@ -35,19 +36,19 @@ public:
     QSize Size() const { return m_size; }
     /// Metres.
     QSize WorldSize() const { return m_worldSize; }
-    /// Of a field; 0 where the section has none.
+    /// The bits of a field; 0 for an empty section.
     int UsageBits() const { return m_usageBits; }
     int ValueBits() const { return m_valueBits; }
     int BandCount() const;
     int Rows(int band) const;
 
-    /// Nothing after a printed error, and after an interruption.
+    /// Returns nothing after printing an error, and after an interruption.
     std::optional<FieldBand> Read(int band);
 
 protected:
-    /// Rasters of the band without any flag; nothing after a printed error.
+    /// Rasters for the band, without any flag set. Returns nothing after printing an error.
     std::optional<FieldBand> MakeBand(int band) const;
-    /// Fills rasters from MakeBand; false after a printed error.
+    /// Fills rasters from MakeBand. Returns false after printing an error.
     virtual bool Fill(int band, FieldBand& fields) = 0;
 
     QString m_path;
@@ -61,19 +62,19 @@ protected:
 class ProjectFields : public FieldBands
 {
 public:
-    /// What to do about bitmaps that end before their last pixel.
+    /// What to do with bitmaps that end before their last pixel.
     enum class CutOffBitmaps
     {
         /// An error.
         Refuse,
-        /// Said, and filled as the editor does.
+        /// Print a warning, and fill up the pixels as the editor does.
         Fill,
     };
 
-    /// False after a printed error: when the layers have no size that a map can hold, there are too
-    /// many flag types, or a bitmap cannot be read.
+    /// Returns false after printing an error: if a map cannot have the size of the layers, if there
+    /// are too many flag types, or if a bitmap cannot be read.
     bool Open(const ProjectData& project, CutOffBitmaps cutOff);
-    /// That of the project's layer of this index.
+    /// The bitmap of the project's layer with this index.
     const LayerBitmap& Bitmap(int layer) const
     {
         return *m_bitmaps[static_cast<std::size_t>(layer)].bitmap;
@@ -93,7 +94,7 @@ private:
         std::unique_ptr<LayerBitmap> bitmap;
     };
 
-    /// One a layer.
+    /// One for each layer.
     std::vector<FlaggedBitmap> m_bitmaps;
 };
 
@@ -101,16 +102,16 @@ private:
 class MapFields : public FieldBands
 {
 public:
-    /// False after a printed error.
+    /// Returns false after printing an error.
     bool Open(const QString& path);
-    /// What is wrong with the file as a map; empty when it is open.
+    /// Returns what is wrong with the map; empty if it was opened.
     QString TryOpen(const QString& path);
 
 protected:
     bool Fill(int band, FieldBand& fields) override;
 
 private:
-    /// What is wrong with a section of so many bits per pixel.
+    /// Returns what is wrong with a section of so many bits per pixel; empty if nothing is.
     QString SectionError(int bits) const;
     qint64 SectionBytes(int bits) const;
     bool ReadSection(qint64 offset, int band, raster::BitFieldRaster& fields);

@@ -3,7 +3,7 @@
 void FieldCounts::Add(const raster::BitFieldRaster& fields)
 {
     m_bits = fields.Bits();
-    // Most words are like the one before.
+    // Most words equal the one before, so equal words are counted together.
     const quint32* word = fields.Words();
     const quint32* end = word + fields.WordCount();
     while (word != end) {
@@ -11,7 +11,7 @@ void FieldCounts::Add(const raster::BitFieldRaster& fields)
         while (word != end && *word == *begin) {
             ++word;
         }
-        // Nobody asks for bytes without a bit, which most are.
+        // Most bytes are 0. They are not counted, because nobody reads that count.
         auto counts = m_bytes.begin();
         for (quint32 rest = *begin; rest != 0; rest >>= 8U) {
             (*counts++)[rest & 0xFFU] += word - begin;

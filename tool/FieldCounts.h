@@ -4,11 +4,11 @@
 
 #include <array>
 
-/// In how many fields each bit is set.
+/// Counts in how many fields each bit is set.
 class FieldCounts
 {
 public:
-    /// All rasters have as many bits.
+    /// All rasters must have the same number of bits per field.
     void Add(const raster::BitFieldRaster& fields);
     qint64 Of(int bit) const;
 
@@ -16,7 +16,7 @@ private:
     using ByteCounts = std::array<qint64, 256>;
 
     int m_bits = 0;
-    /// How many words have which value in their lowest, second, third and highest byte. To count
-    /// bytes is quicker than to look at every bit of every field.
+    /// How many words have each value in their lowest, second, third and highest byte. Counting
+    /// bytes is quicker than looking at every bit of every field.
     std::array<ByteCounts, 4> m_bytes{};
 };

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// The root's name decides, and for a root of any other name what is below it.
+/// The name of the root decides. If it is unknown, the elements below it decide.
 bool FindXmlKind(QFile& file, FileKind& kind)
 {
     QXmlStreamReader xml(&file);
@@ -35,9 +35,9 @@ bool FindXmlKind(QFile& file, FileKind& kind)
     return false;
 }
 
-/// Looks at the bytes first: whatever the name says, only an area map has the length that its sizes
-/// ask for, and only a document has one of these elements. The first byte of a map or a bitmap may
-/// be a "<" as well.
+/// Looks at the content before the name: only an area map has exactly the length that its sizes
+/// require, and only a document has one of these elements. The first byte does not decide, because
+/// a map or a bitmap may begin with "<" too.
 bool FindFileKind(QFile& file, FileKind& kind)
 {
     const QString path = file.fileName();
@@ -48,7 +48,7 @@ bool FindFileKind(QFile& file, FileKind& kind)
     if (FindXmlKind(file, kind)) {
         return true;
     }
-    // A broken file is told by what its name promises.
+    // The suffix decides what a broken file should have been.
     if (path.endsWith(QLatin1String(".map"), Qt::CaseInsensitive)) {
         kind = FileKind::Map;
         return true;

@@ -5,13 +5,13 @@
 enum class FileKind
 {
     Project,
-    /// What is exported of a territory type.
+    /// An exported territory type.
     TerritoryType,
     AreaTypes,
     Map,
     Bitmap,
 };
 
-/// What a file is taken for, by what is in it or else by its name. False after a printed error
-/// for one that cannot be read or is none of these.
+/// Finds the kind by the content, or else by the name. Returns false after printing an error if the
+/// file cannot be read or is none of these.
 bool FindKind(const QString& path, FileKind& kind);

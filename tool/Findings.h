@@ -7,7 +7,7 @@ struct ProjectData;
 
 enum class Severity
 {
-    /// Odd, but the output is what the document says.
+    /// Suspicious, but the output is what the document says.
     Warning,
     /// The output is wrong or incomplete, or cannot be made.
     Error,
@@ -15,10 +15,10 @@ enum class Severity
 
 struct Finding
 {
-    /// Never changes, for those who sort findings out.
+    /// Never changes, because users filter findings by it.
     QString rule;
     Severity severity = Severity::Error;
-    /// What in the project it is about, as in "layer 'Forest'".
+    /// The part of the project that it is about, such as "layer 'Forest'".
     QString place;
     /// What is wrong, and what to do about it.
     QString text;
@@ -27,10 +27,11 @@ struct Finding
 
 using Findings = QVector<Finding>;
 
-/// What is wrong with names, sizes and flag types.
+/// Appends what is wrong with names.
 void CheckNames(const ProjectData& project, Findings& findings);
+/// Appends what is wrong with sizes, the background and the number of flag types.
 void CheckSettings(const ProjectData& project, Findings& findings);
-/// What is wrong with layers, their flags and bitmaps.
+/// Appends what is wrong with layers, their flags and bitmaps.
 void CheckLayers(const ProjectData& project, Findings& findings);
-/// What is wrong with territories and their zones.
+/// Appends what is wrong with territories and their zones.
 void CheckTerritories(const ProjectData& project, Findings& findings);

@@ -20,7 +20,7 @@
 
 namespace {
 
-/// Facts of pixels, and of what they mean in the world.
+/// Reports a number of pixels with its area and share of the world.
 class AreaScale
 {
 public:
@@ -63,7 +63,7 @@ struct MapCounts
     FieldCounts values;
 };
 
-/// False after a printed error.
+/// Returns false after printing an error.
 bool CountFields(FieldBands& fields, MapCounts& counts)
 {
     Progress progress(QStringLiteral("Counting"), fields.BandCount());
@@ -79,8 +79,8 @@ bool CountFields(FieldBands& fields, MapCounts& counts)
     return true;
 }
 
-/// One entry a flag; bits without a name are left out where nothing has them. counts: null when
-/// they are not known.
+/// One entry for each flag. Bits without a name are left out if no pixel has them. counts is null
+/// if the counts are not known.
 QVector<Report> FlagReports(const FieldCounts* counts, int bits, const QVector<QString>& names,
                             const AreaScale& scale)
 {
@@ -137,7 +137,8 @@ QJsonArray FlagNames(quint32 flags, const QVector<QString>& names)
     return array;
 }
 
-/// A layer whose bitmap cannot be read has no pixels to tell of. fields: null when not all can.
+/// Entries of layers whose bitmap cannot be read have no counts. fields is null if not all bitmaps
+/// can be read.
 QVector<Report> LayerReports(const ProjectData& project, const ProjectFields* fields,
                              const AreaScale& scale)
 {
@@ -249,7 +250,7 @@ ToolExit DescribeBitmap(const QString& path, bool asJson)
     return ToolExit::Done;
 }
 
-/// False after a printed error.
+/// Returns false after printing an error.
 bool ReadElements(const QString& path, const std::function<void(QXmlStreamReader&)>& takeElement)
 {
     QFile file(path);
@@ -346,8 +347,8 @@ Command InfoCommand()
         QStringLiteral("info"),
         QStringLiteral("FILE"),
         1,
-        QStringLiteral("Tell what a project, map, layer bitmap, territory type or area types file "
+        QStringLiteral("Show what a project, map, layer bitmap, territory type or area types file "
                        "holds."),
-        {{QStringLiteral("json"), QStringLiteral("Print it as JSON.")}},
+        {{QStringLiteral("json"), QStringLiteral("Print the content as JSON.")}},
         Info};
 }

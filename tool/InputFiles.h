@@ -9,14 +9,14 @@
 class QFile;
 class QXmlStreamReader;
 
-/// Opens a file to be read, unless it is a folder, a pipe or a device. What is wrong with it; empty
-/// when it is open.
+/// Opens a file for reading, unless it is a folder, a pipe or a device. Returns what is wrong;
+/// empty if the file was opened.
 QString OpenInput(QFile& file, QIODevice::OpenMode flags = QIODevice::NotOpen);
 
-/// Walks a document to its end, handing each start element to the function, which may read on from
-/// there. What is wrong with the document; empty when nothing is.
+/// Reads a document to its end and calls the function for each start element. The function may read
+/// further. Returns what is wrong with the document; empty if nothing is.
 QString WalkDocument(QFile& file, const std::function<void(QXmlStreamReader&)>& takeElement);
 
-/// True, after a printed error, when to write the target would overwrite a file that is read: one
-/// of the inputs, by whatever name or link.
+/// Returns true after printing an error if the target is the same file as one of the inputs, under
+/// any name or link.
 bool IsInput(const QString& target, const QStringList& inputs);

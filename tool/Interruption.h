@@ -1,14 +1,15 @@
 #pragma once
 
-/// What comes of Ctrl-C, and of the signals that ask a program to end: all reading fails from then
-/// on, nothing more is written or said, and what was half written goes as after any other error.
+/// Handles Ctrl-C and the other signals that ask a program to end. After such a signal all reading
+/// fails, nothing more is written or printed, and half-written files are removed as after any other
+/// error.
 namespace Interruption {
 
-/// From now on signals are taken; a second one of a kind ends the program at once. Signals that the
-/// caller of the program turned off stay off.
+/// Installs the handlers. A second signal of the same kind ends the program at once. Signals that
+/// the caller of the program ignores stay ignored.
 void Watch();
 bool HasCome();
-/// What shells expect of a program that a signal ended.
+/// 128 plus the signal's number, as shells expect after a signal.
 int ExitCode();
 
 } // namespace Interruption

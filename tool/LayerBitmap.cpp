@@ -16,7 +16,7 @@ using raster::TargaError;
 
 namespace {
 
-/// Files up to this size are kept, as long as all that are kept take no more than the second.
+/// The bytes of files up to KeptFileBytes are kept in memory, up to KeptBytes in all.
 constexpr qint64 KeptFileBytes = 1 << 20;
 constexpr qint64 KeptBytes = 12 << 20;
 

@@ -12,8 +12,8 @@ class QFile;
 struct LayerData;
 struct ProjectData;
 
-/// A layer bitmap that is read band by band. Its bytes are kept when they are few, and otherwise
-/// read anew for each band.
+/// A layer bitmap that is read band by band. The bytes of a small file are kept in memory; a large
+/// file is read again for each band.
 class LayerBitmap
 {
 public:
@@ -22,35 +22,35 @@ public:
         None,
         /// There is no such file.
         Missing,
-        /// It cannot be read, or is no grey TGA file.
+        /// It cannot be read or is not a grey TGA file.
         Unreadable,
         WrongSize,
-        /// Its place is outside the project's folder.
+        /// Its path leads out of the project's folder.
         Outside,
     };
 
-    /// The size that the image shall have; empty for whatever its header says.
+    /// size is the required size; an empty one accepts any.
     explicit LayerBitmap(const QString& path, QSize size = {});
-    /// That of a layer of the project, which shall have the size of its layers.
+    /// Opens the bitmap of a layer; its size must be that of the project's layers.
     LayerBitmap(const ProjectData& project, const LayerData& layer);
 
     Problem GetProblem() const { return m_problem; }
-    /// The problem in words, without the file; empty for none.
+    /// The problem in words, without the file's name; empty for none.
     const QString& Error() const { return m_error; }
     bool IsCutOff() const { return m_bands && m_bands->IsCutOff(); }
-    /// That of the header.
+    /// The size in the header, in pixels.
     QSize Size() const { return m_size; }
-    /// 0 when there is a problem.
+    /// 0 if there is a problem.
     int BandCount() const { return m_bands ? m_bands->Count() : 0; }
     /// True only for a band without set pixels.
     bool IsClear(int band) const { return m_bands && m_bands->IsClear(band); }
-    /// Null after a printed error. Bands count from the bottom; see TargaBands.
+    /// Returns a null image after printing an error. Bands count from the bottom; see TargaBands.
     QImage Band(int band) const;
-    /// False after a printed error.
+    /// Returns false after printing an error.
     bool CountPixels(raster::PixelCounts& counts) const;
 
     void PrintProblem() const;
-    /// Says it when a part of the pixels is missing, and was filled.
+    /// Prints a warning if some pixels were missing and have been filled up.
     void WarnIfCutOff() const;
 
 private:

@@ -16,13 +16,13 @@
 
 namespace {
 
-/// The layer pixel below the middle of a picture pixel.
+/// The layer pixel under the centre of a picture pixel.
 int LayerPixel(int index, int layerLength, int length)
 {
     return static_cast<int>((2 * qint64(index) + 1) * layerLength / (2 * qint64(length)));
 }
 
-/// Premultiplied colour over a premultiplied pixel.
+/// Draws a colour over a pixel; both are premultiplied.
 QRgb Over(QRgb color, QRgb below)
 {
     const int rest = 255 - qAlpha(color);
@@ -31,7 +31,7 @@ QRgb Over(QRgb color, QRgb below)
                  blend(qBlue(color), qBlue(below)), blend(qAlpha(color), qAlpha(below)));
 }
 
-/// Those of visible territories, the lowest first.
+/// The zones of visible territories, the lowest first.
 QVector<Zone*> VisibleZones(const TerritoryTypeList& types)
 {
     QVector<Zone*> zones;

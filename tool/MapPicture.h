@@ -19,36 +19,38 @@ struct ShownFlag
     bool isUsage = true;
     int bit = 0;
     QColor color;
-    /// Some pixel of the picture shows it.
+    /// At least one pixel of the picture shows it.
     bool isSeen = false;
 };
 
-/// A picture of a map at a size of its own: each of its pixels shows the layer pixel below its
-/// middle. What is drawn later covers what was drawn before.
+/// A picture of a map in any size. Each of its pixels shows the layer pixel under its centre. Later
+/// drawing covers earlier drawing.
 class MapPicture
 {
 public:
-    /// Filled with dark grey. layerSize is that of all that is drawn.
+    /// The picture is dark grey at first. All bitmaps and fields that are drawn must have
+    /// layerSize.
     MapPicture(QSize layerSize, QSize size);
 
     bool IsNull() const { return m_image.isNull(); }
     const QImage& Image() const { return m_image; }
 
     void DrawPicture(const QImage& picture);
-    /// color with its alpha over everything.
+    /// Draws the colour, with its alpha, over everything.
     void Cover(const QColor& color);
-    /// The pixels that are set, as the editor shows them. False after a printed error.
+    /// Draws the set pixels as the editor shows them. Returns false after printing an error.
     bool DrawMask(const LayerBitmap& bitmap, const QColor& color);
-    /// False after a printed error. Marks the flags that are seen.
+    /// Draws the flags and marks those that some pixel shows. Returns false after printing an
+    /// error.
     bool DrawFlags(FieldBands& fields, QVector<ShownFlag>& flags);
-    /// The zones of the visible territories, as the editor shows them.
+    /// Draws the zones of the visible territories as the editor shows them.
     void DrawZones(const TerritoryTypeList& types);
-    /// What the flags' colours mean, in the top left corner; nothing where that would cover more
-    /// than a quarter of the picture.
+    /// Draws the legend of the flags' colours in the top left corner. Draws nothing if it would
+    /// cover more than a quarter of the picture.
     void DrawLegend(const QVector<ShownFlag>& flags);
 
 private:
-    /// Of the rows of a band, those of the picture that show them, and the row of the band each.
+    /// A row of the picture, and the row of the band that it shows.
     struct ShownRow
     {
         int y;
@@ -58,6 +60,6 @@ private:
 
     QSize m_layerSize;
     QImage m_image;
-    /// For each column of the picture that of the layers.
+    /// The layers' column for each column of the picture.
     std::vector<int> m_columns;
 };

@@ -34,7 +34,7 @@ OutputSet::~OutputSet()
 QString OutputSet::Target(const QString& name) const
 {
     const QString path = QDir(m_folder).filePath(name);
-    // Behind a link ".." leads elsewhere than to the folder that the link is in.
+    // ".." after a link does not lead to the folder that contains the link.
     return m_folder.contains(QLatin1String("..")) ? path : QDir::cleanPath(path);
 }
 

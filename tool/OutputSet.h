@@ -19,7 +19,7 @@ public:
     ~OutputSet();
     Q_DISABLE_COPY(OutputSet)
 
-    /// Where the file will be.
+    /// The path that the file will have.
     QString Target(const QString& name) const;
     /// Makes a file, which is named as below the folder, and the folders for it. The files added
     /// before are finished. Null after a printed error.

@@ -14,7 +14,7 @@
 
 namespace {
 
-/// At four bytes a pixel these are 2 GiB.
+/// 2 GiB at four bytes a pixel.
 constexpr qint64 MaxPixels = 1 << 29;
 
 QString NoPicture()
@@ -22,7 +22,7 @@ QString NoPicture()
     return QStringLiteral("is no picture that can be read.");
 }
 
-/// Goes from chunk to chunk, without unpacking any.
+/// Checks the lengths of the chunks without unpacking them.
 bool IsCutOffPng(QFile& file)
 {
     constexpr int signatureBytes = 8;

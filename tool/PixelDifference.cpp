@@ -114,7 +114,7 @@ FieldComparison::FieldComparison(FieldBands& a, FieldBands& b, bool doPaint)
 
 bool FieldComparison::Run()
 {
-    // Where one of them has no fields the other may have some.
+    // One of the two may have no fields, and then no bands.
     const int bandCount = qMax(m_a.BandCount(), m_b.BandCount());
     Progress progress(QStringLiteral("Comparing"), bandCount);
     for (int band = 0; band < bandCount; ++band) {

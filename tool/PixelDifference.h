@@ -7,42 +7,43 @@
 #include <QImage>
 #include <QVector>
 
-/// Where two areas of one size differ.
+/// Where two areas of the same size differ.
 struct PixelDifference
 {
     qint64 onlyA = 0;
     qint64 onlyB = 0;
-    /// Pixels that are set in both, in different ways.
+    /// Pixels that are set in both, but with different values.
     qint64 changed = 0;
-    /// The smallest rectangle around all of them, in image rows from the top.
+    /// The smallest rectangle around all differing pixels; rows count from the top of the image.
     int left = 0;
     int top = 0;
     int right = -1;
     int bottom = -1;
 
     bool IsEmpty() const { return onlyA + onlyB + changed == 0; }
-    /// The pixel differs; whether it is set in A and in B.
+    /// Adds a pixel that differs.
     void Add(int x, int y, bool isInA, bool isInB);
     Report ToReport(const QString& place) const;
 };
 
-/// Both bitmaps are good and of one size. False after a printed error.
+/// Both bitmaps must be without a problem and of the same size. Returns false after printing an
+/// error.
 bool CompareBitmaps(const LayerBitmap& a, const LayerBitmap& b, PixelDifference& difference);
 
-/// Compares the fields of two maps of one size, flag by flag.
+/// Compares the fields of two maps of the same size, flag by flag.
 class FieldComparison
 {
 public:
-    /// With a picture in which the pixels that differ have colours, where one is wanted.
+    /// doPaint: also makes a picture in which differing pixels are coloured.
     FieldComparison(FieldBands& a, FieldBands& b, bool doPaint);
 
-    /// False after a printed error.
+    /// Returns false after printing an error.
     bool Run();
     /// By bit.
     const QVector<PixelDifference>& Usages() const { return m_usages; }
     const QVector<PixelDifference>& Values() const { return m_values; }
-    /// Red: flags only in A; blue: only in B; magenta: of both; grey: the same flags; black: none.
-    /// Null when there was no memory for it.
+    /// Red: a flag only in A; blue: a flag only in B; magenta: both of these; grey: the same flags;
+    /// black: no flags. Null if there was no memory for it.
     const QImage& Picture() const { return m_picture; }
 
 private:

@@ -2,12 +2,12 @@
 
 #include <QString>
 
-/// A bar on the standard error for as long as it lives, when that is a terminal, the tool is not
-/// quiet and no other one lives.
+/// Shows a progress bar on the standard error while the object exists. Shows nothing if the
+/// standard error is not a terminal, if the tool is quiet, or while another bar exists.
 class Progress
 {
 public:
-    /// total: how many steps there will be.
+    /// total: the number of steps.
     Progress(const QString& what, int total);
     ~Progress();
     Q_DISABLE_COPY(Progress)

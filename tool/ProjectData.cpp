@@ -120,7 +120,7 @@ void ReadLayers(QXmlStreamReader& xml, QVector<LayerData>& layers)
             QLatin1String("layers"));
 }
 
-/// Empty for a well-formed document that holds the sizes of a project.
+/// Returns what is wrong; empty for a well-formed document with the sizes of a project.
 QString DocumentError(QFile& file)
 {
     bool hasGlobal = false;

@@ -13,8 +13,8 @@
 class QXmlStreamReader;
 class TerritoryTypeList;
 
-/// What a project document says, as plain values: reading it creates no folder, loads no bitmap and
-/// is no open project of the editor.
+/// The content of a project document as plain values. Unlike opening a project in the editor,
+/// reading it creates no folders and loads no bitmaps.
 struct LayerData
 {
     QString name;
@@ -24,7 +24,7 @@ struct LayerData
     bool isVisible = false;
 };
 
-/// Sums over zones, whatever numbers these hold.
+/// Sums over zones. 64 bits hold the sums of any numbers in a file.
 struct SpawnTotals
 {
     qint64 staticMin = 0;
@@ -64,7 +64,7 @@ struct TerritoryTypeData
 
 struct ProjectData
 {
-    /// As given.
+    /// As the user passed it.
     QString path;
     QDir folder;
     /// The file name up to its first dot.
@@ -82,24 +82,24 @@ struct ProjectData
 
     QString BitmapPath(const LayerData& layer) const;
     QString BackgroundPath() const;
-    /// All that is read of the project: the document, the bitmaps and the background.
+    /// All files of the project: the document, the bitmaps and the background.
     QStringList Files() const;
-    /// What is wrong with the size of the layers; empty when nothing is.
+    /// What is wrong with the size of the layers; empty if nothing is.
     QString LayerSizeError() const;
 };
 
-/// As in "800x600".
+/// Such as "800x600".
 QString SizeText(QSize size);
 
-/// Opens the document and takes it for the open project as well, as far as its settings go. False
-/// after a printed error when it cannot be read, is malformed or is no project.
+/// Reads the document, and also sets the process-wide ProjectSettings from it. Returns false after
+/// printing an error if it cannot be read, is malformed or is not a project.
 bool ReadProject(const QString& path, ProjectData& project);
 
-/// Reads the territory types as the editor does; zones depend on the settings that ReadProject
-/// took. False after a printed error.
+/// Reads the territory types as the editor does. Needs the ProjectSettings that ReadProject sets.
+/// Returns false after printing an error.
 bool ReadTypeList(const QString& path, TerritoryTypeList& types);
 
-/// Reads what the document says of territories, from the "territory-type-list" or
-/// "territory-type" element that the reader stands on; the second as its own file has it.
+/// Reads the territory types of a document, or a single type as an exported file holds it. The
+/// reader must be on the start tag of "territory-type-list" or "territory-type".
 QVector<TerritoryTypeData> ReadTerritoryTypes(QXmlStreamReader& xml);
 TerritoryTypeData ReadTerritoryType(QXmlStreamReader& xml);

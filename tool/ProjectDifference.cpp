@@ -21,7 +21,7 @@ QString Present()
     return QStringLiteral("present");
 }
 
-/// Items by name; of those with one name the second is another one, and so on.
+/// The items by name. A number tells items of the same name apart: the first, the second and so on.
 template <typename Item>
 QMap<QPair<QString, int>, const Item*> ByName(const QVector<Item>& items)
 {
@@ -33,7 +33,7 @@ QMap<QPair<QString, int>, const Item*> ByName(const QVector<Item>& items)
     return named;
 }
 
-/// Calls compare for the items in both, and appends those in one alone.
+/// Calls compare for items that are in both, and appends items that are in only one of them.
 template <typename Item, typename Compare>
 void CompareNamed(const QString& kind, const QVector<Item>& a, const QVector<Item>& b,
                   QVector<Report>& differences, Compare compare)
@@ -67,7 +67,8 @@ QStringList NamesOf(const QVector<Item>& items)
     return names;
 }
 
-/// Of the same names; where they are not, it is worth no word.
+/// Appends a difference if both hold the same names in another order. With different names the
+/// order is not reported.
 template <typename Item>
 void CompareOrder(const QString& kind, const QVector<Item>& a, const QVector<Item>& b,
                   QVector<Report>& differences)
@@ -92,7 +93,7 @@ QString ColorText(const QColor& color)
     return color.name(QColor::HexArgb);
 }
 
-/// False after a printed error.
+/// Returns false after printing an error.
 bool CompareLayer(const QString& place, const ProjectData& a, const LayerData& layerA,
                   const ProjectData& b, const LayerData& layerB, QVector<Report>& differences)
 {
@@ -116,7 +117,7 @@ bool CompareLayer(const QString& place, const ProjectData& a, const LayerData& l
     return true;
 }
 
-/// Everything that a zone is, as one text.
+/// All values of a zone as one text.
 QString ZoneKey(const ZoneData& zone)
 {
     QStringList parts = {zone.name};

@@ -6,10 +6,10 @@
 #include <QString>
 #include <QVector>
 
-/// Appends a difference of a place when the texts differ.
+/// Appends a difference at this place if the texts differ.
 void AddDifference(const QString& place, const QString& a, const QString& b,
                    QVector<Report>& differences);
 
-/// Appends where two projects differ: settings, layers with their bitmaps, territories. Items are
-/// matched by their names. False after a printed error.
+/// Appends the differences of two projects: settings, layers with their bitmaps, territories. Items
+/// are matched by their names. Returns false after printing an error.
 bool CompareDocuments(const ProjectData& a, const ProjectData& b, QVector<Report>& differences);

@@ -19,7 +19,7 @@ namespace {
 
 constexpr int MaxPictureLength = 16384;
 
-/// Told apart with most kinds of colour vision.
+/// These colours can be told apart with most kinds of colour vision.
 constexpr std::array<QRgb, 12> LegendColors = {0xE69F00, 0x56B4E9, 0x009E73, 0xF0E442,
                                                0x0072B2, 0xD55E00, 0xCC79A7, 0x999999,
                                                0x8DD300, 0xA020F0, 0x00E5E5, 0xFF4060};
@@ -28,11 +28,11 @@ constexpr int LegendAlpha = 170;
 struct RenderOptions
 {
     QString output;
-    /// The longer side; 0 for that of the layers.
+    /// The longer side in pixels; 0 for that of the layers.
     int length = 0;
     QStringList flags;
-    /// Those that the editor shows, unless they are chosen: each text is one name, or several with
-    /// commas between.
+    /// If no layers are chosen, those that the editor shows are drawn. Each text is one name, or
+    /// several with commas between.
     bool areLayersChosen = false;
     QStringList layers;
     bool doDrawZones = false;
@@ -53,7 +53,7 @@ QSize PictureSize(QSize layerSize, int length)
     return {scaled(layerSize.width()), scaled(layerSize.height())};
 }
 
-/// The golden angle keeps any number of hues apart, whichever number it will be.
+/// Steps of the golden angle keep any number of hues apart.
 QColor LegendColor(int index)
 {
     constexpr double goldenAngle = 137.50776405;
@@ -69,13 +69,13 @@ QColor LegendColor(int index)
 /// The flags that a file may have.
 struct KnownFlags
 {
-    /// Empty where it holds no names.
+    /// Empty if the file holds no names.
     AreaFlagTypes types;
     int usageBits = 0;
     int valueBits = 0;
 };
 
-/// -1 for none.
+/// -1 if there is no such flag.
 int FlagBit(const QString& text, const QString& prefix, const QVector<QString>& names)
 {
     static const QRegularExpression number(QStringLiteral("^[0-9]{1,2}$"));
@@ -88,7 +88,7 @@ int FlagBit(const QString& text, const QString& prefix, const QVector<QString>& 
     return bit < 0 && number.match(rest).hasMatch() ? rest.toInt() : bit;
 }
 
-/// A flag by its name, or by "usage:" or "value:" and its name or bit.
+/// Finds a flag by its name, or by "usage:" or "value:" and its name or bit.
 bool FindFlag(const QString& text, const KnownFlags& known, ShownFlag& flag)
 {
     flag.name = text;
@@ -101,7 +101,7 @@ bool FindFlag(const QString& text, const KnownFlags& known, ShownFlag& flag)
     return flag.bit >= 0 && flag.bit < known.valueBits;
 }
 
-/// False when one is not known; its text is in unknown then.
+/// Returns false if a flag is not known, and puts its text into unknown.
 bool FindFlags(const QStringList& texts, const KnownFlags& known, QVector<ShownFlag>& flags,
                QString& unknown)
 {
@@ -135,7 +135,7 @@ ToolExit NoMemory(const RenderOptions& options)
     return ToolExit::NotWritten;
 }
 
-/// False after a printed error.
+/// Returns false after printing an error.
 bool DrawBackground(const ProjectData& project, MapPicture& picture)
 {
     if (!project.backgroundFile.isEmpty()) {
@@ -149,7 +149,8 @@ bool DrawBackground(const ProjectData& project, MapPicture& picture)
     return true;
 }
 
-/// The names that are meant, as some may hold commas. False when one is not in the project.
+/// Splits the texts into names, considering that names may contain commas. Returns false if a name
+/// is not in the project.
 bool ChosenNames(const ProjectData& project, const QStringList& texts, QSet<QString>& chosen,
                  QString& unknown)
 {
@@ -172,7 +173,7 @@ bool ChosenNames(const ProjectData& project, const QStringList& texts, QSet<QStr
     return true;
 }
 
-/// The layers to be shown, the lowest first. False when one is not in the project.
+/// Finds the layers to be drawn, the lowest first. Returns false if one is not in the project.
 bool ChooseLayers(const ProjectData& project, const RenderOptions& options,
                   QVector<LayerData>& chosen, QString& unknown)
 {
@@ -188,7 +189,7 @@ bool ChooseLayers(const ProjectData& project, const RenderOptions& options,
     return true;
 }
 
-/// False after a printed error.
+/// Returns false after printing an error.
 bool DrawLayers(const ProjectData& project, const QVector<LayerData>& layers, MapPicture& picture)
 {
     Progress progress(QStringLiteral("Drawing layers"), layers.size());
@@ -201,7 +202,7 @@ bool DrawLayers(const ProjectData& project, const QVector<LayerData>& layers, Ma
     return true;
 }
 
-/// What is drawn of a project.
+/// The parts of a project to draw.
 struct Drawing
 {
     /// The lowest first.
@@ -211,7 +212,7 @@ struct Drawing
     bool areZonesDrawn = false;
 };
 
-/// False after a printed error.
+/// Returns false after printing an error.
 bool DrawProject(const ProjectData& project, Drawing& drawing, MapPicture& picture)
 {
     if (!DrawBackground(project, picture) ||
@@ -269,7 +270,7 @@ ToolExit RenderProject(const QString& path, const RenderOptions& options)
                                                   : ToolExit::Unreadable;
 }
 
-/// The usages, or where there are none the values.
+/// The usages, or the values if there are no usages.
 QStringList AllFlags(const FieldBands& fields)
 {
     const bool hasUsages = fields.UsageBits() > 0;
@@ -376,14 +377,14 @@ Command RenderCommand()
         QStringLiteral("FILE"),
         1,
         QStringLiteral("Make a PNG picture of a project, map or layer bitmap.\n"
-                       "A project looks as in the editor; with flags, their areas are shown in "
-                       "the colours\nof a legend, which is printed too. A map shows its usages "
+                       "A project looks as in the editor. With --flag, areas are shown in the "
+                       "colours\nof a legend, which is printed too. A map shows its usages "
                        "unless flags are named."),
         {{{QStringLiteral("o"), QStringLiteral("output")},
           QStringLiteral("Write the picture to this file."),
           QStringLiteral("PICTURE")},
          {QStringLiteral("size"),
-          QStringLiteral("Length of the longer side; that of the layers otherwise."),
+          QStringLiteral("Length of the longer side (that of the layers by default)."),
           QStringLiteral("PIXELS")},
          {QStringLiteral("flag"),
           QStringLiteral(

@@ -10,12 +10,12 @@ class Report
 {
 public:
     void Add(const QString& name, const QJsonValue& value);
-    /// A part has one line in the text.
+    /// A part is printed on one line of the text.
     void Add(const QString& name, const Report& part);
-    /// Each entry's first fact is its title.
+    /// The first fact of each entry is its title.
     void Add(const QString& name, const QVector<Report>& entries);
 
-    /// The facts of the other one, behind its own.
+    /// Adds the facts of the other report at the end.
     void Append(const Report& more) { m_facts += more.m_facts; }
 
     void Print(bool asJson) const;
@@ -23,7 +23,7 @@ public:
 private:
     QJsonObject ToJson() const;
     void PrintText() const;
-    /// The facts from this one on, with commas between.
+    /// The facts from index first on, with commas between.
     QString Line(int first) const;
 
     struct Fact

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int KeptMemory = 32 << 20;
 
-/// Only pictures need more than the console, and starting that takes longer than most runs.
+/// Only pictures need a QGuiApplication, and starting one takes longer than most runs.
 std::unique_ptr<QCoreApplication> MakeApplication(int& count, char** names,
                                                   const QStringList& arguments)
 {
@@ -33,7 +33,7 @@ int main(int argc, char* argv[])
     platform::KeepFreedMemory(KeptMemory);
     // Paths and console messages are UTF-8, also in the C locale.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
-    // Nothing is shown, so no display is needed, whatever one the environment names.
+    // The tool shows nothing and needs no display, even if the environment names one.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     Interruption::Watch();
     Console::TakeMessages();
@@ -41,14 +41,14 @@ int main(int argc, char* argv[])
     for (int i = 0; i < argc; ++i) {
         arguments.append(QFile::decodeName(argv[i]));
     }
-    // The toolkit's own options are none of the tool's.
+    // Qt gets no arguments, so that the tool does not accept Qt's own options.
     char name[] = "quillmap-tool";
     char* names[] = {name, nullptr};
     int nameCount = 1;
     const auto application = MakeApplication(nameCount, names, arguments);
 
     const ToolExit result = RunTool(arguments);
-    // The lists hand their models to deferred deletion, which processing events does not run.
+    // The lists delete their models later, and processing events does not run such deletions.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     return Interruption::HasCome() ? Interruption::ExitCode() : static_cast<int>(result);
 }

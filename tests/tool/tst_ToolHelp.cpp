@@ -25,13 +25,13 @@ Checks, shows and exports the projects and maps of Quillmap.
 
 Commands:
   check    Look for what makes a project's output wrong or surprising.
-  info     Tell what a project, map, layer bitmap, territory type or area types file holds.
+  info     Show what a project, map, layer bitmap, territory type or area types file holds.
   export   Write the area map and the territory type files of a project.
-  compare  Tell where two maps or two projects differ.
+  compare  Show where two maps or two projects differ.
   render   Make a PNG picture of a project, map or layer bitmap.
 
 Options:
-  -h, --help     Show this help; behind a command that of the command.
+  -h, --help     Show this help, or after a command the command's help.
   -v, --version  Show the version.
 
 Exit codes:
@@ -45,64 +45,64 @@ Exit codes:
                            << R"(Usage: quillmap-tool check [OPTION]... PROJECT
 
 Look for what makes a project's output wrong or surprising.
-Ends with 1 when there are errors.
+Ends with 1 if there are errors.
 
 Options:
-  --strict     End with 1 also when there are only warnings.
+  --strict     End with 1 even if there are only warnings.
   --json       Print the findings as JSON.
-  -q, --quiet  Print nothing but errors, and JSON where it is asked for.
+  -q, --quiet  Print only errors, and JSON if --json asks for it.
   -h, --help   Show this help.
 )";
     QTest::newRow("info") << QStringList{"info", "--help"}
                           << R"(Usage: quillmap-tool info [OPTION]... FILE
 
-Tell what a project, map, layer bitmap, territory type or area types file holds.
+Show what a project, map, layer bitmap, territory type or area types file holds.
 
 Options:
-  --json       Print it as JSON.
-  -q, --quiet  Print nothing but errors, and JSON where it is asked for.
+  --json       Print the content as JSON.
+  -q, --quiet  Print only errors, and JSON if --json asks for it.
   -h, --help   Show this help.
 )";
     QTest::newRow("export") << QStringList{"export", "-h", "x"}
                             << R"(Usage: quillmap-tool export [OPTION]... PROJECT
 
 Write the area map and the territory type files of a project.
-NAME.map and territoryTypes/*.xml take their places together, or not at all.
+Writes NAME.map and all territoryTypes/*.xml, or nothing if one of them fails.
 Prints the names of the files.
 
 Options:
   -o, --output DIR  Write into the folder DIR instead of the current one.
-  -q, --quiet       Print nothing but errors, and JSON where it is asked for.
+  -q, --quiet       Print only errors, and JSON if --json asks for it.
   -h, --help        Show this help.
 )";
     QTest::newRow("version") << QStringList{"--version"} << "quillmap-tool " QUILLMAP_VERSION "\n";
     QTest::newRow("compare") << QStringList{"compare", "--help"}
                              << R"(Usage: quillmap-tool compare [OPTION]... A B
 
-Tell where two maps or two projects differ.
-Ends with 1 when they do. Rectangles are pixels of the layers, from their top left
+Show where two maps or two projects differ.
+Ends with 1 if they do. Rectangles are pixels of the layers, from their top left
 corner.
 
 Options:
   -o, --output PICTURE  Write a PNG picture: red is only in A, blue only in B, magenta differs.
   --json                Print the differences as JSON.
-  -q, --quiet           Print nothing but errors, and JSON where it is asked for.
+  -q, --quiet           Print only errors, and JSON if --json asks for it.
   -h, --help            Show this help.
 )";
     QTest::newRow("render") << QStringList{"render", "--help"}
                             << R"(Usage: quillmap-tool render [OPTION]... FILE
 
 Make a PNG picture of a project, map or layer bitmap.
-A project looks as in the editor; with flags, their areas are shown in the colours
+A project looks as in the editor. With --flag, areas are shown in the colours
 of a legend, which is printed too. A map shows its usages unless flags are named.
 
 Options:
   -o, --output PICTURE  Write the picture to this file.
-  --size PIXELS         Length of the longer side; that of the layers otherwise.
+  --size PIXELS         Length of the longer side (that of the layers by default).
   --flag NAME           Show a flag: NAME, usage:NAME or usage:BIT (or value:). May be repeated.
   --layers NAMES        Show these layers (A,B) instead of the visible ones. May be repeated.
   --zones               Show the zones of the visible territories.
-  -q, --quiet           Print nothing but errors, and JSON where it is asked for.
+  -q, --quiet           Print only errors, and JSON if --json asks for it.
   -h, --help            Show this help.
 )";
 }
