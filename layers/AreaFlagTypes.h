@@ -7,26 +7,27 @@ class QXmlStreamReader;
 class QXmlStreamWriter;
 
 /// The names of the area flags that layers can carry: usages (what an area is used for) and values
-/// (how valuable it is). A flag is known by its index alone, which is its bit in the flags of a
+/// (how valuable it is). Only a flag's index identifies it: the index is its bit in the flags of a
 /// layer and in the fields of the area map.
 class AreaFlagTypes
 {
 public:
-    /// Flags of one kind that a layer and a map can hold.
+    /// The largest number of flags of one kind in a layer and a map.
     static constexpr int MaxCount = 32;
 
-    /// Taken as they stand; duplicates and empty names are kept.
+    /// Names are not checked: they may be empty or occur twice.
     QVector<QString> usages;
     QVector<QString> values;
 
-    /// False when a kind has more types than a map can hold.
+    /// False if there are more types of a kind than a map can hold.
     bool FitMap() const { return usages.size() <= MaxCount && values.size() <= MaxCount; }
 
-    /// Reads the "areas" element whose start tag the reader stands on. False when the reader has an
-    /// error; what was read before it is kept.
+    /// Reads the "areas" element; the reader must be on its start tag. Returns false if the reader
+    /// has an error; the types before the error are kept.
     bool ReadXml(QXmlStreamReader& xml);
-    /// Reads a definition file, whatever its root element. A file that cannot be opened leaves the
-    /// types as they are; a malformed one leaves those before the fault. Both log an error.
+    /// Reads a definition file with any root element. If the file cannot be opened, the types do
+    /// not change. If it is malformed, the types before the error are kept. Both cases log an
+    /// error.
     bool ReadFile(const QString& fileName);
     void WriteXml(QXmlStreamWriter& xml) const;
 

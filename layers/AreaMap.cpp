@@ -87,8 +87,9 @@ bool CheckFlagTypes()
     return doFit;
 }
 
-/// Fields are written for layer sizes that masks can have. The sizes may come from a broken file,
-/// and without flag types, or with sizes of nothing, there is a map for any.
+/// False if the layer size is too large for a map with flags. The sizes may come from a broken
+/// file. Without flag types, and with sizes of 0 and below, a map has no fields, so every size is
+/// allowed.
 bool CheckLayerSize()
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
@@ -104,7 +105,7 @@ bool CheckLayerSize()
     return isWritable;
 }
 
-/// Reads one header integer; what the device is too short for leaves value as it is.
+/// Reads one integer of the header. If the device is too short, value does not change.
 bool ReadInt(QIODevice& device, qint32& value)
 {
     qint32 bytes = 0;
@@ -115,8 +116,8 @@ bool ReadInt(QIODevice& device, qint32& value)
     return count >= 0;
 }
 
-/// The words that the device still holds, at most wordCount, block by block: a header may promise
-/// more than there is, and a sparse file may hold more than there is memory for.
+/// Reads up to wordCount words block by block, because a header may announce more words than the
+/// file has, and a sparse file may have more words than fit into memory.
 class WordReader
 {
 public:
@@ -151,7 +152,7 @@ private:
     static constexpr qint64 BlockWords = 1 << 18;
 
     QIODevice& m_device;
-    /// Bytes still to come.
+    /// Bytes left to read.
     qint64 m_wanted;
     std::vector<quint32> m_words;
 };
@@ -240,7 +241,7 @@ bool ImportAreaMap(LayerList& layers, QIODevice& device)
             return false;
         }
     }
-    // The scale factors keep the former sizes until the caller sets them anew.
+    // The scale factors stay those of the former sizes until the caller sets the sizes.
     ProjectSettings& settings = ProjectSettings::Instance();
     settings.layerWidth = layerWidth;
     settings.layerHeight = layerHeight;

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// By CustomOperation.
+/// Indexed by CustomOperation.
 constexpr char OperationCharacters[] = "!+.-edoc";
 
 int OperationOf(const QString& code)
@@ -30,8 +30,7 @@ QString BeforeLastParenthesis(const QString& text)
     return text.left(text.lastIndexOf(QLatin1Char(')')));
 }
 
-/// Where the parentheses that open behind the operation's character are closed again; -1 when they
-/// never are.
+/// The position where the parenthesis after the operation's character is closed; -1 if it is not.
 int EndOfFirstOperand(const QString& code)
 {
     int depth = 0;
@@ -48,7 +47,7 @@ int EndOfFirstOperand(const QString& code)
     return -1;
 }
 
-/// Null when the list has no such layer.
+/// Null if the list has no such layer.
 QImage ScaledMask(const LayerList& list, int id, int width, int height)
 {
     const Layer* layer = list.LayerById(id);
@@ -58,8 +57,8 @@ QImage ScaledMask(const LayerList& list, int id, int width, int height)
     return layer->Image().scaled(width, height, Qt::IgnoreAspectRatio, Qt::FastTransformation);
 }
 
-/// In whole pixels of the layer size. The product is one of 32-bit floats: that decides about radii
-/// that come to a whole number of pixels.
+/// The radius in whole pixels of the layer size. The product is computed in 32-bit floats, which
+/// matters for radii that are close to a whole number of pixels.
 float RadiusInPixels(const QString& code)
 {
     const auto metres = static_cast<float>(RadiusFromCode(code));

@@ -45,7 +45,7 @@ void CustomLayerWorker::Enqueue(const Request& request)
     }
 }
 
-/// Messages and reports run foreign code, which may delete this worker on its own thread.
+/// Logging and reporting run other code, which may delete this worker on its own thread.
 void CustomLayerWorker::RunNext()
 {
     const QPointer<CustomLayerWorker> self(this);
@@ -59,7 +59,8 @@ void CustomLayerWorker::RunNext()
     }
 }
 
-/// Leaves the next request to the event loop, which a thread that is to end does not return to.
+/// Ends one hold. When none is left, the next request is queued; a thread that is about to end does
+/// not return to its event loop and so never runs it.
 void CustomLayerWorker::Release()
 {
     --m_holds;
@@ -69,7 +70,7 @@ void CustomLayerWorker::Release()
     }
 }
 
-/// The layer's image afterwards; null when the code evaluates to nothing.
+/// Returns the layer's new image; null if the code evaluates to nothing.
 QImage CustomLayerWorker::ModifyLayer(Layer* layer, const QString& code)
 {
     LayerList* list = layer->List();
@@ -90,8 +91,8 @@ QImage CustomLayerWorker::ModifyLayer(Layer* layer, const QString& code)
 void CustomLayerWorker::PostChange(LayerList* list, int layerId, const QString& code,
                                    const QImage& image)
 {
-    // Dies with the posted change, on whichever thread that is, and tells this worker, if there
-    // still is one, that the change was made or was dropped together with the list.
+    // The receipt is destroyed with the posted change, on any thread. That tells this worker, if it
+    // still exists, that the change was made or was dropped together with the list.
     auto receipt = std::make_shared<QObject>();
     receipt->moveToThread(nullptr);
     connect(receipt.get(), &QObject::destroyed, this, &CustomLayerWorker::Release,

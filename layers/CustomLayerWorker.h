@@ -12,10 +12,10 @@
 
 #include <functional>
 
-/// Evaluates codes of computed layers away from the window, on a thread of whoever owns it; its
-/// slots are reached through queued connections, its results come back the same way. While it works
-/// no one else may change the layers, the list or the project's sizes. One request runs at a time:
-/// what arrives while another logs a message, which processes events, waits its turn.
+/// Evaluates the codes of computed layers on a thread that its owner provides, so that the window
+/// keeps responding. Requests and results cross between the threads by queued connections. While it
+/// works, nobody else may change the layers, the list or the project's sizes. One request runs at a
+/// time: logging processes events, and a request that arrives then waits for its turn.
 class CustomLayerWorker : public QObject
 {
     Q_OBJECT
@@ -26,11 +26,12 @@ public:
 public slots:
     /// previewSize: in pixels.
     void ComputePreview(const LayerList* layerList, const QString& code, QSize previewSize);
-    /// With a layer to modify, its code and image become the new ones and its image is reported; a
-    /// code that evaluates to nothing leaves it as it is, and a null image is reported. On the
-    /// list's own thread the layer changes at once; on any other the change is posted there before
-    /// the result is reported. It never waits for that thread, which may be waiting for this one to
-    /// end; the next request starts when the layer has changed, because it may read it.
+    /// With a layer to modify, that layer gets the new code and image, and its image is reported.
+    /// If the code evaluates to nothing, the layer does not change and a null image is reported. On
+    /// the list's own thread the layer changes at once. On any other thread the change is posted to
+    /// the list's thread before the result is reported. The worker never waits for that thread,
+    /// which may be waiting for this one to end. The next request starts after the layer has
+    /// changed, because it may read it.
     void ComputeLayer(const LayerList* layerList, const QString& code, Layer* layerToModify);
 
 signals:
@@ -40,7 +41,8 @@ signals:
 private:
     struct Request
     {
-        /// Logs only when the result is null; after that this worker may be gone.
+        /// Logs only if the result is null. The worker may have been deleted when it returns from
+        /// logging.
         std::function<QImage()> evaluate;
         void (CustomLayerWorker::*report)(QImage image);
     };
@@ -52,7 +54,7 @@ private:
     void PostChange(LayerList* list, int layerId, const QString& code, const QImage& image);
 
     QList<Request> m_waiting;
-    /// What keeps the next request from starting: the present one and the change it posted.
+    /// Counts what keeps the next request from starting: the running request and its posted change.
     int m_holds = 0;
 };
 

@@ -11,13 +11,13 @@
 class LayerList;
 class QXmlStreamWriter;
 
-/// One raster area of the world: a mask of the project's layer size, the flags that its pixels
-/// carry, and how it is shown. The item's text is its name. A layer is owned by whoever made it
-/// until a LayerList takes it, and from then on by the list's model.
+/// One area of the world: a mask of the project's layer size, the flags that its pixels carry, and
+/// its colour and visibility. The item's text is its name. A layer belongs to the code that made it
+/// until a LayerList takes it, and then to the list's model.
 class Layer : public QStandardItem
 {
 public:
-    /// Named "layer-ID" while a GUI runs; without a name in a batch run.
+    /// The name is "layer-ID" while a GUI runs, and empty in a batch run.
     Layer(quint32 usageFlags, quint32 valueFlags, LayerList* list);
     Layer(quint32 usageFlags, quint32 valueFlags, LayerList* list, const QString& name);
     Layer(quint32 usageFlags, quint32 valueFlags, LayerList* list, const QString& name,
@@ -37,43 +37,44 @@ public:
     quint32 UsageFlags() const { return m_usageFlags; }
     quint32 ValueFlags() const { return m_valueFlags; }
 
-    /// The layer's colour (opaque) where the mask is 255, transparent elsewhere; made when asked
-    /// for, because it takes four bytes a pixel. Null in a batch run.
+    /// The layer's colour (opaque) where the mask is 255, transparent elsewhere. Made on request,
+    /// because it takes four bytes a pixel. Null in a batch run.
     QPixmap Pixmap() const;
-    /// Changes whenever the picture may have.
+    /// This number changes whenever the picture may have changed.
     quint64 PictureRevision() const { return m_pictureRevision; }
 
-    /// Takes a mask as it is, and of a 32-bit image the pixels that equal color's opaque RGB. While
-    /// a GUI runs the layer takes color with its alpha too.
+    /// Takes a mask unchanged. From a 32-bit image it makes a mask of the pixels that equal color's
+    /// opaque RGB. While a GUI runs, the layer also takes color with its alpha.
     void SetImage(const QImage& image, const QColor& color);
-    /// Keeps the alpha.
+    /// Sets the RGB and keeps the alpha.
     void SetColor(const QColor& color);
     /// 0 to 255.
     void SetOpacity(int alpha);
     void SetVisible(bool isVisible);
     void SetUsageFlags(quint32 flags) { m_usageFlags = flags; }
     void SetValueFlags(quint32 flags) { m_valueFlags = flags; }
-    /// Replaces the image by what the code evaluates to over the list at the layer size; an equal
-    /// code changes nothing. False when that is null: the code and the image stay as they are, and
-    /// because null may come with a message, which processes events, the layer may be gone.
+    /// Evaluates the code at the layer size and replaces the image. An equal code changes nothing.
+    /// Returns false if the result is null; code and image then stay. A null result may be logged,
+    /// which processes events, so the layer may have been destroyed then.
     bool SetCode(const QString& code);
-    /// Takes over a code and the mask that it evaluated to.
+    /// Sets a code and the mask to which it evaluated.
     void SetComputedImage(const QString& code, const QImage& mask);
-    /// Takes over the pixels that the brush painted in the layer's colour. Does nothing for a layer
-    /// that is in no list, or when the image is no 32-bit image.
+    /// Takes over the pixels that the brush painted in the layer's colour. Does nothing if the
+    /// layer is in no list or the image does not have 32 bits a pixel.
     void ApplyPaintedImage(const QImage& argb);
-    /// The same for a mask, without a copy; null gives the layer's hold on the present one up, so
-    /// that a brush that holds it too can paint in place before it hands it over again.
+    /// Takes over a mask without copying it. Null makes the layer release its mask, so that a brush
+    /// that shares the mask can paint in place before it hands it over again.
     void TakePaintedMask(const QImage& mask);
-    /// The picture is out of date.
+    /// Marks the picture as out of date.
     void UpdatePixmap();
 
-    /// A rename that is no valid name is silently dropped.
+    /// A rename to an invalid name is ignored without a message.
     void setData(const QVariant& value, int role = Qt::UserRole + 1) override;
 
-    /// Writes the "layer" element and, before it is closed, the bitmap; false when that failed.
+    /// Writes the "layer" element and, before its end tag, the bitmap. Returns false if the bitmap
+    /// failed.
     bool WriteXml(QXmlStreamWriter& xml) const;
-    /// Writes the mask into the project's "layers" folder; logs what came of it.
+    /// Writes the mask into the project's "layers" folder and logs success or failure.
     bool SaveBitmap() const;
 
 private:

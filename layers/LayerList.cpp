@@ -156,7 +156,7 @@ void LayerList::FollowCheckState(QStandardItem* item)
 
 namespace {
 
-/// The layer of the "layer" element that the reader stands on; null when it has no bitmap.
+/// Reads the "layer" element that the reader is on. Returns null if its bitmap cannot be loaded.
 std::unique_ptr<Layer> ReadLayer(const QXmlStreamReader& xml, LayerList* list)
 {
     constexpr quint32 white = 0xFFFFFFFF;

@@ -14,7 +14,7 @@ class QXmlStreamReader;
 class QXmlStreamWriter;
 
 /// The layers of the open project. The rows of its model are the layers, in the order in which they
-/// are listed, saved and stacked; the model owns them, and a layer dies with its row.
+/// are listed, saved and stacked. The model owns them: removing a row destroys its layer.
 class LayerList : public QObject
 {
     Q_OBJECT
@@ -27,44 +27,44 @@ public:
     QStandardItemModel* model() const { return m_model; }
 
     bool IsEmpty() const;
-    /// All layers in row order; rows that are no layers are passed over.
+    /// All layers in row order; other rows are skipped.
     QVector<Layer*> Layers() const;
-    /// Null when there is no such row, or no layer in it.
+    /// Null if there is no such row, or no layer in it.
     Layer* LayerAt(int row) const;
-    /// Null when there is none.
+    /// Null if there is no such layer.
     Layer* LayerById(int id) const;
-    /// The first in row order.
+    /// The first layer of this name in row order, or null.
     Layer* LayerByName(const QString& name) const;
     void VisibleLayers(QHash<int, Layer*>& out) const;
 
-    /// Appends the layer and takes it over. False, and nothing changes hands, for null, a layer
-    /// without an image and one that another model or item owns; true without change for one that
-    /// is in the list already.
+    /// Appends the layer and takes ownership. Returns false and takes nothing if the layer is null,
+    /// has no image or belongs to another model or item. Returns true if it is already in the list.
     bool AddLayer(Layer* layer);
-    /// The same for a caller that has no use for a refused layer: it is destroyed.
+    /// The same, but a refused layer is destroyed.
     bool AddLayer(std::unique_ptr<Layer> layer);
-    /// Destroys the layer; an unknown id does nothing.
+    /// Destroys the layer. An unknown id is ignored.
     void RemoveLayer(int id);
     /// Destroys all layers.
     void Clear();
     void HideAll();
-    /// All flags of all layers become 0.
+    /// Sets the flags of all layers to 0.
     void ResetFlags();
 
-    /// Reads the "layers" element, whose start tag the reader stands on, and the bitmaps of its
-    /// layers; a layer without a readable bitmap is left out. False when the reader has an error.
+    /// Reads the "layers" element and the bitmaps of its layers; the reader must be on the start
+    /// tag. A layer without a readable bitmap is left out. Returns false if the reader has an
+    /// error.
     bool ReadXml(QXmlStreamReader& xml);
-    /// Writes the "layers" element and every layer's bitmap; nothing for an empty list. Layers
-    /// whose bitmaps would be written over one another or elsewhere than into the folder are
-    /// renamed first, with a logged error. Returns how many bitmaps could not be written.
+    /// Writes the "layers" element and every layer's bitmap. Writes nothing for an empty list.
+    /// Layers whose bitmaps would overwrite one another or lie outside of the folder are renamed
+    /// first, with a logged error. Returns how many bitmaps could not be written.
     int WriteXml(QXmlStreamWriter& xml);
 
-    /// Writes the binary area map of all layers, visible or not. Logs its progress and, except for
-    /// failed writes, which its callers report, its result.
+    /// Writes the binary area map of all layers, visible or not. Logs its progress and its result,
+    /// except for failed writes, which the callers report.
     bool SaveMap(const QString& path) const;
     /// Adds a white, hidden layer for each known area flag type that is set somewhere in the map,
-    /// and takes the map's sizes as the project's. False when the device reports an error, or when
-    /// there are more flag types than a map can hold.
+    /// and sets the project's sizes to those of the map. Returns false if the device reports an
+    /// error, or if there are more flag types than a map can hold.
     bool ImportMap(QIODevice& device);
 
 signals:

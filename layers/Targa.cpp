@@ -19,7 +19,7 @@ namespace {
 using raster::TargaError;
 using raster::TargaResult;
 
-/// Empty for a size of nothing, of which there is no image to miss.
+/// Empty for an empty size, which has no image that could be missing.
 QString MessageOf(TargaError error, QSize size)
 {
     switch (error) {
@@ -40,8 +40,8 @@ QString MessageOf(TargaError error, QSize size)
     return {};
 }
 
-/// The header is looked at before there is memory for the rest, of which a broken file may pretend
-/// to have any amount. The rest comes in one read and is not zeroed first: masks are large.
+/// Checks the header before it allocates memory for the rest, because a broken file may claim any
+/// size. The rest is read at once into memory that is not zeroed first, because masks are large.
 TargaResult ReadTarga(QFile& file, QSize size)
 {
     std::array<char, raster::TargaHeaderSize> header{};

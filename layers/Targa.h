@@ -4,10 +4,10 @@
 #include <QString>
 
 /// Reads a layer bitmap: an 8-bit greyscale TGA file of exactly the project's layer size, as a
-/// mask. Null on any failure; a file that is missing or cannot be read says nothing, one of another
-/// kind or size logs an error.
+/// mask. Returns null on failure. A file that is missing or cannot be read is not logged; a file of
+/// another kind or size logs an error.
 QImage LoadTarga(const QString& fileName);
 
-/// Writes a Format_Indexed8 image; false after a logged error. A failed write leaves the old file
-/// as it was.
+/// Writes a Format_Indexed8 image. Returns false after logging an error. A failed write leaves the
+/// old file as it was.
 bool SaveTarga(const QString& fileName, const QImage& image, bool compressed);

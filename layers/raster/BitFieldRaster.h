@@ -6,19 +6,19 @@
 
 namespace raster {
 
-/// The smallest power of two that is not below n; 0 for 0 and for n above 2^31.
+/// The smallest power of two that is at least n; 0 for n = 0 and for n above 2^31.
 quint32 NextPowerOfTwo(quint32 n);
 
-/// True for 1, 2, 4, 8, 16 and 32, the bits that a field can have.
+/// True for 1, 2, 4, 8, 16 and 32, the possible widths of a field in bits.
 bool IsFieldSize(qint64 bits);
 
 /// The packed rows of an area map section: 32 / bits pixels to a 32-bit word, the leftmost pixel
-/// in the most significant field, rows in file order (bottom row of the map first). Where the width
-/// is no multiple of the pixels per word, the rightmost remainder has no place and is left out.
+/// in the most significant field, rows in file order (bottom row of the map first). If the width is
+/// no multiple of the pixels per word, the rightmost pixels are left out.
 class BitFieldRaster
 {
 public:
-    /// bits: 1, 2, 4, 8, 16 or 32; anything else, and sizes of 0 and below, give a raster without
+    /// bits: 1, 2, 4, 8, 16 or 32. Other values, and sizes of 0 and below, make a raster without
     /// words.
     BitFieldRaster(int bits, int width, int height);
 
@@ -27,12 +27,12 @@ public:
     qint64 WordsPerRow() const { return m_wordsPerRow; }
     qint64 WordCount() const { return m_wordsPerRow * m_height; }
     int Height() const { return m_height; }
-    /// Pixels of a row that have a place in its words.
+    /// The number of pixels of a row that the words hold.
     int FieldsPerRow() const { return static_cast<int>(m_wordsPerRow) * PixelsPerWord(); }
-    /// False when there was no memory for the words.
+    /// False if there was no memory for the words.
     bool IsValid() const { return WordCount() == 0 || !m_words.IsEmpty(); }
 
-    /// ORs the low bits of value into the field; a place outside the raster is ignored.
+    /// ORs the low bits of value into the field. Pixels outside the raster are ignored.
     void Set(quint32 value, int x, int row);
     /// 0 outside the raster.
     quint32 Get(int x, int row) const;

@@ -8,13 +8,13 @@
 namespace raster {
 namespace {
 
-/// One row of bits. The row of pixels is cut into eight segments of one length, and bit k of byte j
-/// is pixel j of segment k: neighbouring pixels are the same bit of neighbouring bytes, so that
-/// packing, unpacking and widening are plain loops over bytes without a carry from bit to bit.
+/// One row of bits. The row of pixels is cut into eight segments of equal length, and bit k of byte
+/// j is pixel j of segment k. So neighbouring pixels are the same bit of neighbouring bytes, and
+/// packing, unpacking and widening are simple loops over bytes without carries between bits.
 class SegmentedRow
 {
 public:
-    /// margin: how many bytes beyond either end hold the bits of the adjoining segments.
+    /// margin: how many bytes before and after the row repeat the bits of the adjoining segments.
     SegmentedRow(int width, int margin)
         : m_width(width)
         , m_length((width + 127) / 128 * 16)
@@ -26,7 +26,7 @@ public:
     int Length() const { return m_length; }
     const uchar* Bytes() const { return m_bytes.data() + m_margin; }
 
-    /// Takes pixels of 0 and 255.
+    /// Packs pixels of 0 and 255.
     void Pack(const uchar* pixels, uchar flip)
     {
         uchar* __restrict bytes = m_bytes.data() + m_margin;
@@ -76,7 +76,7 @@ void OrInto(const uchar* from, int count, uchar* __restrict to)
     }
 }
 
-/// Widens the pixels of a row from half - 1 to half on either side.
+/// Widens the pixels of a row from half - 1 to half pixels on each side.
 void Widen(const uchar* row, int half, int count, uchar* __restrict widened)
 {
     for (int i = 0; i < count; ++i) {
@@ -84,7 +84,7 @@ void Widen(const uchar* row, int half, int count, uchar* __restrict widened)
     }
 }
 
-/// The result rows that the source rows read so far reach.
+/// The result rows that are reached by the source rows read so far.
 class RowRing
 {
 public:
@@ -132,7 +132,7 @@ void DilateByChords(const QImage& mask, const DiscShape& disc, uchar flip, QImag
                 }
             }
         }
-        // No later row reaches this one.
+        // No later source row reaches this one.
         const int done = y - radius;
         if (done >= 0) {
             row.Unpack(ring.Row(done), flip, result.scanLine(done));

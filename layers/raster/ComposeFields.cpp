@@ -12,9 +12,10 @@
 namespace raster {
 namespace {
 
-/// Masks are looked at in chunks of this many pixels: most are wholly clear or wholly set.
+/// Masks are read in chunks of this many pixels, because most chunks are entirely clear or entirely
+/// set.
 constexpr int ChunkSize = 128;
-/// Rows that are composed together, so that each layer is read in long pieces.
+/// The number of rows that are composed together, so that each layer is read in long pieces.
 constexpr int BandRows = 64;
 
 enum ChunkKind : uchar
@@ -48,7 +49,7 @@ struct Words
 };
 #endif
 
-/// Without branches, so that looking at the masks runs at the speed of the memory.
+/// Without branches, so that reading the masks runs at the speed of the memory.
 ChunkKind KindOf(const uchar* pixels)
 {
     Words any = {0, 0};
@@ -72,11 +73,11 @@ public:
     Q_DISABLE_COPY(FieldBand)
 
     virtual void Clear() = 0;
-    /// ORs flags into the fields of a chunk whose pixel is set, or into all fields of the chunks up
-    /// to end.
+    /// ORs flags into the fields of set pixels of a chunk, or into all fields of the chunks up to
+    /// end.
     virtual void OrSet(int row, int chunk, const uchar* pixels, quint32 flags) = 0;
     virtual void OrAll(int row, int chunk, int end, quint32 flags) = 0;
-    /// Writes one row's words; a row that nothing was ORed into is left alone.
+    /// Writes the words of one row. A row without any flag is not written.
     virtual void Pack(int row, quint32* words) = 0;
 };
 
@@ -168,12 +169,12 @@ private:
     int m_chunks;
     qint64 m_wordsPerRow;
     std::vector<FieldType> m_fields;
-    /// Flags of all pixels of a chunk.
+    /// The flags that all pixels of a chunk have.
     std::vector<FieldType> m_whole;
     std::vector<uchar> m_isTouched;
 };
 
-/// A band of the raster's first columns, at most maxWidth.
+/// The fields of a band, for at most maxWidth columns from the left.
 std::unique_ptr<FieldBand> MakeBand(const BitFieldRaster& raster, int maxWidth)
 {
     const int width = std::min(raster.FieldsPerRow(), maxWidth);
@@ -193,7 +194,8 @@ std::unique_ptr<FieldBand> MakeBand(const BitFieldRaster& raster, int maxWidth)
     }
 }
 
-/// The size that holds every mask. Rasters may be much larger, and stay clear there.
+/// The smallest size that contains every mask. Rasters may be much larger; the rest of them stays
+/// clear.
 QSize SizeOfAll(const QVector<FlaggedMask>& masks)
 {
     QSize size(0, 0);
@@ -240,8 +242,8 @@ public:
     }
 
 private:
-    /// Looks at all rows of the band before anything is done with what they hold: work that
-    /// depends on pixels still under way would stop the reading ahead.
+    /// Reads all rows of the band before the results are used. Using pixels that are still being
+    /// fetched would stall the processor's prefetching.
     void Add(const FlaggedMask& flagged, int top, int rows)
     {
         const int end = std::min(m_width, flagged.mask.width());
@@ -278,7 +280,7 @@ private:
         }
     }
 
-    /// Chunks of one kind, side by side.
+    /// Neighbouring chunks of the same kind.
     void AddChunks(const FlaggedMask& flagged, int row, int chunk, int end, const uchar* pixels,
                    ChunkKind kind)
     {
@@ -311,7 +313,7 @@ private:
     std::unique_ptr<FieldBand> m_values;
     int m_width;
     int m_height;
-    /// Of one layer in the band at hand.
+    /// The chunks of one layer in the present band.
     std::vector<ChunkKind> m_kinds;
 };
 

@@ -17,8 +17,8 @@ struct FlaggedMask
 
 /// ORs the flags of every mask into the fields of both rasters, in one pass over the masks.
 /// Image row 0 goes to the rasters' last row; pixels outside a mask are clear. The rasters must be
-/// fresh, valid and, where they have words, of one height; they may differ in bits and so in the
-/// pixels that they hold.
+/// clear and valid, and those with words must have the same height. They may have different numbers
+/// of bits and so hold different numbers of pixels a row.
 void ComposeFields(const QVector<FlaggedMask>& masks, BitFieldRaster& usages,
                    BitFieldRaster& values);
 

@@ -5,7 +5,7 @@
 namespace raster {
 namespace {
 
-/// A byte maximum of flipped values is a byte minimum, so that either costs one instruction.
+/// The maximum of flipped bytes is the minimum of the bytes, so both cost one instruction.
 struct Largest
 {
     uchar operator()(uchar a, uchar b) const { return std::max(a, b); }

@@ -8,13 +8,13 @@
 
 namespace raster {
 
-/// Where the runs of rows begin and end, for a second way through a picture from its last row to
-/// its first. It takes memory once, at most half a byte a pixel and 32 MiB, and only what it writes
-/// is touched. What finds no room, or no memory at all, is not kept.
+/// Keeps where the runs of each row begin and end, for a second pass over a picture from its last
+/// row to its first. It allocates memory once, at most half a byte a pixel and 32 MiB, and touches
+/// only the part that it writes. Rows for which there is no room or no memory are not kept.
 class EdgeStack
 {
 public:
-    /// The ends of a row's runs.
+    /// The positions at which a row's runs begin and end.
     struct Edges
     {
         const int* begin;
@@ -26,14 +26,14 @@ public:
     explicit EdgeStack(QSize picture);
 
     void Push(const std::vector<int>& edges);
-    /// The edges pushed last, valid until the next Push.
+    /// Returns the edges that were pushed last. They are valid until the next Push.
     Edges Pop();
 
 private:
-    /// In numbers: each row's edges and behind them their count.
+    /// Sizes in numbers. Each row stores its edges, followed by their count.
     std::size_t m_capacity;
     std::size_t m_size = 0;
-    /// Rows pushed after the last one that found room.
+    /// The number of rows pushed since the last one for which there was room.
     int m_rowsWithoutRoom = 0;
     std::unique_ptr<int[]> m_numbers;
 };

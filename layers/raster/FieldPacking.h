@@ -26,8 +26,8 @@ struct FieldOfBits<32>
 template <int Bits>
 using Field = typename FieldOfBits<Bits>::Type;
 
-/// Moves the fields of eight pixels, one to a byte and the leftmost in the top byte, together at
-/// the bottom of the result, by closing the gaps in three steps.
+/// Packs the fields of eight pixels into the low bits of the result, in three steps that each close
+/// half of the gaps. The input has one field a byte, the leftmost pixel in the top byte.
 template <int Bits>
 quint32 PackEight(quint64 fields)
 {
@@ -61,7 +61,7 @@ void PackFields(const Field<Bits>* fields, quint32* words, qint64 wordCount)
     }
 }
 
-/// The reverse of PackFields.
+/// Unpacks a word; the reverse of PackFields.
 template <int Bits>
 void UnpackFields(const quint32* words, qint64 wordCount, Field<Bits>* fields)
 {

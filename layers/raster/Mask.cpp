@@ -152,7 +152,7 @@ bool IsBinary(const uchar* pixels, int count)
 {
     uchar others = 0;
     for (int x = 0; x < count; ++x) {
-        // 255 and 0 become 0 and 1 when one is added.
+        // Adding 1 turns 255 and 0 into 0 and 1.
         others |= static_cast<uchar>(pixels[x] + 1);
     }
     return others <= 1;

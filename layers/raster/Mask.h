@@ -13,32 +13,32 @@ constexpr uchar MaskSet = 255;
 /// 256 opaque greys, entry i = 0xFF000000 + i * 0x010101.
 const QVector<QRgb>& GreyTable();
 
-/// Longer sides do not fit the 16-bit sizes of the files that masks are stored in.
+/// The files of masks store sizes in 16 bits.
 constexpr int MaxMaskLength = 65535;
 
 /// True for sides of 1 to MaxMaskLength.
 bool IsMaskSize(QSize size);
 
-/// A mask with every pixel clear; null when there is no memory and where IsMaskSize is false.
-/// Its pixels take memory only where something is written.
+/// A mask with all pixels clear. Null without memory and if IsMaskSize is false. Only pages that
+/// are written to take memory.
 QImage BlankMask(QSize size);
 
-/// An image of the same size, format, resolution and colour table, whose pixels are still to be
-/// written; null for a null image and when there is no memory. Bytes that pad a row are copied.
+/// An image of the same size, format, resolution and colour table with uninitialised pixels. The
+/// padding bytes of rows are copied. Null for a null image and without memory.
 QImage UnfilledCopy(const QImage& image);
 
 /// The mask of the pixels that equal rgb exactly. The source has 32 bits a pixel and rgb is
-/// opaque. A Format_Indexed8 source is returned as it is; any other depth gives a null image.
+/// opaque. A Format_Indexed8 source is returned unchanged; any other depth gives a null image.
 QImage ImageToMask(const QImage& source, QRgb rgb);
 
 /// The picture of a mask: a Format_ARGB32_Premultiplied image with rgb (opaque) where the mask is
-/// 255 and transparent elsewhere; null when the source is no Format_Indexed8 image.
+/// 255 and transparent elsewhere. Null if the source is not Format_Indexed8.
 QImage MaskToDisplay(const QImage& mask, QRgb rgb);
 
-/// True when neither image is null and both have the same format, width and height.
+/// True if neither image is null and both have the same format, width and height.
 bool SameGeometry(const QImage& a, const QImage& b);
 
-/// True when every pixel of a Format_Indexed8 image is MaskClear or MaskSet.
+/// True if every pixel of a Format_Indexed8 image is MaskClear or MaskSet.
 bool IsBinary(const QImage& mask);
 /// The same for count pixels.
 bool IsBinary(const uchar* pixels, int count);

@@ -14,7 +14,8 @@
 namespace raster {
 namespace {
 
-/// Erosion is the dilation of the complement, complemented; flip inverts what is read and written.
+/// Erosion is the complement of the dilation of the complement: flip is XORed to the pixels that
+/// are read and written.
 constexpr uchar DilateFlip = 0;
 constexpr uchar ErodeFlip = 255;
 
@@ -36,7 +37,7 @@ uchar Largest(const uchar* pixels, int count, uchar flip)
     return largest;
 }
 
-/// Where every pixel reaches every other, all become the largest of them.
+/// If every pixel reaches every other, all become the largest index.
 void DilateByPicture(const QImage& mask, uchar flip, QImage& result)
 {
     const int width = mask.width();
@@ -49,7 +50,7 @@ void DilateByPicture(const QImage& mask, uchar flip, QImage& result)
     }
 }
 
-/// False, and result is of no use, for a mask of other indices than 0 and 255.
+/// Returns false, with an unusable result, if the mask holds other indices than 0 and 255.
 bool DilateIfBinary(const QImage& mask, const DiscShape& disc, uchar flip, QImage& result)
 {
     if (disc.Radius() > LargestChordRadius) {

@@ -12,13 +12,13 @@
 namespace raster {
 namespace {
 
-/// Moves on to a row in which own(x, pixel) is what its own pixels reach, and writes its pixels:
-/// from one row to the next everything reaches one row less far.
+/// Advances reach to the next row and writes that row's pixels. From one row to the next all
+/// reaches become 1 smaller; own(x, pixel) is the reach of the new row's own pixels.
 template <typename T, typename Own, typename Pixel>
 void Advance(int width, T* __restrict reach, uchar* __restrict pixels, Own own, Pixel toPixel)
 {
     for (int x = 0; x < width; ++x) {
-        // A reach below 0 is passed over by the maximum, but a byte has none.
+        // The maximum would drop a reach below 0, but an unsigned byte cannot be negative.
         const T still = std::is_signed_v<T> ? reach[x] : std::max<T>(reach[x], 1);
         const T here = std::max<T>(static_cast<T>(still - 1), own(x, pixels[x]));
         reach[x] = here;
@@ -26,15 +26,16 @@ void Advance(int width, T* __restrict reach, uchar* __restrict pixels, Own own, 
     }
 }
 
-/// MaskSet or MaskClear without a choice, which would be made once more for each flip.
+/// MaskSet or MaskClear, computed without a branch. With a branch the compiler would make a
+/// separate loop for each value of flip.
 template <typename T>
 uchar ToPixel(T reach)
 {
     return static_cast<uchar>(-static_cast<int>(reach != 0));
 }
 
-/// Asks for the pixels of a row ahead of time: the processor does not foresee that so many rows are
-/// gone through side by side.
+/// Fetches the pixels of a row in advance: the processor's own prefetching does not recognise a
+/// loop over so many rows at once.
 void Prefetch(const QImage& image, int y)
 {
 #ifdef QUILLMAP_VECTORS
@@ -54,12 +55,13 @@ void Prefetch(const QImage& image, int y)
 
 constexpr int RowsAhead = 4;
 
-/// The nearest set pixel of each row says how many rows further a pixel of that row is within the
-/// disc; what the rows above and below still reach is the maximum of these, less one a row. It is
-/// the two-phase scheme of distance transforms (Meijster, Roerdink and Hesselink, 2000) with the
-/// radius known beforehand, which leaves no minimum over parabolas to be found.
+/// The distance to the nearest set pixel of its own row tells how many rows up and down a pixel
+/// reaches. A sweep keeps the maximum of the reaches of all rows before, minus 1 for each row. This
+/// is the two-phase scheme of distance transforms (Meijster, Roerdink and Hesselink, 2000); because
+/// the radius is known, no minimum over parabolas is needed.
 ///
-/// This one keeps the reach of the sweep downward in the result, where a byte holds it.
+/// This version keeps the reach of the downward sweep in the result, for a radius whose reach fits
+/// a byte.
 QUILLMAP_WIDE_VECTORS
 bool SweepBytes(const QImage& mask, const DiscShape& disc, uchar flip, QImage& result)
 {
@@ -88,7 +90,7 @@ bool SweepBytes(const QImage& mask, const DiscShape& disc, uchar flip, QImage& r
     return true;
 }
 
-/// That of a row on the way back.
+/// The reach of a row's own pixels during the sweep upward.
 template <typename T>
 const T* OwnReach(RowReach<T>& row, EdgeStack::Edges edges, const uchar* pixels, uchar flip)
 {
@@ -98,8 +100,8 @@ const T* OwnReach(RowReach<T>& row, EdgeStack::Edges edges, const uchar* pixels,
     return edges.IsEmpty() ? row.OfBusy(pixels, flip) : row.Of(edges);
 }
 
-/// For a longer reach, which the sweep upward finds once more, from the edges of the rows where
-/// there was room for them: that is faster than to keep it, and takes less memory.
+/// The version for a longer reach. The sweep upward computes the reach of each row again, from the
+/// row's edges if they were kept. That is faster than keeping the reach, and takes less memory.
 template <typename T>
 QUILLMAP_WIDE_VECTORS bool SweepTwice(const QImage& mask, const DiscShape& disc, uchar flip,
                                       QImage& result)

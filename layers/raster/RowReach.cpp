@@ -16,28 +16,30 @@
 namespace raster {
 namespace {
 
-/// Distances in a busy row are looked for up to the largest of these that is less than the radius.
+/// In a busy row distances are computed up to the larger of these two that is below the radius.
 constexpr int FarDistance = 15;
 constexpr int VeryFarDistance = 31;
-/// On either side of a row, of distances that are not known.
+/// The number of unknown distances on each side of a row.
 constexpr int Margin = VeryFarDistance + 1;
-/// Marks a distance that is not known (yet), by the highest bit; the largest step added to it still
-/// fits a byte.
+/// Marks a distance that is not known (yet) by its highest bit. Adding the largest step does not
+/// overflow a byte.
 constexpr uchar UnknownDistance = 128;
-/// A row is busy whose runs, each with the gap before it, are shorter on average: below that their
-/// ends cost more to find and to fill around than distances for all pixels.
+/// A row is busy if its runs, each with the gap before it, are shorter than this on average. In
+/// such a row it is faster to compute the distances of all pixels than to find the runs' ends and
+/// fill between them.
 constexpr int BusyPeriod = 28;
-/// Found in any row, however close they are.
+/// So many edges are found in any row before it may count as busy.
 constexpr int EdgesBeforeJudging = 16;
 
-/// Pixels whose ends of runs are looked for together.
+/// The number of pixels in which the ends of runs are searched together.
 constexpr int WordLength = 64;
 
-/// Values are filled in by as many at once: what is too much is filled in anew by what follows.
+/// Values are written in chunks of this length. Values written beyond the end are overwritten by
+/// the next ones.
 template <typename T>
 constexpr int ChunkLength = 64 / static_cast<int>(sizeof(T));
 
-/// Bit i is the highest one of byte i.
+/// Returns a word whose bit i is the highest bit of byte i.
 quint64 BitsOf(const uchar* bytes)
 {
     quint64 bits = 0;
@@ -54,7 +56,7 @@ quint64 BitsOf(const uchar* bytes)
     return bits;
 }
 
-/// The same for fewer bytes; the others are like the last.
+/// The same for fewer bytes; the missing bytes count as equal to the last one.
 quint64 BitsOf(const uchar* bytes, int count)
 {
     uchar word[WordLength];
@@ -62,8 +64,8 @@ quint64 BitsOf(const uchar* bytes, int count)
     return BitsOf(word);
 }
 
-/// Finds the first bytes in turn that have the highest bit and that do not, or the other way round
-/// when flipped is all ones. False when they turn out to be too many.
+/// Finds the bytes at which the highest bit changes, beginning with the first byte that has it (or
+/// does not have it, if flipped is all ones). Returns false if there are too many such edges.
 bool FindEdges(const uchar* bytes, int width, quint64 flipped, std::vector<int>& edges)
 {
     quint64 before = 0;
@@ -80,12 +82,12 @@ bool FindEdges(const uchar* bytes, int width, quint64 flipped, std::vector<int>&
         }
         before = bits >> (WordLength - 1);
     }
-    // The row ends in a run, or in a gap before none.
+    // Ends a run at the row's end, and ends the list with an empty run.
     edges.resize(edges.size() + 2 - edges.size() % 2, width);
     return true;
 }
 
-/// Copies count values and some more.
+/// Copies count values and up to a chunk more.
 template <typename T>
 void CopyChunks(const T* from, int count, T* __restrict to)
 {
@@ -94,7 +96,7 @@ void CopyChunks(const T* from, int count, T* __restrict to)
     }
 }
 
-/// Fills in count values and some more.
+/// Writes count values and up to a chunk more.
 template <typename T>
 void FillChunks(T value, int count, T* __restrict to)
 {
@@ -105,7 +107,7 @@ void FillChunks(T value, int count, T* __restrict to)
     }
 }
 
-/// Lets distances of up to twice step spread from either side. Gives the largest that is left.
+/// Spreads distances from both sides, up to twice step. Returns the largest distance that remains.
 QUILLMAP_WIDE_VECTORS
 uchar SpreadDistances(const uchar* from, int width, int step, uchar* __restrict to)
 {
@@ -167,7 +169,7 @@ template <typename T>
 const T* RowReach<T>::Of(const uchar* pixels, uchar flip)
 {
     const auto set = static_cast<uchar>(~flip);
-    // Natural shapes have a few long runs in a row.
+    // Rows of natural shapes have few, long runs, so edges are tried first.
     if (FindEdges(pixels, m_width, set == 0 ? ~quint64(0) : 0, m_edges)) {
         return Of(EdgeStack::Edges{m_edges.data(), m_edges.data() + m_edges.size()});
     }
@@ -182,7 +184,7 @@ const T* RowReach<T>::OfBusy(const uchar* pixels, uchar flip)
     return m_reach.data();
 }
 
-/// The insides of runs are one value, and their surroundings are copied.
+/// Fills each run with one value, and copies the values around it from m_outward and m_inward.
 template <typename T>
 QUILLMAP_WIDE_VECTORS const T* RowReach<T>::Of(EdgeStack::Edges edges)
 {
@@ -198,8 +200,8 @@ QUILLMAP_WIDE_VECTORS const T* RowReach<T>::Of(EdgeStack::Edges edges)
     return reach;
 }
 
-/// Fills the clear pixels between two runs, of which the picture's edges may cut off either, and
-/// some behind them.
+/// Fills the clear pixels between two runs, and up to a chunk after them. gap is 0 if there is no
+/// run on the left, and run is the width if there is none on the right.
 template <typename T>
 void RowReach<T>::FillGap(int gap, int run)
 {
@@ -213,8 +215,9 @@ void RowReach<T>::FillGap(int gap, int run)
     CopyChunks(m_inward.data() + m_radius - fromRight, fromRight, reach + run - fromRight);
 }
 
-/// For rows of many short runs: the distance to the nearest set pixel, from both sides in steps of
-/// powers of two, and from it the value. The middles of gaps that are longer than that remain.
+/// For rows of many short runs. Computes the distance to the nearest set pixel, in steps of powers
+/// of two from both sides, and the value from the distance. FillUnknown does the middle of gaps
+/// that are longer than these distances.
 template <typename T>
 void RowReach<T>::FillByDistances(const uchar* pixels, uchar set)
 {
@@ -245,12 +248,12 @@ void RowReach<T>::FillByDistances(const uchar* pixels, uchar set)
     }
 }
 
-/// What is too far from a set pixel on either side has known distances up to m_farDistance around
-/// it, except at the picture's edges: with these it is a gap.
+/// Fills the pixels whose distance is still unknown. Together with the known distances around them,
+/// up to m_farDistance on each side, they form a gap between two runs.
 template <typename T>
 void RowReach<T>::FillUnknown(const uchar* distances)
 {
-    // Each is in the middle of so long a gap that there are never too many of them.
+    // Each unknown stretch lies in a gap so long that FindEdges never finds too many.
     static_assert(BusyPeriod < 2 * FarDistance);
     FindEdges(distances, m_width, 0, m_unknown);
     for (std::size_t i = 0; i < m_unknown.size() && m_unknown[i] < m_width; i += 2) {

@@ -9,29 +9,30 @@
 
 namespace raster {
 
-/// How far the pixels of one row of a binary mask reach into the rows above and below it: for each
-/// pixel the number of rows, its own included, in which the disc around it holds the nearest set
-/// pixel of its own row; 0 where that pixel is out of reach. T is uchar, qint16 or qint32: the
-/// maximum of bytes is one instruction when they are unsigned, that of words when they are signed.
+/// Computes how far the pixels of one row of a binary mask reach into the rows above and below it.
+/// A pixel's value counts the rows, its own included, in which a disc around it still reaches the
+/// nearest set pixel of its own row; it is 0 if that pixel is out of reach. T is uchar, qint16 or
+/// qint32: the maximum of bytes is one instruction when they are unsigned, that of words when they
+/// are signed.
 template <typename T>
 class RowReach
 {
 public:
-    /// True when T is wide enough.
+    /// True if T is wide enough for the radius.
     static bool Holds(const DiscShape& disc, QSize picture);
 
-    /// The disc's radius is more than 15.
+    /// The disc's radius must be more than 15.
     RowReach(const DiscShape& disc, QSize picture);
 
-    /// The values of a row of 0 and 255, valid until the next call. flip: 0 or 255, inverts what is
-    /// read.
+    /// Returns the values of a row of 0 and 255, which are valid until the next call. flip is 0 or
+    /// 255 and is XORed to the pixels.
     const T* Of(const uchar* pixels, uchar flip);
-    /// The first set pixel and the first clear one in turn of that row; empty where its runs are
-    /// too short for them to be of use.
+    /// The edges of that row: the first pixel of each run and of each gap in turn. Empty if the
+    /// runs are too short for edges to be useful.
     const std::vector<int>& Edges() const { return m_edges; }
-    /// The values of the row that has these edges, of which there are some.
+    /// Returns the values of a row with these edges; there must be at least one.
     const T* Of(EdgeStack::Edges edges);
-    /// The values of a row that has none.
+    /// Returns the values of a row without set pixels.
     const T* OfBusy(const uchar* pixels, uchar flip);
 
 private:
@@ -42,8 +43,8 @@ private:
     int m_width;
     int m_radius;
     int m_farDistance;
-    /// The values by their distance from the nearest set pixel, 0 to m_radius, and backwards;
-    /// behind them, as behind m_reach, is room for a chunk.
+    /// The values by distance from the nearest set pixel, from 0 to m_radius, and the same in
+    /// reverse order. Both arrays, like m_reach, have room for one more chunk at the end.
     std::vector<T> m_outward;
     std::vector<T> m_inward;
     std::vector<int> m_edges;

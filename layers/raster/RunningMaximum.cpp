@@ -6,8 +6,8 @@
 namespace raster {
 namespace {
 
-/// The maxima of all windows of one power of two in a row; a window of any length up to twice that
-/// is covered by two of them, so that a chord of any length costs the same (Urbach and Wilkinson,
+/// The maxima of all windows of a row whose length is a power of two. Two of them cover a window of
+/// any length up to twice that, so a chord of any length costs the same (Urbach and Wilkinson,
 /// 2008).
 class WindowMaxima
 {
@@ -30,7 +30,7 @@ public:
         }
     }
 
-    /// Makes the windows as long as a chord needs them; chords come in growing order.
+    /// Makes the windows as long as a chord needs. Chords must come in ascending order.
     void GrowFor(int half)
     {
         const auto size = static_cast<int>(m_maxima.size());
@@ -46,7 +46,7 @@ public:
         }
     }
 
-    /// Takes the maxima of the windows x - half to x + half into both rows.
+    /// Merges the maxima of the windows x - half to x + half into both rows.
     void AddChord(int half, uchar* __restrict above, uchar* __restrict below) const
     {
         const uchar* left = m_maxima.data() + m_margin - half;
@@ -71,7 +71,8 @@ private:
     int m_width;
     int m_margin;
     int m_length = 1;
-    /// What lies outside the picture is 0; windows that would end beyond the margin are not kept.
+    /// Pixels outside the picture count as 0. Windows that would end beyond the margin are not
+    /// kept.
     std::vector<uchar> m_maxima;
     std::vector<uchar> m_longer;
 };

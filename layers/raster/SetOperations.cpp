@@ -16,7 +16,7 @@ void CombineBytes(const uchar* a, const uchar* b, uchar* __restrict to, qsizetyp
     }
 }
 
-/// One pass over both buffers, or one for each row where the buffers differ in their strides.
+/// Combines both buffers in one pass, or row by row if their strides differ.
 template <typename Operation>
 QImage Combine(const QImage& a, const QImage& b, Operation operation)
 {

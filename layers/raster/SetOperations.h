@@ -4,15 +4,15 @@
 
 namespace raster {
 
-/// Every byte of the pixel buffer inverted. Null stays null.
+/// Inverts every byte of the pixel buffer. A null image stays null.
 QImage Complement(const QImage& mask);
 
-/// The pixels set in a, in b or in both, byte by byte a | b. This and the next two give an image
-/// with a's colour table, and a null image unless both have one geometry.
+/// The union: a | b for each byte. This and the next two functions return an image with a's colour
+/// table, or a null image unless a and b have the same geometry.
 QImage Union(const QImage& a, const QImage& b);
-/// a & b.
+/// The intersection: a & b.
 QImage Intersection(const QImage& a, const QImage& b);
-/// a & ~b.
+/// The difference: a & ~b.
 QImage Difference(const QImage& a, const QImage& b);
 
 } // namespace raster

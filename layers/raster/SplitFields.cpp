@@ -9,10 +9,10 @@
 namespace raster {
 namespace {
 
-/// Words that are looked at together: most such pieces hold one field throughout.
+/// Words are read in pieces of this length, because most pieces hold the same field everywhere.
 constexpr qint64 PieceWords = 16;
 
-/// Makes the masks of one section while its pixels go by.
+/// Makes the masks of one section while its words are read.
 class Splitter
 {
 public:

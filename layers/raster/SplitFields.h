@@ -8,7 +8,7 @@
 
 namespace raster {
 
-/// The pixels whose field has the bit of one flag set.
+/// The mask of the pixels whose field has the flag's bit set.
 struct FlagMask
 {
     int flag = 0;
@@ -21,11 +21,11 @@ struct WordBlock
     qint64 count = 0;
 };
 
-/// Hands out the words of an area map section in order, in blocks of any size; an empty block is
+/// Returns the words of an area map section in order, in blocks of any size. An empty block means
 /// the end.
 using WordSource = std::function<WordBlock()>;
 
-/// An area map section; the words that its source does not have count as 0.
+/// An area map section. Words that are missing from the source count as 0.
 struct PackedFields
 {
     WordSource nextWords;
@@ -38,13 +38,13 @@ struct PackedFields
 struct SplitResult
 {
     QVector<FlagMask> masks;
-    /// Flags that are set somewhere, but whose masks found no memory.
+    /// The number of flags that are set somewhere, but for whose masks there was no memory.
     int missingCount = 0;
 };
 
-/// One mask of the fields' size for each flag below flagCount that is set somewhere, in the order
-/// in which the flags first occur: rows from the first of the file (the bottom row of the image),
-/// pixels left to right, lower flag first.
+/// Makes one mask of the section's size for each flag below flagCount that is set somewhere. The
+/// masks are in the order in which the flags first occur: rows from the first of the file (the
+/// bottom row of the image), pixels left to right, lower flag first.
 SplitResult SplitFields(const PackedFields& fields, int flagCount);
 
 } // namespace raster

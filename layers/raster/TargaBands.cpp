@@ -14,7 +14,7 @@ constexpr uchar RunLengthBit = 8;
 constexpr uchar TopDownBit = 0x20;
 constexpr uchar RunBit = 0x80;
 
-/// The bytes of a file one after the other, read in blocks.
+/// Reads the bytes of a file one after the other, in blocks.
 class Cursor
 {
 public:
@@ -27,10 +27,10 @@ public:
 
     qint64 Offset() const { return m_blockEnd - (m_stop - m_at); }
     qint64 Left() const { return m_end - Offset(); }
-    /// There were fewer bytes than there should be; they read as 0.
+    /// True if the file had fewer bytes than expected. Missing bytes read as 0.
     bool HasFailed() const { return m_hasFailed; }
 
-    /// Only while something is left.
+    /// Returns the next byte. Call it only while bytes are left.
     uchar Take()
     {
         if (m_at == m_stop) {
@@ -50,7 +50,7 @@ private:
     std::vector<uchar> m_block;
     const uchar* m_at = nullptr;
     const uchar* m_stop = nullptr;
-    /// In the file.
+    /// Offsets in the file.
     qint64 m_blockEnd;
     qint64 m_end;
     bool m_hasFailed = false;
@@ -59,10 +59,11 @@ private:
 struct Packet
 {
     bool isRun = false;
-    /// Pixels that its header tells, and those of them that the file and the image have.
+    /// The number of pixels in the packet's header, and how many of them are in the file and in the
+    /// image.
     int count = 0;
     qint64 present = 0;
-    /// Where its first pixel is in the file.
+    /// The offset of its first pixel in the file.
     qint64 data = 0;
     uchar last = MaskClear;
     bool hasSet = false;
@@ -158,7 +159,8 @@ void TargaBands::FindPackets()
     PixelCounts counts;
     uchar last = MaskClear;
     qint64 pixel = 0;
-    // Of the band at hand, and where the next one begins; the first begins with the first packet.
+    // The start of the present band, and the pixel at which the next band begins. The first band
+    // begins with the first packet.
     Start* current = *next;
     qint64 nextPixel = 0;
     const auto pixelOf = [&](const auto& start) {
@@ -190,7 +192,7 @@ void TargaBands::FindPackets()
     }
     m_isCutOff = pixel < pixelCount;
     m_end = cursor.Offset();
-    // The last pixel goes on to the end.
+    // Missing pixels repeat the last one.
     if (m_isCutOff) {
         counts.Add(last, pixelCount - pixel);
         current->hasSet |= last != MaskClear;
@@ -255,7 +257,7 @@ bool TargaBands::CountPixels(PixelCounts& counts)
 QImage TargaBands::DecodePackets(int band)
 {
     const Start& start = m_starts[static_cast<std::size_t>(band)];
-    // The bytes up to where the next rows in the file begin.
+    // Read the bytes up to the next band in the file.
     const int nextBand = m_isTopDown ? band - 1 : band + 1;
     const bool isLast = nextBand < 0 || nextBand >= Count();
     const qint64 end = isLast ? m_end : m_starts[static_cast<std::size_t>(nextBand)].offset;
@@ -272,7 +274,7 @@ QImage TargaBands::DecodeRaw(int band)
 {
     const int width = m_size.width();
     const int rows = Rows(band);
-    // Rows from this one on are not whole in the file. They are all alike, and the first of them
+    // From this row on, rows are incomplete in the file. They are all equal, and the first of them
     // depends on the row before.
     const auto firstMissing = static_cast<int>(qMax<qint64>(m_end - TargaHeaderSize, 0) / width);
     const int storedRow = std::min(StoredRow(band), firstMissing);

@@ -11,19 +11,19 @@
 
 namespace raster {
 
-/// Reads up to count bytes of a file from an offset on, and tells how many there were.
+/// Reads up to count bytes of a file from an offset on, and returns how many it read.
 using ByteReader = std::function<qint64(qint64 offset, uchar* to, qint64 count)>;
 
-/// How many pixels have which value.
+/// Counts how many pixels have each value.
 struct PixelCounts
 {
     qint64 clear = 0;
     qint64 set = 0;
     qint64 other = 0;
 
-    /// Those that a map takes for set.
+    /// The number of pixels that count as set in a map.
     qint64 Covered() const { return set + other; }
-    /// Inline and without jumps, as packets come by the million.
+    /// Inline and without branches, because files have millions of packets.
     void Add(uchar value, qint64 count)
     {
         const qint64 clearCount = value == MaskClear ? count : 0;
@@ -34,41 +34,43 @@ struct PixelCounts
     }
 };
 
-/// The size that the header of a layer bitmap gives; empty when there is no whole header.
+/// The size in the header of a layer bitmap; empty if the header is incomplete.
 QSize TargaSize(const ByteReader& read);
 
-/// A layer bitmap decoded a band of rows at a time, in any order, with the pixels that DecodeTarga
-/// would give. Only where the bands begin in the file is kept, so that many large bitmaps can be
-/// gone through side by side.
+/// Decodes a layer bitmap one band of rows at a time, in any order, into the same pixels as
+/// DecodeTarga. It keeps only the positions of the bands in the file, so that many large bitmaps
+/// can be read in parallel.
 class TargaBands
 {
 public:
     static constexpr int BandRows = 64;
 
-    /// Looks through the packets once. byteCount is the file's; size the one that the image shall
-    /// have.
+    /// Reads all packets once. byteCount is the length of the file, size the required size of the
+    /// image.
     TargaBands(ByteReader read, qint64 byteCount, QSize size);
 
     TargaError Error() const { return m_error; }
-    /// The reader gave fewer bytes than the file had at first: what was read last is not known.
+    /// True if the reader returned fewer bytes than the file had at first. The result read last is
+    /// then wrong.
     bool HasFailed() const { return m_hasFailed; }
-    /// The file has fewer bytes than its pixels need.
+    /// True if the file has fewer bytes than its pixels need.
     bool IsCutOff() const { return m_isCutOff; }
     /// 0 after an error or a failure.
     int Count() const { return static_cast<int>(m_starts.size()); }
 
-    /// True only for a band that has no set pixel; there need be no mask of it. Raw files are not
-    /// looked through.
+    /// True only for a band without set pixels, whose mask need not be made. Always false for raw
+    /// files, which are not searched.
     bool IsClear(int band) const { return !m_starts.at(static_cast<std::size_t>(band)).hasSet; }
-    /// The rows of a band as a mask; null when there is no memory or reading fails. Bands count
-    /// from the bottom of the image, as maps do; the last one may be lower.
+    /// Returns the rows of a band as a mask; null without memory or if reading fails. Bands count
+    /// from the bottom of the image, as in maps; the last one may have fewer rows.
     QImage Decode(int band);
-    /// Of the whole image; all 0 after an error. Raw files are read for it: false when there is no
-    /// memory or reading fails.
+    /// Counts the pixels of the whole image; all counts are 0 after an error. This reads raw files.
+    /// Returns false without memory or if reading fails.
     bool CountPixels(PixelCounts& counts);
 
 private:
-    /// Where a row begins: the rest of the packet that it begins in, and what follows that.
+    /// Where a row begins: the rest of the packet in which it begins, and the position after that
+    /// packet.
     struct Start
     {
         int storedRow = 0;
@@ -79,13 +81,13 @@ private:
     };
 
     int Rows(int band) const;
-    /// The band's first row in the order of the file.
+    /// The band's first row, counted in the order of the file.
     int StoredRow(int band) const;
     void FindPackets();
     std::vector<uchar> Header(int rows) const;
     QImage DecodePackets(int band);
     QImage DecodeRaw(int band);
-    /// False when reading fails.
+    /// Returns false if reading fails.
     bool Append(std::vector<uchar>& file, qint64 offset, qint64 count);
 
     ByteReader m_read;
@@ -97,11 +99,11 @@ private:
     bool m_isRunLength = false;
     bool m_isCutOff = false;
     bool m_hasFailed = false;
-    /// By band.
+    /// One for each band.
     std::vector<Start> m_starts;
-    /// Of the packets.
+    /// The counts over all packets.
     PixelCounts m_counts;
-    /// Behind the last byte that is needed.
+    /// The offset after the last byte that is needed.
     qint64 m_end = 0;
 };
 

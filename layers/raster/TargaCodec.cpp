@@ -52,8 +52,8 @@ TargaError Check(const Header& header, QSize size)
     return TargaError::None;
 }
 
-/// Takes the pixels in storage order and puts them where they belong in the mask. Its pixels start
-/// clear, so clear runs are not written: their memory need not exist.
+/// Takes the pixels in the order of the file and writes them to their places in the mask. The mask
+/// starts clear, so clear runs are not written and take no memory.
 class PixelWriter
 {
 public:
@@ -75,7 +75,7 @@ public:
     void Repeat(uchar value, qint64 count)
     {
         if (count <= ShortRun && RoomInPiece() >= ShortRun) {
-            // A store of fixed size is much faster; what it writes too much is written again.
+            // A store of fixed size is much faster. Later pixels overwrite the excess.
             std::memset(m_next, value, ShortRun);
             m_writtenEnd = m_next + ShortRun;
             m_next += count;
@@ -144,15 +144,15 @@ private:
         return from + count;
     }
 
-    /// Pixels that lie side by side: a row, or all of them where rows follow without padding.
+    /// The number of contiguous pixels: a row, or all pixels if the rows have no padding.
     qint64 m_pieceLength;
     qint64 m_piecesLeft;
-    /// From one piece to the next in storage order.
+    /// The step in bytes from one piece to the next in the order of the file.
     qint64 m_step;
     uchar* m_begin = nullptr;
     uchar* m_next = nullptr;
     uchar* m_end = nullptr;
-    /// Up to here the piece may hold something else than clear pixels.
+    /// After this position the pixels of the piece are clear.
     uchar* m_writtenEnd = nullptr;
 };
 
@@ -197,7 +197,7 @@ void DecodeRaw(const uchar* data, const uchar* end, int width, PixelWriter pixel
     }
 }
 
-/// Gathers packets to blocks worth handing on.
+/// Collects packets into larger blocks before they go to the sink.
 class PacketWriter
 {
 public:
@@ -207,7 +207,7 @@ public:
     {
     }
 
-    /// A run of any length, as packets of at most 128 pixels.
+    /// Adds a run of any length as packets of at most 128 pixels.
     bool AddRun(uchar value, qint64 length)
     {
         for (; length > 0; length -= MaxRun) {
@@ -236,7 +236,7 @@ private:
     std::size_t m_used = 0;
 };
 
-/// How many of the words' bytes equal the value before another one comes.
+/// How many bytes at the beginning equal the byte that fills words.
 qint64 EqualBytes(const uchar* bytes, qint64 count, quint64 words)
 {
     qint64 equal = 0;
@@ -253,7 +253,7 @@ qint64 EqualBytes(const uchar* bytes, qint64 count, quint64 words)
     return equal;
 }
 
-/// How many of the bytes equal the first one before another value comes.
+/// How many bytes at the beginning equal the first one.
 qint64 RunLength(const uchar* bytes, qint64 count)
 {
     constexpr int block = 64;

@@ -28,7 +28,7 @@ constexpr std::size_t RoundedUp(std::size_t count)
     return (count + HugePage - 1) / HugePage * HugePage;
 }
 
-/// Maps whole huge pages, which begin at a multiple of their size. Null when that fails.
+/// Maps whole huge pages, which begin at a multiple of their size. Returns null on failure.
 void* MapHugePages(std::size_t byteCount)
 {
     const std::size_t mappedCount = byteCount + HugePage;
