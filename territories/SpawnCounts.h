@@ -1,6 +1,6 @@
 #pragma once
 
-/// How many creatures a zone may hold, and the sums of them over zones.
+/// The numbers of creatures of a zone, and their sums over zones.
 struct SpawnCounts
 {
     int staticMin = 0;
@@ -18,7 +18,7 @@ struct SpawnCounts
     }
 
 private:
-    /// Files may hold any number, so sums wrap.
+    /// Files may hold any numbers, so sums wrap around.
     static void Add(int& sum, int value)
     {
         sum = static_cast<int>(static_cast<unsigned>(sum) + static_cast<unsigned>(value));

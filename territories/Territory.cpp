@@ -40,7 +40,8 @@ void Territory::Init()
 
 Territory::~Territory()
 {
-    // Each leaves the table as it dies, and takes the zones along that are items inside it.
+    // A zone removes itself from the table when it is destroyed. It also destroys zones that are
+    // its child items.
     while (!m_zones.isEmpty()) {
         delete m_zones.first();
     }
@@ -66,7 +67,7 @@ SpawnCounts Territory::Totals() const
 
 void Territory::TotalsChanged() const
 {
-    // Not while its row is being removed.
+    // The territory has no type while its row is being removed.
     const TerritoryType* type = model() ? GetType() : nullptr;
     if (type) {
         type->TotalsChanged();
@@ -94,7 +95,7 @@ void Territory::RemoveZone(int zoneId)
 
 void Territory::AddCopiesOfSelection(QGraphicsScene& scene)
 {
-    // The scene gives them in an order that differs from run to run.
+    // Their order in the scene's list differs from run to run.
     QMap<int, const Zone*> selection;
     const QList<QGraphicsItem*> items = scene.selectedItems();
     for (const QGraphicsItem* item : items) {

@@ -14,12 +14,12 @@ class QXmlStreamWriter;
 class TerritoryType;
 class Zone;
 
-/// A named, coloured set of zones; a row below its territory type, which owns it. It owns its
+/// A named, coloured set of zones. It is a row below its territory type, which owns it. It owns its
 /// zones.
 class Territory : public QStandardItem
 {
 public:
-    /// Named "Territory ID" while a GUI runs; without a name in a batch run.
+    /// The name is "Territory ID" while a GUI runs, and empty in a batch run.
     Territory();
     explicit Territory(const QString& name);
     ~Territory() override;
@@ -28,7 +28,7 @@ public:
     const Lifetime& GetLifetime() const { return m_lifetime; }
     /// Unique in the process and never reused.
     int Id() const { return m_id; }
-    /// The type below which the territory is a row; null before it is.
+    /// The type below which the territory is a row; null before it has been added to one.
     TerritoryType* GetType() const;
     /// The alpha is the territory's opacity. Opaque black at first.
     const QColor& Color() const { return m_color; }
@@ -38,17 +38,17 @@ public:
     /// The sums over the zones.
     SpawnCounts Totals() const;
 
-    /// Takes the zone over. False for null and for a zone that a territory holds already, which
-    /// stays where it is.
+    /// Takes ownership of the zone. Returns false for null and for a zone that a territory already
+    /// holds; that zone stays there.
     bool AddZone(Zone* zone);
-    /// The zone leaves the table and is the caller's; an unknown id does nothing.
+    /// Removes the zone from the table; the caller then owns it. An unknown id is ignored.
     void RemoveZone(int zoneId);
     /// Adds a copy of each selected zone of the scene to this territory and to the scene, in the
     /// order of their ids. A copy keeps the colour of its source's territory.
     void AddCopiesOfSelection(QGraphicsScene& scene);
 
-    /// Keeps the alpha; a colour that differs only in alpha changes nothing. Like the next two, it
-    /// goes on to all zones.
+    /// Keeps the alpha; a colour that differs only in alpha changes nothing. This and the next two
+    /// functions also change all zones.
     void SetColor(const QColor& color);
     void SetAlpha(int alpha);
     void SetRgba(QRgb rgba);
@@ -57,10 +57,10 @@ public:
     /// Shows or hides the zones.
     void SetVisible(bool isVisible);
 
-    /// Reads the zones of the "territory" element whose start tag the reader stands on, and adds
-    /// them to the scene when there is one. False when the reader has an error.
+    /// Reads the zones of the "territory" element and adds them to the scene, if there is one. The
+    /// reader must be on the start tag. Returns false if the reader has an error.
     bool Read(QXmlStreamReader& xml, QGraphicsScene* scene);
-    /// Export mode leaves out what only the editor needs.
+    /// Export mode leaves out the attributes that only the editor needs.
     void Write(QXmlStreamWriter& xml, bool exportMode) const;
 
 private:
@@ -75,6 +75,6 @@ private:
     QColor m_color = Qt::black;
     bool m_isVisible = false;
     QMap<int, Zone*> m_zones;
-    /// Every zone whose back-pointer names this territory, whoever holds it.
+    /// All zones whose GetTerritory() is this territory, even if another one holds them.
     QSet<Zone*> m_referrers;
 };

@@ -32,7 +32,7 @@ TerritoryType::TerritoryType(const QString& name)
 
 TerritoryType::~TerritoryType()
 {
-    // While this is still a type for the territories that look up to it.
+    // Here, because the territories use this object as their type while they are destroyed.
     removeRows(0, rowCount());
 }
 

@@ -11,12 +11,12 @@ class QXmlStreamWriter;
 class Territory;
 class TerritoryTypeList;
 
-/// A named group of territories; a top-level row of the territory tree. It owns its territories,
-/// which are its child rows. Its name becomes the name of its export file.
+/// A named group of territories. It is a top-level row of the territory tree and owns its
+/// territories, which are its child rows. Its name is also the name of its export file.
 class TerritoryType : public QStandardItem
 {
 public:
-    /// Named "Territory type ID".
+    /// The name is "Territory type ID".
     TerritoryType();
     explicit TerritoryType(const QString& name);
     ~TerritoryType() override;
@@ -29,33 +29,32 @@ public:
     QVector<Territory*> Territories() const;
     /// The sums over the territories.
     SpawnCounts Totals() const;
-    /// Tells the list that they may have changed.
+    /// Tells the list that the totals may have changed.
     void TotalsChanged() const;
 
     Territory* NewTerritory();
-    /// Takes the territory over, as the last row; nothing for null and for a territory that another
-    /// item or a model owns, or this type already.
+    /// Takes ownership of the territory, as the last row. Does nothing for null and for a territory
+    /// that already belongs to an item or a model.
     void AddTerritory(Territory* territory);
-    /// Null when there is none.
+    /// Null if there is no such territory.
     Territory* GetTerritory(int id) const;
-    /// Destroys the territory and its zones; an unknown id does nothing.
+    /// Destroys the territory and its zones. An unknown id is ignored.
     void RemoveTerritory(int id);
 
-    /// Shows or hides all territories, and checks or unchecks them to match. One of them may be
-    /// named that is shown in any case.
+    /// Shows or hides all territories, and checks or unchecks them accordingly. One territory may
+    /// be given that is always shown.
     void SetVisible(bool isVisible, const Territory* alwaysShown = nullptr);
-    /// Shows exactly the territories that are checked.
+    /// Shows the checked territories and hides the others.
     void UpdateVisibility();
 
-    /// A rename that is no valid name is silently dropped.
+    /// A rename to an invalid name is ignored without a message.
     void setData(const QVariant& value, int role = Qt::UserRole + 1) override;
 
     void Write(QXmlStreamWriter& xml) const;
-    /// The type's file for the game, with all territories, shown or not.
+    /// Writes the content of the type's file for the game, with all territories, visible or not.
     QByteArray ToGameFile() const;
-    /// Writes the type's file for the game into the project's "territoryTypes" folder, shown or
-    /// not. False when that fails; a name that would lead out of the folder is refused with an
-    /// error.
+    /// Writes the type's file for the game into the project's "territoryTypes" folder. Returns
+    /// false if that fails. A name that would lead out of the folder is refused with an error.
     bool Export() const;
 
 private:

@@ -22,7 +22,7 @@ TerritoryTypeList::TerritoryTypeList(QObject* parent)
 
 TerritoryTypeList::~TerritoryTypeList()
 {
-    // Whoever shows totals may be going too.
+    // The object that shows the totals may be in destruction too.
     m_totalsCallback = nullptr;
     Clear();
     m_model->deleteLater();
@@ -93,7 +93,7 @@ void TerritoryTypeList::TotalsChanged() const
 
 namespace {
 
-/// Reads the "territory" element that the reader stands on, with its zones.
+/// Reads the "territory" element that the reader is on, with its zones.
 std::unique_ptr<Territory> ReadTerritory(QXmlStreamReader& xml, QGraphicsScene* scene)
 {
     const QString name = TextAttribute(xml, QLatin1String("name"));

@@ -11,8 +11,8 @@ class QXmlStreamReader;
 class QXmlStreamWriter;
 class TerritoryType;
 
-/// The territory types of the open project. The top-level rows of its model are the types; the
-/// model owns them, and a type dies with its row.
+/// The territory types of the open project. The top-level rows of its model are the types. The
+/// model owns them: removing a row destroys its type.
 class TerritoryTypeList : public QObject
 {
     Q_OBJECT
@@ -25,31 +25,31 @@ public:
     QStandardItemModel* model() const { return m_model; }
 
     bool IsEmpty() const { return Types().isEmpty(); }
-    /// By ascending id; rows that are no types are passed over.
+    /// By ascending id; other rows are skipped.
     QVector<TerritoryType*> Types() const;
-    /// Null when there is none.
+    /// Null if there is no such type.
     TerritoryType* TypeById(int id) const;
 
-    /// Appends the type and takes it over. False, and nothing changes hands, for null and for a
-    /// type that another model or item owns; true without change for one that is in the list
-    /// already.
+    /// Appends the type and takes ownership. Returns false and takes nothing for null and for a
+    /// type that belongs to another model or item. Returns true if the type is already in the list.
     bool AddType(TerritoryType* type);
     /// Destroys all types.
     void Clear();
     void UpdateVisibility();
 
-    /// What is called when totals of spawn counts may have changed: a zone was added, removed or
-    /// counts other creatures now, or rows came or went. One action can bring a call for each of
-    /// its zones, so whoever shows totals sums them up once afterwards. Empty for none.
+    /// Sets the function that is called when totals of spawn counts may have changed: a zone was
+    /// added or removed or changed its counts, or rows were added or removed. One action may cause
+    /// a call for each of its zones, so code that shows totals should sum them up once afterwards.
+    /// May be empty.
     void SetTotalsCallback(std::function<void()> callback);
-    /// Calls it.
+    /// Calls that function.
     void TotalsChanged() const;
 
-    /// Reads the "territory-type-list" element whose start tag the reader stands on; zones are
-    /// added to the scene when there is one. False when the reader has an error; the types that
-    /// were complete before it are kept.
+    /// Reads the "territory-type-list" element and adds the zones to the scene, if there is one.
+    /// The reader must be on the start tag. Returns false if the reader has an error; types that
+    /// were complete before the error are kept.
     bool Read(QXmlStreamReader& xml, QGraphicsScene* scene);
-    /// Nothing for an empty list.
+    /// Writes nothing for an empty list.
     void Write(QXmlStreamWriter& xml) const;
 
     /// Write the files of all or of the checked types, by ascending id, up to the first that fails.

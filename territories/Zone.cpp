@@ -48,8 +48,8 @@ int UsageOf(const QString& name)
     return usage;
 }
 
-/// Icons are as wide as their zone's radius, up to their own width, and may leave the painter
-/// scaled.
+/// Draws the icon as wide as the zone's radius, but not wider than the icon itself. May leave the
+/// painter scaled.
 void DrawIcon(QPainter& painter, int usage, qreal radius)
 {
     const QPixmap icon = ZoneIcons::Icon(usage);
@@ -201,7 +201,7 @@ void Zone::Read(const QXmlStreamReader& xml)
     }
     const float x = FloatAttribute(xml, QLatin1String("x"), 0);
     const float z = FloatAttribute(xml, QLatin1String("z"), 0);
-    // Single precision, and z counts from the map's bottom edge.
+    // Computed in single precision. z is measured from the map's bottom edge.
     const float sceneX = settings.pixelsPerMetreX * x;
     const float sceneY = static_cast<float>(settings.layerHeight) - settings.pixelsPerMetreZ * z;
     setPos(static_cast<qreal>(sceneX), static_cast<qreal>(sceneY));

@@ -35,7 +35,7 @@ public:
 
     /// territory gives the colour and may be null.
     Zone(Territory* territory, float radiusMetres, QGraphicsItem* parent = nullptr);
-    /// Without geometry, to be read from a file.
+    /// A zone without geometry, which is then read from a file.
     explicit Zone(Territory* territory, QGraphicsItem* parent = nullptr);
     ~Zone() override;
     Q_DISABLE_COPY(Zone)
@@ -44,8 +44,9 @@ public:
     const Lifetime& GetLifetime() const { return m_lifetime; }
     /// Unique in the process and never reused; also the item data under Qt::UserRole.
     int Id() const { return m_id; }
-    /// The territory that the zone was made for: of a copy that of its source, also where another
-    /// one holds the copy. When it dies, the holder. Null when there is none.
+    /// The territory for which the zone was made. For a copy it is that of the source, even if
+    /// another territory holds the copy. When that territory is destroyed, it becomes the holder.
+    /// May be null.
     Territory* GetTerritory() const { return m_territory; }
     /// The territory whose table holds the zone.
     Territory* Holder() const { return m_holder; }
@@ -57,7 +58,7 @@ public:
     const QString& EventName() const { return m_eventName; }
 
     void SetTerritory(Territory* territory);
-    /// Alpha included.
+    /// The colour includes the alpha.
     void SetColor(const QColor& color);
     void SetRadius(float metres);
     void SetStaticMin(int count) { SetCount(m_counts.staticMin, count); }
@@ -65,18 +66,18 @@ public:
     void SetDynamicMin(int count) { SetCount(m_counts.dynamicMin, count); }
     void SetDynamicMax(int count) { SetCount(m_counts.dynamicMax, count); }
     void SetUsage(int usage);
-    /// Meaningful for DynamicEvent only.
+    /// Used for DynamicEvent only.
     void SetEventName(const QString& name) { m_eventName = name; }
     /// The depth is a whole number from MinDepth to MaxDepth; it is the stacking order and the grey
-    /// level of the outline. Each step takes it 23 further.
+    /// level of the outline. Each step changes it by 23.
     void BringToFront();
     void SendToBack();
 
-    /// A zone of the same back-pointer, values, place and depth, with an id of its own, held by
-    /// nobody and in no scene. The caller owns it.
+    /// A zone with the same GetTerritory(), values, place and depth, but an id of its own. No
+    /// territory holds it and it is in no scene. The caller owns it.
     Zone* Copy() const;
 
-    /// Reads the attributes of the "zone" element that the reader stands on; places are world
+    /// Reads the attributes of the "zone" element that the reader is on. Places are in world
     /// metres.
     void Read(const QXmlStreamReader& xml);
     /// Export mode leaves out the depth, which only the editor needs.

@@ -14,17 +14,18 @@
 namespace {
 
 constexpr int OutlineWidth = 2;
-/// Half the side of the largest picture that is kept, in device pixels. Larger circles are few.
+/// Half the side of the largest picture that is kept, in device pixels. There are few larger
+/// circles.
 constexpr int MaxReach = 64;
-/// QPainter rounds coordinates beyond this another way.
+/// QPainter rounds coordinates beyond this in another way.
 constexpr double LastPixel = 32000;
-/// A map has few radii at a time.
+/// Zones on a map have few different radii.
 constexpr int MaxPaths = 1000;
 constexpr int CacheBytes = 64 << 20;
-/// What an entry takes beside its pixels.
+/// The memory of an entry in addition to its pixels.
 constexpr int EntryBytes = 256;
 
-/// Made once: a map shows thousands of zones.
+/// Made only once, because a map shows thousands of zones.
 const QPen& OutlinePen(int grey)
 {
     static const std::vector<QPen> pens = [] {
@@ -50,7 +51,7 @@ struct Paths
     QPainterPath outline;
 };
 
-/// What QPainter makes of an ellipse and its pen each time; the radius is a positive number.
+/// The outline that QPainter makes of an ellipse and its pen. The radius must be positive.
 const Paths& PathsOf(qreal radius)
 {
     static QCache<qreal, Paths> cache(MaxPaths);
@@ -64,7 +65,7 @@ const Paths& PathsOf(qreal radius)
     return *paths;
 }
 
-/// As DrawEllipse does where outlines are thick, but quicker.
+/// Draws the same pixels as DrawEllipse with a thick outline, but faster.
 void DrawPaths(QPainter& painter, const ZoneCircle& circle)
 {
     const Paths& paths = PathsOf(circle.radius);
@@ -75,7 +76,7 @@ void DrawPaths(QPainter& painter, const ZoneCircle& circle)
 /// Circles with equal keys have equal pixels.
 struct Key
 {
-    /// Scale, place within a device pixel, and radius.
+    /// The scale, the place within a device pixel, and the radius.
     std::array<double, 5> geometry;
     quint64 fill;
     int grey;
@@ -93,21 +94,21 @@ uint qHash(const Key& key, uint seed = 0)
     return geometryHash ^ ::qHash(key.fill, seed) ^ static_cast<uint>(key.grey);
 }
 
-/// Where a circle lies on the device.
+/// The place of a circle on the device.
 struct Place
 {
     QTransform toDevice;
     /// The pixel of the circle's centre.
     QPoint center;
-    /// How many pixels on each side of it may be touched.
+    /// How many pixels on each side of the centre the circle may touch.
     QPoint reach;
 
     QPoint TopLeft() const { return center - reach; }
     QSize Size() const { return {2 * reach.x() + 1, 2 * reach.y() + 1}; }
 };
 
-/// False where QPainter draws an ellipse by other rules than its disc and its outline. Those of up
-/// to a pixel let the ground shine through and are rounded otherwise.
+/// False if QPainter does not draw an ellipse as a disc plus an outline. Ellipses of up to a pixel
+/// are translucent and rounded in another way.
 bool IsMadeOfPaths(const QPainter& painter, qreal radius)
 {
     const QTransform& toDevice = painter.deviceTransform();
@@ -118,8 +119,8 @@ bool IsMadeOfPaths(const QPainter& painter, qreal radius)
            OutlineWidth * std::abs(toDevice.m22()) > 1;
 }
 
-/// False for circles that are not kept as pictures: large ones, and those whose colours are mixed
-/// with each other or with the ground otherwise than the pixels of a picture are.
+/// False for circles that are not kept as pictures: large ones, and those whose colours would blend
+/// differently if they were drawn as a picture.
 bool FindPlace(Place& place, const QPainter& painter, qreal radius)
 {
     const QTransform& toDevice = painter.deviceTransform();
@@ -186,7 +187,8 @@ void DrawZoneCircle(QPainter& painter, const ZoneCircle& circle)
     const Key key = KeyOf(circle, place);
     const QImage* known = cache.object(key);
     QImage picture = known ? *known : QImage();
-    // Making a picture takes longer than drawing, and pays only for what is drawn time and again.
+    // Making a picture takes longer than drawing, so a circle must be drawn repeatedly before it
+    // pays.
     if (known && known->isNull()) {
         picture = Picture(circle, place);
     }

@@ -4,19 +4,19 @@
 
 class QPainter;
 
-/// How a zone looks on the map, but for its icon.
+/// The look of a zone on the map, without its icon.
 struct ZoneCircle
 {
-    /// In scene units; also when it is no positive number.
+    /// In scene units. May be 0, negative or NaN.
     qreal radius = 0;
     QColor fill;
-    /// Of the outline, 0 to 255.
+    /// The grey of the outline, 0 to 255.
     int grey = 0;
 };
 
 /// Draws the circle around the painter's origin, with an outline of two scene units.
 ///
-/// Outlines are what a map of thousands of zones takes longest for. So a small circle that is drawn
-/// at the same place of a pixel again, as whenever a map is repainted, is kept as a picture of it,
-/// within some megabytes; which pixels come out does not depend on that.
+/// On a map of thousands of zones, outlines take most of the time. So a small circle that is drawn
+/// repeatedly at the same place within a pixel, as in every repaint, is kept as a picture. The
+/// pictures take a few megabytes at most, and give the same pixels as drawing.
 void DrawZoneCircle(QPainter& painter, const ZoneCircle& circle);

@@ -2,14 +2,14 @@
 
 #include <QPixmap>
 
-/// The pictures of the zone usages, made once for the whole process.
+/// The icons of the zone usages, loaded once for the whole process.
 class ZoneIcons
 {
 public:
-    /// Reads the icons from the resources, unless there are some already. Needs the application.
+    /// Loads the icons from the resources, unless they are loaded. Needs the application object.
     static void Load();
-    /// Empty for a usage without an icon, and before Load.
+    /// The icon of a usage; empty if the usage has none, and before Load.
     static QPixmap Icon(int usage);
-    /// The same picture with more pixels, for dense screens and large zooms; likewise.
+    /// The same icon with more pixels, for dense screens and large zooms.
     static QPixmap DenseIcon(int usage);
 };
