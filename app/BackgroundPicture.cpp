@@ -36,7 +36,7 @@ bool CopyIntoPlace(const QString& source, const QString& place)
     return !to.Replace(place);
 }
 
-/// Follows links, as far as the path exists.
+/// Resolves the links in the part of the path that exists.
 bool IsBelow(const QDir& folder, const QString& path)
 {
     const QString parent = QFileInfo(path).dir().canonicalPath();
@@ -51,12 +51,12 @@ bool Exists(const QString& path)
     return file.exists() || file.isSymLink();
 }
 
-/// Whether the picture is at the place afterwards.
+/// Returns whether the picture is at the place afterwards.
 bool Carry(const QString& source, const QDir& folder, const QString& backgroundFile)
 {
     const QString place = QStringLiteral("%1/%2").arg(folder.absolutePath(), backgroundFile);
     const QString canonicalSource = QFileInfo(source).canonicalFilePath();
-    // A pipe that took the picture's place would be waited for.
+    // Opening a pipe of this name would wait for a writer.
     if (!QFileInfo(canonicalSource).isFile()) {
         return false;
     }

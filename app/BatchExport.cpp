@@ -15,7 +15,7 @@ namespace {
 
 QString DefaultOutputFolder(const QString& configPath, const QDir& configDir)
 {
-    // The typed folder stands twice in it; pipelines rely on the place.
+    // The path contains the typed folder twice. Pipelines rely on that place.
     return QStringLiteral("%1/%2/Output")
         .arg(configDir.path(), configPath.section(QLatin1Char('/'), 0, -2));
 }
@@ -25,7 +25,7 @@ void ExportTypes(const TerritoryTypeList& types)
     if (types.IsEmpty()) {
         return;
     }
-    // The number is that of the outcome, not of the types.
+    // The number shows success as 1 and failure as 0. It does not count types.
     const int isExported = types.ExportAll() ? 1 : 0;
     LogSuccess(QStringLiteral("%1 territory types exported.").arg(isExported));
 }

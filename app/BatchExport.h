@@ -6,7 +6,7 @@ class LayerList;
 class QIODevice;
 class TerritoryTypeList;
 
-/// The exit codes of the program; those of the editor are the event loop's.
+/// The exit codes of a batch run. The editor returns that of the event loop.
 enum ExitCode
 {
     ExitDone = 0,
@@ -15,16 +15,15 @@ enum ExitCode
     ExitNoOutputFolder = 3,
 };
 
-/// Reads what the batch run needs of a project document, in one pass: sizes stand before the layers
-/// and zones that need them, or are not there. Flag types are not read.
+/// Reads the parts of a project document that a batch run needs, in one pass. Layers and zones get
+/// the sizes only if these stand before them. Flag types are not read.
 void ReadBatchDocument(QIODevice& device, LayerList& layers, TerritoryTypeList& types);
 
 /// Reads the project document at configPath and writes its area map and territory type files.
 ///
-/// The map goes into outputPath, or where that is empty into CONFIGDIR/TYPED/Output, TYPED being
-/// the folder part of configPath as typed; a relative outputPath is taken from the document's
-/// folder. Layer bitmaps are read from "layers" and territory type files written to
-/// "territoryTypes" below the working directory. The flag types of the document are not read, so
-/// the map holds no flags. A map or a type that cannot be written is logged, and still ends with
-/// ExitDone.
+/// The map goes into outputPath. A relative one starts at the document's folder. If it is empty,
+/// the map goes into CONFIGDIR/TYPED/Output, where TYPED is the folder part of configPath as typed.
+/// Layer bitmaps are read from "layers" and territory type files written to "territoryTypes" below
+/// the working directory. The flag types of the document are not read, so the map holds no flags.
+/// If the map or a type cannot be written, that is logged, and the result is ExitDone all the same.
 ExitCode RunBatchExport(const QString& configPath, const QString& outputPath);

@@ -22,7 +22,7 @@ CommandLine ParseCommandLine(const QStringList& arguments)
         parser.addOption(option);
         parser.addHelpOption();
     }
-    // The toolkit registers this form of help on one platform only.
+    // Qt registers this form of help on one platform only.
     parser.addOption(QCommandLineOption(QStringLiteral("?")));
 
     CommandLine commandLine;

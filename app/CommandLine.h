@@ -3,14 +3,14 @@
 #include <QString>
 #include <QStringList>
 
-/// What the program was asked to do.
+/// The parsed arguments of the program.
 struct CommandLine
 {
     /// As typed; empty when not given.
     QString configPath;
     QString outputPath;
     bool noGui = false;
-    /// What is wrong with the arguments; empty when nothing is.
+    /// What is wrong with the arguments; empty if nothing is.
     QString error;
 };
 
@@ -18,6 +18,6 @@ struct CommandLine
 CommandLine ParseCommandLine(const QStringList& arguments);
 
 /// Chooses the offscreen platform for a run without a GUI, unless a platform was chosen by
-/// QT_QPA_PLATFORM or -platform: a batch run needs no display, and the toolkit aborts when the one
-/// it finds is dead. To be called before the application object is made.
+/// QT_QPA_PLATFORM or -platform: a batch run needs no display, and Qt aborts if the display does
+/// not work. Call it before the application object is made.
 void ChoosePlatform(int argc, const char* const* argv);

@@ -1,8 +1,8 @@
 #pragma once
 
-/// True while the application has a top-level widget. Layers and territories keep what only views
-/// show (item flags, roles, default names, pictures) for as long as that is so; a batch run never
-/// has any.
+/// True while the application has a top-level widget. Layers and territories store data that only
+/// views need (item flags, roles, default names, pictures) only while this is true. A batch run
+/// never has a widget.
 bool IsGuiRunning();
 
 /// Has every move of the mouse reported, also where many come at once: strokes go through all of

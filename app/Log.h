@@ -3,15 +3,15 @@
 #include <QObject>
 #include <QString>
 
-/// Every message to the user, from the editor and the batch run alike: written to the console with
-/// the time of day in front, and handed on to whoever shows it. There is one, for the whole
-/// process.
+/// Handles all messages to the user, in the editor and in a batch run. It writes each to the
+/// console, with the time of day in front, and emits it for widgets that show it. There is one log
+/// in the process.
 class Log : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Other numbers are taken for information.
+    /// Any other number means information.
     enum MessageType : int
     {
         Info = 0,
@@ -23,20 +23,21 @@ public:
     static Log& Instance();
 
 public slots:
-    /// May be called from any thread. Errors go to the critical console channel, all else to debug;
-    /// on the console control characters become spaces, so that each message is one line.
+    /// May be called from any thread. Errors go to Qt's critical channel, all other messages to its
+    /// debug channel. Control characters become spaces on the console, so that each message is one
+    /// line.
     void LogMessage(const QString& content, Log::MessageType type);
 
 signals:
-    /// The whole line, time included.
+    /// The whole line, including the time.
     void MessageReceived(QString content, Log::MessageType type);
 
 private:
     Log() = default;
 };
 
-/// Each logs one message and then processes the pending events of the calling thread once, so that
-/// a caller that is busy for long keeps the window alive. Whoever calls them can be re-entered.
+/// These functions log one message and then process the pending events of the calling thread once,
+/// so that the window responds during long work. The events may call the caller's own code again.
 void LogInfo(const QString& content);
 void LogSuccess(const QString& content);
 void LogError(const QString& content);

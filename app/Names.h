@@ -4,18 +4,18 @@
 #include <QSet>
 #include <QString>
 
-/// True when a layer or a territory type may have this name, which becomes a file name: something
-/// is left after trimming, none of < > : " / \ | ? * is in it, and an XML document can hold it.
+/// True if a layer or a territory type may have this name, which is also a file name: it is not
+/// blank, contains none of < > : " / \ | ? *, and contains only characters that XML allows.
 bool IsValidName(const QString& name);
 
-/// Whether a rename in a view is carried out: to another name, and to a valid one.
+/// Whether a view carries out a rename: the new name must be different and valid.
 bool IsRename(const QString& oldName, const QString& newName);
 
-/// True when the name, as a path below a folder, has ".." for one of its folders. A file of that
-/// name could be anywhere.
+/// True if the name, as a path below a folder, contains ".." as a folder. A file of that name could
+/// be anywhere.
 bool LeadsUpward(const QString& name);
 
-/// Gives out names that are not taken yet.
+/// Finds names that are not taken yet.
 class FreeNames
 {
 public:
@@ -24,14 +24,15 @@ public:
     {
     }
 
-    /// The first of "base", "base (2)", "base (3)" ... that is free, which is taken from now on.
+    /// Returns the first of "base", "base (2)", "base (3)" ... that is free. It is taken from now
+    /// on.
     QString Take(const QString& base);
 
 private:
     QSet<QString> m_taken;
-    /// The last number tried of each base; all before it are taken.
+    /// The last number tried for each base. All numbers before it are taken.
     QHash<QString, int> m_lastNumbers;
 };
 
-/// The name itself when it is valid, otherwise a valid one that resembles it.
+/// Returns the name itself if it is valid, otherwise a similar valid one.
 QString ToValidName(const QString& name);

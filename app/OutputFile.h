@@ -13,7 +13,7 @@ class OutputFile
 {
 public:
     explicit OutputFile(const QString& path);
-    /// Not committed means thrown away.
+    /// Discards the new file unless it was committed.
     ~OutputFile();
     Q_DISABLE_COPY(OutputFile)
 
@@ -22,7 +22,7 @@ public:
     /// False unless every byte was taken; a failure is remembered until Commit.
     bool Write(const char* bytes, qint64 count);
     bool Write(const QByteArray& bytes) { return Write(bytes.constData(), bytes.size()); }
-    /// Puts the finished file in its place; false, and nothing is put there, after any failure.
+    /// Replaces the target. Returns false and replaces nothing after any failure.
     bool Commit();
     /// The reason of the first failure, in the system's words.
     QString ErrorString() const { return m_error; }

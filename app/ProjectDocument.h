@@ -8,19 +8,19 @@ class LayerList;
 class QXmlStreamWriter;
 class TerritoryTypeList;
 
-/// What a project document is made of, in the order in which it is written.
+/// The parts of a project document, in the order in which they are written.
 struct ProjectParts
 {
-    /// The row of the layer that is selected in the editor; -1 when none is.
+    /// The row of the layer that is selected in the editor; -1 for none.
     int selectedRow = -1;
     /// Writes the "brush" element; empty to leave it out.
     std::function<void(QXmlStreamWriter&)> writeBrush;
-    /// Called when "global" and "brush" are written and the layers are about to be.
+    /// Called after "global" and "brush" have been written, before the layers.
     std::function<void()> beforeLayers;
     LayerList& layers;
     const TerritoryTypeList& types;
 };
 
-/// Writes the document, and with it every layer's bitmap below the project's folder. Returns how
-/// many of the bitmaps could not be written.
+/// Writes the document, and every layer's bitmap below the project's folder. Returns how many
+/// bitmaps could not be written.
 int WriteProjectDocument(QXmlStreamWriter& xml, const ProjectParts& parts);

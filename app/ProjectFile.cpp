@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Where a project lives, to be put back when it cannot move.
+/// The place of a project, to be restored if the save fails.
 struct Place
 {
     QString fileName;

@@ -4,8 +4,8 @@
 
 struct ProjectParts;
 
-/// Writes the open project's document to the path, and with it every layer's bitmap; from then on
-/// the project lives there. False, and the project stays where it was and modified, when the
-/// document cannot be written. The document takes the old one's place last and as a whole. A
-/// bitmap that cannot be written keeps the project modified.
+/// Writes the open project's document to the path, and every layer's bitmap beside it. The new path
+/// then becomes the project's. The document replaces the old one last and completely. If it cannot
+/// be written, the function returns false, and the project keeps its old path and stays modified.
+/// If only a bitmap cannot be written, the project stays modified.
 bool SaveProjectTo(const QString& path, const ProjectParts& parts);

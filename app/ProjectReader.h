@@ -22,15 +22,15 @@ public:
         std::function<bool(QXmlStreamReader&)> territoryTypes;
     };
 
-    /// The device is open and can be read from its start again.
+    /// The device must be open and seekable.
     explicit ProjectReader(QIODevice& device);
 
-    /// False when a handler failed; a document that ends early or is malformed elsewhere is taken
-    /// as far as it goes.
+    /// Returns false if a handler failed. A document that ends early or is malformed elsewhere is
+    /// read up to that place.
     bool Read(const Handlers& handlers);
     /// The row of the layer that was selected when the project was saved; -1 for none.
     int SelectedRow() const { return m_selectedRow; }
-    /// Makes a Read that is under way, up the call stack, end at the next element, as failed.
+    /// Called during Read, by code that Read calls: makes Read fail at the next element.
     void Stop();
 
 private:

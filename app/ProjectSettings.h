@@ -10,13 +10,13 @@
 class QXmlStreamReader;
 class QXmlStreamWriter;
 
-/// Where the open project lives, how large its world and its layers are, and whether it has unsaved
-/// changes. There is one for the whole process; it is stored as the "global" element of the project
-/// document, with the "areas" element behind it.
+/// The place of the open project, the sizes of its world and its layers, and whether it has unsaved
+/// changes. There is one object in the process. It is stored as the "global" element of the project
+/// document, followed by the "areas" element.
 class ProjectSettings
 {
 public:
-    /// ARGB of a project that stores no background colour: one that hides nothing.
+    /// The ARGB of a project that stores no background colour. It is transparent and hides nothing.
     static constexpr quint32 DefaultBackground = 2;
 
     static ProjectSettings& Instance();
@@ -41,22 +41,22 @@ public:
     int worldHeight = 0;
     bool modified = false;
 
-    /// Layer sizes in pixels, world sizes in metres. Sizes of 0 make the factors infinite or not a
-    /// number, as a project that holds such sizes is taken at its word.
+    /// Layer sizes in pixels, world sizes in metres. Sizes of 0 are not corrected; they make the
+    /// factors infinite or NaN.
     void SetSizes(int newLayerWidth, int newLayerHeight, int newWorldWidth, int newWorldHeight);
     QSize LayerSize() const { return {layerWidth, layerHeight}; }
 
-    /// The reader stands on the start element "global".
+    /// The reader must be on the start tag of "global".
     void ReadXml(QXmlStreamReader& xml);
     void WriteXml(QXmlStreamWriter& xml) const;
 
-    /// A clear mask of the layer size; null where there can be none.
+    /// A clear mask of the layer size. Null if a mask cannot have that size or there is no memory.
     QImage BlankLayerImage() const;
 
     QString BackgroundPath() const;
     QString ProjectFilePath() const;
-    /// These three create the sub-folder that they name below projectDir; a failure shows when the
-    /// file is opened.
+    /// These three functions create their sub-folder of projectDir. If that fails, opening the file
+    /// fails later.
     QString MapPath() const;
     QString LayerPath(const QString& layerName) const;
     QString TerritoryTypePath(const QString& typeName) const;

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-/// What a Tracked pointer asks whether its object is still alive. Each object that is tracked has
-/// one as a member.
+/// Tells Tracked pointers whether their object still exists. Each object that is tracked has one as
+/// a member.
 class Lifetime
 {
 public:
@@ -18,8 +18,8 @@ private:
     std::shared_ptr<char> m_token = std::make_shared<char>();
 };
 
-/// A pointer that does not own and becomes null when its object is destroyed. T has a function
-/// GetLifetime(); the object and the pointer live on one thread.
+/// A pointer that does not own its object and becomes null when the object is destroyed. T needs a
+/// function GetLifetime(). The object and the pointer must be used on the same thread.
 template <typename T>
 class Tracked
 {

@@ -44,7 +44,7 @@ int main(int argc, char* argv[])
     const int exitCode = commandLine.noGui
                              ? RunBatchExport(commandLine.configPath, commandLine.outputPath)
                              : RunEditor(commandLine.configPath);
-    // The lists hand their models to deferred deletion, which processing events does not run.
+    // The lists delete their models later, and processing events does not run such deletions.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     return exitCode;
 }
