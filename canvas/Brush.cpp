@@ -13,11 +13,11 @@
 
 namespace {
 
-/// QPainter clips shapes that reach beyond this many pixels with other arithmetic.
+/// QPainter uses another arithmetic to clip shapes that extend beyond this many pixels.
 constexpr int PainterLimit = 32767;
-/// Beyond this, rectangles of touched pixels are cut off, so that their sizes stay ints.
+/// Rectangles of touched pixels are cut off here, so that their sizes fit an int.
 constexpr double FarAway = 1 << 29;
-/// Pens are a little wider than they say: outlines of shapes, rounding to whole pixels.
+/// Pixels that a shape may touch beyond its size, because of its outline and of rounding.
 constexpr double Margin = 2;
 
 bool IsFinite(const QPointF& point)
@@ -42,9 +42,9 @@ QRect TouchedRect(const QPointF& from, const QPointF& to, float radius)
             QPoint(Bounded(std::ceil(right + reach)), Bounded(std::ceil(bottom + reach)))};
 }
 
-/// With a thin pen, QPainter takes an ellipse for one on whole pixels that lies there give or take
-/// a part in a million million. A part of the layer has smaller coordinates and so allows for less;
-/// thus what counts as whole in the layer is made whole before it is moved.
+/// Rounds an ellipse to whole pixels if QPainter would treat it as lying on whole pixels. With a
+/// thin pen QPainter does so up to a relative error of 1e-12. In a part of the layer, coordinates
+/// are smaller and the allowed error too, so the ellipse is rounded before it is moved to the part.
 QRectF OnWholePixels(const QRectF& ellipse)
 {
     const bool isNear = std::abs(ellipse.left()) < FarAway && std::abs(ellipse.top()) < FarAway &&
@@ -59,7 +59,8 @@ QRectF OnWholePixels(const QRectF& ellipse)
     return whole == ellipse ? whole : ellipse;
 }
 
-/// Moves one end of a line onto the bound that it lies beyond. False when all of the line does.
+/// Moves an end of a line that lies beyond a bound onto the bound. Returns false if the whole line
+/// lies beyond it.
 bool CutEnd(double& along, double& across, double otherAlong, double otherAcross, double high)
 {
     constexpr double low = -1;
@@ -76,9 +77,9 @@ bool CutEnd(double& along, double& across, double otherAlong, double otherAcross
     return true;
 }
 
-/// Cuts a line of a pixel's width where QPainter cuts it in the whole layer, just beyond the
-/// border, and with the same rounding. A part of the layer has other coordinates, which round
-/// otherwise. False when nothing is left.
+/// Cuts a line of one pixel's width where QPainter would cut it in the whole layer, just beyond the
+/// border, with the same rounding. In a part of the layer the coordinates differ and would be
+/// rounded in another way. Returns false if nothing is left.
 bool CutThinLine(QLineF& line, const QSize& layerSize)
 {
     QPointF from = line.p1();
@@ -93,7 +94,7 @@ bool CutThinLine(QLineF& line, const QSize& layerSize)
     return isLeft;
 }
 
-/// What an operation puts on the pixels that it touches.
+/// How an operation changes the pixels that it touches.
 struct Ink
 {
     QColor color;

@@ -11,7 +11,7 @@ class QImage;
 class QXmlStreamReader;
 class QXmlStreamWriter;
 
-/// Where an image lies within a layer. The default is an image of the whole layer.
+/// The part of a layer that an image shows. The default is the whole layer.
 struct BrushPatch
 {
     BrushPatch() = default;
@@ -23,27 +23,27 @@ struct BrushPatch
 
     /// The layer pixel at the image's top left corner.
     QPoint origin;
-    /// Of the whole layer. Needed only for brushes of one pixel: it settles how their lines are
-    /// rounded where they cross the border.
+    /// The size of the whole layer. Only needed for brushes of one pixel, whose lines are rounded
+    /// at the layer's border.
     QSize layerSize;
 };
 
-/// The round tool that paints and erases layer masks: its settings, and dabs and stroke segments in
-/// 32-bit images. Nothing is antialiased, so a painted pixel has exactly the paint colour, by which
-/// the layer's mask knows it.
+/// The round brush that paints and erases layer masks. It holds the settings, and draws dabs and
+/// stroke segments into 32-bit images. Nothing is antialiased: painted pixels have exactly the
+/// paint colour, so that the layer's mask can be made from them.
 ///
 /// Positions are layer pixels.
 class Brush
 {
 public:
-    /// Of the cursor on the map, not of what is painted.
+    /// The colour of the cursor on the map, not of the painted pixels.
     const QColor& Color() const { return m_color; }
     const QColor& OutlineColor() const { return m_outlineColor; }
-    /// What dabs and segments paint: the current layer's colour.
+    /// The colour that dabs and segments paint: that of the current layer.
     const QColor& PaintColor() const { return m_paintColor; }
     /// The centre of the next dab.
     const QPointF& Position() const { return m_position; }
-    /// Of the cursor's outline, in pixels.
+    /// The width of the cursor's outline in pixels.
     int OutlineWidth() const { return m_outlineWidth; }
     bool HasOutline() const { return m_hasOutline; }
     /// Half the size.
@@ -59,9 +59,9 @@ public:
     void SetOutline(bool hasOutline) { m_hasOutline = hasOutline; }
     void SetSize(int size);
 
-    /// The image may be a part of the layer: it gets the pixels that an image of the whole layer
-    /// would get there, provided that the part is the PatchRect of the operation. Positions that
-    /// are no finite numbers draw nothing.
+    /// The image may be a part of the layer. It then gets the same pixels as an image of the whole
+    /// layer, provided that the part is the PatchRect of the operation. Infinite and NaN positions
+    /// draw nothing.
     void PaintDab(QImage& image, const BrushPatch& patch = {}) const;
     void EraseDab(QImage& image, const BrushPatch& patch = {}) const;
     void PaintSegment(QImage& image, const QPointF& from, const QPointF& to,
@@ -69,17 +69,17 @@ public:
     void EraseSegment(QImage& image, const QPointF& from, const QPointF& to,
                       const BrushPatch& patch = {}) const;
 
-    /// The layer pixels that a dab or a segment may touch, two more on each side, also beyond the
-    /// layer's border. Empty for positions that are no finite numbers.
+    /// The layer pixels that a dab or a segment may touch, with a margin of two pixels. May extend
+    /// beyond the layer. Empty for infinite and NaN positions.
     QRect DabRect() const;
     QRect SegmentRect(const QPointF& from, const QPointF& to) const;
-    /// The part of a layer that an operation touching the given pixels is to be drawn into; empty
-    /// when it touches none of them. A smaller part, or one beyond the border, would clip the shape
-    /// elsewhere than the whole layer does, which can move single pixels of its edge. Shapes beyond
-    /// 32767 pixels are clipped by other rules in the whole, so they need the whole layer.
+    /// The part of a layer into which an operation that touches these pixels must be drawn; empty
+    /// if it touches no pixel of the layer. A smaller part, or one beyond the border, would clip
+    /// the shape at another place than the whole layer does, which can move single pixels of the
+    /// edge. Shapes beyond 32767 pixels are clipped by other rules and need the whole layer.
     static QRect PatchRect(const QRect& touched, const QSize& layerSize);
 
-    /// The reader stands on the start element "brush".
+    /// The reader must be on the start tag of "brush".
     void ReadXml(QXmlStreamReader& xml);
     /// Position and paint colour are not stored.
     void WriteXml(QXmlStreamWriter& xml) const;

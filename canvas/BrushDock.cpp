@@ -8,7 +8,7 @@
 
 namespace {
 
-/// A project may hold any size, also one that no step can be added to.
+/// A project may hold any size, even one at which adding a step would overflow.
 int Sum(int size, qint64 step)
 {
     constexpr qint64 lowest = std::numeric_limits<int>::min();
@@ -31,8 +31,8 @@ BrushDock::BrushDock(QWidget* parent)
 
 BrushDock::~BrushDock() = default;
 
-/// The outline box stays unchecked although the brush has an outline: whoever never touched the box
-/// sees an outlined cursor, and the box tells the truth from the first click or project on.
+/// The outline box stays unchecked although the brush has an outline. Users are used to an outlined
+/// cursor at the start; the box is right from the first click or project on.
 void BrushDock::InitForm()
 {
     m_ui->gboBrushColor->SetColor(m_brush.Color());
@@ -58,7 +58,7 @@ void BrushDock::SetSize(int size)
     QSlider* slider = m_ui->sldBrushSize;
     const int bounded = qBound(slider->minimum(), size, slider->maximum());
     if (slider->value() != bounded) {
-        slider->setValue(bounded); // Comes back here with the new value.
+        slider->setValue(bounded); // Calls this slot again with the new value.
         return;
     }
     m_ui->lblBrushSize->setText(QString::number(bounded));

@@ -10,8 +10,8 @@ namespace Ui {
 class BrushDock;
 }
 
-/// The dock in which the user sets the brush's size, cursor colour and outline. It holds the brush,
-/// with which the map scene paints.
+/// The dock for the brush's size, cursor colour and outline. It owns the brush with which the scene
+/// paints.
 class BrushDock : public QDockWidget
 {
     Q_OBJECT
@@ -24,7 +24,7 @@ public:
     /// Lives as long as the dock.
     Brush* GetBrush() { return &m_brush; }
 
-    /// The diameter in layer pixels, brought into the slider's range.
+    /// The diameter in layer pixels, clamped to the slider's range.
     void SetSize(int size);
     void GrowBy(int step);
     void ShrinkBy(int step);
@@ -32,7 +32,7 @@ public:
     void SetColor(const QColor& color);
     /// The cursor's alpha, 0 to 255.
     void SetAlpha(int alpha, float opacity);
-    /// With its alpha.
+    /// Sets the colour with its alpha.
     void SetOutlineColor(const QColor& color);
     void SetOutlineWidth(int width);
     void SetOutline(bool isOn);

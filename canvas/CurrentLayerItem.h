@@ -4,16 +4,16 @@
 
 class LayerPainter;
 
-/// The layer being edited: shows the working picture, which the painter owns.
+/// Shows the layer that is being edited: the working picture, which the painter owns.
 class CurrentLayerItem : public QGraphicsPixmapItem
 {
 public:
     explicit CurrentLayerItem(const LayerPainter& painter);
 
-    /// The painter has another picture.
+    /// Call it when the painter has another picture.
     void PictureChanged();
 
-    /// The whole picture, for whoever asks.
+    /// The whole picture.
     QPixmap pixmap() const;
 
     QRectF boundingRect() const override { return m_bounds; }

@@ -20,6 +20,7 @@ void DrawDeviceImage(QPainter& painter, const QRectF& exposed, const MakeDeviceI
 void UseDevicePixels(QPainter& painter)
 {
     painter.setWorldTransform({});
-    // What is left are the screen's density and, for widgets, the place in their window.
+    // The remaining transform holds the screen's density and, for widgets, the place in their
+    // window.
     painter.setWorldTransform(painter.deviceTransform().inverted());
 }

@@ -8,13 +8,13 @@
 class QImage;
 class QPainter;
 
-/// Makes the image of some device pixels, in Format_ARGB32_Premultiplied; toDevice maps the item's
-/// coordinates to them.
+/// Makes the image of a rectangle of device pixels, in Format_ARGB32_Premultiplied. toDevice maps
+/// the item's coordinates to device pixels.
 using MakeDeviceImage = std::function<QImage(const QTransform& toDevice, const QRect& device)>;
 
-/// Has the image of the exposed part of an item made in device pixels, whatever their density, and
-/// draws it with the painter's opacity.
+/// Calls the function to make the image of the exposed part of an item, in device pixels of any
+/// density, and draws the image with the painter's opacity.
 void DrawDeviceImage(QPainter& painter, const QRectF& exposed, const MakeDeviceImage& make);
 
-/// From here on the painter's coordinates are device pixels.
+/// Makes device pixels the painter's coordinates.
 void UseDevicePixels(QPainter& painter);

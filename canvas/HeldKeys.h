@@ -4,7 +4,7 @@
 
 class QKeyEvent;
 
-/// The keys that repeat what they do while they are held, for the whole program.
+/// Tracks, for the whole program, the keys that repeat their action while they are held.
 struct HeldKeys
 {
     static HeldKeys& Instance();
@@ -31,8 +31,8 @@ struct HeldKeys
     int SelectionStep() const { return (shift ? 5 : 1) * (ctrl ? 10 : 1); }
 
 private:
-    /// Where a bracket needs a modifier, its release arrives as another key; these are the physical
-    /// keys that were pressed.
+    /// The scan codes of the pressed brackets. On keyboards where a bracket needs a modifier, the
+    /// release may arrive as another key.
     quint32 m_growScanCode = 0;
     quint32 m_shrinkScanCode = 0;
 };

@@ -68,7 +68,7 @@ QRect LayerPainter::Step(const Brush& brush, BrushAction action, const QRect& to
 bool LayerPainter::Prepare(Layer& layer, const Brush& brush, BrushAction action)
 {
     const bool isOtherColor = layer.Color().rgb() != m_rgb;
-    // Translucent paint, and shades between two colours of a picture, are other colours too.
+    // Translucent paint also gives other colours than the layer's.
     const bool paintsOtherColor =
         action == BrushAction::Paint && brush.PaintColor() != QColor(m_rgb);
     if ((isOtherColor || paintsOtherColor) && !MakeArgb()) {
@@ -85,7 +85,7 @@ bool LayerPainter::PaintPart(Layer& layer, const QRect& part, const Draw& draw)
         return HandOverPart(layer, part, patch);
     }
     draw(m_argb, {});
-    // What could not be handed over now is with the next step.
+    // If this fails, the next step hands over the whole picture.
     m_wasHandedOver = HandOverPart(layer, part, m_argb.copy(part));
     return m_wasHandedOver;
 }
@@ -94,7 +94,7 @@ void LayerPainter::MissMemory(const Layer& layer)
 {
     if (!m_wasMemoryMissed) {
         m_wasMemoryMissed = true;
-        // Comes last: whoever reads messages may load another layer.
+        // Log last, because the events that logging processes may load another layer.
         LogError(QStringLiteral("There is no memory to paint on layer '%1'.").arg(layer.text()));
     }
 }
@@ -130,7 +130,8 @@ bool LayerPainter::HandOverPart(Layer& layer, const QRect& part, const QImage& p
     if (patchMask.isNull()) {
         return false;
     }
-    // With the layer's hold on the mask given up, this is the only one, and writing does not copy.
+    // After the layer has released the mask, this is the only reference to it, and writing does not
+    // copy it.
     layer.TakePaintedMask({});
     const bool isWritable = m_mask.isDetached() || CopyMask();
     for (int y = 0; y < part.height() && isWritable; ++y) {

@@ -22,24 +22,24 @@ enum class BrushAction
 
 /// The working picture of the layer being edited, into which the brush paints.
 ///
-/// By the rule of the program every brush step hands the whole picture to the layer, whose mask
-/// becomes the pixels that equal the layer's colour. As long as the picture holds nothing but that
-/// colour and clear pixels it is the mask, and a step paints a small patch of it in place; only
-/// when other colours come in is a 32-bit picture made.
+/// Every brush step hands the whole picture to the layer, whose mask becomes the pixels that equal
+/// the layer's colour. As long as the picture holds only that colour and clear pixels, the mask
+/// says everything about it, and a step paints a small patch of the mask in place. A 32-bit picture
+/// is made only when another colour is painted.
 class LayerPainter
 {
 public:
-    /// Takes the layer's present picture; null ends the editing.
+    /// Begins to edit the layer's present picture. Null ends the editing.
     void Load(Layer* layer);
     Layer* GetLayer() const { return m_layer; }
 
-    /// A filled circle at the brush's position, or a line from the point to there, and the
-    /// hand-over that follows. Returns the layer pixels that may have changed. Without memory for
-    /// it the layer keeps the mask that it has; the first time after Load an error is logged.
+    /// Paint a filled circle at the brush's position, or a line from the point to there, and hand
+    /// the result over to the layer. They return the layer pixels that may have changed. Without
+    /// enough memory the layer keeps its mask; the first such failure after Load is logged.
     QRect Dab(const Brush& brush, BrushAction action);
     QRect Segment(const Brush& brush, BrushAction action, QPointF from);
 
-    /// Of the picture in layer pixels; empty without one.
+    /// The size of the picture in layer pixels; empty without a picture.
     QSize Size() const { return m_mask.size(); }
     /// Paints the exposed part of the picture; layer pixels are scene units.
     void Paint(QPainter& painter, const QRectF& exposed) const;
@@ -50,8 +50,8 @@ private:
     using Draw = std::function<void(QImage& image, const BrushPatch& patch)>;
 
     QRect Step(const Brush& brush, BrushAction action, const QRect& touched, const Draw& draw);
-    // Each that returns a bool leaves mask and layer as they are, and returns false, when there is
-    // no memory for more.
+    // Those that return a bool return false if there is not enough memory. Mask and layer do not
+    // change then.
     bool Prepare(Layer& layer, const Brush& brush, BrushAction action);
     bool PaintPart(Layer& layer, const QRect& part, const Draw& draw);
     bool IsHandedOver(const Layer& layer) const;
@@ -62,11 +62,11 @@ private:
     void MissMemory(const Layer& layer);
 
     Tracked<Layer> m_layer;
-    /// The mask of the last hand-over. It is the picture too, in m_rgb where it is 255, as long as
-    /// there is no m_argb.
+    /// The mask of the last hand-over. While m_argb is null, the picture is m_rgb where the mask is
+    /// 255.
     QImage m_mask;
     QRgb m_rgb = 0;
-    /// The picture when it has more colours.
+    /// The picture, if it has more colours than m_rgb.
     QImage m_argb;
     bool m_wasHandedOver = false;
     QRgb m_handedRgb = 0;

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// The colour that QPainter makes of an opaque one at an opacity, premultiplied.
+/// The premultiplied colour that QPainter draws for an opaque colour at this opacity.
 QRgb WithOpacity(QRgb rgb, qreal opacity)
 {
     QImage source(1, 1, QImage::Format_ARGB32_Premultiplied);

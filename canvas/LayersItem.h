@@ -7,21 +7,21 @@
 #include <QSize>
 #include <QVector>
 
-/// The visible layers below the one being edited, as one picture in the scene. The picture is not
-/// kept: what is exposed is composed from the masks, and a cache keeps what is on the screen.
+/// Shows the visible layers below the one that is being edited. The exposed part is composed from
+/// the masks, and a cache keeps the part that is on the screen. There is no picture of the whole.
 class LayersItem : public QGraphicsPixmapItem
 {
 public:
     explicit LayersItem(QSize size);
 
-    /// Draws a mask beneath those drawn before, at the top left corner when it has another size.
+    /// Adds a mask beneath those added before. A mask of another size lies in the top left corner.
     /// opacity: 0 to 1.
     void Add(const QImage& mask, QRgb rgb, qreal opacity);
     void Clear();
-    /// Scales what was drawn to the new size in layer pixels, without smoothing.
+    /// Scales the masks to the new size in layer pixels, without smoothing.
     void SetSize(QSize size);
 
-    /// The whole picture, composed for whoever asks.
+    /// Composes the whole picture.
     QPixmap pixmap() const;
 
     QRectF boundingRect() const override;
@@ -32,7 +32,7 @@ private:
     struct Picture
     {
         QImage mask;
-        /// Premultiplied.
+        /// The colour is premultiplied.
         QRgb color = 0;
     };
 

@@ -29,7 +29,7 @@ constexpr float NewZoneRadius = 300.0F;
 
 qreal OpacityOf(const Layer& layer)
 {
-    // In 32 bits, as the colour's alpha was always divided.
+    // Divided in 32 bits, so that maps look exactly as they always did.
     return static_cast<qreal>(static_cast<float>(layer.Color().alpha()) / 255.0F);
 }
 
@@ -76,7 +76,7 @@ MainScene::MainScene(float width, float height, MainView* parent)
 
 MainScene::~MainScene()
 {
-    // Zones that go with the scene would announce a selection that is no longer of use to anybody.
+    // Zones that are destroyed with the scene must not announce a change of the selection.
     blockSignals(true);
 }
 
@@ -92,7 +92,7 @@ Layer* MainScene::CurrentLayer() const
 
 void MainScene::ChangeWorld(QString file)
 {
-    // Opening a pipe would wait for a writer, maybe for ever.
+    // Opening a pipe would wait for a writer, perhaps forever.
     const QImage picture = QFileInfo(file).isFile() ? QImage(file) : QImage();
     if (picture.isNull()) {
         LogError(QStringLiteral("Could not load background image '%1'.").arg(file));
@@ -159,7 +159,7 @@ void MainScene::ClearLayers()
 
 void MainScene::ChangeLayer(Layer* layer)
 {
-    // Every brush step has handed its work over already, so there is nothing to hand over here.
+    // Every brush step has already handed its result over to the former layer.
     m_painter.Load(layer);
     m_currentItem->PictureChanged();
     m_currentItem->setOpacity(layer ? OpacityOf(*layer) : 0.0);
@@ -184,7 +184,7 @@ void MainScene::RefreshBrush()
         return;
     }
     m_brushCursor.setBrush(m_brush->Color());
-    // Files may hold any width, pens only those from 0 on.
+    // Files may hold a negative width, which a pen does not accept.
     const int outlineWidth = std::max(m_brush->OutlineWidth(), 0);
     m_brushCursor.setPen(m_brush->HasOutline() ? QPen(m_brush->OutlineColor(), outlineWidth,
                                                       Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin)
@@ -222,10 +222,10 @@ void MainScene::RemoveSelection()
 {
     const QVector<Zone*> selected = SelectedZones(*this);
     const QVector<Tracked<Zone>> zones(selected.begin(), selected.end());
-    // Whoever shows the selection forgets it before its zones are destroyed.
+    // Clear the selection first, so that no widget shows a zone that is being destroyed.
     clearSelection();
     for (const Tracked<Zone>& zone : zones) {
-        // A zone leaves the scene and its territory's table, with the totals, as it is destroyed.
+        // A destroyed zone removes itself from the scene, its territory's table and the totals.
         const std::unique_ptr<Zone> removed(zone.Get());
     }
     ProjectSettings::Instance().modified = true;
@@ -280,8 +280,9 @@ void MainScene::EndStroke()
 void MainScene::LoseMouse()
 {
     EndStroke();
-    // Without a release, zones would take the next press too, and be dragged from where this drag
-    // began. That of the left button would select the zone below.
+    // Without a release, the zones would also receive the next press and be dragged from where this
+    // drag began. A release of the left button would select the zone below, so the middle one is
+    // sent.
     QGraphicsSceneMouseEvent release(QEvent::GraphicsSceneMouseRelease);
     release.setButton(Qt::MiddleButton);
     release.setScenePos(m_mousePosition);
@@ -297,9 +298,9 @@ void MainScene::mousePressEvent(QGraphicsSceneMouseEvent* event)
 
 void MainScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
 {
-    // Of two quick clicks the second comes as a double click; for all tools it is a click like any.
+    // Qt reports a quick second press as a double click; treat it as a press.
     if (m_mode == SceneMode::Select && event->button() == Qt::LeftButton) {
-        // Of a drag whose release never came.
+        // End a former drag whose release never arrived.
         LoseMouse();
         QGraphicsScene::mouseDoubleClickEvent(event);
         BeginZoneDrag();
@@ -364,7 +365,7 @@ void MainScene::PressInSelect(QGraphicsSceneMouseEvent* event)
 void MainScene::BeginZoneDrag()
 {
     QVector<Zone*> zones = SelectedZones(*this);
-    // With Ctrl a zone moves along without being selected.
+    // With Ctrl held, the pressed zone is dragged too without being selected.
     if (auto* grabbed = qgraphicsitem_cast<Zone*>(mouseGrabberItem())) {
         zones.append(grabbed);
     }
@@ -381,7 +382,8 @@ void MainScene::PressInQuery(QPointF position)
     if (!territory) {
         return;
     }
-    // The answer unlocks the territory's zones and clears the selection, so the zone comes after.
+    // The receiver unlocks the territory's zones and clears the selection, so the zone is selected
+    // afterwards.
     const Tracked<Zone> tracked(zone);
     emit m_view->TerritorySelected(territory);
     if (tracked) {
@@ -408,7 +410,7 @@ void MainScene::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
     EndStroke();
     QGraphicsScene::mouseReleaseEvent(event);
     NoticeZoneDrag();
-    // As long as a button is held the zones still follow the mouse.
+    // While another button is held, the zones still follow the mouse.
     if (event->buttons() == Qt::NoButton) {
         m_dragStart.clear();
     }

@@ -24,9 +24,9 @@ class OverlayItem;
 class Territory;
 class Zone;
 
-/// The map: from bottom to top the world picture, a colour laid over it, the visible layers, the
-/// layer being edited, the zones and the brush cursor. One scene unit is one layer pixel. What the
-/// mouse does depends on the mode.
+/// The map. It shows, from bottom to top, the world picture, an overlay colour, the visible layers,
+/// the layer that is being edited, the zones and the brush cursor. One scene unit is one layer
+/// pixel. The mode decides what the mouse does.
 class MainScene : public QGraphicsScene
 {
     Q_OBJECT
@@ -49,7 +49,7 @@ public:
     void SetPanEnded(std::function<void(SceneMode)> callback) { m_panEnded = std::move(callback); }
     /// No world picture; the overlay stays.
     void ClearWorld();
-    /// Whatever else ends a stroke than its button.
+    /// Ends a stroke for any other reason than the release of its button.
     void EndStroke();
     /// The map has moved below the mouse, which is at the position now: a stroke goes on from there
     /// and paints nothing between.
@@ -61,28 +61,28 @@ public:
 signals:
     void ZoneSelected(QList<QGraphicsItem*> items);
     void ZoneInserted(Zone* z);
-    /// For the view's zoom; the scene has none of its own.
+    /// Never emitted: the zoom belongs to the view.
     void ZoomChanged(float factor);
 
 public slots:
-    /// Shows the picture in the file, scaled to the layer size without smoothing; one that cannot
-    /// be loaded logs an error and leaves the picture before.
+    /// Shows the picture in the file, scaled to the layer size without smoothing. If it cannot be
+    /// loaded, an error is logged and the picture before stays.
     void ChangeWorld(QString file);
-    /// The overlay in the opaque colour, at the colour's opacity.
+    /// Sets the overlay's colour and its opacity.
     void ChangeWorldRGBA(QColor c);
-    /// The overlay in the colour; the project's background colour keeps its alpha.
+    /// Sets the overlay's colour. The project's background colour keeps its alpha.
     void ChangeWorldColor(QColor c);
-    /// alpha: 0 to 255, for the project; opacity: 0 to 1, for the overlay.
+    /// alpha is 0 to 255 and set in the project; opacity is 0 to 1 and set in the overlay.
     void ChangeWorldAlpha(int alpha, float opacity);
     void ChangeWorldVisibility(bool visible);
-    /// Draws the layer, in its colour and opacity, beneath those added since ClearLayers.
+    /// Adds the layer, in its colour and opacity, beneath those added since ClearLayers.
     void AddLayer(Layer* layer);
-    /// Makes the layer being edited invisible; its picture stays.
+    /// Hides the layer that is being edited. Its picture stays.
     void ClearCurrent();
     void ClearLayers();
-    /// Makes the layer the one being edited; null for none.
+    /// Begins to edit the layer. Null ends the editing.
     void ChangeLayer(Layer* layer);
-    /// Nothing: the new colour shows at the next ChangeLayer.
+    /// Does nothing. The new colour shows at the next ChangeLayer.
     void ChangeLayerColor(QColor c);
     void ChangeLayerAlpha(float opacity);
     void ChangeBrush(Brush* brush);
@@ -90,7 +90,7 @@ public slots:
     void RefreshBrush();
     void ChangeTerritory(Territory* t);
     void ChangeTerritoryColor(QColor color);
-    /// The opacity is that of the alpha and not needed.
+    /// alpha: 0 to 255. The opacity is ignored.
     void ChangeTerritoryAlpha(int alpha, float opacity);
     void ChangeSelection();
     /// Destroys the selected zones.
@@ -137,6 +137,6 @@ private:
     bool m_isPanning = false;
     std::function<void(SceneMode)> m_panEnded;
     BrushAction m_stroke = BrushAction::None;
-    /// Where the zones were when the mouse took hold of them.
+    /// The places of the dragged zones before the drag.
     QVector<QPair<Tracked<Zone>, QPointF>> m_dragStart;
 };

@@ -32,12 +32,13 @@ constexpr int KeyRepeatMilliseconds = 60;
 bool IsTextBeingEdited()
 {
     const QWidget* focus = QApplication::focusWidget();
-    // Lists of items that can be renamed take input methods too, but edit in a widget of their own.
+    // Item views whose items can be renamed enable input methods too, but they edit in a separate
+    // widget.
     return focus && focus->testAttribute(Qt::WA_InputMethodEnabled) &&
            !qobject_cast<const QAbstractItemView*>(focus);
 }
 
-/// Toward zero. The edges of the vast maps that files may name lie beyond what an int holds.
+/// Rounds toward zero. The edges of very large maps lie beyond the range of int.
 int WholePixels(float pixels)
 {
     constexpr float lowest = -2147483648.0F;
@@ -69,7 +70,7 @@ MainView::MainView(QWidget* parent)
     setFocusPolicy(Qt::WheelFocus);
     setMouseTracking(true);
     setDragMode(NoDrag);
-    // Every item sets what it draws with, so there is nothing to save for the next one.
+    // Every item sets all painter properties that it uses, so the view need not save them.
     setOptimizationFlag(DontSavePainterState);
     BuildLayout();
     for (QScrollBar* bar : {horizontalScrollBar(), verticalScrollBar()}) {
@@ -125,7 +126,8 @@ void MainView::SetRulerUnits(int w, int h)
 void MainView::resizeEvent(QResizeEvent* event)
 {
     QGraphicsView::resizeEvent(event);
-    // A map that fits stays in the middle, and no scroll bar tells.
+    // A map that fits into the view is centred without scroll bars, so their signals do not report
+    // the move.
     UpdateRulers();
 }
 
@@ -141,7 +143,7 @@ void MainView::UpdateRulers()
     const QScrollBar* vertical = verticalScrollBar();
     const QPoint center = viewport()->rect().center();
     auto x = static_cast<float>(-qint64{horizontal->value()});
-    // A map import may name a world whose scroll range fills an int.
+    // The sizes of an imported map may make the scroll range as large as an int allows.
     auto y =
         static_cast<float>(qint64{vertical->maximum()} - vertical->value() + vertical->pageStep());
     if (horizontal->minimum() == horizontal->maximum()) {
@@ -314,7 +316,7 @@ void MainView::CopySelection()
     if (!HeldKeys::Instance().ctrl || !m_scene->CurrentTerritory()) {
         return;
     }
-    // The scene gives them in an order that differs from run to run, and the first one is pasted at
+    // The order in the scene's list differs from run to run, and the first copied zone is pasted at
     // the mouse.
     QMap<int, Zone*> zones;
     const QList<QGraphicsItem*> items = m_scene->selectedItems();
@@ -332,7 +334,7 @@ void MainView::CopySelection()
 void MainView::Paste()
 {
     Territory* territory = m_scene->CurrentTerritory();
-    // Zones that were destroyed since they were copied are not pasted.
+    // Skip zones that were destroyed after they were copied.
     QVector<Zone*> zones;
     for (const Tracked<Zone>& zone : qAsConst(m_clipboard)) {
         if (zone) {
@@ -418,7 +420,7 @@ void MainView::mousePressEvent(QMouseEvent* event)
 void MainView::mouseDoubleClickEvent(QMouseEvent* event)
 {
     if (dragMode() == ScrollHandDrag) {
-        // The base takes hold of the map only by a press.
+        // The base class starts dragging the map only on a press.
         QGraphicsView::mousePressEvent(event);
     } else {
         QGraphicsView::mouseDoubleClickEvent(event);
@@ -440,8 +442,8 @@ void MainView::mouseReleaseEvent(QMouseEvent* event)
 {
     if (m_band->isVisible() && m_scene->Mode() == SceneMode::Select &&
         m_scene->selectedItems().isEmpty()) {
-        // The band keeps its own left and top, rulers included, and only its size is shortened by
-        // them; designers are used to where it catches zones.
+        // The selected area keeps the band's left and top, which include the rulers; only its size
+        // is reduced by them. Designers are used to where the band catches zones.
         const QPoint margin = RulerMargin();
         QPainterPath area;
         area.addRect(m_band->x(), m_band->y(), m_band->width() - margin.x(),
@@ -462,7 +464,7 @@ void MainView::enterEvent(QEvent* event)
 
 void MainView::focusOutEvent(QFocusEvent* event)
 {
-    // Releases that go elsewhere would leave keys held for good.
+    // Releases go to another widget from now on, and would leave the keys held forever.
     HeldKeys::Instance().ReleaseAll();
     m_scene->EndPan();
     LoseMouse();

@@ -30,11 +30,11 @@ public:
 
     /// The dock whose brush paints; it must outlive the view.
     void SetBrushDock(BrushDock* dock);
-    /// The size of the layers in pixels; the rulers take the project's world size for it.
+    /// Sets the size of the layers in pixels. The rulers use the project's world size.
     void SetSceneSize(int w, int h);
-    /// Lets the rulers count in metres of the project's world, for a map of that many layer pixels.
+    /// Makes the rulers show metres of the project's world, for a map of that many layer pixels.
     void SetRulerUnits(int w, int h);
-    /// Puts the rulers' origins where the map's edges are.
+    /// Moves the rulers' origins to the map's edges.
     void UpdateRulers();
 
     /// Whether the map is being zoomed or scrolled. Qt sends the scene mouse moves meanwhile,
@@ -49,7 +49,7 @@ signals:
     void ModeInsert(bool isOn);
     void ModeSelect(bool isOn);
     void ModeQuery(bool isOn);
-    /// View pixels from the rulers' origins; y grows upward.
+    /// Given in view pixels from the rulers' origins; y grows upward.
     void MouseMoved(int x, int y);
     void ZoomChanged(float factor);
     /// A zone of the territory was clicked in the query mode.

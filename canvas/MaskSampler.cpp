@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Pixels that are looked at together, to pass over clear stretches.
+/// The number of pixels that are tested together to skip clear stretches.
 constexpr int ChunkSize = 32;
 
 bool IsClear(const uchar* pixels)
@@ -37,7 +37,7 @@ void BlendBeneath(QRgb* target, const uchar* mask, int count, QRgb color)
     }
 }
 
-/// A picture of one row whose opaque pixels tell their own place.
+/// A picture of one row whose opaque pixels hold their own index.
 QImage Ramp(int length)
 {
     QImage ramp(length, 1, QImage::Format_ARGB32_Premultiplied);
@@ -54,7 +54,7 @@ MaskSampler::Axis MaskSampler::MakeAxis(qreal scale, qreal offset, int size, int
                                         bool isScaled)
 {
     static QImage ramp;
-    // No mask is longer, whatever the size of the map says.
+    // No mask is longer, even if the map's size is larger.
     const int length = std::min(size, raster::MaxMaskLength);
     if (ramp.width() != length) {
         ramp = Ramp(length);
@@ -65,8 +65,8 @@ MaskSampler::Axis MaskSampler::MakeAxis(qreal scale, qreal offset, int size, int
     }
     places.fill(Qt::transparent);
     QPainter painter(&places);
-    // The other axis only has to be there; it is scaled exactly when the picture is, because
-    // QPainter has another way to draw pictures that are merely moved.
+    // The other axis needs just one row. It is scaled if and only if the whole picture is, because
+    // QPainter draws pictures that are only translated in another way.
     const qreal across = isScaled ? 2 : 1;
     painter.setTransform(QTransform(scale, 0, 0, across, offset - begin, 0));
     painter.drawImage(0, 0, ramp);

@@ -10,11 +10,11 @@ class OverlayItem : public QGraphicsPixmapItem
 public:
     OverlayItem();
 
-    /// size in layer pixels.
+    /// size is in layer pixels.
     void Show(const QColor& color, QSize size);
     const QColor& Color() const { return m_color; }
 
-    /// The colour as a picture, for whoever asks.
+    /// The colour as a picture.
     QPixmap pixmap() const;
 
     QRectF boundingRect() const override;

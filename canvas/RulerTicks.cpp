@@ -8,18 +8,18 @@ namespace {
 struct TickSet
 {
     int step;
-    /// Of the thickness.
+    /// As a share of the ruler's thickness.
     double gap;
     bool isLabelled;
 };
 
 using TickSets = std::vector<TickSet>;
 
-/// The closest ticks that can still be told apart; also what bounds their number.
+/// The smallest distance of ticks in pixels. It also limits their number.
 constexpr double ClosestSpacing = 1;
-/// Ticks farther away are left out: their labels' positions need not fit into an int.
+/// Ticks farther away are left out, because their labels' positions might not fit an int.
 constexpr double FarthestPosition = 1e6;
-/// More steps from the origin than this cannot be counted.
+/// The largest number of steps from the origin that can be counted.
 constexpr double MostSteps = 1e9;
 
 TickSets TickSetsFor(float zoom)
@@ -37,7 +37,7 @@ TickSets TickSetsFor(float zoom)
     return {{25, 0.5, false}, {50, 0.25, false}, {100, 0, false}, {farStep, 0, true}};
 }
 
-/// Walks one set of ticks along a ruler.
+/// Goes through one set of ticks along a ruler.
 class TickWalk
 {
 public:
@@ -97,7 +97,7 @@ private:
         if (!m_set.isLabelled || !std::isfinite(value)) {
             return {};
         }
-        // 0 has no sign on the map.
+        // Avoids the label "-0".
         const double shown = m_scale.flipSign && value != 0 ? -value : value;
         return QString::number(shown, 'g', 6);
     }

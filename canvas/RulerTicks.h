@@ -4,7 +4,7 @@
 
 #include <vector>
 
-/// How a ruler's pixels stand for the world.
+/// Maps a ruler's pixels to the world.
 struct RulerScale
 {
     /// The pixel along the ruler at which the world's 0 lies.
@@ -13,7 +13,7 @@ struct RulerScale
     float unit = 1;
     /// Pixels per scene unit.
     float zoom = 1;
-    /// Labels are negated.
+    /// True if the labels are negated.
     bool flipSign = false;
 };
 
@@ -22,13 +22,13 @@ struct RulerTick
 {
     /// Pixels along the ruler.
     double position = 0;
-    /// Pixels across the ruler at which the tick begins; it ends at the far edge.
+    /// The pixel across the ruler at which the tick begins. It ends at the far edge.
     double gap = 0;
     /// The world value in metres; empty for a plain tick.
     QString label = {};
 };
 
-/// The ticks of a ruler of this length and thickness in pixels, in the order in which they are
-/// painted. A scale that gives no finite spacing of at least a pixel has no ticks, and one that
-/// gives no finite values has no labels.
+/// The ticks of a ruler of this length and thickness in pixels, in the order of painting. There are
+/// no ticks if their spacing would be less than a pixel or not finite, and no labels if their
+/// values would not be finite.
 std::vector<RulerTick> RulerTicks(const RulerScale& scale, double length, double thickness);

@@ -7,11 +7,11 @@
 
 namespace {
 
-/// Device pixels.
+/// In device pixels.
 constexpr int TileSize = 128;
-/// 64 MiB, the screens of several windows.
+/// These take 64 MiB, which is enough for several windows.
 constexpr int UsualMaxTiles = 1024;
-/// Quarters of a pixel in both directions, as a screen at 125 % has them.
+/// Quarters of a pixel in both directions, as on a screen at 125 %.
 constexpr std::size_t MaxPhases = 16;
 
 int TileAt(int pixel)
@@ -52,13 +52,13 @@ TileCache::Phase& TileCache::PhaseFor(const QTransform& transform)
 
 void TileCache::DropOldTiles()
 {
-    // A very large screen has room for panning too.
+    // On a very large screen the limit grows, so that panning needs few new tiles there too.
     const int maxTiles = std::max(UsualMaxTiles, 2 * m_mostDrawn);
     int count = 0;
     for (std::size_t i = 0; i < m_phases.size(); ++i) {
         count += m_phases[i].tiles.size();
         if (i == MaxPhases || count > maxTiles) {
-            // The one in use begins anew when it is too large by itself.
+            // If the phase in use is too large by itself, its tiles are dropped.
             m_phases.resize(std::max<std::size_t>(i, 1));
             if (i == 0) {
                 m_phases.front().tiles.clear();

@@ -9,36 +9,38 @@
 
 #include <vector>
 
-/// Keeps what an item shows on the screen as small images in device pixels, so that panning and
-/// repainting make only what was not shown before. They lie still with regard to the item, and are
-/// dropped when the scale changes and when they become many, for the size of the screen.
+/// Keeps the visible part of an item as small images in device pixels (tiles), so that panning and
+/// repainting compose only newly exposed parts. The tiles are fixed to the item. They are dropped
+/// when the scale changes, and when there are too many for the size of the screen.
 ///
-/// Where a screen has a fraction of a device pixel to each pixel, as at 125 %, scrolling moves the
-/// item by fractions too, and each fraction looks a little different. There are only a few, so each
-/// has tiles of its own.
+/// On a screen with a fractional scale, such as 125 %, scrolling moves the item by fractions of a
+/// device pixel, and each fraction gives slightly different pixels. There are only a few fractions,
+/// so each has tiles of its own.
 class TileCache
 {
 public:
-    /// The item looks different.
+    /// Drops all tiles, because the item has changed.
     void Clear();
 
-    /// Draws the exposed part of the item, given in its coordinates, and has missing tiles made.
+    /// Draws the exposed part of the item, given in the item's coordinates. Calls make for missing
+    /// tiles.
     void Draw(QPainter& painter, const QRectF& exposed, const MakeDeviceImage& make);
 
 private:
     struct Phase
     {
-        /// The item's coordinates to device pixels, without whole pixels of translation.
+        /// Maps the item's coordinates to device pixels, without the whole pixels of the
+        /// translation.
         QTransform transform;
-        /// By column and row.
+        /// Indexed by column and row.
         QHash<QPair<int, int>, QImage> tiles;
     };
 
     Phase& PhaseFor(const QTransform& transform);
     void DropOldTiles();
 
-    /// The one that was used last is the first.
+    /// The most recently used one comes first.
     std::vector<Phase> m_phases;
-    /// The most tiles that were drawn at once since the last change of item or scale.
+    /// The largest number of tiles in one drawing since the item or the scale changed.
     int m_mostDrawn = 0;
 };

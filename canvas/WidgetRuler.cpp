@@ -86,7 +86,7 @@ void WidgetRuler::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::TextAntialiasing);
-    // A cosmetic pen is one pixel of the screen wide, whatever the screen's density.
+    // A cosmetic pen is one device pixel wide at any density.
     painter.setPen(QPen(Qt::black, 0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
     painter.fillRect(rect(), Qt::white);
     for (const RulerTick& tick : Ticks()) {

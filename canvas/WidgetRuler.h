@@ -32,13 +32,13 @@ public:
     QPoint CursorPos() const { return m_cursorPos; }
     bool IsHorizontal() const { return m_orientation == Horizontal; }
 
-    /// What is drawn, see RulerTicks.
+    /// The ticks to draw, see RulerTicks.
     std::vector<RulerTick> Ticks() const;
 
     QSize minimumSizeHint() const override;
 
 public slots:
-    // Each repaints only when the value is another one; the cursor position always does.
+    // Each setter repaints only if the value changes; that of the cursor position always repaints.
     void SetOrigin(float origin);
     void SetUnit(float unit);
     void SetZoom(float zoom);
@@ -54,7 +54,7 @@ protected:
 private:
     template <typename Value>
     void Change(Value& member, Value value);
-    /// From along, gap to along, thickness on a horizontal ruler.
+    /// Draws a line from (along, gap) to (along, thickness) on a horizontal ruler.
     void DrawAcross(QPainter& painter, double along, double gap) const;
     void DrawTick(QPainter& painter, const RulerTick& tick) const;
     void DrawCursor(QPainter& painter) const;
