@@ -43,7 +43,7 @@ DialogCustomLayer::DialogCustomLayer(LayerList* list, Layer* layerToModify, QWid
 
 DialogCustomLayer::~DialogCustomLayer()
 {
-    // A radius box that loses the focus as it dies ends its editing.
+    // The radius box may lose the focus during its destruction and would then emit editingFinished.
     m_ui->spnRadius->disconnect(this);
     m_thread.quit();
     m_thread.wait();
@@ -124,7 +124,8 @@ void DialogCustomLayer::StartWorker()
     m_thread.start(QThread::InheritPriority);
 }
 
-/// The first pictures are made before the dialog is shown, and shall have the size of their labels.
+/// Lays the dialog out before it is shown, so that the first pictures get the final size of their
+/// labels.
 void DialogCustomLayer::LayOut()
 {
     ensurePolished();
@@ -226,7 +227,7 @@ void DialogCustomLayer::RequestPreview()
     }
     const QString code = BuildCode();
     if (m_isComputing) {
-        // Disabling the radius box ends its editing once more.
+        // Disabling the radius box emits editingFinished again.
         m_isOutdated = m_isOutdated || code != m_runningCode;
         return;
     }
@@ -254,7 +255,7 @@ bool DialogCustomLayer::IsNameFree(const QString& name) const
     });
 }
 
-/// For both backgrounds of the name, which are light in dark palettes too.
+/// Makes the name readable on both of its backgrounds, which are light even with a dark palette.
 void DialogCustomLayer::SetDarkText()
 {
     if (!m_ui->txtOutputName->styleSheet().isEmpty()) {
@@ -310,7 +311,7 @@ void DialogCustomLayer::FinalizeLayerComputation(const QImage& image)
         Layer* created = layer.get();
         m_createdLayer = m_list->AddLayer(std::move(layer)) ? created : nullptr;
     } else if (m_layerToModify && !image.isNull()) {
-        // Without a result the layer stays what it was, name included.
+        // Without a result the layer does not change at all, not even its name.
         m_layerToModify->setText(name);
     }
     accept();
@@ -319,8 +320,8 @@ void DialogCustomLayer::FinalizeLayerComputation(const QImage& image)
     }
 }
 
-/// The focus that a closing dialog loses ends the radius box's editing, for which no preview shall
-/// be computed any more.
+/// Closing takes the focus from the radius box, which emits editingFinished. That must not start a
+/// preview any more.
 void DialogCustomLayer::done(int result)
 {
     m_canRequest = false;

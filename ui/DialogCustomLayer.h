@@ -17,20 +17,21 @@ namespace Ui {
 class DialogCustomLayer;
 }
 
-/// Lets the user define a layer that is computed from others, with pictures of what goes in and
-/// comes out. Computes on a thread of its own, one request at a time; meanwhile its controls are
-/// disabled and it cannot be closed. Modal: nothing else may change the layers. Opened once.
+/// Lets the user define a layer that is computed from others, with pictures of the inputs and the
+/// output. It computes on a separate thread, one request at a time; during that time its controls
+/// are disabled and it cannot be closed. It must be modal, because nothing else may change the
+/// layers, and can be opened only once.
 class DialogCustomLayer : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// layerToModify: the layer to be defined anew; null, or without an image, to add one.
+    /// layerToModify: the layer to define anew. If it is null or has no image, a layer is added.
     DialogCustomLayer(LayerList* list, Layer* layerToModify, QWidget* parent = nullptr);
     ~DialogCustomLayer() override;
     Q_DISABLE_COPY(DialogCustomLayer)
 
-    /// The layer that was added; null when none was.
+    /// The layer that was added; null if none was.
     Layer* CreatedLayer() const { return m_createdLayer; }
 
 public slots:
@@ -38,7 +39,8 @@ public slots:
     void FinalizeLayerComputation(const QImage& image);
     void ConfirmDialog();
     void CloseDialog();
-    /// Shows by its colour whether the layer can have the name, and enables "OK" when it can.
+    /// Colours the name field according to whether the layer can have the name, and enables "OK" if
+    /// it can.
     void ValidateContent(const QString& name);
     void UpdateOperation(int index);
     void SetPreviewA(int row);
@@ -77,13 +79,13 @@ private:
     bool m_isModifying;
     int m_idA = 0;
     int m_idB = 0;
-    /// Not before the worker listens, and not any more when the dialog closes.
+    /// False until the worker is connected, and while the dialog closes.
     bool m_canRequest = false;
     bool m_isComputing = false;
     QString m_runningCode;
-    /// Another code was asked for while one was computed.
+    /// Another code was requested during a computation.
     bool m_isOutdated = false;
-    /// What had the focus before the controls were disabled.
+    /// The widget that had the focus before the controls were disabled.
     QPointer<QWidget> m_focus;
     QThread m_thread;
 };

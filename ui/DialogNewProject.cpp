@@ -77,7 +77,7 @@ void DialogNewProject::SaveProjectDialog()
     }
     const QString suffix = QStringLiteral(".xml");
     const QString path = chosen.endsWith(suffix) ? chosen : chosen + suffix;
-    // The file dialog asked about the file that was chosen, not about this one.
+    // The file dialog has asked about the chosen file, but not about the one with the suffix.
     const bool isAnother = path != chosen && QFileInfo::exists(path);
     const QString text = tr("%1 already exists.\nDo you want to replace it?");
     if (isAnother && !AskYesNo(this, tr("Save"), text.arg(QFileInfo(path).fileName()))) {

@@ -32,7 +32,7 @@ public:
 public slots:
     void LoadBgImageDialog();
     void ImportAreaFlagsDialog();
-    /// The chosen file gets the suffix ".xml" unless it ends with exactly that.
+    /// Appends ".xml" to the chosen file's name unless it ends with that.
     void SaveProjectDialog();
     void ConfirmDialog();
     void CloseDialog();

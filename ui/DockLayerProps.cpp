@@ -55,7 +55,7 @@ void DockLayerProps::BuildFlagBoxes()
     OrderTabs();
 }
 
-/// New widgets are the last of the window's tab order; these stand above the colour button.
+/// New widgets come last in the window's tab order. The flag boxes belong before the colour button.
 void DockLayerProps::OrderTabs()
 {
     auto* button = m_ui->gboLayerClrOp->findChild<ButtonColor*>();

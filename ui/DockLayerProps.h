@@ -17,8 +17,8 @@ namespace Ui {
 class DockLayerProps;
 }
 
-/// The dock that shows and edits the flags, colour and opacity of the selected layer. Disabled
-/// while none is.
+/// The dock that shows and edits the flags, colour and opacity of the selected layer. It is
+/// disabled without one.
 class DockLayerProps : public QDockWidget
 {
     Q_OBJECT
@@ -28,11 +28,11 @@ public:
     ~DockLayerProps() override;
     Q_DISABLE_COPY(DockLayerProps)
 
-    /// Adds a box for each of the project's area flag types; those that are there stay.
+    /// Adds a box for each of the project's area flag types. Existing boxes stay.
     void BuildFlagBoxes();
-    /// Replaces the boxes when the project's area flag types are others, and shows the layer again.
+    /// Replaces the boxes if the project's area flag types have changed, and shows the layer again.
     void Refresh();
-    /// Null for none. With announce, colour and opacity are emitted.
+    /// Shows a layer, or none for null. With announce, emits its colour and opacity.
     void SetLayer(Layer* layer, bool announce);
 
 signals:

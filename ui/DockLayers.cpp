@@ -31,7 +31,8 @@ DockLayers::DockLayers(DockLayerProps* props, QWidget* parent)
 
 DockLayers::~DockLayers()
 {
-    // The list dies before the tree, whose rows then go one after the other.
+    // The list is destroyed before the tree. Its rows are then removed one by one, and their
+    // signals must not arrive here.
     m_ui->treeLayers->selectionModel()->disconnect(this);
     m_list->model()->disconnect(this);
 }
@@ -187,7 +188,8 @@ void DockLayers::Modify(bool /*checked*/)
     if (!layer) {
         return;
     }
-    // The dialog is accepted too when it could not compute the layer, which stays what it was.
+    // The dialog is accepted even if it could not compute the layer. The layer has not changed
+    // then.
     if (layer->text() != oldName || layer->PictureRevision() != oldRevision) {
         ProjectSettings::Instance().modified = true;
     }

@@ -29,12 +29,12 @@ public:
 
     LayerList* List() const { return m_list.get(); }
     bool HasLayers() const;
-    /// Enables "hide all" exactly while there is a layer.
+    /// Enables "hide all" if there is a layer, and disables it otherwise.
     void UpdateHideAll();
-    /// Makes the layer the selected one; null, and nothing changes, for a row that there is not.
+    /// Selects the layer and returns it. Returns null and changes nothing if there is no such row.
     Layer* SelectRow(int row);
     void SelectItem(QStandardItem* item);
-    /// Logs an error when it fails.
+    /// Logs an error if it fails.
     bool SaveMap(const QString& path);
     bool ReadXml(QXmlStreamReader& xml);
     int WriteXml(QXmlStreamWriter& xml);
@@ -45,11 +45,11 @@ signals:
     /// The user showed or hid the layer.
     void Checked(Layer* layer);
     void Modified(Layer* layer);
-    /// The layer of that id is gone.
+    /// The layer with this id was removed.
     void Removed(int id);
     void Selected(Layer* layer);
     void AllHidden();
-    /// The layers stand in another order.
+    /// The order of the layers has changed.
     void Reordered();
 
 public slots:

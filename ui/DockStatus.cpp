@@ -10,13 +10,13 @@
 
 namespace {
 
-/// Of a screen with 60 pictures a second.
+/// One frame at 60 frames a second.
 constexpr int FrameMilliseconds = 16;
 
 } // namespace
 
-/// Gives all lines one size, that of the widest: the list then lays out thousands of them without
-/// measuring each, and still scrolls to the end of the longest.
+/// Gives all lines the width of the widest one. So the list need not measure thousands of lines,
+/// and can still scroll to the end of the longest.
 class DockStatus::LineDelegate : public QStyledItemDelegate
 {
 public:
@@ -28,7 +28,7 @@ public:
         return {qMax(size.width(), m_width), size.height()};
     }
 
-    /// In one line: a second one would be hidden by the next message.
+    /// Shows the message on one line, because the next message would cover a second one.
     QString displayText(const QVariant& value, const QLocale& locale) const override
     {
         return QStyledItemDelegate::displayText(value, locale)
@@ -52,7 +52,8 @@ DockStatus::DockStatus(QWidget* parent)
     m_ui->setupUi(this);
     m_ui->messageListView->setItemDelegate(m_delegate);
     m_ui->messageListView->setModel(&m_model);
-    // What was said before the list had its size counts too. Who reads older lines stays there.
+    // Stay at the end when messages arrive, even before the list has its final size. A user who has
+    // scrolled up to older messages stays there.
     QScrollBar* bar = m_ui->messageListView->verticalScrollBar();
     connect(bar, &QScrollBar::valueChanged, this,
             [this, bar](int value) { m_isAtEnd = value == bar->maximum(); });
@@ -87,8 +88,8 @@ void DockStatus::AddMessage(const QString& content, Log::MessageType type)
     ShowInTime(type);
 }
 
-/// Paints the message at once or with the next picture. What is announced has to be seen while it
-/// is done, so that it waits for nothing but other announcements.
+/// Paints the message at once or with the next frame. An Info announces work and must be visible
+/// during that work, so it waits only for a recent Info.
 void DockStatus::ShowInTime(Log::MessageType type)
 {
     const bool isDue =
@@ -103,7 +104,7 @@ void DockStatus::ShowInTime(Log::MessageType type)
     }
 }
 
-/// Shows what was said since the last picture, if anything was.
+/// Shows the messages since the last frame, if there are any.
 void DockStatus::ShowFrame()
 {
     if (!m_ui->messageListView->updatesEnabled()) {
@@ -120,7 +121,7 @@ void DockStatus::SetBusy()
     QCoreApplication::processEvents();
 }
 
-/// The spacer takes the bar's place, so that the list keeps its height.
+/// A spacer replaces the hidden bar, so that the list keeps its height.
 void DockStatus::SetProgressVisible(bool isVisible)
 {
     m_ui->pgrStatus->setVisible(isVisible);

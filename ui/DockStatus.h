@@ -24,10 +24,10 @@ public:
     ~DockStatus() override;
     Q_DISABLE_COPY(DockStatus)
 
-    /// Lets the progress bar run without an end. Processes events once, like the next.
+    /// Makes the progress bar run without an end. This and the next function process events once.
     void SetBusy();
     void SetProgressVisible(bool isVisible);
-    /// Whether the user can see the bar: not while the dock is hidden or behind another.
+    /// Whether the user can see the bar. False while the dock is hidden or behind another one.
     bool IsProgressOnScreen() const;
 
 public slots:
@@ -44,10 +44,10 @@ private:
 
     std::unique_ptr<Ui::DockStatus> m_ui;
     QStandardItemModel m_model;
-    /// Runs from one picture of the list to the next: where messages come faster, painting the list
-    /// after each would take longer than what they tell of.
+    /// Runs between two repaints of the list. Repainting after each message would take longer than
+    /// the work that the messages report.
     QTimer m_frame;
-    /// Since the last painted Info.
+    /// The time since an Info was last painted.
     QElapsedTimer m_sinceInfo;
     bool m_isAtEnd = true;
     LineDelegate* m_delegate;

@@ -21,7 +21,7 @@ float RadiusMetres(const Zone& zone)
     return ProjectSettings::Instance().metresPerPixelX * zone.Radius();
 }
 
-/// A name as the title of a box, where an ampersand would mark a key.
+/// The name as a title. Ampersands are doubled, because a single one would mark a shortcut.
 QString TitleText(QString name)
 {
     return name.replace(QLatin1Char('&'), QLatin1String("&&"));
@@ -47,8 +47,8 @@ DockTerTypeProps::DockTerTypeProps(QWidget* parent)
 
 DockTerTypeProps::~DockTerTypeProps() = default;
 
-/// Only what the user does comes back: filling a control emits none of these signals, or is done
-/// with them blocked.
+/// Connects signals that only the user's actions emit. The controls are filled in ways that do not
+/// emit these signals, or with signals blocked.
 void DockTerTypeProps::Connect()
 {
     connect(m_ui->gboTerClrOp, &GroupBoxColor::ColorChanged, this, &DockTerTypeProps::UpdateColor);
@@ -136,7 +136,7 @@ void DockTerTypeProps::RefreshTotalsLater()
 
 void DockTerTypeProps::ShowTotals(const SpawnCounts& totals)
 {
-    // Counts from a file may be so large that their sums wrap.
+    // Counts from a file may be so large that their sums wrap around.
     const auto sum = [](int a, int b) {
         return static_cast<int>(static_cast<unsigned>(a) + static_cast<unsigned>(b));
     };
@@ -188,7 +188,7 @@ void DockTerTypeProps::ShowUsage()
 {
     m_ui->txtDynEvent->clear();
     m_ui->txtDynEvent->setEnabled(false);
-    // An exclusive group does not let go of its last checked button.
+    // In an exclusive group the last checked button cannot be unchecked.
     m_ui->btngAIUsage->setExclusive(false);
     const QList<QAbstractButton*> buttons = m_ui->btngAIUsage->buttons();
     for (QAbstractButton* button : buttons) {
@@ -339,7 +339,7 @@ void DockTerTypeProps::UpdateUsage(int id)
     const bool isEvent = id == Zone::DynamicEvent;
     m_ui->txtDynEvent->setEnabled(isEvent);
     if (isEvent) {
-        // The zone may have been that of an event before.
+        // The zone may have been for an event before.
         m_ui->txtDynEvent->setText(zone->EventName());
     }
     emit Changed(zone->sceneBoundingRect());

@@ -20,7 +20,7 @@ class DockTerTypeProps;
 }
 
 /// The dock that shows the totals and the colour of the current territory or type, and in which the
-/// user edits the selected zone. The zone shown last is the pattern of new zones.
+/// user edits the selected zone. New zones get the values of the zone that was shown last.
 class DockTerTypeProps : public QDockWidget
 {
     Q_OBJECT
@@ -30,32 +30,34 @@ public:
     ~DockTerTypeProps() override;
     Q_DISABLE_COPY(DockTerTypeProps)
 
-    /// Enables the dock; null shows none and disables it.
+    /// Shows a territory and enables the dock. Null shows none and disables it.
     void ShowTerritory(Territory* territory);
-    /// Likewise.
+    /// Shows a type in the same way.
     void ShowType(TerritoryType* type);
-    /// Null for none.
+    /// Shows a zone, or none for null.
     void ShowZone(Zone* zone);
-    /// Sums the totals up and shows them.
+    /// Computes the totals and shows them.
     void RefreshTotals();
-    /// The same, once at the next turn of the event loop for any number of calls.
+    /// Schedules RefreshTotals for the next turn of the event loop. Several calls cause only one.
     void RefreshTotalsLater();
 
-    /// Gives the zone the values of the zone shown last, as they were then or after its last edit
-    /// here, and the shown territory's colour. Nothing when no zone was shown since ForgetTemplate.
+    /// Gives the zone the values of the zone that was shown last, including its last edit in this
+    /// dock, and the colour of the shown territory. Does nothing if no zone has been shown since
+    /// ForgetTemplate.
     void ApplyToNewZone(Zone* zone);
-    /// For a new project: new zones keep their own values until a zone is shown.
+    /// Forgets these values, for a new project: new zones then keep their defaults until a zone is
+    /// shown.
     void ForgetTemplate();
 
 public slots:
-    /// Metres; a text that is no number from 50 to 32768 changes nothing.
+    /// In metres. A text that is not a number from 50 to 32768 changes nothing.
     void UpdateSize(const QString& text);
     /// Keeps the territory's alpha.
     void UpdateColor(const QColor& color);
     /// 0 to 255.
     void UpdateOpacity(int alpha);
     void UpdateStaticMin(int count);
-    /// A maximum below the minimum becomes the minimum, like in UpdateDynMax.
+    /// A maximum below the minimum becomes the minimum, as in UpdateDynMax.
     void UpdateStaticMax(int count);
     void UpdateDynMin(int count);
     void UpdateDynMax(int count);
@@ -63,15 +65,15 @@ public slots:
     void ToBack();
     /// A Zone::Usage.
     void UpdateUsage(int id);
-    /// Nothing unless the zone is that of a dynamic event.
+    /// Does nothing unless the zone is for a dynamic event.
     void UpdateEvent(const QString& text);
 
 signals:
-    /// The part of the scene that is to be painted anew; all of it where the rectangle is empty.
+    /// This part of the scene must be repainted. An empty rectangle means all of it.
     void Changed(const QRectF& area);
 
 private:
-    /// What a new zone takes over.
+    /// The values that a new zone gets.
     struct Template
     {
         float radiusMetres;
@@ -87,12 +89,12 @@ private:
     void ShowSize();
     void ShowCounts();
     void ShowUsage();
-    /// Call after each edit of the zone.
+    /// Must be called after each edit of the zone.
     void ZoneEdited();
     void TakeTemplate();
 
     std::unique_ptr<Ui::DockTerTypeProps> m_ui;
-    /// At most one of them.
+    /// At most one of these is not null.
     Tracked<Territory> m_territory;
     Tracked<TerritoryType> m_type;
     Tracked<Zone> m_zone;

@@ -33,7 +33,7 @@ DockTerTypes::~DockTerTypes()
     m_list.SetTotalsCallback(nullptr);
     m_list.model()->disconnect(this);
     m_ui->treeTerTypes->selectionModel()->disconnect(this);
-    // Selected zones that die are announced by the scene, and the answer may come back here.
+    // Destroying selected zones changes the scene's selection, whose signal may call this dock.
     m_list.Clear();
 }
 
@@ -237,7 +237,7 @@ void DockTerTypes::Changed(QStandardItem* item)
     }
     const bool isChecked = item->checkState() == Qt::Checked;
     if (auto* type = dynamic_cast<TerritoryType*>(item)) {
-        // The marks of its territories, which follow, have nothing left to do.
+        // SetVisible also changes the territories' check marks. Ignore these changes.
         const QScopedValueRollback<bool> guard(m_isApplyingCheckMark, true);
         type->SetVisible(isChecked, m_territory);
     } else if (auto* territory = dynamic_cast<Territory*>(item)) {
@@ -247,7 +247,8 @@ void DockTerTypes::Changed(QStandardItem* item)
 
 void DockTerTypes::RowsAboutToBeRemoved(const QModelIndex& parent, int first, int last)
 {
-    // Of a current row that goes with its type the selection model says nothing.
+    // When a type is removed, the selection model does not report that its current child row goes
+    // too.
     const QModelIndex type = m_ui->treeTerTypes->currentIndex().parent();
     if (!parent.isValid() && type.isValid() && type.row() >= first && type.row() <= last) {
         m_ui->treeTerTypes->selectionModel()->clear();
@@ -322,7 +323,7 @@ void DockTerTypes::Remove()
     if (!index.isValid()) {
         return;
     }
-    // Before its end the tree makes a neighbour the current row.
+    // Removing the current row makes one of its neighbours current.
     if (const Territory* territory = TerritoryAt(index)) {
         territory->GetType()->RemoveTerritory(territory->Id());
     } else {

@@ -24,15 +24,15 @@ class DockTerTypes;
 }
 
 /// The dock with the tree of territory types and territories, and with the buttons of the zone
-/// modes. It owns the project's territory types. The current row's territory is the one whose zones
-/// are edited.
+/// modes. It owns the project's territory types. The zones of the current row's territory can be
+/// edited.
 class DockTerTypes : public QDockWidget
 {
     Q_OBJECT
 
 public:
-    /// The scene, on which the zones are shown, and the dock that shows the current row belong to
-    /// others and may die first.
+    /// The scene shows the zones, and props shows the current row. The dock does not own them, and
+    /// they may be destroyed first.
     DockTerTypes(MainScene* scene, DockTerTypeProps* props, QWidget* parent = nullptr);
     ~DockTerTypes() override;
     Q_DISABLE_COPY(DockTerTypes)
@@ -40,13 +40,13 @@ public:
     /// Lives as long as the dock.
     TerritoryTypeList* List() { return &m_list; }
 
-    /// Destroys all types, after the current row, the selection and the pattern of new zones are
-    /// forgotten.
+    /// Destroys all types. Before that it clears the current row and the selection, and forgets the
+    /// values for new zones.
     void Clear();
-    /// As TerritoryTypeList::Read, with the scene; the tree is expanded.
+    /// Like TerritoryTypeList::Read, with the scene. Expands the tree.
     bool Read(QXmlStreamReader& xml);
     void Write(QXmlStreamWriter& xml) const;
-    /// As in TerritoryTypeList.
+    /// See TerritoryTypeList.
     bool ExportAll() const;
     bool ExportChecked() const;
 
@@ -55,11 +55,11 @@ public:
     void ShowMode(SceneMode mode);
     /// No zone, no row and no current row any more.
     void ClearSelection();
-    /// Whether zones can be removed and copied, i.e. some are selected.
+    /// Enables the buttons that remove and copy zones. isEnabled: whether zones are selected.
     void SetSelectionControlsEnabled(bool isEnabled);
 
 signals:
-    /// The territory of the current row; null when there is none, or a type instead.
+    /// The territory of the current row; null without a current row or if it is a type.
     void Selected(Territory* territory);
     void InsertClicked(bool checked);
     void SelectClicked(bool checked);
@@ -70,17 +70,17 @@ signals:
 public slots:
     /// The current row has changed; invalid for none.
     void Selection(const QModelIndex& current, const QModelIndex& previous);
-    /// In the tree's viewport.
+    /// In pixels of the tree's viewport.
     void ContextMenu(const QPoint& pos);
-    /// The check mark of the row was changed: shows or hides what it stands for. The current
-    /// territory stays visible.
+    /// Shows or hides the territories of a row whose check mark changed. The current territory
+    /// stays visible.
     void Changed(QStandardItem* item);
     /// Makes the territory the current row and enters the select mode.
     void Select(Territory* territory);
     void AddTerritoryType();
-    /// Below the current type; nothing when another row is current.
+    /// Adds a territory to the current type. Does nothing if the current row is not a type.
     void AddTerritory();
-    /// These three work on the current row, Export on a type only.
+    /// These three work on the current row. Export works on a type only.
     void Rename();
     void Remove();
     void Export();
@@ -112,7 +112,7 @@ private:
     std::unique_ptr<Ui::DockTerTypes> m_ui;
     QPointer<MainScene> m_scene;
     QPointer<DockTerTypeProps> m_props;
-    /// That of the current row.
+    /// The territory of the current row.
     Tracked<Territory> m_territory;
     bool m_isApplyingCheckMark = false;
 };

@@ -14,7 +14,8 @@ namespace Ui {
 class QuillmapWindowClass;
 }
 
-/// What the editor's window is made of, for those who run its actions. The window owns all of it.
+/// The parts of the editor's window, for the classes that carry out its actions. The window owns
+/// all of them.
 struct EditorParts
 {
     QuillmapWindow& window;

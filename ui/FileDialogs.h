@@ -4,7 +4,7 @@
 
 class QWidget;
 
-/// What a file is asked for.
+/// The purpose of a file dialog.
 enum class FilePurpose
 {
     LoadProject,
@@ -14,9 +14,9 @@ enum class FilePurpose
     AreaMap,
 };
 
-/// Asks for a file, starting in the project's folder; empty when the user cancels. Files to be read
-/// exist. A project to be saved gets the suffix "xml" when it has none, and the user was asked
-/// before an existing file is given.
+/// Asks for a file, starting in the project's folder. Returns an empty path if the user cancels.
+/// Files for reading exist. A project file for saving gets the suffix "xml" if it has none; for an
+/// existing file the dialog asks before it accepts.
 QString AskForFile(QWidget* parent, FilePurpose purpose);
 
 /// Whether the user answers Yes. Enter answers nothing, because a Yes may throw work away. Esc is

@@ -12,7 +12,7 @@ InputBlock::InputBlock()
 bool InputBlock::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::Shortcut) {
-        // It goes to its action, not to a widget.
+        // A shortcut goes to an action, not to a widget.
         return !qobject_cast<QDialog*>(QApplication::activeModalWidget());
     }
     const auto* widget = qobject_cast<const QWidget*>(watched);

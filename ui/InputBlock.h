@@ -2,9 +2,9 @@
 
 #include <QObject>
 
-/// While it lives, keys, clicks, the wheel and drops reach no window but open dialogs. Messages
-/// process events, so without it the user could change what is being read or written. Closing a
-/// window and letting go of what is held still work.
+/// While the object exists, keys, clicks, the wheel and drops reach only open dialogs. Logging
+/// processes events, so without the block the user could change data that is being read or written.
+/// Closing a window and releasing keys and buttons still work.
 class InputBlock : public QObject
 {
 public:

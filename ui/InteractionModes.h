@@ -14,15 +14,15 @@ public:
     ~InteractionModes();
     Q_DISABLE_COPY(InteractionModes)
 
-    /// Paint mode on or off; on unchecks the zone buttons.
+    /// Switches paint mode on or off. Switching it on unchecks the zone buttons.
     void TogglePaint(bool isOn);
-    /// Leaves paint mode and, when it is on, enters the mode.
+    /// Leaves paint mode, and enters the zone mode if isOn is true.
     void EnterZoneMode(SceneMode mode, bool isOn);
-    /// No mode at all.
+    /// Leaves all modes.
     void Reset();
-    /// No mode, if it is paint mode that is on.
+    /// Leaves paint mode if it is on.
     void LeavePaint();
-    /// Whether there is something to paint.
+    /// isEnabled: whether there is a layer to paint.
     void EnablePaint(bool isEnabled);
     void EnableZoomLabels();
 

@@ -33,7 +33,7 @@ void LayerComposition::ForgetRows(int first, int last)
     }
 }
 
-/// An empty list is never composed, so what is shown of its last layer goes here.
+/// Removes the picture of the last layer, because an empty list is never composed.
 void LayerComposition::ForgetPictures()
 {
     if (m_layers.IsEmpty()) {

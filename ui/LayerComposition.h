@@ -9,8 +9,8 @@
 class LayerList;
 class MainView;
 
-/// Which layers the map shows: those whose boxes are checked, and over them the one that is being
-/// painted. A layer leaves both before it is destroyed.
+/// Keeps which layers the map shows: those whose boxes are checked, and above them the current one.
+/// Layers are removed here before they are destroyed.
 class LayerComposition : public QObject
 {
     Q_OBJECT
@@ -21,12 +21,12 @@ public:
     Layer* Current() const { return m_current; }
     void SetCurrent(Layer* layer) { m_current = layer; }
 
-    /// Follows the layer's check mark.
+    /// Shows or hides the layer according to its check mark.
     void Follow(Layer* layer);
     void Clear() { m_visible.clear(); }
-    /// Takes every checked layer of the list.
+    /// Adds every checked layer of the list.
     void Fill();
-    /// Shows all this on the map, the first row of the list on top; nothing for an empty list.
+    /// Composes the map, with the first row of the list on top. Does nothing for an empty list.
     void Recompose();
 
 private:

@@ -41,8 +41,8 @@ QString Question(const QString& consequence, const QString& action)
     return QStringLiteral("%1\n\nAre you sure you want to %2?").arg(consequence, action);
 }
 
-/// Whether nothing would be lost, or the user agrees to lose it. What the mouse is at work on ends,
-/// and counts.
+/// Returns whether there are no unsaved changes or the user agrees to lose them. Ends a stroke or
+/// drag that is under way, which counts as a change.
 bool MayDiscard(const EditorParts& parts, const QString& title, const QString& action)
 {
     parts.scene.LoseMouse();
@@ -63,7 +63,7 @@ void MoveUnsavedTo(const QDir& folder)
     settings.projectDir = folder;
 }
 
-/// Opening a pipe would wait for a writer, maybe for ever.
+/// Opening a pipe would wait for a writer, perhaps forever.
 bool OpenRegular(QFile& file)
 {
     return QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly | QIODevice::Text);
@@ -76,7 +76,7 @@ void LogNotRead(const QString& name)
 
 } // namespace
 
-/// While it lives no other action begins and no input changes the project.
+/// While this object exists, no other action begins and no input changes the project.
 class ProjectActions::Busy
 {
 public:
@@ -143,7 +143,7 @@ bool ProjectActions::StartWith(const QString& configPath)
     return Load();
 }
 
-/// False when the user does not want to load after all.
+/// Returns false if the user decides not to load.
 bool ProjectActions::AskForProject()
 {
     if (!MayDiscard(m_parts, QStringLiteral("Load configuration"),
@@ -211,7 +211,7 @@ bool ProjectActions::ReadFrom(QFile& file)
     return isRead;
 }
 
-/// Empties what the file about to be read replaces, and shows that work is under way.
+/// Clears everything that the file replaces, and shows that work is under way.
 void ProjectActions::BeginReplacing()
 {
     m_isStopped = false;
@@ -220,7 +220,7 @@ void ProjectActions::BeginReplacing()
     m_parts.view.setEnabled(false);
     m_parts.status.SetProgressVisible(true);
     m_parts.status.SetBusy();
-    // They are shown empty now, and then not again at each row.
+    // Do not repaint the lists for each row that is added.
     m_parts.layers.setUpdatesEnabled(false);
     m_parts.terTypes.setUpdatesEnabled(false);
 }
@@ -268,7 +268,7 @@ void ProjectActions::ShowWorld()
         scene.ChangeWorld(Settings().BackgroundPath());
     }
     scene.ChangeWorldRGBA(Settings().backgroundColor);
-    // It is no edit of the user's.
+    // The user has not edited the colour, so its signals must not set the project modified.
     const QSignalBlocker blocker(m_parts.form.gboBgOver);
     m_parts.form.gboBgOver->SetColor(Settings().backgroundColor);
     m_parts.window.UpdateWorldScale();
@@ -306,7 +306,7 @@ void ProjectActions::EnableEditing(bool isEnabled)
     }
     m_parts.view.setInteractive(isEnabled);
     if (!isEnabled) {
-        // Selecting a layer enables it again.
+        // Selecting a layer enables the dock again.
         m_parts.layerProps.setEnabled(false);
     }
     if (isEnabled) {
@@ -421,7 +421,7 @@ bool ProjectActions::LoadAreaTypesFile(const QString& path)
     if (Settings().areaFlagTypes.ReadFile(path)) {
         m_parts.layers.List()->ResetFlags();
     }
-    // Of a malformed file the types before the fault are taken over.
+    // Even a malformed file has set the types before its fault.
     m_parts.layerProps.Refresh();
     Settings().modified = true;
     return true;
@@ -447,7 +447,7 @@ void ProjectActions::ImportAreaMap()
         LogNotRead(path);
         return;
     }
-    // A map is no text: each byte that looks like a line end is one of its own.
+    // A map is binary: bytes that look like line ends must not be converted.
     file.setTextModeEnabled(false);
     ReadMap(file);
 }
@@ -465,7 +465,7 @@ void ProjectActions::ReadMap(QFile& file)
         Settings().SetSizes(settings.layerWidth, settings.layerHeight, settings.worldWidth,
                             settings.worldHeight);
     } else {
-        // What is no map gives no sizes either.
+        // A file that is not a map must not change the sizes.
         Settings().SetSizes(layerSize.width(), layerSize.height(), worldSize.width(),
                             worldSize.height());
     }
@@ -473,7 +473,7 @@ void ProjectActions::ReadMap(QFile& file)
         LogError(QStringLiteral("Reading map file failed."));
     }
     Finalize(isRead, -1);
-    // The layers exist nowhere else yet.
+    // The new layers are not saved yet.
     Settings().modified = Settings().modified || isRead;
 }
 

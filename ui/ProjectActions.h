@@ -12,9 +12,9 @@ class LayerComposition;
 class ProjectReader;
 class QFile;
 
-/// What is done with whole projects: begin, load, save, export and import. Each asks what it has to
-/// ask, and none begins while another runs: their messages process events, so they can be
-/// re-entered.
+/// The actions on whole projects: new, load, save, export and import. They ask the user all
+/// necessary questions. Logging processes events, so an action may be requested while another one
+/// runs; such a request is ignored.
 class ProjectActions
 {
 public:
@@ -22,7 +22,8 @@ public:
                    InteractionModes& modes);
 
     void New();
-    /// Asks for the file unless the window was started with one. Whether a project is open then.
+    /// Asks for the file, unless the window was started with one. Returns whether a project was
+    /// loaded.
     bool Load();
     bool Save();
     bool SaveTo(const QString& path);
@@ -36,16 +37,16 @@ public:
     bool LoadAreaTypesFile(const QString& path);
     void ImportAreaMap();
 
-    /// The end of each load and import, and of a new project. selected: the row of the layer that
-    /// becomes the current one.
+    /// Ends a load, an import or a new project. selected: the row of the layer that becomes the
+    /// current one.
     void Finalize(bool isSuccessful, int selected);
-    /// Enables what only an open project gives a meaning.
+    /// Enables the actions and widgets that need an open project.
     void EnableEditing(bool isEnabled);
 
-    /// Loads the file without asking for it.
+    /// Loads this file without asking.
     bool StartWith(const QString& configPath);
     bool IsSaving() const { return m_work == Work::Saving; }
-    /// Makes a load that is under way end early, for a window that was closed meanwhile.
+    /// Ends a running load early, because the window was closed.
     void StopLoading();
 
 private:

@@ -97,7 +97,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
 
 QuillmapWindow::~QuillmapWindow()
 {
-    // What dies from here on would report to slots that work on what is dead already.
+    // The children's signals must not reach slots of this half-destroyed window.
     const QList<QObject*> children = findChildren<QObject*>();
     for (QObject* child : children) {
         child->disconnect(this);
@@ -139,8 +139,7 @@ void QuillmapWindow::OrderTabs()
     }
 }
 
-/// The project is there to be looked at; what the user was working on last decides where file
-/// dialogs start.
+/// Loads a project for viewing only. File dialogs still start in the folder of the last session.
 void QuillmapWindow::OpenForViewing(const QString& configPath)
 {
     if (m_project->StartWith(configPath)) {
@@ -371,7 +370,7 @@ void QuillmapWindow::resizeEvent(QResizeEvent* event)
 void QuillmapWindow::closeEvent(QCloseEvent* event)
 {
     if (m_project->IsSaving()) {
-        // What is being written is finished first.
+        // Let the save finish first.
         event->ignore();
         QTimer::singleShot(CloseRetryMilliseconds, this, &QWidget::close);
         return;
@@ -383,7 +382,7 @@ void QuillmapWindow::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
-    // What the mouse is at work on counts too.
+    // A stroke or drag that is under way counts as a change.
     m_ui->paintView->Scene()->LoseMouse();
     const QString question = tr("All unsaved work will be lost.\n\nAre you sure you want to quit "
                                 "the application?");

@@ -26,8 +26,7 @@ class QuillmapWindowClass;
 }
 
 /// The editor: the map in the middle, the docks around it, menus and tool bar. It owns them and
-/// says who talks to whom; what its actions do is in ProjectActions, InteractionModes and
-/// LayerComposition.
+/// connects them. ProjectActions, InteractionModes and LayerComposition carry out its actions.
 class QuillmapWindow : public QMainWindow
 {
     Q_OBJECT
@@ -38,11 +37,11 @@ public:
     ~QuillmapWindow() override;
     Q_DISABLE_COPY(QuillmapWindow)
 
-    /// Shows the project's name; without one "Unsaved".
+    /// Shows the project's name, or "Unsaved" if it is empty.
     void SetTitle(const QString& name);
 
 signals:
-    /// Never emitted; declared for those who connect to it.
+    /// Never emitted. It is declared because other code connects to it.
     void ConfigurationLoadRequested(LayerList* layerList, TerritoryTypeList* territoryTypeList);
 
 public slots:

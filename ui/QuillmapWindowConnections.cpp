@@ -17,7 +17,7 @@
 
 #include <QEvent>
 
-// Who talks to whom in the editor's window, and nothing else.
+// This file holds the connections of signals and slots in the editor's window, and nothing else.
 
 void QuillmapWindow::ConnectLog()
 {
@@ -83,7 +83,7 @@ void QuillmapWindow::ConnectTerritories()
     connect(m_ui->paintView, &MainView::TerritorySelected, m_terTypes.get(), &DockTerTypes::Select);
     connect(scene, &MainScene::ZoneInserted, m_terTypeProps.get(),
             &DockTerTypeProps::ApplyToNewZone);
-    // update() has overloads that a pointer would have to be told apart from.
+    // A lambda, because update() is overloaded.
     connect(m_terTypeProps.get(), SIGNAL(Changed(QRectF)), scene, SLOT(update(QRectF)));
 }
 
@@ -106,7 +106,7 @@ void QuillmapWindow::ConnectMap()
 
 bool QuillmapWindow::eventFilter(QObject* watched, QEvent* event)
 {
-    // A dock that is tabbed behind another is not hidden, so its visibility on screen is no guide.
+    // A dock that is tabbed behind another one is not hidden, so isVisible() does not tell.
     if (event->type() == QEvent::HideToParent || event->type() == QEvent::ShowToParent) {
         ShowDockStates();
     }

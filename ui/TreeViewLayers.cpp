@@ -17,8 +17,9 @@ void TreeViewLayers::SetList(LayerList* list)
     setModel(list->model());
 }
 
-/// The base makes the first row the current one when the focus comes by keyboard or with the window
-/// and there is none, unless none was asked for. Which layer is painted is for the user to choose.
+/// Without a current row, the base class would make the first row current when the view gets the
+/// focus. Setting an invalid index explicitly prevents that, because the user is to choose which
+/// layer is painted.
 void TreeViewLayers::focusInEvent(QFocusEvent* event)
 {
     if (!currentIndex().isValid()) {
@@ -27,8 +28,8 @@ void TreeViewLayers::focusInEvent(QFocusEvent* event)
     QTreeView::focusInEvent(event);
 }
 
-/// The base would let the model move the data of the row, and so destroy the layer. The event stays
-/// unaccepted: a view removes rows whose drag was accepted as a move.
+/// The base class would let the model move the row's data, which would destroy the layer. The event
+/// is not accepted, because a view removes rows whose drag was accepted as a move.
 void TreeViewLayers::dropEvent(QDropEvent* event)
 {
     event->setDropAction(Qt::IgnoreAction);

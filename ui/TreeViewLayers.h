@@ -5,7 +5,7 @@
 class Layer;
 class LayerList;
 
-/// The list of layers, whose rows the user puts into another order by dragging them.
+/// The list of layers, whose rows the user can reorder by dragging them.
 class TreeViewLayers : public QTreeView
 {
     Q_OBJECT
@@ -15,12 +15,12 @@ public:
 
     /// Shows the list, which outlives the view.
     void SetList(LayerList* list);
-    /// A row is being moved. It is taken out and put in again, so meanwhile the current row means
-    /// nothing.
+    /// True while a row is being moved. The row is taken out and inserted again, so the current row
+    /// is meaningless then.
     bool IsMoving() const { return m_isMoving; }
 
 signals:
-    /// The layer has a new row, and is the current one.
+    /// The layer was moved to another row and is the current one.
     void Moved(Layer* layer);
 
 protected:

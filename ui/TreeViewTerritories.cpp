@@ -12,12 +12,12 @@ void TreeViewTerritories::dropEvent(QDropEvent* event)
     const QModelIndexList rows = selectedIndexes();
     const int row = rows.isEmpty() ? -1 : rows.first().row();
     const QModelIndex target = indexAt(event->pos());
-    // Rows of the same number count as the same row, also below different types.
+    // Rows with the same number count as the same row, even below different types.
     if (target.isValid() && row >= 0 && target.row() != row) {
         selectionModel()->select(target,
                                  QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     }
-    // Without acceptance the drag removes nothing at its source.
+    // If the event is not accepted, the drag does not remove the source row.
     event->ignore();
     stopAutoScroll();
     setState(NoState);

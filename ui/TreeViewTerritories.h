@@ -2,8 +2,8 @@
 
 #include <QTreeView>
 
-/// The tree of territory types and territories. Nothing is moved by dropping: a row that is dropped
-/// onto another one stays where it was, and at most the other one is highlighted.
+/// The tree of territory types and territories. Dropping moves nothing: the dragged row stays where
+/// it was, and at most the row under the mouse is highlighted.
 class TreeViewTerritories : public QTreeView
 {
     Q_OBJECT

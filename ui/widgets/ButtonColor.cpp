@@ -7,7 +7,7 @@ namespace {
 
 constexpr int ButtonSize = 32;
 constexpr int PictureSize = 16;
-/// Dense screens take their icon from a picture this many times as large.
+/// The icon's picture is this many times as large, for dense screens.
 constexpr int DensestRatio = 4;
 
 QPixmap Filled(int size, const QColor& color)
@@ -32,7 +32,7 @@ ButtonColor::ButtonColor(QWidget* parent)
 
 void ButtonColor::SetColor(QRgb rgb, bool announce)
 {
-    // A QColor's rgb() is opaque, whatever alpha the caller's value carries.
+    // QColor::rgb() is always opaque, so the comparison ignores the caller's alpha.
     const QColor color(rgb);
     if (color.rgb() == m_color.rgb()) {
         return;

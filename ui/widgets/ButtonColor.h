@@ -4,7 +4,7 @@
 #include <QPixmap>
 #include <QPushButton>
 
-/// A button that shows a colour and lets the user pick another one. White at first.
+/// A button that shows a colour and lets the user pick another one. It is white at first.
 class ButtonColor : public QPushButton
 {
     Q_OBJECT
@@ -13,8 +13,8 @@ public:
     explicit ButtonColor(QWidget* parent = nullptr);
 
     const QColor& Color() const { return m_color; }
-    /// Takes red, green and blue and keeps the alpha; does nothing when they are those shown
-    /// already. Emits ColorChanged only with announce.
+    /// Sets red, green and blue and keeps the alpha. Does nothing if they do not change. Emits
+    /// ColorChanged only with announce.
     void SetColor(QRgb rgb, bool announce);
 
 signals:

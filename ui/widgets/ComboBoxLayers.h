@@ -2,8 +2,8 @@
 
 #include <QComboBox>
 
-/// Chooses one of the layers of a list's model. Shows their colours as the layer tree does, also
-/// while it is closed, but no check boxes: they would show and hide layers on the map.
+/// Chooses one of the layers of a list's model. It shows their colours like the layer tree, even
+/// while it is closed. It has no check boxes, because these would show and hide layers on the map.
 class ComboBoxLayers : public QComboBox
 {
     Q_OBJECT

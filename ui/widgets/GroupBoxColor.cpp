@@ -47,7 +47,7 @@ void GroupBoxColor::BuildForm()
     m_label->setObjectName(QStringLiteral("label"));
     m_label->setText(tr("<b>50%</b>"));
     m_label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    // So wide at all times, the slider keeps its length.
+    // With this fixed width of the label the slider keeps its length.
     m_label->setMinimumWidth(QFontMetrics(bold).horizontalAdvance(QStringLiteral("100%")));
     m_label->setBuddy(m_slider);
 

@@ -16,10 +16,10 @@ class GroupBoxColor : public NamedGroupBox
 public:
     explicit GroupBoxColor(QWidget* parent = nullptr);
 
-    /// Shows the colour and its alpha. Emits AlphaChanged when the alpha is another one than shown,
-    /// and never ColorChanged.
+    /// Shows the colour and its alpha. Emits AlphaChanged if the alpha changes, and never
+    /// ColorChanged.
     void SetColor(const QColor& color);
-    /// Likewise; alpha is brought into 0 to 255, and that of rgb is ignored.
+    /// The same. alpha is clamped to 0 to 255, and the alpha of rgb is ignored.
     void SetColor(int alpha, QRgb rgb);
 
 public slots:

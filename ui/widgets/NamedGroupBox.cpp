@@ -20,7 +20,7 @@ NamedGroupBox::NamedGroupBox(QWidget* parent)
 
 QSize NamedGroupBox::minimumSizeHint() const
 {
-    // What is inside; the base asks for the width of the title as well.
+    // The size of the contents only. The base class also demands the width of the title.
     return layout() ? layout()->totalMinimumSize() : QSize();
 }
 
@@ -48,7 +48,7 @@ bool NamedGroupBox::event(QEvent* event)
         return QGroupBox::event(event);
     }
     const QString name = title().replace(QLatin1String("&&"), QLatin1String("&"));
-    // Only as rich text would a name be more than itself.
+    // Escaped, so that a name that looks like rich text is shown as it is.
     QToolTip::showText(help->globalPos(), name.toHtmlEscaped(), this);
     return true;
 }

@@ -32,7 +32,7 @@ QSize VerticalScrollArea::minimumSizeHint() const
 
 bool VerticalScrollArea::eventFilter(QObject* watched, QEvent* event)
 {
-    // The form's own needs are ours too.
+    // A new minimum size of the form changes ours too.
     if (watched == widget() && event->type() == QEvent::LayoutRequest) {
         updateGeometry();
     }

@@ -2,8 +2,8 @@
 
 #include <QScrollArea>
 
-/// Scrolls a form up and down on low screens. It is just wide enough for the form and its scroll
-/// bar, so that nothing is cut off at the side and the map keeps its place.
+/// Scrolls a form up and down on low screens. Its minimum width is that of the form and the scroll
+/// bar, so that nothing is cut off at the side and the map does not move.
 class VerticalScrollArea : public QScrollArea
 {
     Q_OBJECT

@@ -2,7 +2,7 @@
 
 class QWidget;
 
-/// Lets a slider or spin box take the wheel only while it has the focus, and the wheel does not
-/// give it the focus. Otherwise scrolling past it would change its value unnoticed; the wheel goes
-/// on to its parent instead.
+/// Makes a slider or spin box react to the wheel only while it has the focus, and prevents the
+/// wheel from giving it the focus. Otherwise scrolling past it would change its value unnoticed.
+/// Its parent gets the wheel instead.
 void TakeWheelOnlyWithFocus(QWidget* widget);
