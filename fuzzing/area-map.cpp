@@ -12,7 +12,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
 {
     MakeApplicationOnce<QApplication>();
-    // Layers have pictures while there is a window.
+    // Layers have pictures only while there is a window.
     static const QWidget window;
     ProjectSettings& settings = ProjectSettings::Instance();
     settings.areaFlagTypes = {};

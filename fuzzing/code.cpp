@@ -12,7 +12,7 @@ namespace {
 
 constexpr int Side = 12;
 
-/// Three layers with the ids 0 to 2, or as the first ones of a process have them.
+/// Three layers, which have the ids 0 to 2 if they are the first ones of the process.
 std::unique_ptr<LayerList> MakeLayers()
 {
     ProjectSettings::Instance().SetSizes(Side, Side, 120, 120);

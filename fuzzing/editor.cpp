@@ -16,7 +16,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count)
 {
     MakeApplicationOnce<QApplication>();
-    // Layers and territories have pictures while there is a window.
+    // Layers and territories have pictures only while there is a window.
     static const QWidget window;
     static const QTemporaryDir folder;
     ProjectSettings& settings = ProjectSettings::Instance();
@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
              [&layers](QXmlStreamReader& xml) { return layers.ReadXml(xml); },
              [&types, &scene](QXmlStreamReader& xml) { return types.Read(xml, &scene); }});
         if (isRead) {
-            // What was read can be saved, except for the bitmaps, of which there are none.
+            // The project must save without errors, except for the bitmaps, which do not exist.
             QByteArray saved;
             QXmlStreamWriter xml(&saved);
             settings.WriteXml(xml);

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// The size in the header, if it is small, else one that the file does not have.
+/// The size in the header if it is small, otherwise a different one.
 QSize SizeFor(const std::uint8_t* bytes, std::size_t count)
 {
     constexpr int limit = 64;

@@ -7,10 +7,11 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Called with each input; a finding is a crash, a sanitizer's report or a failed Require.
+/// Called with each input. Findings are crashes, reports of a sanitizer and failed calls of
+/// Require.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count);
 
-/// What must hold for every input.
+/// Ends the program unless the condition holds.
 inline void Require(bool isTrue, const char* what)
 {
     if (!isTrue) {
@@ -18,7 +19,7 @@ inline void Require(bool isTrue, const char* what)
     }
 }
 
-/// An application that logs nothing but its end, made once.
+/// Makes the application once. It logs only fatal messages.
 template <typename Application>
 void MakeApplicationOnce()
 {
@@ -39,7 +40,7 @@ void MakeApplicationOnce()
     static const Application application(argc, argv);
 }
 
-/// Models are deleted later; without an event loop now is later.
+/// Runs deferred deletions, because there is no event loop that would.
 inline void DeleteLater()
 {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -1,4 +1,4 @@
-// Replays the files of a folder that a fuzzer has found worth keeping.
+// Replays the inputs in a folder that a fuzzer has kept.
 
 #include "fuzzing/support/Fuzz.h"
 
