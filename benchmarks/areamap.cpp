@@ -26,7 +26,7 @@ constexpr int UsageCount = 6;
 constexpr int ValueCount = 4;
 constexpr QSize Size(Side, Side);
 
-/// The example's layers, as often as it takes.
+/// The example's layers, repeated as often as needed.
 QVector<FlaggedMask> NaturalLayers()
 {
     const std::vector<QImage> masks = ExampleMasks();

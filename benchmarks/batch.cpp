@@ -26,7 +26,7 @@ constexpr double MiB = 1024.0 * 1024.0;
 
 void Quiet(QtMsgType, const QMessageLogContext&, const QString&) {}
 
-/// Reads every layer pixel by pixel; there is nothing else to do where no flags are read.
+/// Reads every layer pixel by pixel. Without flags there is nothing else to do.
 void RunPerPixel()
 {
     const QDir folder(QStringLiteral("layers"));
@@ -69,7 +69,7 @@ void Register(const char* name, Work work)
         ->Iterations(1);
 }
 
-/// The most memory that the real program had resident during one run.
+/// The peak resident memory of the real program in one run.
 void PrintPeakMemory()
 {
     QProcess program;

@@ -1,5 +1,5 @@
-// What the hand feels: brush moves, showing and hiding layers, panning and many zones, each in a
-// real view of 1200 x 800 pixels, offscreen, with the repaint that follows.
+// The speed that a user notices: brush moves, showing and hiding layers, panning and many zones.
+// Each is measured in a real view of 1200 x 800 pixels, offscreen, including the repaint.
 
 #include "app/ProjectSettings.h"
 #include "benchmarks/support/RatioReporter.h"
@@ -52,7 +52,8 @@ struct Canvas
         const QImage first = NaturalMask(settings.LayerSize(), 7);
         for (int i = 0; i < count; ++i) {
             auto layer = std::make_unique<Layer>(1, 1, &layers, QStringLiteral("%1").arg(i));
-            // Masks of their own, though alike: making shapes takes longer than what is measured.
+            // Each layer has a mask of its own, but with the same shapes, because making shapes
+            // takes longer than the measured work.
             layer->SetImage(i == 0 ? first : first.copy(), QColor::fromHsv(i * 11, 200, 200, 128));
             layers.AddLayer(std::move(layer));
         }
@@ -89,7 +90,7 @@ struct Canvas
     MainView view;
 };
 
-/// Only one size of each lives at a time, and none longer than the application.
+/// Only one canvas exists at a time, and none outlives the application.
 std::unique_ptr<Canvas> paintedCanvas;
 std::unique_ptr<Canvas> layeredCanvas;
 
@@ -131,7 +132,7 @@ void MoveBrush(State& state, int side, double zoom, int size)
     canvas.Mouse(QEvent::MouseButtonRelease, NextPosition(), Qt::NoButton);
 }
 
-/// The whole-image rule: paint, show and convert everything.
+/// The simple version: paints, shows and converts the whole image.
 void MoveLiteralBrush(State& state, int side, double zoom, int size)
 {
     Canvas& canvas = CanvasOf(side);
@@ -177,7 +178,7 @@ void RegisterBrush()
     }
 }
 
-/// A canvas with many layers, of which one comes and goes.
+/// A canvas with many layers, one of which is shown and hidden.
 Canvas& LayersOf(int side)
 {
     std::unique_ptr<Canvas>& canvas = layeredCanvas;
@@ -201,8 +202,8 @@ void ToggleLayer(State& state, int side)
     }
 }
 
-/// Draws the prebuilt pictures of all layers into one picture and shows that. One picture stands
-/// for all, which memory does not hold at this size.
+/// Draws the prebuilt pictures of all layers into one picture and shows that. One picture is used
+/// for all layers, because at this size memory does not hold a picture for each.
 void ToggleLiteral(State& state, int side)
 {
     Canvas& canvas = LayersOf(side);
@@ -280,8 +281,8 @@ void RegisterLayers()
     }
 }
 
-/// Zones all over the view, on whole pixels or anywhere on them, and the repaint of it all; when
-/// they are moved, each time as if for the first time.
+/// Repaints zones all over the view, on whole pixels or anywhere. Moved zones are drawn as if for
+/// the first time.
 void RepaintZones(State& state, double zoom, bool isOnPixels, bool isMoved)
 {
     constexpr int zoneCount = 5000;
@@ -301,7 +302,7 @@ void RepaintZones(State& state, double zoom, bool isOnPixels, bool isMoved)
         canvas.scene()->addItem(zone);
     }
     QCoreApplication::processEvents();
-    // What was painted twice is painted quicker.
+    // Repeated paints are faster, so paint twice before measuring.
     canvas.view.viewport()->repaint();
     for (auto _ : state) {
         if (isMoved) {

@@ -1,5 +1,5 @@
-// Projects at the ends of what the editor takes: each is opened, saved and exported in the window,
-// in a process of its own, and the time and the memory of it are printed.
+// The largest and smallest projects that the editor accepts. Each is opened, saved and exported in
+// the window of a separate process, and its time and memory are printed.
 
 #include "app/ProjectSettings.h"
 #include "benchmarks/support/NaturalProject.h"

@@ -1,5 +1,5 @@
-// Long lists in the docks: messages, layers and territories, each beside a bare view of the toolkit
-// over a bare model that goes through the same.
+// Long lists in the docks: messages, layers and territories. Each is compared with a plain view of
+// Qt on a plain model that does the same.
 
 #include "app/ProjectSettings.h"
 #include "benchmarks/support/RatioReporter.h"
@@ -47,7 +47,7 @@ void ShowNow(QWidget& widget)
     QCoreApplication::processEvents();
 }
 
-/// The log of a load, behind what was logged for hours.
+/// The messages of a load, after those of several hours.
 void LogIntoOurs(State& state)
 {
     DockStatus dock;
@@ -146,7 +146,7 @@ void EditLayersInBareTree(State& state)
     }
 }
 
-/// Adds territories to one type, each the current row for a moment, and shows all of them.
+/// Adds territories to one type, makes each the current row for a moment, and shows all of them.
 void EditTerritoriesInOurs(State& state)
 {
     for (auto _ : state) {
@@ -229,7 +229,7 @@ int main(int argc, char** argv)
     QApplication::setQuitOnLastWindowClosed(false);
     qInstallMessageHandler(Quiet);
     ProjectSettings::Instance().SetSizes(64, 64, 640, 640);
-    // A window makes the layers those of an editor.
+    // With a window the layers behave as in the editor.
     const QWidget editorIsRunning;
     for (const auto& [name, work] : std::initializer_list<std::pair<const char*, void (*)(State&)>>{
              {"log/32 more behind 50000 lines/ours", LogIntoOurs},

@@ -1,7 +1,8 @@
-// Our morphology and set operations against a plain copy of the mask and against OpenCV with the
-// same disc, all in one run: each round measures every way once, after the caches were emptied, and
-// the medians of the rounds are set in relation. Times are in milliseconds; what starts with "x" is
-// how many times as fast ours is as the other, what ends in "/copy" how many copies ours takes.
+// Compares our morphology and set operations with a plain copy of the mask and with OpenCV with the
+// same disc, all in one run. Each round measures every version once with empty caches, and the
+// ratios are those of the medians. Times are in milliseconds. A name that starts with "x" says how
+// many times faster ours is than the other; one that ends in "/copy" says how many copies take the
+// time of ours.
 
 #include "layers/raster/Morphology.h"
 #include "benchmarks/support/ColdTime.h"
@@ -31,7 +32,7 @@ namespace {
 constexpr int WorldSize = 2048;
 constexpr int DenseSize = 8192;
 
-/// What is measured under one name; slow ways are measured fewer times.
+/// The versions that are measured under one name. Slow ones are measured fewer times.
 struct Way
 {
     std::string name;
@@ -114,7 +115,7 @@ QImage RandomMask(int size, quint32 indices)
     return MakeMask(size, [&](int, int) { return random() % indices * (255 / (indices - 1)); });
 }
 
-/// A set pixel every so many, at random.
+/// Random set pixels, one in so many.
 QImage SparseNoise(int size, quint32 period)
 {
     std::mt19937 random(1);
@@ -149,7 +150,7 @@ struct NamedMask
     QImage mask;
 };
 
-/// The example's layers, where they are there.
+/// The example's layers, if they exist.
 std::vector<NamedMask> ExampleLayers()
 {
     std::vector<NamedMask> layers;
@@ -188,7 +189,7 @@ cv::Mat ToMatrix(const QImage& mask)
             static_cast<std::size_t>(mask.bytesPerLine())};
 }
 
-/// OpenCV's own ellipse is not our disc.
+/// Makes our disc for OpenCV, whose own ellipse differs from it.
 cv::Mat ToKernel(float radius)
 {
     const int picture = static_cast<int>(radius) + 2;
@@ -207,7 +208,7 @@ bool AreEqual(const QImage& mask, const cv::Mat& matrix)
     return cv::norm(ToMatrix(mask), matrix, cv::NORM_INF) == 0;
 }
 
-/// Dilation by way of OpenCV's precise distances; inexact for some pictures.
+/// Dilation with OpenCV's precise distance transform, which is inexact for some pictures.
 void DilateByDistances(const cv::Mat& mask, float radius, cv::Mat& result)
 {
     cv::Mat clear;
@@ -238,7 +239,7 @@ struct Case
     std::string name;
     QImage mask;
     float radius;
-    /// Whether OpenCV takes part, which takes long for large radii and pictures.
+    /// Whether OpenCV is measured too, which takes long for large radii and pictures.
     bool isCompared;
 };
 
@@ -317,7 +318,7 @@ void CompareGrey(benchmark::State& state, float radius)
     }
 }
 
-/// Without OpenCV, whose kernel would have as many offsets as four such pictures pixels.
+/// Without OpenCV, whose kernel would have four times as many offsets as the picture has pixels.
 void MeasureGreyBeyondTheDiagonal(benchmark::State& state, int size)
 {
     const QImage mask = RandomMask(size, 256);

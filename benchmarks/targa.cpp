@@ -38,7 +38,7 @@ QByteArray Encoded(const QImage& mask)
     return file;
 }
 
-/// The same without runs that cross row ends, which some readers refuse.
+/// The same without runs across row ends, which some readers refuse.
 QByteArray EncodedByRows(const QImage& mask)
 {
     QByteArray file = Encoded(mask).left(18);
@@ -65,7 +65,7 @@ void Register(const std::string& name, Work work)
         ->UseManualTime();
 }
 
-/// A sink that takes the bytes into a buffer of its own, as a file's does.
+/// A sink that copies the bytes into a buffer, like that of a file.
 struct Buffer
 {
     std::vector<char> bytes = std::vector<char>(3 * Side * Side);
@@ -89,7 +89,7 @@ void RegisterDecode(const Case& c)
     Register("decode/" + c.name + "/per-pixel", [&c] {
         benchmark::DoNotOptimize(literal::DecodeTarga(c.file, {Side, Side}));
     });
-    // The script reads the file over and over, and so does this.
+    // Reads the file repeatedly, like the script.
     const std::string own = "read-file/" + c.name + "/ours";
     benchmark::RegisterBenchmark(own.c_str(),
                                  [&c](State& state) {

@@ -1,5 +1,5 @@
 // quillmap-tool on a project with 32 layers of 2048 x 2048 pixels and 6 + 4 flag types, each run in
-// a process of its own, beside one that only reads and writes the same files.
+// a separate process, compared with a process that only reads and writes the same files.
 
 #include "app/ProjectSettings.h"
 #include "benchmarks/support/NaturalProject.h"
@@ -27,7 +27,8 @@ constexpr int ValueCount = 4;
 constexpr double MiB = 1024.0 * 1024.0;
 constexpr const char* OnceOption = "--once";
 
-/// Reads the project's files, and writes as many bytes as the map has, as safely as the tool.
+/// Reads the project's files, and writes as many bytes as the map has, with the same safety as the
+/// tool.
 int CopyFiles(bool isWriting)
 {
     const QDir folder(QStringLiteral("layers"));
@@ -69,7 +70,7 @@ void Register(const char* name, const QString& program, const QStringList& argum
         ->Iterations(1);
 }
 
-/// The most memory that a child of this process has had resident.
+/// The peak resident memory of this process's children.
 void PrintPeakMemory()
 {
     rusage usage{};

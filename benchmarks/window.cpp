@@ -1,5 +1,5 @@
 // The editor's window: loading and saving a project with 32 layers of 2048 x 2048 pixels, how long
-// it is deaf meanwhile, and how long it takes to appear.
+// it does not respond meanwhile, and how long it takes to appear.
 
 #include "app/ProjectSettings.h"
 #include "benchmarks/support/NaturalProject.h"
@@ -47,7 +47,7 @@ void WriteLayers(const std::vector<QImage>& masks, const QString& folder)
     }
 }
 
-/// Returns when the first picture of the window is complete.
+/// Returns when the window has been painted for the first time.
 void Appear(QWidget& window)
 {
     window.show();
@@ -57,8 +57,8 @@ void Appear(QWidget& window)
     window.grab();
 }
 
-/// What a process of its own does, as the editor of somebody who has just begun: no memory is warm.
-/// Prints the seconds that it took.
+/// The work of a separate process, like an editor that has just been started: none of its memory is
+/// warm. Prints the seconds that it took.
 int RunOnce(const QString& work, const QString& folder)
 {
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder);

@@ -6,8 +6,8 @@
 
 using Work = std::function<void()>;
 
-/// The milliseconds of processor time that the work takes, with nothing of its data in the caches:
-/// the time does not count what else the machine is busy with.
+/// The processor time of the work in milliseconds, with none of its data in the caches. Processor
+/// time does not include other work of the machine.
 double ColdMilliseconds(const Work& work);
 
 /// The same for each pass of a benchmark that uses manual time.

@@ -6,12 +6,12 @@
 #include <QImage>
 #include <QVector>
 
-/// The straightforward versions of what is measured: one QImage call for each pixel.
+/// Simple versions of the measured functions, with one QImage call for each pixel.
 namespace literal {
 
 QByteArray EncodeTarga(const QImage& mask);
 QImage DecodeTarga(const QByteArray& file, QSize size);
-/// The words of a section, for either kind of flags.
+/// The words of a section, for either kind of flag.
 QByteArray ComposeFields(const QVector<raster::FlaggedMask>& masks, int bits, QSize size,
                          quint32 raster::FlaggedMask::*flags);
 QVector<QImage> SplitFields(const raster::BitFieldRaster& fields, QSize size, int flagCount);

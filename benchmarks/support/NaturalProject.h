@@ -4,10 +4,10 @@
 
 #include <QString>
 
-/// Of the layer's bitmap too.
+/// Also the name of the layer's bitmap.
 QString LayerName(int i);
 
-/// The types that the project's settings have from then on: "usage 0" ... and "value 0" ...
+/// Sets the flag types of the project's settings: "usage 0" ... and "value 0" ...
 void AddFlagTypes(int usageCount, int valueCount);
 
 /// Writes a project of the size and the flag types that the settings have: the document and the

@@ -15,7 +15,7 @@ public:
     void Finalize() override;
 
 private:
-    /// Seconds by group and who.
+    /// Seconds by group and version.
     std::map<std::string, std::map<std::string, std::vector<double>>> m_times;
 };
 

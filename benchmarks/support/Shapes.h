@@ -15,7 +15,7 @@ std::vector<QImage> ExampleMasks();
 /// Every second pixel set: the worst case of run lengths.
 QImage CheckerboardMask(QSize size);
 
-/// Copies the pixels into a second buffer that stays warm: the yardstick of memory speed.
+/// Copies the pixels into a second buffer that stays warm. This measures the speed of the memory.
 void CopyPixels(const QImage& mask);
 
 /// Reads every byte of the mask once and returns their sum.

@@ -22,7 +22,7 @@ void Pulse::Reset()
     m_sinceTick.restart();
 }
 
-/// Until nothing is left to be painted.
+/// Waits until nothing is left to paint.
 static void Settle()
 {
     constexpr int milliseconds = 200;
@@ -31,7 +31,7 @@ static void Settle()
 
 double LoadSeconds(QuillmapWindow& window, const QString& path, Pulse* pulse)
 {
-    // The picture of what was loaded before is not part of this load.
+    // Painting the project that was loaded before is not part of this load.
     Settle();
     QTimer::singleShot(0, &window, [&] {
         QTimer::singleShot(0, &window, [&] {
@@ -44,7 +44,7 @@ double LoadSeconds(QuillmapWindow& window, const QString& path, Pulse* pulse)
     ProjectSettings::Instance().modified = false;
     std::chrono::steady_clock::time_point begin;
     window.setWindowTitle(QString());
-    // The project's name is shown as soon as the file dialog is closed.
+    // The title changes as soon as the file dialog is closed.
     const auto beginning = QObject::connect(&window, &QWidget::windowTitleChanged, [&] {
         begin = std::chrono::steady_clock::now();
         if (pulse) {

@@ -6,7 +6,7 @@
 
 class QuillmapWindow;
 
-/// Ticks while the program answers to its user, and remembers the longest silence.
+/// Ticks while the program responds to its user, and keeps the longest pause.
 class Pulse : public QObject
 {
 public:
@@ -22,6 +22,6 @@ private:
     qint64 m_longest = 0;
 };
 
-/// Loads as the user does, by the file dialog; the time begins when the file was chosen, and with
-/// it the pulse.
+/// Loads as a user does, with the file dialog. The time and the pulse begin when the file has been
+/// chosen.
 double LoadSeconds(QuillmapWindow& window, const QString& path, Pulse* pulse = nullptr);
