@@ -1,7 +1,7 @@
-# What `cmake --install` puts where, and the Debian package that CPack makes of it.
+# The files that `cmake --install` installs, and the Debian package that CPack makes of them.
 
 include(GNUInstallDirs)
-# The toolchain's own folder for documents is named after the project, with a capital.
+# CMake's default folder for documents has the project's name with a capital letter.
 set(docs ${CMAKE_INSTALL_DATADIR}/doc/quillmap)
 
 set(programs quillmap quillmap-tool)
@@ -10,7 +10,7 @@ if(WIN32)
   return()  # The rest is for desktops that read what stands below share/.
 endif()
 
-# The desktop: menu entry, what software centres show, icons.
+# The desktop: the menu entry, the metadata for software centres, and the icons.
 install(FILES packaging/quillmap.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES packaging/org.quillmap.quillmap.metainfo.xml
   DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
@@ -23,11 +23,11 @@ endforeach()
 
 install(FILES docs/formats.md DESTINATION ${docs})
 install(PROGRAMS examples/readers/area_map.py DESTINATION ${docs}/examples/readers)
-# Not what a run of the example leaves in its folder.
+# Leaves out the files that a run of the example writes into its folder.
 install(DIRECTORY examples/highlands DESTINATION ${docs}/examples
   PATTERN Output EXCLUDE PATTERN territoryTypes EXCLUDE PATTERN map EXCLUDE)
 
-# Compressed without name and time, so that equal sources give equal packages.
+# Compressed without the file's name and time, so that equal sources give equal packages.
 find_program(QUILLMAP_GZIP gzip REQUIRED)
 function(quillmap_install_compressed source destination name)
   set(compressed ${PROJECT_BINARY_DIR}/compressed/${name}.gz)
@@ -47,7 +47,7 @@ foreach(program IN LISTS programs)
 endforeach()
 quillmap_install_compressed(CHANGELOG.md ${docs} changelog)
 
-# What only a Debian package has.
+# Files that only a Debian package contains.
 set(debian COMPONENT debian EXCLUDE_FROM_ALL)
 quillmap_install_compressed(
   packaging/debian/changelog ${docs} changelog.Debian ${debian})
@@ -79,13 +79,13 @@ set(CPACK_DEBIAN_PACKAGE_MAINTAINER "The Quillmap maintainers <maintainers@quill
 set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-# The libraries, by what the programs really link. The toolkit's packages bring the plugins that are
-# loaded at run time: platforms, JPEG.
+# The dependencies are the libraries that the programs link. Qt's packages contain the plugins that
+# are loaded at run time: platforms, JPEG.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# Texts are boxes without any font.
+# Without any font, texts are shown as boxes.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS fonts-dejavu-core)
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS python3)
-# One package of all components.
+# All components go into one package.
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
 set(CPACK_COMPONENTS_ALL Unspecified debian)

@@ -1,5 +1,5 @@
-# The flags that every target of ours is built with, each with its reason, and the functions that
-# declare libraries and tests.
+# The compiler flags of all our targets, each with its reason, and the functions that declare
+# libraries and tests.
 
 option(QUILLMAP_WERROR "Treat warnings as errors" OFF)
 option(QUILLMAP_CHECK_HEADERS "Compile each header alone, without precompiled headers" OFF)
@@ -40,17 +40,17 @@ target_compile_definitions(quillmap_flags INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII  # every text says which encoding it has
   QT_NO_FOREACH                              # range-for does not copy the container
   QT_NO_URL_CAST_FROM_STRING
-  QT_DISABLE_DEPRECATED_BEFORE=0x050F00)     # nothing that the toolkit has given up
+  QT_DISABLE_DEPRECATED_BEFORE=0x050F00)     # nothing that Qt has deprecated
 if(QUILLMAP_SANITIZE)
   target_compile_options(quillmap_flags INTERFACE
     -fsanitize=${QUILLMAP_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(quillmap_flags INTERFACE -fsanitize=${QUILLMAP_SANITIZE})
-  # The toolkit's own targets switch assertions off in every build that is no debug build.
+  # Qt's own targets switch assertions off in every build that is not a debug build.
   target_compile_definitions(quillmap_flags INTERFACE QT_FORCE_ASSERTS)
 endif()
 if(QUILLMAP_COVERAGE)
-  # Atomic, because computed layers count from a thread of their own. Targets with the property
-  # QUILLMAP_UNCOUNTED do not count: the slow straightforward versions that tests compare with, say.
+  # Atomic, because computed layers run on a second thread. Targets with the property
+  # QUILLMAP_UNCOUNTED are not counted, such as the slow simple versions that tests compare with.
   set(counting $<NOT:$<BOOL:$<TARGET_PROPERTY:QUILLMAP_UNCOUNTED>>>)
   target_compile_options(quillmap_flags INTERFACE
     $<${counting}:--coverage> $<${counting}:-fprofile-update=atomic>)
@@ -167,13 +167,14 @@ endfunction()
 
 # quillmap_test(FOLDER/tst_Name LIBRARY...)
 #
-# A Qt Test program tests/FOLDER/tst_Name.cpp with the libraries that it tests, run offscreen by
-# ctest. It sees test_support too.
+# Declares the Qt Test program tests/FOLDER/tst_Name.cpp with the libraries that it tests. ctest
+# runs it offscreen. It also links test_support.
 function(quillmap_test path)
   get_filename_component(name ${path} NAME)
   add_executable(${name} ${path}.cpp)
   target_link_libraries(${name} PRIVATE quillmap_flags test_support Qt5::Test ${ARGN})
-  # Expected texts are easier to read as plain literals, which are UTF-8 here.
+  # Tests use plain literals, which are UTF-8 here, because expected texts are easier to read that
+  # way.
   target_compile_options(${name} PRIVATE -UQT_NO_CAST_FROM_ASCII)
   quillmap_precompile(${name} -UQT_NO_CAST_FROM_ASCII)
   add_test(NAME ${name} COMMAND ${name})

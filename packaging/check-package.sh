@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
 # packaging/check-package.sh [--keep]
-# Builds the Debian package, checks it and what it holds, and runs it in a system that has nothing
-# else. Everything goes to build/package; the clean system, some 700 MB in build/package/root, is
-# removed at the end unless --keep is given. Needs root for that system (sudo when you are not) and a
-# network, as it is made from Debian's archive (DEBIAN_MIRROR names another one).
+# Builds the Debian package, checks it and its files, and runs the programs in a clean Debian.
+# Everything goes to build/package. The clean system takes some 700 MB in build/package/root, and is
+# removed at the end unless --keep is given. Making it needs root (it uses sudo if you are not root)
+# and a network, because it is made from Debian's archive (DEBIAN_MIRROR names another one).
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . packaging/packages.sh
 
 ensure_packages "to make and check the package" "${build_packages[@]}" "${package_packages[@]}"
 
-# Where this machine has its packages from.
+# The archive from which this machine gets its packages.
 mirror=${DEBIAN_MIRROR:-$(apt-get indextargets --format '$(SITE)' | head -n 1)}
 suite=bookworm
 build=$PWD/build/package
@@ -23,7 +23,7 @@ as_root=()
 step() { echo "--    $*"; }
 
 failures=0
-# section TITLE COMMAND...   Shows what the command printed only when it failed.
+# section TITLE COMMAND...   Shows the output of the command only if it fails.
 section() {
   local title=$1 output
   shift
@@ -36,12 +36,12 @@ section() {
   fi
 }
 
-# Built from nothing, with the distribution's flags; they also make paths in the binaries relative.
+# Builds from scratch with the distribution's flags, which also make paths in the binaries relative.
 build_package() {
   "${as_root[@]}" rm -rf "$root" && rm -rf "$build" || return 1
   (
     eval "$(DEB_BUILD_MAINT_OPTIONS=hardening=+bindnow dpkg-buildflags --export=sh)"
-    # The preprocessor's flags are not read from their own variable.
+    # CMake does not read the preprocessor's flags from their own variable.
     export CXXFLAGS="$CXXFLAGS $CPPFLAGS"
     cmake --preset package && cmake --build --preset package && cd "$build" && cpack
   )
@@ -68,7 +68,7 @@ every_program_has_its_files() {
   return $bad
 }
 
-# Each file that names the program's version names the one that CMakeLists.txt has.
+# Every file with the program's version must have the version of CMakeLists.txt.
 one_version() {
   local version file bad=0
   version=$(dpkg-deb --field "$package" Version)
@@ -82,10 +82,10 @@ one_version() {
   return $bad
 }
 
-# The folder that it was built in means nothing elsewhere.
+# Files must not contain the path of the build folder.
 no_path_of_this_machine() { ! grep -rlF -e "$PWD" "$tree" "$tree.control"; }
 
-depends_on_the_toolkit() {
+depends_on_qt() {
   local depends
   depends=$(dpkg-deb --field "$package" Depends)
   echo "Depends: $depends"
@@ -122,7 +122,7 @@ batch_run() {
     [ "$(find "$root/tmp/highlands/territoryTypes" -name '*.xml' | wc -l)" -eq 4 ]
 }
 
-# The window needs more of the toolkit's plugins: it has to come up with the project, and stay.
+# The window needs more of Qt's plugins, so it must open with the project and keep running.
 editor_opens() {
   local code=0 log
   log=$(in_root QT_QPA_PLATFORM=offscreen timeout 10 \
@@ -160,7 +160,7 @@ section "man pages" man_pages
 section "each program has man page and completion" every_program_has_its_files
 section "one version everywhere" one_version
 section "no path of this machine" no_path_of_this_machine
-section "dependencies" depends_on_the_toolkit
+section "dependencies" depends_on_qt
 section "lintian" lintian --allow-root --fail-on error,warning,info --display-info "$package"
 
 step "making a clean system"

@@ -1,6 +1,6 @@
-# Sourced by the scripts in the project's root: installs the Debian packages that are missing.
+# Sourced by the scripts in the project's root. Installs missing Debian packages.
 
-# What each command needs beyond a bare Debian 12.
+# The packages that each command needs in addition to a bare Debian 12.
 build_packages=(ca-certificates cmake g++ git ninja-build qtbase5-dev qtbase5-dev-tools)
 run_packages=(fonts-dejavu-core)
 test_packages=(fonts-dejavu-core imagemagick openbox python3 python3-pil x11-utils xauth xvfb)
@@ -14,7 +14,7 @@ package_packages=(appstream debootstrap desktop-file-utils dpkg-dev lintian man-
 bench_packages=(libbenchmark-dev libopencv-dev python3 python3-numpy python3-pil)
 
 # ensure_packages PURPOSE PACKAGE...
-# Says what it installs and what for; nothing when all is there.
+# Installs missing packages, and says which and why. Prints nothing if all are installed.
 ensure_packages() {
   local purpose=$1 package missing=()
   shift
@@ -33,7 +33,7 @@ ensure_packages() {
 }
 
 # build_preset PRESET [TARGET...]
-# Configures and builds quietly; shows what the tools said when they fail, about all files.
+# Configures and builds quietly. Shows the output of the tools only if they fail, for all files.
 build_preset() {
   local preset=$1 log
   shift
