@@ -14,7 +14,7 @@ bool IsFree(const World& world, Point place, float margin)
            world.roads.toRoad.Near(place) > 1.4F;
 }
 
-/// Along the nearest road.
+/// Aligns a building with the nearest road.
 Point RoadAxis(const Field& toRoad, Point place)
 {
     const float east = toRoad.Near(place + Point{1, 0}) - toRoad.Near(place - Point{1, 0});

@@ -19,7 +19,7 @@ struct Building
     std::uint32_t look;
 };
 
-/// What is built of stone and tarmac, for the picture.
+/// Buildings, streets and runways, for the picture.
 struct BuiltUp
 {
     std::vector<Building> buildings;

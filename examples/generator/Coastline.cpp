@@ -33,7 +33,7 @@ constexpr std::array<Lobe, 11> Lobes = {{
 
 Point FromCentre(Point place)
 {
-    // The outline reaches beyond 1, and open sea is wanted all around it.
+    // The outline extends beyond 1. Scale it, so that there is open sea all around the island.
     constexpr float half = 1.09F;
     constexpr float scale = 2.0F * half / WorldPixels;
     return {place.x * scale - half, place.y * scale - half};
@@ -60,7 +60,7 @@ float Landness(Point place)
                                std::min(lobe.radii.x, lobe.radii.y);
         const float share = Clamp01(0.5F - 2.2F * distance);
         if (lobe.strength > 0) {
-            // A soft maximum: lobes grow together where they meet.
+            // A soft maximum merges lobes where they meet.
             land = std::max(land, share * lobe.strength) + 0.25F * std::min(Clamp01(land), share);
         } else {
             bays += share * lobe.strength;
@@ -109,7 +109,8 @@ Mask MakeSea(int size)
                              (static_cast<float>(y) + 0.5F) * scale};
         sea[cell] = Landness(place) > 0 ? 0 : 1;
     });
-    // First no rocks too small to stand on, then no ponds of sea water, be it in such rocks.
+    // First remove rocks that are too small, then ponds of sea water, including those in such
+    // rocks.
     Mask kept = sea;
     DropSmallPatches(kept, static_cast<int>(420.0F / (scale * scale)));
     for (int cell = 0; cell < sea.Count(); ++cell) {

@@ -4,7 +4,7 @@
 
 namespace generator {
 
-/// Red, green and blue, 0 to 1, as they are shown.
+/// Red, green and blue from 0 to 1, in the colour space of the screen.
 struct Colour
 {
     float red = 0;

@@ -16,7 +16,7 @@ float NoiseAt(int x, int y, float width, int octaves, std::uint32_t seed)
                         Seed + seed);
 }
 
-/// Everything a cell's cover depends on.
+/// All values on which the cover of a cell depends.
 struct Ground
 {
     float height;
@@ -77,7 +77,7 @@ private:
                 m_cover.moisture[cell]};
     }
 
-    /// Whole parcels around the settlements, as far as the ground is flat and low.
+    /// Chooses whole parcels around the settlements where the ground is flat and low.
     static bool IsFarmland(const Ground& ground, int x, int y)
     {
         if (ground.toSettlement > 170.0F || ground.toSettlement < 0.0F || ground.height > 330.0F) {

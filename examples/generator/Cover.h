@@ -5,7 +5,7 @@
 
 namespace generator {
 
-/// What grows and lies on the ground.
+/// What covers the ground: plants, fields, sand and rock.
 struct Cover
 {
     Mask forest;
@@ -17,7 +17,8 @@ struct Cover
     Field snow;
     /// 0 dry to 1 moist.
     Field moisture;
-    /// Pixels to the nearest cell of forest, and to the nearest that has none.
+    /// The distances in pixels to the nearest cell of forest and to the nearest cell without
+    /// forest.
     Field toForest;
     Field toOpen;
     /// Pixels to the edge of the nearest settlement; below 0 inside.

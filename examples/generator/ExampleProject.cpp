@@ -37,7 +37,7 @@ void DescribeProject(const QString& folder)
     settings.projectFileName = QStringLiteral("highlands.xml");
     settings.projectName = QStringLiteral("highlands");
     settings.backgroundFile = BackgroundFile();
-    // White that veils nothing until its opacity is raised.
+    // White, and invisible until its opacity is raised.
     settings.backgroundColor.setRgba(0x00FFFFFF);
     settings.SetSizes(WorldPixels, WorldPixels, WorldMetres, WorldMetres);
 }
@@ -97,7 +97,7 @@ void AddLayers(const World& world, LayerList& layers)
     }
 }
 
-/// The brush that a new user finds: white with a thin black rim.
+/// The brush of the example: white with a thin black outline.
 void WriteBrush(QXmlStreamWriter& xml)
 {
     xml.writeEmptyElement(QStringLiteral("brush"));
@@ -114,7 +114,7 @@ QString WriteDocument(const World& world)
     AddLayers(world, layers);
     TerritoryTypeList types;
     PlaceTerritories(world, types);
-    // A bitmap that cannot be written is only logged by the document's writer.
+    // The writer of the document only logs a bitmap that it cannot write, so check that they exist.
     bool isWhole = true;
     const auto connection =
         QObject::connect(&Log::Instance(), &Log::MessageReceived,

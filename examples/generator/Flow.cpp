@@ -6,8 +6,8 @@ namespace generator {
 
 namespace {
 
-/// Cells by height in fine classes, lowest class first: the queue of the flood. A heap would sort
-/// more exactly, and take several times as long.
+/// The queue of the flood: cells in fine classes of height, lowest class first. A heap would sort
+/// exactly, but take several times as long.
 class ClassQueue
 {
 public:
@@ -28,7 +28,7 @@ public:
         head = cell;
     }
 
-    /// None when the queue is empty.
+    /// Returns none if the queue is empty.
     int Pop()
     {
         while (m_current < ClassCount) {
@@ -63,8 +63,8 @@ enum : std::uint8_t
     Done,
 };
 
-/// The steepest way down to a cell that the flood has passed. Slopes are blurred a little by
-/// chance, or straight valleys would follow the eight directions of the grid.
+/// The steepest way down to a cell that the flood has passed. Slopes are changed slightly at
+/// random, because otherwise straight valleys would follow the eight directions of the grid.
 int SteepestReceiver(const Field& level, const Mask& state, int x, int y, int fallback)
 {
     constexpr std::uint32_t seed = 11;

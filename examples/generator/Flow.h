@@ -4,19 +4,19 @@
 
 namespace generator {
 
-/// Where the water of each cell runs.
+/// The flow of the water from each cell.
 struct Flow
 {
     /// The cell that a cell drains into; its own index for the outlets.
     Grid<int> receiver;
-    /// Cells that drain through this one, itself included.
+    /// The number of cells that drain through this one, itself included.
     Field area;
-    /// All cells, each behind the one it drains into.
+    /// All cells, each after the one into which it drains.
     std::vector<int> order;
 };
 
-/// Routes the water of a height field to the cells of outlets, across hollows over their lowest
-/// brims. Every cell reaches an outlet when there is one.
+/// Routes the water of a height field to the outlets. Water leaves hollows over their lowest edge.
+/// Every cell reaches an outlet if there is one.
 Flow RouteFlow(const Field& height, const Mask& outlets);
 
 } // namespace generator

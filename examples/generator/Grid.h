@@ -5,10 +5,10 @@
 #include <cstdint>
 #include <vector>
 
-/// Program that makes the example project: an invented island and everything that lives on it.
+/// The program that makes the example project: an invented island and its creatures.
 namespace generator {
 
-/// Side of the world in pixels, and what one pixel measures.
+/// The side of the world in pixels, and the metres of one pixel.
 constexpr int WorldPixels = 2048;
 constexpr int WorldMetres = 15360;
 constexpr float MetresPerPixel = static_cast<float>(WorldMetres) / WorldPixels;
@@ -76,7 +76,7 @@ public:
     T operator[](int cell) const { return m_cells[static_cast<std::size_t>(cell)]; }
     T& At(int x, int y) { return (*this)[y * m_size + x]; }
     T At(int x, int y) const { return (*this)[y * m_size + x]; }
-    /// Outside, the value of the nearest cell.
+    /// Places outside get the value of the nearest cell.
     T Near(int x, int y) const
     {
         return At(std::clamp(x, 0, m_size - 1), std::clamp(y, 0, m_size - 1));

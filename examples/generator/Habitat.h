@@ -6,7 +6,7 @@
 
 namespace generator {
 
-/// What the creatures look for, as shares of 0 to 1 at a place. All are 0 in the sea.
+/// The properties of a place that matter to creatures, from 0 to 1. All are 0 in the sea.
 class Habitat
 {
 public:
@@ -25,7 +25,7 @@ public:
     QString Describe(Point place) const;
 
 private:
-    /// What the land looks like, in one word.
+    /// One word for the look of the land.
     QString Feature(Point place) const;
 
     const World& m_world;

@@ -21,8 +21,8 @@ constexpr std::size_t LakeCount = 11;
 constexpr std::size_t MinCells = 700;
 constexpr std::size_t MaxCells = 9000;
 
-/// The water that gathers behind a dam: everything upstream that lies below the level. Empty when
-/// that is too much.
+/// The water behind a dam: all cells upstream that are below the level. Empty if there are too
+/// many.
 Lake Dam(const Terrain& terrain, const Flow& flow, int outlet, float depth)
 {
     const int size = terrain.height.Size();
@@ -42,8 +42,8 @@ Lake Dam(const Terrain& terrain, const Flow& flow, int outlet, float depth)
     return lake;
 }
 
-/// The share of the lake's cells beside which the land lies lower than the water. It tells a lake
-/// in a valley from one that only the edge of a slope would hold.
+/// The share of the lake's cells beside which the land is lower than the water. It is large for a
+/// lake that would lie on a slope instead of in a valley.
 float OpenShare(const Lake& lake, const Terrain& terrain)
 {
     int open = 0;
@@ -60,7 +60,7 @@ float OpenShare(const Lake& lake, const Terrain& terrain)
     return static_cast<float>(open) / std::sqrt(static_cast<float>(lake.cells.size()));
 }
 
-/// Large, round and held by the land is good.
+/// Rates a lake: it should be large, round and enclosed by land.
 float ScoreOf(const Lake& lake, const Terrain& terrain)
 {
     const int size = terrain.height.Size();
@@ -133,7 +133,7 @@ float HighestAround(const Field& levels, int x, int y)
     return highest;
 }
 
-/// Rounds the shores, which follow the ways of the water cell by cell.
+/// Rounds the shores, which otherwise follow the flow of the water cell by cell.
 void RoundShores(Field& levels, const Terrain& terrain)
 {
     constexpr std::uint32_t seed = 410;
@@ -151,7 +151,8 @@ void RoundShores(Field& levels, const Terrain& terrain)
     });
 }
 
-/// Levels the water, and lifts the shore to it, or a lake would end in the air beside its dam.
+/// Levels the terrain to the water and lifts the shore to it. Otherwise the water at a dam would be
+/// above the land beside it.
 void LevelTerrain(Terrain& terrain, const Field& levels)
 {
     constexpr float reach = 5.0F;

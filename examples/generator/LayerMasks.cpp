@@ -15,7 +15,7 @@ float NoiseAt(int x, int y, float width, int octaves, std::uint32_t seed)
                         Seed + seed);
 }
 
-/// Edges rounded to about radius pixels, and small patches and holes gone.
+/// Rounds edges to about radius pixels, and removes small patches and holes.
 Mask Rounded(const Mask& mask, int radius, int minCells)
 {
     Field share(mask.Size());

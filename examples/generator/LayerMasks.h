@@ -4,8 +4,8 @@
 
 namespace generator {
 
-/// The areas as a designer would draw them: along what the picture shows, with rounded edges and
-/// without crumbs.
+/// The areas as a designer would draw them: they follow the picture, with rounded edges and without
+/// tiny patches.
 class LayerMasks
 {
 public:
@@ -30,7 +30,7 @@ public:
     Mask Isles() const;
 
 private:
-    /// Where chooses(x, y, cell) is true; on land unless told otherwise.
+    /// The cells for which chooses(x, y, cell) is true; only those on land by default.
     template <typename Chooser>
     Mask Where(Chooser chooses) const;
     Mask Compounds(bool isAirfield) const;

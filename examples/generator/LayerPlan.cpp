@@ -28,8 +28,8 @@ struct LayerRow
     Mask (LayerMasks::*mask)() const;
 };
 
-// From the sea up to the peaks, and what people made last. Layers that would hide others at first
-// sight start hidden.
+// From the sea up to the peaks; man-made areas come last. Layers that would cover others are hidden
+// at first.
 constexpr LayerRow Rows[] = {
     {"Fishing grounds", Coast, Tier1, 0x6E1E5AC8, true, &LayerMasks::FishingGrounds},
     {"Coast", Coast, Tier1, 0x82F5DC8C, true, &LayerMasks::Coast},

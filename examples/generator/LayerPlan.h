@@ -27,7 +27,7 @@ enum ValueFlag : quint32
 QVector<QString> UsageNames();
 QVector<QString> ValueNames();
 
-/// A layer before it is one.
+/// The plan of a layer.
 struct LayerPlan
 {
     QString name;
@@ -39,7 +39,7 @@ struct LayerPlan
     Mask mask;
 };
 
-/// In the order in which they are listed.
+/// In the order of the list.
 std::vector<LayerPlan> PlanLayers(const World& world);
 
 } // namespace generator

@@ -23,13 +23,14 @@ std::uint32_t Hash(int x, int y, std::uint32_t seed)
 
 float Random01(int x, int y, std::uint32_t seed)
 {
-    // 24 bits, as many as a float holds exactly.
+    // A float holds 24 bits exactly.
     return static_cast<float>(Hash(x, y, seed) >> 8U) * (1.0F / 16777216.0F);
 }
 
 namespace {
 
-/// Unit vectors every 22.5 degrees; written down because sine and cosine differ between libraries.
+/// Unit vectors every 22.5 degrees. They are constants because sine and cosine differ between
+/// libraries.
 constexpr std::array<Point, 16> Directions = {{
     {1.0F, 0.0F},
     {0.92388F, 0.382683F},
@@ -81,7 +82,7 @@ float GradientNoise(float x, float y, std::uint32_t seed)
 
 namespace {
 
-/// Octaves are turned by this vector against each other, so that their lattices do not line up.
+/// Each octave is turned by this vector, so that their grids do not coincide.
 constexpr Point OctaveTurn = {1.6F, 1.2F};
 
 template <typename Shape>

@@ -2,14 +2,14 @@
 
 #include <cstdint>
 
-/// Noise from integer hashes, so that every machine makes the same world of the same seed.
+/// Noise from integer hashes, so that every machine makes the same world from the same seed.
 namespace generator {
 
-/// All noise of the world depends on it.
+/// The seed of all noise of the world.
 constexpr std::uint32_t WorldSeed = 20417;
 
 std::uint32_t Hash(int x, int y, std::uint32_t seed);
-/// 0 to below 1.
+/// From 0 to less than 1.
 float Random01(int x, int y, std::uint32_t seed);
 
 /// Smooth noise with one bump a unit, about -1 to 1.
@@ -19,7 +19,7 @@ float FractalNoise(float x, float y, int octaves, std::uint32_t seed);
 /// The same with sharp crests, 0 to 1.
 float RidgedNoise(float x, float y, int octaves, std::uint32_t seed);
 
-/// What a point sees of scattered feature points, one in each unit square.
+/// The distances from a point to random feature points, of which there is one in each unit square.
 struct CellSample
 {
     /// Distances to the nearest and the second nearest feature point.
@@ -30,7 +30,7 @@ struct CellSample
 };
 CellSample CellNoise(float x, float y, std::uint32_t seed);
 
-/// Numbers one after another, the same from the same seed.
+/// A sequence of random numbers, the same for the same seed.
 class RandomSequence
 {
 public:

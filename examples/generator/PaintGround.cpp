@@ -66,7 +66,7 @@ Colour FieldColour(int x, int y)
     const Parcel parcel = ParcelAt(CentreOf(x, y));
     const float shade = 0.92F + 0.16F * static_cast<float>((parcel.id >> 8U) & 0xFFU) / 256.0F;
     const Colour crop = Crops[parcel.id % Crops.size()];
-    // Furrows every few pixels, faint as from high above.
+    // Faint furrows every few pixels, as seen from high above.
     const float wave = parcel.furrow * 0.8F;
     const float furrow = 0.97F + 0.06F * std::abs(2.0F * (wave - std::floor(wave)) - 1.0F);
     const float grain = 1.0F + 0.05F * NoiseAt(x, y, 5.0F, 2, 30);

@@ -9,11 +9,11 @@ namespace generator {
 
 namespace {
 
-/// To the sun, a unit vector; x to the east, y to the south.
+/// The unit vector to the sun; x to the east, y to the south.
 constexpr float SunX = -0.50F;
 constexpr float SunY = -0.50F;
 constexpr float SunZ = 0.7071F;
-/// Slopes are shown steeper than they are, as on every relief map.
+/// Slopes are drawn steeper than they are, as on relief maps.
 constexpr float Exaggeration = 1.5F;
 
 /// The terrain with its tree tops.
@@ -76,7 +76,7 @@ void PaintLight(Canvas& canvas, const World& world)
         }
         const float lit = 1.0F - 0.6F * SmoothStep(0.0F, 14.0F, shadow[cell]);
         const float sun = (1.0F - ambient) * LightAt(surface, x, y) * lit;
-        // Hollows see less of the sky than crests.
+        // Hollows get less light from the sky than crests.
         const float open =
             std::clamp((world.terrain.height[cell] - around[cell]) / 90.0F, -0.5F, 0.5F);
         const float sky = ambient * (1.0F + 0.6F * open);

@@ -4,7 +4,7 @@
 
 namespace generator {
 
-/// A field of a farm, as a place in it sees it.
+/// The field of a farm at a place.
 struct Parcel
 {
     std::uint32_t id;
@@ -14,8 +14,8 @@ struct Parcel
     float furrow;
 };
 
-/// The whole world is parcelled out, in blocks of strips that lie their own way; farmland shows
-/// which parcels are used.
+/// Divides the whole world into parcels, in blocks of strips with different directions. The
+/// farmland decides which parcels are used.
 Parcel ParcelAt(Point place);
 
 } // namespace generator

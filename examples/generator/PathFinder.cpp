@@ -8,7 +8,7 @@ namespace {
 
 constexpr int CellsAcross = WorldPixels / PathFinder::PixelsPerCell;
 
-/// Steps of three lengths: with the eight neighbours alone, ways would run in straight diagonals.
+/// Steps of three lengths. With the eight neighbours only, paths would be long straight diagonals.
 constexpr float Knight = 2.23606798F;
 constexpr Step PathSteps[] = {
     {1, 0, 1.0F},     {-1, 0, 1.0F},     {0, 1, 1.0F},      {0, -1, 1.0F},
@@ -22,7 +22,8 @@ struct Open
     float cost;
     int cell;
 
-    /// The cheapest comes first; of equals the one of the lower number, on every machine.
+    /// The cheapest cell comes first. Among equals the lower index comes first, so that all
+    /// machines find the same path.
     bool operator<(const Open& other) const
     {
         return cost != other.cost ? cost > other.cost : cell > other.cell;

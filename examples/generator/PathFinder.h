@@ -12,16 +12,16 @@ class PathFinder
 public:
     static constexpr int PixelsPerCell = 4;
 
-    /// height is of the full size; groundCost is what a path cell costs to cross, negative where
+    /// height has the full size. groundCost is the cost of crossing a path cell, negative where
     /// nobody can go.
     PathFinder(const Field& height, Field groundCost);
 
     static int CellAt(Point place);
-    /// The middle of the cell.
+    /// The centre of the cell.
     static Point PlaceOf(int cell);
 
-    /// The cheapest way from a place to the first cell that is the goal, both included; empty when
-    /// there is none. Cells of beaten cost less.
+    /// The cheapest way from a place to the first cell of the goal, both included; empty if there
+    /// is none. Cells of beaten cost less.
     std::vector<int> FindPath(Point from, const std::function<bool(int)>& isGoal,
                               const Mask* beaten = nullptr) const;
 

@@ -17,7 +17,7 @@ public:
 
     float& Value(int place) { return m_values[static_cast<std::size_t>(place)]; }
 
-    /// Hands the new value of each place of the line to store.
+    /// Calls store with the new value of each place of the line.
     template <typename Store>
     void Run(Store store)
     {
@@ -107,7 +107,8 @@ void BlurRows(const Field& in, Field& out, int radius)
     }
 }
 
-/// The running mean along each column, all columns side by side: rows are what memory is fast in.
+/// The running mean along each column. It goes row by row through all columns at once, because
+/// memory is faster along rows.
 void BlurColumns(const Field& in, Field& out, int radius)
 {
     const int size = in.Size();

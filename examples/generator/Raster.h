@@ -7,7 +7,8 @@ namespace generator {
 /// Exact distance in pixels to the nearest set cell; 0 in the set itself.
 Field DistanceTo(const Mask& mask);
 
-/// The mean over a square of 2 * radius + 1 cells, three times over: nearly a bell curve.
+/// The mean over a square of 2 * radius + 1 cells, applied three times, which is close to a
+/// Gaussian blur.
 Field Blurred(const Field& field, int radius);
 
 /// Twice the size, through cubic curves.
@@ -21,7 +22,7 @@ struct Patches
 };
 Patches FindPatches(const Mask& mask);
 
-/// Turns over the patches, set or clear, that have fewer cells.
+/// Inverts the patches, set or clear, that have fewer cells.
 void DropSmallPatches(Mask& mask, int minCells);
 
 Mask Inverse(const Mask& mask);

@@ -10,10 +10,10 @@ namespace {
 
 constexpr int PathScale = PathFinder::PixelsPerCell;
 
-/// How far before the fence of a compound its track starts, in pixels.
+/// The distance in pixels from the fence of a compound to the start of its track.
 constexpr float GateWay = 6.0F;
 
-/// What a path cell costs to cross, per pixel; negative where no road can go.
+/// The cost of crossing a path cell, per pixel. Negative where there can be no road.
 Field MakeGroundCost(const Terrain& terrain, const Water& water, const Sites& sites)
 {
     constexpr std::uint32_t seed = 600;
@@ -77,7 +77,7 @@ public:
         Add(m_finder.FindPath(place, [this](int cell) { return m_isRoad[cell] != 0; }), isTrack);
     }
 
-    /// A second way from one place to another, where the network makes it worth while.
+    /// Adds a second way between two places, if the way through the network is much longer.
     void AddLink(Point from, Point to)
     {
         const int target = PathFinder::CellAt(to);
@@ -93,7 +93,7 @@ public:
         }
     }
 
-    /// From a gate into a compound.
+    /// The track from a gate into a compound.
     void AddDrive(const Line& line)
     {
         m_roads.push_back({{SnapToRoads(m_roads, line.front()), line.back()}, true});
@@ -123,7 +123,8 @@ private:
     bool m_hasStart = false;
 };
 
-/// Links each settlement to its nearest neighbours too: a tree alone leads everywhere the long way.
+/// Also links each settlement to its nearest neighbours, because a tree of roads alone would make
+/// long detours.
 void LinkNeighbours(Builder& builder, const std::vector<Settlement>& settlements)
 {
     for (std::size_t i = 0; i < settlements.size(); ++i) {

@@ -14,7 +14,7 @@ void DrawSegment(Field& coverage, Point from, Point to, float fromWidth, float t
         const float t = Clamp01((there.x * way.x + there.y * way.y) / square);
         const float distance = Length(there - way * t);
         const float width = Mix(fromWidth, toWidth, t);
-        // Lines thinner than a pixel are fainter instead.
+        // Lines thinner than a pixel are drawn fainter.
         const float share =
             Clamp01(0.5F * std::max(width, 1.0F) + 0.5F - distance) * std::min(width, 1.0F);
         coverage.At(x, y) = std::max(coverage.At(x, y), share);
@@ -70,7 +70,8 @@ Line Smoothed(Line line, int passes)
 
 Point DirectionOf(float turn)
 {
-    // A diamond pushed out to the circle: no sine or cosine, which differ between libraries.
+    // Projects a diamond onto the circle. Does not use sine and cosine, which differ between
+    // libraries.
     const float around = 4.0F * turn;
     const Point diamond = {around < 2.0F ? 1.0F - around : around - 3.0F, around < 1.0F ? around
                                                                           : around < 3.0F

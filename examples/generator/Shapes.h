@@ -6,10 +6,10 @@ namespace generator {
 
 using Line = std::vector<Point>;
 
-/// Coverage fields hold how much of each pixel a shape takes, 0 to 1; drawing adds to what is there
-/// by the larger value.
+/// Coverage fields hold which share of each pixel a shape covers, 0 to 1. Drawing keeps the larger
+/// of the old and the new value.
 void DrawLine(Field& coverage, const Line& line, float width);
-/// With a width at each point of the line.
+/// Draws a line with a width at each of its points.
 void DrawLine(Field& coverage, const Line& line, const std::vector<float>& widths);
 
 /// A rectangle that lies along a unit vector.
@@ -49,7 +49,7 @@ inline Point CentreOf(int x, int y)
 /// Rounds the corners of a line; its ends stay.
 Line Smoothed(Line line, int passes);
 
-/// A unit vector, from a number of 0 to 1 that goes once around.
+/// A unit vector. Numbers from 0 to 1 go once around the circle.
 Point DirectionOf(float turn);
 
 } // namespace generator

@@ -11,7 +11,7 @@ namespace {
 constexpr int TownCount = 5;
 constexpr int VillageCount = 25;
 
-/// What is there to choose from: places on a coarse raster with what speaks for them.
+/// The candidates: places on a coarse raster, with their ratings.
 struct Candidate
 {
     Point place;
@@ -87,7 +87,7 @@ void Settle(std::vector<Settlement>& settlements, const std::vector<Candidate>& 
     }
 }
 
-/// The turn of the axis along which the ground is most level.
+/// The direction in which the ground is most level.
 Point LevelAxis(const Terrain& terrain, Point place, float halfLength)
 {
     constexpr int turns = 24;
@@ -111,7 +111,7 @@ Point LevelAxis(const Terrain& terrain, Point place, float halfLength)
 
 bool IsFree(const Terrain& terrain, const Water& water, const Rectangle& ground)
 {
-    // A raster that reaches a tenth over the edge.
+    // A raster that extends a tenth beyond the edge.
     for (int column = -11; column <= 11; ++column) {
         for (int row = -11; row <= 11; row += 2) {
             const Point place =
@@ -125,7 +125,7 @@ bool IsFree(const Terrain& terrain, const Water& water, const Rectangle& ground)
     return true;
 }
 
-/// What a kind of compound needs.
+/// The requirements of a kind of compound.
 struct Demand
 {
     Compound::Kind kind;
@@ -156,7 +156,7 @@ float NearestCompound(const std::vector<Compound>& compounds, Point place)
     return nearest;
 }
 
-/// Flat ground for what is built; a radar stands on the top of a hill instead.
+/// Levels the ground for buildings. A radar is on the top of a hill instead.
 float ScoreFor(const Demand& demand, const Terrain& terrain, const Candidate& candidate)
 {
     if (demand.kind != Compound::Radar) {

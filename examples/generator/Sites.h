@@ -9,7 +9,7 @@ namespace generator {
 struct Settlement
 {
     Point centre;
-    /// Pixels, roughly.
+    /// Approximately, in pixels.
     float radius;
     bool isTown;
 };
@@ -36,7 +36,8 @@ struct Sites
 /// is levelled under what needs it.
 Sites ChooseSites(Terrain& terrain, const Water& water);
 
-/// Pixels to the edge of the nearest settlement, below 0 inside; edges are ragged.
+/// The distance in pixels to the edge of the nearest settlement; negative inside. The edges are
+/// ragged.
 float DistanceToSettlement(const Sites& sites, Point place);
 
 } // namespace generator

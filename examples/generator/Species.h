@@ -6,16 +6,16 @@
 
 namespace generator {
 
-/// The zones of one usage that a territory of a species has.
+/// The zones of one usage in a territory of a species.
 struct ZoneDemand
 {
     int usage;
-    /// The event, for dynamic events.
+    /// The name of the event, for dynamic events.
     const char* eventName;
     int count;
     float minRadiusMetres;
     float maxRadiusMetres;
-    /// The most creatures that a zone gets, those that stay and those that come and go.
+    /// The largest numbers of static and dynamic creatures in a zone.
     int maxStatic;
     int maxDynamic;
     float (*suits)(const Habitat& habitat, Point place);

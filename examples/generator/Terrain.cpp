@@ -36,13 +36,13 @@ void ScaleToPeak(Field& height)
         highest = std::max(highest, height[cell]);
     }
     for (int cell = 0; cell < height.Count(); ++cell) {
-        // Low land is flattened into plains; the order of heights, and so the valleys, stay.
+        // Flatten low land into plains. The order of heights does not change, so the valleys stay.
         const float scaled = height[cell] * HighestPeak / highest;
         height[cell] = scaled * (0.30F + 0.70F * SmoothStep(0.0F, 300.0F, scaled));
     }
 }
 
-/// Small forms that the coarse steps cannot hold, stronger where the land is high.
+/// Adds forms too small for the coarse steps, larger ones where the land is high.
 void Roughen(Field& height, const Mask& sea)
 {
     constexpr std::uint32_t seed = 300;

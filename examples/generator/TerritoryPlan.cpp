@@ -16,7 +16,7 @@ namespace generator {
 
 namespace {
 
-/// A share below it is no fit at all.
+/// Places with a lower share do not suit.
 constexpr float LeastFit = 0.12F;
 
 struct Circle
@@ -25,14 +25,14 @@ struct Circle
     float radius;
 };
 
-/// How much of the smaller of two circles the other one takes, roughly.
+/// The share of the smaller of two circles that the other one covers, approximately.
 float Overlap(const Circle& a, const Circle& b)
 {
     const float gap = Length(a.centre - b.centre) - a.radius - b.radius;
     return Clamp01(-gap / (2.0F * std::min(a.radius, b.radius)));
 }
 
-/// A whole pixel: a designer's mouse places zones so.
+/// Rounds to a whole pixel, like zones that are placed with the mouse.
 Point OnPixel(Point place)
 {
     return {std::floor(place.x), std::floor(place.y)};
@@ -68,7 +68,7 @@ public:
     }
 
 private:
-    /// The best of many places; far from the others of the species is better.
+    /// The best of many places. Places far from other territories of the species are better.
     Point FindHome(const Species& species, const std::vector<Point>& homes, RandomSequence& random)
     {
         constexpr int tries = 3000;
@@ -92,7 +92,7 @@ private:
         return best;
     }
 
-    /// A home is good when what the zones need lies around it.
+    /// Rates a home by how well its surroundings suit the zones.
     float FitAround(const Species& species, Point place) const
     {
         float fit = species.suits(m_habitat, place);
@@ -130,7 +130,7 @@ private:
         }
     }
 
-    /// Radius 0 when nothing suits.
+    /// The radius is 0 if no place suits.
     Circle FindCircle(const ZoneDemand& demand, Point home, float reach, float radius,
                       const std::vector<Circle>& taken, RandomSequence& random) const
     {

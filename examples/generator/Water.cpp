@@ -9,7 +9,7 @@ namespace generator {
 
 namespace {
 
-/// Cells that must drain through a place before a river shows there.
+/// The number of cells that must drain through a place to make a river there.
 constexpr float MinArea = 7000.0F;
 
 float WidthOf(float area)
@@ -35,7 +35,7 @@ Point Meandered(Point place)
                        4.0F;
 }
 
-/// From a source down to the sea or to a river that is there already.
+/// Follows the water from a source down to the sea or to an existing river.
 River Trace(const Flow& flow, const Mask& sea, Mask& taken, int source)
 {
     const int size = flow.area.Size();
@@ -51,7 +51,7 @@ River Trace(const Flow& flow, const Mask& sea, Mask& taken, int source)
             break;
         }
     }
-    // Widths of the overlap belong to the other river.
+    // In the overlap the widths are those of the other river.
     for (std::size_t i = river.widths.size(); i-- > 1 && i + 4 > river.widths.size();) {
         river.widths[i] = std::min(river.widths[i], river.widths[i / 2] * 1.5F);
     }
@@ -59,7 +59,7 @@ River Trace(const Flow& flow, const Mask& sea, Mask& taken, int source)
     return river;
 }
 
-/// The cell of each lake that most water drains through, where it leaves.
+/// The outflow of each lake: the cell through which most water drains.
 std::vector<int> FindOutlets(const Mask& lake, const Flow& flow)
 {
     const Patches patches = FindPatches(lake);
@@ -79,13 +79,13 @@ std::vector<River> TraceRivers(const Terrain& terrain, const Mask& lake)
     const Flow flow = RouteFlow(terrain.height, terrain.sea);
     Mask taken(terrain.height.Size());
     std::vector<River> rivers;
-    // Every lake has its outflow, be it small.
+    // Every lake has an outflow, even a small one.
     for (const int outlet : FindOutlets(lake, flow)) {
         if (outlet >= 0 && !taken[outlet]) {
             rivers.push_back(Trace(flow, terrain.sea, taken, outlet));
         }
     }
-    // The highest sources first: they make the long rivers, and the others join them.
+    // The highest sources come first, because they make the long rivers that the others join.
     for (auto cell = flow.order.rbegin(); cell != flow.order.rend(); ++cell) {
         if (flow.area[*cell] >= MinArea && !terrain.sea[*cell] && !taken[*cell] &&
             IsSource(flow, *cell)) {

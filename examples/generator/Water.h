@@ -8,7 +8,7 @@ namespace generator {
 struct River
 {
     Line line;
-    /// In pixels, at each point of the line.
+    /// The width in pixels at each point of the line.
     std::vector<float> widths;
 };
 
@@ -23,7 +23,7 @@ struct Water
     Field toFresh;
 };
 
-/// Dams valleys up into lakes, which levels the terrain there, and lets the rivers run.
+/// Dams valleys to make lakes, which levels the terrain there, and makes the rivers.
 Water MakeWater(Terrain& terrain);
 
 } // namespace generator

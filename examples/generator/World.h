@@ -8,8 +8,8 @@
 
 namespace generator {
 
-/// All that is known of the island. The picture, the layers and the territories are made of it, and
-/// so they agree.
+/// All data of the island. The picture, the layers and the territories are made from it, so they
+/// agree.
 struct World
 {
     Terrain terrain;

@@ -8,7 +8,7 @@
 /// make_example FOLDER: makes the example project there.
 int main(int argc, char* argv[])
 {
-    // It needs widgets, but nobody looks at them.
+    // Layers need widgets, but no display.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
@@ -16,7 +16,7 @@ int main(int argc, char* argv[])
         LogError(QStringLiteral("Usage: make_example FOLDER"));
         return 1;
     }
-    // Layers have colours while there is a top-level widget.
+    // Layers have colours only while there is a top-level widget.
     const QWidget window;
     const QString error = generator::WriteExample(arguments.at(1));
     if (!error.isEmpty()) {

@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
 """Reads a Quillmap area map: the flags of each pixel of a world.
 
-    area_map.py MAP                    tells its sizes, and on how many pixels each flag is set
+    area_map.py MAP                    prints its sizes, and on how many pixels each flag is set
     area_map.py MAP --json             the same for programs
     area_map.py MAP --pictures FOLDER  also writes FOLDER/usage-K.pgm and FOLDER/value-K.pgm, white
                                        where flag K is set
 
-It needs Python 3.6 and nothing else, and shares no code with Quillmap: take it, or what you like of
-it, into your own program. The format is described in formats.md. Flags are counted from 0, in the
-order in which the project lists them; a map holds no names.
+It needs only Python 3.6 and shares no code with Quillmap. Copy it, or parts of it, into your own
+program. formats.md describes the format. Flags are counted from 0, in the order in which the project
+lists them; a map holds no names.
 
 Exit codes: 0 done, 1 no area map or one that is cut off, 2 wrong arguments, 3 a file cannot be read
 or written.
@@ -50,7 +50,7 @@ class Section:
     def pixel_counts(self):
         """On how many pixels each of the flags 0 to bits - 1 is set."""
         counts = [0] * self.bits
-        # Neighbours are alike, so a map has few different words.
+        # Neighbouring pixels are mostly equal, so a map has few different words.
         for value, occurrences in collections.Counter(self.words).items():
             for place in range(self.pixels_per_word):
                 field = self._field_of(value, place)
