@@ -114,7 +114,7 @@ QString WriteDocument(const World& world)
     AddLayers(world, layers);
     TerritoryTypeList types;
     PlaceTerritories(world, types);
-    // The writer of the document only logs a bitmap that it cannot write, so check that they exist.
+    // The writer of the document only logs a bitmap that it cannot write, so watch the log.
     bool isWhole = true;
     const auto connection =
         QObject::connect(&Log::Instance(), &Log::MessageReceived,

@@ -74,7 +74,7 @@ void tst_BackgroundPicture::IsCopiedToTheSamePlace()
     TwoFolders folders;
     WriteBytes(folders.Path("old/" + file), "picture");
     if (file.startsWith("..")) {
-        // Seen from the new folder the place is another one.
+        // From the new folder the path leads to another place.
         QVERIFY(QDir().rename(folders.Path("new"), folders.Path("moved")));
         QDir().mkpath(folders.Path("deep/new"));
         ProjectSettings::Instance().backgroundFile = file;
@@ -179,7 +179,7 @@ void tst_BackgroundPicture::ReplacesNothingOutsideTheFolder()
              QStringList{QString("Error: The background image was not copied to '%1': there is "
                                  "another file, outside the project's folder.")
                              .arg(place)});
-    // The old one is still found.
+    // The old picture is still found.
     QCOMPARE(folders.BackgroundFile(),
              isByALink ? "../old/pictures/world.png" : "../../deep/world.png");
 }

@@ -32,7 +32,7 @@ constexpr char Types[] =
     "<zone name=\"Rest\" x=\"50\" z=\"50\" r=\"25\"/></territory>"
     "</territory-type><territory-type name=\"Wolf\"/></territory-type-list>";
 
-/// What a map of a project without flag types consists of.
+/// The content of the map of a project without flag types.
 QByteArray MapWithoutFlags()
 {
     return Ints({4, 4, 100, 100, 0, 0});
@@ -40,7 +40,7 @@ QByteArray MapWithoutFlags()
 
 } // namespace
 
-/// Each test runs in a folder of its own, as the working directory and without a project folder.
+/// Each test runs in a temporary working directory, without a project folder.
 class tst_BatchExport : public QObject
 {
     Q_OBJECT
@@ -120,7 +120,7 @@ void tst_BatchExport::OutputFolderFollowsFromTheArguments_data()
 {
     QTest::addColumn<QString>("configPath");
     QTest::addColumn<QString>("outputPath");
-    // Below the working directory; how the messages write it.
+    // The place below the working directory, as messages show it.
     QTest::addColumn<QString>("mapPath");
     QTest::newRow("no folder typed") << "a.xml"
                                      << ""

@@ -9,7 +9,8 @@ namespace {
 
 using FileMap = QMap<QString, QByteArray>;
 
-/// The lines of a file of the case, empty ones too, with {FOLDER} as the folder of the run.
+/// The lines of a file of the case, including empty ones. {FOLDER} is replaced by the folder of the
+/// run.
 QStringList Lines(const QString& path, const QString& folder)
 {
     QString text = QString::fromUtf8(ReadBytes(path)).replace("{FOLDER}", folder);
@@ -22,7 +23,7 @@ QStringList Lines(const QString& path, const QString& folder)
     return text.split('\n');
 }
 
-/// What is in a folder of the case and what git cannot hold there: folders without files.
+/// The content of a folder of the case, and the empty folders that git cannot store there.
 FileMap FilesAndFolders(const QString& folder, const QStringList& emptyFolders)
 {
     FileMap files = FilesBelow(folder);
@@ -34,7 +35,7 @@ FileMap FilesAndFolders(const QString& folder, const QStringList& emptyFolders)
 
 } // namespace
 
-/// Runs each folder of tests/golden/batch; its README says what the files in there are.
+/// Runs the case in each folder of tests/golden/batch. The README there describes the files.
 class tst_BatchGolden : public QObject
 {
     Q_OBJECT

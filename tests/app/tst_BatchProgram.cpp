@@ -21,7 +21,7 @@ constexpr char ProjectWithoutTypes[] =
 
 } // namespace
 
-/// The program itself, each time in a folder of its own.
+/// Runs the real program, each time in a new folder.
 class tst_BatchProgram : public QObject
 {
     Q_OBJECT

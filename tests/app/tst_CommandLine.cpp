@@ -79,7 +79,7 @@ void tst_CommandLine::OptionsAreTakenAsTyped()
 
 void tst_CommandLine::HelpIsRegisteredBehindEachOption()
 {
-    // The toolkit warns of each name of the second and the third registration.
+    // Qt warns about each name of the second and the third registration.
     static QStringList warnings;
     warnings.clear();
     const QtMessageHandler before = qInstallMessageHandler(

@@ -26,7 +26,7 @@ private:
     using Files = QMap<QString, QByteArray>;
 
     static void MakeProject(const QString& folder);
-    /// What the folder holds after so many runs.
+    /// The content of the folder after so many runs.
     static Files Saved(const QByteArray& way, const char* count);
     static void KillOnce(const QString& folder, const QByteArray& way, int milliseconds,
                          const QStringList& user = {});
@@ -36,7 +36,7 @@ private:
     static int Kills();
 };
 
-/// The example, and a document beside it that makes a wholly different output.
+/// The example, and a second document whose output is entirely different.
 void tst_KilledSaves::MakeProject(const QString& folder)
 {
     Files files = FilesBelow(QUILLMAP_EXAMPLE_FOLDER);
@@ -105,7 +105,7 @@ void tst_KilledSaves::EachFileIsWhollyTheOldOrTheNewOne()
     QElapsedTimer sinceStart;
     sinceStart.start();
     const Files second = Saved(way, "2");
-    // So that all of a run is met, however slow the machine is.
+    // Measures a run, so that the kills hit all of it even on a slow machine.
     const auto longest = static_cast<int>(sinceStart.elapsed());
     QVERIFY(first != second);
     const QTemporaryDir folder;
@@ -114,12 +114,12 @@ void tst_KilledSaves::EachFileIsWhollyTheOldOrTheNewOne()
     Random random;
     int interrupted = 0;
     for (int i = 0; i < kills || (interrupted == 0 && i < 10 * kills); ++i) {
-        // It ends at once when what the last one left cannot be loaded.
+        // The program ends at once if it cannot load the files of the run before.
         KillOnce(folder.path(), way, 1 + random.Below(longest));
 
         bool hasFirst = false;
         bool hasSecond = false;
-        // What was being written may lie beside.
+        // Files that were being written may be left.
         for (auto it = first.begin(); it != first.end(); ++it) {
             if (it.key().endsWith('/')) {
                 continue;
@@ -133,7 +133,7 @@ void tst_KilledSaves::EachFileIsWhollyTheOldOrTheNewOne()
         }
         interrupted += hasFirst && hasSecond ? 1 : 0;
     }
-    // Else it was never killed while it saved.
+    // Otherwise it was never killed during a save.
     QVERIFY(interrupted > 0);
     // What the last ones left goes with the next one.
     const ProgramRun run =

@@ -14,7 +14,7 @@ Q_DECLARE_METATYPE(QtMsgType)
 
 namespace {
 
-/// What reached the console while it lives.
+/// Collects the console output while it exists.
 class ConsoleSpy
 {
 public:
@@ -114,7 +114,7 @@ void tst_Log::TimeIsTheTimeOfDay()
 {
     const ConsoleSpy console;
     const auto now = [] { return QTime::currentTime().toString("HH:mm:ss"); };
-    // The second may change between the two.
+    // The clock may reach the next second between the two.
     QString before;
     do {
         ConsoleSpy::Lines().clear();
@@ -167,7 +167,7 @@ void tst_Log::EachMessageIsOneConsoleLine()
     const ConsoleSpy spy;
     Log::Instance().LogMessage(content, Log::Error);
     QCOMPARE(WithoutTimes({ConsoleSpy::Lines().first().second}), QStringList{console});
-    // Whoever shows it elsewhere gets what was logged.
+    // The signal carries the message as it was logged.
     QCOMPARE(WithoutTimes(received), QStringList{content});
 }
 

@@ -73,7 +73,7 @@ void NamesTest::namesThatLeadUpwardAreTold_data()
     QTest::newRow("upward") << "../coast" << true;
     QTest::newRow("down and up") << "north/../coast" << true;
     QTest::newRow("up behind two slashes") << "north//../coast" << true;
-    // The file's suffix makes something else of these.
+    // With the file's suffix these are ordinary names.
     QTest::newRow("only dots") << ".." << false;
     QTest::newRow("dots at the end") << "north/.." << false;
     QTest::newRow("dots in a folder's name") << "..north/so..uth/west../..." << false;
@@ -140,7 +140,7 @@ void NamesTest::freeNamesAreTheFirstThatAreNotTaken()
 
 void NamesTest::manyFreeNamesAreFoundWithoutTryingAllAgain()
 {
-    // Trying all numbers for each would take hours, which no test is given.
+    // If all numbers were tried for each name, this would run into the test's time limit.
     constexpr int count = 200000;
     FreeNames names({"coast"});
     QSet<QString> given;

@@ -150,7 +150,7 @@ void OutputFileTest::aFailedFlushFails()
     OutputFile file(Target());
     QVERIFY(file.Open());
     const FileSizeLimit limit(4);
-    // So little is buffered, and only the commit tells that there is no room for it.
+    // So few bytes stay in the buffer, and only the commit finds that there is no room.
     QVERIFY(file.Write("123456789"));
     QVERIFY(!file.Commit());
     QCOMPARE(ReadBytes(Target()), QByteArray("old"));
@@ -198,7 +198,7 @@ void OutputFileTest::aPipeIsWrittenInPlace()
 {
     const QByteArray path = QFile::encodeName(Target());
     QCOMPARE(mkfifo(path.constData(), 0600), 0);
-    // More than a pipe holds, so that the writer has to wait for the reader.
+    // More than a pipe can hold, so that the writer must wait for the reader.
     const QByteArray bytes(1000000, 'x');
     QFile pipe;
     QVERIFY(pipe.open(open(path.constData(), O_RDONLY | O_NONBLOCK), QIODevice::ReadOnly,

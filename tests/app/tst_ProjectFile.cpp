@@ -18,7 +18,7 @@
 
 namespace {
 
-/// A project with two layers, one of them painted, which was changed since it was saved.
+/// A project with two layers, one of them painted, with unsaved changes.
 class Changed
 {
 public:
@@ -141,7 +141,7 @@ void tst_ProjectFile::StaysWhereItWasWhenTheDiskIsFull()
     QDir().mkpath(project.Path("elsewhere"));
     project.log.Take();
     for (const char* file : {"project.xml", "elsewhere/copy.xml"}) {
-        // Room for the bitmaps and not for the document.
+        // There is room for the bitmaps but not for the document.
         const FileSizeLimit limit(200);
 
         QVERIFY(!project.SaveTo(project.Path(file)));

@@ -18,7 +18,7 @@ const char Brush[] = R"(<brush/>)";
 const char Layers[] = R"(<layers><layer name="a"/></layers>)";
 const char Types[] = R"(<territory-type-list></territory-type-list>)";
 
-/// Reads a document and remembers what was handed on.
+/// Reads a document and records the calls of the handlers.
 class Reading
 {
 public:
@@ -45,7 +45,7 @@ public:
     ProjectFixture project;
     std::unique_ptr<ProjectReader> reader;
     ProjectReader::Handlers handlers;
-    /// Each with the layer size that was known then.
+    /// Each call with the layer size at that time.
     QStringList events;
 
 private:
@@ -114,7 +114,7 @@ void tst_ProjectReader::HandsElementsOn()
 
     QTEST(reading.events, "events");
     QTEST(reading.reader->SelectedRow(), "row");
-    // Read once only.
+    // The element was read only once.
     QCOMPARE(ProjectSettings::Instance().areaFlagTypes.usages.size(),
              document.contains("Town") ? 1 : 0);
 }

@@ -124,7 +124,7 @@ void tst_ProjectSettings::FactorsFollowFromTheSizes()
     QCOMPARE(Settings().LayerSize(), QSize(sizes[0], sizes[1]));
     QCOMPARE(Settings().worldWidth, sizes[2]);
     QCOMPARE(Settings().worldHeight, sizes[3]);
-    // Exact: texts in files depend on the last bit.
+    // Compared exactly, because texts in files depend on the last bit.
     QVERIFY(Settings().metresPerPixelX == factors[0]);
     QVERIFY(Settings().metresPerPixelZ == factors[1]);
     QVERIFY(Settings().pixelsPerMetreX == factors[2]);
@@ -261,7 +261,7 @@ void tst_ProjectSettings::CutInputIsTakenAsFarAsItGoes()
         const QString cut = text.left(length);
         ElementReader xml(cut);
         Settings().ReadXml(xml);
-        // An empty element is known as soon as its slash is.
+        // The reader reports an empty element as soon as it has read the slash.
         QCOMPARE(Settings().backgroundFile, cut.contains("\"7\"/>") ? "a" : "");
         QCOMPARE(Settings().layerWidth, cut.contains("\"8\"/>") ? 8 : 2048);
         QCOMPARE(Settings().worldWidth, cut.contains("\"9\"/>") ? 9 : 15360);
@@ -351,7 +351,7 @@ void tst_ProjectSettings::PathsLieBelowTheProject()
     Settings().projectName = "proj";
     QCOMPARE(PathOf(helper), Settings().projectDir.path() + "/" + path);
     const QString folder = path.section('/', 0, -2);
-    // The background's folder is the user's.
+    // The background's folder belongs to the user and is not created.
     QCOMPARE(QDir(m_project->Path(folder)).exists(), helper != "background");
 }
 
@@ -383,7 +383,7 @@ void tst_ProjectSettings::SubFoldersAreCreatedOnEachCall()
 
 void tst_ProjectSettings::SubFolderThatCannotBeCreatedIsIgnored()
 {
-    // One level only.
+    // Only one level of folders is created.
     Settings().projectDir = QDir(m_project->Path("missing"));
     QCOMPARE(Settings().LayerPath("a"), m_project->Path("missing/layers/a.tga"));
     QVERIFY(!QDir(m_project->Path("missing")).exists());

@@ -8,7 +8,8 @@
 
 namespace {
 
-/// A project with so many of everything that a hash would hardly keep their order by chance.
+/// A project with so many objects of each kind that a hash table would not keep their order by
+/// chance.
 QByteArray ManyOfEverything(const QString& folder)
 {
     QString layers;

@@ -29,7 +29,7 @@ namespace {
 
 constexpr int Side = 64;
 
-/// A project whose folder is small enough to be filled. Its two states differ in every file.
+/// A project in a small folder that can be filled. Its two states differ in every file.
 class Project
 {
 public:
@@ -92,7 +92,7 @@ private:
 
 using Fault = std::function<std::shared_ptr<void>(const QString& folder)>;
 
-/// Puts a disk without room for more beneath the project's files.
+/// Moves the project's files to a disk that has no more room.
 std::shared_ptr<void> FillDisk(const QString& folder)
 {
     constexpr int diskSize = 128 * 1024;
@@ -151,8 +151,8 @@ std::shared_ptr<void> RemoveFolder(const QString& folder)
 
 Q_DECLARE_METATYPE(Fault)
 
-/// Whatever goes wrong while files are written: each is wholly the old one or wholly the new one,
-/// nothing temporary is left, and the caller learns of it.
+/// After any error while files are written, each file is completely old or completely new, no
+/// temporary file is left, and the caller is told.
 class tst_WriteFaults : public QObject
 {
     Q_OBJECT
@@ -168,7 +168,7 @@ void tst_WriteFaults::LeaveWholeFiles_data()
 {
     QTest::addColumn<Fault>("fault");
 
-    // Elsewhere than in a container of its own a test may not be allowed to.
+    // Outside of a container a test may not be allowed to do this.
     if (geteuid() == 0) {
         QTest::newRow("full disk") << Fault(FillDisk);
         QTest::newRow("full disk, and folders that take no new file")

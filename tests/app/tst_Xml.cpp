@@ -66,7 +66,7 @@ private:
     QStringList m_calls;
 };
 
-/// A reader that stands on the element <e text>.
+/// A reader on the start tag of <e text>.
 class Element : public QXmlStreamReader
 {
 public:

@@ -46,7 +46,7 @@ struct Operation
         }
     }
 
-    /// As it is drawn into a whole picture, written out.
+    /// Draws the operation into a whole picture with plain QPainter calls.
     void DrawLiterally(QImage& image) const
     {
         QPainter painter(&image);
@@ -114,7 +114,7 @@ public:
         operation.size = m_random.Between(1, sizes[m_random.Below(4)]);
         operation.from = {Coordinate(m_size.width()), Coordinate(m_size.height())};
         operation.to = {Coordinate(m_size.width()), Coordinate(m_size.height())};
-        if (m_random.Below(2) == 0) { // A mouse move, not a leap.
+        if (m_random.Below(2) == 0) { // A mouse move, not a jump.
             operation.to = operation.from + QPointF(m_random.Between(-40, 40) / 2.0,
                                                     m_random.Between(-80, 80) / 3.0);
         }
@@ -131,11 +131,11 @@ private:
             return within;
         case 1:
             return within + 0.5;
-        case 2: // Nearly whole, as inverted zooms give them.
+        case 2: // Nearly whole numbers, as inverted zooms give.
             return within + (fine - 0.5) * std::pow(10.0, -m_random.Between(4, 15));
         case 3: // Far outside.
             return m_random.Between(-2 * extent - 500, 3 * extent + 500) + fine;
-        case 4: // Ties of the painter's fixed-point numbers.
+        case 4: // Ties in the rounding of the painter's fixed-point numbers.
             return within + m_random.Below(128) / 128.0;
         default:
             return within + fine;

@@ -357,7 +357,7 @@ void tst_BrushDock::ClicksTheOutline()
     auto* box = Child<QGroupBox>(dock, "gboBrushOutline");
     auto* button = Child<ButtonColor>(dock, "btnOutlineColor");
     QVERIFY(!button->isEnabled());
-    ClickTheCheckBox(box); // The box begins to tell the truth.
+    ClickTheCheckBox(box); // From now on the box matches the brush.
     QVERIFY(dock.GetBrush()->HasOutline());
     QVERIFY(button->isEnabled());
     ClickTheCheckBox(box);
@@ -418,7 +418,7 @@ void tst_BrushDock::ClampsWhatTheSlidersCannotShow()
     QCOMPARE(Text(dock, "lblBrushSize"), QStringLiteral("256"));
     QCOMPARE(dock.GetBrush()->OutlineWidth(), 10);
     QCOMPARE(Text(dock, "lblBrushOutlineWidth"), QStringLiteral("10"));
-    // Only a slider that moves tells the brush its width.
+    // Only moving the slider sets the brush's width.
     dock.GetBrush()->SetOutlineWidth(60);
     dock.Refresh();
     QCOMPARE(dock.GetBrush()->OutlineWidth(), 60);

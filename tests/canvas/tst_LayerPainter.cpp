@@ -19,14 +19,14 @@
 
 namespace {
 
-/// A layer and what its mask has to be.
+/// A layer and its expected mask.
 struct LayerUnderTest
 {
     Layer* layer = nullptr;
     QImage mask;
 };
 
-/// Does the same to layers with the painter and by the whole-image rule.
+/// Performs the same operations with the painter and with the literal canvas.
 class Editing
 {
 public:
@@ -97,7 +97,7 @@ QColor Editing::RandomColor()
     return colors[m_random.Below(5)];
 }
 
-/// Translucent, or different in the bits that no picture holds.
+/// Translucent colours, and colours that differ only in bits that a picture does not store.
 QColor Editing::AlmostTheColorOf(const Layer& layer)
 {
     QColor color = layer.Color();
@@ -183,7 +183,7 @@ void Editing::Move(BrushAction action, bool isDab)
     if (current.layer->List()) {
         current.mask = literal::Mask(m_picture, current.layer->Color().rgb());
     }
-    // What lies beside the rectangle need not be painted again.
+    // Pixels outside of the rectangle need no repaint.
     QImage repainted = before;
     QPainter painter(&repainted);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
@@ -268,7 +268,7 @@ private slots:
     void ShowsThePicture();
 
 private:
-    /// Layers take colours only while there is a window.
+    /// Layers have colours only while there is a window.
     QWidget m_window;
 };
 
@@ -456,7 +456,7 @@ void tst_LayerPainter::StandsLayersWithoutAnImage()
     QVERIFY(painter.Dab(Brush(), BrushAction::Paint).isEmpty());
     QVERIFY(layer.Image().isNull());
     QCOMPARE(painter.GetLayer(), &layer);
-    // An image that comes later is overwritten only by one.
+    // A later image is overwritten only by another one.
     layer.SetImage(MaskFromArt({"..##"}), Qt::red);
     QVERIFY(painter.Segment(Brush(), BrushAction::Erase, {}).isEmpty());
     QCOMPARE(ArtFromMask(layer.Image()), QStringList({"..##"}));

@@ -21,7 +21,7 @@ namespace {
 
 constexpr double Ratios[] = {1, 1.25, 2};
 
-/// What a paint function makes on a screen of some density, in a place with something behind it.
+/// The result of a paint function on a screen of some density, on a background that is not empty.
 QImage Shown(const std::function<void(QPainter&)>& paint, double ratio, const QTransform& transform,
              QSize size = {150, 110})
 {
@@ -82,7 +82,7 @@ QImage MaskOf(QSize size, int index)
     return mask;
 }
 
-/// A view that is not in its window's corner, as in a program.
+/// A view that is not in its window's corner, as in the editor.
 struct Window
 {
     explicit Window(QGraphicsScene& scene)
@@ -93,7 +93,7 @@ struct Window
         widget.show();
     }
 
-    /// What is on the screen.
+    /// The content of the screen.
     QImage Screen()
     {
         QCoreApplication::processEvents();

@@ -131,7 +131,7 @@ void tst_MainScene::ForgetsWhatIsDestroyed_data()
     } while (std::next_permutation(order.begin(), order.end()));
 }
 
-/// L is the layer, T the territory, Z a zone.
+/// In the texts, L is the layer, T the territory and Z a zone.
 void tst_MainScene::ForgetsWhatIsDestroyed()
 {
     QFETCH(QString, order);
@@ -188,7 +188,7 @@ void tst_MainScene::ResizesThePictures()
     QCOMPARE(picture.pixel(200, 39), 0U);
     QCOMPARE(picture.pixel(199, 40), 0U);
     QCOMPARE(Area(*layer), 8000);
-    // A brush move does not wipe the layer with the picture of another size.
+    // A brush move must not overwrite the layer with a picture of another size.
     canvas.Scene().ChangeMode(SceneMode::Paint);
     canvas.Drag({20, 20}, {30, 30});
     QCOMPARE(layer->Image().size(), QSize(200, 160));
@@ -256,7 +256,7 @@ void tst_MainScene::PansAndRestoresTheMode()
     scene.EndPan();
     QCOMPARE(scene.Mode(), SceneMode::Paint);
     QVERIFY(BrushCursor(canvas)->isVisible());
-    // Also when the window ends it while the key is still held.
+    // The same if the window ends panning while the key is still held.
     QCOMPARE(canvas.view.dragMode(), QGraphicsView::NoDrag);
     scene.BeginPan();
     scene.ChangeMode(SceneMode::Insert);

@@ -142,7 +142,8 @@ void tst_MainView::LaysOutTheRulers()
     QCOMPARE(layout->itemAtPosition(1, 1)->widget(), view.viewport());
 }
 
-/// The layer that is painted and those below it, beside zones and the scene's own coordinates.
+/// The current layer and those below it are drawn in place, also with zones and in the scene's
+/// coordinates.
 void tst_MainView::ShowsWhatIsEditedInItsPlace()
 {
     CanvasFixture canvas;
@@ -236,7 +237,7 @@ void tst_MainView::ZoomsInSteps()
     QCOMPARE(spy.size(), 3);
     QCOMPARE(spy.at(0).first().toFloat(), 1.25F);
     QCOMPARE(spy.at(2).first().toFloat(), 0.75F);
-    // Deltas of any size are one step.
+    // A delta of any size is one step.
     Wheel(view, {50, 50}, 1200, Qt::ControlModifier);
     QCOMPARE(view.Zoom(), 1.0F);
     Wheel(view, {50, 50}, -1, Qt::ControlModifier);
@@ -279,7 +280,7 @@ void tst_MainView::ZeroDeltaZoomsIn()
     QCOMPARE(canvas.view.Zoom(), 1.25F);
 }
 
-/// Nobody else is asked about them.
+/// The events are accepted, so they do not go to any parent.
 void tst_MainView::KeepsWheelAndKeyThatZoom()
 {
     CanvasFixture canvas;
@@ -380,7 +381,7 @@ void tst_MainView::PutsTheOriginsAtTheMapsEdges()
                                  : along->maximum() - along->value() + along->pageStep();
             QCOMPARE(horizontal->Origin(), static_cast<float>(x));
             QCOMPARE(vertical->Origin(), static_cast<float>(y));
-            // That is where the map's lower left corner is.
+            // The map's lower left corner is there.
             QVERIFY(near(horizontal->Origin(), view.mapFromScene(0, 160).x()));
             QVERIFY(near(vertical->Origin(), view.mapFromScene(0, 160).y()));
         }
@@ -504,7 +505,7 @@ void tst_MainView::TakesTheFocusWhenTheMouseEnters()
     QEvent enter(QEvent::Enter);
     QCoreApplication::sendEvent(view, &enter);
     QCOMPARE(QApplication::focusWidget(), view);
-    // While the item is renamed, it keeps the focus.
+    // The editor of the item keeps the focus.
     tree.setFocus();
     tree.edit(model.index(0, 0));
     const QWidget* editor = QApplication::focusWidget();

@@ -72,7 +72,8 @@ void tst_MaskSampler::SamplesAsQPainterDoes()
     const QImage mask = RandomMask(random, size);
     const QRgb rgb = random.Bits() | 0xFF000000U;
     for (int i = 0; i < 500; ++i) {
-        // Screens have 1, 1.25 or 2 device pixels a pixel; whole pixels of scrolling are fractions.
+        // Screens have 1, 1.25 or 2 device pixels a pixel, so scrolling by whole pixels gives
+        // fractions.
         const double ratio = i % 3 == 0 ? 1.0 : (i % 3 == 1 ? 1.25 : 2.0);
         const double zoom = 0.25 * (1 + i % 50) * ratio;
         const double dx = random.Between(-int(size.width() * zoom) - 5, 150) * ratio;
@@ -85,7 +86,7 @@ void tst_MaskSampler::SamplesAsQPainterDoes()
     }
 }
 
-/// QPainter's steps are not exact, and over many pixels the error adds up to whole ones.
+/// QPainter's steps are not exact. Over many pixels the error adds up to whole pixels.
 void tst_MaskSampler::SamplesLongPicturesAsQPainterDoes()
 {
     Random random;

@@ -411,7 +411,7 @@ void tst_ScenePainting::ContinuesNoStrokeThatEnded()
     canvas.Press({50, 50}, Qt::MiddleButton);
     canvas.Move({50, 120}, Qt::LeftButton | Qt::MiddleButton);
     QVERIFY(!IsSet(*layer, 50, 90));
-    // The other button goes on erasing where the first painted.
+    // The second button erases from the place to which the first one painted.
     canvas.Press({100, 50});
     canvas.Move({100, 100});
     canvas.Press({100, 100}, Qt::RightButton);

@@ -66,7 +66,7 @@ void tst_ScenePictures::LoadsTheWorldPicture()
     QCOMPARE(overlay.pixelColor(5, 3), QColor(0, 255, 0));
 }
 
-/// A project's sizes are known before the scene has them.
+/// The project's sizes may already differ from those of the scene.
 void tst_ScenePictures::ScalesTheWorldToTheLayerSize()
 {
     CanvasFixture canvas({6, 4});

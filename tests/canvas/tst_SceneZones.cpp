@@ -38,7 +38,7 @@ private slots:
 
 void tst_SceneZones::initTestCase()
 {
-    // For signal spies.
+    // QSignalSpy needs these types.
     qRegisterMetaType<Territory*>("Territory*");
     qRegisterMetaType<Zone*>("Zone*");
 }
@@ -227,10 +227,10 @@ void tst_SceneZones::LosesZonesWithTheMouse()
     QCOMPARE(zone->pos(), QPointF(60, 70));
     QCOMPARE(canvas.Scene().mouseGrabberItem(), nullptr);
     canvas.Modified() = false;
-    // The drag is over, and counts once.
+    // The drag has ended and counts only once.
     QCoreApplication::sendEvent(canvas.view.viewport(), &event);
     QVERIFY(!canvas.TakeModified());
-    // The next press is for what lies below it.
+    // The next press goes to the item below.
     canvas.Drag({120, 100}, {130, 110});
     QCOMPARE(zone->pos(), QPointF(60, 70));
     QCOMPARE(other->pos(), QPointF(130, 110));

@@ -8,13 +8,13 @@
 namespace {
 
 constexpr int TileSize = 128;
-/// Of a screen whose tiles are more than are kept usually.
+/// The size of a screen that needs more tiles than are usually kept.
 constexpr int LargeColumns = 60;
 constexpr int LargeRows = 34;
 constexpr QSize LargeSize(LargeColumns* TileSize, LargeRows* TileSize);
 constexpr int LargeArea = LargeColumns * TileSize * LargeRows * TileSize;
 
-/// All share their pixels, so that very many take no memory.
+/// All images share their pixels, so that many of them take no memory.
 QImage RedTile(QSize size)
 {
     static QImage tile;
@@ -151,7 +151,7 @@ void tst_TileCache::KeepsTilesOfFewFractions()
     QCOMPARE(draw(0), TileSize * TileSize);
 }
 
-/// Each fraction is shown by tiles that were made for it.
+/// Each fraction of a pixel has tiles of its own.
 void tst_TileCache::MixesNoFractions()
 {
     TileCache cache;

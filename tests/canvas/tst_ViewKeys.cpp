@@ -114,7 +114,7 @@ void tst_ViewKeys::HeldBracketsRepeat()
         Tick(canvas.view);
     }
     QCOMPARE(brush->Size(), 1);
-    // Other modes let the key rest, and it goes on afterwards.
+    // In other modes the held key does nothing. Afterwards it works again.
     QTest::keyRelease(&canvas.view, Qt::Key_BracketLeft);
     QTest::keyPress(&canvas.view, Qt::Key_BracketRight);
     canvas.Scene().ChangeMode(SceneMode::Insert);
@@ -203,7 +203,7 @@ void tst_ViewKeys::AltGrBracketsAreReleasedByTheirPlace()
     SendKey(canvas.view, QEvent::KeyRelease, Qt::Key_8, 17);
     Tick(canvas.view);
     QCOMPARE(brush->Size(), 105);
-    // Events that know no place do not release each other.
+    // Events without a scan code do not release one another.
     SendKey(canvas.view, QEvent::KeyPress, Qt::Key_BracketRight, 0);
     SendKey(canvas.view, QEvent::KeyRelease, Qt::Key_8, 0);
     Tick(canvas.view);
@@ -228,7 +228,7 @@ void tst_ViewKeys::ReleasedBracesLetGoOfShift()
     canvas.Scene().ChangeMode(SceneMode::Paint);
     canvas.dock.SetSize(100);
     const Brush* brush = canvas.dock.GetBrush();
-    // The other bracket stays held and shows which step is in force.
+    // The other bracket stays held, and its step shows the current step size.
     const bool isLeft = key == Qt::Key_BraceLeft || key == Qt::Key_BracketLeft;
     const int other = isLeft ? Qt::Key_BraceRight : Qt::Key_BraceLeft;
     SendKey(canvas.view, QEvent::KeyPress, key, 0);
@@ -262,7 +262,7 @@ void tst_ViewKeys::AutoRepeatIsIgnored()
     QCOMPARE(canvas.Scene().Mode(), SceneMode::Pan);
 }
 
-/// What the view hands on reaches the scene. Releases always do, presses unless they were consumed.
+/// The view passes releases on to the scene, and presses unless it has consumed them.
 void tst_ViewKeys::OtherKeysGoOnToTheMap()
 {
     CanvasFixture canvas;
@@ -471,14 +471,14 @@ void tst_ViewKeys::SpaceSavesTheModeOnce()
     CanvasFixture canvas;
     MainView& view = canvas.view;
     canvas.Scene().ChangeMode(SceneMode::Select);
-    // A release without a press, as after a change of windows.
+    // A release without a press, as after a switch between windows.
     QTest::keyRelease(&view, Qt::Key_Space);
     QCOMPARE(canvas.Scene().Mode(), SceneMode::Select);
     QTest::keyPress(&view, Qt::Key_Space);
     QTest::keyPress(&view, Qt::Key_Space);
     QTest::keyRelease(&view, Qt::Key_Space);
     QCOMPARE(canvas.Scene().Mode(), SceneMode::Select);
-    // What the window sets meanwhile is overwritten.
+    // A mode that the window sets meanwhile is overwritten.
     QTest::keyPress(&view, Qt::Key_Space);
     canvas.Scene().ChangeMode(SceneMode::None);
     canvas.Scene().ChangeMode(SceneMode::Paint);

@@ -66,7 +66,7 @@ void tst_ViewSelection::CopiesAndPastesZones()
     QCOMPARE(copy->Holder(), canvas.territory);
     QVERIFY(!copy->isSelected());
     QCOMPARE(canvas.type->Totals().staticMax, 10);
-    // The clipboard can be pasted again, also after its zones have moved.
+    // The clipboard can be pasted again, even after its zones have moved.
     first->setPos(20, 20);
     canvas.Move({100, 60}, Qt::NoButton);
     QTest::keyClick(&canvas.view, Qt::Key_V, Qt::ControlModifier);
@@ -239,8 +239,8 @@ void tst_ViewSelection::SelectsWithTheBand()
     QVERIFY(!outside->isSelected());
 }
 
-/// The band's place, which counts from the view's corner, is taken for one in the viewport, and its
-/// size is shortened by the rulers.
+/// The band's position, which is relative to the view, is used as one in the viewport, and the
+/// band's size is reduced by the rulers.
 void tst_ViewSelection::BandKeepsItsOwnCorner()
 {
     CanvasFixture canvas;
@@ -278,8 +278,8 @@ void tst_ViewSelection::ClickSelectsBesideTheMouse_data()
     QTest::newRow("above what is caught") << QPoint(16, -8) << false;
 }
 
-/// A band without a size is still shortened by the rulers, and so spans from its corner back to the
-/// mouse.
+/// A band without a size is also reduced by the rulers, so its area extends from its corner back to
+/// the mouse.
 void tst_ViewSelection::ClickSelectsBesideTheMouse()
 {
     QFETCH(QPoint, offset);
@@ -367,13 +367,13 @@ void tst_ViewSelection::NoBandWhileAZoneIsSelected()
     canvas.Release({60, 60});
     QCOMPARE(zone->pos(), QPointF(60, 60));
     QCOMPARE(canvas.Scene().selectedItems(), QList<QGraphicsItem*>({zone}));
-    // The right button leaves the selection, and so draws no band.
+    // The right button keeps the selection, so no band begins.
     canvas.Press({150, 20}, Qt::RightButton);
     QVERIFY(Band(canvas.view)->isHidden());
     canvas.Release({150, 20}, Qt::RightButton);
     QVERIFY(zone->isSelected());
     QVERIFY(!other->isSelected());
-    // Beside all zones the press clears the selection, and the band starts.
+    // A press on free ground clears the selection, and the band begins.
     canvas.Press({150, 20});
     QVERIFY(Band(canvas.view)->isVisible());
     canvas.Release({150, 20});

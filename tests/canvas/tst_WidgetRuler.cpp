@@ -16,7 +16,7 @@ namespace {
 constexpr float FloatInfinity = std::numeric_limits<float>::infinity();
 constexpr float FloatNan = std::numeric_limits<float>::quiet_NaN();
 
-/// One column of the table of tick sets; the gap is a part of the thickness.
+/// One set of ticks. The gap is a share of the thickness.
 struct Set
 {
     int step;
@@ -24,7 +24,7 @@ struct Set
     bool isLabelled;
 };
 
-/// The sets of a ruler whose origin is its start, tick by tick.
+/// All ticks of a ruler whose origin is at its start.
 std::vector<RulerTick> TicksFromStart(const std::vector<Set>& sets, double zoom, double unit,
                                       double length, double thickness)
 {
@@ -286,7 +286,7 @@ void tst_WidgetRuler::StandsDegenerateScales()
         const std::vector<RulerTick> ticks = ruler.Ticks();
         QCOMPARE(!ticks.empty(), hasTicks);
         QVERIFY(ticks.size() < 1200);
-        // A unit that is no number leaves at most the label of 0.
+        // With a unit of NaN at most the label 0 is left.
         QCOMPARE(Labels(ticks).size() > 0, hasLabels);
         Rendered(ruler, 1);
         ruler.resize(0, 0);
@@ -352,7 +352,7 @@ void tst_WidgetRuler::PaintsWhatTheTicksSay()
     ruler.resize(orientation == 0 ? QSize(400, 32) : QSize(32, 400));
     ruler.SetMouseTrack(false);
     ruler.SetUnit(FloatNan); // Without the labels, which would hide some ticks.
-    ruler.SetOrigin(-20.1F); // No tick lies between two pixels of a screen.
+    ruler.SetOrigin(-20.1F); // No tick is between two device pixels.
     QImage image = Rendered(ruler, ratio);
     QImage expected(image.size(), QImage::Format_RGB32);
     expected.fill(Qt::white);

@@ -69,7 +69,7 @@ QVector<QString> Names(int count)
     return names;
 }
 
-/// 255 where one of the layers with the flag is set, for the columns that have room in the map.
+/// 255 where one of the layers with the flag is set, for the columns that the map holds.
 QByteArray ExpectedMask(const LayerList& layers, quint32 (Layer::*flags)() const, int flag,
                         int storedWidth)
 {

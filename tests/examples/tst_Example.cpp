@@ -28,7 +28,7 @@ QString ExampleFolder()
     return QStringLiteral(QUILLMAP_EXAMPLE_FOLDER);
 }
 
-/// Relative paths, sorted. What a batch run leaves in the folder is no part of the example.
+/// Relative paths, sorted, without the files that a batch run leaves in the folder.
 QStringList ExampleFilesBelow(const QString& folder)
 {
     QStringList files = FilesBelow(folder).keys();
@@ -95,7 +95,7 @@ private slots:
 private:
     QVector<Territory*> AllTerritories() const;
 
-    /// Layers keep their colours while there is one.
+    /// Layers have colours only while there is a widget.
     QWidget m_window;
     LayerList m_layers;
     TerritoryTypeList m_types;
@@ -237,7 +237,7 @@ void tst_Example::IsSmall()
     QVERIFY(size < limit);
 }
 
-/// In a copy and from within it, because a batch run reads and writes below the working directory.
+/// Runs in a copy of the example, because a batch run reads and writes below the working directory.
 void tst_Example::BatchRunExportsIt()
 {
     const QTemporaryDir copy;

@@ -75,7 +75,7 @@ QVector<int> ProjectSizes()
     return {settings.layerWidth, settings.layerHeight, settings.worldWidth, settings.worldHeight};
 }
 
-/// Hands out bytes in pieces and then fails, or has no more.
+/// A device that returns bytes in pieces, and then fails or ends.
 class SlowDevice : public QIODevice
 {
 public:
@@ -349,8 +349,8 @@ void AreaMapImportTest::moreWordsThanTheFileHoldsCountAsClear()
 void AreaMapImportTest::layersWithoutMemoryAreLeftOut()
 {
     SetFlagTypes(32, 32);
-    // Each layer takes a quarter of a gigabyte of address space; how many find room in the rest
-    // depends on the allocator.
+    // Each layer takes a quarter of a gigabyte of address space. How many fit into the rest depends
+    // on the allocator.
     const QByteArray map = Ints({16384, 16384, 100, 100, 32, 0xFFFFFFFF});
     const QString error = "Error: There is no memory for %1 layers of the area map.";
     LayerList layers;
@@ -373,7 +373,7 @@ void AreaMapImportTest::aLargeMapWithoutFlagsNeedsNoMemory()
 {
     SetFlagTypes(32, 0);
     WriteBytes(File(), Ints({8192, 16384, 100, 100, 32}));
-    // Half a gigabyte of clear words, which take no room on the disk.
+    // Half a gigabyte of clear words in a sparse file.
     QVERIFY(QFile::resize(File(), 20 + 4 * 8192 * qint64(16384)));
     QFile device(File());
     QVERIFY(device.open(QIODevice::ReadOnly));
@@ -457,7 +457,7 @@ void AreaMapImportTest::mapsAreImportedLikeTheLiteralReaderDoes()
     for (int i = 0; i < 100; ++i) {
         const RandomMap map(random);
         const QByteArray bytes = map.LiteralBytes();
-        // Mostly other types than those that the map was written with.
+        // Usually these are other types than those with which the map was written.
         const int usageCount = random.Below(33);
         const int valueCount = random.Below(33);
         SetFlagTypes(usageCount, valueCount);

@@ -130,7 +130,7 @@ void AreaMapSavingTest::fieldsAreStoredBottomUpAndLeftmostHighest()
     expected += QVector<qint64>(8, 0) + QVector<qint64>{0x12000000} + QVector<qint64>(7, 0);
     expected += {1, 0, 0x80000000};
     QCOMPARE(ReadBytes(File()).toHex(), Ints(expected).toHex());
-    // The fourth byte of the word, as words are little-endian.
+    // This is the fourth byte of the word, because words are little-endian.
     QCOMPARE(ReadBytes(File()).at(20 + 32 + 3), '\x12');
 }
 
@@ -216,7 +216,7 @@ void AreaMapSavingTest::sizesThatNoMaskHasAreRefusedBeforeTheFileIsOpened_data()
 
 void AreaMapSavingTest::sizesThatNoMaskHasAreRefusedBeforeTheFileIsOpened()
 {
-    // The sizes are those of the file that was imported last, whatever it said.
+    // The sizes come from the last imported file and may have any value.
     QFETCH(QSize, size);
     QFETCH(int, usageCount);
     QFETCH(int, valueCount);

@@ -88,8 +88,8 @@ QStringList ArtA()
             "...###..", "...###..", "........", "........"};
 }
 
-/// Columns in a row each: one as high as a disc of the radius, which is what opening leaves of it,
-/// and one a pixel less high, with room around both.
+/// Two bars with free space around them: one as high as a disc of the radius, of which opening
+/// leaves the disc, and one that is a pixel lower.
 QImage RunsAround(int radius)
 {
     QImage mask = raster::BlankMask({2, 8 * radius + 16});
@@ -347,7 +347,7 @@ void CustomLayerTest::radiiAreConvertedInFloats()
                                          worldSize.height());
     const QImage runs = RunsAround(pixels);
     for (const Morphology& each : AllMorphology()) {
-        // Gaps close as runs open.
+        // Closing treats gaps as opening treats runs.
         const QImage mask = each.character == 'c' ? raster::Complement(runs) : runs;
         m_a->SetImage(mask, Qt::white);
         const QString code =
@@ -377,7 +377,7 @@ void CustomLayerTest::anInfiniteFactorReachesEverything()
 
 void CustomLayerTest::hugeRadiiTakeNoMemory()
 {
-    // 2000 m are 128000 pixels here, of which a list would hold more offsets than there is memory.
+    // 2000 m are 128000 pixels here. A list of the offsets would not fit into memory.
     ProjectSettings::Instance().SetSizes(512, 512, 8, 8);
     const QImage full = raster::Complement(raster::BlankMask({512, 512}));
     QCOMPARE(EvaluateAtLayerSize(Code("d(A:2000)")), full);
@@ -518,7 +518,7 @@ void CustomLayerTest::aCodeIsEvaluatedAtTheLayerSize_data()
     QTest::newRow("larger operands") << QSize(5, 12) << QSize(40, 31);
 }
 
-/// Whatever the size of the layer's image before.
+/// The former size of the layer's image does not matter.
 void CustomLayerTest::aCodeIsEvaluatedAtTheLayerSize()
 {
     QFETCH(QSize, layerSize);
@@ -550,7 +550,7 @@ void CustomLayerTest::aCodeIsEvaluatedOverTheListOfItsLayer()
 
 void CustomLayerTest::anEqualCodeChangesNothing()
 {
-    // The complement of itself: evaluated anew it would flip each time.
+    // The complement of itself, which would flip with each evaluation.
     const QString code = Code("!(A)");
     QVERIFY(m_a->SetCode(code));
     const QImage image = m_a->Image();

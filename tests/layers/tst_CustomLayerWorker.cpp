@@ -22,7 +22,8 @@
 #include <memory>
 #include <mutex>
 
-/// Requests like a dialog that owns the worker's thread, and collects the results on its own.
+/// Sends requests like a dialog that owns the worker's thread, and collects the results on the
+/// dialog's thread.
 class Requester : public QObject
 {
     Q_OBJECT
@@ -227,7 +228,7 @@ void CustomLayerWorkerTest::aLayerIsComputedAtTheLayerSize()
     QCOMPARE(m_a->Image(), MaskA());
 }
 
-/// Whichever list is passed with it, here and on the worker's thread.
+/// The passed list does not matter, here and on the worker's thread.
 void CustomLayerWorkerTest::aLayerIsModifiedOverItsOwnList()
 {
     LayerList others;
@@ -307,7 +308,7 @@ void CustomLayerWorkerTest::theChangeIsMadeOnTheListsThread()
     Requester requester;
     emit requester.LayerRequested(m_layers.get(), Code("!(A)"), m_b);
     requester.WaitWithoutEvents();
-    // Posted, but this thread has not come round to it.
+    // The change is posted, but this thread has not processed it yet.
     QCOMPARE(m_b->Image(), MaskB());
     QCOMPARE(m_b->Code(), QString());
     QTRY_COMPARE(m_b->Image(), raster::Complement(MaskA()));
@@ -353,7 +354,7 @@ void CustomLayerWorkerTest::aLayerThatWentMeanwhileIsNotChanged()
     requester.WaitWithoutEvents();
     m_layers->RemoveLayer(m_b->Id());
     QCOMPARE(requester.TakeImage(), raster::Complement(MaskA()));
-    // The worker takes the next request all the same.
+    // The worker still accepts the next request.
     emit requester.LayerRequested(m_layers.get(), QString("!(%1)").arg(m_a->Id()), nullptr);
     QCOMPARE(requester.TakeImage(), raster::Complement(MaskA()));
 }
@@ -395,8 +396,8 @@ void CustomLayerWorkerTest::aRequestReadsWhatTheOneBeforeItChanged()
 
 void CustomLayerWorkerTest::aRequestWaitsWhileAnotherShowsAMessage()
 {
-    // All are there when the first starts; it shows two messages, each of which processes the
-    // events of its thread.
+    // All requests have arrived when the first one starts. It logs two messages, each of which
+    // processes the events of its thread.
     QStringList order;
     std::mutex mutex;
     const auto note = [&](const QString& text) {
@@ -432,11 +433,11 @@ void CustomLayerWorkerTest::aRequestWaitsWhileAnotherShowsAMessage()
 void CustomLayerWorkerTest::requestsLeftAtTheEndAreDropped()
 {
     auto requester = std::make_unique<Requester>();
-    // The second waits for a change that this thread does not come round to.
+    // The second request waits for a change that this thread does not process.
     emit requester->LayerRequested(m_layers.get(), Code("!(A)"), m_b);
     emit requester->LayerRequested(m_layers.get(), Code("!(B)"), m_a);
     requester->WaitWithoutEvents();
-    // The worker has received the second by the time that it comes round to this.
+    // When the worker runs this, it has already received the second request.
     QMetaObject::invokeMethod(
         requester->Worker(), [] {}, Qt::BlockingQueuedConnection);
     requester.reset();

@@ -60,7 +60,7 @@ private:
     int* m_destroyedCount;
 };
 
-/// Collects the layers that the user is said to have shown or hidden.
+/// Collects the layers in the signals that the user has shown or hidden a layer.
 class ChangeSpy
 {
 public:
@@ -205,7 +205,7 @@ void LayerListTest::theFirstLayerOfANameIsFound()
     QCOMPARE(layers.LayerByName("coast"), coast);
     QVERIFY(!layers.LayerByName("Coast"));
     QVERIFY(!layers.LayerByName(QString()));
-    // The order is that of the rows, however they came about.
+    // The order is that of the rows, not that of adding.
     layers.model()->insertRow(1, layers.model()->takeRow(0));
     QVERIFY(layers.LayerByName("coast") != coast);
 }

@@ -122,7 +122,7 @@ void LayerListXmlTest::whatIsWrittenIsReadBackTheSame()
         layer->SetValueFlags(random.Bits());
         layer->SetVisible(random.Below(2) == 0);
     }
-    // The name with the double quotes becomes another one with the save.
+    // Saving changes the name with the double quotes.
     const QString document = WrittenLayers(saved);
     LayerList read;
     QVERIFY(Read(read, document.mid(document.indexOf("<layers>"))));
@@ -194,7 +194,7 @@ void LayerListXmlTest::aFullDiskIsAnErrorAndTheElementsAreWritten()
 
 void LayerListXmlTest::aListThatIsClearedWhileItIsSavedEndsThere()
 {
-    // Who shows a message lets the user act, even close the project.
+    // While a message is shown, the user can act and even close the project.
     LayerList layers;
     AddLayer(layers, "coast");
     AddLayer(layers, "town");
@@ -377,7 +377,7 @@ void LayerListXmlTest::readingAtTheEndOfTheDocumentDoesNothing()
 
 void LayerListXmlTest::nestedLayersAreReadOnce()
 {
-    // The inner layer takes the outer one's place, and the outer end tag closes nothing.
+    // The inner layer replaces the outer one, and the outer end tag closes nothing.
     LayerList layers;
     QVERIFY(Read(layers, "<layers><layer name='coast'><layer name='town'/></layer>"
                          "<layer name='coast'><layer name='missing'/></layer></layers>"));

@@ -59,7 +59,7 @@ private:
 
 namespace {
 
-/// A run-length file of 9 GB, none of which takes room on the disk but its header.
+/// A sparse run-length file of 9 GB; only its header takes room on the disk.
 void WriteSparseTarga(const QString& path, QSize size)
 {
     WriteBytes(path, TargaHeader(RunLengthType, size));

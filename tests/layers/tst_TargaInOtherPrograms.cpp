@@ -41,8 +41,8 @@ Output Run(const QString& program, const QStringList& arguments)
     return {process.readAllStandardOutput(), {}};
 }
 
-/// Every row begins with another value than the row before ended with, so no run crosses a row's
-/// end. Some runs are longer than a packet.
+/// Every row begins with another value than the last one of the row before, so no run crosses the
+/// end of a row. Some runs are longer than a packet.
 QImage MaskWithoutRunsAcrossRowEnds()
 {
     Random random;

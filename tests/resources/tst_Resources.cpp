@@ -123,7 +123,7 @@ void ResourcesTest::picturesOfZonesAreNot_data()
     AddZoneIcons();
 }
 
-// Zones scale their picture by its width and centre it by that; a denser one would be off.
+// Zones scale and centre their picture by its width, so a denser picture would be misplaced.
 void ResourcesTest::picturesOfZonesAreNot()
 {
     QFETCH(QString, path);

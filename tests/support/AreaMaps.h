@@ -9,7 +9,7 @@
 
 class QString;
 
-/// Of the project, in pixels; its world keeps 15360 x 10240 metres.
+/// Sets the project's layer size in pixels. Its world stays 15360 x 10240 metres.
 void SetLayerSize(QSize size);
 
 /// The project's flag types: "usage0", "usage1" ... and "value0" ...
@@ -22,8 +22,7 @@ constexpr const char* TooManyTypes =
 /// Rows of test data whose columns "usageCount" and "valueCount" no map can have.
 void AddTooManyTypes();
 
-/// A map as a project could have it. Now and then a layer is of another size, or has no flags of
-/// one kind.
+/// A random map. Some layers have another size, or no flags of one kind.
 struct RandomMap
 {
     explicit RandomMap(Random& random);

@@ -11,7 +11,7 @@ class QGraphicsEllipseItem;
 class QRubberBand;
 class WidgetRuler;
 
-// What the tests of the scene and the view look at, and what they do beside moving the mouse.
+// Functions for tests of the scene and the view: what they show, and all input except mouse moves.
 
 /// The z values of the scene's items.
 constexpr qreal WorldZ = 0.2;
@@ -26,7 +26,7 @@ constexpr int RulerThickness = 32;
 constexpr SceneMode Modes[] = {SceneMode::None,   SceneMode::Pan,    SceneMode::Paint,
                                SceneMode::Insert, SceneMode::Select, SceneMode::Query};
 
-/// What the scene shows of its rectangle, each scene unit a pixel.
+/// The picture of the scene's rectangle, with one pixel for each scene unit.
 QImage Shown(MainScene& scene, QSize size);
 
 /// The set pixels of a layer.

@@ -17,8 +17,8 @@
 #include <QEvent>
 #include <QGraphicsItem>
 
-/// A shown view of an empty project with one territory, whose mouse is moved in scene positions.
-/// One metre is one layer pixel; positions are meant to be whole pixels of the view.
+/// A shown view of an empty project with one territory. The mouse is moved in scene positions,
+/// which should be whole pixels of the view. One metre is one layer pixel.
 class CanvasFixture
 {
 public:
@@ -26,10 +26,11 @@ public:
 
     MainScene& Scene() { return *view.Scene(); }
     bool& Modified() { return ProjectSettings::Instance().modified; }
-    /// The flag, which is false from then on.
+    /// Returns the flag and sets it to false.
     bool TakeModified();
 
-    /// Of the project's size, which is not empty, and clear; a part of it is set.
+    /// Makes a layer of the project's size, which must not be empty. The mask is clear except for
+    /// one part.
     Layer* AddLayer(const QColor& color, const QRect& part = {});
     /// Makes the layer the one that is painted.
     void Edit(Layer* layer);

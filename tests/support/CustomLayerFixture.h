@@ -14,7 +14,7 @@
 #include <memory>
 
 /// A project with two layers, "first" (the left half) and "second" (the top quarter), and the
-/// dialog over them as a dock opens it: modal, over a window, used by mouse and keys.
+/// dialog as a dock opens it: modal, over a window, operated by mouse and keys.
 class CustomLayerFixture
 {
 public:
@@ -26,8 +26,8 @@ public:
     /// The code with the ids of the first and second layer for A and B.
     QString Code(QString text) const;
 
-    /// Makes the dialog and executes it; the user acts while it is open. Fails the test, and closes
-    /// the dialog, when it is still open a while after that.
+    /// Executes the dialog and calls the function while it is open. If the dialog is still open
+    /// some time later, closes it and fails the test.
     int Execute(Layer* layerToModify, const std::function<void()>& user);
 
     template <typename T = QWidget>
@@ -37,17 +37,17 @@ public:
     }
     bool IsIdle() const { return Child("btnCancel")->isEnabled(); }
     void WaitIdle() const;
-    /// Each of these leaves what it starts running.
+    /// None of these waits for the computation that it starts.
     void Click(const char* control) const;
     void Key(const char* control, Qt::Key key) const;
     void Type(const char* control, const QString& text) const;
     /// With the arrow keys, waiting for each preview.
     void Choose(const char* combo, int row) const;
-    /// By clicking on it in the opened list, so far from the row's left.
+    /// Clicks the row in the opened list, at this distance from its left end.
     void ChooseByMouse(const char* combo, int row, int x) const;
-    /// The code of the latest preview; empty when only the one at the start was asked for.
+    /// The code of the latest preview; empty if only the first preview was requested.
     QString LastCode() const;
-    /// What is enabled of what the dialog disables while it computes.
+    /// The enabled ones of the controls that the dialog disables during a computation.
     QStringList EnabledControls() const;
 
     LogSpy log;
@@ -59,7 +59,7 @@ public:
     DialogCustomLayer* dialog = nullptr;
     QSignalSpy* previews = nullptr;
     QSignalSpy* computations = nullptr;
-    /// What the latest execution added.
+    /// The layer that the latest execution added.
     Layer* created = nullptr;
 
 private:

@@ -4,12 +4,12 @@
 
 class QAbstractItemView;
 
-/// Drags over the view and drops there, in pixels of its viewport, as a drag that allows moving.
-/// Whether the view accepted the drop.
+/// Sends a drag that allows moving, and a drop, at a pixel of the view's viewport. Returns whether
+/// the view accepted the drop.
 bool DropAt(QAbstractItemView& view, QPoint position);
 
-/// Drags the source row with the pressed mouse onto the middle of the target row, all the way
-/// through the window system's drag. The view's window is shown and active.
+/// Drags the source row with the mouse onto the middle of the target row, through the window
+/// system's drag and drop. The view's window must be shown and active.
 void DragRowByMouse(QAbstractItemView& view, int sourceRow, int targetRow);
 
 /// Selects the source row with the mouse and drops it on the middle of the target row.

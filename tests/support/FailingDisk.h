@@ -5,8 +5,8 @@
 
 #include <sys/types.h>
 
-/// While it lives, this process cannot make a file longer than this many bytes: what goes beyond
-/// is a short or a failed write, as on a full disk.
+/// While this object exists, files of this process cannot exceed this many bytes. Writes beyond are
+/// short or fail, as on a full disk.
 class FileSizeLimit
 {
 public:
@@ -18,7 +18,8 @@ private:
     quint64 m_limitBefore;
 };
 
-/// While it lives, this process cannot rename files: finished files cannot be put in their places.
+/// While this object exists, this process cannot rename files, so finished files cannot replace
+/// their targets.
 class RenamesFail
 {
 public:

@@ -5,12 +5,12 @@
 #include <QString>
 #include <QVector>
 
-/// The whole file; null when it cannot be read.
+/// The content of the file; null if it cannot be read.
 QByteArray ReadBytes(const QString& path);
-/// The bytes of every file below the folder, hidden ones too, by its path in there. Folders are in
-/// it with a slash behind the name and no bytes.
+/// The bytes of every file below the folder, by relative path, including hidden files. Folders have
+/// a slash at the end and no bytes.
 QMap<QString, QByteArray> FilesBelow(const QString& folder);
-/// Creates the file's folder too. Stops the program when the file cannot be written.
+/// Creates the file's folder too. Aborts if the file cannot be written.
 void WriteBytes(const QString& path, const QByteArray& bytes);
 
 /// 32 bits of each value, the lowest byte first.

@@ -5,11 +5,11 @@
 #include <QString>
 #include <QVariant>
 
-/// The root itself or its descendant of that name; null when there is none, or more than one.
+/// The root or its descendant of that name. Null if there is none or more than one.
 QObject* FormObject(QObject& root, const QString& name);
 
-/// One row of a form's table: that the object is of the class and, where a property is named, that
-/// it has the value. Fails the running test with what is wrong.
+/// Checks one row of a form's table: the object has the class and, if a property is given, the
+/// property has the value. Fails the running test otherwise.
 void CheckForm(QObject& root, const QString& name, const QString& className,
                const QByteArray& property = {}, const QVariant& value = {});
 

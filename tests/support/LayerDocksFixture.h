@@ -16,8 +16,8 @@
 
 #include <memory>
 
-/// The docks of layers in the active window of an empty project. The model is watched for breaking
-/// the rules of item models, which fails the running test.
+/// The docks of layers in the active window of an empty project. A model tester fails the running
+/// test if the model breaks the rules of item models.
 class LayerDocksFixture
 {
 public:
@@ -37,16 +37,16 @@ public:
     QRect RectOf(int row) const;
     void Click(int row);
     void ClickBox(int row);
-    /// The texts of the menu that a right click opens, whose action of that name is then clicked;
-    /// empty when there is no menu.
+    /// Right-clicks, returns the texts of the menu that opens, and clicks the action of that name.
+    /// Empty if no menu opens.
     QStringList UseMenu(QPoint position, const char* action);
-    /// Types the name over that of the current layer, whose editor F2 opens.
+    /// Renames the current layer: presses F2 and types the name.
     void Rename(const QString& name);
 
     static bool IsModified() { return ProjectSettings::Instance().modified; }
 
     ProjectFixture project;
-    /// Names of the layers that were told to be selected.
+    /// The names in the Selected signals so far.
     QStringList selected;
     std::unique_ptr<QMainWindow> window;
     DockLayerProps* props;
@@ -54,6 +54,6 @@ public:
     std::unique_ptr<QAbstractItemModelTester> tester;
 };
 
-/// Clicks the button of the custom layer dialog once it has computed its preview, the name being
-/// typed first.
+/// Types the name into the custom layer dialog and clicks the button after the preview has been
+/// computed.
 ModalAnswers::Answer ClickWhenIdle(const char* button, const QString& name = {});

@@ -5,9 +5,8 @@
 #include <QPointF>
 #include <QVector>
 
-/// The canvas as plainly as it can be described: each layer a 32-bit picture, painted, converted
-/// and composed as a whole at every step. What the real canvas shows and paints is held against
-/// this.
+/// A simple version of the canvas: each layer is a 32-bit picture that is painted, converted and
+/// composed as a whole at every step. Tests compare the real canvas with it.
 namespace literal {
 
 /// The layer's colour, opaque, where the mask is 255; transparent elsewhere.

@@ -4,8 +4,8 @@
 #include <QImage>
 #include <QVector>
 
-/// The area map written and read pixel by pixel with QImage::pixel and QImage::setPixel, as plainly
-/// as it can be described. What the real writer and importer do is held against this.
+/// A simple writer and reader of area maps that uses QImage::pixel and QImage::setPixel for each
+/// pixel. Tests compare the real writer and importer with it.
 namespace literal {
 
 struct MapLayer

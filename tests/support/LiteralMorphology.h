@@ -4,7 +4,7 @@
 #include <QPoint>
 #include <QVector>
 
-/// Morphology by its definition, pixel by pixel, to compare the fast one with.
+/// Morphology by its definition, pixel by pixel. Tests compare the fast version with it.
 namespace literal {
 
 enum class Step
@@ -22,8 +22,8 @@ QVector<QPoint> Disc(float radius);
 /// The largest (smallest) index among the pixels that the offsets point to inside the picture.
 QImage Apply(Step step, const QImage& mask, const QVector<QPoint>& offsets);
 
-/// The same for a disc, looking at every pixel of the picture for every pixel, so that it costs the
-/// same for any radius.
+/// The same for a disc. It compares every pixel with every other one, so it costs the same for any
+/// radius.
 QImage Apply(Step step, const QImage& mask, float radius);
 
 } // namespace literal

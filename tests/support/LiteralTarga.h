@@ -3,11 +3,11 @@
 #include <QByteArray>
 #include <QImage>
 
-/// The layer bitmaps' format read and written byte by byte and pixel by pixel, as slowly and
-/// plainly as it can be described. What the real codec does is held against this.
+/// A simple, slow codec of layer bitmaps that works byte by byte and pixel by pixel. Tests compare
+/// the real codec with it.
 namespace literal {
 
-/// A null image for a file that is refused.
+/// Returns a null image if the file is refused.
 QImage ReadTarga(const QByteArray& file, QSize size);
 QByteArray WriteTarga(const QImage& mask, bool isRunLength);
 

@@ -5,7 +5,7 @@
 #include <QObject>
 #include <QStringList>
 
-/// Collects what is logged while it lives, each message as its type and text without the time:
+/// Collects the messages that are logged while it exists, as type and text without the time:
 /// "Error: Failed to ...".
 class LogSpy : public QObject
 {
@@ -15,7 +15,7 @@ public:
     LogSpy();
 
     const QStringList& Messages() const { return m_messages; }
-    /// The messages so far, which it forgets.
+    /// Returns the messages so far and forgets them.
     QStringList Take();
 
 private:

@@ -7,7 +7,7 @@
 
 /// A mask with one pixel a character: '.' is clear, '#' is set, '+' is index 1, which is neither.
 QImage MaskFromArt(const QStringList& rows);
-/// The same the other way; indices other than 0, 1 and 255 show as '?', a null image as no row.
+/// The reverse. Indices other than 0, 1 and 255 become '?', a null image gives no rows.
 QStringList ArtFromMask(const QImage& mask);
 /// The pixel indices row by row, from the top.
 QByteArray Indices(const QImage& mask);

@@ -4,8 +4,8 @@
 
 constexpr quint64 AMebibyte = 1 << 20;
 
-/// While it lives, this process gets no more than this many bytes of address space on top of what
-/// it has: large allocations fail, small ones do not.
+/// While this object exists, this process gets at most this many more bytes of address space. Large
+/// allocations fail, small ones do not.
 class MemoryLimit
 {
 public:
@@ -17,5 +17,5 @@ private:
     quint64 m_limitBefore;
 };
 
-/// How many bytes of this process's memory exist at the moment.
+/// The resident memory of this process in bytes.
 quint64 ResidentMemory();

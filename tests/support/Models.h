@@ -4,5 +4,5 @@
 
 class QAbstractItemModel;
 
-/// What the top-level rows of a model show, in order.
+/// The texts of the top-level rows of a model, in order.
 QStringList RowTexts(const QAbstractItemModel& model);

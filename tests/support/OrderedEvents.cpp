@@ -6,8 +6,8 @@
 
 #include <sanitizer/tsan_interface.h>
 
-// The linker sends the program's calls to these (see --wrap in its manual), and theirs on to the
-// toolkit.
+// The linker redirects the program's calls to these functions (see --wrap in its manual), and their
+// own calls to Qt.
 
 void SendOn(QObject* sender, const QMetaObject* metaObject, int signal,
             void** arguments) __asm__("__real__ZN11QMetaObject8activateEP7QObjectPKS_iPPv");

@@ -2,10 +2,10 @@
 
 #include <QApplication>
 
-/// What the toolkit's locks order among threads, told to the thread sanitizer too: the toolkit is
-/// not built with it, so that it takes whatever is handed over in an event for a race. Each event
-/// that is posted or signal that is sent happens before each event that is received after it. In
-/// other builds these do nothing.
+/// Tells the thread sanitizer about the order of events between threads. Qt is not built with the
+/// sanitizer, so the sanitizer does not see Qt's locks and reports data that is passed in an event
+/// as a race. With these functions, posting an event or sending a signal happens before every event
+/// that is received later. In other builds they do nothing.
 namespace ordered_events {
 
 void Release();

@@ -4,7 +4,7 @@
 
 class QWidget;
 
-/// Counts how often a widget is painted while this lives.
+/// Counts how often a widget is painted while this object exists.
 class PaintCounter : public QObject
 {
 public:

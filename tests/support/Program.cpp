@@ -8,7 +8,8 @@
 
 namespace {
 
-/// From the toolkit, or from what counts the lines that run when it cannot write its counts.
+/// True for lines of Qt, and for those of the coverage counters when they cannot write their
+/// counts.
 bool IsForeignWarning(const QString& line)
 {
     static const std::array<QLatin1String, 5> starts = {

@@ -4,13 +4,13 @@
 #include <QString>
 #include <QStringList>
 
-/// What a finished program left behind.
+/// The results of a finished program.
 struct ProgramRun
 {
-    /// -1 when it crashed or never ended.
+    /// -1 if it crashed or never ended.
     int exitCode = -1;
     QString output;
-    /// The lines that it logged, without the toolkit's own warnings.
+    /// The lines that it logged, without Qt's own warnings.
     QStringList log;
 };
 
@@ -18,5 +18,5 @@ struct ProgramRun
 ProgramRun RunProgram(const QString& path, const QStringList& arguments, const QString& folder,
                       const QProcessEnvironment& environment);
 
-/// The lines without the "HH:mm:ss - " in front; a line that has none says so.
+/// The lines without the leading "HH:mm:ss - ". A line without it is marked.
 QStringList WithoutTimes(const QStringList& lines);

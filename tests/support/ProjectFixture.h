@@ -6,8 +6,7 @@
 #include <QString>
 #include <QTemporaryDir>
 
-/// An empty project in a temporary folder of its own. The settings are what they were before, once
-/// it is gone.
+/// An empty project in a temporary folder. Its destructor restores the former settings.
 class ProjectFixture
 {
 public:

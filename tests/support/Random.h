@@ -4,8 +4,8 @@
 
 #include <random>
 
-/// Random numbers whose seed is printed, so that a failure can be had again: the environment
-/// variable QUILLMAP_SEED sets it.
+/// Random numbers. The seed is printed, so that a failure can be repeated: set the environment
+/// variable QUILLMAP_SEED to it.
 class Random
 {
 public:

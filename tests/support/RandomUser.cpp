@@ -212,7 +212,7 @@ void RandomUser::PressKey()
     QWidget* focus = QApplication::focusWidget();
     QWidget* receiver = focus && m_random.Below(3) == 0 ? focus : &View();
     if (m_random.Below(6) == 0) {
-        // Held a little longer, or released elsewhere.
+        // Hold the button a little longer, or release it elsewhere.
         QTest::keyEvent(m_random.Below(2) == 0 ? QTest::Press : QTest::Release, receiver, key,
                         modifiers);
     } else {
@@ -243,7 +243,7 @@ void RandomUser::ClickButton()
                "btnToggleZoneInsert", "btnToggleQueryTer", "btnZoneDelete", "btnZoneCopy",
                "btnToFront", "btnToBack", "rdoRest", "rdoDynEvent"});
     if (button) {
-        // A click at the button's left side does not open the menu that it may have.
+        // A click at the button's left side does not open its menu.
         QTest::mouseClick(button, Qt::LeftButton, {}, {8, button->height() / 2});
     }
 }
@@ -359,7 +359,7 @@ void RandomUser::ViewAction()
     static const char* const actions[] = {"actionViewLayers", "actionViewStatus",
                                           "actionViewTerritoryTypes", "actionViewTerritoryTypes"};
     QAction* action = Action(actions[m_random.Below(int(std::size(actions)))]);
-    // Docks are mostly shown, else there is little to do.
+    // Show docks more often than hide them, otherwise there is little to do.
     if (!action->isChecked() || m_random.Below(5) == 0) {
         action->trigger();
     }
@@ -391,7 +391,7 @@ void RandomUser::CloseWindow()
 {
     window->close();
     if (!window->isVisible()) {
-        // Another process would begin like this one.
+        // Restore the settings with which a new process would begin.
         ProjectSettings::Instance() = m_settingsAtStart;
         Restart(m_random.Below(2) == 0 ? QString()
                                        : Path(QLatin1String(GoodFiles[m_random.Below(2)])));

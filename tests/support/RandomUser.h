@@ -11,20 +11,19 @@ class LayerList;
 class QAbstractItemView;
 class TerritoryTypeList;
 
-/// Does with the editor's window what comes to its mind: clicks, drags, keys and wheel turns, menus
-/// and dialogs, among them many that make no sense. Files that it opens are good ones, broken ones
-/// and missing ones.
+/// Performs random actions in the editor's window: clicks, drags, keys, wheel turns, menus and
+/// dialogs, including many that make no sense. It opens good, broken and missing files.
 class RandomUser : public WindowFixture
 {
 public:
     RandomUser();
 
-    /// Does one thing and returns what.
+    /// Performs one action and returns its name.
     QString Act();
-    /// What does not fit together; empty when all is well.
+    /// Returns what is inconsistent; empty if nothing is.
     QString Contradiction() const;
-    /// Saves the project, loads what was saved and saves that; what differs, empty when nothing
-    /// does. Answers to a load's question as asked.
+    /// Saves the project, loads it and saves it again. Returns what differs; empty if nothing does.
+    /// Answers the question of the load as given.
     QString LostBySaving();
 
 private:
@@ -65,7 +64,7 @@ private:
     void Mouse(QEvent::Type type, QPoint position, Qt::MouseButton button,
                Qt::MouseButtons buttons);
     QPoint SomewhereOnMap();
-    /// A visible one of these, or null.
+    /// Returns a random visible widget of these, or null.
     QWidget* OneOf(const std::vector<const char*>& names);
     QAbstractItemView* ATree();
 

@@ -26,8 +26,7 @@ QPair<QByteArray, double> SplitAtZ(const QByteArray& line)
     return {line.left(begin) + line.mid(end), line.mid(begin, end - begin).toDouble()};
 }
 
-/// Zones may move by what a single precision number cannot tell, where the layer's pixels do not
-/// divide the world evenly.
+/// Zones may move by a rounding error of single precision, with some pairs of layer and world size.
 bool IsSameLine(const QByteArray& line, const QByteArray& again)
 {
     if (line == again || !line.contains("<zone ")) {
@@ -119,7 +118,7 @@ QString RandomUser::LostBySaving()
         window->SaveProjectFile(Path(folder + QStringLiteral("/saved.xml")));
         return FilesBelow(Path(folder));
     };
-    // The load would ask about a stroke that is under way.
+    // The load would ask because of a stroke that is under way.
     Scene().LoseMouse();
     const QMap<QString, QByteArray> saved = save(QStringLiteral("once"));
     Modified() = false;

@@ -43,7 +43,7 @@ void RandomUser::AnswerFileDialog(QWidget& dialog)
     };
     const QStringList choice = files[dialog.windowTitle()];
     const QString path = Path(choice[m_random.Below(choice.size())]);
-    // What cannot be opened is told in a box of the dialog's own.
+    // The file dialog opens a message box for a file that cannot be opened.
     dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
     QTest::keyClick(&dialog, Qt::Key_Return);
     if (dialog.isVisible()) {
@@ -77,7 +77,8 @@ void RandomUser::AnswerCustomLayer(QWidget& dialog)
     const auto child = [&dialog](const char* name) {
         return dialog.findChild<QWidget*>(QLatin1String(name));
     };
-    // What computes is not enabled; each answer does one thing, until the last one ends it.
+    // Controls are disabled during a computation. Each answer performs one action, and the last one
+    // closes the dialog.
     if (++m_customLayerAnswers < 6) {
         static const char* const names[] = {"cboOperation", "cboInputA", "cboInputB"};
         auto* box = qobject_cast<QComboBox*>(child(names[m_random.Below(3)]));

@@ -4,13 +4,13 @@
 
 #include <QStringList>
 
-/// Both docks with a current territory of one zone, which is shown.
+/// Both docks, with a current territory of one zone. The zone is shown.
 class ShownZoneFixture : public TerritoryDocks
 {
 public:
     ShownZoneFixture();
 
-    /// Static, dynamic and both together, the least and the most of each.
+    /// The minimum and maximum of static, dynamic and all creatures.
     QStringList Totals() const;
     int CheckedUsage() const;
     int Value(const char* box) const;

@@ -10,7 +10,7 @@ constexpr char RunLengthType = 11;
 constexpr char TopDown = 0x20;
 constexpr char BottomUp = 0;
 
-/// Of a file of 8-bit grey values; of sides above 65535 the lowest 16 bits.
+/// The header of a file of 8-bit grey values. Sides above 65535 keep their lowest 16 bits.
 QByteArray TargaHeader(char imageType, QSize size, char descriptor = TopDown);
 
 /// The whole file.

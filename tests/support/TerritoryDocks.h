@@ -13,8 +13,8 @@
 #include <QMainWindow>
 #include <QTreeView>
 
-/// A shown window with the map and both territory docks, connected as the editor does it. One metre
-/// is one layer pixel; at first there are no types.
+/// A shown window with the map and both territory docks, connected as in the editor. One metre is
+/// one layer pixel. There are no types at first.
 class TerritoryDocks
 {
 public:
@@ -23,16 +23,17 @@ public:
     MainScene& Scene() { return *view->Scene(); }
     TerritoryTypeList& List() { return *types->List(); }
     QTreeView& Tree() { return *Child<QTreeView>("treeTerTypes"); }
-    /// The flag, which is false from then on.
+    /// Returns the flag and sets it to false.
     bool TakeModified();
 
-    /// Into the list.
+    /// Adds a type to the list.
     TerritoryType* AddType(const QString& name);
-    /// Checked and shown, locked, with so many zones; below the type.
+    /// Adds a territory to the type. It is checked and visible, its zones are locked, and it has so
+    /// many zones.
     Territory* AddTerritory(TerritoryType* type, const QString& name, int zones = 0);
     Zone* AddZone(Territory* territory, QPointF position = {50, 50}, float radius = 60);
     void MakeCurrent(const QStandardItem* item);
-    /// As the map's selection, so that the properties show it.
+    /// Selects the zone on the map, so that the properties show it.
     void SelectZone(Zone* zone);
 
     /// The one object of either dock that has the name.

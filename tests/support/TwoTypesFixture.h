@@ -4,9 +4,9 @@
 
 #include <QAbstractItemModelTester>
 
-/// Both docks with two types: Deer with the territories North and South of two zones each, Wolf
-/// with none. The model is watched for breaking the rules of item models, which fails the running
-/// test.
+/// Both docks with two types: Deer with the territories North and South of two zones each, and Wolf
+/// without territories. A model tester fails the running test if the model breaks the rules of item
+/// models.
 class TwoTypesFixture : public TerritoryDocks
 {
 public:

@@ -12,7 +12,7 @@
 
 #include <memory>
 
-/// The editor's window, shown, in a folder and with stored settings of its own.
+/// The editor's window, shown, with a temporary folder and separate settings.
 class WindowFixture
 {
 public:
@@ -20,7 +20,7 @@ public:
     explicit WindowFixture(const QString& configPath = {});
     ~WindowFixture();
 
-    /// Another window on what the first one stored.
+    /// Makes another window that reads the settings of the first one.
     void Restart(const QString& configPath = {});
 
     template <typename T>
@@ -32,12 +32,12 @@ public:
     void Trigger(const char* action) const { Action(action)->trigger(); }
     /// Chooses the file in the dialog that the action opens.
     void TriggerWithFile(const char* action, const QString& path);
-    /// The same for a file that is there already, which is to be replaced.
+    /// The same for an existing file, which is replaced.
     void SaveOver(const char* action, const QString& path);
     /// Writes a small project with two layers, the second one selected, and a territory with a
     /// zone; 64 pixels and 640 metres a side. Returns its path.
     QString WriteProject(const QString& name = QStringLiteral("small"));
-    /// Loads a project as the user does.
+    /// Loads a project with the file dialog.
     void Load(const QString& path) { TriggerWithFile("actionLoad", path); }
 
     QString Path(const QString& fileName) const { return m_project.Path(fileName); }

@@ -7,10 +7,10 @@
 
 class QXmlStreamWriter;
 
-/// What write puts into a stream writer, on one line.
+/// Calls write with a stream writer and returns the text on one line.
 QString XmlText(const std::function<void(QXmlStreamWriter&)>& write);
 
-/// A reader of a text that stands on the text's first start element.
+/// A reader of a text, on the text's first start element.
 class ElementReader : public QXmlStreamReader
 {
 public:

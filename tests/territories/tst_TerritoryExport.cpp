@@ -34,7 +34,7 @@ TerritoryType* AddType(TerritoryTypeList& list, const QString& name)
     return type;
 }
 
-/// A folder in the place of its file keeps a type from being exported.
+/// Makes a folder with the name of the type's file, so that the type cannot be exported.
 void BlockFile(const ProjectFixture& project, const QString& name)
 {
     QVERIFY(QDir().mkpath(TypePath(project, name)));

@@ -433,7 +433,7 @@ void tst_TerritoryTypeList::CutInputKeepsCompleteTypes()
         TerritoryTypeList list;
         QGraphicsScene scene;
         QCOMPARE(Read(list, cut, &scene), length == document.size());
-        // The last one, without territories, is complete with its only tag.
+        // The last type has no territories, so its single tag completes it.
         const int complete =
             cut.count("</territory-type>") + cut.count("<territory-type name=\"Empty\"/>");
         QCOMPARE(list.Types().size(), complete);
@@ -530,7 +530,7 @@ void tst_TerritoryTypeList::TellsNobodyAboutOtherTypes()
     list->SetTotalsCallback([&calls] { ++calls; });
     auto* type = new TerritoryType(QStringLiteral("Deer"));
     list->AddType(type);
-    // Taken out, it is the list's no more.
+    // A type that was taken out does not belong to the list any more.
     const std::unique_ptr<QStandardItem> owner(list->model()->takeItem(0));
     list->model()->removeRow(0);
     calls = 0;
@@ -542,7 +542,8 @@ void tst_TerritoryTypeList::TellsNobodyAboutOtherTypes()
     list.reset();
     type->NewTerritory()->AddZone(new Zone(nullptr, 100.0F));
 
-    // Not while the list goes, when those who show totals may be gone too.
+    // The callback is not called while the list is destroyed, because the object that shows totals
+    // may be destroyed too.
     QCOMPARE(calls, 0);
 }
 

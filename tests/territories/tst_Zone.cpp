@@ -265,7 +265,7 @@ void tst_Zone::EachAxisHasItsOwnFactor()
 
 void tst_Zone::AnyPlaceIsWrittenAgainAsItWas()
 {
-    // As drags leave zones: at any fraction of a pixel, also close to the southern edge.
+    // Drags leave zones at any fraction of a pixel, also close to the southern edge.
     ProjectSettings::Instance().SetSizes(64, 64, 640, 640);
     for (int i = 0; i < 10000; ++i) {
         Zone zone(nullptr, 100);

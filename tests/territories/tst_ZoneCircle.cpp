@@ -15,7 +15,7 @@ constexpr QSize DeviceSize(160, 120);
 
 using Prepare = std::function<void(QPainter& painter)>;
 
-/// What the circles look like when nothing is kept.
+/// The circles without any kept pictures.
 void DrawLiterally(QPainter& painter, const ZoneCircle& circle)
 {
     painter.setPen(QPen(QColor(circle.grey, circle.grey, circle.grey), 2));
@@ -42,7 +42,7 @@ QImage Shown(const QImage& background, const QVector<Drawing>& drawings, const P
     return image;
 }
 
-/// Drawn for the first time, kept, and drawn from what was kept.
+/// Draws a circle for the first time, when it is kept, and from the kept picture.
 void CompareRepaints(
     const QImage& background, const QVector<Drawing>& drawings,
     const Prepare& prepare = [](QPainter&) {})
@@ -163,7 +163,7 @@ void tst_ZoneCircle::LooksTheSameForOtherPainters()
         for (int k = 0; k < 10; ++k) {
             drawings.append(RandomDrawing(random, 1.5));
         }
-        // What was kept by a usual painter is no good for these.
+        // Pictures that were kept with a usual painter cannot be used for these.
         Shown(
             background, drawings, [](QPainter&) {}, DrawZoneCircle);
         Shown(
@@ -187,7 +187,7 @@ void tst_ZoneCircle::LooksTheSameWhereItIsTurned()
     }
 }
 
-/// One place and size, of which nothing but the looks differs.
+/// Circles with the same place and size that differ only in their colours and outlines.
 void tst_ZoneCircle::LooksTheSameInAnyColor()
 {
     Random random;
@@ -209,7 +209,7 @@ void tst_ZoneCircle::LooksTheSameAfterManyOthers()
     image.fill(Qt::white);
     const Drawing drawing = {QTransform::fromTranslate(80, 60), {55, QColor(9, 8, 7, 100), 30}};
     CompareRepaints(image, {drawing});
-    // More pictures than are kept.
+    // More circles than the number of kept pictures.
     QPainter painter(&image);
     for (int i = 0; i < 3000; ++i) {
         painter.setTransform(QTransform::fromTranslate(70 + i / 4096.0, 60));

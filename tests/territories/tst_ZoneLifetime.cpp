@@ -14,8 +14,8 @@
 
 namespace {
 
-/// What can die on its own. Source and target are two territories of one type; the zone is the
-/// source's, the copy is the target's and points back to the source.
+/// The objects that can be destroyed separately. Source and target are two territories of one type.
+/// The source holds the zone; the target holds the copy, whose GetTerritory() is the source.
 enum Part
 {
     Scene,
@@ -28,13 +28,13 @@ enum Part
     PartCount,
 };
 
-/// The objects, and an account of which of them live.
+/// The objects, and a record of which of them exist.
 class World
 {
 public:
     World();
 
-    /// Nothing when it is dead already.
+    /// Does nothing if the object is already destroyed.
     void Destroy(Part part);
     bool Lives(Part part) const { return m_lives[part]; }
     void CheckLinks() const;
@@ -134,7 +134,7 @@ void World::CheckLinks() const
 
 } // namespace
 
-/// Zones, territories and scenes refer to one another; this is to be run with an address sanitizer.
+/// Zones, territories and scenes refer to one another. Run this test with the address sanitizer.
 class tst_ZoneLifetime : public QObject
 {
     Q_OBJECT

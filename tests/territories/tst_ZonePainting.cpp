@@ -12,7 +12,7 @@
 namespace {
 
 constexpr int NoUsage = 99;
-/// Pixels from the middle of a picture to its edges.
+/// The distance in pixels from the centre of a picture to its edges.
 constexpr int Reach = 60;
 
 /// A transparent picture of the zone in its middle, painted without smoothing.
@@ -28,7 +28,7 @@ QImage Picture(Zone& zone, QStyle::State state = QStyle::State_None)
     return image;
 }
 
-/// The middle of the zone, which is as large as an icon, on a screen of twice the density.
+/// The centre of the zone, in the size of an icon, on a screen with a device pixel ratio of 2.
 QImage EnlargedPicture(Zone& zone)
 {
     const int size = ZoneIcons::Icon(zone.GetUsage()).width();
@@ -43,7 +43,7 @@ QImage EnlargedPicture(Zone& zone)
     return isSmooth ? QImage() : image;
 }
 
-/// The colour at a place that counts from the middle.
+/// The colour at a place relative to the centre.
 QRgb ColorAt(const QImage& image, int x, int y)
 {
     return image.pixelColor(Reach + x, Reach + y).rgba();
@@ -98,7 +98,7 @@ private slots:
 
 void tst_ZonePainting::initTestCase()
 {
-    // A metre a pixel.
+    // One metre per pixel.
     ProjectSettings::Instance().SetSizes(1024, 1024, 1024, 1024);
 }
 
@@ -192,8 +192,8 @@ void tst_ZonePainting::OnlySelectedZonesShowTheRectangle()
 
 namespace {
 
-/// Along the line y from x = first to x = last: the lengths of the runs of red pixels, and of those
-/// between them.
+/// The lengths of the runs of red pixels and of the gaps between them, along the line y from x =
+/// first to x = last.
 QVector<int> RedRuns(const QImage& image, int y, int first, int last)
 {
     QVector<int> runs;

@@ -18,7 +18,7 @@ private slots:
     void NothingIsLeftWithoutCommit();
 
 private:
-    /// Makes the files, each with its name in it.
+    /// Makes the files. Each contains its name.
     static void Make(OutputSet& output, const QStringList& names)
     {
         for (const QString& name : names) {
@@ -35,7 +35,7 @@ void tst_OutputSet::AllFilesTakeTheirPlaces()
     {
         OutputSet output(folder.path());
         Make(output, {"a", "b", "c/d"});
-        // Until then the old ones are there.
+        // Until Commit the old files are in place.
         QCOMPARE(ReadBytes(folder.filePath("b")), QByteArray("old"));
         QVERIFY(output.Commit());
     }

@@ -379,7 +379,8 @@ void tst_ToolCheck::NamesCannotForgeLines()
     SampleProject project;
     project.Replace("name=\"Graze\"", "name=\"rest\"");
     project.Replace("name=\"North\"", "name=\"a&#10;b&#27;[2J\"");
-    // An escape is no character of XML, and a line break stays within its line.
+    // XML does not allow an escape character, and a line break in a name must not break the line of
+    // output.
     QCOMPARE(project.Run({"check", "sample.xml"}).exitCode, 3);
     project.Replace("&#27;", "&#155;");
     project.Replace("name=\"Wolf\"", "name=\"|&#x202E;fl&#x2066;oW&#x200F;\"");

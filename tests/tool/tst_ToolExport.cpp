@@ -256,7 +256,7 @@ void tst_ToolExport::FullDisksAreReported()
     QFETCH(QString, limit);
     QFETCH(QString, file);
     SampleProject project;
-    // A map of more bytes than the larger limit.
+    // The map has more bytes than the larger limit.
     const QStringList rows = QVector<QString>(64, QString(64, '#')).toList();
     project.Replace("<layer size=\"8\"/>", "<layer size=\"64\"/>");
     project.Paint("Shore", rows);
@@ -268,7 +268,7 @@ void tst_ToolExport::FullDisksAreReported()
     QCOMPARE(FilesBelow(project.Path(".")), files);
 }
 
-/// ".." leads to the folder above what the link leads to, as everywhere else.
+/// After a link, ".." means the folder above the link's target, as everywhere else.
 void tst_ToolExport::LinksAreFollowed()
 {
     const SampleProject project;

@@ -8,7 +8,7 @@
 
 #include <unistd.h>
 
-/// What all commands have in common about the files that they are given.
+/// How all commands treat the files that they are given.
 class tst_ToolFiles : public QObject
 {
     Q_OBJECT
@@ -75,7 +75,7 @@ void tst_ToolFiles::MapsOfAnyWidthAreRead_data()
 {
     QTest::addColumn<int>("width");
     QTest::addColumn<QString>("file");
-    // The bytes of these widths look like the beginning of a document.
+    // These widths have the same bytes as the beginning of a document.
     for (const int width : {60, 15392, 15370, 65279, 65534}) {
         for (const char* file : {"a.map", "a.bin"}) {
             QTest::addRow("%d in %s", width, file) << width << QString(file);
@@ -131,7 +131,7 @@ void tst_ToolFiles::CutOffBitmapsAreShownWithAWord()
     }
     const QString path = project.Path("layers/Village.tga");
     const QByteArray bytes = ReadBytes(path);
-    // Without the packet of the last pixel, which is set.
+    // The packet of the last pixel, which is set, is missing.
     WriteBytes(path, bytes.left(bytes.size() - 2));
 
     const ProgramRun run = project.Run(arguments);

@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-/// What the tool and its commands say of themselves.
+/// The help of the tool and of its commands.
 class tst_ToolHelp : public QObject
 {
     Q_OBJECT
@@ -140,9 +140,9 @@ void tst_ToolHelp::WrongArgumentsEndWithTwo_data()
     QTest::newRow("unknown option")
         << QStringList{"export", "--json", "a"}
         << QStringList{"quillmap-tool: Unknown option 'json'.", tryHelp};
-    QTest::newRow("option of the toolkit")
-        << QStringList{"export", "-platform", "xcb", "a"}
-        << QStringList{"quillmap-tool: Unknown options: p, l, a, t, f.", tryHelp};
+    QTest::newRow("option of Qt") << QStringList{"export", "-platform", "xcb", "a"}
+                                  << QStringList{"quillmap-tool: Unknown options: p, l, a, t, f.",
+                                                 tryHelp};
     QTest::newRow("folder without a name")
         << QStringList{"export", "a", "-o", ""}
         << QStringList{"quillmap-tool: the folder has no name.", tryHelp};

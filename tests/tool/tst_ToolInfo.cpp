@@ -108,7 +108,7 @@ void tst_ToolInfo::FilesAreDescribed()
     QCOMPARE(project.Run({"info", "--quiet", file}).output, QString());
 }
 
-/// More than the tool keeps of one file, so that it reads again and again.
+/// A bitmap larger than the tool keeps in memory, so that the tool reads it again for each band.
 void tst_ToolInfo::LargeBitmapsAreCounted()
 {
     const SampleProject project;
@@ -121,7 +121,7 @@ void tst_ToolInfo::LargeBitmapsAreCounted()
     QVERIFY2(run.output.contains("\nset: 3\nclear: 1199997\nother: 0\n"), qPrintable(run.output));
 }
 
-/// More layers than the tool composes at once.
+/// More layers than the tool composes in one group.
 void tst_ToolInfo::ManyLayersAreCounted()
 {
     constexpr int size = 1024;
@@ -273,7 +273,7 @@ void tst_ToolInfo::TellsWhatItCanOfBrokenProjects()
     QVERIFY(run.output.contains("  Shore: visible yes, usages Coast, values Tier1, pixels 5, "
                                 "km2 0.05, percent 7.81\n" +
                                 village));
-    // How many pixels have a flag is not known.
+    // The numbers of pixels with a flag are unknown.
     QVERIFY(run.output.contains("\n  Coast: bit 0\n"));
     QCOMPARE(run.exitCode, 3);
 }

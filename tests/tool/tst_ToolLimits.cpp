@@ -23,7 +23,8 @@ QByteArray LargeBitmap()
     return bytes + QByteArray(2 * packets, '\xff');
 }
 
-/// Makes the sample's layers so large that work on them takes a while, and 32 bits a pixel.
+/// Makes the sample's layers so large that work on them takes some time, with 32 bits a pixel in
+/// the map.
 void Enlarge(SampleProject& project)
 {
     project.Replace("<layer size=\"8\"/>",
@@ -49,7 +50,7 @@ bool HasLargeFile(const QString& folder)
     return false;
 }
 
-/// Comes back when the export of the large project is in the midst of the map.
+/// Returns while the export of the large project is writing the map.
 void StartExport(QProcess& process, const SampleProject& project, const QString& before)
 {
     project.Start(process, before, {"export", "sample.xml", "-o", "out"});
@@ -61,7 +62,7 @@ void StartExport(QProcess& process, const SampleProject& project, const QString&
 
 } // namespace
 
-/// What becomes of runs that are ended, or get too little.
+/// Runs that are ended by a signal, or have too little memory or disk space.
 class tst_ToolLimits : public QObject
 {
     Q_OBJECT
@@ -137,7 +138,7 @@ void tst_ToolLimits::MissingMemoryIsReported()
     while (runWith(limit, {"--version"}).exitCode != 0) {
         limit += step;
     }
-    // What the libraries need to start with is not the same in each run.
+    // The memory that the libraries need at the start varies from run to run.
     limit += step;
     int failures = 0;
     for (int i = 0; i < 8; ++i, limit += step) {

@@ -155,7 +155,7 @@ void tst_ToolRender::ZonesAreShown()
     const QStringList arguments = {"render", "sample.xml", "-o",     "p.png",
                                    "--size", "800",        "--zones"};
     QCOMPARE(project.Run(arguments).exitCode, 0);
-    // A zone at (400, 200) m of one layer pixel's radius, whose outline is two layer pixels wide.
+    // A zone at (400, 200) m with a radius of one layer pixel and an outline of two layer pixels.
     const QImage picture(project.Path("p.png"));
     QCOMPARE(picture.pixelColor(420, 450), QColor(2, 2, 2));
     QCOMPARE(picture.pixelColor(420, 390), QColor(Qt::white));
@@ -183,11 +183,11 @@ void tst_ToolRender::MapShowsItsUsages()
     const SampleProject project;
     QCOMPARE(project.Run({"export", "sample.xml"}).exitCode, 0);
     const ProgramRun run = project.Run({"render", "sample.map", "-o", "p.png", "--size", "800"});
-    // No pixel has the fourth of its bits.
+    // No pixel has the fourth bit of the field.
     QCOMPARE(run.output, QString("#e69f00 usage:0\n#56b4e9 usage:1\n#009e73 usage:2\n"));
     const QImage picture(project.Path("p.png"));
     QCOMPARE(picture.size(), QSize(800, 800));
-    // Two thirds of the colour over the grey, and of the third over the second.
+    // Two thirds of the colour over the grey, and two thirds of the third colour over the second.
     QCOMPARE(picture.pixelColor(750, 750), QColor(48, 48, 48));
     QCOMPARE(picture.pixelColor(750, 50), QColor(24, 150, 134));
     QCOMPARE(picture.pixelColor(50, 750), QColor(169, 122, 16));
@@ -203,7 +203,7 @@ void tst_ToolRender::MapWithoutUsagesShowsItsValues()
     QCOMPARE(QImage(project.Path("p.png")).pixelColor(0, 0), QColor(73, 136, 171));
 }
 
-/// However many flags there are, each has a colour of its own.
+/// Any number of flags get different colours.
 void tst_ToolRender::ColoursOfTheLegendDiffer()
 {
     SampleProject project;
@@ -237,7 +237,7 @@ void tst_ToolRender::LegendLeavesSmallPicturesAlone()
     QCOMPARE(QImage(project.Path("p.png")).pixelColor(8, 8), QColor(0xE6, 0x9F, 0x00));
 }
 
-/// A name that usages and values share means the usage.
+/// If a usage and a value have the same name, the usage is meant.
 void tst_ToolRender::FlagsHaveSeveralNames()
 {
     SampleProject project;
@@ -264,7 +264,7 @@ void tst_ToolRender::BitmapIsWhiteOnBlack()
              (QStringList{clear, clear, clear, clear, "....    ", clear, clear, ".       "}));
 }
 
-/// Several bands of rows, at sizes that divide none of them.
+/// Several bands of rows, at picture sizes that do not divide their heights.
 void tst_ToolRender::TallBitmapsAreWhole()
 {
     const SampleProject project;

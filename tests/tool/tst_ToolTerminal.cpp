@@ -11,14 +11,14 @@
 
 namespace {
 
-/// Runs the tool with a terminal as its standard error, and gives what came there.
+/// Runs the tool with a terminal as its standard error, and returns the output there.
 QByteArray TerminalOutput(const SampleProject& project, const QStringList& arguments)
 {
     const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
     if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) {
         qFatal("There is no terminal.");
     }
-    // Open all the time, so that nothing is lost between the end of the run and the reading.
+    // Stays open, so that nothing is lost between the end of the run and the reading.
     const QByteArray name = ptsname(terminal);
     const int other = open(name.constData(), O_RDWR | O_NOCTTY);
     QProcess process;
@@ -48,7 +48,7 @@ QByteArray Bar(const QByteArray& what, int percent)
 
 } // namespace
 
-/// What is shown on a terminal alone.
+/// Output that appears only on a terminal.
 class tst_ToolTerminal : public QObject
 {
     Q_OBJECT

@@ -19,8 +19,8 @@ int ThreadCount()
 
 } // namespace
 
-/// The dialog opened again and again, and left in every way. QUILLMAP_COMPUTATIONS sets how many
-/// are left at a random moment.
+/// Opens the dialog repeatedly and closes it in every way. QUILLMAP_COMPUTATIONS sets how many
+/// computations are abandoned at a random moment.
 class tst_CustomLayerSoak : public QObject
 {
     Q_OBJECT
@@ -53,7 +53,7 @@ void tst_CustomLayerSoak::LeavesNothingBehind()
         const int result = fixture.Execute(way == 1 ? modified : nullptr, [&] {
             fixture.WaitIdle();
             fixture.Child<QComboBox>("cboOperation")->setCurrentIndex(operation);
-            // While it computes and while the computation ends.
+            // During the computation and while it ends.
             QTimer closer;
             QObject::connect(&closer, &QTimer::timeout, fixture.dialog, [&] {
                 if (!fixture.IsIdle()) {
@@ -83,7 +83,7 @@ void tst_CustomLayerSoak::LeavesNothingBehind()
             fixture.list.RemoveLayer(fixture.created->Id());
         }
         QCOMPARE(fixture.list.Layers().size(), 3);
-        // What is shared by all that are opened is there after the first four.
+        // Objects shared by all dialogs exist after the first four.
         if (round == ways) {
             widgetCount = QApplication::allWidgets().size();
             threadCount = ThreadCount();
@@ -109,14 +109,14 @@ void tst_CustomLayerSoak::EndsWhileItComputes()
                                  &fixture.window);
         if (random.Below(3) > 0) {
             dialog.show();
-            // As many events as may be between a request and its result.
+            // The largest number of events between a request and its result.
             QTest::qWait(random.Below(6));
         }
         if (random.Below(3) == 0) {
             dialog.ConfirmDialog();
         }
     }
-    // Changes that were posted are made, or dropped with what they were for.
+    // Posted changes are made, or dropped with the list.
     QCoreApplication::processEvents();
     QTRY_COMPARE(ThreadCount(), threadCount);
 }

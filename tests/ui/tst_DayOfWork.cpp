@@ -30,7 +30,7 @@ namespace {
 constexpr int LayerSize = 128;
 constexpr int WorldSize = 1280;
 
-/// What a designer does with the window, and what the layers must hold after it.
+/// A designer who works in the window, and the expected pixels of the layers.
 class Designer : public WindowFixture
 {
 public:
@@ -180,7 +180,7 @@ void tst_DayOfWork::EndsWithTheFilesThatItMust()
     designer.SaveOver("actionSaveAll", designer.Path("day.xml"));
     QVERIFY(!designer.Modified());
 
-    // The layers, as a whole picture would have been painted and read again.
+    // The layers must equal those painted with whole pictures and read again.
     QVector<literal::MapLayer> expected;
     for (int row = 0; row < 2; ++row) {
         QImage picture(LayerSize, LayerSize, QImage::Format_ARGB32_Premultiplied);
@@ -223,7 +223,7 @@ void tst_DayOfWork::EndsWithTheFilesThatItMust()
     QCOMPARE(ReadBytes(designer.Path("day.xml")), saved);
     QCOMPARE(ReadBytes(designer.Path("layers/both.tga")), literal::WriteTarga(both, true));
 
-    // And the build pipeline.
+    // The build pipeline.
     designer.log.Take();
     QDir::setCurrent(designer.Path(""));
     QCOMPARE(RunBatchExport(designer.Path("day.xml"), "Output"), ExitDone);

@@ -31,7 +31,7 @@ QImage Mask(const QRect& part)
     return mask;
 }
 
-/// The dialog, shown, over two layers; what it asks the worker for is remembered.
+/// The dialog, shown, with two layers. Its requests to the worker are recorded.
 class Opened
 {
 public:
@@ -64,7 +64,7 @@ public:
 
 } // namespace
 
-/// What the dialog shows when it opens, and what it asks its worker for.
+/// The dialog's content when it opens, and its requests to the worker.
 class tst_DialogCustomLayer : public QObject
 {
     Q_OBJECT
@@ -89,7 +89,7 @@ private slots:
 private:
     Layer* Add(const QString& name, const QRect& part, const QString& code = {});
 
-    /// Layers hold what only views show while there is a window.
+    /// Layers have data for views only while there is a window.
     QWidget m_window;
     std::unique_ptr<ProjectFixture> m_project;
     std::unique_ptr<LayerList> m_list;
@@ -244,7 +244,7 @@ void tst_DialogCustomLayer::EnablesWhatTheOperationNeeds()
 {
     QFETCH(int, operation);
     const Opened opened(*m_list);
-    // From union to erosion: the second input goes, the radius comes.
+    // From union to erosion: the second input is disabled and the radius enabled.
     opened.Choose("cboOperation", 1);
 
     opened.Choose("cboOperation", operation);

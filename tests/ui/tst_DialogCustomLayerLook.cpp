@@ -47,7 +47,7 @@ double Lightness(const QColor& color)
 
 } // namespace
 
-/// How the dialog looks, and how it is found by keys and by those who do not see it.
+/// The look of the dialog, its keys, and its texts for screen readers.
 class tst_DialogCustomLayerLook : public QObject
 {
     Q_OBJECT
@@ -230,7 +230,7 @@ void tst_DialogCustomLayerLook::NamesItsControls()
     QFETCH(QString, label);
     DialogCustomLayer dialog(&m->list, nullptr);
     auto* widget = dialog.findChild<QWidget*>(control);
-    // The interface of a combo box gives what is chosen, whatever its name is.
+    // The accessible interface of a combo box returns the chosen text instead of a name.
     const bool isCombo = qobject_cast<QComboBox*>(widget) != nullptr;
     QTEST(isCombo ? widget->accessibleName()
                   : QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name),
@@ -271,7 +271,7 @@ void tst_DialogCustomLayerLook::ClipsNothing()
             QVERIFY2(widget->width() >= least.width() && widget->height() >= least.height(),
                      qPrintable(widget->objectName()));
         }
-        // The pictures that were made before the dialog was shown have their labels' sizes.
+        // Pictures made before the dialog was shown have the sizes of their labels.
         for (const char* name : {"lblImageInputA", "lblImageInputB", "lblImageOutput"}) {
             const auto* label = m->Child<QLabel>(name);
             QVERIFY(label->width() >= 384 && label->height() >= 384);
@@ -317,7 +317,7 @@ void tst_DialogCustomLayerLook::ShowsTheLayersColors()
 
         m->Click("cboInputA");
         QVERIFY(QTest::qWaitForWindowExposed(combo->view()->window()));
-        // The current row's is tinted.
+        // The icon of the current row is tinted.
         QVERIFY(Shows(combo->view()->grab().toImage(), red));
         QTest::keyClick(combo->view(), Qt::Key_Escape);
         QVERIFY(m->dialog->isVisible());
@@ -346,7 +346,7 @@ void tst_DialogCustomLayerLook::KeepsTheNameReadable()
         m->Type("txtOutputName", name);
         m->Child("cboOperation")->setFocus();
         QImage picture = m->Child("txtOutputName")->grab().toImage();
-        // Within the frame there is a light ground, and dark letters on it.
+        // Inside the frame there are dark letters on a light background.
         picture = picture.copy(picture.rect().adjusted(4, 4, -4, -4));
         double darkest = 1;
         for (int x = 0; x < picture.width(); ++x) {

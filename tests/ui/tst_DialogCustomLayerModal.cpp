@@ -23,7 +23,7 @@ QImage Picture(const QImage& mask)
 
 } // namespace
 
-/// The dialog as it is used.
+/// The dialog, executed as in the editor.
 class tst_DialogCustomLayerModal : public QObject
 {
     Q_OBJECT
@@ -167,7 +167,7 @@ void tst_DialogCustomLayerModal::ModifiesALayerOverItself()
 
 void tst_DialogCustomLayerModal::RenamesALayerWithTheSameCode()
 {
-    // What was painted on it since it was computed stays.
+    // Paint that was added after the computation stays.
     Layer* layer = m->Add("computed", {0, 0, 3, 3}, m->Code("!(A)"));
     const QImage before = layer->Image();
 
@@ -205,7 +205,7 @@ void tst_DialogCustomLayerModal::RefusesABadName()
         QCOMPARE(edit->styleSheet(), "QLineEdit { background: rgb(255, 192, 192) }");
         QVERIFY(!m->Child("btnOk")->isEnabled());
         m->Click("btnOk");
-        // A preview enables all controls, but the name is checked once more.
+        // A preview enables all controls, but "OK" checks the name again.
         m->Choose("cboOperation", 1);
         m->Click("btnOk");
         QVERIFY(!m->Child("btnOk")->isEnabled());
@@ -222,7 +222,7 @@ void tst_DialogCustomLayerModal::RefusesABadName()
 
 void tst_DialogCustomLayerModal::LetsALayerKeepItsName()
 {
-    // Also one that another layer bears.
+    // The same for the name of another layer.
     m->Add("second", {0, 0, 1, 1});
 
     m->Execute(m->second, [&] {
@@ -369,7 +369,7 @@ void tst_DialogCustomLayerModal::ShowsInputsAndPreview()
 
 void tst_DialogCustomLayerModal::KeepsNoneForNoRow()
 {
-    // Another layer may well have the number 0.
+    // Another layer may have the id 0.
     m->Execute(nullptr, [&] {
         m->WaitIdle();
         m->Child<QComboBox>("cboInputA")->setCurrentIndex(-1);

@@ -19,7 +19,7 @@ void Turn(QWidget* widget)
 
 } // namespace
 
-/// What the dialog lets its user do when: one computation at a time.
+/// Which controls are enabled when. There is one computation at a time.
 class tst_DialogCustomLayerStates : public QObject
 {
     Q_OBJECT
@@ -214,7 +214,7 @@ void tst_DialogCustomLayerStates::ConfirmsAndCancelsFromTheRadiusBoxAtOnce()
         requestedBefore = m->previews->size();
         m->Click(button);
         QTRY_VERIFY(!m->dialog->isVisible());
-        // Nothing is computed for a dialog that is gone.
+        // A destroyed dialog starts no computation.
         QTest::qWait(20);
         requestedAfter = m->previews->size();
     });
@@ -260,7 +260,7 @@ void tst_DialogCustomLayerStates::GivesTheFocusBack()
         m->Key("spnRadius", Qt::Key_Return);
         m->WaitIdle();
         QTRY_VERIFY(m->Child("spnRadius")->hasFocus());
-        // Leaving it asks for a preview too; the focus goes on all the same.
+        // Leaving the box also requests a preview. The focus moves on nevertheless.
         QTest::keyClick(m->Child("spnRadius"), Qt::Key_Tab);
         m->WaitIdle();
         QTRY_VERIFY(m->Child("cboInputA")->hasFocus());

@@ -18,7 +18,7 @@
 
 namespace {
 
-/// Root may write to any file, so what is allowed is asked as nobody while this lives.
+/// Root may write any file, so permissions are tested as nobody while this object exists.
 class NotRoot
 {
 public:
@@ -150,7 +150,7 @@ void tst_DialogNewProject::PutsChosenFilesIntoTheirLines()
     Press(dialog, "btnSelectWorldImg");
     Press(dialog, "btnSelectAreaFlags");
     Press(dialog, "btnSaveProject");
-    // A cancelled choice leaves the earlier one.
+    // Cancelling the file dialog keeps the earlier choice.
     Press(dialog, "btnSelectWorldImg");
 
     QCOMPARE(answers.Asked(), (QStringList{"Load background image", "Import area flag types",

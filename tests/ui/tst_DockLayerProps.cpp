@@ -91,7 +91,7 @@ void tst_DockLayerProps::init()
 {
     m_project = std::make_unique<ProjectFixture>();
     m_window = std::make_unique<QMainWindow>();
-    // Another control of the window, which stands before the dock's in the tab order.
+    // Another control of the window, before those of the dock in the tab order.
     m_window->setCentralWidget(new QLineEdit);
     m_dock = new DockLayerProps(m_window.get());
     m_window->addDockWidget(Qt::LeftDockWidgetArea, m_dock);
@@ -113,7 +113,7 @@ void tst_DockLayerProps::SetTypes(int usages, int values)
     types.usages = Names(QStringLiteral("usage"), usages);
     types.values = Names(QStringLiteral("value"), values);
     m_dock->Refresh();
-    // The boxes get their places.
+    // Lets the layout place the boxes.
     QCoreApplication::processEvents();
 }
 
@@ -379,7 +379,7 @@ void tst_DockLayerProps::ShowsNoLayer()
 void tst_DockLayerProps::ClicksFlags()
 {
     SetTypes(3, 2);
-    // Two of its flags have no box, as no type bears them.
+    // Two of its flags have no box, because there is no type for them.
     const std::unique_ptr<Layer> layer = MakeLayer(Qt::red, 0x101, 0x100);
     m_dock->SetLayer(layer.get(), false);
 
@@ -494,7 +494,7 @@ void tst_DockLayerProps::TabsInTheOrderOfTheEye()
     const std::unique_ptr<Layer> layer = MakeLayer(Qt::red, 0, 0);
     m_dock->SetLayer(layer.get(), false);
     SetTypes(4, 3);
-    // Built once more, as after an import.
+    // Build the boxes again, as after an import.
     SetTypes(3, 2);
     Boxes(UsageGroup).constFirst()->setFocus();
     QStringList order;
@@ -536,7 +536,7 @@ void tst_DockLayerProps::HoldsAllFlagsOnASmallScreen()
         QVERIFY(box->width() >= box->sizeHint().width());
         QVERIFY(box->height() >= box->minimumSizeHint().height());
     }
-    // The colour box stands below, always in sight.
+    // The colour box below is always visible.
     QVERIFY(m_dock->rect().contains(QRect(Slider()->mapTo(m_dock, QPoint()), Slider()->size())));
 }
 

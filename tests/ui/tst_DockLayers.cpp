@@ -235,7 +235,7 @@ void tst_DockLayers::SelectsWithMouseAndKeyboard()
 
     m_docks->Click(0);
     QTest::keyClick(m_docks->Tree(), Qt::Key_Down);
-    // It is current already.
+    // The layer is already current.
     m_docks->Click(1);
 
     QCOMPARE(m_docks->selected, (QStringList{QStringLiteral("a"), QStringLiteral("b")}));

@@ -51,7 +51,7 @@ void tst_DockLayersEditing::OpensItsMenuOnLayersOnly()
 
     QCOMPARE(m_docks->UseMenu(m_docks->RectOf(1).center(), "actionRemove"),
              (QStringList{QStringLiteral("Modify"), QStringLiteral("Remove")}));
-    // The click has made it the current one.
+    // The click has made the layer current.
     QCOMPARE(m_docks->Order(), QStringLiteral("a"));
 }
 
@@ -183,7 +183,7 @@ void tst_DockLayersEditing::RemovesTheLayer()
     QCOMPARE(removed, QList<int>{id});
     QVERIFY(isGone);
     QCOMPARE(m_docks->Order(), order);
-    // The neighbour is the selected layer, and the one that the other dock edits.
+    // The neighbour is selected, and the other dock edits it.
     QCOMPARE(m_docks->selected, QStringList{next});
     QCOMPARE(m_docks->Tree()->currentIndex().data().toString(), next);
     QVERIFY(m_docks->Button("btnHideAll")->isEnabled());
@@ -240,7 +240,7 @@ void tst_DockLayersEditing::ReordersByDragging()
 
     DragRow(*m_docks->Tree(), 0, 2);
 
-    // The first comes of the click that takes hold of the layer; no neighbour is selected.
+    // The first signal comes from the click that begins the drag. No neighbour is selected.
     QCOMPARE(events, (QStringList{QStringLiteral("selected a"), QStringLiteral("selected a"),
                                   QStringLiteral("b c a")}));
     QCOMPARE(m_docks->Tree()->currentIndex(), m_docks->LayerAt(2)->index());

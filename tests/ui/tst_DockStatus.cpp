@@ -28,7 +28,7 @@ QProgressBar* Bar(const DockStatus& dock)
     return dock.findChild<QProgressBar*>(QStringLiteral("pgrStatus"));
 }
 
-/// What stands beside the progress bar.
+/// The widgets beside the progress bar.
 QSpacerItem* Spacer(const DockStatus& dock)
 {
     const auto* row = dock.findChild<QHBoxLayout*>(QStringLiteral("horizontalLayout"));

@@ -132,7 +132,7 @@ void tst_DockTerTypeProps::ShowsATerritory()
     fixture.props->ShowTerritory(fixture.territory);
 
     QVERIFY(fixture.props->isEnabled());
-    // The ampersand is doubled where a box would take it for the mark of a key.
+    // The ampersand is doubled, because the box would treat a single one as the mark of a shortcut.
     QCOMPARE(fixture.Child<QGroupBox>("gboTer")->title(),
              QStringLiteral("Territory: Deer && Wolf"));
     QVERIFY(fixture.Child<GroupBoxColor>("gboTerClrOp")->isEnabled());
@@ -194,7 +194,7 @@ void tst_DockTerTypeProps::ShowsZones()
     QFETCH(QString, size);
     QFETCH(QString, eventName);
     ShownZoneFixture fixture;
-    // What was shown before does not show through.
+    // No values of the former zone are left.
     fixture.zone->SetUsage(Zone::DynamicEvent);
     fixture.zone->SetEventName(QStringLiteral("Fire"));
     fixture.props->ShowZone(fixture.zone);
@@ -236,7 +236,7 @@ void tst_DockTerTypeProps::FillingWritesNothingBack()
     ShownZoneFixture fixture;
     const QSignalSpy changed(fixture.props, &DockTerTypeProps::Changed);
     Zone* zone = fixture.AddZone(fixture.territory, {500, 500}, 33.333333F);
-    // The boxes cannot show these.
+    // The boxes cannot show these values.
     SetCounts(zone, 5000, -7, 1000, 999);
     zone->SetUsage(9);
     Territory* other = fixture.AddTerritory(fixture.type, QStringLiteral("South"));

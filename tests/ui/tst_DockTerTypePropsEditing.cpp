@@ -149,7 +149,7 @@ void tst_DockTerTypePropsEditing::MaximumIsNotBelowTheMinimum()
     SetCounts(fixture.zone, 20, 30, 5, 6);
     fixture.SelectZone(fixture.zone);
 
-    // The first digit of 25 is below the minimum, and must not be taken away from the typist.
+    // The first digit of 25 is below the minimum, but must stay while the user types.
     fixture.Type(box.constData(), QStringLiteral("2"));
     QCOMPARE(CountsText(fixture.zone->Counts()), below);
     QCOMPARE(fixture.Value(box), 2);
@@ -306,7 +306,7 @@ void tst_DockTerTypePropsEditing::EditsNothingWithoutAZone()
     fixture.props->ToBack();
     fixture.props->UpdateUsage(3);
     fixture.props->UpdateEvent(QStringLiteral("Storm"));
-    // The colour belongs to a territory, and a type is shown.
+    // A type is shown, which has no colour.
     fixture.props->UpdateColor(Qt::red);
     fixture.props->UpdateOpacity(3);
 

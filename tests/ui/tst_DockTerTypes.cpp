@@ -199,7 +199,7 @@ void tst_DockTerTypes::CurrentTerritoryStaysVisible()
     QCOMPARE(fixture.north->checkState(), Qt::Unchecked);
     QVERIFY(AreShown(fixture.north));
     QVERIFY(!fixture.south->IsVisible());
-    // Zones that were hidden for a moment would have lost it.
+    // If the zones had been hidden for a moment, they would not be selected any more.
     QCOMPARE(fixture.Scene().selectedItems().size(), 1);
 
     fixture.MakeCurrent(fixture.south);
@@ -226,12 +226,12 @@ void tst_DockTerTypes::AppliesEachVisibilityOnce()
     const QSignalSpy spy(fixture.List().model(), &QStandardItemModel::itemChanged);
 
     fixture.deer->setCheckState(Qt::Checked);
-    // The territories' marks were set before: only that of the type changes.
+    // The territories were already checked, so only the type's check mark changes.
     QCOMPARE(spy.size(), 1);
     fixture.deer->setCheckState(Qt::Unchecked);
     QCOMPARE(spy.size(), 4);
 
-    // What the type does is all: a zone that somebody hides in between stays so.
+    // Only the type's check mark acts: a zone that was hidden in between stays hidden.
     connect(fixture.List().model(), &QStandardItemModel::itemChanged, fixture.types,
             [&fixture](QStandardItem* item) {
                 if (item == fixture.north) {

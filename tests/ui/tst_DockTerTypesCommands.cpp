@@ -18,21 +18,21 @@
 
 namespace {
 
-/// With the menus of the rows.
+/// Adds the context menus of the rows.
 class Fixture : public TwoTypesFixture
 {
 public:
     QString CurrentText() { return Tree().currentIndex().data().toString(); }
 
-    /// Opens the context menu there by the mouse, and runs work while it is open. Whether one
-    /// opened.
+    /// Opens the context menu there with the mouse and runs work while it is open. Returns whether
+    /// a menu opened.
     bool WithMenu(QPoint position, const std::function<void(QMenu&)>& work)
     {
         bool isOpen = false;
         QTimer::singleShot(0, types, [&] {
             if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
                 isOpen = true;
-                // What it brings along comes before what the user does next.
+                // Process the events of opening before the user's next action.
                 QTest::qWait(1);
                 work(*menu);
                 if (menu->isVisible()) {
@@ -287,7 +287,7 @@ void tst_DockTerTypesCommands::RemovesTerritories()
 
     fixture.Child<QAction>("actionRemove")->trigger();
 
-    // With no territory left, their type.
+    // When no territory is left, the type becomes current.
     QCOMPARE(fixture.deer->rowCount(), 0);
     QCOMPARE(fixture.CurrentText(), QStringLiteral("Deer"));
     QCOMPARE(fixture.Scene().CurrentTerritory(), nullptr);
@@ -355,7 +355,7 @@ void tst_DockTerTypesCommands::FailedExportsSayNothingMore()
 {
     Fixture fixture;
     LogSpy spy;
-    // A file where the folder is to be.
+    // A file that has the name of the folder.
     QFile file(fixture.project.Path(QStringLiteral("territoryTypes")));
     QVERIFY(file.open(QIODevice::WriteOnly));
     fixture.MakeCurrent(fixture.deer);

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// With the zones of South apart from those of North, and a record of what the dock announces.
+/// The zones of South are apart from those of North, and the dock's signals are recorded.
 class Fixture : public TwoTypesFixture
 {
 public:
@@ -36,7 +36,7 @@ public:
         });
     }
 
-    /// The enabled ones, and in brackets those that are checked.
+    /// The enabled buttons. Checked ones are in brackets.
     QString Buttons() const
     {
         QStringList texts;
@@ -52,12 +52,12 @@ public:
         }
         return texts.join(QLatin1Char(' '));
     }
-    /// A click on the map.
+    /// Clicks the map.
     void ClickMap(QPointF position) const
     {
         QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->mapFromScene(position));
     }
-    /// What the map view gets.
+    /// The signals that the map view gets.
     void Key(Qt::Key key, Qt::KeyboardModifiers modifiers) const
     {
         view->setFocus();
@@ -258,7 +258,7 @@ void tst_DockTerTypesSelection::NothingIsInsertedOrPastedAtATypeRow()
     fixture.Key(Qt::Key_C, Qt::ControlModifier);
 
     fixture.MakeCurrent(fixture.deer);
-    // Whoever sets the mode by other ways.
+    // The mode is set by other code.
     fixture.Scene().ChangeMode(SceneMode::Select);
     fixture.Key(Qt::Key_V, Qt::ControlModifier);
     fixture.Scene().ChangeMode(SceneMode::Insert);

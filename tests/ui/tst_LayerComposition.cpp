@@ -78,7 +78,7 @@ void tst_LayerComposition::ShowsTheCurrentLayerOnTopOfAll()
 
     QCOMPARE(m_canvas->Scene().CurrentLayer(), current);
     QCOMPARE(PixelAt({50, 80}), QColor(Qt::red).rgba());
-    // It shows also while its box is not checked.
+    // The current layer is shown even while its box is not checked.
     QCOMPARE(PixelAt({150, 80}), QColor(Qt::blue).rgba());
 
     m_composition->SetCurrent(nullptr);

@@ -54,7 +54,7 @@ void OpenDocks(WindowFixture& fixture)
 
 } // namespace
 
-/// The window's form, and what it shows before a project is open.
+/// The window's form, and its state before a project is open.
 class tst_QuillmapWindow : public QObject
 {
     Q_OBJECT
@@ -428,7 +428,7 @@ void tst_QuillmapWindow::ComesBackWithItsDocks()
     for (const char* dock : {"DockTerTypes", "DockTerTypeProps"}) {
         QVERIFY2(fixture.Child<QWidget>(dock)->isVisible(), dock);
     }
-    // The brush is shown in paint mode only, in which no window starts.
+    // The brush dock is shown in paint mode only, and no window starts in it.
     for (const char* dock : {"DockLayers", "DockLayerProps", "DockStatus", "BrushDock"}) {
         QVERIFY2(fixture.Child<QWidget>(dock)->isHidden(), dock);
     }

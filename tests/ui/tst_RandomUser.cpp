@@ -2,7 +2,7 @@
 
 #include <QTest>
 
-/// Somebody who does anything at all with the editor's window. QUILLMAP_ACTIONS sets how often.
+/// A user who performs random actions in the editor's window. QUILLMAP_ACTIONS sets how many.
 class tst_RandomUser : public QObject
 {
     Q_OBJECT

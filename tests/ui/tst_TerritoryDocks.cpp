@@ -33,7 +33,7 @@ public:
         MakeCurrent(territory);
     }
 
-    /// Makes the zone one of which every value differs from that of a new one, and shows it.
+    /// Changes all values of the zone from those of a new one, and shows it.
     void ShowTheZone()
     {
         zone->SetRadius(123);
@@ -75,7 +75,7 @@ QString Values(const Zone* zone)
         .arg(zone->zValue());
 }
 
-/// What the user works with, without the parts of others.
+/// The widgets that the user operates, without the inner widgets of Qt's own.
 QVector<QWidget*> Controls(const QWidget& dock)
 {
     QVector<QWidget*> controls;

@@ -171,7 +171,7 @@ void tst_TreeViewLayers::TellsThatItMoves()
 
     DropAt(*m_view, m_view->visualRect(LayerAt(2)->index()).center());
 
-    // A neighbour, while the row is out, and the row again.
+    // First a neighbour, while the row is taken out, and then the row again.
     QCOMPARE(whileCurrentChanged, (QVector<bool>{true, true}));
     QVERIFY(!m_isMovingWhenMoved);
     QVERIFY(!m_view->IsMoving());

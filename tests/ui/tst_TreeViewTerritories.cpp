@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Two types with two territories each, in a shown tree that takes drops.
+/// Two types with two territories each, in a shown tree that accepts drops.
 class Fixture
 {
 public:
@@ -41,11 +41,11 @@ public:
         return index;
     }
 
-    /// Drops what is selected. Whether the drop was accepted.
+    /// Drops the selected rows. Returns whether the drop was accepted.
     bool Drop(QPoint position)
     {
         const std::unique_ptr<QMimeData> data(model.mimeData({Index(QStringLiteral("0/0"))}));
-        // Only where a drag has entered can something be dropped.
+        // A drop needs a drag enter event first.
         QDragEnterEvent enter(position, Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(tree.viewport(), &enter);
         QDropEvent drop(position, Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);

@@ -268,7 +268,7 @@ void tst_WindowEditing::ShowsCheckedLayers()
         return picture.pixelColor(12, 12);
     };
     editor.Child<DockTerTypes>("DockTerTypes")->Clear();
-    // Blue is current and so on top; it hides red, until red is current.
+    // Blue is current and therefore on top. It covers red until red becomes current.
     QCOMPARE(pixel(), QColor(Qt::blue));
     editor.LayerTree().setCurrentIndex(editor.Layers().LayerAt(0)->index());
     QCOMPARE(pixel(), red);
@@ -347,7 +347,7 @@ void tst_WindowEditing::ColorsTheCurrentLayer()
 
     QCOMPARE(blue->Color().rgb(), qRgb(1, 2, 3));
     QVERIFY(editor.Modified());
-    // What is painted from now on has the new colour, by which the mask knows it.
+    // From now on painting uses the new colour, from which the mask is made.
     editor.Trigger("actionTogglePaintMode");
     editor.ClickAt({40, 40});
     QCOMPARE(blue->Image().pixelIndex(40, 40), 255);

@@ -111,7 +111,7 @@ void tst_WindowExport::ReportsTypesThatCannotBeWritten()
     QFETCH(QString, button);
     const Editor editor;
     editor.Check({"Deer"});
-    // Where the folder would be there is a file.
+    // There is a file with the name of the folder.
     WriteBytes(editor.Path("small/territoryTypes"), "x");
 
     editor.Click(button);

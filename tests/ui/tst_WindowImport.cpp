@@ -17,7 +17,7 @@
 
 namespace {
 
-/// A window with the small project, which nothing was done to.
+/// A window with the small project, unmodified.
 class Editor : public WindowFixture
 {
 public:
@@ -33,7 +33,7 @@ public:
         }
         return names;
     }
-    /// What the map shows where both layers are painted and no zone is.
+    /// The map's colour at a place where both layers are painted and there is no zone.
     QColor Shown() const
     {
         QImage picture(64, 64, QImage::Format_ARGB32_Premultiplied);
@@ -42,7 +42,7 @@ public:
         Scene().render(&painter, QRectF(), QRectF(0, 0, 64, 64));
         return picture.pixelColor(20, 20);
     }
-    /// Chooses a file in a file dialog, and when it is to be opened, it is gone.
+    /// Chooses a file in a file dialog and removes it before it is opened.
     void AddVanishingFile(const QString& path)
     {
         WriteBytes(path, "x");
@@ -54,7 +54,7 @@ public:
     }
 };
 
-/// A map of 8 usage types, one of whose layers has these flags.
+/// A map of 8 usage types with a layer that has these flags.
 QByteArray Map(const QImage& mask, int world, quint32 flags)
 {
     return literal::WriteMap({{mask, flags, 0}}, mask.size(), {world, world}, 8, 0);
@@ -105,7 +105,7 @@ void tst_WindowImport::TheMapStaysAsItWasWithoutAFile()
     QFETCH(QString, action);
     QFETCH(QString, answer);
     Editor editor;
-    // No layer is current, so both are shown for their check marks alone.
+    // No layer is current, so both are shown only because they are checked.
     QTest::mouseClick(editor.Child<QAbstractButton>("btnHideAll"), Qt::LeftButton);
     Layer* red = editor.Layers().LayerAt(0);
     red->setCheckState(Qt::Checked);
@@ -191,7 +191,7 @@ void tst_WindowImport::AMapThatCannotBeReadLeavesNothing()
     if (isRead) {
         WriteBytes(path, Map(HalfMask({32, 32}), 1280, 2));
     } else {
-        // Can be opened; its first bytes cannot be read.
+        // This file can be opened, but its first bytes cannot be read.
         QVERIFY(QFile::link("/proc/self/mem", path));
     }
     editor.log.Take();

@@ -43,7 +43,7 @@ int ZonesOnTheMap(const WindowFixture& fixture)
     return count;
 }
 
-/// Does something once, when the next message is logged.
+/// Calls a function once, when the next message is logged.
 class AtNextMessage : public QObject
 {
 public:
@@ -254,7 +254,7 @@ void tst_WindowLoading::CancelKeepsWhatIsThere()
     fixture.Trigger("actionLoad");
 
     QCOMPARE(Layers(fixture).Layers().size(), 2);
-    // Its layers are still those that are shown.
+    // Its layers are still shown.
     Layer* red = Layers(fixture).LayerAt(0);
     red->setCheckState(Qt::Unchecked);
     QCOMPARE(fixture.window->windowTitle(), "small - Tarvo Ledger Tool");
@@ -270,7 +270,7 @@ void tst_WindowLoading::AMissingFileLeavesAllAsItWas()
         auto* file = dialog.findChild<QLineEdit*>("fileNameEdit");
         file->setText(other);
         static_cast<QDialog*>(qobject_cast<QFileDialog*>(&dialog))->accept();
-        // Gone between the choice and the loading.
+        // The file is removed between the choice and the load.
         QFile::remove(other);
     });
 
@@ -462,12 +462,12 @@ void tst_WindowLoading::OpensTheProjectOfTheCommandLine()
              "Info: Project opened for viewing. Load it (Ctrl+O) to edit.");
     QCOMPARE(fixture.window->windowTitle(), "small - Tarvo Ledger Tool");
     QCOMPARE(Layers(fixture).Layers().size(), 2);
-    // To be edited it is loaded; file dialogs start where the user was last.
+    // Editing needs a load. File dialogs start in the folder of the last session.
     QVERIFY(!fixture.Action("actionSave")->isEnabled());
     QVERIFY(!fixture.Child<QWidget>("paintView")->isEnabled());
     QCOMPARE(ProjectSettings::Instance().projectDir.path(), QDir::currentPath());
 
-    // The flag is for one time only: now the file is asked for.
+    // The path of the command line is used only once. Now the dialog asks for a file.
     fixture.Load(path);
     QVERIFY(fixture.Action("actionSave")->isEnabled());
 }
@@ -504,7 +504,7 @@ void tst_WindowLoading::ClosesWhileItLoadsWithoutTheStatusDock()
 
     QVERIFY(wasClosed);
     QVERIFY(!fixture.window->isVisible());
-    // It ends at once, which is no error.
+    // The load ends at once, which is not an error.
     QCOMPARE(fixture.log.Take(), QStringList{"Info: Loading layer \"red\"..."});
 }
 

@@ -146,7 +146,7 @@ void tst_WindowSaving::AFailedSaveKeepsTheProjectModified()
     fixture.Modified() = true;
     fixture.log.Take();
     {
-        // Room for the bitmaps and not for the document.
+        // There is room for the bitmaps but not for the document.
         const FileSizeLimit fullDisk(700);
         fixture.TriggerWithFile("actionSave", fixture.Path("other.xml"));
     }
@@ -369,7 +369,7 @@ void tst_WindowSaving::ImportsAMap()
     const QString map = fixture.Path("small/map/small.map");
     QVERIFY(QFile::copy(map, fixture.Path("world.old.map")));
 
-    // The map is of a world twice as large.
+    // The map's world is twice as large.
     ProjectSettings::Instance().SetSizes(64, 64, 1280, 1280);
 
     fixture.TriggerWithFile("actionImportMap", fixture.Path("world.old.map"));
@@ -592,7 +592,7 @@ void tst_WindowSaving::ShortcutsWaitForTheEndOfASave()
     fixture.window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(fixture.window.get()));
     const auto press = [&fixture](Qt::Key key) {
-        // The window manager may still be at work on the dialog that was closed.
+        // The window manager may not have finished closing the dialog.
         QApplication::setActiveWindow(fixture.window.get());
         QTest::keyClick(fixture.window->windowHandle(), key, Qt::ControlModifier);
     };

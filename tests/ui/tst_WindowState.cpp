@@ -12,7 +12,7 @@
 
 namespace {
 
-/// A window with a dock, as the editor's.
+/// A window with a dock, like the editor's.
 class Window : public QMainWindow
 {
 public:

@@ -234,7 +234,7 @@ void BitFieldRasterTest::placesOutsideAreIgnored_data()
 {
     QTest::addColumn<int>("x");
     QTest::addColumn<int>("row");
-    // The raster has 9 x 2 pixels, of which 8 a row have a place.
+    // The raster has 9 x 2 pixels. Its words hold 8 pixels of each row.
     QTest::newRow("left") << -1 << 0;
     QTest::newRow("right") << 9 << 0;
     QTest::newRow("in the remainder") << 8 << 0;

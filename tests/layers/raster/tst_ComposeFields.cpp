@@ -50,7 +50,7 @@ QVector<quint32> WordsOf(const BitFieldRaster& raster)
 
 QSize RandomSize(Random& random)
 {
-    // Now and then more than the chunks and the bands in which masks are looked at.
+    // Some masks are larger than the chunks and bands in which masks are read.
     return {random.Between(1, random.Below(4) == 0 ? 400 : 70),
             random.Between(1, random.Below(4) == 0 ? 150 : 12)};
 }
@@ -130,7 +130,7 @@ void ComposeFieldsTest::pixelsOfALargerMaskThatHaveNoPlaceAreLeftOut()
 
 void ComposeFieldsTest::theRemainderOfARowIsLeftOut()
 {
-    // Of 7 pixels 4 have a place in the usages and 6 in the values.
+    // The usages hold 4 of 7 pixels, the values 6.
     BitFieldRaster usages(8, 7, 2);
     BitFieldRaster values(16, 7, 2);
     raster::ComposeFields({{FullMask({7, 2}), 1, 1}}, usages, values);
@@ -167,8 +167,8 @@ void ComposeFieldsTest::clearMixedAndSetStretchesAreKeptApart_data()
 void ComposeFieldsTest::clearMixedAndSetStretchesAreKeptApart()
 {
     QFETCH(int, bits);
-    // Each row is another sequence of stretches that are clear, mixed or set throughout, and a
-    // shorter one at its end.
+    // Each row is a different sequence of clear, mixed and set stretches, with a shorter one at its
+    // end.
     constexpr int stretch = 128;
     constexpr int stretches = 4;
     const QSize size(stretches * stretch + 40, 81);

@@ -81,7 +81,7 @@ QImage WithPixel(QSize size, QPoint pixel)
     return mask;
 }
 
-/// What the pixels of random masks are like.
+/// The kinds of random masks.
 enum class Content
 {
     Noise,
@@ -137,7 +137,7 @@ QString Describe(const QImage& mask, float radius)
         .arg(static_cast<double>(radius));
 }
 
-/// Whether dilation and erosion are those of the definition; says for what they are not.
+/// Whether dilation and erosion match the definition. Prints the case if they do not.
 bool EqualsLiteral(const QImage& mask, float radius)
 {
     const bool isEqual = Dilate(mask, radius) == literal::Apply(Step::Dilate, mask, radius) &&
@@ -228,13 +228,13 @@ void MorphologyTest::radiiBeyondTheDiagonalChangeNothingMore()
 void MorphologyTest::greyMasksBeyondTheDiagonalBecomeTheirExtremes_data()
 {
     QTest::addColumn<QSize>("size");
-    // Going row by row through what each row reaches would take longer than a test may.
+    // Visiting, for each row, all rows that it reaches would exceed the test's time limit.
     QTest::newRow("as high as masks get") << QSize(100, 65535);
     QTest::newRow("a row") << QSize(1001, 1);
     QTest::newRow("a column") << QSize(1, 1001);
 }
 
-/// The surroundings are neither clear nor set: there is neither index in the mask.
+/// Pixels outside do not count: the mask holds neither 0 nor 255.
 void MorphologyTest::greyMasksBeyondTheDiagonalBecomeTheirExtremes()
 {
     QFETCH(QSize, size);
@@ -369,7 +369,7 @@ void MorphologyTest::aRowOfManyShortRunsGrowsToArcs_data()
     }
 }
 
-/// Nothing else is set, so that each column of the result shows how far the row reaches there.
+/// Only one row is set, so each column of the result shows how far the row reaches there.
 void MorphologyTest::aRowOfManyShortRunsGrowsToArcs()
 {
     QFETCH(int, radius);
@@ -451,7 +451,7 @@ void MorphologyTest::allRadiiEqualTheLiteralResult()
 
 void MorphologyTest::greyMasksThatLookBinaryAreNoticed()
 {
-    // A single pixel that is neither set nor clear, far into the picture.
+    // A single pixel that is neither set nor clear, far from the beginning.
     for (const uchar index : {uchar(1), uchar(128), uchar(254)}) {
         QImage mask = WithPixel({41, 41}, {5, 5});
         mask.scanLine(40)[40] = index;

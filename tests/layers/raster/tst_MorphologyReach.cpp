@@ -12,8 +12,8 @@ using raster::Complement;
 using raster::Dilate;
 using raster::Erode;
 
-/// How far a pixel reaches is counted in numbers as narrow as the number of rows allows; here it is
-/// the most that each of them holds, and what is too much for it.
+/// The reach of a pixel is stored in the narrowest type that the number of rows allows. Tests the
+/// largest reach of each type, and one more.
 class MorphologyReachTest : public QObject
 {
     Q_OBJECT
@@ -25,7 +25,8 @@ private slots:
 
 namespace {
 
-/// Whether the pixel grows to the disc around it, and a hole in a full mask does the same.
+/// Whether dilating a pixel gives the disc around it, and whether eroding a hole in a full mask
+/// does the same.
 bool GrowsToTheDisc(QSize size, QPoint pixel, float radius)
 {
     QImage mask = BlankMask(size);
@@ -66,7 +67,7 @@ void MorphologyReachTest::singlePixelsGrowToTheDisc_data()
     for (const int radius : {32765, 32766, 32767, 32768}) {
         AddRow({2, 40000}, radius);
     }
-    // Less high than the disc, and wide enough for it not to cover them.
+    // Masks lower than the disc, and so wide that the disc does not cover them.
     for (const int height : {254, 255, 256, 257}) {
         AddRow({400, height}, 300);
     }

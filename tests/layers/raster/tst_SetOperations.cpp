@@ -205,7 +205,7 @@ void SetOperationsTest::picturesLongerThanMasksAreServed()
 
 void SetOperationsTest::largeResultsKeepToThemselves()
 {
-    // Above 32 MB the memory of a result that is gone is used again.
+    // Above 32 MB the memory of a destroyed result is used again.
     const QSize size(6001, 6001);
     const QImage clear = BlankMask(size);
     QImage first = Complement(clear);

@@ -69,7 +69,7 @@ QVector<FlagMask> Split(const QVector<quint32>& words, int bits, QSize size, int
 
 QSize RandomSize(Random& random)
 {
-    // Longer than the chunks in which masks are looked at, now and then.
+    // Sometimes longer than the chunks in which words are read.
     return {random.Between(1, random.Below(4) == 0 ? 300 : 70), random.Between(1, 12)};
 }
 

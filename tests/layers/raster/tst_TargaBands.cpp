@@ -217,7 +217,7 @@ void tst_TargaBands::FilesThatShrinkFail()
     QVERIFY(bands.Decode(1).isNull());
     QVERIFY(bands.HasFailed());
     raster::PixelCounts counts;
-    // Those of packets are known already.
+    // The counts of packets are already known.
     QCOMPARE(bands.CountPixels(counts), isRunLength);
 
     TargaBands shorter(shrinking, file.size(), size);

@@ -248,7 +248,7 @@ void TargaCodecReadingTest::randomPacketsAreReadLikeTheLiteralReaderDoes()
         QByteArray file = TargaHeader(static_cast<char>(3 + 4 * random.Below(4)), size,
                                       random.Below(2) == 0 ? TopDown : BottomUp);
         for (int count = random.Below(size.width() * size.height() * 2); count > 0; --count) {
-            // Short packets and clear pixels come often, so that all ways to go on are met.
+            // Short packets and clear pixels are frequent, so that all branches are tested.
             const int byte = random.Below(2) == 0 ? random.Below(256) : 128 * random.Below(2);
             file.append(static_cast<char>(byte + random.Below(2) * random.Below(20)));
         }

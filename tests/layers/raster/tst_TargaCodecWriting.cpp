@@ -125,7 +125,7 @@ void TargaCodecWritingTest::rawDataHasNoPadding()
 
 void TargaCodecWritingTest::largeMasksAreHandedOnInBlocks()
 {
-    // Alternating pixels are the longest data: a packet each.
+    // Alternating pixels give the longest data, with a packet for each pixel.
     QImage mask = raster::BlankMask({512, 512});
     for (int y = 0; y < mask.height(); ++y) {
         for (int x = y % 2; x < mask.width(); x += 2) {

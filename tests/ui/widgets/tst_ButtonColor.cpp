@@ -25,7 +25,7 @@ QImage Plain(int size, const QColor& color)
     return image;
 }
 
-/// Clicks the button and does something with the dialog that this opens.
+/// Clicks the button and calls a function with the dialog that opens.
 void WithDialog(ButtonColor& button, const std::function<void(QColorDialog&)>& act)
 {
     bool hasActed = false;
