@@ -1,14 +1,13 @@
 #!/usr/bin/env bash
 # docs/guide/make-screenshots.sh [FOLDER]
-# Makes the pictures of the guide anew, in docs/guide/pictures or the given folder: works through a
-# copy of the example in the editor's window, off the screen and with settings of its own.
+# Makes the pictures of the guide, in docs/guide/pictures or in the given folder. Works through a
+# copy of the example in the editor's window, offscreen and with separate settings.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 # shellcheck source=/dev/null
 . "$root/packaging/packages.sh"
 
-# The lists are that file's.
-# shellcheck disable=SC2154
+# That file defines the lists. shellcheck disable=SC2154
 ensure_packages "to make the guide's pictures" "${build_packages[@]}" "${guide_packages[@]}"
 (cd "$root" && build_preset release guide_screenshots quillmap-tool)
 build=$root/build/release
@@ -20,7 +19,7 @@ trap 'rm -rf "$work"' EXIT
 cp -r "$root/examples/highlands" "$work/highlands"
 mkdir "$work/raw" "$work/config"
 
-# Settings of the user's, and of the desktop, would show in the pictures.
+# The settings of the user and of the desktop must not change the pictures.
 env -u QT_QPA_PLATFORMTHEME -u QT_STYLE_OVERRIDE -u QT_SCALE_FACTOR LC_ALL=C.UTF-8 \
   HOME="$work" XDG_CONFIG_HOME="$work/config" QT_QPA_PLATFORM=offscreen \
   timeout 120 "$build/docs/guide/screenshots/guide_screenshots" "$work/highlands" "$work/raw" \

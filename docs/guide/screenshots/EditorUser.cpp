@@ -18,8 +18,9 @@ constexpr int DialogPollMilliseconds = 20;
 constexpr int TicksBeforeAnswer = 5;
 constexpr int SettleMilliseconds = 150;
 
-/// Answers the next dialog once it has been open for a while; the caller then opens it and waits
-/// inside. A dialog that is still being shown would not notice that it was closed.
+/// Answers the next dialog after it has been open for a moment. The caller then opens the dialog,
+/// which runs its own event loop. A dialog that is still being shown would not notice that it was
+/// closed.
 void AnswerNext(const std::function<void(QDialog&)>& answer)
 {
     auto* timer = new QTimer;
@@ -105,7 +106,7 @@ void EditorUser::ClickRow(QAbstractItemView& view, const QModelIndex& index)
 {
     view.scrollTo(index, QAbstractItemView::PositionAtTop);
     const QRect row = view.visualRect(index);
-    // Right of the box and the icon.
+    // To the right of the box and the icon.
     QTest::mouseClick(view.viewport(), Qt::LeftButton, Qt::NoModifier,
                       {row.right() - row.width() / 4, row.center().y()});
     Settle();

@@ -12,8 +12,8 @@
 class QAbstractItemView;
 class QModelIndex;
 
-/// Does in the editor's window what a designer does, with the mouse and the keyboard. Ends the
-/// program with a message when something that it needs is not there.
+/// Operates the editor's window with the mouse and the keyboard, like a designer. Ends the program
+/// with a message if a widget or a row is missing.
 class EditorUser
 {
 public:
@@ -29,30 +29,30 @@ public:
         return *widget;
     }
 
-    /// Chooses the action, then answers the dialog that it opens.
+    /// Triggers the action, and answers the dialog that it opens.
     void Choose(const char* action);
     void Choose(const char* action, const std::function<void(QDialog&)>& answer);
     void Click(const char* button);
     void Click(const char* button, const std::function<void(QDialog&)>& answer);
-    /// The row of that text, at any depth; clicked, it becomes the current one.
+    /// Clicks the row of that text, at any depth, which makes it current.
     void SelectRow(const char* tree, const QString& text);
     void SelectLastRow(const char* tree);
     void RenameCurrent(const char* tree, const QString& name);
     /// Types the path into a file dialog and accepts it.
     static void AnswerFile(QDialog& dialog, const QString& path);
 
-    /// Turns the wheel over the map with Ctrl held, so that the place, in scene units, is in the
-    /// middle afterwards.
+    /// Turns the wheel over the map with Ctrl held, so that the place is in the middle afterwards.
+    /// The place is in scene units.
     void ZoomTo(QPointF place, int steps);
     /// Paints through these places of the map, in scene units.
     void Paint(const QVector<QPointF>& places);
     void ClickMap(QPointF place);
     void PointAt(QPointF place);
     void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
-    /// Lets the window follow.
+    /// Lets the window process its events.
     static void Settle();
 
-    /// Ends the program when the condition is false.
+    /// Ends the program if the condition is false.
     static void Require(bool condition, const char* what);
 
 private:

@@ -9,18 +9,18 @@ class QRect;
 class QString;
 class QWidget;
 
-/// A picture of a widget, with numbers on its parts that the text explains.
+/// A picture of a widget, with numbers on its parts that the guide explains.
 class Picture
 {
 public:
     explicit Picture(QWidget& widget);
 
-    /// Puts the next number, from 1 on, on the widget's right upper corner; moved by so many
-    /// pixels.
+    /// Draws the next number, beginning with 1, at the widget's upper right corner, with an offset
+    /// in pixels.
     void Number(const QWidget& part, QPoint shift = {});
-    /// Keeps only the part, in pixels of the widget.
+    /// Crops the picture to this part, in pixels of the widget.
     void Crop(const QRect& part);
-    /// As NAME.png. Ends the program when it cannot be written.
+    /// Saves the picture as NAME.png. Ends the program if it cannot be written.
     void Save(const QDir& folder, const QString& name) const;
 
 private:

@@ -1,6 +1,6 @@
 // guide_screenshots EXAMPLE FOLDER
-// Works through the example project in the editor's window and puts the pictures of the guide into
-// the folder. EXAMPLE is a copy of the project's folder, for it is saved and exported on the way.
+// Works through the example project in the editor's window and writes the pictures of the guide
+// into FOLDER. EXAMPLE must be a copy of the project's folder, because it is saved and exported.
 
 #include "EditorUser.h"
 #include "Picture.h"
@@ -54,8 +54,8 @@ QVector<QPointF> Places(const QVector<QPointF>& metres)
     return places;
 }
 
-/// The time of day and the folder of the copy are others in each run, and would change the
-/// pictures.
+/// Replaces the time of day and the folder of the copy, which differ in each run and would change
+/// the pictures.
 void HideWhatVaries(EditorUser& user, const QDir& example)
 {
     auto& list = user.Widget<QListView>("messageListView");
@@ -135,7 +135,7 @@ T& Part(QDialog& dialog, const char* name)
     return *part;
 }
 
-/// The dialog's inputs are disabled while a preview is computed.
+/// The dialog's inputs are disabled during the computation of a preview.
 void WaitForPreview(QDialog& dialog)
 {
     const auto& ok = Part<QPushButton>(dialog, "btnOk");
@@ -231,7 +231,7 @@ int main(int argc, char* argv[])
     const QDir example(arguments[1]);
     const QDir pictures(arguments[2]);
     QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), 9));
-    // Else the mouse lights up what it happens to stand on, and cursors in fields come and go.
+    // Otherwise the widget under the mouse would be highlighted, and text cursors would blink.
     QCursor::setPos(QApplication::primaryScreen()->geometry().bottomRight());
     QApplication::setCursorFlashTime(0);
 
