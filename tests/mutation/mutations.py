@@ -1,9 +1,9 @@
-"""Small mistakes that can be made in a line of C++, each as another version of the line.
+"""Makes small mistakes in a line of C++. Each mistake is another version of the line.
 
-They are the classical ones: another comparison, a negated condition, another arithmetic or logical
+They are the usual ones: another comparison, a negated condition, another arithmetic or logical
 operator, a constant that is off by one, a statement that is missing, a result that is the opposite.
-The layout that clang-format gives the sources tells operators from other signs: binary operators
-stand between spaces, those of templates, references and pointers do not.
+The layout of clang-format distinguishes operators from other signs: binary operators have spaces on
+both sides, the signs of templates, references and pointers do not.
 """
 
 import re
@@ -47,7 +47,8 @@ NUMBER = re.compile(r"(?<![\w.])(0[xX][0-9a-fA-F]+|\d+)(?![\w.'])")
 CONDITION = re.compile(r"\b(?:if|while) \(")
 RETURN = re.compile(r"^(\s*return )(?!\{\})(.+);$")
 CALL = re.compile(r"^\s*(?!return\b|throw\b|delete\b)[A-Za-z_][\w:]*(?:(?:\.|->|\(\)|::)[\w:]*)*\(.*\);$")
-# Not code that runs: directives, declarations of types and names, and checks that hold anyway.
+# Lines that are not statements: directives, declarations of types and names, and checks that always
+# hold.
 PASSED_OVER = re.compile(
     r"^\s*(#|//|\*|using\b|namespace\b|static_assert\b|template\b|class\b|struct\b|enum\b|friend\b"
     r"|public:|private:|protected:|signals:|default:|Q_[A-Z_]+\b|QUILLMAP_[A-Z_]+\b)"
@@ -66,7 +67,7 @@ def blank(line: str) -> str:
 
 
 def closing(code: str, opening: int) -> int:
-    """Where the parenthesis at opening is closed, or -1 when that is on another line."""
+    """Where the parenthesis at opening is closed, or -1 if it is on another line."""
     depth = 0
     for place in range(opening, len(code)):
         depth += {"(": 1, ")": -1}.get(code[place], 0)
@@ -76,7 +77,7 @@ def closing(code: str, opening: int) -> int:
 
 
 def replacements(code: str) -> Iterator[tuple]:
-    """What may be replaced: start, end, the new texts."""
+    """The parts that may be replaced: start, end, the new texts."""
     for found in BINARY.finditer(code):
         yield found.start(), found.end(), OPERATORS[found[0]]
     for found in STEP.finditer(code):
@@ -89,7 +90,7 @@ def replacements(code: str) -> Iterator[tuple]:
 
 
 def mutations(line: str) -> list:
-    """All mistakes that this line, without its line end, can hold; none for what is no statement."""
+    """All mistakes for this line, without its line end; none if it is not a statement."""
     code = blank(line)
     stripped = code.rstrip()
     if not stripped or PASSED_OVER.match(code):

@@ -1,6 +1,6 @@
 """Breaks random lines of the code, one at a time, and counts how many of them the tests notice.
 
-It works on a copy of the tree in build/mutate, which keeps what it has built for the next time.
+It works on a copy of the tree in build/mutate, where the build is kept for the next run.
 Usage: run.py COUNT SEED; the same seed breaks the same lines as long as the code is the same.
 """
 
@@ -22,14 +22,14 @@ COPY = ROOT / "build" / "mutate"
 BUILD = COPY / "build" / "dev"
 FOLDERS = ("app", "canvas", "layers", "territories", "tool", "ui")
 LEAST_CAUGHT = 0.9
-# A broken line may loop, ask for memory or write without end.
+# A broken line may loop, allocate or write forever.
 BUILD_SECONDS = 3600
 LEAST_TEST_SECONDS = 120
 LIMITS = {resource.RLIMIT_AS: 8 << 30, resource.RLIMIT_FSIZE: 16 << 30}
 
 
 def copy_tree() -> None:
-    """Makes the copy hold what the tree holds; leaves equal files alone, so they are not rebuilt."""
+    """Updates the copy of the tree. Equal files are not touched, so they are not rebuilt."""
     listed = subprocess.run(
         ["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"],
         cwd=ROOT, check=True, capture_output=True).stdout
@@ -56,7 +56,7 @@ def limit() -> None:
 
 
 def run(command: list, seconds: float) -> tuple:
-    """Exit code (None when it took too long) and output. No process of it lives on."""
+    """Returns the exit code (None after a timeout) and the output. Kills all of its processes."""
     process = subprocess.Popen(
         command, cwd=COPY, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
         stderr=subprocess.STDOUT, text=True, errors="replace", start_new_session=True,
@@ -75,14 +75,14 @@ def run(command: list, seconds: float) -> tuple:
 
 
 def build(targets: list) -> bool:
-    """Whether all that is asked for (everything when empty) builds."""
+    """Whether the targets build; no targets mean all."""
     command = ["cmake", "--build", str(BUILD)] + (["--target"] + targets if targets else [])
     code, _ = run(command, BUILD_SECONDS)
     return code == 0
 
 
 def failed_test(pattern: str, seconds: float) -> str:
-    """The name of a test that fails, "" when all pass."""
+    """The name of a test that fails, "" if all pass."""
     code, output = run(
         ["ctest", "--test-dir", str(BUILD), "--no-tests=error", "--stop-on-failure",
          "-j", str(os.cpu_count()), "-R", pattern], seconds)
@@ -100,11 +100,11 @@ def test_names() -> list:
 
 
 def prepare() -> tuple:
-    """The copy, built and with passing tests. Gives the tests' names and the time for all of them."""
+    """Builds the copy and runs its tests. Returns the tests' names and the time for all of them."""
     COPY.mkdir(parents=True, exist_ok=True)
     copy_tree()
-    # What a compiler may warn about, a test still has to notice. Nobody debugs these programs, and
-    # without symbols they link in a fraction of the time.
+    # Warnings are no errors here, because a test has to notice the mistake. There is no debug
+    # information, because linking is much faster without it.
     code, output = run(
         ["cmake", "--preset", "dev", "-DQUILLMAP_WERROR=OFF", "-DQUILLMAP_CHECK_HEADERS=OFF",
          "-DCMAKE_CXX_FLAGS_DEBUG="], BUILD_SECONDS)
@@ -118,7 +118,7 @@ def prepare() -> tuple:
 
 
 def candidates() -> list:
-    """All lines that can be broken, as file and index, in an order that is always the same."""
+    """All lines that can be broken, as file and index, always in the same order."""
     result = []
     for folder in FOLDERS:
         for file in sorted((COPY / folder).rglob("*")):
@@ -129,7 +129,7 @@ def candidates() -> list:
 
 
 def near_tests(file: Path, tests: list) -> list:
-    """The test programs that are named after the file; without one, those of its folder."""
+    """The test programs named after the file, or those of its folder if there are none."""
     named = [name for name in tests if re.fullmatch(f"tst_{file.stem}[A-Za-z]*", name)]
     if named:
         return named
@@ -139,10 +139,10 @@ def near_tests(file: Path, tests: list) -> list:
 
 
 def verdict(file: Path, tests: list, seconds: float) -> str:
-    """What becomes of the broken file: the test that fails, "" when none does."""
+    """Tests the broken file. Returns the test that fails, "" if none does."""
     near = near_tests(file, tests)
     if near:
-        # Most mistakes are noticed here, without linking all other programs.
+        # These tests notice most mistakes, without linking all other programs.
         if not build(near):
             return "does not compile"
         failed = failed_test(f"^({'|'.join(near)})$", seconds)

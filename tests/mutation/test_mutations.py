@@ -1,4 +1,4 @@
-"""Which mistakes are made of which lines."""
+"""Tests which mistakes are made in which lines."""
 
 import unittest
 
@@ -28,7 +28,7 @@ CASES = {
     "    const float half = 0.5F;": [],
     "    const int u16 = size;": [],
     "    p->next = q->next;": [],
-    # Not code that runs, or nothing that may fail.
+    # Lines that are not statements, or cannot fail.
     "#include \"a/b.h\"": [],
     "    // if (a < 1) {": [],
     "    Q_ASSERT(a < 1);": [],

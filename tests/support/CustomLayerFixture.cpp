@@ -92,7 +92,7 @@ void CustomLayerFixture::Key(const char* control, Qt::Key key) const
 void CustomLayerFixture::Type(const char* control, const QString& text) const
 {
     Child(control)->setFocus();
-    // Leaving the radius box asks for a preview.
+    // Leaving the radius box requests a preview.
     WaitIdle();
     QTest::keyClick(Child(control), Qt::Key_A, Qt::ControlModifier);
     QTest::keyClick(Child(control), Qt::Key_Delete);
@@ -116,7 +116,7 @@ void CustomLayerFixture::ChooseByMouse(const char* combo, int row, int x) const
     auto* box = Child<QComboBox>(combo);
     Click(combo);
     QVERIFY(QTest::qWaitForWindowExposed(box->view()->window()));
-    // The release of the click that opened the list is not taken for a choice.
+    // The release of the click that opened the list must not count as a choice.
     constexpr int margin = 50;
     QTest::qWait(QApplication::doubleClickInterval() + margin);
     const QRect place = box->view()->visualRect(box->model()->index(row, 0));

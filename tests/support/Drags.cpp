@@ -17,8 +17,8 @@ QPoint MiddleOf(const QAbstractItemView& view, int row)
     return view.visualRect(view.model()->index(row, 0)).center();
 }
 
-/// A view that moves its own rows takes drags only from itself, which it is told by the drag that
-/// the window system runs. Where there is none, this takes them.
+/// A view that moves its own rows accepts drags only from itself. It learns the source from the
+/// drag of the window system. This filter accepts drags where there is none.
 class DragTaker : public QObject
 {
 protected:
@@ -64,7 +64,7 @@ void DragRowByMouse(QAbstractItemView& view, int sourceRow, int targetRow)
     };
     const QPoint source = inWindow(MiddleOf(view, sourceRow));
     const QPoint target = inWindow(MiddleOf(view, targetRow));
-    // The drag runs a loop of its own, from the first move that is far enough.
+    // The drag begins at the first move that is far enough, and runs an event loop of its own.
     QTimer steps;
     int step = 0;
     QObject::connect(&steps, &QTimer::timeout, &steps, [&] {

@@ -107,7 +107,7 @@ NoUnnamedFiles::~NoUnnamedFiles()
 
 FileSizeLimit::FileSizeLimit(quint64 byteCount)
 {
-    // A write beyond the limit shall fail instead of ending the program.
+    // A write beyond the limit must fail instead of ending the program.
     std::signal(SIGXFSZ, SIG_IGN);
     rlimit limit{};
     getrlimit(RLIMIT_FSIZE, &limit);

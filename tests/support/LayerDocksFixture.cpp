@@ -20,7 +20,7 @@ LayerDocksFixture::LayerDocksFixture()
     , tester(std::make_unique<QAbstractItemModelTester>(
           dock->List()->model(), QAbstractItemModelTester::FailureReportingMode::QtTest))
 {
-    // Signals tell layers to QSignalSpy.
+    // QSignalSpy needs the type of the signals' layers.
     qRegisterMetaType<Layer*>("Layer*");
     window->addDockWidget(Qt::LeftDockWidgetArea, dock);
     window->addDockWidget(Qt::LeftDockWidgetArea, props);
@@ -119,7 +119,7 @@ void LayerDocksFixture::Rename(const QString& name)
     editor->selectAll();
     QTest::keyClicks(editor, name);
     QTest::keyClick(editor, Qt::Key_Return);
-    // The editor hands its text over when the key has been handled.
+    // The editor commits its text after the key event.
     QCoreApplication::processEvents();
 }
 

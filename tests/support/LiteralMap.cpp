@@ -11,7 +11,7 @@ void AppendInt(QByteArray& bytes, quint32 value)
     }
 }
 
-/// Takes integers from the front of bytes; 0 when there are none left.
+/// Reads integers from the beginning of bytes; 0 if none are left.
 class IntReader
 {
 public:
@@ -55,7 +55,7 @@ int WordIndex(int x, int row, int bits, QSize size)
     return row * (size.width() / pixelsPerWord) + x / pixelsPerWord;
 }
 
-/// Pixels of a row that have a place in its words.
+/// The number of pixels of a row that the words hold.
 int PackedWidth(int bits, QSize size)
 {
     return size.width() - size.width() % (32 / bits);

@@ -17,7 +17,7 @@ QImage ClearImage(QSize size)
     return image;
 }
 
-/// Takes bytes one after another; behind the end nothing is stored.
+/// Takes bytes one after another. Bytes after the end are ignored.
 class Reader
 {
 public:

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// The bytes that one of the page counts of this process stands for.
+/// One of the page counts of this process, in bytes.
 quint64 CountedMemory(int index)
 {
     const QByteArray counts = ReadBytes(QStringLiteral("/proc/self/statm"));

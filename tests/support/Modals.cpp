@@ -59,7 +59,7 @@ void ModalAnswers::AddFile(const QString& path)
         QVERIFY2(fileDialog, qPrintable(Question(dialog)));
         const QString file = fileDialog->directory().absoluteFilePath(path);
         fileDialog->selectFile(file);
-        // Selecting it leaves the name alone where its field has the focus.
+        // Selecting the file does not change the name while its field has the focus.
         fileDialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(file);
         static_cast<QDialog*>(fileDialog)->accept();
     });
@@ -76,9 +76,9 @@ void ModalAnswers::AddCancel()
 
 void ModalAnswers::AnswerOne()
 {
-    // A timer does not fire while it is being answered, but an answer may open the next dialog.
+    // A timer does not fire again during its own timeout, but an answer may open the next dialog.
     m_timer.start();
-    // The editor's window is modal itself.
+    // The editor's window is modal too.
     QWidget* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     if (!dialog || dialog == m_answered) {
         return;

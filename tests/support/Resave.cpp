@@ -53,7 +53,7 @@ bool Save(const QString& folder, LayerList& layers, const TerritoryTypeList& typ
 
 bool Resave(const QString& document, const QString& folder)
 {
-    // Layers keep their colours only while there is a window.
+    // Layers have colours only while there is a window.
     const QWidget window;
     LayerList layers;
     TerritoryTypeList types;

@@ -33,7 +33,8 @@
 
 namespace {
 
-/// Whatever they were before: a save that was interrupted leaves some of each kind.
+/// Sets the content regardless of the former one, because an interrupted save leaves a mixture of
+/// old and new files.
 void TurnInsideOut(const LayerList& layers, bool isInsideOut)
 {
     const QVector<Layer*> all = layers.Layers();
@@ -60,7 +61,7 @@ void ResizeZones(const TerritoryTypeList& types, float radius)
     }
 }
 
-/// What the editor does for "Save all".
+/// Does the same as "Save and export all" in the editor.
 bool SaveAll(const QString& path, int selected, LayerList& layers, const TerritoryTypeList& types)
 {
     bool isSaved = SaveProjectTo(path, {selected, {}, {}, layers, types}) &&
@@ -115,7 +116,8 @@ int main(int argc, char* argv[])
             ResizeZones(types, turn == 0 ? 60.0F : 70.0F);
         }
         if (i == 0) {
-            // Whoever kills it counts from here, so that also slow builds are killed in a save.
+            // The test measures the time from here, so that slow builds are killed during a save
+            // too.
             std::puts("saving");
             std::fflush(stdout);
         }

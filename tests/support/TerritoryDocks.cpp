@@ -106,7 +106,7 @@ QString TerritoryDocks::Text(const char* label) const
 void TerritoryDocks::Click(const char* button) const
 {
     auto* widget = Child<QAbstractButton>(button);
-    // Of a radio button only the circle and the text can be clicked.
+    // Only the circle and the text of a radio button react to clicks.
     const QPoint left(8, widget->height() / 2);
     QTest::mouseClick(widget, Qt::LeftButton, {},
                       widget->inherits("QRadioButton") ? left : QPoint());

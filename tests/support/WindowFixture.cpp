@@ -51,7 +51,7 @@ WindowFixture::WindowFixture(const QString& configPath)
     ProjectSettings::Instance().projectName.clear();
     Restart(configPath);
     if (configPath.isEmpty()) {
-        // As the settings would, had there been an earlier window.
+        // The same as the settings of an earlier window would do.
         ProjectSettings::Instance().projectDir = QDir(Path({}));
     }
 }
