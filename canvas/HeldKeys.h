@@ -18,7 +18,8 @@ struct HeldKeys
     bool down = false;
     bool right = false;
 
-    /// Notes the modifiers and, for the keys above, that they are held.
+    /// RefreshModifiers reads the modifiers; PressBracket and PressArrow record that their keys are
+    /// held.
     void RefreshModifiers();
     bool PressBracket(const QKeyEvent& event);
     bool PressArrow(const QKeyEvent& event);

@@ -49,7 +49,7 @@ public:
     void SetPanEnded(std::function<void(SceneMode)> callback) { m_panEnded = std::move(callback); }
     /// No world picture; the overlay stays.
     void ClearWorld();
-    /// Ends a stroke for any other reason than the release of its button.
+    /// Ends the stroke that is under way, if any.
     void EndStroke();
     /// The map has moved below the mouse, which is at the position now: a stroke goes on from there
     /// and paints nothing between.

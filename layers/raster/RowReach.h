@@ -27,12 +27,12 @@ public:
     /// Returns the values of a row of 0 and 255, which are valid until the next call. flip is 0 or
     /// 255 and is XORed to the pixels.
     const T* Of(const uchar* pixels, uchar flip);
-    /// The edges of that row: the first pixel of each run and of each gap in turn. Empty if the
-    /// runs are too short for edges to be useful.
+    /// The edges of the row in the last call: the first pixel of each run and of each gap in turn.
+    /// Empty if the runs are too short for edges to be useful.
     const std::vector<int>& Edges() const { return m_edges; }
     /// Returns the values of a row with these edges; there must be at least one.
     const T* Of(EdgeStack::Edges edges);
-    /// Returns the values of a row without set pixels.
+    /// Returns the values of a row whose runs are too short for edges.
     const T* OfBusy(const uchar* pixels, uchar flip);
 
 private:
