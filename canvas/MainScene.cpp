@@ -7,6 +7,7 @@
 #include "canvas/LayersItem.h"
 #include "canvas/MainView.h"
 #include "canvas/OverlayItem.h"
+#include "canvas/WorldItem.h"
 #include "layers/Layer.h"
 #include "territories/Territory.h"
 #include "territories/Zone.h"
@@ -17,6 +18,7 @@
 #include <QPen>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -50,12 +52,11 @@ QVector<Zone*> SelectedZones(const QGraphicsScene& scene)
 MainScene::MainScene(float width, float height, MainView* parent)
     : QGraphicsScene(0, 0, static_cast<qreal>(width), static_cast<qreal>(height), parent)
     , m_view(parent)
-    , m_worldItem(std::make_unique<QGraphicsPixmapItem>())
+    , m_worldItem(std::make_unique<WorldItem>())
     , m_overlayItem(std::make_unique<OverlayItem>())
     , m_layersItem(std::make_unique<LayersItem>(QSize(int(width), int(height))))
     , m_currentItem(std::make_unique<CurrentLayerItem>(m_painter))
 {
-    m_worldItem->setShapeMode(QGraphicsPixmapItem::BoundingRectShape);
     m_worldItem->hide();
     m_worldItem->setZValue(WorldZ);
     m_overlayItem->setZValue(OverlayZ);
@@ -92,26 +93,24 @@ Layer* MainScene::CurrentLayer() const
 
 void MainScene::ChangeWorld(QString file)
 {
-    // Opening a pipe would wait for a writer, perhaps forever.
-    const QImage picture = QFileInfo(file).isFile() ? QImage(file) : QImage();
+    // Opening a pipe would wait for a writer, maybe for ever.
+    QImage picture = QFileInfo(file).isFile() ? QImage(file) : QImage();
     if (picture.isNull()) {
         LogError(QStringLiteral("Could not load background image '%1'.").arg(file));
         return;
     }
     const QSize size = ProjectSettings::Instance().LayerSize();
-    const QImage scaled = picture.scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation);
-    if (scaled.isNull()) {
+    if (!m_worldItem->Show(std::move(picture), size)) {
         LogError(QStringLiteral("Could not scale background image '%1' to %2x%3.")
                      .arg(file, QString::number(size.width()), QString::number(size.height())));
         return;
     }
-    m_worldItem->setPixmap(QPixmap::fromImage(scaled));
     m_overlayItem->Show(m_overlayItem->Color(), size);
 }
 
 void MainScene::ClearWorld()
 {
-    m_worldItem->setPixmap(QPixmap());
+    m_worldItem->Clear();
 }
 
 void MainScene::ChangeWorldRGBA(QColor c)

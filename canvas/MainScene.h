@@ -22,6 +22,7 @@ class LayersItem;
 class MainView;
 class OverlayItem;
 class Territory;
+class WorldItem;
 class Zone;
 
 /// The map. It shows, from bottom to top, the world picture, an overlay colour, the visible layers,
@@ -125,7 +126,7 @@ private:
     MainView* m_view;
     QPointF m_mousePosition;
     QPointF m_strokePoint;
-    std::unique_ptr<QGraphicsPixmapItem> m_worldItem;
+    std::unique_ptr<WorldItem> m_worldItem;
     std::unique_ptr<OverlayItem> m_overlayItem;
     std::unique_ptr<LayersItem> m_layersItem;
     std::unique_ptr<CurrentLayerItem> m_currentItem;

@@ -37,10 +37,10 @@ void BlendBeneath(QRgb* target, const uchar* mask, int count, QRgb color)
     }
 }
 
-/// A picture of one row whose opaque pixels hold their own index.
-QImage Ramp(int length)
+/// A picture of one row whose opaque pixels tell their own place.
+QImage MakeRamp(int length, QImage::Format format)
 {
-    QImage ramp(length, 1, QImage::Format_ARGB32_Premultiplied);
+    QImage ramp(length, 1, format);
     auto* pixels = reinterpret_cast<QRgb*>(ramp.bits());
     for (int i = 0; i < length; ++i) {
         pixels[i] = 0xFF000000U | static_cast<QRgb>(i);
@@ -48,17 +48,24 @@ QImage Ramp(int length)
     return ramp;
 }
 
+const QImage& Ramp(int length, QImage::Format format)
+{
+    static QImage opaque;
+    static QImage translucent;
+    QImage& ramp = format == QImage::Format_RGB32 ? opaque : translucent;
+    if (ramp.width() != length) {
+        ramp = MakeRamp(length, format);
+    }
+    return ramp;
+}
+
 } // namespace
 
 MaskSampler::Axis MaskSampler::MakeAxis(qreal scale, qreal offset, int size, int begin, int count,
-                                        bool isScaled)
+                                        bool isScaled, QImage::Format format)
 {
-    static QImage ramp;
-    // No mask is longer, even if the map's size is larger.
-    const int length = std::min(size, raster::MaxMaskLength);
-    if (ramp.width() != length) {
-        ramp = Ramp(length);
-    }
+    // No mask is longer, whatever the size of the map says.
+    const QImage& ramp = Ramp(std::min(size, raster::MaxMaskLength), format);
     QImage places(std::max(count, 1), 1, QImage::Format_ARGB32_Premultiplied);
     if (places.isNull()) {
         return {};
@@ -87,14 +94,15 @@ MaskSampler::Axis MaskSampler::MakeAxis(qreal scale, qreal offset, int size, int
     return axis;
 }
 
-MaskSampler::MaskSampler(const QTransform& toDevice, QSize size, const QRect& device)
+MaskSampler::MaskSampler(const QTransform& toDevice, QSize size, const QRect& device,
+                         QImage::Format format)
     : m_deviceSize(device.size())
 {
     const bool isScaled = toDevice.type() == QTransform::TxScale;
-    m_columns =
-        MakeAxis(toDevice.m11(), toDevice.dx(), size.width(), device.x(), device.width(), isScaled);
+    m_columns = MakeAxis(toDevice.m11(), toDevice.dx(), size.width(), device.x(), device.width(),
+                         isScaled, format);
     m_rows = MakeAxis(toDevice.m22(), toDevice.dy(), size.height(), device.y(), device.height(),
-                      isScaled);
+                      isScaled, format);
 }
 
 void MaskSampler::GatherRow(uchar* target, const QImage& mask, int row) const
@@ -155,6 +163,30 @@ QImage MaskSampler::Sampled(const QImage& mask) const
             uchar* line = sampled.scanLine(m_rows.first + static_cast<int>(i));
             GatherRow(line + m_columns.first, mask, m_rows.pixels[i]);
         }
+    }
+    return sampled;
+}
+
+QImage MaskSampler::SampledPicture(const QImage& picture, const std::vector<int>& columns,
+                                   const std::vector<int>& rows) const
+{
+    QImage sampled(m_deviceSize, QImage::Format_ARGB32_Premultiplied);
+    if (sampled.isNull()) {
+        return {};
+    }
+    sampled.fill(Qt::transparent);
+    // The fourth byte of opaque pictures may hold anything.
+    const QRgb opaque = picture.format() == QImage::Format_RGB32 ? 0xFF000000U : 0U;
+    for (std::size_t i = 0; i < m_rows.pixels.size(); ++i) {
+        const int row = rows[static_cast<std::size_t>(m_rows.pixels[i])];
+        const auto* from =
+            row < 0 ? nullptr : reinterpret_cast<const QRgb*>(picture.constScanLine(row));
+        auto* line = reinterpret_cast<QRgb*>(sampled.scanLine(m_rows.first + static_cast<int>(i)));
+        std::transform(m_columns.pixels.begin(), m_columns.pixels.end(), line + m_columns.first,
+                       [from, opaque, &columns](int pixel) {
+                           const int column = columns[static_cast<std::size_t>(pixel)];
+                           return opaque | (from && column >= 0 ? from[column] : 0U);
+                       });
     }
     return sampled;
 }

@@ -15,10 +15,13 @@
 class MaskSampler
 {
 public:
-    /// toDevice maps layer pixels to device pixels and must not rotate or shear. size is the size
-    /// of the pictures in layer pixels, and device the wanted rectangle of device pixels. A mask of
-    /// another size lies in the picture's top left corner, and the rest counts as clear.
-    MaskSampler(const QTransform& toDevice, QSize size, const QRect& device);
+    /// toDevice maps layer pixels to device pixels and must not rotate or shear; size is the
+    /// pictures' in layer pixels, device the device pixels that are wanted. Masks may have other
+    /// sizes: they lie in the picture's top left corner, and what lies beyond them is clear.
+    /// format is that of the pictures, Format_RGB32 or Format_ARGB32_Premultiplied: QPainter rounds
+    /// places in opaque pictures in another way.
+    MaskSampler(const QTransform& toDevice, QSize size, const QRect& device,
+                QImage::Format format = QImage::Format_ARGB32_Premultiplied);
 
     static bool CanSample(const QTransform& toDevice)
     {
@@ -31,6 +34,13 @@ public:
     void DrawBeneath(QImage& target, const QImage& mask, QRgb color) const;
     /// Returns a mask of the device rectangle's size; null without memory.
     QImage Sampled(const QImage& mask) const;
+
+    /// A picture of the device rectangle's size, in Format_ARGB32_Premultiplied and transparent
+    /// beside the picture; null when there is no memory. The 32-bit picture may have any size:
+    /// columns and rows say which of its pixels each layer pixel shows. Where they are negative, a
+    /// translucent picture is transparent and an opaque one black.
+    QImage SampledPicture(const QImage& picture, const std::vector<int>& columns,
+                          const std::vector<int>& rows) const;
 
 private:
     /// The mask's pixels for all device columns.
@@ -47,7 +57,8 @@ private:
         int end = 0;
         bool isContiguous = false;
     };
-    static Axis MakeAxis(qreal scale, qreal offset, int size, int begin, int count, bool isScaled);
+    static Axis MakeAxis(qreal scale, qreal offset, int size, int begin, int count, bool isScaled,
+                         QImage::Format format);
 
     QSize m_deviceSize;
     Axis m_columns;

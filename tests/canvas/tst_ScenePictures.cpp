@@ -3,6 +3,7 @@
 #include "canvas/CurrentLayerItem.h"
 #include "canvas/LayersItem.h"
 #include "canvas/OverlayItem.h"
+#include "canvas/WorldItem.h"
 #include "tests/support/CanvasActions.h"
 #include "tests/support/CanvasFixture.h"
 #include "tests/support/LiteralCanvas.h"
@@ -35,6 +36,7 @@ private slots:
     void ShowsLayersAtTheirOpacity();
     void ShowsTheEditedLayerAtItsOpacity();
     void HidesTheEditedLayer();
+    void ShowsTheWorldOfAHugeMap();
     void ShowsAndPaintsSmallLayersOfAHugeMap();
     void IgnoresTheColorUntilTheNextLayerChange();
 };
@@ -51,7 +53,7 @@ void tst_ScenePictures::LoadsTheWorldPicture()
     LogSpy log;
     canvas.Scene().ChangeWorld(path);
     QVERIFY(log.Messages().isEmpty());
-    auto* world = ItemOf<QGraphicsPixmapItem>(canvas, WorldZ);
+    auto* world = ItemOf<WorldItem>(canvas, WorldZ);
     QVERIFY(!world->isVisible());
     const QImage shown = world->pixmap().toImage();
     QCOMPARE(shown.size(), QSize(6, 4));
@@ -78,7 +80,7 @@ void tst_ScenePictures::ScalesTheWorldToTheLayerSize()
     ProjectSettings::Instance().SetSizes(8, 5, 100, 100);
     canvas.Scene().ChangeWorld(path);
     QCOMPARE(canvas.Scene().sceneRect(), QRectF(0, 0, 6, 4));
-    QCOMPARE(ItemOf<QGraphicsPixmapItem>(canvas, WorldZ)->pixmap().size(), QSize(8, 5));
+    QCOMPARE(ItemOf<WorldItem>(canvas, WorldZ)->pixmap().size(), QSize(8, 5));
     const auto* overlay = ItemOf<OverlayItem>(canvas, OverlayZ);
     QCOMPARE(overlay->pixmap().size(), QSize(8, 5));
     QCOMPARE(overlay->boundingRect(), QRectF(0, 0, 8, 5));
@@ -97,7 +99,7 @@ void tst_ScenePictures::KeepsTheWorldPictureWhenAnotherCannotBeLoaded()
     QCOMPARE(log.Messages(),
              QStringList({"Error: Could not load background image 'no %2 such.png'.",
                           "Error: Could not load background image ''."}));
-    const auto* world = ItemOf<QGraphicsPixmapItem>(canvas, WorldZ);
+    const auto* world = ItemOf<WorldItem>(canvas, WorldZ);
     QCOMPARE(world->pixmap().toImage().pixelColor(2, 2), QColor(Qt::blue));
 }
 
@@ -107,6 +109,7 @@ void tst_ScenePictures::KeepsTheWorldPictureWhenAnotherCannotBeScaled_data()
     QTest::newRow("0x0") << QSize(0, 0);
     QTest::newRow("-1x-1") << QSize(-1, -1);
     QTest::newRow("5x0") << QSize(5, 0);
+    QTest::newRow("1000000x1000000") << QSize(1000000, 1000000);
 }
 
 void tst_ScenePictures::KeepsTheWorldPictureWhenAnotherCannotBeScaled()
@@ -123,7 +126,7 @@ void tst_ScenePictures::KeepsTheWorldPictureWhenAnotherCannotBeScaled()
     canvas.Scene().ChangeWorld(path);
     QCOMPARE(log.Messages(), QStringList("Error: Could not scale background image '" + path +
                                          "' to " + QTest::currentDataTag() + "."));
-    QCOMPARE(ItemOf<QGraphicsPixmapItem>(canvas, WorldZ)->pixmap().size(), QSize(6, 4));
+    QCOMPARE(ItemOf<WorldItem>(canvas, WorldZ)->pixmap().size(), QSize(6, 4));
 }
 
 void tst_ScenePictures::OverlaysOpaqueColorsAtTheirOpacity()
@@ -291,6 +294,28 @@ void tst_ScenePictures::HidesTheEditedLayer()
     QCOMPARE(current->pixmap().toImage(), layer->Pixmap().toImage());
     QCOMPARE(canvas.Scene().CurrentLayer(), layer);
     QCOMPARE(Shown(canvas.Scene(), {200, 160}).pixelColor(30, 30), QColor(Qt::white));
+}
+
+/// A file of few bytes may say that its layers are huge.
+void tst_ScenePictures::ShowsTheWorldOfAHugeMap()
+{
+    CanvasFixture canvas;
+    QImage picture(6, 4, QImage::Format_RGB32);
+    picture.fill(Qt::blue);
+    const QString path = canvas.project.Path("world.png");
+    QVERIFY(picture.save(path));
+    const MemoryLimit limit(64 * AMebibyte);
+    for (const int side : {16384, 30000, 60000}) {
+        ProjectSettings::Instance().SetSizes(side, side, side, side);
+        canvas.view.SetSceneSize(side, side);
+        LogSpy log;
+        canvas.Scene().ChangeWorld(path);
+        canvas.Scene().ChangeWorldVisibility(true);
+        QVERIFY(log.Messages().isEmpty());
+        QCOMPARE(canvas.ItemAt(WorldZ)->boundingRect(), QRectF(0, 0, side, side));
+        const QImage shown = canvas.view.viewport()->grab().toImage();
+        QCOMPARE(shown.pixelColor(canvas.view.viewport()->rect().center()), QColor(Qt::blue));
+    }
 }
 
 void tst_ScenePictures::ShowsAndPaintsSmallLayersOfAHugeMap()

@@ -1,5 +1,6 @@
 #include "app/Log.h"
 #include "canvas/BrushDock.h"
+#include "canvas/WorldItem.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "territories/Zone.h"
@@ -433,9 +434,8 @@ void tst_WindowLoading::AnOldBackgroundGoes()
     const auto shown = [&] {
         const QList<QGraphicsItem*> items = fixture.Scene().items();
         for (QGraphicsItem* item : items) {
-            auto* pixmapItem = qgraphicsitem_cast<QGraphicsPixmapItem*>(item);
-            if (pixmapItem && qFuzzyCompare(item->zValue(), 0.2)) {
-                return pixmapItem->pixmap();
+            if (qFuzzyCompare(item->zValue(), 0.2)) {
+                return static_cast<WorldItem*>(item)->pixmap();
             }
         }
         return QPixmap();
