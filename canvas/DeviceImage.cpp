@@ -6,7 +6,9 @@
 void DrawDeviceImage(QPainter& painter, const QRectF& exposed, const MakeDeviceImage& make)
 {
     const QTransform toDevice = painter.deviceTransform();
-    const QRect device = toDevice.mapRect(exposed).toAlignedRect();
+    // A scene that renders a part of itself calls the whole of each item exposed, and clips.
+    const QRectF visible = painter.hasClipping() ? exposed & painter.clipBoundingRect() : exposed;
+    const QRect device = toDevice.mapRect(visible).toAlignedRect();
     const QImage image = make(toDevice, device);
     if (image.isNull()) {
         return;

@@ -5,6 +5,7 @@
 #include "tests/support/Files.h"
 #include "tests/support/LiteralMap.h"
 #include "tests/support/Masks.h"
+#include "tests/support/MemoryLimit.h"
 #include "tests/support/WindowFixture.h"
 #include "ui/DockLayers.h"
 
@@ -14,6 +15,7 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QTest>
+#include <QtEndian>
 
 namespace {
 
@@ -81,6 +83,7 @@ private slots:
     void TheMapStaysAsItWasWithoutAFile();
     void TakesBytesThatLookLikeLineEnds_data();
     void TakesBytesThatLookLikeLineEnds();
+    void AHugeMapTakesLittleMemory();
     void AMapThatCannotBeReadLeavesNothing_data();
     void AMapThatCannotBeReadLeavesNothing();
     void ReplacesUnsavedWorkWhenTheUserAgrees();
@@ -164,6 +167,34 @@ void tst_WindowImport::TakesBytesThatLookLikeLineEnds()
     for (const Layer* layer : layers) {
         QVERIFY(Indices(layer->Image()) == Indices(mask));
     }
+}
+
+/// A file of few bytes may say that its map is huge; the background is shown on it.
+void tst_WindowImport::AHugeMapTakesLittleMemory()
+{
+    Editor editor;
+    QImage picture(64, 64, QImage::Format_RGB32);
+    picture.fill(Qt::green);
+    QVERIFY(picture.save(editor.Path("world.png")));
+    editor.TriggerWithFile("actionLoadWorld", editor.Path("world.png"));
+    editor.answers.AddButton("Yes");
+    SetFlagTypes(8, 0);
+    QByteArray map = Map(HalfMask({64, 64}), 1280, 0).left(120);
+    constexpr qint32 side = 60000;
+    for (const int place : {0, 4}) {
+        qToLittleEndian(side, map.data() + place);
+    }
+    WriteBytes(editor.Path("huge.map"), map);
+    editor.log.Take();
+    const MemoryLimit limit(128 * AMebibyte);
+
+    editor.TriggerWithFile("actionImportMap", editor.Path("huge.map"));
+
+    QCOMPARE(ProjectSettings::Instance().LayerSize(), QSize(side, side));
+    QCOMPARE(editor.log.Take(),
+             QStringList({"Info: Importing map, please wait ...", "Info: Import done"}));
+    QCOMPARE(editor.Scene().sceneRect(), QRectF(0, 0, side, side));
+    QCOMPARE(editor.Shown(), QColor(Qt::green));
 }
 
 void tst_WindowImport::AMapThatCannotBeReadLeavesNothing_data()
