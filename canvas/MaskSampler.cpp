@@ -175,18 +175,24 @@ QImage MaskSampler::SampledPicture(const QImage& picture, const std::vector<int>
         return {};
     }
     sampled.fill(Qt::transparent);
+    std::vector<int> places(m_columns.pixels.size());
+    std::transform(m_columns.pixels.begin(), m_columns.pixels.end(), places.begin(),
+                   [&columns](int pixel) { return columns[static_cast<std::size_t>(pixel)]; });
     // The fourth byte of opaque pictures may hold anything.
     const QRgb opaque = picture.format() == QImage::Format_RGB32 ? 0xFF000000U : 0U;
     for (std::size_t i = 0; i < m_rows.pixels.size(); ++i) {
         const int row = rows[static_cast<std::size_t>(m_rows.pixels[i])];
+        auto* line = reinterpret_cast<QRgb*>(sampled.scanLine(m_rows.first + static_cast<int>(i)));
+        line += m_columns.first;
+        if (i > 0 && row == rows[static_cast<std::size_t>(m_rows.pixels[i - 1])]) {
+            std::copy_n(line - sampled.width(), places.size(), line);
+            continue;
+        }
         const auto* from =
             row < 0 ? nullptr : reinterpret_cast<const QRgb*>(picture.constScanLine(row));
-        auto* line = reinterpret_cast<QRgb*>(sampled.scanLine(m_rows.first + static_cast<int>(i)));
-        std::transform(m_columns.pixels.begin(), m_columns.pixels.end(), line + m_columns.first,
-                       [from, opaque, &columns](int pixel) {
-                           const int column = columns[static_cast<std::size_t>(pixel)];
-                           return opaque | (from && column >= 0 ? from[column] : 0U);
-                       });
+        std::transform(places.begin(), places.end(), line, [from, opaque](int place) {
+            return opaque | (from && place >= 0 ? from[place] : 0U);
+        });
     }
     return sampled;
 }

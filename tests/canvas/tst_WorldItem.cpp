@@ -224,8 +224,8 @@ void tst_WorldItem::TakesAllSizesThatALayerCanHave()
         WorldItem world;
         QVERIFY(world.Show(picture, size));
         QCOMPARE(world.boundingRect(), QRectF(QPointF(), QSizeF(size)));
-        const QTransform near = QTransform::fromScale(12.5, 12.5);
-        QCOMPARE(Painted(world, near, 1).pixelColor(5, 100), QColor(Qt::blue));
+        const QTransform close = QTransform::fromScale(12.5, 12.5);
+        QCOMPARE(Painted(world, close, 1).pixelColor(5, 100), QColor(Qt::blue));
     }
 }
 
