@@ -144,10 +144,10 @@ function(quillmap_library name)
   target_link_libraries(${name} PUBLIC ${ARG_LINKS} PRIVATE quillmap_flags ${ARG_PRIVATE_LINKS})
   # Without precompiled headers a source compiles its own header alone, because it includes that one
   # first; ./check sees to it. Headers without a source need a unit of their own.
-  if(NOT QUILLMAP_CHECK_HEADERS)
-    quillmap_precompile(${name})
-  elseif(ARG_HEADERS)
+  if(QUILLMAP_CHECK_HEADERS AND ARG_HEADERS)
     quillmap_check_headers(${name} ${ARG_HEADERS})
+  elseif(NOT QUILLMAP_CHECK_HEADERS AND NOT ARG_LINKS STREQUAL "Qt5::Core")
+    quillmap_precompile(${name})
   endif()
 endfunction()
 
