@@ -96,11 +96,11 @@ QString BackgroundFileFrom(const QDir& folder, const QString& picture)
 void CarryBackgroundTo(const QDir& folder)
 {
     ProjectSettings& settings = ProjectSettings::Instance();
-    if (settings.backgroundFile.isEmpty()) {
+    if (settings.BackgroundFile().isEmpty()) {
         return;
     }
     const QString source = settings.BackgroundPath();
-    if (!Carry(source, folder, settings.backgroundFile)) {
-        settings.backgroundFile = BackgroundFileFrom(folder, source);
+    if (!Carry(source, folder, settings.BackgroundFile())) {
+        settings.SetBackgroundFile(BackgroundFileFrom(folder, source));
     }
 }

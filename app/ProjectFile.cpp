@@ -22,17 +22,16 @@ struct Place
     static Place Current()
     {
         const ProjectSettings& settings = ProjectSettings::Instance();
-        return {settings.projectFileName, settings.projectName, settings.projectDir,
-                settings.backgroundFile};
+        return {settings.FileName(), settings.Name(), settings.Dir(), settings.BackgroundFile()};
     }
 
     void Restore() const
     {
         ProjectSettings& settings = ProjectSettings::Instance();
-        settings.projectFileName = fileName;
-        settings.projectName = name;
-        settings.projectDir = dir;
-        settings.backgroundFile = backgroundFile;
+        settings.SetFileName(fileName);
+        settings.SetName(name);
+        settings.SetDir(dir);
+        settings.SetBackgroundFile(backgroundFile);
     }
 };
 
@@ -40,12 +39,12 @@ void MoveProjectTo(const QFileInfo& target)
 {
     ProjectSettings& settings = ProjectSettings::Instance();
     const QDir folder = target.absoluteDir();
-    if (folder.absolutePath() != settings.projectDir.absolutePath()) {
+    if (folder.absolutePath() != settings.Dir().absolutePath()) {
         CarryBackgroundTo(folder);
     }
-    settings.projectName = target.baseName();
-    settings.projectFileName = target.fileName();
-    settings.projectDir = folder;
+    settings.SetName(target.baseName());
+    settings.SetFileName(target.fileName());
+    settings.SetDir(folder);
 }
 
 void LogNotWritten(const QString& fileName)
@@ -77,7 +76,7 @@ bool SaveProjectTo(const QString& path, const ProjectParts& parts)
         return false;
     }
     LogSuccess(QStringLiteral("Project saved to file '%1'.").arg(fileName));
-    ProjectSettings::Instance().modified = failures > 0;
+    ProjectSettings::Instance().SetModified(failures > 0);
     if (failures > 0) {
         LogError(QStringLiteral("%1 layer bitmaps could not be saved.").arg(failures));
     }

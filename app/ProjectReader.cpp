@@ -33,7 +33,9 @@ void ProjectReader::ReadSettings()
                       }},
                      {QLatin1String("areas"),
                       [&settings](QXmlStreamReader& element) {
-                          settings.areaFlagTypes.ReadXml(element);
+                          AreaFlagTypes types;
+                          types.ReadXml(element);
+                          settings.SetFlagTypes(types);
                           return true;
                       }},
                      PassOver(QLatin1String("brush")),

@@ -12,21 +12,27 @@ ProjectSettings& ProjectSettings::Instance()
     return settings;
 }
 
+void ProjectSettings::SetSizesOnly(int newLayerWidth, int newLayerHeight, int newWorldWidth,
+                                   int newWorldHeight)
+{
+    m_layerWidth = newLayerWidth;
+    m_layerHeight = newLayerHeight;
+    m_worldWidth = newWorldWidth;
+    m_worldHeight = newWorldHeight;
+}
+
 void ProjectSettings::SetSizes(int newLayerWidth, int newLayerHeight, int newWorldWidth,
                                int newWorldHeight)
 {
-    layerWidth = newLayerWidth;
-    layerHeight = newLayerHeight;
-    worldWidth = newWorldWidth;
-    worldHeight = newWorldHeight;
-    const auto layerX = static_cast<float>(layerWidth);
-    const auto layerZ = static_cast<float>(layerHeight);
-    const auto worldX = static_cast<float>(worldWidth);
-    const auto worldZ = static_cast<float>(worldHeight);
-    metresPerPixelX = worldX / layerX;
-    metresPerPixelZ = worldZ / layerZ;
-    pixelsPerMetreX = layerX / worldX;
-    pixelsPerMetreZ = layerZ / worldZ;
+    SetSizesOnly(newLayerWidth, newLayerHeight, newWorldWidth, newWorldHeight);
+    const auto layerX = static_cast<float>(m_layerWidth);
+    const auto layerZ = static_cast<float>(m_layerHeight);
+    const auto worldX = static_cast<float>(m_worldWidth);
+    const auto worldZ = static_cast<float>(m_worldHeight);
+    m_metresPerPixelX = worldX / layerX;
+    m_metresPerPixelZ = worldZ / layerZ;
+    m_pixelsPerMetreX = layerX / worldX;
+    m_pixelsPerMetreZ = layerZ / worldZ;
 }
 
 void ProjectSettings::ReadXml(QXmlStreamReader& xml)
@@ -35,13 +41,13 @@ void ProjectSettings::ReadXml(QXmlStreamReader& xml)
     constexpr int defaultWorldSize = 15360;
     int layerSize = defaultLayerSize;
     int worldSize = defaultWorldSize;
-    backgroundFile.clear();
-    backgroundColor.setRgba(DefaultBackground);
+    m_backgroundFile.clear();
+    m_backgroundColor.setRgba(DefaultBackground);
     const XmlHandlers handlers = {
         {QLatin1String("background"),
          [this](QXmlStreamReader& element) {
-             backgroundFile = TextAttribute(element, QLatin1String("file"));
-             backgroundColor.setRgba(
+             m_backgroundFile = TextAttribute(element, QLatin1String("file"));
+             m_backgroundColor.setRgba(
                  UIntAttribute(element, QLatin1String("rgba"), DefaultBackground));
              return true;
          }},
@@ -58,21 +64,21 @@ void ProjectSettings::ReadXml(QXmlStreamReader& xml)
     };
     WalkXml(xml, handlers, QLatin1String("global"));
     SetSizes(layerSize, layerSize, worldSize, worldSize);
-    modified = false;
+    m_isModified = false;
 }
 
 void ProjectSettings::WriteXml(QXmlStreamWriter& xml) const
 {
     xml.writeStartElement(QStringLiteral("global"));
     xml.writeEmptyElement(QStringLiteral("background"));
-    WriteTextAttribute(xml, QLatin1String("file"), backgroundFile);
-    xml.writeAttribute(QStringLiteral("rgba"), QString::number(backgroundColor.rgba()));
+    WriteTextAttribute(xml, QLatin1String("file"), m_backgroundFile);
+    xml.writeAttribute(QStringLiteral("rgba"), QString::number(m_backgroundColor.rgba()));
     xml.writeEmptyElement(QStringLiteral("layer"));
-    xml.writeAttribute(QStringLiteral("size"), QString::number(layerWidth));
+    xml.writeAttribute(QStringLiteral("size"), QString::number(m_layerWidth));
     xml.writeEmptyElement(QStringLiteral("world"));
-    xml.writeAttribute(QStringLiteral("size"), QString::number(worldWidth));
+    xml.writeAttribute(QStringLiteral("size"), QString::number(m_worldWidth));
     xml.writeEndElement();
-    areaFlagTypes.WriteXml(xml);
+    m_flagTypes.WriteXml(xml);
 }
 
 QImage ProjectSettings::BlankLayerImage() const
@@ -82,17 +88,17 @@ QImage ProjectSettings::BlankLayerImage() const
 
 QString ProjectSettings::BackgroundPath() const
 {
-    return projectDir.path() + QLatin1Char('/') + backgroundFile;
+    return m_dir.path() + QLatin1Char('/') + m_backgroundFile;
 }
 
 QString ProjectSettings::ProjectFilePath() const
 {
-    return projectDir.path() + QLatin1Char('/') + projectFileName;
+    return m_dir.path() + QLatin1Char('/') + m_fileName;
 }
 
 QString ProjectSettings::MapPath() const
 {
-    return PathBelow(QStringLiteral("map"), projectName + QStringLiteral(".map"));
+    return PathBelow(QStringLiteral("map"), m_name + QStringLiteral(".map"));
 }
 
 QString ProjectSettings::LayerPath(const QString& layerName) const
@@ -107,6 +113,6 @@ QString ProjectSettings::TerritoryTypePath(const QString& typeName) const
 
 QString ProjectSettings::PathBelow(const QString& folder, const QString& fileName) const
 {
-    projectDir.mkdir(folder);
-    return projectDir.path() + QLatin1Char('/') + folder + QLatin1Char('/') + fileName;
+    m_dir.mkdir(folder);
+    return m_dir.path() + QLatin1Char('/') + folder + QLatin1Char('/') + fileName;
 }

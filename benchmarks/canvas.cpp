@@ -7,6 +7,7 @@
 #include "canvas/BrushDock.h"
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
+#include "document/Document.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "layers/raster/Mask.h"
@@ -40,6 +41,7 @@ struct Canvas
     {
         ProjectSettings::Instance().SetSizes(side, side, 15360, 15360);
         view.resize(ViewWidth, ViewHeight);
+        view.SetDocument(document);
         view.SetBrushDock(&dock);
         view.SetSceneSize(side, side);
         view.show();
@@ -85,8 +87,9 @@ struct Canvas
 
     MainScene* scene() { return view.Scene(); }
 
-    LayerList layers;
-    BrushDock dock;
+    Document document;
+    LayerList& layers = document.Layers();
+    BrushDock dock{document.GetBrush()};
     MainView view;
 };
 
@@ -98,7 +101,7 @@ std::unique_ptr<Canvas> layeredCanvas;
 Canvas& CanvasOf(int side)
 {
     std::unique_ptr<Canvas>& canvas = paintedCanvas;
-    if (!canvas || ProjectSettings::Instance().layerWidth != side) {
+    if (!canvas || ProjectSettings::Instance().LayerWidth() != side) {
         canvas.reset();
         canvas = std::make_unique<Canvas>(side);
         canvas->AddLayers(1);
@@ -182,7 +185,7 @@ void RegisterBrush()
 Canvas& LayersOf(int side)
 {
     std::unique_ptr<Canvas>& canvas = layeredCanvas;
-    if (!canvas || ProjectSettings::Instance().layerWidth != side) {
+    if (!canvas || ProjectSettings::Instance().LayerWidth() != side) {
         canvas.reset();
         canvas = std::make_unique<Canvas>(side);
         canvas->AddLayers(LayerCount);

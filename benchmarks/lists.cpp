@@ -4,6 +4,7 @@
 #include "app/ProjectSettings.h"
 #include "benchmarks/support/RatioReporter.h"
 #include "canvas/MainScene.h"
+#include "document/Document.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "territories/Territory.h"
@@ -107,14 +108,15 @@ void CheckAll(QStandardItem* parent)
 void EditLayersInOurs(State& state)
 {
     for (auto _ : state) {
-        DockLayerProps props;
-        DockLayers dock(&props);
+        Document document;
+        DockLayerProps props(document);
+        DockLayers dock(document, &props);
         ShowNow(dock);
         for (int i = 0; i < LayerCount; ++i) {
             dock.AddPainted();
             dock.SelectRow(i);
         }
-        CheckAll(dock.List()->model()->invisibleRootItem());
+        CheckAll(document.Layers().model()->invisibleRootItem());
         QCoreApplication::processEvents();
         dock.HideAll();
         for (int i = 0; i < LayerCount; ++i) {
@@ -150,12 +152,13 @@ void EditLayersInBareTree(State& state)
 void EditTerritoriesInOurs(State& state)
 {
     for (auto _ : state) {
+        Document document;
         MainScene scene(64, 64, nullptr);
-        DockTerTypeProps props;
-        DockTerTypes dock(&scene, &props);
+        DockTerTypeProps props(document);
+        DockTerTypes dock(document, &scene, &props);
         ShowNow(dock);
         dock.AddTerritoryType();
-        TerritoryType* type = dock.List()->Types().first();
+        TerritoryType* type = document.Types().Types().first();
         auto* tree = dock.findChild<QTreeView*>(QStringLiteral("treeTerTypes"));
         for (int i = 0; i < TerritoryCount; ++i) {
             tree->setCurrentIndex(type->NewTerritory()->index());
@@ -181,14 +184,15 @@ void EditTerritoriesInBareTree(State& state)
 
 void OpenOurDialog(State& state)
 {
-    LayerList layers;
+    Document document;
+    LayerList& layers = document.Layers();
     for (int i = 0; i < LayerCount; ++i) {
         auto layer = std::make_unique<Layer>(0, 0, &layers, QStringLiteral("layer %1").arg(i));
         layer->SetImage(ProjectSettings::Instance().BlankLayerImage(), Qt::white);
         layers.AddLayer(std::move(layer));
     }
     for (auto _ : state) {
-        DialogCustomLayer dialog(&layers, nullptr);
+        DialogCustomLayer dialog(document, nullptr);
         ShowNow(dialog);
         dialog.findChild<QComboBox*>(QStringLiteral("cboInputA"))->setCurrentIndex(LayerCount - 1);
         while (dialog.isVisible()) {

@@ -3,7 +3,7 @@
 
 #include "benchmarks/support/RatioReporter.h"
 #include "benchmarks/support/Shapes.h"
-#include "canvas/Brush.h"
+#include "document/Brush.h"
 #include "layers/raster/Mask.h"
 #include "layers/raster/MaskDelta.h"
 

@@ -133,7 +133,7 @@ int main(int argc, char** argv)
     }
     const QTemporaryDir folder;
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder.path());
-    ProjectSettings::Instance().projectDir = QDir(folder.path());
+    ProjectSettings::Instance().SetDir(QDir(folder.path()));
     const QString path = folder.filePath(QStringLiteral("bench.xml"));
     const QWidget guiIsRunning;
     if (!MakeProject(path, LayerCount)) {

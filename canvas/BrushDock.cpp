@@ -18,8 +18,9 @@ int Sum(int size, qint64 step)
 
 } // namespace
 
-BrushDock::BrushDock(QWidget* parent)
+BrushDock::BrushDock(Brush& brush, QWidget* parent)
     : QDockWidget(parent)
+    , m_brush(brush)
     , m_ui(std::make_unique<Ui::BrushDock>())
 {
     m_ui->setupUi(this);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "canvas/Brush.h"
+#include "document/Brush.h"
 
 #include <QDockWidget>
 
@@ -10,18 +10,17 @@ namespace Ui {
 class BrushDock;
 }
 
-/// The dock for the brush's size, cursor colour and outline. It owns the brush with which the scene
-/// paints.
+/// The dock in which the user sets the brush's size, cursor colour and outline.
 class BrushDock : public QDockWidget
 {
     Q_OBJECT
 
 public:
-    explicit BrushDock(QWidget* parent = nullptr);
+    /// brush: that of the project; it outlives the dock.
+    explicit BrushDock(Brush& brush, QWidget* parent = nullptr);
     ~BrushDock() override;
     Q_DISABLE_COPY(BrushDock)
 
-    /// Lives as long as the dock.
     Brush* GetBrush() { return &m_brush; }
 
     /// The diameter in layer pixels, clamped to the slider's range.
@@ -49,6 +48,6 @@ private:
     void InitForm();
     void Connect();
 
-    Brush m_brush;
+    Brush& m_brush;
     std::unique_ptr<Ui::BrushDock> m_ui;
 };

@@ -1,9 +1,9 @@
 #include "canvas/LayerPainter.h"
 
 #include "app/Log.h"
-#include "canvas/Brush.h"
 #include "canvas/DeviceImage.h"
 #include "canvas/MaskSampler.h"
+#include "document/Brush.h"
 #include "layers/Layer.h"
 #include "layers/raster/Mask.h"
 
@@ -20,6 +20,32 @@ void LayerPainter::Load(Layer* layer)
     m_rgb = layer ? layer->Color().rgb() : 0;
     m_wasHandedOver = false;
     m_wasMemoryMissed = false;
+}
+
+void LayerPainter::BeginStroke()
+{
+    m_recorded = {};
+    m_isRecording = true;
+}
+
+raster::MaskDelta LayerPainter::EndStroke()
+{
+    m_isRecording = false;
+    if (!m_recorded.DropUnchanged(m_mask)) {
+        m_recorded = {};
+    }
+    return std::exchange(m_recorded, {});
+}
+
+void LayerPainter::CancelStroke()
+{
+    raster::MaskDelta before = EndStroke();
+    if (Layer* layer = m_layer) {
+        // The mask is exchanged in place, for which the layer alone must hold it.
+        Load(nullptr);
+        layer->SwapPixels(before);
+        Load(layer);
+    }
 }
 
 QRect LayerPainter::Dab(const Brush& brush, BrushAction action)
@@ -117,6 +143,11 @@ bool LayerPainter::HandOverWhole(Layer& layer)
     if (mask.isNull()) {
         return false;
     }
+    // A mask with greys, or another colour's picture, changes as a whole.
+    if (m_isRecording && mask.constBits() != layer.Image().constBits() &&
+        !m_recorded.Touch(layer.Image(), layer.Image().rect())) {
+        return false;
+    }
     m_mask = mask;
     m_handedRgb = rgb;
     m_wasHandedOver = true;
@@ -130,8 +161,10 @@ bool LayerPainter::HandOverPart(Layer& layer, const QRect& part, const QImage& p
     if (patchMask.isNull()) {
         return false;
     }
-    // After the layer has released the mask, this is the only reference to it, and writing does not
-    // copy it.
+    if (m_isRecording && !m_recorded.Touch(m_mask, part)) {
+        return false;
+    }
+    // With the layer's hold on the mask given up, this is the only one, and writing does not copy.
     layer.TakePaintedMask({});
     const bool isWritable = m_mask.isDetached() || CopyMask();
     for (int y = 0; y < part.height() && isWritable; ++y) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Tracked.h"
+#include "layers/raster/MaskDelta.h"
 
 #include <QImage>
 #include <QPointF>
@@ -39,7 +40,13 @@ public:
     QRect Dab(const Brush& brush, BrushAction action);
     QRect Segment(const Brush& brush, BrushAction action, QPointF from);
 
-    /// The size of the picture in layer pixels; empty without a picture.
+    /// From here on, what the mask was like before is recorded; EndStroke returns it.
+    void BeginStroke();
+    raster::MaskDelta EndStroke();
+    /// Gives the layer back the mask that it had at BeginStroke.
+    void CancelStroke();
+
+    /// Of the picture in layer pixels; empty without one.
     QSize Size() const { return m_mask.size(); }
     /// Paints the exposed part of the picture; layer pixels are scene units.
     void Paint(QPainter& painter, const QRectF& exposed) const;
@@ -68,6 +75,9 @@ private:
     QRgb m_rgb = 0;
     /// The picture, if it has more colours than m_rgb.
     QImage m_argb;
+    /// What the stroke under way has changed of the mask.
+    raster::MaskDelta m_recorded;
+    bool m_isRecording = false;
     bool m_wasHandedOver = false;
     QRgb m_handedRgb = 0;
     bool m_wasMemoryMissed = false;

@@ -2,12 +2,21 @@
 
 #include "app/Log.h"
 #include "app/ProjectSettings.h"
-#include "canvas/Brush.h"
+#include "app/Tracked.h"
 #include "canvas/CurrentLayerItem.h"
 #include "canvas/LayersItem.h"
 #include "canvas/MainView.h"
 #include "canvas/OverlayItem.h"
 #include "canvas/WorldItem.h"
+#include "canvas/tools/InsertTool.h"
+#include "canvas/tools/NoTool.h"
+#include "canvas/tools/PaintTool.h"
+#include "canvas/tools/QueryTool.h"
+#include "canvas/tools/SelectTool.h"
+#include "document/Brush.h"
+#include "document/Document.h"
+#include "document/edits/BackgroundEdits.h"
+#include "document/edits/TerritoryEdits.h"
 #include "layers/Layer.h"
 #include "territories/Territory.h"
 #include "territories/Zone.h"
@@ -15,6 +24,7 @@
 #include <QFileInfo>
 #include <QGraphicsSceneMouseEvent>
 #include <QImage>
+#include <QMap>
 #include <QPen>
 
 #include <algorithm>
@@ -27,24 +37,11 @@ constexpr qreal OverlayZ = 0.4;
 constexpr qreal LayersZ = 0.6;
 constexpr qreal CurrentZ = 0.8;
 constexpr qreal BrushZ = 999;
-constexpr float NewZoneRadius = 300.0F;
 
 qreal OpacityOf(const Layer& layer)
 {
     // Divided in 32 bits, so that maps look exactly as they always did.
     return static_cast<qreal>(static_cast<float>(layer.Color().alpha()) / 255.0F);
-}
-
-QVector<Zone*> SelectedZones(const QGraphicsScene& scene)
-{
-    QVector<Zone*> zones;
-    const QList<QGraphicsItem*> items = scene.selectedItems();
-    for (QGraphicsItem* item : items) {
-        if (auto* zone = qgraphicsitem_cast<Zone*>(item)) {
-            zones.append(zone);
-        }
-    }
-    return zones;
 }
 
 } // namespace
@@ -81,9 +78,43 @@ MainScene::~MainScene()
     blockSignals(true);
 }
 
+void MainScene::SetDocument(Document& document)
+{
+    m_document = &document;
+    document.SetZoneScene(this);
+    const MapToolParts parts{document, *this, *m_view};
+    auto paintTool = std::make_unique<PaintTool>(parts);
+    m_paintTool = paintTool.get();
+    m_tools[SceneMode::None] = std::make_unique<NoTool>(parts);
+    m_tools[SceneMode::Pan] = std::make_unique<NoTool>(parts);
+    m_tools[SceneMode::Paint] = std::move(paintTool);
+    m_tools[SceneMode::Insert] = std::make_unique<InsertTool>(parts);
+    m_tools[SceneMode::Select] = std::make_unique<SelectTool>(parts);
+    m_tools[SceneMode::Query] = std::make_unique<QueryTool>(parts);
+}
+
+MapTool* MainScene::Tool() const
+{
+    const auto tool = m_tools.find(m_mode);
+    return tool == m_tools.end() ? nullptr : tool->second.get();
+}
+
 Territory* MainScene::CurrentTerritory() const
 {
-    return m_territory;
+    return m_document ? m_document->CurrentTerritory() : nullptr;
+}
+
+QVector<Zone*> MainScene::SelectedZones() const
+{
+    // Qt gives them in an order that differs from run to run.
+    QMap<int, Zone*> zones;
+    const QList<QGraphicsItem*> items = selectedItems();
+    for (QGraphicsItem* item : items) {
+        if (auto* zone = qgraphicsitem_cast<Zone*>(item)) {
+            zones.insert(zone->Id(), zone);
+        }
+    }
+    return zones.values().toVector();
 }
 
 Layer* MainScene::CurrentLayer() const
@@ -121,15 +152,17 @@ void MainScene::ChangeWorldRGBA(QColor c)
 
 void MainScene::ChangeWorldColor(QColor c)
 {
-    QColor background = c;
-    background.setAlpha(ProjectSettings::Instance().backgroundColor.alpha());
-    ProjectSettings::Instance().backgroundColor = background;
+    if (m_document) {
+        m_document->Do(Edits::SetBackgroundColor(c));
+    }
     m_overlayItem->Show(c, sceneRect().size().toSize());
 }
 
 void MainScene::ChangeWorldAlpha(int alpha, float opacity)
 {
-    ProjectSettings::Instance().backgroundColor.setAlpha(alpha);
+    if (m_document) {
+        m_document->Do(Edits::SetBackgroundOpacity(alpha));
+    }
     m_overlayItem->setOpacity(static_cast<qreal>(opacity));
 }
 
@@ -158,7 +191,10 @@ void MainScene::ClearLayers()
 
 void MainScene::ChangeLayer(Layer* layer)
 {
-    // Every brush step has already handed its result over to the former layer.
+    if (m_paintTool && layer != m_painter.GetLayer()) {
+        m_paintTool->Finish();
+    }
+    // Every brush step has handed its work over already, so there is nothing to hand over here.
     m_painter.Load(layer);
     m_currentItem->PictureChanged();
     m_currentItem->setOpacity(layer ? OpacityOf(*layer) : 0.0);
@@ -195,20 +231,22 @@ void MainScene::RefreshBrush()
 
 void MainScene::ChangeTerritory(Territory* t)
 {
-    m_territory = t;
+    if (m_document) {
+        m_document->SetCurrentTerritory(t);
+    }
 }
 
 void MainScene::ChangeTerritoryColor(QColor color)
 {
-    if (Territory* territory = m_territory) {
-        territory->SetColor(color);
+    if (Territory* territory = CurrentTerritory()) {
+        m_document->Do(Edits::SetTerritoryColor(*territory, color));
     }
 }
 
 void MainScene::ChangeTerritoryAlpha(int alpha, float /*opacity*/)
 {
-    if (Territory* territory = m_territory) {
-        territory->SetAlpha(alpha);
+    if (Territory* territory = CurrentTerritory()) {
+        m_document->Do(Edits::SetTerritoryOpacity(*territory, alpha));
     }
 }
 
@@ -219,19 +257,28 @@ void MainScene::ChangeSelection()
 
 void MainScene::RemoveSelection()
 {
-    const QVector<Zone*> selected = SelectedZones(*this);
-    const QVector<Tracked<Zone>> zones(selected.begin(), selected.end());
-    // Clear the selection first, so that no widget shows a zone that is being destroyed.
+    // What a drag has moved so far is a step of its own.
+    LoseMouse();
+    const QVector<Zone*> selected = SelectedZones();
+    const QVector<Tracked<Zone>> tracked(selected.begin(), selected.end());
+    // Whoever shows the selection forgets it before its zones go.
     clearSelection();
-    for (const Tracked<Zone>& zone : zones) {
-        // A destroyed zone removes itself from the scene, its territory's table and the totals.
-        const std::unique_ptr<Zone> removed(zone.Get());
+    QVector<Zone*> zones;
+    for (const Tracked<Zone>& zone : tracked) {
+        if (zone) {
+            zones.append(zone);
+        }
     }
-    ProjectSettings::Instance().modified = true;
+    if (m_document) {
+        m_document->Do(Edits::RemoveZones(zones));
+    }
 }
 
 void MainScene::ChangeMode(SceneMode mode)
 {
+    if (MapTool* tool = Tool(); tool && tool->IsBusy() && mode != m_mode) {
+        tool->Finish();
+    }
     m_brushCursor.setVisible(mode == SceneMode::Paint);
     m_brushCursor.setPos(m_mousePosition);
     m_mode = mode;
@@ -247,7 +294,6 @@ void MainScene::ChangeSize(int w, int h)
 
 void MainScene::BeginPan()
 {
-    EndStroke();
     if (!m_isPanning) {
         m_isPanning = true;
         m_savedMode = m_mode;
@@ -268,160 +314,77 @@ void MainScene::EndPan()
     }
 }
 
-void MainScene::EndStroke()
+void MainScene::ContinueStrokeFrom(QPointF position)
 {
-    if (m_stroke != BrushAction::None) {
-        m_stroke = BrushAction::None;
-        ProjectSettings::Instance().modified = true;
+    if (m_paintTool) {
+        m_paintTool->ContinueFrom(position);
     }
 }
 
 void MainScene::LoseMouse()
 {
-    EndStroke();
-    // Without a release, the zones would also receive the next press and be dragged from where this
-    // drag began. A release of the left button would select the zone below, so the middle one is
-    // sent.
-    QGraphicsSceneMouseEvent release(QEvent::GraphicsSceneMouseRelease);
-    release.setButton(Qt::MiddleButton);
-    release.setScenePos(m_mousePosition);
-    QGraphicsScene::mouseReleaseEvent(&release);
-    NoticeZoneDrag();
-    m_dragStart.clear();
+    if (MapTool* tool = Tool()) {
+        tool->Finish();
+    }
+}
+
+bool MainScene::CancelTool()
+{
+    MapTool* tool = Tool();
+    const bool isBusy = tool && tool->IsBusy();
+    if (isBusy) {
+        tool->Cancel();
+    }
+    return isBusy;
 }
 
 void MainScene::mousePressEvent(QGraphicsSceneMouseEvent* event)
 {
-    Press(event);
+    if (MapTool* tool = Tool()) {
+        tool->Press(*event);
+    }
 }
 
 void MainScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event)
 {
-    // Qt reports a quick second press as a double click; treat it as a press.
-    if (m_mode == SceneMode::Select && event->button() == Qt::LeftButton) {
-        // End a former drag whose release never arrived.
-        LoseMouse();
-        QGraphicsScene::mouseDoubleClickEvent(event);
-        BeginZoneDrag();
-    } else {
-        Press(event);
-    }
-}
-
-void MainScene::Press(QGraphicsSceneMouseEvent* event)
-{
-    EndStroke();
-    const bool isLeft = event->button() == Qt::LeftButton;
-    if (m_mode == SceneMode::Paint) {
-        PressInPaint(event);
-    } else if (m_mode == SceneMode::Insert && isLeft) {
-        PressInInsert(event->scenePos());
-    } else if (m_mode == SceneMode::Select && isLeft) {
-        PressInSelect(event);
-    } else if (m_mode == SceneMode::Query && isLeft) {
-        PressInQuery(event->scenePos());
-    }
-}
-
-QPointF MainScene::BrushPositionOf(const QGraphicsSceneMouseEvent& event) const
-{
-    return event.scenePos() + m_view->MouseFraction();
-}
-
-void MainScene::PressInPaint(QGraphicsSceneMouseEvent* event)
-{
-    if (event->button() == Qt::LeftButton) {
-        m_stroke = BrushAction::Paint;
-    } else if (event->button() == Qt::RightButton) {
-        m_stroke = BrushAction::Erase;
-    } else {
-        return;
-    }
-    PaintDab(BrushPositionOf(*event));
-}
-
-void MainScene::PressInInsert(QPointF position)
-{
-    Territory* territory = m_territory;
-    if (!territory) {
-        return;
-    }
-    auto* zone = new Zone(territory, NewZoneRadius);
-    zone->setPos(position);
-    addItem(zone);
-    territory->AddZone(zone);
-    ProjectSettings::Instance().modified = true;
-    emit ZoneInserted(zone);
-}
-
-void MainScene::PressInSelect(QGraphicsSceneMouseEvent* event)
-{
-    LoseMouse();
-    QGraphicsScene::mousePressEvent(event);
-    BeginZoneDrag();
-}
-
-void MainScene::BeginZoneDrag()
-{
-    QVector<Zone*> zones = SelectedZones(*this);
-    // With Ctrl held, the pressed zone is dragged too without being selected.
-    if (auto* grabbed = qgraphicsitem_cast<Zone*>(mouseGrabberItem())) {
-        zones.append(grabbed);
-    }
-    m_dragStart.clear();
-    for (Zone* zone : qAsConst(zones)) {
-        m_dragStart.append({zone, zone->pos()});
-    }
-}
-
-void MainScene::PressInQuery(QPointF position)
-{
-    auto* zone = qgraphicsitem_cast<Zone*>(itemAt(position, QTransform()));
-    Territory* territory = zone ? zone->Holder() : nullptr;
-    if (!territory) {
-        return;
-    }
-    // The receiver unlocks the territory's zones and clears the selection, so the zone is selected
-    // afterwards.
-    const Tracked<Zone> tracked(zone);
-    emit m_view->TerritorySelected(territory);
-    if (tracked) {
-        zone->setSelected(true);
+    if (MapTool* tool = Tool()) {
+        tool->DoublePress(*event);
     }
 }
 
 void MainScene::mouseMoveEvent(QGraphicsSceneMouseEvent* event)
 {
     m_mousePosition = event->scenePos();
-    if (m_mode == SceneMode::Paint) {
-        m_mousePosition = BrushPositionOf(*event);
-        if (m_stroke == BrushAction::None || m_view->IsMapMoving()) {
-            MoveBrush(m_mousePosition);
-        } else {
-            PaintStep(m_mousePosition);
-        }
+    if (MapTool* tool = Tool()) {
+        tool->Move(*event);
     }
-    QGraphicsScene::mouseMoveEvent(event);
 }
 
 void MainScene::mouseReleaseEvent(QGraphicsSceneMouseEvent* event)
 {
-    EndStroke();
-    QGraphicsScene::mouseReleaseEvent(event);
-    NoticeZoneDrag();
-    // While another button is held, the zones still follow the mouse.
-    if (event->buttons() == Qt::NoButton) {
-        m_dragStart.clear();
+    if (MapTool* tool = Tool()) {
+        tool->Release(*event);
     }
 }
 
-void MainScene::NoticeZoneDrag()
+void MainScene::StandardPress(QGraphicsSceneMouseEvent& event)
 {
-    for (const auto& [zone, position] : qAsConst(m_dragStart)) {
-        if (zone && zone->pos() != position) {
-            ProjectSettings::Instance().modified = true;
-        }
-    }
+    QGraphicsScene::mousePressEvent(&event);
+}
+
+void MainScene::StandardDoublePress(QGraphicsSceneMouseEvent& event)
+{
+    QGraphicsScene::mouseDoubleClickEvent(&event);
+}
+
+void MainScene::StandardMove(QGraphicsSceneMouseEvent& event)
+{
+    QGraphicsScene::mouseMoveEvent(&event);
+}
+
+void MainScene::StandardRelease(QGraphicsSceneMouseEvent& event)
+{
+    QGraphicsScene::mouseReleaseEvent(&event);
 }
 
 void MainScene::focusInEvent(QFocusEvent* event)
@@ -434,29 +397,11 @@ void MainScene::focusOutEvent(QFocusEvent* event)
     QGraphicsScene::focusOutEvent(event);
 }
 
-void MainScene::PaintDab(QPointF position)
-{
-    MoveBrush(position);
-    if (m_brush) {
-        ShowPainted(m_painter.Dab(*m_brush, m_stroke));
-    }
-}
-
-void MainScene::PaintStep(QPointF position)
-{
-    const QPointF from = m_strokePoint;
-    MoveBrush(position);
-    if (m_brush) {
-        ShowPainted(m_painter.Segment(*m_brush, m_stroke, from));
-    }
-}
-
 void MainScene::MoveBrush(QPointF position)
 {
     if (m_brush) {
         m_brush->SetPosition(position);
     }
-    m_strokePoint = position;
     m_brushCursor.setPos(position);
 }
 
@@ -464,5 +409,15 @@ void MainScene::ShowPainted(const QRect& changed)
 {
     if (!changed.isEmpty()) {
         m_currentItem->update(changed);
+    }
+}
+
+void MainScene::ReleasePixels(const Layer& layer)
+{
+    if (m_painter.GetLayer() == &layer) {
+        m_painter.Load(nullptr);
+    } else {
+        // One of the pictures may be its mask.
+        m_layersItem->Clear();
     }
 }

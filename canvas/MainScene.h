@@ -1,33 +1,35 @@
 #pragma once
 
-#include "app/Tracked.h"
 #include "canvas/LayerPainter.h"
 #include "canvas/SceneMode.h"
+#include "canvas/tools/MapTool.h"
 
 #include <QColor>
 #include <QGraphicsEllipseItem>
 #include <QGraphicsScene>
-#include <QPair>
 #include <QPointF>
 #include <QVector>
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <utility>
 
 class Brush;
 class CurrentLayerItem;
+class Document;
 class Layer;
 class LayersItem;
 class MainView;
 class OverlayItem;
+class PaintTool;
 class Territory;
 class WorldItem;
 class Zone;
 
-/// The map. It shows, from bottom to top, the world picture, an overlay colour, the visible layers,
-/// the layer that is being edited, the zones and the brush cursor. One scene unit is one layer
-/// pixel. The mode decides what the mouse does.
+/// The map: from bottom to top the world picture, a colour laid over it, the visible layers, the
+/// layer being edited, the zones and the brush cursor. One scene unit is one layer pixel. What
+/// mouse and keys do is up to the tool of the present mode.
 class MainScene : public QGraphicsScene
 {
     Q_OBJECT
@@ -37,10 +39,35 @@ public:
     MainScene(float width, float height, MainView* parent);
     ~MainScene() override;
 
+    /// The project that is shown and edited; it outlives the scene. Without one nothing is edited.
+    void SetDocument(Document& document);
+    /// What mouse and keys do in the present mode; null without a document.
+    MapTool* Tool() const;
+
     SceneMode Mode() const { return m_mode; }
     QPointF MousePosition() const { return m_mousePosition; }
+    void SetMousePosition(QPointF position) { m_mousePosition = position; }
     Territory* CurrentTerritory() const;
     Layer* CurrentLayer() const;
+    /// By ascending id.
+    QVector<Zone*> SelectedZones() const;
+
+    LayerPainter& Painter() { return m_painter; }
+    /// Null before ChangeBrush.
+    const Brush* GetBrush() const { return m_brush; }
+    /// Puts the brush and its cursor there.
+    void MoveBrush(QPointF position);
+    /// Layer pixels of the layer being edited that look different now.
+    void ShowPainted(const QRect& changed);
+    /// Lets go of the layer's mask, which is about to change in place, and takes that of the layer
+    /// being edited back.
+    void ReleasePixels(const Layer& layer);
+    void ReloadPixels(Layer& layer) { m_painter.Load(&layer); }
+    /// Qt's own handling, which selects and moves items.
+    void StandardPress(QGraphicsSceneMouseEvent& event);
+    void StandardDoublePress(QGraphicsSceneMouseEvent& event);
+    void StandardMove(QGraphicsSceneMouseEvent& event);
+    void StandardRelease(QGraphicsSceneMouseEvent& event);
 
     /// Pans while the space bar is held: the view drags the map. At the end the mode before is
     /// restored, whatever mode was set meanwhile, unless no panning began.
@@ -50,14 +77,13 @@ public:
     void SetPanEnded(std::function<void(SceneMode)> callback) { m_panEnded = std::move(callback); }
     /// No world picture; the overlay stays.
     void ClearWorld();
-    /// Ends the stroke that is under way, if any.
-    void EndStroke();
-    /// The map has moved below the mouse, which is at the position now: a stroke goes on from there
-    /// and paints nothing between.
-    void ContinueStrokeFrom(QPointF position) { m_strokePoint = position; }
+    /// The map has moved below the mouse, which is at the position now.
+    void ContinueStrokeFrom(QPointF position);
     /// The mouse is somebody else's now: strokes and drags end where they are, because their
     /// release may never come.
     void LoseMouse();
+    /// Takes back the stroke or drag under way; false when there is none.
+    bool CancelTool();
 
 signals:
     void ZoneSelected(QList<QGraphicsItem*> items);
@@ -94,7 +120,7 @@ public slots:
     /// alpha: 0 to 255. The opacity is ignored.
     void ChangeTerritoryAlpha(int alpha, float opacity);
     void ChangeSelection();
-    /// Destroys the selected zones.
+    /// Removes the selected zones from the project.
     void RemoveSelection();
     void ChangeMode(SceneMode mode);
     /// The size of the layers in pixels. Nothing is edited until the next ChangeLayer.
@@ -109,35 +135,21 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
-    QPointF BrushPositionOf(const QGraphicsSceneMouseEvent& event) const;
-    void Press(QGraphicsSceneMouseEvent* event);
-    void PressInPaint(QGraphicsSceneMouseEvent* event);
-    void PressInInsert(QPointF position);
-    void PressInSelect(QGraphicsSceneMouseEvent* event);
-    void PressInQuery(QPointF position);
-    void PaintDab(QPointF position);
-    void PaintStep(QPointF position);
-    void MoveBrush(QPointF position);
-    void ShowPainted(const QRect& changed);
-    void BeginZoneDrag();
-    void NoticeZoneDrag();
-
     LayerPainter m_painter;
     MainView* m_view;
+    Document* m_document = nullptr;
+    PaintTool* m_paintTool = nullptr;
+    /// By mode.
+    std::map<SceneMode, std::unique_ptr<MapTool>> m_tools;
     QPointF m_mousePosition;
-    QPointF m_strokePoint;
     std::unique_ptr<WorldItem> m_worldItem;
     std::unique_ptr<OverlayItem> m_overlayItem;
     std::unique_ptr<LayersItem> m_layersItem;
     std::unique_ptr<CurrentLayerItem> m_currentItem;
     QGraphicsEllipseItem m_brushCursor;
     Brush* m_brush = nullptr;
-    Tracked<Territory> m_territory;
     SceneMode m_mode = SceneMode::None;
     SceneMode m_savedMode = SceneMode::None;
     bool m_isPanning = false;
     std::function<void(SceneMode)> m_panEnded;
-    BrushAction m_stroke = BrushAction::None;
-    /// The places of the dragged zones before the drag.
-    QVector<QPair<Tracked<Zone>, QPointF>> m_dragStart;
 };

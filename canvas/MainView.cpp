@@ -5,14 +5,12 @@
 #include "canvas/HeldKeys.h"
 #include "canvas/MainScene.h"
 #include "canvas/WidgetRuler.h"
-#include "territories/Territory.h"
-#include "territories/Zone.h"
+#include "canvas/tools/MapTool.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QGridLayout>
 #include <QKeyEvent>
-#include <QMap>
 #include <QPainterPath>
 #include <QRubberBand>
 #include <QScopedValueRollback>
@@ -101,6 +99,11 @@ void MainView::BuildLayout()
     setLayout(layout);
 }
 
+void MainView::SetDocument(Document& document)
+{
+    m_scene->SetDocument(document);
+}
+
 void MainView::SetBrushDock(BrushDock* dock)
 {
     m_scene->ChangeBrush(dock->GetBrush());
@@ -119,8 +122,8 @@ void MainView::SetSceneSize(int w, int h)
 void MainView::SetRulerUnits(int w, int h)
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    m_horizontalRuler->SetUnit(static_cast<float>(settings.worldWidth) / static_cast<float>(w));
-    m_verticalRuler->SetUnit(static_cast<float>(settings.worldHeight) / static_cast<float>(h));
+    m_horizontalRuler->SetUnit(static_cast<float>(settings.WorldWidth()) / static_cast<float>(w));
+    m_verticalRuler->SetUnit(static_cast<float>(settings.WorldHeight()) / static_cast<float>(h));
 }
 
 void MainView::resizeEvent(QResizeEvent* event)
@@ -184,38 +187,12 @@ void MainView::keyPressEvent(QKeyEvent* event)
         return;
     }
     HeldKeys::Instance().RefreshModifiers();
-    const bool isConsumed = (m_scene->Mode() == SceneMode::Paint && PressInPaint(*event)) ||
-                            (m_scene->Mode() == SceneMode::Select && PressInSelect(*event)) ||
-                            PressShortcut(event);
+    MapTool* tool = m_scene->Tool();
+    const bool isConsumed = (event->key() == Qt::Key_Escape && m_scene->CancelTool()) ||
+                            (tool && tool->PressKey(*event)) || PressShortcut(event);
     if (!isConsumed) {
         QGraphicsView::keyPressEvent(event);
     }
-}
-
-bool MainView::PressInPaint(const QKeyEvent& event)
-{
-    if (!HeldKeys::Instance().PressBracket(event)) {
-        return false;
-    }
-    BrushStep();
-    return true;
-}
-
-bool MainView::PressInSelect(const QKeyEvent& event)
-{
-    if (HeldKeys::Instance().PressArrow(event)) {
-        SelectionStep();
-        return true;
-    }
-    if (event.key() == Qt::Key_C) {
-        CopySelection();
-        return true;
-    }
-    if (event.key() == Qt::Key_V) {
-        Paste();
-        return true;
-    }
-    return false;
 }
 
 bool MainView::PressShortcut(QKeyEvent* event)
@@ -263,9 +240,11 @@ void MainView::PressA()
         return;
     }
     if (keys.ctrl && m_scene->Mode() == SceneMode::Select) {
+        // Zones that are selected during a drag would move with it from nowhere.
+        LoseMouse();
         const ProjectSettings& settings = ProjectSettings::Instance();
         QPainterPath map;
-        map.addRect(0, 0, settings.layerWidth, settings.layerHeight);
+        map.addRect(0, 0, settings.LayerWidth(), settings.LayerHeight());
         m_scene->setSelectionArea(map, Qt::IntersectsItemShape, QTransform());
     } else if (keys.shift) {
         emit ModeInsert(m_scene->Mode() != SceneMode::Insert);
@@ -279,81 +258,10 @@ void MainView::ResetZoom()
         const QScopedValueRollback<bool> moving(m_isMapMoving, true);
         resetTransform();
     }
-    m_scene->EndStroke();
+    if (m_scene->Mode() == SceneMode::Paint) {
+        m_scene->LoseMouse();
+    }
     emit ZoomChanged(m_zoom);
-}
-
-void MainView::BrushStep()
-{
-    const HeldKeys& keys = HeldKeys::Instance();
-    if (!m_brushDock) {
-        return;
-    }
-    if (keys.grow) {
-        m_brushDock->GrowBy(keys.BrushStep());
-    }
-    if (keys.shrink) {
-        m_brushDock->ShrinkBy(keys.BrushStep());
-    }
-}
-
-void MainView::SelectionStep()
-{
-    const HeldKeys& keys = HeldKeys::Instance();
-    const QPointF offset((int(keys.right) - int(keys.left)) * keys.SelectionStep(),
-                         (int(keys.down) - int(keys.up)) * keys.SelectionStep());
-    if (offset.isNull()) {
-        return;
-    }
-    const QList<QGraphicsItem*> items = m_scene->selectedItems();
-    for (QGraphicsItem* item : items) {
-        item->setPos(item->scenePos() + offset);
-    }
-}
-
-void MainView::CopySelection()
-{
-    if (!HeldKeys::Instance().ctrl || !m_scene->CurrentTerritory()) {
-        return;
-    }
-    // The order in the scene's list differs from run to run, and the first copied zone is pasted at
-    // the mouse.
-    QMap<int, Zone*> zones;
-    const QList<QGraphicsItem*> items = m_scene->selectedItems();
-    for (QGraphicsItem* item : items) {
-        if (auto* zone = qgraphicsitem_cast<Zone*>(item)) {
-            zones.insert(zone->Id(), zone);
-        }
-    }
-    m_clipboard.clear();
-    for (Zone* zone : qAsConst(zones)) {
-        m_clipboard.append(zone);
-    }
-}
-
-void MainView::Paste()
-{
-    Territory* territory = m_scene->CurrentTerritory();
-    // Skip zones that were destroyed after they were copied.
-    QVector<Zone*> zones;
-    for (const Tracked<Zone>& zone : qAsConst(m_clipboard)) {
-        if (zone) {
-            zones.append(zone);
-        }
-    }
-    if (!HeldKeys::Instance().ctrl || !territory || zones.isEmpty()) {
-        return;
-    }
-    const QPointF offset = m_scene->MousePosition() - zones.first()->scenePos();
-    for (const Zone* zone : qAsConst(zones)) {
-        Zone* copy = zone->Copy();
-        copy->setPos(copy->scenePos() + offset);
-        copy->SetTerritory(territory);
-        copy->SetColor(territory->Color());
-        territory->AddZone(copy);
-        m_scene->addItem(copy);
-    }
-    ProjectSettings::Instance().modified = true;
 }
 
 void MainView::keyReleaseEvent(QKeyEvent* event)
@@ -372,10 +280,8 @@ void MainView::timerEvent(QTimerEvent* event)
 {
     if (event->timerId() != m_keyTimer) {
         QGraphicsView::timerEvent(event);
-    } else if (m_scene->Mode() == SceneMode::Paint) {
-        BrushStep();
-    } else if (m_scene->Mode() == SceneMode::Select) {
-        SelectionStep();
+    } else if (MapTool* tool = m_scene->Tool()) {
+        tool->RepeatKeys();
     }
 }
 

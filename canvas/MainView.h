@@ -1,19 +1,16 @@
 #pragma once
 
-#include "app/Tracked.h"
-
 #include <QGraphicsView>
 #include <QPoint>
-#include <QVector>
 
 #include <memory>
 
 class BrushDock;
+class Document;
 class MainScene;
 class QRubberBand;
 class Territory;
 class WidgetRuler;
-class Zone;
 
 /// Shows the map between two rulers: zooms, pans, selects with a rubber band, copies and nudges
 /// zones, and turns keys into actions. Owns the scene.
@@ -28,6 +25,10 @@ public:
     MainScene* Scene() const { return m_scene.get(); }
     float Zoom() const { return m_zoom; }
 
+    /// The project that is shown and edited; it outlives the view.
+    void SetDocument(Document& document);
+    /// Null before SetBrushDock.
+    BrushDock* GetBrushDock() const { return m_brushDock; }
     /// The dock whose brush paints; it must outlive the view.
     void SetBrushDock(BrushDock* dock);
     /// Sets the size of the layers in pixels. The rulers use the project's world size.
@@ -72,16 +73,10 @@ protected:
 
 private:
     void BuildLayout();
-    bool PressInPaint(const QKeyEvent& event);
-    bool PressInSelect(const QKeyEvent& event);
     bool PressShortcut(QKeyEvent* event);
     void PressA();
     void ResetZoom();
     void NoteMouse(const QMouseEvent& event);
-    void BrushStep();
-    void SelectionStep();
-    void CopySelection();
-    void Paste();
     void StartBand(QPoint position);
     void LoseMouse();
     QPoint RulerMargin() const;
@@ -89,7 +84,6 @@ private:
     std::unique_ptr<MainScene> m_scene;
     QRubberBand* m_band;
     QPoint m_bandOrigin;
-    QVector<Tracked<Zone>> m_clipboard;
     BrushDock* m_brushDock = nullptr;
     WidgetRuler* m_horizontalRuler;
     WidgetRuler* m_verticalRuler;

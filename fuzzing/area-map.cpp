@@ -15,11 +15,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     // Layers have pictures only while there is a window.
     static const QWidget window;
     ProjectSettings& settings = ProjectSettings::Instance();
-    settings.areaFlagTypes = {};
+    AreaFlagTypes types;
     for (int i = 0; i < AreaFlagTypes::MaxCount; ++i) {
-        settings.areaFlagTypes.usages.append(QString::number(i));
-        settings.areaFlagTypes.values.append(QString::number(i));
+        types.usages.append(QString::number(i));
+        types.values.append(QString::number(i));
     }
+    settings.SetFlagTypes(types);
     QByteArray copy(reinterpret_cast<const char*>(bytes), static_cast<int>(count));
     QBuffer device(&copy);
     device.open(QIODevice::ReadOnly);

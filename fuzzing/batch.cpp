@@ -15,8 +15,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     MakeApplicationOnce<QGuiApplication>();
     static const QTemporaryDir folder;
     ProjectSettings& settings = ProjectSettings::Instance();
-    settings.projectDir = QDir(folder.path());
-    settings.areaFlagTypes = {};
+    settings.SetDir(QDir(folder.path()));
+    settings.SetFlagTypes({});
     settings.SetSizes(0, 0, 0, 0);
     QByteArray copy(reinterpret_cast<const char*>(bytes), static_cast<int>(count));
     QBuffer device(&copy);

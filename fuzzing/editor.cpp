@@ -20,8 +20,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     static const QWidget window;
     static const QTemporaryDir folder;
     ProjectSettings& settings = ProjectSettings::Instance();
-    settings.projectDir = QDir(folder.path());
-    settings.areaFlagTypes = {};
+    settings.SetDir(QDir(folder.path()));
+    settings.SetFlagTypes({});
     settings.SetSizes(8, 8, 80, 80);
     QByteArray copy(reinterpret_cast<const char*>(bytes), static_cast<int>(count));
     QBuffer device(&copy);

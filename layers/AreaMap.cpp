@@ -35,7 +35,7 @@ int BitCount(int flagTypeCount)
 BitFieldRaster SectionRaster(int flagTypeCount)
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    return {BitCount(flagTypeCount), settings.layerWidth, settings.layerHeight};
+    return {BitCount(flagTypeCount), settings.LayerWidth(), settings.LayerHeight()};
 }
 
 bool WriteSection(OutputFile& file, int flagTypeCount, BitFieldRaster& fields)
@@ -54,14 +54,14 @@ bool WriteSection(OutputFile& file, int flagTypeCount, BitFieldRaster& fields)
 bool WriteMap(OutputFile& file, const LayerList& layers)
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    for (const int size :
-         {settings.layerWidth, settings.layerHeight, settings.worldWidth, settings.worldHeight}) {
+    for (const int size : {settings.LayerWidth(), settings.LayerHeight(), settings.WorldWidth(),
+                           settings.WorldHeight()}) {
         if (!WriteInt(file, size)) {
             return false;
         }
     }
-    const int usageCount = settings.areaFlagTypes.usages.size();
-    const int valueCount = settings.areaFlagTypes.values.size();
+    const int usageCount = settings.FlagTypes().usages.size();
+    const int valueCount = settings.FlagTypes().values.size();
     BitFieldRaster usages = SectionRaster(usageCount);
     BitFieldRaster values = SectionRaster(valueCount);
     if (!usages.IsValid() || !values.IsValid()) {
@@ -79,7 +79,7 @@ bool WriteMap(OutputFile& file, const LayerList& layers)
 /// A map holds at most 32 flags of a kind.
 bool CheckFlagTypes()
 {
-    const bool doFit = ProjectSettings::Instance().areaFlagTypes.FitMap();
+    const bool doFit = ProjectSettings::Instance().FlagTypes().FitMap();
     if (!doFit) {
         LogError(QStringLiteral("An area map holds at most %1 usage and %1 value flag types.")
                      .arg(AreaFlagTypes::MaxCount));
@@ -93,14 +93,14 @@ bool CheckFlagTypes()
 bool CheckLayerSize()
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    const AreaFlagTypes& types = settings.areaFlagTypes;
+    const AreaFlagTypes& types = settings.FlagTypes();
     const bool isWritable = (types.usages.isEmpty() && types.values.isEmpty()) ||
                             settings.LayerSize().isEmpty() ||
                             raster::IsMaskSize(settings.LayerSize());
     if (!isWritable) {
         LogError(QStringLiteral("An area map with flag types cannot have %1x%2 pixels.")
-                     .arg(settings.layerWidth)
-                     .arg(settings.layerHeight));
+                     .arg(settings.LayerWidth())
+                     .arg(settings.LayerHeight()));
     }
     return isWritable;
 }
@@ -243,12 +243,9 @@ bool ImportAreaMap(LayerList& layers, QIODevice& device)
     }
     // The scale factors stay those of the former sizes until the caller sets the sizes.
     ProjectSettings& settings = ProjectSettings::Instance();
-    settings.layerWidth = layerWidth;
-    settings.layerHeight = layerHeight;
-    settings.worldWidth = worldWidth;
-    settings.worldHeight = worldHeight;
-    ImportSection(layers, device, FlagKind::Usage, settings.areaFlagTypes.usages);
-    ImportSection(layers, device, FlagKind::Value, settings.areaFlagTypes.values);
+    settings.SetSizesOnly(layerWidth, layerHeight, worldWidth, worldHeight);
+    ImportSection(layers, device, FlagKind::Usage, settings.FlagTypes().usages);
+    ImportSection(layers, device, FlagKind::Value, settings.FlagTypes().values);
     const QVector<Layer*> all = layers.Layers();
     for (Layer* layer : all) {
         layer->UpdatePixmap();

@@ -62,7 +62,7 @@ QImage ScaledMask(const LayerList& list, int id, int width, int height)
 float RadiusInPixels(const QString& code)
 {
     const auto metres = static_cast<float>(RadiusFromCode(code));
-    return std::trunc(metres * ProjectSettings::Instance().pixelsPerMetreX);
+    return std::trunc(metres * ProjectSettings::Instance().PixelsPerMetreX());
 }
 
 QImage EvaluateUnary(int operation, const QImage& mask, const QString& code)

@@ -26,12 +26,8 @@ public:
 public slots:
     /// previewSize: in pixels.
     void ComputePreview(const LayerList* layerList, const QString& code, QSize previewSize);
-    /// With a layer to modify, that layer gets the new code and image, and its image is reported.
-    /// If the code evaluates to nothing, the layer does not change and a null image is reported. On
-    /// the list's own thread the layer changes at once. On any other thread the change is posted to
-    /// the list's thread before the result is reported. The worker never waits for that thread,
-    /// which may be waiting for this one to end. The next request starts after the layer has
-    /// changed, because it may read it.
+    /// Evaluates the code at the layer size. For a layer to modify that has this code already its
+    /// image is reported. The layer itself is never changed here.
     void ComputeLayer(const LayerList* layerList, const QString& code, Layer* layerToModify);
 
 signals:
@@ -50,12 +46,10 @@ private:
     void Enqueue(const Request& request);
     void RunNext();
     void Release();
-    QImage ModifyLayer(Layer* layer, const QString& code);
-    void PostChange(LayerList* list, int layerId, const QString& code, const QImage& image);
 
     QList<Request> m_waiting;
-    /// Counts what keeps the next request from starting: the running request and its posted change.
-    int m_holds = 0;
+    /// While a request is evaluated, or the next one is left to the event loop.
+    bool m_isBusy = false;
 };
 
 Q_DECLARE_METATYPE(Layer*)

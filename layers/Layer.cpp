@@ -9,6 +9,7 @@
 #include "layers/CustomLayer.h"
 #include "layers/Targa.h"
 #include "layers/raster/Mask.h"
+#include "layers/raster/MaskDelta.h"
 
 #include <QXmlStreamWriter>
 
@@ -107,15 +108,10 @@ bool Layer::SetCode(const QString& code)
     if (mask.isNull()) {
         return false;
     }
-    SetComputedImage(code, mask);
-    return true;
-}
-
-void Layer::SetComputedImage(const QString& code, const QImage& mask)
-{
     m_code = code;
     m_image = mask;
     UpdatePixmap();
+    return true;
 }
 
 void Layer::ApplyPaintedImage(const QImage& argb)
@@ -137,6 +133,13 @@ void Layer::TakePaintedMask(const QImage& mask)
         m_image = mask;
         UpdatePixmap();
     }
+}
+
+std::optional<QRect> Layer::SwapPixels(raster::MaskDelta& delta)
+{
+    std::optional<QRect> changed = delta.Swap(m_image);
+    UpdatePixmap();
+    return changed;
 }
 
 void Layer::UpdatePixmap()

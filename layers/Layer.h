@@ -8,12 +8,18 @@
 #include <QStandardItem>
 #include <QString>
 
+#include <optional>
+
 class LayerList;
 class QXmlStreamWriter;
 
-/// One area of the world: a mask of the project's layer size, the flags that its pixels carry, and
-/// its colour and visibility. The item's text is its name. A layer belongs to the code that made it
-/// until a LayerList takes it, and then to the list's model.
+namespace raster {
+class MaskDelta;
+}
+
+/// One raster area of the world: a mask of the project's layer size, the flags that its pixels
+/// carry, and how it is shown. The item's text is its name. A layer is owned by whoever made it
+/// until a LayerList takes it, and from then on by the list's model.
 class Layer : public QStandardItem
 {
 public:
@@ -57,15 +63,18 @@ public:
     /// Returns false if the result is null; code and image then stay. A null result may be logged,
     /// which processes events, so the layer may have been destroyed then.
     bool SetCode(const QString& code);
-    /// Sets a code and the mask to which it evaluated.
-    void SetComputedImage(const QString& code, const QImage& mask);
-    /// Takes over the pixels that the brush painted in the layer's colour. Does nothing if the
-    /// layer is in no list or the image does not have 32 bits a pixel.
+    /// The code that the mask, which stays as it is, was computed by.
+    void StoreCode(const QString& code) { m_code = code; }
+    /// Takes over the pixels that the brush painted in the layer's colour. Does nothing for a layer
+    /// that is in no list, or when the image is no 32-bit image.
     void ApplyPaintedImage(const QImage& argb);
     /// Takes over a mask without copying it. Null makes the layer release its mask, so that a brush
     /// that shares the mask can paint in place before it hands it over again.
     void TakePaintedMask(const QImage& mask);
-    /// Marks the picture as out of date.
+    /// Exchanges the delta's tiles and those of the mask, in place where nobody else shares its
+    /// pixels. As raster::MaskDelta::Swap.
+    std::optional<QRect> SwapPixels(raster::MaskDelta& delta);
+    /// The picture is out of date.
     void UpdatePixmap();
 
     /// A rename to an invalid name is ignored without a message.

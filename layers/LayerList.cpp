@@ -9,7 +9,6 @@
 #include "layers/Targa.h"
 
 #include <QSet>
-#include <QStandardItemModel>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
@@ -18,7 +17,7 @@
 
 LayerList::LayerList(QObject* parent)
     : QObject(parent)
-    , m_model(new QStandardItemModel)
+    , m_model(new RowModel)
 {
     connect(m_model, &QStandardItemModel::itemChanged, this, &LayerList::FollowCheckState);
 }
@@ -90,6 +89,25 @@ void LayerList::VisibleLayers(QHash<int, Layer*>& out) const
 
 bool LayerList::AddLayer(Layer* layer)
 {
+    return Insert(m_model->rowCount(), layer);
+}
+
+bool LayerList::AddLayer(std::unique_ptr<Layer> layer)
+{
+    return InsertLayer(m_model->rowCount(), std::move(layer));
+}
+
+bool LayerList::InsertLayer(int row, std::unique_ptr<Layer> layer)
+{
+    const bool isAdded = Insert(row, layer.get());
+    if (isAdded) {
+        Q_UNUSED(layer.release())
+    }
+    return isAdded;
+}
+
+bool LayerList::Insert(int row, Layer* layer)
+{
     if (!layer || layer->Image().isNull()) {
         return false;
     }
@@ -97,24 +115,32 @@ bool LayerList::AddLayer(Layer* layer)
         return false;
     }
     if (!layer->model()) {
-        m_model->appendRow(layer);
+        m_model->insertRow(qBound(0, row, m_model->rowCount()), layer);
     }
     return true;
 }
 
-bool LayerList::AddLayer(std::unique_ptr<Layer> layer)
-{
-    const bool isAdded = AddLayer(layer.get());
-    if (isAdded) {
-        Q_UNUSED(layer.release())
-    }
-    return isAdded;
-}
-
 void LayerList::RemoveLayer(int id)
 {
-    if (const Layer* layer = LayerById(id)) {
-        m_model->removeRow(layer->row());
+    if (Layer* layer = LayerById(id)) {
+        TakeLayer(*layer);
+    }
+}
+
+std::unique_ptr<Layer> LayerList::TakeLayer(Layer& layer)
+{
+    if (layer.model() != m_model) {
+        return nullptr;
+    }
+    m_model->takeRow(layer.row());
+    return std::unique_ptr<Layer>(&layer);
+}
+
+void LayerList::MoveLayer(Layer& layer, int row)
+{
+    if (layer.model() == m_model && layer.row() != row) {
+        const QList<QStandardItem*> items = m_model->takeRow(layer.row());
+        m_model->insertRow(qBound(0, row, m_model->rowCount()), items);
     }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/RowModel.h"
+
 #include <QHash>
 #include <QObject>
 #include <QVector>
@@ -9,7 +11,6 @@
 class Layer;
 class QIODevice;
 class QStandardItem;
-class QStandardItemModel;
 class QXmlStreamReader;
 class QXmlStreamWriter;
 
@@ -24,7 +25,7 @@ public:
     ~LayerList() override;
 
     /// For the views.
-    QStandardItemModel* model() const { return m_model; }
+    RowModel* model() const { return m_model; }
 
     bool IsEmpty() const;
     /// All layers in row order; other rows are skipped.
@@ -44,6 +45,12 @@ public:
     bool AddLayer(std::unique_ptr<Layer> layer);
     /// Destroys the layer. An unknown id is ignored.
     void RemoveLayer(int id);
+    /// As AddLayer, for another place than the end: the layer becomes that row, or the last one.
+    bool InsertLayer(int row, std::unique_ptr<Layer> layer);
+    /// Takes the layer out of the list; null when it is not in it.
+    std::unique_ptr<Layer> TakeLayer(Layer& layer);
+    /// Makes the layer the given row of the list without it.
+    void MoveLayer(Layer& layer, int row);
     /// Destroys all layers.
     void Clear();
     void HideAll();
@@ -75,7 +82,8 @@ private slots:
     void FollowCheckState(QStandardItem* item);
 
 private:
+    bool Insert(int row, Layer* layer);
     void RenameForSaving();
 
-    QStandardItemModel* m_model;
+    RowModel* m_model;
 };

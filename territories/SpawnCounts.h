@@ -17,6 +17,12 @@ struct SpawnCounts
         return *this;
     }
 
+    friend bool operator==(const SpawnCounts& a, const SpawnCounts& b)
+    {
+        return a.staticMin == b.staticMin && a.staticMax == b.staticMax &&
+               a.dynamicMin == b.dynamicMin && a.dynamicMax == b.dynamicMax;
+    }
+
 private:
     /// Files may hold any numbers, so sums wrap around.
     static void Add(int& sum, int value)

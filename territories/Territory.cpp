@@ -93,6 +93,23 @@ void Territory::RemoveZone(int zoneId)
     }
 }
 
+void Territory::EnterScene(QGraphicsScene& scene)
+{
+    for (Zone* zone : qAsConst(m_zones)) {
+        scene.addItem(zone);
+    }
+}
+
+void Territory::LeaveScene()
+{
+    for (Zone* zone : qAsConst(m_zones)) {
+        if (QGraphicsScene* scene = zone->scene()) {
+            zone->setSelected(false);
+            scene->removeItem(zone);
+        }
+    }
+}
+
 void Territory::AddCopiesOfSelection(QGraphicsScene& scene)
 {
     // Their order in the scene's list differs from run to run.

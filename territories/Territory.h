@@ -43,6 +43,9 @@ public:
     bool AddZone(Zone* zone);
     /// Removes the zone from the table; the caller then owns it. An unknown id is ignored.
     void RemoveZone(int zoneId);
+    /// Puts the zones on the map, or takes them off it; they are not selected then.
+    void EnterScene(QGraphicsScene& scene);
+    void LeaveScene();
     /// Adds a copy of each selected zone of the scene to this territory and to the scene, in the
     /// order of their ids. A copy keeps the colour of its source's territory.
     void AddCopiesOfSelection(QGraphicsScene& scene);

@@ -81,6 +81,22 @@ void TerritoryType::AddTerritory(Territory* territory)
     }
 }
 
+void TerritoryType::InsertTerritory(int row, std::unique_ptr<Territory> territory)
+{
+    if (territory && !territory->parent() && !territory->model()) {
+        insertRow(qBound(0, row, rowCount()), territory.release());
+    }
+}
+
+std::unique_ptr<Territory> TerritoryType::TakeTerritory(Territory& territory)
+{
+    if (territory.GetType() != this) {
+        return nullptr;
+    }
+    takeRow(territory.row());
+    return std::unique_ptr<Territory>(&territory);
+}
+
 Territory* TerritoryType::GetTerritory(int id) const
 {
     const QVector<Territory*> territories = Territories();

@@ -7,6 +7,8 @@
 #include <QStandardItem>
 #include <QVector>
 
+#include <memory>
+
 class QXmlStreamWriter;
 class Territory;
 class TerritoryTypeList;
@@ -32,11 +34,17 @@ public:
     /// Tells the list that the totals may have changed.
     void TotalsChanged() const;
 
+    /// Appends a new territory.
     Territory* NewTerritory();
     /// Takes ownership of the territory, as the last row. Does nothing for null and for a territory
     /// that already belongs to an item or a model.
     void AddTerritory(Territory* territory);
-    /// Null if there is no such territory.
+    /// As AddTerritory, for another place than the end: the territory becomes that row, or the last
+    /// one.
+    void InsertTerritory(int row, std::unique_ptr<Territory> territory);
+    /// Takes the territory out of the type with its zones; null when it is not in it.
+    std::unique_ptr<Territory> TakeTerritory(Territory& territory);
+    /// Null when there is none.
     Territory* GetTerritory(int id) const;
     /// Destroys the territory and its zones. An unknown id is ignored.
     void RemoveTerritory(int id);

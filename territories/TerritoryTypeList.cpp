@@ -4,7 +4,6 @@
 #include "territories/Territory.h"
 #include "territories/TerritoryType.h"
 
-#include <QStandardItemModel>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
@@ -14,7 +13,7 @@
 
 TerritoryTypeList::TerritoryTypeList(QObject* parent)
     : QObject(parent)
-    , m_model(new QStandardItemModel)
+    , m_model(new RowModel)
 {
     connect(m_model, &QStandardItemModel::rowsInserted, this, &TerritoryTypeList::TotalsChanged);
     connect(m_model, &QStandardItemModel::rowsRemoved, this, &TerritoryTypeList::TotalsChanged);
@@ -55,14 +54,37 @@ TerritoryType* TerritoryTypeList::TypeById(int id) const
 
 bool TerritoryTypeList::AddType(TerritoryType* type)
 {
+    return Insert(m_model->rowCount(), type);
+}
+
+bool TerritoryTypeList::InsertType(int row, std::unique_ptr<TerritoryType> type)
+{
+    const bool isAdded = Insert(row, type.get());
+    if (isAdded) {
+        Q_UNUSED(type.release())
+    }
+    return isAdded;
+}
+
+bool TerritoryTypeList::Insert(int row, TerritoryType* type)
+{
     if (!type || type->parent() || (type->model() && type->model() != m_model)) {
         return false;
     }
     if (!type->model()) {
         type->m_list = this;
-        m_model->appendRow(type);
+        m_model->insertRow(qBound(0, row, m_model->rowCount()), type);
     }
     return true;
+}
+
+std::unique_ptr<TerritoryType> TerritoryTypeList::TakeType(TerritoryType& type)
+{
+    if (type.model() != m_model) {
+        return nullptr;
+    }
+    m_model->takeRow(type.row());
+    return std::unique_ptr<TerritoryType>(&type);
 }
 
 void TerritoryTypeList::Clear()

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "app/RowModel.h"
+
 #include <QObject>
 #include <QVector>
 
 #include <functional>
+#include <memory>
 
 class QGraphicsScene;
-class QStandardItemModel;
 class QXmlStreamReader;
 class QXmlStreamWriter;
 class TerritoryType;
@@ -22,7 +24,7 @@ public:
     ~TerritoryTypeList() override;
 
     /// For the views.
-    QStandardItemModel* model() const { return m_model; }
+    RowModel* model() const { return m_model; }
 
     bool IsEmpty() const { return Types().isEmpty(); }
     /// By ascending id; other rows are skipped.
@@ -33,6 +35,10 @@ public:
     /// Appends the type and takes ownership. Returns false and takes nothing for null and for a
     /// type that belongs to another model or item. Returns true if the type is already in the list.
     bool AddType(TerritoryType* type);
+    /// As AddType, for another place than the end: the type becomes that row, or the last one.
+    bool InsertType(int row, std::unique_ptr<TerritoryType> type);
+    /// Takes the type out of the list with its territories; null when it is not in it.
+    std::unique_ptr<TerritoryType> TakeType(TerritoryType& type);
     /// Destroys all types.
     void Clear();
     void UpdateVisibility();
@@ -57,6 +63,8 @@ public:
     bool ExportChecked() const;
 
 private:
-    QStandardItemModel* m_model;
+    bool Insert(int row, TerritoryType* type);
+
+    RowModel* m_model;
     std::function<void()> m_totalsCallback;
 };

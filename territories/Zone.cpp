@@ -13,8 +13,6 @@
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
-#include <array>
-
 namespace {
 
 constexpr int DepthStep = 23;
@@ -26,30 +24,8 @@ int Truncated(double value)
     return qIsNaN(value) ? 0 : static_cast<int>(qBound(-limit, value, limit));
 }
 
-/// The names of the fixed usages from Rest on; any other name is that of a dynamic event.
-constexpr std::array<const char*, 4> UsageNames = {"Rest", "Graze", "Water", "HuntingGround"};
-
-bool IsFixedUsage(int usage)
-{
-    return usage >= Zone::Rest && usage < Zone::DynamicEvent;
-}
-
-QLatin1String UsageName(int usage)
-{
-    return QLatin1String(UsageNames[static_cast<std::size_t>(usage - Zone::Rest)]);
-}
-
-int UsageOf(const QString& name)
-{
-    int usage = Zone::Rest;
-    while (IsFixedUsage(usage) && name != UsageName(usage)) {
-        ++usage;
-    }
-    return usage;
-}
-
-/// Draws the icon as wide as the zone's radius, but not wider than the icon itself. May leave the
-/// painter scaled.
+/// Icons are as wide as their zone's radius, up to their own width, and may leave the painter
+/// scaled.
 void DrawIcon(QPainter& painter, int usage, qreal radius)
 {
     const QPixmap icon = ZoneIcons::Icon(usage);
@@ -94,7 +70,7 @@ Zone::Zone(Territory* territory, QGraphicsItem* parent)
 {
     SetTerritory(territory);
     setData(Qt::UserRole, m_id);
-    setZValue(MinDepth);
+    SetDepth(MinDepth);
     setStartAngle(0);
     setFlags(ItemIsMovable | ItemIsSelectable | ItemSendsGeometryChanges);
 }
@@ -130,35 +106,48 @@ void Zone::SetColor(const QColor& color)
     update();
 }
 
-void Zone::SetRadius(float metres)
+ZoneValues Zone::Values() const
 {
-    SetSceneRadius(ProjectSettings::Instance().pixelsPerMetreX * metres);
+    ZoneValues values = m_values;
+    values.depth = Depth();
+    return values;
 }
 
-void Zone::SetSceneRadius(float radius)
+void Zone::SetValues(const ZoneValues& values)
 {
-    m_radius = radius;
-    const auto r = static_cast<qreal>(radius);
+    m_values.eventName = values.eventName;
+    m_values.counts = values.counts;
+    SetRadius(values.radius);
+    SetUsage(values.usage);
+    SetDepth(values.depth);
+    TotalsChanged();
+}
+
+void Zone::SetRadius(float metres)
+{
+    m_values.radius = metres;
+    m_radius = ProjectSettings::Instance().PixelsPerMetreX() * metres;
+    const auto r = static_cast<qreal>(m_radius);
     setRect(-r, -r, 2 * r, 2 * r);
 }
 
 void Zone::SetUsage(int usage)
 {
-    m_usage = usage;
+    m_values.usage = usage;
     update();
 }
 
 void Zone::SetCount(int& count, int value)
 {
     count = value;
+    TotalsChanged();
+}
+
+void Zone::TotalsChanged() const
+{
     if (m_holder) {
         m_holder->TotalsChanged();
     }
-}
-
-int Zone::Depth() const
-{
-    return Truncated(zValue());
 }
 
 void Zone::SetDepth(int depth)
@@ -166,70 +155,62 @@ void Zone::SetDepth(int depth)
     setZValue(qBound(MinDepth, depth, MaxDepth));
 }
 
-void Zone::BringToFront()
+int Zone::Depth() const
 {
-    SetDepth(Depth() + DepthStep);
+    return Truncated(zValue());
 }
 
-void Zone::SendToBack()
+int Zone::DepthInFront() const
 {
-    SetDepth(Depth() - DepthStep);
+    return qBound(MinDepth, Depth() + DepthStep, MaxDepth);
+}
+
+int Zone::DepthBehind() const
+{
+    return qBound(MinDepth, Depth() - DepthStep, MaxDepth);
 }
 
 Zone* Zone::Copy() const
 {
-    auto* copy = new Zone(m_territory, ProjectSettings::Instance().metresPerPixelX * m_radius);
-    copy->m_counts = m_counts;
-    copy->m_usage = m_usage;
-    copy->m_eventName = m_eventName;
+    auto* copy = new Zone(m_territory);
+    ZoneValues values = Values();
+    values.radius = ProjectSettings::Instance().MetresPerPixelX() * m_radius;
+    copy->SetValues(values);
     copy->setPos(scenePos());
-    copy->setZValue(zValue());
     return copy;
 }
 
 void Zone::Read(const QXmlStreamReader& xml)
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    const QString name = TextAttribute(xml, QLatin1String("name"));
-    m_counts.staticMin = IntAttribute(xml, QLatin1String("smin"), 0);
-    m_counts.staticMax = IntAttribute(xml, QLatin1String("smax"), 0);
-    m_counts.dynamicMin = IntAttribute(xml, QLatin1String("dmin"), 0);
-    m_counts.dynamicMax = IntAttribute(xml, QLatin1String("dmax"), 0);
-    m_usage = UsageOf(name);
-    if (m_usage == DynamicEvent) {
-        m_eventName = name;
-    }
+    ZoneValues values;
+    values.ReadXml(xml);
+    SetValues(values);
     const float x = FloatAttribute(xml, QLatin1String("x"), 0);
     const float z = FloatAttribute(xml, QLatin1String("z"), 0);
-    // Computed in single precision. z is measured from the map's bottom edge.
-    const float sceneX = settings.pixelsPerMetreX * x;
-    const float sceneY = static_cast<float>(settings.layerHeight) - settings.pixelsPerMetreZ * z;
+    // Single precision, and z counts from the map's bottom edge.
+    const float sceneX = settings.PixelsPerMetreX() * x;
+    const float sceneY =
+        static_cast<float>(settings.LayerHeight()) - settings.PixelsPerMetreZ() * z;
     setPos(static_cast<qreal>(sceneX), static_cast<qreal>(sceneY));
-    SetRadius(FloatAttribute(xml, QLatin1String("r"), 0));
-    SetDepth(IntAttribute(xml, QLatin1String("d"), 0));
-}
-
-QString Zone::Name() const
-{
-    return IsFixedUsage(m_usage) ? QString(UsageName(m_usage)) : m_eventName;
 }
 
 void Zone::Write(QXmlStreamWriter& xml, bool exportMode) const
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    const auto metresX = static_cast<double>(settings.metresPerPixelX);
-    const auto metresZ = static_cast<double>(settings.metresPerPixelZ);
+    const auto metresX = static_cast<double>(settings.MetresPerPixelX());
+    const auto metresZ = static_cast<double>(settings.MetresPerPixelZ());
     xml.writeEmptyElement(QStringLiteral("zone"));
-    WriteTextAttribute(xml, QLatin1String("name"), Name());
-    xml.writeAttribute(QStringLiteral("smin"), QString::number(m_counts.staticMin));
-    xml.writeAttribute(QStringLiteral("smax"), QString::number(m_counts.staticMax));
-    xml.writeAttribute(QStringLiteral("dmin"), QString::number(m_counts.dynamicMin));
-    xml.writeAttribute(QStringLiteral("dmax"), QString::number(m_counts.dynamicMax));
+    WriteTextAttribute(xml, QLatin1String("name"), m_values.Name());
+    xml.writeAttribute(QStringLiteral("smin"), QString::number(m_values.counts.staticMin));
+    xml.writeAttribute(QStringLiteral("smax"), QString::number(m_values.counts.staticMax));
+    xml.writeAttribute(QStringLiteral("dmin"), QString::number(m_values.counts.dynamicMin));
+    xml.writeAttribute(QStringLiteral("dmax"), QString::number(m_values.counts.dynamicMax));
     xml.writeAttribute(QStringLiteral("x"), MetresText(metresX * scenePos().x()));
     xml.writeAttribute(QStringLiteral("z"),
-                       MetresText(settings.worldHeight - metresZ * scenePos().y()));
+                       MetresText(settings.WorldHeight() - metresZ * scenePos().y()));
     xml.writeAttribute(QStringLiteral("r"),
-                       MetresText(static_cast<double>(settings.metresPerPixelX * m_radius)));
+                       MetresText(static_cast<double>(settings.MetresPerPixelX() * m_radius)));
     if (!exportMode) {
         xml.writeAttribute(QStringLiteral("d"), QString::number(Depth()));
     }
@@ -246,7 +227,7 @@ void Zone::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWid
     }
     const auto radius = static_cast<qreal>(m_radius);
     DrawZoneCircle(*painter, {radius, m_color, qBound(MinDepth, Depth(), MaxDepth)});
-    DrawIcon(*painter, m_usage, radius);
+    DrawIcon(*painter, m_values.usage, radius);
 }
 
 QVariant Zone::itemChange(GraphicsItemChange change, const QVariant& value)

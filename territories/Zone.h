@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/Tracked.h"
-#include "territories/SpawnCounts.h"
+#include "territories/ZoneValues.h"
 
 #include <QColor>
 #include <QGraphicsEllipseItem>
@@ -18,14 +18,12 @@ class Territory;
 class Zone : public QGraphicsEllipseItem
 {
 public:
-    enum Usage
-    {
-        Rest = 1,
-        Graze = 2,
-        Water = 3,
-        HuntingGround = 4,
-        DynamicEvent = 5,
-    };
+    using Usage = ZoneValues::Usage;
+    static constexpr Usage Rest = ZoneValues::Rest;
+    static constexpr Usage Graze = ZoneValues::Graze;
+    static constexpr Usage Water = ZoneValues::Water;
+    static constexpr Usage HuntingGround = ZoneValues::HuntingGround;
+    static constexpr Usage DynamicEvent = ZoneValues::DynamicEvent;
     enum
     {
         Type = UserType + 15,
@@ -53,25 +51,31 @@ public:
     const QColor& Color() const { return m_color; }
     /// Scene units, i.e. layer pixels.
     float Radius() const { return m_radius; }
-    const SpawnCounts& Counts() const { return m_counts; }
-    int GetUsage() const { return m_usage; }
-    const QString& EventName() const { return m_eventName; }
+    ZoneValues Values() const;
+    const SpawnCounts& Counts() const { return m_values.counts; }
+    int GetUsage() const { return m_values.usage; }
+    const QString& EventName() const { return m_values.eventName; }
 
     void SetTerritory(Territory* territory);
     /// The colour includes the alpha.
     void SetColor(const QColor& color);
+    /// Brings the depth into its range.
+    void SetValues(const ZoneValues& values);
     void SetRadius(float metres);
-    void SetStaticMin(int count) { SetCount(m_counts.staticMin, count); }
-    void SetStaticMax(int count) { SetCount(m_counts.staticMax, count); }
-    void SetDynamicMin(int count) { SetCount(m_counts.dynamicMin, count); }
-    void SetDynamicMax(int count) { SetCount(m_counts.dynamicMax, count); }
+    void SetStaticMin(int count) { SetCount(m_values.counts.staticMin, count); }
+    void SetStaticMax(int count) { SetCount(m_values.counts.staticMax, count); }
+    void SetDynamicMin(int count) { SetCount(m_values.counts.dynamicMin, count); }
+    void SetDynamicMax(int count) { SetCount(m_values.counts.dynamicMax, count); }
     void SetUsage(int usage);
-    /// Used for DynamicEvent only.
-    void SetEventName(const QString& name) { m_eventName = name; }
+    /// Meaningful for DynamicEvent only.
+    void SetEventName(const QString& name) { m_values.eventName = name; }
     /// The depth is a whole number from MinDepth to MaxDepth; it is the stacking order and the grey
-    /// level of the outline. Each step changes it by 23.
-    void BringToFront();
-    void SendToBack();
+    /// level of the outline.
+    void SetDepth(int depth);
+    int Depth() const;
+    /// The depth one step of 23 further to the front or to the back, within the range.
+    int DepthInFront() const;
+    int DepthBehind() const;
 
     /// A zone with the same GetTerritory(), values, place and depth, but an id of its own. No
     /// territory holds it and it is in no scene. The caller owns it.
@@ -94,18 +98,14 @@ private:
     friend class Territory;
 
     void SetCount(int& count, int value);
-    int Depth() const;
-    void SetDepth(int depth);
-    void SetSceneRadius(float radius);
-    QString Name() const;
+    void TotalsChanged() const;
 
     Lifetime m_lifetime;
     int m_id;
-    QString m_eventName;
     QColor m_color;
     Territory* m_territory = nullptr;
     Territory* m_holder = nullptr;
     float m_radius = 0;
-    SpawnCounts m_counts;
-    int m_usage = Rest;
+    /// Without the depth, which is the item's z value.
+    ZoneValues m_values;
 };

@@ -49,9 +49,9 @@ public:
     void Check(const ZoneData& zone, const QString& place)
     {
         m_place = place;
-        CheckCounts(zone.counts);
-        CheckRadius(zone.radius);
-        CheckName(zone.name);
+        CheckCounts(zone.values.counts);
+        CheckRadius(zone.values.radius);
+        CheckName(zone.values.Name());
         CheckPosition(zone);
     }
 

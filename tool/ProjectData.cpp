@@ -24,8 +24,8 @@ SpawnTotals TerritoryData::Totals() const
 {
     SpawnTotals totals;
     for (const ZoneData& zone : zones) {
-        totals += {zone.counts.staticMin, zone.counts.staticMax, zone.counts.dynamicMin,
-                   zone.counts.dynamicMax};
+        const SpawnCounts& counts = zone.values.counts;
+        totals += {counts.staticMin, counts.staticMax, counts.dynamicMin, counts.dynamicMax};
     }
     return totals;
 }
@@ -81,15 +81,9 @@ LayerData ReadLayer(const QXmlStreamReader& xml)
 ZoneData ReadZone(const QXmlStreamReader& xml)
 {
     ZoneData zone;
-    zone.name = TextAttribute(xml, QLatin1String("name"));
-    zone.counts.staticMin = IntAttribute(xml, QLatin1String("smin"), 0);
-    zone.counts.staticMax = IntAttribute(xml, QLatin1String("smax"), 0);
-    zone.counts.dynamicMin = IntAttribute(xml, QLatin1String("dmin"), 0);
-    zone.counts.dynamicMax = IntAttribute(xml, QLatin1String("dmax"), 0);
+    zone.values.ReadXml(xml);
     zone.x = FloatAttribute(xml, QLatin1String("x"), 0);
     zone.z = FloatAttribute(xml, QLatin1String("z"), 0);
-    zone.radius = FloatAttribute(xml, QLatin1String("r"), 0);
-    zone.depth = IntAttribute(xml, QLatin1String("d"), 0);
     return zone;
 }
 
@@ -135,11 +129,11 @@ QString DocumentError(QFile& file)
 void TakeSettings(ProjectData& project)
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    project.backgroundFile = settings.backgroundFile;
-    project.backgroundColor = settings.backgroundColor;
+    project.backgroundFile = settings.BackgroundFile();
+    project.backgroundColor = settings.BackgroundColor();
     project.layerSize = settings.LayerSize();
-    project.worldSize = {settings.worldWidth, settings.worldHeight};
-    project.flagTypes = settings.areaFlagTypes;
+    project.worldSize = {settings.WorldWidth(), settings.WorldHeight()};
+    project.flagTypes = settings.FlagTypes();
 }
 
 } // namespace
@@ -186,7 +180,7 @@ bool ReadProject(const QString& path, ProjectData& project)
         Console::PrintError(path, error);
         return false;
     }
-    ProjectSettings::Instance().areaFlagTypes = {};
+    ProjectSettings::Instance().SetFlagTypes({});
     ProjectReader reader(file);
     reader.Read({[](QXmlStreamReader&) {},
                  [&project](QXmlStreamReader& xml) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "layers/AreaFlagTypes.h"
-#include "territories/SpawnCounts.h"
+#include "territories/ZoneValues.h"
 
 #include <QColor>
 #include <QDir>
@@ -37,13 +37,10 @@ struct SpawnTotals
 
 struct ZoneData
 {
-    QString name;
-    SpawnCounts counts;
+    ZoneValues values;
     /// World metres.
     float x = 0;
     float z = 0;
-    float radius = 0;
-    int depth = 0;
 };
 
 struct TerritoryData

@@ -120,12 +120,14 @@ bool CompareLayer(const QString& place, const ProjectData& a, const LayerData& l
 /// All values of a zone as one text.
 QString ZoneKey(const ZoneData& zone)
 {
-    QStringList parts = {zone.name};
-    for (const float number : {zone.x, zone.z, zone.radius}) {
+    const ZoneValues& values = zone.values;
+    const SpawnCounts& counts = values.counts;
+    QStringList parts = {values.Name()};
+    for (const float number : {zone.x, zone.z, values.radius}) {
         parts.append(QString::number(static_cast<double>(number), 'g', 9));
     }
-    for (const int number : {zone.counts.staticMin, zone.counts.staticMax, zone.counts.dynamicMin,
-                             zone.counts.dynamicMax, zone.depth}) {
+    for (const int number :
+         {counts.staticMin, counts.staticMax, counts.dynamicMin, counts.dynamicMax, values.depth}) {
         parts.append(QString::number(number));
     }
     return parts.join(QLatin1Char('\n'));

@@ -2,6 +2,8 @@
 
 #include "app/Log.h"
 #include "app/Names.h"
+#include "document/Document.h"
+#include "document/edits/LayerEdits.h"
 #include "layers/CustomLayer.h"
 #include "layers/CustomLayerWorker.h"
 #include "layers/LayerList.h"
@@ -21,10 +23,11 @@ const QColor BadName(255, 192, 192);
 
 } // namespace
 
-DialogCustomLayer::DialogCustomLayer(LayerList* list, Layer* layerToModify, QWidget* parent)
+DialogCustomLayer::DialogCustomLayer(Document& document, Layer* layerToModify, QWidget* parent)
     : QDialog(parent, Qt::CustomizeWindowHint | Qt::WindowTitleHint)
     , m_ui(std::make_unique<Ui::DialogCustomLayer>())
-    , m_list(list)
+    , m_document(document)
+    , m_list(&document.Layers())
     , m_layerToModify(layerToModify && !layerToModify->Image().isNull() ? layerToModify : nullptr)
     , m_isModifying(m_layerToModify)
 {
@@ -295,24 +298,18 @@ void DialogCustomLayer::ConfirmDialog()
     emit LayerComputationRequested(m_list, m_runningCode, m_layerToModify);
 }
 
-std::unique_ptr<Layer> DialogCustomLayer::MakeLayer(const QString& name, const QImage& image)
-{
-    auto layer = std::make_unique<Layer>(0, 0, m_list, name, BuildCode());
-    layer->SetImage(image, Qt::white);
-    return layer;
-}
-
 void DialogCustomLayer::FinalizeLayerComputation(const QImage& image)
 {
     EnableControls(true);
     const QString name = m_ui->txtOutputName->text();
     if (!m_isModifying) {
-        std::unique_ptr<Layer> layer = MakeLayer(name, image);
-        Layer* created = layer.get();
-        m_createdLayer = m_list->AddLayer(std::move(layer)) ? created : nullptr;
+        if (!image.isNull()) {
+            m_document.Do(Edits::AddComputedLayer(*m_list, name, m_runningCode, image));
+            m_createdLayer = m_list->Layers().last();
+        }
     } else if (m_layerToModify && !image.isNull()) {
-        // Without a result the layer does not change at all, not even its name.
-        m_layerToModify->setText(name);
+        // Without a result the layer stays what it was, name included.
+        m_document.Do(Edits::ModifyLayer(*m_layerToModify, name, m_runningCode, image));
     }
     accept();
     if (image.isNull()) {

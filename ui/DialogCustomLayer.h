@@ -9,6 +9,7 @@
 
 #include <memory>
 
+class Document;
 class LayerList;
 class QComboBox;
 class QLabel;
@@ -26,8 +27,8 @@ class DialogCustomLayer : public QDialog
     Q_OBJECT
 
 public:
-    /// layerToModify: the layer to define anew. If it is null or has no image, a layer is added.
-    DialogCustomLayer(LayerList* list, Layer* layerToModify, QWidget* parent = nullptr);
+    /// layerToModify: the layer to be defined anew; null, or without an image, to add one.
+    DialogCustomLayer(Document& document, Layer* layerToModify, QWidget* parent = nullptr);
     ~DialogCustomLayer() override;
     Q_DISABLE_COPY(DialogCustomLayer)
 
@@ -70,9 +71,9 @@ private:
     void SelectLayer(QComboBox* combo, int id);
     void SetDarkText();
     bool IsNameFree(const QString& name) const;
-    std::unique_ptr<Layer> MakeLayer(const QString& name, const QImage& image);
 
     std::unique_ptr<Ui::DialogCustomLayer> m_ui;
+    Document& m_document;
     LayerList* m_list;
     Tracked<Layer> m_createdLayer;
     Tracked<Layer> m_layerToModify;

@@ -1,6 +1,8 @@
 #include "ui/DockLayerProps.h"
 
 #include "app/ProjectSettings.h"
+#include "document/Document.h"
+#include "document/edits/LayerEdits.h"
 #include "ui/widgets/ButtonColor.h"
 #include "ui_DockLayerProps.h"
 
@@ -35,21 +37,24 @@ void Check(const QList<QCheckBox*>& boxes, quint32 bits)
 
 } // namespace
 
-DockLayerProps::DockLayerProps(QWidget* parent)
+DockLayerProps::DockLayerProps(Document& document, QWidget* parent)
     : QDockWidget(parent)
+    , m_document(document)
     , m_ui(std::make_unique<Ui::DockLayerProps>())
 {
     m_ui->setupUi(this);
     setEnabled(false);
     connect(m_ui->gboLayerClrOp, &GroupBoxColor::ColorChanged, this, &DockLayerProps::UpdateColor);
     connect(m_ui->gboLayerClrOp, &GroupBoxColor::AlphaChanged, this, &DockLayerProps::UpdateAlpha);
+    connect(&document, &Document::LayerChanged, this, &DockLayerProps::Follow);
+    connect(&document, &Document::FlagTypesChanged, this, &DockLayerProps::Refresh);
 }
 
 DockLayerProps::~DockLayerProps() = default;
 
 void DockLayerProps::BuildFlagBoxes()
 {
-    const AreaFlagTypes& types = ProjectSettings::Instance().areaFlagTypes;
+    const AreaFlagTypes& types = ProjectSettings::Instance().FlagTypes();
     AddBoxes(types.usages, m_ui->gboLayerUsageFlags, m_ui->layoutAreaUsageFlags, m_usageBoxes);
     AddBoxes(types.values, m_ui->gboLayerValueFlags, m_ui->layoutAreaValueFlags, m_valueBoxes);
     OrderTabs();
@@ -112,20 +117,26 @@ void DockLayerProps::SetLayer(Layer* layer, bool announce)
     }
 }
 
+/// Undo changes what is shown here.
+void DockLayerProps::Follow(const Layer* layer)
+{
+    if (m_document.IsTravelling() && layer && layer == m_layer) {
+        SetLayer(m_layer, false);
+    }
+}
+
 void DockLayerProps::UpdateFlags()
 {
     if (Layer* layer = m_layer) {
-        layer->SetUsageFlags(CheckedBits(m_usageBoxes));
-        layer->SetValueFlags(CheckedBits(m_valueBoxes));
-        ProjectSettings::Instance().modified = true;
+        m_document.Do(
+            Edits::SetLayerFlags(*layer, CheckedBits(m_usageBoxes), CheckedBits(m_valueBoxes)));
     }
 }
 
 void DockLayerProps::UpdateColor(const QColor& color)
 {
     if (Layer* layer = m_layer) {
-        layer->SetColor(color);
-        ProjectSettings::Instance().modified = true;
+        m_document.Do(Edits::SetLayerColor(*layer, color));
         emit ColorChanged();
     }
 }
@@ -133,8 +144,7 @@ void DockLayerProps::UpdateColor(const QColor& color)
 void DockLayerProps::UpdateAlpha(int alpha, float opacity)
 {
     if (Layer* layer = m_layer) {
-        layer->SetOpacity(alpha);
-        ProjectSettings::Instance().modified = true;
+        m_document.Do(Edits::SetLayerOpacity(*layer, alpha));
         emit OpacityChanged(opacity);
     }
 }

@@ -9,6 +9,7 @@
 
 #include <memory>
 
+class Document;
 class QCheckBox;
 class QGridLayout;
 class QGroupBox;
@@ -24,7 +25,8 @@ class DockLayerProps : public QDockWidget
     Q_OBJECT
 
 public:
-    explicit DockLayerProps(QWidget* parent = nullptr);
+    /// document: the project; it outlives the dock.
+    explicit DockLayerProps(Document& document, QWidget* parent = nullptr);
     ~DockLayerProps() override;
     Q_DISABLE_COPY(DockLayerProps)
 
@@ -48,6 +50,9 @@ private:
     void UpdateColor(const QColor& color);
     void UpdateAlpha(int alpha, float opacity);
 
+    void Follow(const Layer* layer);
+
+    Document& m_document;
     std::unique_ptr<Ui::DockLayerProps> m_ui;
     QList<QCheckBox*> m_usageBoxes;
     QList<QCheckBox*> m_valueBoxes;

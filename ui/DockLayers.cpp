@@ -2,6 +2,8 @@
 
 #include "app/Log.h"
 #include "app/ProjectSettings.h"
+#include "document/Document.h"
+#include "document/edits/LayerEdits.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "ui/DialogCustomLayer.h"
@@ -9,17 +11,17 @@
 #include "ui_DockLayers.h"
 
 #include <QMenu>
-#include <QStandardItemModel>
+#include <QScopedValueRollback>
 
-DockLayers::DockLayers(DockLayerProps* props, QWidget* parent)
+DockLayers::DockLayers(Document& document, DockLayerProps* props, QWidget* parent)
     : QDockWidget(parent)
+    , m_document(document)
     , m_ui(std::make_unique<Ui::DockLayers>())
     , m_props(props)
-    , m_list(std::make_unique<LayerList>())
 {
     m_ui->setupUi(this);
     TreeViewLayers* tree = m_ui->treeLayers;
-    tree->SetList(m_list.get());
+    tree->SetList(List());
     tree->setSelectionMode(QAbstractItemView::SingleSelection);
     tree->setDragEnabled(true);
     tree->setAcceptDrops(true);
@@ -31,10 +33,8 @@ DockLayers::DockLayers(DockLayerProps* props, QWidget* parent)
 
 DockLayers::~DockLayers()
 {
-    // The list is destroyed before the tree. Its rows are then removed one by one, and their
-    // signals must not arrive here.
     m_ui->treeLayers->selectionModel()->disconnect(this);
-    m_list->model()->disconnect(this);
+    List()->model()->disconnect(this);
 }
 
 void DockLayers::Connect()
@@ -48,21 +48,22 @@ void DockLayers::Connect()
     connect(m_ui->treeLayers, &QWidget::customContextMenuRequested, this, &DockLayers::ContextMenu);
     connect(m_ui->treeLayers->selectionModel(), &QItemSelectionModel::currentChanged, this,
             &DockLayers::Selection);
-    connect(m_ui->treeLayers, &TreeViewLayers::Moved, this, &DockLayers::FollowMove);
-    connect(m_list.get(), &LayerList::ItemChanged, this, &DockLayers::Checked);
-    const QStandardItemModel* model = m_list->model();
+    connect(m_ui->treeLayers, &TreeViewLayers::Moved, this, &DockLayers::MoveTo);
+    connect(List(), &LayerList::ItemChanged, this, &DockLayers::Checked);
+    const RowModel* model = List()->model();
     connect(model, &QAbstractItemModel::rowsInserted, this, &DockLayers::UpdateHideAll);
     connect(model, &QAbstractItemModel::rowsRemoved, this, &DockLayers::UpdateHideAll);
     connect(model, &QAbstractItemModel::modelReset, this, &DockLayers::UpdateHideAll);
-    connect(model, &QAbstractItemModel::dataChanged, this,
-            [this](const QModelIndex&, const QModelIndex&, const QVector<int>& roles) {
-                FollowRename(roles);
-            });
+}
+
+LayerList* DockLayers::List() const
+{
+    return &m_document.Layers();
 }
 
 bool DockLayers::HasLayers() const
 {
-    return !m_list->IsEmpty();
+    return !List()->IsEmpty();
 }
 
 void DockLayers::UpdateHideAll()
@@ -72,7 +73,7 @@ void DockLayers::UpdateHideAll()
 
 Layer* DockLayers::SelectRow(int row)
 {
-    Layer* layer = m_list->LayerAt(row);
+    Layer* layer = List()->LayerAt(row);
     if (layer) {
         SelectItem(layer);
     }
@@ -88,41 +89,24 @@ void DockLayers::SelectItem(QStandardItem* item)
 
 bool DockLayers::SaveMap(const QString& path)
 {
-    const bool isSaved = m_list->SaveMap(path);
+    const bool isSaved = List()->SaveMap(path);
     if (!isSaved) {
         LogError(QStringLiteral("Failed to save binary map to file '%1'.").arg(path));
     }
     return isSaved;
 }
 
-bool DockLayers::ReadXml(QXmlStreamReader& xml)
-{
-    return m_list->ReadXml(xml);
-}
-
-int DockLayers::WriteXml(QXmlStreamWriter& xml)
-{
-    return m_list->WriteXml(xml);
-}
-
-void DockLayers::Clear()
-{
-    m_list->Clear();
-    m_props->SetLayer(nullptr, false);
-}
-
 Layer* DockLayers::CurrentLayer() const
 {
     const QModelIndex current = m_ui->treeLayers->currentIndex();
-    return current.isValid() ? m_list->LayerById(current.data(Qt::UserRole).toInt()) : nullptr;
+    return current.isValid() ? List()->LayerById(current.data(Qt::UserRole).toInt()) : nullptr;
 }
 
 void DockLayers::AddCustom(bool /*checked*/)
 {
-    DialogCustomLayer dialog(m_list.get(), nullptr, this);
+    DialogCustomLayer dialog(m_document, nullptr, this);
     if (dialog.exec() == QDialog::Accepted && dialog.CreatedLayer()) {
         UpdateHideAll();
-        ProjectSettings::Instance().modified = true;
         emit Added(dialog.CreatedLayer());
     }
 }
@@ -134,31 +118,25 @@ void DockLayers::AddPainted(bool /*checked*/)
         LogError(QStringLiteral("There is no layer size or no memory for a new layer."));
         return;
     }
-    auto layer = std::make_unique<Layer>(0, 0, m_list.get());
-    layer->SetImage(image, Qt::white);
-    Layer* added = layer.get();
-    if (m_list->AddLayer(std::move(layer))) {
-        UpdateHideAll();
-        ProjectSettings::Instance().modified = true;
-        emit Added(added);
-    }
+    m_document.Do(Edits::AddPaintedLayer(*List(), image));
+    UpdateHideAll();
+    emit Added(List()->Layers().last());
 }
 
 void DockLayers::HideAll(bool /*checked*/)
 {
     m_ui->treeLayers->selectionModel()->clear();
-    m_list->HideAll();
-    ProjectSettings::Instance().modified = true;
+    m_document.Do(Edits::HideAllLayers(*List()));
     emit AllHidden();
 }
 
 void DockLayers::Selection(const QModelIndex& current, const QModelIndex& /*previous*/)
 {
-    if (m_ui->treeLayers->IsMoving()) {
+    if (m_isMoving) {
         return;
     }
     Layer* layer =
-        current.isValid() ? m_list->LayerById(current.data(Qt::UserRole).toInt()) : nullptr;
+        current.isValid() ? List()->LayerById(current.data(Qt::UserRole).toInt()) : nullptr;
     m_props->SetLayer(layer, false);
     if (layer) {
         emit Selected(layer);
@@ -182,18 +160,10 @@ void DockLayers::Modify(bool /*checked*/)
     if (!layer) {
         return;
     }
-    const QString oldName = layer->text();
-    const quint64 oldRevision = layer->PictureRevision();
-    DialogCustomLayer(m_list.get(), layer, this).exec();
-    if (!layer) {
-        return;
+    DialogCustomLayer(m_document, layer, this).exec();
+    if (layer) {
+        emit Modified(layer);
     }
-    // The dialog is accepted even if it could not compute the layer. The layer has not changed
-    // then.
-    if (layer->text() != oldName || layer->PictureRevision() != oldRevision) {
-        ProjectSettings::Instance().modified = true;
-    }
-    emit Modified(layer);
 }
 
 void DockLayers::Rename(bool /*checked*/)
@@ -206,27 +176,23 @@ void DockLayers::Rename(bool /*checked*/)
 
 void DockLayers::Remove(bool /*checked*/)
 {
-    const Layer* layer = CurrentLayer();
+    Layer* layer = CurrentLayer();
     if (!layer) {
         return;
     }
     const int id = layer->Id();
-    m_list->RemoveLayer(id);
+    m_document.Do(Edits::RemoveLayer(*layer));
     UpdateHideAll();
-    ProjectSettings::Instance().modified = true;
     emit Removed(id);
 }
 
-void DockLayers::FollowRename(const QVector<int>& roles)
+void DockLayers::MoveTo(Layer* layer, int row)
 {
-    if (roles.contains(Qt::EditRole)) {
-        ProjectSettings::Instance().modified = true;
+    {
+        const QScopedValueRollback<bool> moving(m_isMoving, true);
+        m_document.Do(Edits::MoveLayer(*layer, row));
+        SelectItem(layer);
     }
-}
-
-void DockLayers::FollowMove(Layer* layer)
-{
-    ProjectSettings::Instance().modified = true;
     m_props->SetLayer(layer, false);
     emit Selected(layer);
     emit Reordered();

@@ -5,29 +5,28 @@
 #include <memory>
 
 class DockLayerProps;
+class Document;
 class Layer;
 class LayerList;
 class QStandardItem;
-class QXmlStreamReader;
-class QXmlStreamWriter;
 
 namespace Ui {
 class DockLayers;
 }
 
 /// The dock that lists the project's layers: adds, renames, modifies, removes, hides and reorders
-/// them. It owns the list.
+/// them.
 class DockLayers : public QDockWidget
 {
     Q_OBJECT
 
 public:
-    /// props shows the selected layer and outlives the dock.
-    explicit DockLayers(DockLayerProps* props, QWidget* parent = nullptr);
+    /// The project, and the dock that shows the selected layer, outlive this dock.
+    DockLayers(Document& document, DockLayerProps* props, QWidget* parent = nullptr);
     ~DockLayers() override;
     Q_DISABLE_COPY(DockLayers)
 
-    LayerList* List() const { return m_list.get(); }
+    LayerList* List() const;
     bool HasLayers() const;
     /// Enables "hide all" if there is a layer, and disables it otherwise.
     void UpdateHideAll();
@@ -36,9 +35,6 @@ public:
     void SelectItem(QStandardItem* item);
     /// Logs an error if it fails.
     bool SaveMap(const QString& path);
-    bool ReadXml(QXmlStreamReader& xml);
-    int WriteXml(QXmlStreamWriter& xml);
-    void Clear();
 
 signals:
     void Added(Layer* layer);
@@ -66,10 +62,11 @@ public slots:
 private:
     void Connect();
     Layer* CurrentLayer() const;
-    void FollowRename(const QVector<int>& roles);
-    void FollowMove(Layer* layer);
+    void MoveTo(Layer* layer, int row);
 
+    Document& m_document;
     std::unique_ptr<Ui::DockLayers> m_ui;
     DockLayerProps* m_props;
-    std::unique_ptr<LayerList> m_list;
+    /// The row of a layer is changing.
+    bool m_isMoving = false;
 };

@@ -1,6 +1,8 @@
 #include "ui/DockTerTypeProps.h"
 
 #include "app/ProjectSettings.h"
+#include "document/Document.h"
+#include "document/edits/TerritoryEdits.h"
 #include "territories/Territory.h"
 #include "territories/TerritoryType.h"
 #include "territories/Zone.h"
@@ -18,7 +20,7 @@ constexpr float LargestRadius = 32768.0F;
 
 float RadiusMetres(const Zone& zone)
 {
-    return ProjectSettings::Instance().metresPerPixelX * zone.Radius();
+    return ProjectSettings::Instance().MetresPerPixelX() * zone.Radius();
 }
 
 /// The name as a title. Ampersands are doubled, because a single one would mark a shortcut.
@@ -29,8 +31,9 @@ QString TitleText(QString name)
 
 } // namespace
 
-DockTerTypeProps::DockTerTypeProps(QWidget* parent)
+DockTerTypeProps::DockTerTypeProps(Document& document, QWidget* parent)
     : QDockWidget(parent)
+    , m_document(document)
     , m_ui(std::make_unique<Ui::DockTerTypeProps>())
 {
     m_ui->setupUi(this);
@@ -75,6 +78,8 @@ void DockTerTypeProps::Connect()
     connect(m_ui->txtDynEvent, &QLineEdit::textEdited, this, &DockTerTypeProps::UpdateEvent);
     connect(m_ui->btnToFront, &QToolButton::clicked, this, &DockTerTypeProps::ToFront);
     connect(m_ui->btnToBack, &QToolButton::clicked, this, &DockTerTypeProps::ToBack);
+    connect(&m_document, &Document::ZonesChanged, this, &DockTerTypeProps::FollowZones);
+    connect(&m_document, &Document::TerritoryChanged, this, &DockTerTypeProps::FollowTerritory);
     connect(&m_totalsTimer, &QTimer::timeout, this, &DockTerTypeProps::RefreshTotals);
 }
 
@@ -156,7 +161,7 @@ void DockTerTypeProps::ShowZone(Zone* zone)
     ShowCounts();
     ShowUsage();
     if (zone) {
-        TakeTemplate();
+        m_document.SetZoneTemplate(zone->Values());
     }
 }
 
@@ -208,131 +213,121 @@ void DockTerTypeProps::ShowUsage()
     }
 }
 
-void DockTerTypeProps::TakeTemplate()
+/// Undo changes what is shown here.
+void DockTerTypeProps::FollowZones()
 {
-    const Zone* zone = m_zone;
-    m_template = Template{RadiusMetres(*zone), zone->Counts(), zone->GetUsage(), zone->EventName(),
-                          zone->zValue()};
-}
-
-void DockTerTypeProps::ApplyToNewZone(Zone* zone)
-{
-    if (!zone || !m_template) {
-        return;
+    if (m_document.IsTravelling()) {
+        ShowZone(m_zone);
     }
-    zone->SetRadius(m_template->radiusMetres);
-    if (const Territory* territory = m_territory) {
-        zone->SetColor(territory->Color());
+}
+
+void DockTerTypeProps::FollowTerritory(const Territory* territory)
+{
+    if (m_document.IsTravelling() && territory == m_territory) {
+        ShowTerritory(m_territory);
+        emit Changed(QRectF());
     }
-    zone->SetStaticMin(m_template->counts.staticMin);
-    zone->SetStaticMax(m_template->counts.staticMax);
-    zone->SetDynamicMin(m_template->counts.dynamicMin);
-    zone->SetDynamicMax(m_template->counts.dynamicMax);
-    zone->SetUsage(m_template->usage);
-    zone->SetEventName(m_template->eventName);
-    zone->setZValue(m_template->depth);
-    RefreshTotals();
 }
 
-void DockTerTypeProps::ForgetTemplate()
+void DockTerTypeProps::EditZone(const ZoneValues& values, Property property)
 {
-    m_template.reset();
-}
-
-void DockTerTypeProps::ZoneEdited()
-{
-    ProjectSettings::Instance().modified = true;
-    TakeTemplate();
+    m_document.Do(Edits::ChangeZone(*m_zone, values, property));
+    m_document.SetZoneTemplate(m_zone->Values());
 }
 
 void DockTerTypeProps::UpdateSize(const QString& text)
 {
     bool isNumber = false;
     const float metres = text.toFloat(&isNumber);
-    Zone* zone = m_zone;
+    const Zone* zone = m_zone;
     if (zone && isNumber && metres >= SmallestRadius && metres <= LargestRadius) {
-        zone->SetRadius(metres);
-        ZoneEdited();
+        ZoneValues values = zone->Values();
+        values.radius = metres;
+        EditZone(values, Property::ZoneRadius);
     }
 }
 
 void DockTerTypeProps::UpdateColor(const QColor& color)
 {
     if (Territory* territory = m_territory) {
-        territory->SetColor(color);
-        ProjectSettings::Instance().modified = true;
+        m_document.Do(Edits::SetTerritoryColor(*territory, color));
     }
 }
 
 void DockTerTypeProps::UpdateOpacity(int alpha)
 {
     if (Territory* territory = m_territory) {
-        territory->SetAlpha(alpha);
-        ProjectSettings::Instance().modified = true;
+        m_document.Do(Edits::SetTerritoryOpacity(*territory, alpha));
         emit Changed(QRectF());
+    }
+}
+
+void DockTerTypeProps::UpdateCount(int count, int SpawnCounts::*value, Property property)
+{
+    if (const Zone* zone = m_zone) {
+        ZoneValues values = zone->Values();
+        values.counts.*value = count;
+        EditZone(values, property);
+        RefreshTotals();
     }
 }
 
 void DockTerTypeProps::UpdateStaticMin(int count)
 {
-    if (Zone* zone = m_zone) {
-        zone->SetStaticMin(count);
-        ZoneEdited();
-        RefreshTotals();
-    }
+    UpdateCount(count, &SpawnCounts::staticMin, Property::ZoneStaticMin);
 }
 
 void DockTerTypeProps::UpdateStaticMax(int count)
 {
-    if (Zone* zone = m_zone) {
-        zone->SetStaticMax(std::max(count, zone->Counts().staticMin));
-        ZoneEdited();
-        RefreshTotals();
+    if (const Zone* zone = m_zone) {
+        UpdateCount(std::max(count, zone->Counts().staticMin), &SpawnCounts::staticMax,
+                    Property::ZoneStaticMax);
     }
 }
 
 void DockTerTypeProps::UpdateDynMin(int count)
 {
-    if (Zone* zone = m_zone) {
-        zone->SetDynamicMin(count);
-        ZoneEdited();
-        RefreshTotals();
-    }
+    UpdateCount(count, &SpawnCounts::dynamicMin, Property::ZoneDynamicMin);
 }
 
 void DockTerTypeProps::UpdateDynMax(int count)
 {
-    if (Zone* zone = m_zone) {
-        zone->SetDynamicMax(std::max(count, zone->Counts().dynamicMin));
-        ZoneEdited();
-        RefreshTotals();
+    if (const Zone* zone = m_zone) {
+        UpdateCount(std::max(count, zone->Counts().dynamicMin), &SpawnCounts::dynamicMax,
+                    Property::ZoneDynamicMax);
     }
+}
+
+void DockTerTypeProps::UpdateDepth(int depth)
+{
+    ZoneValues values = m_zone->Values();
+    values.depth = depth;
+    EditZone(values, Property::ZoneDepth);
 }
 
 void DockTerTypeProps::ToFront()
 {
-    if (Zone* zone = m_zone) {
-        zone->BringToFront();
-        ZoneEdited();
+    if (const Zone* zone = m_zone) {
+        UpdateDepth(zone->DepthInFront());
     }
 }
 
 void DockTerTypeProps::ToBack()
 {
-    if (Zone* zone = m_zone) {
-        zone->SendToBack();
-        ZoneEdited();
+    if (const Zone* zone = m_zone) {
+        UpdateDepth(zone->DepthBehind());
     }
 }
 
 void DockTerTypeProps::UpdateUsage(int id)
 {
-    Zone* zone = m_zone;
+    const Zone* zone = m_zone;
     if (!zone) {
         return;
     }
-    zone->SetUsage(id);
-    ZoneEdited();
+    ZoneValues values = zone->Values();
+    values.usage = id;
+    EditZone(values, Property::ZoneUsage);
     if (id == 0) {
         return;
     }
@@ -347,9 +342,10 @@ void DockTerTypeProps::UpdateUsage(int id)
 
 void DockTerTypeProps::UpdateEvent(const QString& text)
 {
-    Zone* zone = m_zone;
+    const Zone* zone = m_zone;
     if (zone && zone->GetUsage() == Zone::DynamicEvent && zone->EventName() != text) {
-        zone->SetEventName(text);
-        ZoneEdited();
+        ZoneValues values = zone->Values();
+        values.eventName = text;
+        EditZone(values, Property::ZoneEvent);
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Tracked.h"
+#include "document/edits/ChangeValue.h"
 #include "territories/SpawnCounts.h"
 
 #include <QDockWidget>
@@ -8,25 +9,27 @@
 #include <QTimer>
 
 #include <memory>
-#include <optional>
 
+class Document;
 class QSpinBox;
 class Territory;
 class TerritoryType;
 class Zone;
+struct ZoneValues;
 
 namespace Ui {
 class DockTerTypeProps;
 }
 
 /// The dock that shows the totals and the colour of the current territory or type, and in which the
-/// user edits the selected zone. New zones get the values of the zone that was shown last.
+/// user edits the selected zone. The zone shown last gives new zones their values.
 class DockTerTypeProps : public QDockWidget
 {
     Q_OBJECT
 
 public:
-    explicit DockTerTypeProps(QWidget* parent = nullptr);
+    /// document: the project; it outlives the dock.
+    explicit DockTerTypeProps(Document& document, QWidget* parent = nullptr);
     ~DockTerTypeProps() override;
     Q_DISABLE_COPY(DockTerTypeProps)
 
@@ -40,14 +43,6 @@ public:
     void RefreshTotals();
     /// Schedules RefreshTotals for the next turn of the event loop. Several calls cause only one.
     void RefreshTotalsLater();
-
-    /// Gives the zone the values of the zone that was shown last, including its last edit in this
-    /// dock, and the colour of the shown territory. Does nothing if no zone has been shown since
-    /// ForgetTemplate.
-    void ApplyToNewZone(Zone* zone);
-    /// Forgets these values, for a new project: new zones then keep their defaults until a zone is
-    /// shown.
-    void ForgetTemplate();
 
 public slots:
     /// In metres. A text that is not a number from 50 to 32768 changes nothing.
@@ -73,31 +68,24 @@ signals:
     void Changed(const QRectF& area);
 
 private:
-    /// The values that a new zone gets.
-    struct Template
-    {
-        float radiusMetres;
-        SpawnCounts counts;
-        int usage;
-        QString eventName;
-        qreal depth;
-    };
-
     void Connect();
     void ShowNothing();
     void ShowTotals(const SpawnCounts& totals);
     void ShowSize();
     void ShowCounts();
     void ShowUsage();
-    /// Must be called after each edit of the zone.
-    void ZoneEdited();
-    void TakeTemplate();
+    /// Gives the shown zone the values.
+    void EditZone(const ZoneValues& values, Property property);
+    void UpdateCount(int count, int SpawnCounts::*value, Property property);
+    void UpdateDepth(int depth);
+    void FollowZones();
+    void FollowTerritory(const Territory* territory);
 
+    Document& m_document;
     std::unique_ptr<Ui::DockTerTypeProps> m_ui;
     /// At most one of these is not null.
     Tracked<Territory> m_territory;
     Tracked<TerritoryType> m_type;
     Tracked<Zone> m_zone;
-    std::optional<Template> m_template;
     QTimer m_totalsTimer;
 };

@@ -1,19 +1,20 @@
 #include "ui/DockTerTypes.h"
 
 #include "app/Log.h"
-#include "app/ProjectSettings.h"
 #include "canvas/MainScene.h"
+#include "document/Document.h"
+#include "document/edits/TerritoryEdits.h"
 #include "territories/Territory.h"
 #include "territories/TerritoryType.h"
 #include "ui/DockTerTypeProps.h"
 #include "ui_DockTerTypes.h"
 
 #include <QMenu>
-#include <QScopedValueRollback>
-#include <QStandardItemModel>
 
-DockTerTypes::DockTerTypes(MainScene* scene, DockTerTypeProps* props, QWidget* parent)
+DockTerTypes::DockTerTypes(Document& document, MainScene* scene, DockTerTypeProps* props,
+                           QWidget* parent)
     : QDockWidget(parent)
+    , m_document(document)
     , m_ui(std::make_unique<Ui::DockTerTypes>())
     , m_scene(scene)
     , m_props(props)
@@ -22,7 +23,7 @@ DockTerTypes::DockTerTypes(MainScene* scene, DockTerTypeProps* props, QWidget* p
     auto* menu = new QMenu(m_ui->btnAdd);
     menu->addAction(m_ui->actionAdd);
     m_ui->btnAdd->setMenu(menu);
-    m_ui->treeTerTypes->setModel(m_list.model());
+    m_ui->treeTerTypes->setModel(List()->model());
     ConnectModel();
     ConnectControls();
     ShowNoRow();
@@ -30,24 +31,22 @@ DockTerTypes::DockTerTypes(MainScene* scene, DockTerTypeProps* props, QWidget* p
 
 DockTerTypes::~DockTerTypes()
 {
-    m_list.SetTotalsCallback(nullptr);
-    m_list.model()->disconnect(this);
+    List()->SetTotalsCallback(nullptr);
+    List()->model()->disconnect(this);
     m_ui->treeTerTypes->selectionModel()->disconnect(this);
-    // Destroying selected zones changes the scene's selection, whose signal may call this dock.
-    m_list.Clear();
 }
 
 void DockTerTypes::ConnectModel()
 {
-    m_list.SetTotalsCallback([this] {
+    List()->SetTotalsCallback([this] {
         if (m_props) {
             m_props->RefreshTotalsLater();
         }
     });
-    connect(m_list.model(), &QStandardItemModel::dataChanged, this,
+    connect(List()->model(), &QStandardItemModel::dataChanged, this,
             [this](const QModelIndex& first, const QModelIndex& /*last*/,
                    const QVector<int>& roles) { DataChanged(first, roles); });
-    connect(m_list.model(), &QStandardItemModel::rowsAboutToBeRemoved, this,
+    connect(List()->model(), &QStandardItemModel::rowsAboutToBeRemoved, this,
             &DockTerTypes::RowsAboutToBeRemoved);
     connect(m_ui->treeTerTypes->selectionModel(), &QItemSelectionModel::currentChanged, this,
             &DockTerTypes::Selection);
@@ -78,43 +77,39 @@ void DockTerTypes::ConnectControls()
 
 TerritoryType* DockTerTypes::TypeAt(const QModelIndex& index) const
 {
-    return dynamic_cast<TerritoryType*>(m_list.model()->itemFromIndex(index));
+    return dynamic_cast<TerritoryType*>(List()->model()->itemFromIndex(index));
 }
 
 Territory* DockTerTypes::TerritoryAt(const QModelIndex& index) const
 {
-    return dynamic_cast<Territory*>(m_list.model()->itemFromIndex(index));
+    return dynamic_cast<Territory*>(List()->model()->itemFromIndex(index));
 }
 
-void DockTerTypes::Clear()
+TerritoryTypeList* DockTerTypes::List() const
 {
-    ClearSelection();
-    if (m_props) {
-        m_props->ForgetTemplate();
-    }
-    m_list.Clear();
+    return &m_document.Types();
 }
 
-bool DockTerTypes::Read(QXmlStreamReader& xml)
+void DockTerTypes::ExpandAll()
 {
-    const bool isRead = m_list.Read(xml, m_scene);
     m_ui->treeTerTypes->expandAll();
-    return isRead;
 }
 
-void DockTerTypes::Write(QXmlStreamWriter& xml) const
+void DockTerTypes::SelectRow(const QStandardItem* row)
 {
-    m_list.Write(xml);
+    if (row && row->model() == List()->model()) {
+        m_ui->treeTerTypes->setCurrentIndex(row->index());
+    }
 }
 
 bool DockTerTypes::ExportAll() const
 {
-    return m_list.ExportAll();
+    return List()->ExportAll();
 }
 
 bool DockTerTypes::ExportChecked() const
 {
-    return m_list.ExportChecked();
+    return List()->ExportChecked();
 }
 
 void DockTerTypes::ShowMode(SceneMode mode)
@@ -140,11 +135,11 @@ void DockTerTypes::SetSelectionControlsEnabled(bool isEnabled)
 
 void DockTerTypes::Selection(const QModelIndex& current, const QModelIndex& previous)
 {
-    m_territory = nullptr;
+    m_document.SetCurrentTerritory(nullptr);
     if (m_scene) {
         m_scene->clearSelection();
     }
-    m_list.UpdateVisibility();
+    List()->UpdateVisibility();
     m_ui->btnToggleQueryTer->setEnabled(true);
     if (Territory* left = TerritoryAt(previous)) {
         left->SetZonesEditable(false);
@@ -160,7 +155,7 @@ void DockTerTypes::Selection(const QModelIndex& current, const QModelIndex& prev
 
 void DockTerTypes::ShowTerritoryRow(Territory* territory)
 {
-    m_territory = territory;
+    m_document.SetCurrentTerritory(territory);
     m_ui->actionAdd->setEnabled(false);
     m_ui->btnToggleZoneSelect->setEnabled(true);
     m_ui->btnToggleZoneInsert->setEnabled(true);
@@ -210,10 +205,10 @@ void DockTerTypes::Leave(QPushButton* button, ModeSignal changed)
 void DockTerTypes::DataChanged(const QModelIndex& index, const QVector<int>& roles)
 {
     if (roles.contains(Qt::CheckStateRole)) {
-        ProjectSettings::Instance().modified = true;
-        Changed(m_list.model()->itemFromIndex(index));
+        m_document.NoteChange();
+        Changed(List()->model()->itemFromIndex(index));
     } else if (roles.contains(Qt::DisplayRole)) {
-        ProjectSettings::Instance().modified = true;
+        m_document.NoteChange();
         ShowName(index);
     }
 }
@@ -232,16 +227,8 @@ void DockTerTypes::ShowName(const QModelIndex& renamed)
 
 void DockTerTypes::Changed(QStandardItem* item)
 {
-    if (m_isApplyingCheckMark || !item) {
-        return;
-    }
-    const bool isChecked = item->checkState() == Qt::Checked;
-    if (auto* type = dynamic_cast<TerritoryType*>(item)) {
-        // SetVisible also changes the territories' check marks. Ignore these changes.
-        const QScopedValueRollback<bool> guard(m_isApplyingCheckMark, true);
-        type->SetVisible(isChecked, m_territory);
-    } else if (auto* territory = dynamic_cast<Territory*>(item)) {
-        territory->SetVisible(isChecked || territory == m_territory);
+    if (item) {
+        m_document.FollowCheckMark(*item);
     }
 }
 
@@ -278,7 +265,7 @@ void DockTerTypes::ContextMenu(const QPoint& pos)
 
 void DockTerTypes::Select(Territory* territory)
 {
-    if (!territory || territory->model() != m_list.model()) {
+    if (!territory || territory->model() != List()->model()) {
         return;
     }
     const QModelIndex index = territory->index();
@@ -292,20 +279,15 @@ void DockTerTypes::Select(Territory* territory)
 
 void DockTerTypes::AddTerritoryType()
 {
-    auto type = std::make_unique<TerritoryType>();
-    if (m_list.AddType(type.get())) {
-        Q_UNUSED(type.release())
-        ProjectSettings::Instance().modified = true;
-    }
+    m_document.Do(Edits::AddType(*List(), std::make_unique<TerritoryType>()));
 }
 
 void DockTerTypes::AddTerritory()
 {
     const QModelIndex index = m_ui->treeTerTypes->currentIndex();
     if (TerritoryType* type = TypeAt(index)) {
-        type->NewTerritory();
+        m_document.Do(Edits::AddTerritory(*type, std::make_unique<Territory>()));
         m_ui->treeTerTypes->expand(index);
-        ProjectSettings::Instance().modified = true;
     }
 }
 
@@ -323,13 +305,11 @@ void DockTerTypes::Remove()
     if (!index.isValid()) {
         return;
     }
-    // Removing the current row makes one of its neighbours current.
-    if (const Territory* territory = TerritoryAt(index)) {
-        territory->GetType()->RemoveTerritory(territory->Id());
-    } else {
-        m_list.model()->removeRow(index.row());
+    if (Territory* territory = TerritoryAt(index)) {
+        m_document.Do(Edits::RemoveTerritory(*territory));
+    } else if (TerritoryType* type = TypeAt(index)) {
+        m_document.Do(Edits::RemoveType(*type));
     }
-    ProjectSettings::Instance().modified = true;
 }
 
 void DockTerTypes::Export()
@@ -373,14 +353,13 @@ void DockTerTypes::SetMode(QPushButton* button, ModeSignal changed, bool isOn)
 
 void DockTerTypes::CopySelection()
 {
-    const Territory* source = m_territory;
-    if (!source || !m_scene || m_scene->selectedItems().isEmpty()) {
+    Territory* source = m_document.CurrentTerritory();
+    const QVector<Zone*> zones = m_scene ? m_scene->SelectedZones() : QVector<Zone*>();
+    if (!source || zones.isEmpty()) {
         return;
     }
-    Territory* copy = source->GetType()->NewTerritory();
-    copy->SetRgba(source->Color().rgba());
-    copy->AddCopiesOfSelection(*m_scene);
+    const TerritoryType* type = source->GetType();
+    m_document.Do(Edits::CopyToNewTerritory(*source, zones));
     m_scene->clearSelection();
-    m_ui->treeTerTypes->setCurrentIndex(copy->index());
-    ProjectSettings::Instance().modified = true;
+    SelectRow(type->child(type->rowCount() - 1));
 }

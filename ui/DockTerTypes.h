@@ -11,11 +11,10 @@
 #include <memory>
 
 class DockTerTypeProps;
+class Document;
 class MainScene;
 class QPushButton;
 class QStandardItem;
-class QXmlStreamReader;
-class QXmlStreamWriter;
 class Territory;
 class TerritoryType;
 
@@ -24,29 +23,26 @@ class DockTerTypes;
 }
 
 /// The dock with the tree of territory types and territories, and with the buttons of the zone
-/// modes. It owns the project's territory types. The zones of the current row's territory can be
-/// edited.
+/// modes. The current row's territory is the one whose zones
+/// are edited.
 class DockTerTypes : public QDockWidget
 {
     Q_OBJECT
 
 public:
-    /// The scene shows the zones, and props shows the current row. The dock does not own them, and
-    /// they may be destroyed first.
-    DockTerTypes(MainScene* scene, DockTerTypeProps* props, QWidget* parent = nullptr);
+    /// The project outlives the dock. The scene, on which the zones are shown, and the dock that
+    /// shows the current row belong to others and may die first.
+    DockTerTypes(Document& document, MainScene* scene, DockTerTypeProps* props,
+                 QWidget* parent = nullptr);
     ~DockTerTypes() override;
     Q_DISABLE_COPY(DockTerTypes)
 
-    /// Lives as long as the dock.
-    TerritoryTypeList* List() { return &m_list; }
-
-    /// Destroys all types. Before that it clears the current row and the selection, and forgets the
-    /// values for new zones.
-    void Clear();
-    /// Like TerritoryTypeList::Read, with the scene. Expands the tree.
-    bool Read(QXmlStreamReader& xml);
-    void Write(QXmlStreamWriter& xml) const;
-    /// See TerritoryTypeList.
+    TerritoryTypeList* List() const;
+    /// Shows all rows.
+    void ExpandAll();
+    /// Makes the row the current one; nothing for null.
+    void SelectRow(const QStandardItem* row);
+    /// As in TerritoryTypeList.
     bool ExportAll() const;
     bool ExportChecked() const;
 
@@ -108,11 +104,8 @@ private:
     TerritoryType* TypeAt(const QModelIndex& index) const;
     Territory* TerritoryAt(const QModelIndex& index) const;
 
-    TerritoryTypeList m_list;
+    Document& m_document;
     std::unique_ptr<Ui::DockTerTypes> m_ui;
     QPointer<MainScene> m_scene;
     QPointer<DockTerTypeProps> m_props;
-    /// The territory of the current row.
-    Tracked<Territory> m_territory;
-    bool m_isApplyingCheckMark = false;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 class BrushDock;
+class Document;
 class DockLayerProps;
 class DockLayers;
 class DockStatus;
@@ -18,6 +19,7 @@ class QuillmapWindowClass;
 /// all of them.
 struct EditorParts
 {
+    Document& document;
     QuillmapWindow& window;
     Ui::QuillmapWindowClass& form;
     MainView& view;

@@ -49,11 +49,11 @@ QString AskForFile(QWidget* parent, FilePurpose purpose)
                        QCoreApplication::translate("FileDialogs", texts.filter));
     dialog.setWindowIcon(QIcon(QLatin1String(texts.icon)));
     dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setDirectory(settings.projectDir);
+    dialog.setDirectory(settings.Dir());
     if (purpose == FilePurpose::SaveProject) {
         dialog.setAcceptMode(QFileDialog::AcceptSave);
         dialog.setDefaultSuffix(QStringLiteral("xml"));
-        dialog.selectFile(settings.projectFileName);
+        dialog.selectFile(settings.FileName());
     } else {
         dialog.setFileMode(QFileDialog::ExistingFile);
     }

@@ -2,33 +2,53 @@
 
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
-#include "layers/LayerList.h"
 
-#include <QStandardItemModel>
-
-LayerComposition::LayerComposition(const LayerList& layers, MainView& view)
-    : m_layers(layers)
+LayerComposition::LayerComposition(Document& document, MainView& view)
+    : m_document(document)
     , m_view(view)
 {
-    connect(layers.model(), &QAbstractItemModel::rowsAboutToBeRemoved, this,
+    const RowModel* model = document.Layers().model();
+    connect(model, &QAbstractItemModel::rowsAboutToBeRemoved, this,
             [this](const QModelIndex&, int first, int last) { ForgetRows(first, last); });
-    connect(layers.model(), &QAbstractItemModel::rowsRemoved, this,
-            &LayerComposition::ForgetPictures);
+    connect(model, &QAbstractItemModel::rowsRemoved, this, &LayerComposition::ForgetPictures);
+    connect(&document, &Document::PixelsAboutToChange, this,
+            [this](Layer* layer) { m_view.Scene()->ReleasePixels(*layer); });
+    connect(&document, &Document::LayerChanged, this, &LayerComposition::Follow);
+}
+
+/// What users do with their hands is on the map already, or their slots see to it. Undo is not.
+void LayerComposition::Follow(Layer* layer, Document::LayerAspect aspect, const QRect& rect)
+{
+    MainScene& scene = *m_view.Scene();
+    const bool isCurrent = layer == m_document.CurrentLayer();
+    switch (aspect) {
+    case Document::LayerAspect::Pixels:
+        if (!isCurrent) {
+            Recompose();
+        } else if (scene.CurrentLayer() != layer) {
+            scene.ReloadPixels(*layer);
+            scene.ShowPainted(rect);
+        }
+        break;
+    case Document::LayerAspect::Flags:
+    case Document::LayerAspect::Name:
+        break;
+    default:
+        if (m_document.IsTravelling()) {
+            Recompose();
+        }
+    }
 }
 
 void LayerComposition::ForgetRows(int first, int last)
 {
     for (int row = first; row <= last; ++row) {
-        Layer* layer = m_layers.LayerAt(row);
-        if (!layer) {
-            continue;
-        }
-        m_visible.remove(layer->Id());
-        if (m_view.Scene()->CurrentLayer() == layer) {
+        Layer* layer = m_document.Layers().LayerAt(row);
+        if (layer && m_view.Scene()->CurrentLayer() == layer) {
             m_view.Scene()->ChangeLayer(nullptr);
         }
-        if (m_current == layer) {
-            m_current = nullptr;
+        if (layer && m_document.CurrentLayer() == layer) {
+            m_document.SetCurrentLayer(nullptr);
         }
     }
 }
@@ -36,43 +56,28 @@ void LayerComposition::ForgetRows(int first, int last)
 /// Removes the picture of the last layer, because an empty list is never composed.
 void LayerComposition::ForgetPictures()
 {
-    if (m_layers.IsEmpty()) {
+    if (m_document.Layers().IsEmpty()) {
         m_view.Scene()->ClearCurrent();
         m_view.Scene()->ClearLayers();
     }
 }
 
-void LayerComposition::Follow(Layer* layer)
-{
-    if (layer->IsVisible()) {
-        m_visible.insert(layer->Id(), layer);
-    } else {
-        m_visible.remove(layer->Id());
-    }
-}
-
-void LayerComposition::Fill()
-{
-    m_visible.clear();
-    m_layers.VisibleLayers(m_visible);
-}
-
 void LayerComposition::Recompose()
 {
-    if (m_layers.IsEmpty()) {
+    if (m_document.Layers().IsEmpty()) {
         return;
     }
     MainScene& scene = *m_view.Scene();
-    const Layer* current = m_current;
+    Layer* current = m_document.CurrentLayer();
     if (current) {
-        scene.ChangeLayer(m_current);
+        scene.ChangeLayer(current);
     } else {
         scene.ClearCurrent();
     }
     scene.ClearLayers();
-    const QVector<Layer*> layers = m_layers.Layers();
+    const QVector<Layer*> layers = m_document.Layers().Layers();
     for (Layer* layer : layers) {
-        if (layer != current && m_visible.contains(layer->Id())) {
+        if (layer != current && layer->IsVisible()) {
             scene.AddLayer(layer);
         }
     }

@@ -9,6 +9,9 @@
 #include "canvas/BrushDock.h"
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
+#include "document/Document.h"
+#include "document/edits/BackgroundEdits.h"
+#include "document/edits/LayerEdits.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "territories/TerritoryTypeList.h"
@@ -31,7 +34,7 @@
 
 namespace {
 
-ProjectSettings& Settings()
+const ProjectSettings& Settings()
 {
     return ProjectSettings::Instance();
 }
@@ -46,7 +49,7 @@ QString Question(const QString& consequence, const QString& action)
 bool MayDiscard(const EditorParts& parts, const QString& title, const QString& action)
 {
     parts.scene.LoseMouse();
-    return !Settings().modified ||
+    return !Settings().IsModified() ||
            AskYesNo(&parts.window, title,
                     Question(QStringLiteral(
                                  "This action will remove all current data. All unsaved work will "
@@ -54,16 +57,7 @@ bool MayDiscard(const EditorParts& parts, const QString& title, const QString& a
                              action));
 }
 
-/// The project has no name until it is saved.
-void MoveUnsavedTo(const QDir& folder)
-{
-    ProjectSettings& settings = Settings();
-    settings.projectFileName.clear();
-    settings.projectName.clear();
-    settings.projectDir = folder;
-}
-
-/// Opening a pipe would wait for a writer, perhaps forever.
+/// Opening a pipe would wait for a writer, maybe for ever.
 bool OpenRegular(QFile& file)
 {
     return QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly | QIODevice::Text);
@@ -84,12 +78,18 @@ public:
         : m_actions(actions)
         , m_workBefore(actions.m_work)
     {
-        m_actions.m_work = work;
+        Begin(work);
     }
-    ~Busy() { m_actions.m_work = m_workBefore; }
+    ~Busy() { Begin(m_workBefore); }
     Q_DISABLE_COPY(Busy)
 
 private:
+    void Begin(Work work)
+    {
+        m_actions.m_work = work;
+        m_actions.m_parts.document.SetFilesBusy(work != Work::None);
+    }
+
     ProjectActions& m_actions;
     Work m_workBefore;
     InputBlock m_inputBlock;
@@ -119,13 +119,10 @@ void ProjectActions::Create(const DialogNewProject& dialog)
 {
     const Busy loading(*this, Work::Loading);
     EmptyLists();
-    MoveUnsavedTo(QFileInfo(dialog.ProjectPath()).absoluteDir());
-    Settings().areaFlagTypes = {};
-    Settings().backgroundFile.clear();
-    Settings().backgroundColor = QColor::fromRgba(ProjectSettings::DefaultBackground);
+    m_parts.document.Begin({dialog.LayerSize(), dialog.LayerSize()},
+                           {dialog.WorldSize(), dialog.WorldSize()},
+                           QFileInfo(dialog.ProjectPath()).absoluteDir());
     m_parts.scene.ClearWorld();
-    Settings().SetSizes(dialog.LayerSize(), dialog.LayerSize(), dialog.WorldSize(),
-                        dialog.WorldSize());
     if (!dialog.BackgroundPath().isEmpty()) {
         LoadWorldImageFile(dialog.BackgroundPath());
     }
@@ -134,7 +131,7 @@ void ProjectActions::Create(const DialogNewProject& dialog)
     }
     const bool isSaved = SaveTo(dialog.ProjectPath());
     Finalize(true, -1);
-    Settings().modified = !isSaved;
+    m_parts.document.BeginHistory(isSaved);
 }
 
 bool ProjectActions::StartWith(const QString& configPath)
@@ -158,8 +155,7 @@ bool ProjectActions::AskForProject()
         return false;
     }
     const QFileInfo file(path);
-    Settings().projectFileName = file.fileName();
-    Settings().projectDir = file.absoluteDir();
+    m_parts.document.SetPlace(file.absoluteDir(), file.fileName());
     return true;
 }
 
@@ -168,45 +164,32 @@ bool ProjectActions::Load()
     if (IsBusy()) {
         return false;
     }
-    const QString oldName = Settings().projectFileName;
-    const QDir oldDir = Settings().projectDir;
-    m_composition.Clear();
+    const QString oldName = Settings().FileName();
+    const QDir oldDir = Settings().Dir();
     if (!AskForProject()) {
-        m_composition.Fill();
         return false;
     }
     const Busy loading(*this, Work::Loading);
     QFile file(Settings().ProjectFilePath());
     if (!OpenRegular(file)) {
-        const QString name = Settings().projectFileName;
-        Settings().projectFileName = oldName;
-        Settings().projectDir = oldDir;
-        m_composition.Fill();
+        const QString name = Settings().FileName();
+        m_parts.document.SetPlace(oldDir, oldName);
         LogNotRead(name);
         return false;
     }
-    Settings().projectName = QFileInfo(file).baseName();
-    m_parts.window.SetTitle(Settings().projectName);
+    m_parts.document.SetName(QFileInfo(file).baseName());
+    m_parts.window.SetTitle(Settings().Name());
     return ReadFrom(file);
 }
 
 bool ProjectActions::ReadFrom(QFile& file)
 {
-    const bool wasModified = Settings().modified;
-    const Brush brushBefore = *m_parts.brush.GetBrush();
     BeginReplacing();
     ProjectReader reader(file);
     m_reader = &reader;
-    const bool isRead =
-        !m_isStopped &&
-        reader.Read({[this](QXmlStreamReader& xml) { m_parts.brush.GetBrush()->ReadXml(xml); },
-                     [this](QXmlStreamReader& xml) { return m_parts.layers.ReadXml(xml); },
-                     [this](QXmlStreamReader& xml) { return m_parts.terTypes.Read(xml); }});
+    const bool isRead = !m_isStopped && m_parts.document.Read(reader);
     m_reader = nullptr;
-    if (!isRead) {
-        Settings().modified = wasModified;
-        *m_parts.brush.GetBrush() = brushBefore;
-    }
+    m_parts.terTypes.ExpandAll();
     Finalize(isRead, isRead ? reader.SelectedRow() : -1);
     return isRead;
 }
@@ -230,12 +213,9 @@ void ProjectActions::EmptyLists()
     m_modes.Reset();
     m_parts.terTypes.ShowMode(SceneMode::None);
     m_parts.terTypes.ClearSelection();
-    m_composition.SetCurrent(nullptr);
     m_parts.scene.ChangeLayer(nullptr);
-    m_parts.layers.Clear();
-    m_parts.terTypes.Clear();
-    m_parts.terTypeProps.ForgetTemplate();
-    m_composition.Clear();
+    m_parts.document.Clear();
+    m_parts.layerProps.SetLayer(nullptr, false);
     m_parts.scene.ClearLayers();
 }
 
@@ -261,35 +241,44 @@ void ProjectActions::Finalize(bool isSuccessful, int selected)
 void ProjectActions::ShowWorld()
 {
     MainScene& scene = m_parts.scene;
-    m_parts.view.SetSceneSize(Settings().layerWidth, Settings().layerHeight);
-    scene.ClearWorld();
+    m_parts.view.SetSceneSize(Settings().LayerWidth(), Settings().LayerHeight());
     scene.ClearLayers();
-    if (!Settings().backgroundFile.isEmpty()) {
-        scene.ChangeWorld(Settings().BackgroundPath());
-    }
-    scene.ChangeWorldRGBA(Settings().backgroundColor);
-    // The user has not edited the colour, so its signals must not set the project modified.
-    const QSignalBlocker blocker(m_parts.form.gboBgOver);
-    m_parts.form.gboBgOver->SetColor(Settings().backgroundColor);
+    ShowBackground();
+    ShowBackgroundColor();
     m_parts.window.UpdateWorldScale();
+}
+
+void ProjectActions::ShowBackground()
+{
+    m_parts.scene.ClearWorld();
+    if (!Settings().BackgroundFile().isEmpty()) {
+        m_parts.scene.ChangeWorld(Settings().BackgroundPath());
+    }
+}
+
+void ProjectActions::ShowBackgroundColor()
+{
+    m_parts.scene.ChangeWorldRGBA(Settings().BackgroundColor());
+    // It is no edit of the user's.
+    const QSignalBlocker blocker(m_parts.form.gboBgOver);
+    m_parts.form.gboBgOver->SetColor(Settings().BackgroundColor());
 }
 
 void ProjectActions::ShowProject(int selected)
 {
     if (Layer* layer = m_parts.layers.SelectRow(selected)) {
         m_parts.brush.SetPaintColor(layer->Color().rgb());
-        m_composition.SetCurrent(layer);
+        m_parts.document.SetCurrentLayer(layer);
         m_modes.EnablePaint(true);
     } else {
-        m_composition.SetCurrent(nullptr);
+        m_parts.document.SetCurrentLayer(nullptr);
         m_modes.EnablePaint(false);
     }
     m_parts.brush.Refresh();
     m_modes.Reset();
-    m_composition.Fill();
     m_parts.layers.UpdateHideAll();
     m_composition.Recompose();
-    Settings().modified = false;
+    m_parts.document.BeginHistory(true);
 }
 
 void ProjectActions::EnableEditing(bool isEnabled)
@@ -305,6 +294,7 @@ void ProjectActions::EnableEditing(bool isEnabled)
         widget->setEnabled(isEnabled);
     }
     m_parts.view.setInteractive(isEnabled);
+    m_parts.document.SetEditable(isEnabled);
     if (!isEnabled) {
         // Selecting a layer enables the dock again.
         m_parts.layerProps.setEnabled(false);
@@ -328,17 +318,19 @@ bool ProjectActions::Save()
 bool ProjectActions::SaveTo(const QString& path)
 {
     const Busy saving(*this, Work::Saving);
-    Layer* current = m_composition.Current();
-    ProjectParts parts{
-        current ? current->row() : -1,
-        [this](QXmlStreamWriter& xml) { m_parts.brush.GetBrush()->WriteXml(xml); },
-        [this] {
-            m_parts.window.SetTitle(Settings().projectName);
-            LogInfo(QStringLiteral("Saving project '%1'...").arg(Settings().projectName));
-        },
-        *m_parts.layers.List(), *m_parts.terTypes.List()};
+    const Layer* current = m_parts.document.CurrentLayer();
+    ProjectParts parts{current ? current->row() : -1,
+                       [this](QXmlStreamWriter& xml) { m_parts.document.GetBrush().WriteXml(xml); },
+                       [this] {
+                           m_parts.window.SetTitle(Settings().Name());
+                           LogInfo(QStringLiteral("Saving project '%1'...").arg(Settings().Name()));
+                       },
+                       m_parts.document.Layers(), m_parts.document.Types()};
     const bool isSaved = SaveProjectTo(path, parts);
-    m_parts.window.SetTitle(Settings().projectName);
+    m_parts.window.SetTitle(Settings().Name());
+    if (isSaved && !Settings().IsModified()) {
+        m_parts.document.SetSaved();
+    }
     return isSaved;
 }
 
@@ -380,20 +372,19 @@ void ProjectActions::LoadWorldImage()
     }
     const QString path = AskForFile(&m_parts.window, FilePurpose::BackgroundPicture);
     if (!path.isEmpty()) {
-        LoadWorldImageFile(path);
-        Settings().modified = true;
+        LoadWorldImageFile(path, true);
     }
 }
 
-void ProjectActions::LoadWorldImageFile(const QString& path)
+void ProjectActions::LoadWorldImageFile(const QString& path, bool setsModified)
 {
-    Settings().backgroundFile = BackgroundFileFrom(Settings().projectDir, path);
+    m_parts.document.Do(Edits::SetBackgroundPicture(path, setsModified));
     m_parts.scene.ChangeWorld(Settings().BackgroundPath());
 }
 
 void ProjectActions::ImportAreaTypes()
 {
-    const AreaFlagTypes& types = Settings().areaFlagTypes;
+    const AreaFlagTypes& types = Settings().FlagTypes();
     const bool hasTypes = !types.usages.isEmpty() || !types.values.isEmpty();
     const QString title = QStringLiteral("Import area flag types");
     if (IsBusy() ||
@@ -418,12 +409,11 @@ bool ProjectActions::LoadAreaTypesFile(const QString& path)
         LogNotRead(QFileInfo(path).absoluteFilePath());
         return false;
     }
-    if (Settings().areaFlagTypes.ReadFile(path)) {
-        m_parts.layers.List()->ResetFlags();
-    }
-    // Even a malformed file has set the types before its fault.
+    AreaFlagTypes types = Settings().FlagTypes();
+    const bool isWhole = types.ReadFile(path);
+    // Of a malformed file the types before the fault are taken over, and flags are kept.
+    m_parts.document.Do(Edits::ImportFlagTypes(m_parts.document.Layers(), types, isWhole));
     m_parts.layerProps.Refresh();
-    Settings().modified = true;
     return true;
 }
 
@@ -432,18 +422,15 @@ void ProjectActions::ImportAreaMap()
     if (IsBusy()) {
         return;
     }
-    m_composition.Clear();
     const QString title = QStringLiteral("Import area map");
     const bool isWanted = MayDiscard(m_parts, title, QStringLiteral("continue"));
     const QString path = isWanted ? AskForFile(&m_parts.window, FilePurpose::AreaMap) : QString();
     if (path.isEmpty()) {
-        m_composition.Fill();
         return;
     }
     const Busy loading(*this, Work::Loading);
     QFile file(path);
     if (!OpenRegular(file)) {
-        m_composition.Fill();
         LogNotRead(path);
         return;
     }
@@ -454,27 +441,18 @@ void ProjectActions::ImportAreaMap()
 
 void ProjectActions::ReadMap(QFile& file)
 {
-    Settings().projectName = QFileInfo(file).baseName();
-    m_parts.window.SetTitle(Settings().projectName);
+    m_parts.document.SetName(QFileInfo(file).baseName());
+    m_parts.window.SetTitle(Settings().Name());
     BeginReplacing();
-    const ProjectSettings& settings = Settings();
-    const QSize layerSize(settings.layerWidth, settings.layerHeight);
-    const QSize worldSize(settings.worldWidth, settings.worldHeight);
-    const bool isRead = !m_isStopped && m_parts.layers.List()->ImportMap(file);
-    if (isRead) {
-        Settings().SetSizes(settings.layerWidth, settings.layerHeight, settings.worldWidth,
-                            settings.worldHeight);
-    } else {
-        // A file that is not a map must not change the sizes.
-        Settings().SetSizes(layerSize.width(), layerSize.height(), worldSize.width(),
-                            worldSize.height());
-    }
+    const bool isRead = !m_isStopped && m_parts.document.ReadMap(file);
     if (!isRead && !m_isStopped) {
         LogError(QStringLiteral("Reading map file failed."));
     }
     Finalize(isRead, -1);
-    // The new layers are not saved yet.
-    Settings().modified = Settings().modified || isRead;
+    if (isRead) {
+        // The layers exist nowhere else yet.
+        m_parts.document.BeginHistory(false);
+    }
 }
 
 void ProjectActions::StopLoading()

@@ -7,6 +7,7 @@
 #include <functional>
 
 class DialogNewProject;
+class Document;
 class InteractionModes;
 class LayerComposition;
 class ProjectReader;
@@ -32,7 +33,7 @@ public:
     void ExportTypes(bool checkedOnly);
 
     void LoadWorldImage();
-    void LoadWorldImageFile(const QString& path);
+    void LoadWorldImageFile(const QString& path, bool setsModified = false);
     void ImportAreaTypes();
     bool LoadAreaTypesFile(const QString& path);
     void ImportAreaMap();
@@ -48,6 +49,10 @@ public:
     bool IsSaving() const { return m_work == Work::Saving; }
     /// Ends a running load early, because the window was closed.
     void StopLoading();
+
+    /// Shows the project's picture, or none.
+    void ShowBackground();
+    void ShowBackgroundColor();
 
 private:
     enum class Work

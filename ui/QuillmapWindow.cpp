@@ -5,16 +5,20 @@
 #include "canvas/BrushDock.h"
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
+#include "document/Document.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "territories/Zone.h"
 #include "territories/ZoneIcons.h"
+#include "ui/DockHistory.h"
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
 #include "ui/DockStatus.h"
 #include "ui/DockTerTypeProps.h"
 #include "ui/DockTerTypes.h"
+#include "ui/EditActions.h"
 #include "ui/FileDialogs.h"
+#include "ui/Gestures.h"
 #include "ui/InteractionModes.h"
 #include "ui/LayerComposition.h"
 #include "ui/ProjectActions.h"
@@ -54,8 +58,10 @@ QList<QWidget*> TabStops(QWidget& within)
 QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     : QMainWindow(parent)
     , m_ui(std::make_unique<Ui::QuillmapWindowClass>())
+    , m_document(std::make_unique<Document>())
 {
     m_ui->setupUi(this);
+    m_ui->paintView->SetDocument(*m_document);
     for (QWidget* widget : std::initializer_list<QWidget*>{
              m_ui->gboPaintMode, m_ui->lblZoom, m_ui->lblZoomValue, m_ui->gboWorldScale,
              m_ui->gboWorldRSteps, m_ui->gboWorldPos, m_ui->gboBgOver}) {
@@ -64,17 +70,20 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     ZoneIcons::Load();
     AddDocks();
     const EditorParts parts{
-        *this,       *m_ui,          *m_ui->paintView, *m_ui->paintView->Scene(),
-        *m_brush,    *m_layers,      *m_layerProps,    *m_status,
-        *m_terTypes, *m_terTypeProps};
-    m_composition = std::make_unique<LayerComposition>(*m_layers->List(), *m_ui->paintView);
+        *m_document,    *this,     *m_ui,         *m_ui->paintView, *m_ui->paintView->Scene(),
+        *m_brush,       *m_layers, *m_layerProps, *m_status,        *m_terTypes,
+        *m_terTypeProps};
+    m_composition = std::make_unique<LayerComposition>(*m_document, *m_ui->paintView);
     m_modes = std::make_unique<InteractionModes>(parts);
     m_project = std::make_unique<ProjectActions>(parts, *m_composition, *m_modes);
+    m_edit = std::make_unique<EditActions>(parts);
+    m_gestures = std::make_unique<Gestures>(*m_document);
     ConnectLog();
     ConnectActions();
     ConnectLayers();
     ConnectTerritories();
     ConnectMap();
+    ConnectDocument();
     m_ui->paintView->Scene()->ChangeWorldVisibility(true);
     m_status->SetProgressVisible(false);
     SetTitle(QString());
@@ -90,8 +99,8 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     WindowState::MaximizeIfTooLarge(*this);
     m_ui->paintView->SetBrushDock(m_brush.get());
     const ProjectSettings& settings = ProjectSettings::Instance();
-    if (settings.layerWidth > 0) {
-        m_ui->paintView->SetRulerUnits(settings.layerWidth, settings.layerHeight);
+    if (settings.LayerWidth() > 0) {
+        m_ui->paintView->SetRulerUnits(settings.LayerWidth(), settings.LayerHeight());
     }
 }
 
@@ -106,19 +115,22 @@ QuillmapWindow::~QuillmapWindow()
 
 void QuillmapWindow::AddDocks()
 {
-    m_brush = std::make_unique<BrushDock>(this);
-    m_layerProps = std::make_unique<DockLayerProps>(this);
-    m_layers = std::make_unique<DockLayers>(m_layerProps.get(), this);
+    m_brush = std::make_unique<BrushDock>(m_document->GetBrush(), this);
+    m_layerProps = std::make_unique<DockLayerProps>(*m_document, this);
+    m_layers = std::make_unique<DockLayers>(*m_document, m_layerProps.get(), this);
     m_status = std::make_unique<DockStatus>(this);
-    m_terTypeProps = std::make_unique<DockTerTypeProps>(this);
-    m_terTypes =
-        std::make_unique<DockTerTypes>(m_ui->paintView->Scene(), m_terTypeProps.get(), this);
+    m_terTypeProps = std::make_unique<DockTerTypeProps>(*m_document, this);
+    m_terTypes = std::make_unique<DockTerTypes>(*m_document, m_ui->paintView->Scene(),
+                                                m_terTypeProps.get(), this);
+    m_history = std::make_unique<DockHistory>(*m_document, this);
     addDockWidget(Qt::LeftDockWidgetArea, m_layers.get());
     addDockWidget(Qt::LeftDockWidgetArea, m_layerProps.get());
     addDockWidget(Qt::BottomDockWidgetArea, m_status.get());
     addDockWidget(Qt::RightDockWidgetArea, m_terTypes.get());
     addDockWidget(Qt::RightDockWidgetArea, m_terTypeProps.get());
     addDockWidget(Qt::RightDockWidgetArea, m_brush.get());
+    addDockWidget(Qt::RightDockWidgetArea, m_history.get());
+    m_history->hide();
     m_terTypes->hide();
     m_terTypeProps->hide();
     m_brush->hide();
@@ -246,18 +258,18 @@ void QuillmapWindow::ShowStatus(bool checked)
 
 void QuillmapWindow::LayerChecked(Layer* layer)
 {
-    m_composition->Follow(layer);
+    Q_UNUSED(layer)
     m_composition->Recompose();
-    ProjectSettings::Instance().modified = true;
+    m_document->NoteChange();
 }
 
 void QuillmapWindow::LayerSelected(Layer* layer)
 {
-    if (layer != m_composition->Current()) {
+    if (layer != m_document->CurrentLayer()) {
         m_brush->SetPaintColor(layer->Color().rgb());
-        m_composition->SetCurrent(layer);
+        m_document->SetCurrentLayer(layer);
         m_composition->Recompose();
-        ProjectSettings::Instance().modified = true;
+        m_document->NoteChange();
     }
     m_modes->EnablePaint(true);
     m_modes->EnableZoomLabels();
@@ -265,17 +277,14 @@ void QuillmapWindow::LayerSelected(Layer* layer)
 
 void QuillmapWindow::LayersHidden()
 {
-    m_composition->Clear();
-    m_composition->SetCurrent(nullptr);
-    m_modes->LeavePaint();
-    m_modes->EnablePaint(false);
+    m_document->SetCurrentLayer(nullptr);
+    LeavePaintWithoutLayer();
     m_composition->Recompose();
-    ProjectSettings::Instance().modified = true;
 }
 
 void QuillmapWindow::LayerModified(Layer* layer)
 {
-    if (layer == m_composition->Current()) {
+    if (layer == m_document->CurrentLayer()) {
         m_layerProps->SetLayer(layer, false);
     }
     m_composition->Recompose();
@@ -283,16 +292,20 @@ void QuillmapWindow::LayerModified(Layer* layer)
 
 void QuillmapWindow::LayerRemoved()
 {
-    if (!m_composition->Current()) {
+    LeavePaintWithoutLayer();
+    m_composition->Recompose();
+}
+
+void QuillmapWindow::LeavePaintWithoutLayer()
+{
+    if (!m_document->CurrentLayer()) {
         m_modes->LeavePaint();
         m_modes->EnablePaint(false);
     }
-    m_composition->Recompose();
 }
 
 void QuillmapWindow::RecomposeChanged()
 {
-    m_composition->Fill();
     m_composition->Recompose();
 }
 
@@ -300,13 +313,11 @@ void QuillmapWindow::UpdateLayerColor(const QColor& color)
 {
     m_composition->Recompose();
     m_brush->SetPaintColor(color.rgb());
-    ProjectSettings::Instance().modified = true;
 }
 
 void QuillmapWindow::UpdateLayerOpacity(float opacity)
 {
     m_ui->paintView->Scene()->ChangeLayerAlpha(opacity);
-    ProjectSettings::Instance().modified = true;
 }
 
 void QuillmapWindow::TogglePaintMode(bool isOn)
@@ -344,18 +355,18 @@ void QuillmapWindow::SetZoomLevel(float zoom)
 void QuillmapWindow::UpdateWorldScale()
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    m_ui->lblWorldScaleX->setText(StatusTexts::Scale(AxisX, settings.metresPerPixelX));
-    m_ui->lblWorldScaleZ->setText(StatusTexts::Scale(AxisZ, settings.metresPerPixelZ));
-    m_ui->lblWorldRStepX->setText(StatusTexts::RulerStep(AxisX, settings.metresPerPixelX));
-    m_ui->lblWorldRStepZ->setText(StatusTexts::RulerStep(AxisZ, settings.metresPerPixelZ));
+    m_ui->lblWorldScaleX->setText(StatusTexts::Scale(AxisX, settings.MetresPerPixelX()));
+    m_ui->lblWorldScaleZ->setText(StatusTexts::Scale(AxisZ, settings.MetresPerPixelZ()));
+    m_ui->lblWorldRStepX->setText(StatusTexts::RulerStep(AxisX, settings.MetresPerPixelX()));
+    m_ui->lblWorldRStepZ->setText(StatusTexts::RulerStep(AxisZ, settings.MetresPerPixelZ()));
 }
 
 void QuillmapWindow::UpdateWorldPos(int x, int z)
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
     const float zoom = m_ui->paintView->Zoom();
-    m_ui->lblWorldPosX->setText(StatusTexts::Position(AxisX, x, zoom, settings.metresPerPixelX));
-    m_ui->lblWorldPosZ->setText(StatusTexts::Position(AxisZ, z, zoom, settings.metresPerPixelZ));
+    m_ui->lblWorldPosX->setText(StatusTexts::Position(AxisX, x, zoom, settings.MetresPerPixelX()));
+    m_ui->lblWorldPosZ->setText(StatusTexts::Position(AxisZ, z, zoom, settings.MetresPerPixelZ()));
 }
 
 void QuillmapWindow::resizeEvent(QResizeEvent* event)
@@ -386,7 +397,8 @@ void QuillmapWindow::closeEvent(QCloseEvent* event)
     m_ui->paintView->Scene()->LoseMouse();
     const QString question = tr("All unsaved work will be lost.\n\nAre you sure you want to quit "
                                 "the application?");
-    if (ProjectSettings::Instance().modified && !AskYesNo(this, tr("Exit application"), question)) {
+    if (ProjectSettings::Instance().IsModified() &&
+        !AskYesNo(this, tr("Exit application"), question)) {
         event->ignore();
         return;
     }

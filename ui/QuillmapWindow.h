@@ -12,7 +12,11 @@ class DockLayerProps;
 class DockLayers;
 class DockStatus;
 class DockTerTypeProps;
+class DockHistory;
 class DockTerTypes;
+class Document;
+class EditActions;
+class Gestures;
 class InteractionModes;
 class Layer;
 class LayerComposition;
@@ -37,8 +41,11 @@ public:
     ~QuillmapWindow() override;
     Q_DISABLE_COPY(QuillmapWindow)
 
-    /// Shows the project's name, or "Unsaved" if it is empty.
+    Document& GetDocument() { return *m_document; }
+    /// Shows the project's name; without one "Unsaved".
     void SetTitle(const QString& name);
+    /// Ends painting when there is no current layer any more.
+    void LeavePaintWithoutLayer();
 
 signals:
     /// Never emitted. It is declared because other code connects to it.
@@ -93,6 +100,7 @@ private:
     void ConnectLayers();
     void ConnectTerritories();
     void ConnectMap();
+    void ConnectDocument();
     void OpenForViewing(const QString& configPath);
     void LayerModified(Layer* layer);
     void RecomposeChanged();
@@ -100,13 +108,17 @@ private:
     void ShowDockStates();
 
     std::unique_ptr<Ui::QuillmapWindowClass> m_ui;
+    std::unique_ptr<Document> m_document;
     std::unique_ptr<BrushDock> m_brush;
     std::unique_ptr<DockLayerProps> m_layerProps;
     std::unique_ptr<DockLayers> m_layers;
     std::unique_ptr<DockStatus> m_status;
     std::unique_ptr<DockTerTypeProps> m_terTypeProps;
     std::unique_ptr<DockTerTypes> m_terTypes;
+    std::unique_ptr<DockHistory> m_history;
     std::unique_ptr<LayerComposition> m_composition;
     std::unique_ptr<InteractionModes> m_modes;
     std::unique_ptr<ProjectActions> m_project;
+    std::unique_ptr<EditActions> m_edit;
+    std::unique_ptr<Gestures> m_gestures;
 };

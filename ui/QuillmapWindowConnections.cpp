@@ -3,15 +3,18 @@
 #include "canvas/BrushDock.h"
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
+#include "document/Document.h"
 #include "layers/Layer.h"
 #include "territories/Territory.h"
 #include "territories/Zone.h"
+#include "ui/DockHistory.h"
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
 #include "ui/DockStatus.h"
 #include "ui/DockTerTypeProps.h"
 #include "ui/DockTerTypes.h"
 #include "ui/LayerComposition.h"
+#include "ui/ProjectActions.h"
 #include "ui/QuillmapWindow.h"
 #include "ui_QuillmapWindow.h"
 
@@ -42,8 +45,8 @@ void QuillmapWindow::ConnectActions()
     connect(ui.actionViewTerritoryTypes, &QAction::triggered, this,
             &QuillmapWindow::ShowTerritoryTypes);
     connect(ui.actionViewStatus, &QAction::triggered, this, &QuillmapWindow::ShowStatus);
-    for (QDockWidget* dock :
-         std::initializer_list<QDockWidget*>{m_layers.get(), m_terTypes.get(), m_status.get()}) {
+    for (QDockWidget* dock : std::initializer_list<QDockWidget*>{m_layers.get(), m_terTypes.get(),
+                                                                 m_status.get(), m_history.get()}) {
         dock->installEventFilter(this);
     }
 }
@@ -58,7 +61,7 @@ void QuillmapWindow::ConnectLayers()
     connect(m_layers.get(), &DockLayers::Removed, this, &QuillmapWindow::LayerRemoved);
     connect(m_layers.get(), &DockLayers::Reordered, this, &QuillmapWindow::RecomposeChanged);
     connect(m_layerProps.get(), &DockLayerProps::ColorChanged, this, [this] {
-        if (const Layer* layer = m_composition->Current()) {
+        if (const Layer* layer = m_document->CurrentLayer()) {
             UpdateLayerColor(QColor(layer->Color().rgb()));
         }
     });
@@ -81,9 +84,7 @@ void QuillmapWindow::ConnectTerritories()
     connect(m_ui->paintView, &MainView::ModeSelect, m_terTypes.get(), &DockTerTypes::SelectMode);
     connect(m_ui->paintView, &MainView::ModeQuery, m_terTypes.get(), &DockTerTypes::QueryMode);
     connect(m_ui->paintView, &MainView::TerritorySelected, m_terTypes.get(), &DockTerTypes::Select);
-    connect(scene, &MainScene::ZoneInserted, m_terTypeProps.get(),
-            &DockTerTypeProps::ApplyToNewZone);
-    // A lambda, because update() is overloaded.
+    // update() has overloads that a pointer would have to be told apart from.
     connect(m_terTypeProps.get(), SIGNAL(Changed(QRectF)), scene, SLOT(update(QRectF)));
 }
 
@@ -98,10 +99,29 @@ void QuillmapWindow::ConnectMap()
     connect(m_brush.get(), &BrushDock::Changed, scene, &MainScene::RefreshBrush);
     connect(ui.gboBgOver, &GroupBoxColor::ColorChanged, scene, &MainScene::ChangeWorldColor);
     connect(ui.gboBgOver, &GroupBoxColor::AlphaChanged, scene, &MainScene::ChangeWorldAlpha);
-    connect(ui.gboBgOver, &GroupBoxColor::ColorChanged, this,
-            [] { ProjectSettings::Instance().modified = true; });
-    connect(ui.gboBgOver, &GroupBoxColor::AlphaChanged, this,
-            [] { ProjectSettings::Instance().modified = true; });
+}
+
+/// What undo changes, apart from layers and territories, whose docks and composition listen too.
+void QuillmapWindow::ConnectDocument()
+{
+    connect(m_ui->actionHistory, &QAction::triggered, m_history.get(), &QWidget::setVisible);
+    connect(m_document.get(), &Document::BackgroundPictureChanged, this, [this] {
+        if (m_document->IsTravelling()) {
+            m_project->ShowBackground();
+        }
+    });
+    connect(m_document.get(), &Document::BackgroundColorChanged, this, [this] {
+        if (m_document->IsTravelling()) {
+            m_project->ShowBackgroundColor();
+        }
+    });
+    connect(m_document.get(), &Document::LayerChanged, this,
+            [this](const Layer* layer, Document::LayerAspect aspect) {
+                const bool isCurrent = layer == m_document->CurrentLayer();
+                if (isCurrent && aspect == Document::LayerAspect::Color) {
+                    m_brush->SetPaintColor(layer->Color().rgb());
+                }
+            });
 }
 
 bool QuillmapWindow::eventFilter(QObject* watched, QEvent* event)
@@ -118,4 +138,5 @@ void QuillmapWindow::ShowDockStates()
     m_ui->actionViewLayers->setChecked(!m_layers->isHidden());
     m_ui->actionViewTerritoryTypes->setChecked(!m_terTypes->isHidden());
     m_ui->actionViewStatus->setChecked(!m_status->isHidden());
+    m_ui->actionHistory->setChecked(!m_history->isHidden());
 }

@@ -4,7 +4,6 @@
 #include "layers/LayerList.h"
 
 #include <QDropEvent>
-#include <QStandardItemModel>
 
 TreeViewLayers::TreeViewLayers(QWidget* parent)
     : QTreeView(parent)
@@ -48,16 +47,6 @@ void TreeViewLayers::dropEvent(QDropEvent* event)
     }
     const uint id = selected.first().data(Qt::UserRole).toUInt();
     if (Layer* layer = m_list->LayerById(static_cast<int>(id))) {
-        MoveTo(target.row(), layer);
+        emit Moved(layer, target.row());
     }
-}
-
-void TreeViewLayers::MoveTo(int targetRow, Layer* layer)
-{
-    QStandardItemModel* model = m_list->model();
-    m_isMoving = true;
-    model->insertRow(targetRow, model->takeRow(layer->row()));
-    selectionModel()->setCurrentIndex(layer->index(), QItemSelectionModel::ClearAndSelect);
-    m_isMoving = false;
-    emit Moved(layer);
 }

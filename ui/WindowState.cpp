@@ -95,8 +95,8 @@ void Restore(QMainWindow& window)
         RestoreDocks(window, settings.value(QStringLiteral("windowState")).toByteArray());
     }
     const QString path = settings.value(QStringLiteral("path")).toString();
-    ProjectSettings::Instance().projectDir =
-        settings.contains(QStringLiteral("path")) ? QDir(path) : QDir::current();
+    ProjectSettings::Instance().SetDir(settings.contains(QStringLiteral("path")) ? QDir(path)
+                                                                                 : QDir::current());
 }
 
 void Store(const QMainWindow& window)
@@ -105,8 +105,7 @@ void Store(const QMainWindow& window)
     settings.beginGroup(QStringLiteral("Brantle"));
     settings.setValue(QStringLiteral("geometry"), window.saveGeometry());
     settings.setValue(QStringLiteral("windowState"), window.saveState(StateVersion));
-    settings.setValue(QStringLiteral("path"),
-                      ProjectSettings::Instance().projectDir.absolutePath());
+    settings.setValue(QStringLiteral("path"), ProjectSettings::Instance().Dir().absolutePath());
 }
 
 } // namespace WindowState

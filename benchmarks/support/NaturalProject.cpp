@@ -27,23 +27,24 @@ QString LayerName(int i)
 
 void AddFlagTypes(int usageCount, int valueCount)
 {
-    AreaFlagTypes& types = ProjectSettings::Instance().areaFlagTypes;
+    AreaFlagTypes types;
     for (int i = 0; i < usageCount; ++i) {
         types.usages.append(QStringLiteral("usage %1").arg(i));
     }
     for (int i = 0; i < valueCount; ++i) {
         types.values.append(QStringLiteral("value %1").arg(i));
     }
+    ProjectSettings::Instance().SetFlagTypes(types);
 }
 
 bool MakeProject(const QString& path, int layerCount, const TerritoryTypeList& types)
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    const QSize size(settings.layerWidth, settings.layerHeight);
+    const QSize size(settings.LayerWidth(), settings.LayerHeight());
     LayerList layers;
     for (int i = 0; i < layerCount; ++i) {
-        auto layer = std::make_unique<Layer>(FlagInTurn(i, settings.areaFlagTypes.usages.size()),
-                                             FlagInTurn(i, settings.areaFlagTypes.values.size()),
+        auto layer = std::make_unique<Layer>(FlagInTurn(i, settings.FlagTypes().usages.size()),
+                                             FlagInTurn(i, settings.FlagTypes().values.size()),
                                              &layers, LayerName(i));
         layer->SetImage(NaturalMask(size, 100U + static_cast<quint32>(i)), Qt::white);
         layer->SetVisible(true);

@@ -41,7 +41,7 @@ double LoadSeconds(QuillmapWindow& window, const QString& path, Pulse* pulse)
             static_cast<QDialog*>(dialog)->accept();
         });
     });
-    ProjectSettings::Instance().modified = false;
+    ProjectSettings::Instance().SetModified(false);
     std::chrono::steady_clock::time_point begin;
     window.setWindowTitle(QString());
     // The title changes as soon as the file dialog is closed.

@@ -31,14 +31,16 @@ QString BackgroundFile()
 void DescribeProject(const QString& folder)
 {
     ProjectSettings& settings = ProjectSettings::Instance();
-    settings.areaFlagTypes.usages = UsageNames();
-    settings.areaFlagTypes.values = ValueNames();
-    settings.projectDir = QDir(folder);
-    settings.projectFileName = QStringLiteral("highlands.xml");
-    settings.projectName = QStringLiteral("highlands");
-    settings.backgroundFile = BackgroundFile();
-    // White, and invisible until its opacity is raised.
-    settings.backgroundColor.setRgba(0x00FFFFFF);
+    AreaFlagTypes types;
+    types.usages = UsageNames();
+    types.values = ValueNames();
+    settings.SetFlagTypes(types);
+    settings.SetDir(QDir(folder));
+    settings.SetFileName(QStringLiteral("highlands.xml"));
+    settings.SetName(QStringLiteral("highlands"));
+    settings.SetBackgroundFile(BackgroundFile());
+    // White that veils nothing until its opacity is raised.
+    settings.SetBackgroundColor(QColor::fromRgba(0x00FFFFFF));
     settings.SetSizes(WorldPixels, WorldPixels, WorldMetres, WorldMetres);
 }
 
@@ -70,7 +72,7 @@ QString WriteAreaTypes(const QString& path)
     QXmlStreamWriter xml(&bytes);
     xml.setAutoFormatting(true);
     xml.writeStartDocument();
-    ProjectSettings::Instance().areaFlagTypes.WriteXml(xml);
+    ProjectSettings::Instance().FlagTypes().WriteXml(xml);
     xml.writeEndDocument();
     return WriteFile(path, bytes);
 }

@@ -21,16 +21,16 @@ public:
     {
         QDir().mkpath(Path("old"));
         QDir().mkpath(Path("new"));
-        ProjectSettings::Instance().projectDir = QDir(Path("old"));
+        ProjectSettings::Instance().SetDir(QDir(Path("old")));
     }
 
     QString Path(const QString& name) const { return m_project.Path(name); }
     void CarryPicture(const QString& backgroundFile) const
     {
-        ProjectSettings::Instance().backgroundFile = backgroundFile;
+        ProjectSettings::Instance().SetBackgroundFile(backgroundFile);
         CarryBackgroundTo(QDir(Path("new")));
     }
-    QString BackgroundFile() const { return ProjectSettings::Instance().backgroundFile; }
+    QString BackgroundFile() const { return ProjectSettings::Instance().BackgroundFile(); }
 
     LogSpy log;
 
@@ -77,7 +77,7 @@ void tst_BackgroundPicture::IsCopiedToTheSamePlace()
         // From the new folder the path leads to another place.
         QVERIFY(QDir().rename(folders.Path("new"), folders.Path("moved")));
         QDir().mkpath(folders.Path("deep/new"));
-        ProjectSettings::Instance().backgroundFile = file;
+        ProjectSettings::Instance().SetBackgroundFile(file);
         CarryBackgroundTo(QDir(folders.Path("deep/new")));
         QCOMPARE(ReadBytes(folders.Path("deep/other/world.png")), "picture");
     } else {
@@ -170,7 +170,7 @@ void tst_BackgroundPicture::ReplacesNothingOutsideTheFolder()
         WriteBytes(folders.Path("far/deep/world.png"), "another one");
         QDir().mkpath(folders.Path("far/new"));
         place = folders.Path("far/new/../deep/world.png");
-        ProjectSettings::Instance().backgroundFile = file;
+        ProjectSettings::Instance().SetBackgroundFile(file);
         CarryBackgroundTo(QDir(folders.Path("far/new")));
     }
 

@@ -81,7 +81,7 @@ void tst_BatchExport::init()
 {
     m_project = std::make_unique<ProjectFixture>(QSize(0, 0), QSize(0, 0));
     QVERIFY(QDir::setCurrent(Path("")));
-    ProjectSettings::Instance().projectDir = QDir();
+    ProjectSettings::Instance().SetDir(QDir());
     m_messages.clear();
 }
 
@@ -256,15 +256,14 @@ void tst_BatchExport::FlagTypesAreNotRead()
                Document(QString(Global) + "<areas><usages><usage name=\"forest\"/></usages></areas>"
                                           "<brush size=\"3\"/>"));
     QCOMPARE(Run("a.xml", "out"), ExitDone);
-    QVERIFY(ProjectSettings::Instance().areaFlagTypes.usages.isEmpty());
+    QVERIFY(ProjectSettings::Instance().FlagTypes().usages.isEmpty());
     QCOMPARE(ReadBytes("out/a.map"), MapWithoutFlags());
 }
 
 void tst_BatchExport::KnownFlagTypesFillTheMap()
 {
     ProjectSettings& settings = ProjectSettings::Instance();
-    settings.areaFlagTypes.usages = QVector<QString>(3);
-    settings.areaFlagTypes.values = QVector<QString>(2);
+    settings.SetFlagTypes({QVector<QString>(3), QVector<QString>(2)});
     WriteBytes("layers/left.tga", Targa(16, QByteArray("\xff\xff\xff\xff\xff\xff\xff\xff"
                                                        "\0\0\0\0\0\0\0\0",
                                                        16)

@@ -59,9 +59,9 @@ void tst_ProjectDocument::init()
 void tst_ProjectDocument::PartsAreWrittenInOrder()
 {
     ProjectSettings& settings = ProjectSettings::Instance();
-    settings.backgroundFile = "world.png";
-    settings.backgroundColor = QColor(0, 0, 0, 0);
-    settings.areaFlagTypes.values = QVector<QString>{"rich"};
+    settings.SetBackgroundFile("world.png");
+    settings.SetBackgroundColor(QColor(0, 0, 0, 0));
+    settings.SetFlagTypes({{}, {"rich"}});
     LayerList layers;
     auto* coast = new Layer(1, 2, &layers, "coast");
     coast->SetImage(settings.BlankLayerImage(), Qt::white);
@@ -169,8 +169,8 @@ void tst_ProjectDocument::CallerIsToldBeforeTheLayers()
 void tst_ProjectDocument::PastedControlCharactersAreLeftOut()
 {
     ProjectSettings& settings = ProjectSettings::Instance();
-    settings.backgroundFile = "wor\vld.png";
-    settings.areaFlagTypes.values = QVector<QString>{QString("rich") + QChar(0xFFFE)};
+    settings.SetBackgroundFile("wor\vld.png");
+    settings.SetFlagTypes({{}, {QString("rich") + QChar(0xFFFE)}});
     LayerList layers;
     auto* coast = new Layer(0, 0, &layers,
                             "co\x01"

@@ -26,13 +26,13 @@ public:
     {
         Add("first");
         Add("second");
-        ProjectSettings::Instance().modified = true;
+        ProjectSettings::Instance().SetModified(true);
     }
 
     bool SaveTo(const QString& path)
     {
-        return SaveProjectTo(
-            path, {1, {}, [this] { names.append(Settings().projectName); }, layers, types});
+        return SaveProjectTo(path,
+                             {1, {}, [this] { names.append(Settings().Name()); }, layers, types});
     }
     QString Path(const QString& name) const { return m_project.Path(name); }
     static ProjectSettings& Settings() { return ProjectSettings::Instance(); }
@@ -82,7 +82,7 @@ void tst_ProjectFile::IsWrittenWithItsLayers()
     QCOMPARE(FilesBelow(project.Path("")).keys(),
              (QStringList{"a.b.xml", "layers/", "layers/first.tga", "layers/second.tga"}));
     QVERIFY(ReadBytes(project.Path("a.b.xml")).contains("<selected row=\"1\"/>"));
-    QVERIFY(!Changed::Settings().modified);
+    QVERIFY(!Changed::Settings().IsModified());
 }
 
 void tst_ProjectFile::LivesWhereItWasSaved()
@@ -90,13 +90,13 @@ void tst_ProjectFile::LivesWhereItWasSaved()
     Changed project;
     QDir().mkpath(project.Path("elsewhere"));
     WriteBytes(project.Path("world.png"), "picture");
-    Changed::Settings().backgroundFile = "world.png";
+    Changed::Settings().SetBackgroundFile("world.png");
 
     QVERIFY(project.SaveTo(project.Path("elsewhere/copy.xml")));
 
-    QCOMPARE(Changed::Settings().projectName, "copy");
-    QCOMPARE(Changed::Settings().projectFileName, "copy.xml");
-    QCOMPARE(Changed::Settings().projectDir.path(), project.Path("elsewhere"));
+    QCOMPARE(Changed::Settings().Name(), "copy");
+    QCOMPARE(Changed::Settings().FileName(), "copy.xml");
+    QCOMPARE(Changed::Settings().Dir().path(), project.Path("elsewhere"));
     QCOMPARE(
         FilesBelow(project.Path("elsewhere")).keys(),
         (QStringList{"copy.xml", "layers/", "layers/first.tga", "layers/second.tga", "world.png"}));
@@ -126,8 +126,8 @@ void tst_ProjectFile::CannotBeOpened()
         QStringList{
             QString("Error: Failed to open file '%1' for writing.").arg(file.section('/', -1))});
     QCOMPARE(FilesBelow(project.Path("")).keys(), before);
-    QVERIFY(Changed::Settings().modified);
-    QCOMPARE(Changed::Settings().projectFileName, "project.xml");
+    QVERIFY(Changed::Settings().IsModified());
+    QCOMPARE(Changed::Settings().FileName(), "project.xml");
     QCOMPARE(project.names, QStringList());
 }
 
@@ -136,8 +136,8 @@ void tst_ProjectFile::StaysWhereItWasWhenTheDiskIsFull()
     Changed project;
     QVERIFY(project.SaveTo(project.Path("project.xml")));
     const QByteArray before = ReadBytes(project.Path("project.xml"));
-    Changed::Settings().modified = true;
-    Changed::Settings().backgroundFile = "world.png";
+    Changed::Settings().SetModified(true);
+    Changed::Settings().SetBackgroundFile("world.png");
     QDir().mkpath(project.Path("elsewhere"));
     project.log.Take();
     for (const char* file : {"project.xml", "elsewhere/copy.xml"}) {
@@ -151,11 +151,11 @@ void tst_ProjectFile::StaysWhereItWasWhenTheDiskIsFull()
                  QString("Error: Failed to open file '%1' for writing.")
                      .arg(QString(file).section('/', -1)));
         QVERIFY(messages.last().startsWith("Error: "));
-        QVERIFY(Changed::Settings().modified);
-        QCOMPARE(Changed::Settings().projectName, "project");
-        QCOMPARE(Changed::Settings().projectFileName, "project.xml");
-        QCOMPARE(Changed::Settings().projectDir.path(), QDir(project.Path("")).path());
-        QCOMPARE(Changed::Settings().backgroundFile, "world.png");
+        QVERIFY(Changed::Settings().IsModified());
+        QCOMPARE(Changed::Settings().Name(), "project");
+        QCOMPARE(Changed::Settings().FileName(), "project.xml");
+        QCOMPARE(Changed::Settings().Dir().path(), QDir(project.Path("")).path());
+        QCOMPARE(Changed::Settings().BackgroundFile(), "world.png");
     }
     QCOMPARE(ReadBytes(project.Path("project.xml")), before);
     QCOMPARE(FilesBelow(project.Path("elsewhere")).keys(),
@@ -174,7 +174,7 @@ void tst_ProjectFile::SaysHowManyBitmapsFailed()
     QCOMPARE(messages.mid(messages.size() - 2),
              (QStringList{"Success: Project saved to file 'project.xml'.",
                           "Error: 2 layer bitmaps could not be saved."}));
-    QVERIFY(Changed::Settings().modified);
+    QVERIFY(Changed::Settings().IsModified());
     QVERIFY(ReadBytes(project.Path("project.xml")).contains("name=\"second\""));
 }
 

@@ -51,7 +51,7 @@ public:
 private:
     void Note(const QString& event)
     {
-        events.append(QString("%1 %2").arg(event).arg(ProjectSettings::Instance().layerWidth));
+        events.append(QString("%1 %2").arg(event).arg(ProjectSettings::Instance().LayerWidth()));
     }
 
     QBuffer m_buffer;
@@ -114,8 +114,8 @@ void tst_ProjectReader::HandsElementsOn()
 
     QTEST(reading.events, "events");
     QTEST(reading.reader->SelectedRow(), "row");
-    // The element was read only once.
-    QCOMPARE(ProjectSettings::Instance().areaFlagTypes.usages.size(),
+    // Read once only.
+    QCOMPARE(ProjectSettings::Instance().FlagTypes().usages.size(),
              document.contains("Town") ? 1 : 0);
 }
 
@@ -157,8 +157,8 @@ void tst_ProjectReader::LeavesStrayElementsToTheirReaders()
     QCOMPARE(reading.events, event.isEmpty() ? QStringList() : QStringList{event});
     QCOMPARE(reading.reader->SelectedRow(), -1);
     QCOMPARE(ProjectSettings::Instance().LayerSize(), QSize(8, 8));
-    QCOMPARE(ProjectSettings::Instance().areaFlagTypes.usages, QVector<QString>{"Town"});
-    QCOMPARE(ProjectSettings::Instance().areaFlagTypes.values, QVector<QString>{});
+    QCOMPARE(ProjectSettings::Instance().FlagTypes().usages, QVector<QString>{"Town"});
+    QCOMPARE(ProjectSettings::Instance().FlagTypes().values, QVector<QString>{});
 }
 
 void tst_ProjectReader::EndsWithAFailedHandler_data()

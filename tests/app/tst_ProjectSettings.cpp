@@ -81,22 +81,22 @@ void tst_ProjectSettings::cleanup()
 void tst_ProjectSettings::InitialValues()
 {
     const ProjectSettings& settings = Settings();
-    QVERIFY(settings.areaFlagTypes.usages.isEmpty());
-    QVERIFY(settings.areaFlagTypes.values.isEmpty());
-    QVERIFY(settings.backgroundFile.isEmpty());
-    QVERIFY(settings.projectFileName.isEmpty());
-    QVERIFY(settings.projectName.isEmpty());
-    QCOMPARE(settings.projectDir.path(), ".");
-    QVERIFY(!settings.backgroundColor.isValid());
-    for (const float factor : {settings.metresPerPixelX, settings.metresPerPixelZ,
-                               settings.pixelsPerMetreX, settings.pixelsPerMetreZ}) {
+    QVERIFY(settings.FlagTypes().usages.isEmpty());
+    QVERIFY(settings.FlagTypes().values.isEmpty());
+    QVERIFY(settings.BackgroundFile().isEmpty());
+    QVERIFY(settings.FileName().isEmpty());
+    QVERIFY(settings.Name().isEmpty());
+    QCOMPARE(settings.Dir().path(), ".");
+    QVERIFY(!settings.BackgroundColor().isValid());
+    for (const float factor : {settings.MetresPerPixelX(), settings.MetresPerPixelZ(),
+                               settings.PixelsPerMetreX(), settings.PixelsPerMetreZ()}) {
         QCOMPARE(factor, 0.0F);
     }
-    for (const int size :
-         {settings.layerWidth, settings.layerHeight, settings.worldWidth, settings.worldHeight}) {
+    for (const int size : {settings.LayerWidth(), settings.LayerHeight(), settings.WorldWidth(),
+                           settings.WorldHeight()}) {
         QCOMPARE(size, 0);
     }
-    QVERIFY(!settings.modified);
+    QVERIFY(!settings.IsModified());
 }
 
 void tst_ProjectSettings::FactorsFollowFromTheSizes_data()
@@ -122,20 +122,20 @@ void tst_ProjectSettings::FactorsFollowFromTheSizes()
     QFETCH(QVector<float>, factors);
     Settings().SetSizes(sizes[0], sizes[1], sizes[2], sizes[3]);
     QCOMPARE(Settings().LayerSize(), QSize(sizes[0], sizes[1]));
-    QCOMPARE(Settings().worldWidth, sizes[2]);
-    QCOMPARE(Settings().worldHeight, sizes[3]);
-    // Compared exactly, because texts in files depend on the last bit.
-    QVERIFY(Settings().metresPerPixelX == factors[0]);
-    QVERIFY(Settings().metresPerPixelZ == factors[1]);
-    QVERIFY(Settings().pixelsPerMetreX == factors[2]);
-    QVERIFY(Settings().pixelsPerMetreZ == factors[3]);
+    QCOMPARE(Settings().WorldWidth(), sizes[2]);
+    QCOMPARE(Settings().WorldHeight(), sizes[3]);
+    // Exact: texts in files depend on the last bit.
+    QVERIFY(Settings().MetresPerPixelX() == factors[0]);
+    QVERIFY(Settings().MetresPerPixelZ() == factors[1]);
+    QVERIFY(Settings().PixelsPerMetreX() == factors[2]);
+    QVERIFY(Settings().PixelsPerMetreZ() == factors[3]);
 }
 
 void tst_ProjectSettings::IsWrittenWithTheFlagTypesBehind()
 {
-    Settings().backgroundFile = "maps/world & sea.png";
-    Settings().backgroundColor = QColor(1, 2, 3, 4);
-    Settings().areaFlagTypes.usages = QVector<QString>{"forest"};
+    Settings().SetBackgroundFile("maps/world & sea.png");
+    Settings().SetBackgroundColor(QColor(1, 2, 3, 4));
+    Settings().SetFlagTypes({{"forest"}, {}});
     QCOMPARE(Text(), "<global><background file=\"maps/world &amp; sea.png\" rgba=\"67174915\"/>"
                      "<layer size=\"4\"/><world size=\"100\"/></global>"
                      "<areas><usages><usage name=\"forest\"/></usages><values/></areas>");
@@ -143,23 +143,23 @@ void tst_ProjectSettings::IsWrittenWithTheFlagTypesBehind()
 
 void tst_ProjectSettings::InvalidColorIsWrittenAsOpaqueBlack()
 {
-    QVERIFY(!Settings().backgroundColor.isValid());
+    QVERIFY(!Settings().BackgroundColor().isValid());
     QVERIFY(Text().contains("<background file=\"\" rgba=\"4278190080\"/>"));
 }
 
 void tst_ProjectSettings::ReadsWhatItWrites()
 {
-    Settings().backgroundFile = "world.png";
-    Settings().backgroundColor = QColor(1, 2, 3, 4);
+    Settings().SetBackgroundFile("world.png");
+    Settings().SetBackgroundColor(QColor(1, 2, 3, 4));
     const QString text = Text();
     ElementReader xml(text);
-    Settings().backgroundFile.clear();
-    Settings().backgroundColor = QColor();
+    Settings().SetBackgroundFile({});
+    Settings().SetBackgroundColor(QColor());
     Settings().SetSizes(1, 1, 1, 1);
     Settings().ReadXml(xml);
     QCOMPARE(Text(), text);
-    QCOMPARE(Settings().metresPerPixelX, 25.0F);
-    QCOMPARE(Settings().pixelsPerMetreZ, 0.04F);
+    QCOMPARE(Settings().MetresPerPixelX(), 25.0F);
+    QCOMPARE(Settings().PixelsPerMetreZ(), 0.04F);
 }
 
 void tst_ProjectSettings::SizesDifferingPerAxisKeepTheXValues()
@@ -168,9 +168,9 @@ void tst_ProjectSettings::SizesDifferingPerAxisKeepTheXValues()
     ElementReader xml(Text());
     Settings().ReadXml(xml);
     QCOMPARE(Settings().LayerSize(), QSize(8, 8));
-    QCOMPARE(Settings().worldWidth, 32);
-    QCOMPARE(Settings().worldHeight, 32);
-    QCOMPARE(Settings().metresPerPixelZ, 4.0F);
+    QCOMPARE(Settings().WorldWidth(), 32);
+    QCOMPARE(Settings().WorldHeight(), 32);
+    QCOMPARE(Settings().MetresPerPixelZ(), 4.0F);
 }
 
 void tst_ProjectSettings::ColorIsAnUnsignedNumber_data()
@@ -192,8 +192,8 @@ void tst_ProjectSettings::ColorIsAnUnsignedNumber()
     QFETCH(QString, attribute);
     QFETCH(QRgb, color);
     Read(QString("<background %1/>").arg(attribute));
-    QVERIFY(Settings().backgroundColor.isValid());
-    QCOMPARE(Settings().backgroundColor.rgba(), color);
+    QVERIFY(Settings().BackgroundColor().isValid());
+    QCOMPARE(Settings().BackgroundColor().rgba(), color);
 }
 
 void tst_ProjectSettings::SizesHaveDefaults_data()
@@ -220,27 +220,27 @@ void tst_ProjectSettings::SizesHaveDefaults()
     QFETCH(int, worldSize);
     Read(children);
     QCOMPARE(Settings().LayerSize(), QSize(layerSize, layerSize));
-    QCOMPARE(Settings().worldWidth, worldSize);
-    QCOMPARE(Settings().worldHeight, worldSize);
+    QCOMPARE(Settings().WorldWidth(), worldSize);
+    QCOMPARE(Settings().WorldHeight(), worldSize);
 }
 
 void tst_ProjectSettings::MissingBackgroundForgetsTheFormerOne()
 {
-    Settings().backgroundFile = "former.png";
-    Settings().backgroundColor = Qt::red;
+    Settings().SetBackgroundFile("former.png");
+    Settings().SetBackgroundColor(Qt::red);
     Read("");
-    QVERIFY(Settings().backgroundFile.isEmpty());
-    QCOMPARE(Settings().backgroundColor.rgba(), 2U);
-    Settings().backgroundFile = "former.png";
+    QVERIFY(Settings().BackgroundFile().isEmpty());
+    QCOMPARE(Settings().BackgroundColor().rgba(), 2U);
+    Settings().SetBackgroundFile("former.png");
     Read("<background rgba=\"1\"/>");
-    QVERIFY(Settings().backgroundFile.isEmpty());
+    QVERIFY(Settings().BackgroundFile().isEmpty());
 }
 
 void tst_ProjectSettings::OtherElementsAreIgnored()
 {
     Read("<Layer size=\"1\"/>text<group><world size=\"100\"/></group><!-- note -->");
-    QCOMPARE(Settings().layerWidth, 2048);
-    QCOMPARE(Settings().worldWidth, 100);
+    QCOMPARE(Settings().LayerWidth(), 2048);
+    QCOMPARE(Settings().WorldWidth(), 100);
 }
 
 void tst_ProjectSettings::ReadingStopsAtTheEndTag()
@@ -248,7 +248,7 @@ void tst_ProjectSettings::ReadingStopsAtTheEndTag()
     ElementReader xml("<root><global><layer size=\"8\"/></global><layer size=\"9\"/></root>");
     QVERIFY(xml.readNextStartElement());
     Settings().ReadXml(xml);
-    QCOMPARE(Settings().layerWidth, 8);
+    QCOMPARE(Settings().LayerWidth(), 8);
     QCOMPARE(xml.name(), QString("global"));
     QVERIFY(xml.isEndElement());
 }
@@ -261,18 +261,18 @@ void tst_ProjectSettings::CutInputIsTakenAsFarAsItGoes()
         const QString cut = text.left(length);
         ElementReader xml(cut);
         Settings().ReadXml(xml);
-        // The reader reports an empty element as soon as it has read the slash.
-        QCOMPARE(Settings().backgroundFile, cut.contains("\"7\"/>") ? "a" : "");
-        QCOMPARE(Settings().layerWidth, cut.contains("\"8\"/>") ? 8 : 2048);
-        QCOMPARE(Settings().worldWidth, cut.contains("\"9\"/>") ? 9 : 15360);
+        // An empty element is known as soon as its slash is.
+        QCOMPARE(Settings().BackgroundFile(), cut.contains("\"7\"/>") ? "a" : "");
+        QCOMPARE(Settings().LayerWidth(), cut.contains("\"8\"/>") ? 8 : 2048);
+        QCOMPARE(Settings().WorldWidth(), cut.contains("\"9\"/>") ? 9 : 15360);
     }
 }
 
 void tst_ProjectSettings::ReadingClearsModified()
 {
-    Settings().modified = true;
+    Settings().SetModified(true);
     Read("");
-    QVERIFY(!Settings().modified);
+    QVERIFY(!Settings().IsModified());
 }
 
 void tst_ProjectSettings::BlankImageIsAClearMask()
@@ -346,10 +346,10 @@ void tst_ProjectSettings::PathsLieBelowTheProject()
 {
     QFETCH(QString, helper);
     QFETCH(QString, path);
-    Settings().backgroundFile = "maps/world.png";
-    Settings().projectFileName = "proj.old.xml";
-    Settings().projectName = "proj";
-    QCOMPARE(PathOf(helper), Settings().projectDir.path() + "/" + path);
+    Settings().SetBackgroundFile("maps/world.png");
+    Settings().SetFileName("proj.old.xml");
+    Settings().SetName("proj");
+    QCOMPARE(PathOf(helper), Settings().Dir().path() + "/" + path);
     const QString folder = path.section('/', 0, -2);
     // The background's folder belongs to the user and is not created.
     QCOMPARE(QDir(m_project->Path(folder)).exists(), helper != "background");
@@ -377,14 +377,14 @@ void tst_ProjectSettings::SubFoldersAreCreatedOnEachCall()
         PathOf(helper);
         PathOf(helper);
         QVERIFY(dir.exists());
-        QVERIFY(Settings().projectDir.rmdir(folder));
+        QVERIFY(Settings().Dir().rmdir(folder));
     }
 }
 
 void tst_ProjectSettings::SubFolderThatCannotBeCreatedIsIgnored()
 {
-    // Only one level of folders is created.
-    Settings().projectDir = QDir(m_project->Path("missing"));
+    // One level only.
+    Settings().SetDir(QDir(m_project->Path("missing")));
     QCOMPARE(Settings().LayerPath("a"), m_project->Path("missing/layers/a.tga"));
     QVERIFY(!QDir(m_project->Path("missing")).exists());
 }
@@ -393,7 +393,7 @@ void tst_ProjectSettings::PathsWithoutAProjectAreRelative()
 {
     const QString before = QDir::currentPath();
     QVERIFY(QDir::setCurrent(m_project->Path("")));
-    Settings().projectDir = QDir();
+    Settings().SetDir(QDir());
     const QString layerPath = Settings().LayerPath("a");
     const QString typePath = Settings().TerritoryTypePath("b");
     QVERIFY(QDir::setCurrent(before));

@@ -37,7 +37,7 @@ public:
 
     void Build(quint32 state)
     {
-        ProjectSettings::Instance().areaFlagTypes.usages = {"Town", "Farm"};
+        ProjectSettings::Instance().SetFlagTypes({{"Town", "Farm"}, {}});
         layers.Clear();
         types.Clear();
         std::mt19937 random(state);
@@ -58,7 +58,7 @@ public:
         auto* territory = new Territory(QString(state == 1 ? 1 : 20000, QLatin1Char('x')));
         territory->AddZone(new Zone(territory, 100.0F * static_cast<float>(state)));
         type->AddTerritory(territory);
-        ProjectSettings::Instance().modified = true;
+        ProjectSettings::Instance().SetModified(true);
     }
 
     QString Folder() const { return m_fixture.Path({}); }
@@ -209,7 +209,7 @@ void tst_WriteFaults::LeaveWholeFiles()
     const QStringList log = project.log.Messages();
     QVERIFY2(!isSaved && log.contains("Error: Failed to open file 'p.xml' for writing."),
              qPrintable(log.join('\n')));
-    QVERIFY(ProjectSettings::Instance().modified);
+    QVERIFY(ProjectSettings::Instance().IsModified());
     const QMap<QString, QByteArray> left = project.Files();
     for (auto it = left.begin(); it != left.end(); ++it) {
         QVERIFY2(before.contains(it.key()), qPrintable("Left behind: " + it.key()));
@@ -236,7 +236,7 @@ void tst_WriteFaults::FilesInFoldersThatTakeNoneAreOverwritten()
     const std::shared_ptr<void> locked = LetFilesBeOverwritten(project.Folder());
     project.SaveAll();
 
-    QVERIFY(!ProjectSettings::Instance().modified);
+    QVERIFY(!ProjectSettings::Instance().IsModified());
     QCOMPARE(project.Files(), after);
 }
 
@@ -247,14 +247,14 @@ void tst_WriteFaults::NamesTooLongForFilesAreReported()
     const QMap<QString, QByteArray> before = project.Files();
     project.layers.Layers().constFirst()->setText(QString(300, 'x'));
     project.types.Types().constFirst()->setText(QString(300, 'y'));
-    ProjectSettings::Instance().modified = true;
+    ProjectSettings::Instance().SetModified(true);
     project.log.Take();
 
     project.SaveDocument();
     QVERIFY(!project.ExportTypes());
 
     QVERIFY(project.log.Messages().contains("Error: 1 layer bitmaps could not be saved."));
-    QVERIFY(ProjectSettings::Instance().modified);
+    QVERIFY(ProjectSettings::Instance().IsModified());
     QCOMPARE(project.Files().keys(), before.keys());
     QCOMPARE(project.Files().value("layers/first.tga"), before["layers/first.tga"]);
 }

@@ -162,7 +162,8 @@ void tst_BrushDock::HasItsForm()
     QFETCH(QString, object);
     QFETCH(QString, property);
     QFETCH(QVariant, value);
-    const BrushDock dock;
+    Brush brush;
+    const BrushDock dock(brush);
     const auto* widget = object == dock.objectName() ? static_cast<const QWidget*>(&dock)
                                                      : dock.findChild<QWidget*>(object);
     QVERIFY(widget);
@@ -175,7 +176,8 @@ void tst_BrushDock::HasItsForm()
 
 void tst_BrushDock::HasItsLayouts()
 {
-    const BrushDock dock;
+    Brush brush;
+    const BrushDock dock(brush);
     QCOMPARE(dock.widget()->objectName(), QStringLiteral("widget"));
     QCOMPARE(dock.widget()->layout()->objectName(), QStringLiteral("verticalLayout"));
     QVERIFY(qobject_cast<QVBoxLayout*>(dock.widget()->layout()));
@@ -192,7 +194,8 @@ void tst_BrushDock::HasItsLayouts()
 
 void tst_BrushDock::ShowsTheInitialBrush()
 {
-    BrushDock dock;
+    Brush brush;
+    BrushDock dock(brush);
     const auto* box = Child<GroupBoxColor>(dock, "gboBrushColor");
     QCOMPARE(Child<QSlider>(*box, "slider")->value(), 255);
     QCOMPARE(Child<QLabel>(*box, "label")->text(), QStringLiteral("<strong>100%</strong>"));
@@ -205,7 +208,8 @@ void tst_BrushDock::ShowsTheInitialBrush()
 
 void tst_BrushDock::FitsItsSize()
 {
-    BrushDock dock;
+    Brush brush;
+    BrushDock dock(brush);
     dock.SetSize(256);
     dock.show();
     const auto widgets = dock.widget()->findChildren<QWidget*>();
@@ -240,7 +244,8 @@ void tst_BrushDock::SetsTheSize()
 {
     QFETCH(int, size);
     QFETCH(int, expected);
-    BrushDock dock;
+    Brush brush;
+    BrushDock dock(brush);
     const QSignalSpy changed(&dock, &BrushDock::Changed);
     dock.SetSize(size);
     QCOMPARE(dock.GetBrush()->Size(), expected);
@@ -263,7 +268,8 @@ void tst_BrushDock::GrowsAndShrinks_data()
 void tst_BrushDock::GrowsAndShrinks()
 {
     QFETCH(int, start);
-    BrushDock dock;
+    Brush brush;
+    BrushDock dock(brush);
     dock.SetSize(start);
     dock.GrowBy(25);
     QTEST(dock.GetBrush()->Size(), "grown");
@@ -280,7 +286,8 @@ void tst_BrushDock::GrowsAndShrinks()
 
 void tst_BrushDock::SizesWithTheSlider()
 {
-    BrushDock dock;
+    Brush brush;
+    BrushDock dock(brush);
     const QSignalSpy changed(&dock, &BrushDock::Changed);
     auto* slider = Child<QSlider>(dock, "sldBrushSize");
     QTest::keyClick(slider, Qt::Key_Right);
@@ -293,7 +300,8 @@ void tst_BrushDock::SizesWithTheSlider()
 
 void tst_BrushDock::PicksTheCursorColor()
 {
-    BrushDock dock;
+    Brush brush;
+    BrushDock dock(brush);
     dock.SetAlpha(77, 0.5F);
     const QSignalSpy changed(&dock, &BrushDock::Changed);
     Pick(Child<GroupBoxColor>(dock, "gboBrushColor")->findChild<ButtonColor*>(), QColor(9, 8, 7));
@@ -306,7 +314,8 @@ void tst_BrushDock::PicksTheCursorColor()
 
 void tst_BrushDock::SlidesTheCursorAlpha()
 {
-    BrushDock dock;
+    Brush brush;
+    BrushDock dock(brush);
     const QSignalSpy changed(&dock, &BrushDock::Changed);
     QTest::keyClick(Child<QSlider>(*Child<GroupBoxColor>(dock, "gboBrushColor"), "slider"),
                     Qt::Key_Left);
@@ -319,7 +328,8 @@ void tst_BrushDock::SlidesTheCursorAlpha()
 
 void tst_BrushDock::PicksTheOutlineColor()
 {
-    BrushDock dock;
+    Brush brush;
+    BrushDock dock(brush);
     dock.GetBrush()->SetOutlineColor(QColor(0, 0, 0, 5));
     auto* box = Child<QGroupBox>(dock, "gboBrushOutline");
     ClickTheCheckBox(box); // Its contents are disabled while it is unchecked.
@@ -331,7 +341,8 @@ void tst_BrushDock::PicksTheOutlineColor()
 
 void tst_BrushDock::TakesTheOutlineColorWithItsAlpha()
 {
-    BrushDock dock;
+    Brush brush;
+    BrushDock dock(brush);
     const QSignalSpy changed(&dock, &BrushDock::Changed);
     dock.SetOutlineColor(QColor(1, 2, 3, 4));
     QCOMPARE(dock.GetBrush()->OutlineColor(), QColor(1, 2, 3, 4));
@@ -340,7 +351,8 @@ void tst_BrushDock::TakesTheOutlineColorWithItsAlpha()
 
 void tst_BrushDock::SlidesTheOutlineWidth()
 {
-    BrushDock dock;
+    Brush brush;
+    BrushDock dock(brush);
     ClickTheCheckBox(Child<QGroupBox>(dock, "gboBrushOutline"));
     const QSignalSpy changed(&dock, &BrushDock::Changed);
     QTest::keyClick(Child<QSlider>(dock, "sldBrushOutlineWidth"), Qt::Key_PageUp);
@@ -351,7 +363,8 @@ void tst_BrushDock::SlidesTheOutlineWidth()
 
 void tst_BrushDock::ClicksTheOutline()
 {
-    BrushDock dock;
+    Brush brush;
+    BrushDock dock(brush);
     dock.show();
     const QSignalSpy changed(&dock, &BrushDock::Changed);
     auto* box = Child<QGroupBox>(dock, "gboBrushOutline");
@@ -371,7 +384,8 @@ void tst_BrushDock::ClicksTheOutline()
 
 void tst_BrushDock::SetsThePaintColor()
 {
-    BrushDock dock;
+    Brush brush;
+    BrushDock dock(brush);
     const QSignalSpy changed(&dock, &BrushDock::Changed);
     dock.SetPaintColor(qRgba(1, 2, 3, 4));
     QCOMPARE(dock.GetBrush()->PaintColor(), QColor(1, 2, 3, 255));
@@ -381,12 +395,12 @@ void tst_BrushDock::SetsThePaintColor()
 
 void tst_BrushDock::RefreshesFromTheBrush()
 {
-    BrushDock dock;
-    Brush* brush = dock.GetBrush();
-    brush->SetColor(QColor(1, 2, 3, 51));
-    brush->SetOutlineColor(QColor(4, 5, 6, 7));
-    brush->SetOutlineWidth(4);
-    brush->SetSize(99);
+    Brush brush;
+    BrushDock dock(brush);
+    brush.SetColor(QColor(1, 2, 3, 51));
+    brush.SetOutlineColor(QColor(4, 5, 6, 7));
+    brush.SetOutlineWidth(4);
+    brush.SetSize(99);
     const QSignalSpy changed(&dock, &BrushDock::Changed);
     dock.Refresh();
     QVERIFY(changed.count() > 0);
@@ -399,17 +413,18 @@ void tst_BrushDock::RefreshesFromTheBrush()
     QVERIFY(Child<QGroupBox>(dock, "gboBrushOutline")->isChecked());
     QCOMPARE(Child<QSlider>(dock, "sldBrushOutlineWidth")->value(), 4);
     QCOMPARE(Text(dock, "lblBrushOutlineWidth"), QStringLiteral("4"));
-    QCOMPARE(brush->Color(), QColor(1, 2, 3, 51));
-    QCOMPARE(brush->OutlineColor(), QColor(4, 5, 6, 7));
-    QCOMPARE(brush->Size(), 99);
-    brush->SetOutline(false);
+    QCOMPARE(brush.Color(), QColor(1, 2, 3, 51));
+    QCOMPARE(brush.OutlineColor(), QColor(4, 5, 6, 7));
+    QCOMPARE(brush.Size(), 99);
+    brush.SetOutline(false);
     dock.Refresh();
     QVERIFY(!Child<QGroupBox>(dock, "gboBrushOutline")->isChecked());
 }
 
 void tst_BrushDock::ClampsWhatTheSlidersCannotShow()
 {
-    BrushDock dock;
+    Brush brush;
+    BrushDock dock(brush);
     dock.GetBrush()->SetSize(300);
     dock.GetBrush()->SetOutlineWidth(50);
     QCOMPARE(dock.GetBrush()->Size(), 300);
@@ -427,7 +442,8 @@ void tst_BrushDock::ClampsWhatTheSlidersCannotShow()
 
 void tst_BrushDock::TakesTheWheelOnlyWithFocus()
 {
-    BrushDock dock;
+    Brush brush;
+    BrushDock dock(brush);
     dock.show();
     ClickTheCheckBox(Child<QGroupBox>(dock, "gboBrushOutline"));
     QApplication::setActiveWindow(&dock);
@@ -446,7 +462,8 @@ void tst_BrushDock::TakesTheWheelOnlyWithFocus()
 
 void tst_BrushDock::TabsInTheOrderOfTheEye()
 {
-    BrushDock dock;
+    Brush brush;
+    BrushDock dock(brush);
     dock.show();
     ClickTheCheckBox(Child<QGroupBox>(dock, "gboBrushOutline"));
     QApplication::setActiveWindow(&dock);

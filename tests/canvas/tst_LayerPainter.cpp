@@ -1,9 +1,10 @@
 #include "canvas/LayerPainter.h"
 
-#include "canvas/Brush.h"
+#include "document/Brush.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "layers/raster/Mask.h"
+#include "layers/raster/MaskDelta.h"
 #include "tests/support/LiteralCanvas.h"
 #include "tests/support/LogSpy.h"
 #include "tests/support/Masks.h"
@@ -33,6 +34,9 @@ public:
     explicit Editing(QSize size);
 
     void RandomStep();
+    /// A stroke from press to release that is recorded, and given back by what was recorded or by
+    /// the painter itself.
+    void RandomStroke();
     void Compare() const;
 
 private:
@@ -210,6 +214,43 @@ void Editing::RandomStep()
     }
 }
 
+void Editing::RandomStroke()
+{
+    ChangeSomething();
+    if (!Current().layer->List()) {
+        // It keeps its mask.
+        Load(0);
+    }
+    Layer& layer = *Current().layer;
+    const QByteArray before = Indices(layer.Image());
+    m_painter.BeginStroke();
+    m_action = m_random.Below(3) == 0 ? BrushAction::Erase : BrushAction::Paint;
+    m_brush.SetSize(m_random.Between(1, 40));
+    Move(m_action, true);
+    for (int i = m_random.Below(12); i > 0 && !QTest::currentTestFailed(); --i) {
+        if (m_random.Below(15) == 0) {
+            layer.SetColor(RandomColor());
+            m_brush.SetPaintColor(m_random.Below(2) == 0 ? RandomColor() : layer.Color());
+        }
+        Move(m_action, false);
+    }
+    Compare();
+    const QByteArray after = Indices(layer.Image());
+    const bool isCancelled = m_random.Below(2) == 0;
+    if (isCancelled) {
+        m_painter.CancelStroke();
+    } else {
+        raster::MaskDelta delta = m_painter.EndStroke();
+        QCOMPARE(delta.IsEmpty(), after == before);
+        m_painter.Load(nullptr);
+        layer.SwapPixels(delta);
+    }
+    QCOMPARE(Indices(layer.Image()), before);
+    Current().mask = layer.Image().copy();
+    Load(m_current);
+    Compare();
+}
+
 void Editing::Compare() const
 {
     for (const LayerUnderTest& each : m_layers) {
@@ -249,6 +290,8 @@ class tst_LayerPainter : public QObject
 private slots:
     void PaintsAsTheWholeImageRuleSays_data();
     void PaintsAsTheWholeImageRuleSays();
+    void RecordsWhatAStrokeChanges_data();
+    void RecordsWhatAStrokeChanges();
     void NeverMovesTheImageDuringAStroke_data();
     void NeverMovesTheImageDuringAStroke();
     void MovesTheImageOnceForOtherValues();
@@ -293,6 +336,23 @@ void tst_LayerPainter::PaintsAsTheWholeImageRuleSays()
     }
 }
 
+void tst_LayerPainter::RecordsWhatAStrokeChanges_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("197 x 161") << QSize(197, 161);
+    QTest::newRow("128 x 64") << QSize(128, 64);
+    QTest::newRow("1 x 1") << QSize(1, 1);
+}
+
+void tst_LayerPainter::RecordsWhatAStrokeChanges()
+{
+    QFETCH(QSize, size);
+    Editing editing(size);
+    for (int i = 0; i < 150 && !QTest::currentTestFailed(); ++i) {
+        editing.RandomStroke();
+    }
+}
+
 void tst_LayerPainter::NeverMovesTheImageDuringAStroke_data()
 {
     QTest::addColumn<QSize>("size");
@@ -315,6 +375,7 @@ void tst_LayerPainter::NeverMovesTheImageDuringAStroke()
     for (const BrushAction action : {BrushAction::Paint, BrushAction::Erase}) {
         QPointF from(20, 20);
         brush.SetPosition(from);
+        painter.BeginStroke();
         painter.Dab(brush, action);
         for (int i = 0; i < 50; ++i) {
             brush.SetPosition(from + QPointF(5, 3));
@@ -322,6 +383,7 @@ void tst_LayerPainter::NeverMovesTheImageDuringAStroke()
             from = brush.Position();
             QCOMPARE(layer.Image().constBits(), pixels);
         }
+        painter.EndStroke();
     }
 }
 

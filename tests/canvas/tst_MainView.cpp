@@ -173,7 +173,8 @@ void tst_MainView::ShowsWhatIsEditedInItsPlace()
 void tst_MainView::TakesTheBrushOfTheDock()
 {
     MainView view;
-    BrushDock dock;
+    Brush brush;
+    BrushDock dock(brush);
     view.SetBrushDock(&dock);
     QCOMPARE(Ruler(view, true)->Unit(), 7.5F);
     QCOMPARE(Ruler(view, false)->Unit(), 7.5F);

@@ -308,7 +308,7 @@ void tst_ScenePainting::MovesWithoutAButtonKeepTheMask()
     mask.setPixel(0, 0, 100);
     layer->SetImage(mask, Qt::red);
     canvas.Edit(layer);
-    canvas.Modified() = false;
+    canvas.TakeModified();
     QCOMPARE(layer->Image().pixelIndex(0, 0), 100);
     canvas.Move({100, 100}, Qt::NoButton);
     QCOMPARE(layer->Image().pixelIndex(0, 0), 100);
@@ -447,7 +447,7 @@ void tst_ScenePainting::IgnoresButtonsThatDoNothing()
     Zone* zone = canvas.AddZone({100, 50});
     QSignalSpy query(&canvas.view, &MainView::TerritorySelected);
     canvas.Scene().ChangeMode(mode);
-    canvas.Modified() = false;
+    canvas.TakeModified();
     for (int i = 0; i < 2; ++i) {
         canvas.Press({100, 50}, button);
         canvas.Move({120, 60}, button);

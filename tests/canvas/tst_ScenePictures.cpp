@@ -132,7 +132,7 @@ void tst_ScenePictures::KeepsTheWorldPictureWhenAnotherCannotBeScaled()
 void tst_ScenePictures::OverlaysOpaqueColorsAtTheirOpacity()
 {
     CanvasFixture canvas;
-    ProjectSettings::Instance().backgroundColor = QColor(1, 2, 3, 4);
+    ProjectSettings::Instance().SetBackgroundColor(QColor(1, 2, 3, 4));
     auto* overlay = ItemOf<OverlayItem>(canvas, OverlayZ);
     const QColor color(10, 20, 30, 77);
     canvas.Scene().ChangeWorldRGBA(color);
@@ -140,17 +140,17 @@ void tst_ScenePictures::OverlaysOpaqueColorsAtTheirOpacity()
     QCOMPARE(picture.size(), QSize(200, 160));
     QCOMPARE(picture.pixel(199, 159), qRgb(10, 20, 30));
     QCOMPARE(overlay->opacity(), color.alphaF());
-    QCOMPARE(ProjectSettings::Instance().backgroundColor, QColor(1, 2, 3, 4));
+    QCOMPARE(ProjectSettings::Instance().BackgroundColor(), QColor(1, 2, 3, 4));
 }
 
 void tst_ScenePictures::OverlaysColorsWithTheirAlpha()
 {
     CanvasFixture canvas;
-    ProjectSettings::Instance().backgroundColor = QColor(1, 2, 3, 4);
+    ProjectSettings::Instance().SetBackgroundColor(QColor(1, 2, 3, 4));
     auto* overlay = ItemOf<OverlayItem>(canvas, OverlayZ);
     overlay->setOpacity(0.25);
     canvas.Scene().ChangeWorldColor(QColor(200, 100, 50, 128));
-    QCOMPARE(ProjectSettings::Instance().backgroundColor, QColor(200, 100, 50, 4));
+    QCOMPARE(ProjectSettings::Instance().BackgroundColor(), QColor(200, 100, 50, 4));
     const QImage picture = overlay->pixmap().toImage();
     QCOMPARE(picture.size(), QSize(200, 160));
     QCOMPARE(qAlpha(picture.pixel(3, 3)), 128);
@@ -160,10 +160,10 @@ void tst_ScenePictures::OverlaysColorsWithTheirAlpha()
 void tst_ScenePictures::SetsTheOverlaysOpacity()
 {
     CanvasFixture canvas;
-    ProjectSettings::Instance().backgroundColor = QColor(1, 2, 3, 4);
+    ProjectSettings::Instance().SetBackgroundColor(QColor(1, 2, 3, 4));
     canvas.Scene().ChangeWorldColor(Qt::red);
     canvas.Scene().ChangeWorldAlpha(99, 0.75F);
-    QCOMPARE(ProjectSettings::Instance().backgroundColor, QColor(255, 0, 0, 99));
+    QCOMPARE(ProjectSettings::Instance().BackgroundColor(), QColor(255, 0, 0, 99));
     auto* overlay = ItemOf<OverlayItem>(canvas, OverlayZ);
     QCOMPARE(overlay->opacity(), 0.75);
     QCOMPARE(overlay->pixmap().toImage().pixel(0, 0), qRgb(255, 0, 0));

@@ -18,6 +18,8 @@ private slots:
     void PassesColorsToTheTerritory();
     void AnnouncesTheSelection();
     void InsertsZones();
+    void InsertsTheZoneShownLast();
+    void InsertingIsOneStep();
     void InsertsNothingWithoutATerritory();
     void SelectsAndMovesZones();
     void IsModifiedWhenADragEndsElsewhere_data();
@@ -31,6 +33,7 @@ private slots:
     void QueriesTheTerritoryThatHoldsACopy();
     void QueriesNothingElse();
     void RemovesTheSelection();
+    void UndoBringsRemovedZonesBack();
     void RemovesZonesOfOtherTerritories();
     void RemovesZonesThatTheAnswerDestroys();
     void IsModifiedByRemovingNothing();
@@ -85,7 +88,7 @@ void tst_SceneZones::InsertsZones()
     canvas.Scene().ChangeTerritory(canvas.territory);
     canvas.Scene().ChangeMode(SceneMode::Insert);
     QSignalSpy inserted(&canvas.Scene(), &MainScene::ZoneInserted);
-    canvas.Modified() = false;
+    canvas.TakeModified();
     const QPointF center = canvas.view.mapToScene(150, 140);
     canvas.Press(center);
     QCOMPARE(inserted.size(), 1);
@@ -111,12 +114,49 @@ void tst_SceneZones::InsertsZones()
     QCOMPARE(inserted.last().first().value<Zone*>()->Radius(), 40.0F);
 }
 
+void tst_SceneZones::InsertsTheZoneShownLast()
+{
+    CanvasFixture canvas;
+    canvas.Scene().ChangeTerritory(canvas.territory);
+    canvas.Scene().ChangeMode(SceneMode::Insert);
+    ZoneValues values = canvas.document.ZoneTemplate();
+    values.counts.staticMax = 12;
+    values.radius = 25;
+    values.usage = Zone::DynamicEvent;
+    values.eventName = "Caravan";
+    values.depth = 48;
+    canvas.document.SetZoneTemplate(values);
+    canvas.Click({50, 50});
+    QVERIFY(canvas.territory->Zones().last()->Values() == values);
+    QCOMPARE(canvas.type->Totals().staticMax, 12);
+}
+
+void tst_SceneZones::InsertingIsOneStep()
+{
+    CanvasFixture canvas;
+    canvas.territory->setText("South woods");
+    canvas.Scene().ChangeTerritory(canvas.territory);
+    canvas.Scene().ChangeMode(SceneMode::Insert);
+    canvas.Click({50, 50});
+    canvas.Click({70, 50});
+    QCOMPARE(canvas.document.History().count(), 2);
+    QCOMPARE(canvas.document.History().undoText(), QString("Add zone to South woods"));
+    const QList<Zone*> both = canvas.territory->Zones().values();
+    canvas.document.Undo();
+    QCOMPARE(canvas.territory->Zones().values(), QList<Zone*>({both.first()}));
+    QCOMPARE(both.last()->scene(), nullptr);
+    canvas.document.Redo();
+    QCOMPARE(canvas.territory->Zones().values(), both);
+    QCOMPARE(both.last()->scene(), &canvas.Scene());
+    QCOMPARE(both.last()->pos(), QPointF(70, 50));
+}
+
 void tst_SceneZones::InsertsNothingWithoutATerritory()
 {
     CanvasFixture canvas;
     canvas.Scene().ChangeMode(SceneMode::Insert);
     QSignalSpy inserted(&canvas.Scene(), &MainScene::ZoneInserted);
-    canvas.Modified() = false;
+    canvas.TakeModified();
     canvas.Click({50, 50});
     QVERIFY(inserted.isEmpty());
     QVERIFY(!canvas.TakeModified());
@@ -163,7 +203,7 @@ void tst_SceneZones::IsModifiedWhenADragEndsElsewhere()
     Zone* zone = canvas.AddZone({50, 50});
     Zone* other = canvas.AddZone({120, 100});
     canvas.Scene().ChangeMode(SceneMode::Select);
-    canvas.Modified() = false;
+    canvas.TakeModified();
     if (drag == "click") {
         canvas.Click({50, 50});
     } else if (drag == "move") {
@@ -226,7 +266,7 @@ void tst_SceneZones::LosesZonesWithTheMouse()
     canvas.Move({90, 90});
     QCOMPARE(zone->pos(), QPointF(60, 70));
     QCOMPARE(canvas.Scene().mouseGrabberItem(), nullptr);
-    canvas.Modified() = false;
+    canvas.TakeModified();
     // The drag has ended and counts only once.
     QCoreApplication::sendEvent(canvas.view.viewport(), &event);
     QVERIFY(!canvas.TakeModified());
@@ -245,7 +285,7 @@ void tst_SceneZones::NoticesADragWhoseReleaseIsMissing()
     canvas.Scene().ChangeMode(SceneMode::Select);
     canvas.Press({50, 50});
     canvas.Move({60, 70});
-    canvas.Modified() = false;
+    canvas.TakeModified();
     canvas.Press({120, 100});
     QVERIFY(canvas.TakeModified());
     canvas.Move({130, 110});
@@ -274,11 +314,11 @@ void tst_SceneZones::AsksForTheTerritoryBeforeItSelects()
     CanvasFixture canvas;
     Zone* zone = canvas.AddZone({50, 50});
     Zone* below = canvas.AddZone({55, 50}, 30);
-    zone->BringToFront();
+    zone->SetDepth(zone->DepthInFront());
     Zone* selectedBefore = canvas.AddZone({150, 100});
     selectedBefore->setSelected(true);
     canvas.Scene().ChangeMode(SceneMode::Query);
-    canvas.Modified() = false;
+    canvas.TakeModified();
     QSignalSpy query(&canvas.view, &MainView::TerritorySelected);
     bool wasSelected = true;
     connect(&canvas.view, &MainView::TerritorySelected, this, [&] {
@@ -366,7 +406,7 @@ void tst_SceneZones::RemovesTheSelection()
     kept->SetStaticMax(1);
     QCOMPARE(canvas.type->Totals().staticMax, 31);
     canvas.Scene().ChangeTerritory(canvas.territory);
-    canvas.Modified() = false;
+    canvas.TakeModified();
     int zonesAtSignal = -1;
     connect(&canvas.Scene(), &MainScene::ZoneSelected, this,
             [&](const QList<QGraphicsItem*>& items) {
@@ -380,6 +420,36 @@ void tst_SceneZones::RemovesTheSelection()
     QCOMPARE(canvas.territory->Totals().staticMax, 1);
     QCOMPARE(canvas.type->Totals().staticMax, 1);
     QCOMPARE(canvas.Scene().items().size(), 6);
+}
+
+void tst_SceneZones::UndoBringsRemovedZonesBack()
+{
+    CanvasFixture canvas;
+    canvas.Scene().ChangeTerritory(canvas.territory);
+    Zone* kept = canvas.AddZone({20, 20});
+    Territory* other = canvas.type->NewTerritory();
+    Zone* first = canvas.AddZone({60, 50});
+    auto* second = new Zone(other, 10.0F);
+    other->AddZone(second);
+    canvas.Scene().addItem(second);
+    for (Zone* zone : {first, second}) {
+        zone->SetStaticMax(10);
+        zone->setSelected(true);
+    }
+    canvas.Scene().RemoveSelection();
+    QCOMPARE(canvas.document.History().count(), 1);
+    QCOMPARE(canvas.document.History().undoText(), QString("Remove 2 zones"));
+    QVERIFY(!first->scene() && !second->scene());
+    canvas.document.Undo();
+    QCOMPARE(canvas.territory->Zones().values(), QList<Zone*>({kept, first}));
+    QCOMPARE(other->Zones().values(), QList<Zone*>({second}));
+    QCOMPARE(first->scene(), &canvas.Scene());
+    QCOMPARE(canvas.type->Totals().staticMax, 20);
+    QVERIFY(canvas.Scene().selectedItems().isEmpty());
+    canvas.document.Redo();
+    QCOMPARE(canvas.territory->Zones().values(), QList<Zone*>({kept}));
+    QVERIFY(other->Zones().isEmpty());
+    QCOMPARE(canvas.type->Totals().staticMax, 0);
 }
 
 void tst_SceneZones::RemovesZonesOfOtherTerritories()
@@ -415,9 +485,10 @@ void tst_SceneZones::RemovesZonesThatTheAnswerDestroys()
 void tst_SceneZones::IsModifiedByRemovingNothing()
 {
     CanvasFixture canvas;
-    canvas.Modified() = false;
+    canvas.TakeModified();
     canvas.Scene().RemoveSelection();
     QVERIFY(canvas.TakeModified());
+    QCOMPARE(canvas.document.History().count(), 0);
 }
 
 QTEST_MAIN(tst_SceneZones)

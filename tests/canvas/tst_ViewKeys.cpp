@@ -151,8 +151,10 @@ void tst_ViewKeys::BothBracketsHeldCancelOut()
 void tst_ViewKeys::HeldKeysAreThoseOfTheProgram()
 {
     CanvasFixture canvas;
+    Document document;
     MainView other;
-    BrushDock dock;
+    BrushDock dock(document.GetBrush());
+    other.SetDocument(document);
     other.SetBrushDock(&dock);
     other.Scene()->ChangeMode(SceneMode::Paint);
     canvas.Scene().ChangeMode(SceneMode::Paint);
@@ -275,8 +277,9 @@ void tst_ViewKeys::OtherKeysGoOnToTheMap()
     };
     canvas.Scene().ChangeMode(SceneMode::Paint);
     for (const int key : {Qt::Key_F5, Qt::Key_Left, Qt::Key_BracketLeft, Qt::Key_BraceRight,
-                          Qt::Key_Space, Qt::Key_S, Qt::Key_C}) {
-        const bool isConsumed = key != Qt::Key_F5 && key != Qt::Key_Left && key != Qt::Key_C;
+                          Qt::Key_Space, Qt::Key_S, Qt::Key_C, Qt::Key_Escape}) {
+        const bool isConsumed =
+            key != Qt::Key_F5 && key != Qt::Key_Left && key != Qt::Key_C && key != Qt::Key_Escape;
         QVERIFY(!reached(QEvent::KeyPress, key, true));
         QCOMPARE(reached(QEvent::KeyPress, key, false), !isConsumed);
         QVERIFY(!reached(QEvent::KeyRelease, key, true));
@@ -338,7 +341,7 @@ void tst_ViewKeys::ArrowsNudgeTheSelection()
         first->setSelected(true);
         second->setSelected(true);
         canvas.Scene().ChangeMode(SceneMode::Select);
-        canvas.Modified() = false;
+        canvas.TakeModified();
         QTest::keyPress(&canvas.view, key, modifiers);
         QCOMPARE(first->pos(), QPointF(50.5, 50) + direction * step);
         Tick(canvas.view);

@@ -44,14 +44,14 @@ void tst_ViewSelection::CopiesAndPastesZones()
     first->SetStaticMax(5);
     first->SetUsage(Zone::DynamicEvent);
     first->SetEventName("Caravan");
-    first->BringToFront();
+    first->SetDepth(first->DepthInFront());
     first->setSelected(true);
     second->setSelected(true);
     canvas.Scene().ChangeMode(SceneMode::Select);
     QTest::keyClick(&canvas.view, Qt::Key_C, Qt::ControlModifier);
     QCOMPARE(canvas.territory->Zones().size(), 2);
     canvas.Move({120, 100}, Qt::NoButton);
-    canvas.Modified() = false;
+    canvas.TakeModified();
     QTest::keyClick(&canvas.view, Qt::Key_V, Qt::ControlModifier);
     QVERIFY(canvas.TakeModified());
     const QList<Zone*> zones = canvas.territory->Zones().values();
@@ -146,7 +146,7 @@ void tst_ViewSelection::SwallowsCopyAndPaste()
             QTest::keyClick(&canvas.view, Qt::Key_C, Qt::ControlModifier);
         }
         canvas.Scene().ChangeTerritory(hasTerritory ? canvas.territory : nullptr);
-        canvas.Modified() = false;
+        canvas.TakeModified();
         for (const Qt::Key key : {Qt::Key_C, Qt::Key_V}) {
             QKeyEvent event(QEvent::KeyPress, key, modifiers);
             QTest::keyClick(&canvas.view, Qt::Key_F5, modifiers); // Sets the modifiers.
@@ -176,7 +176,7 @@ void tst_ViewSelection::ForgetsDestroyedZonesInTheClipboard()
     canvas.type->RemoveTerritory(canvas.territory->Id());
     Territory* next = canvas.type->NewTerritory();
     canvas.Scene().ChangeTerritory(next);
-    canvas.Modified() = false;
+    canvas.TakeModified();
     QTest::keyClick(&canvas.view, Qt::Key_V, Qt::ControlModifier);
     QVERIFY(next->Zones().isEmpty());
     QVERIFY(!canvas.TakeModified());
@@ -211,7 +211,7 @@ void tst_ViewSelection::DeletesTheSelection()
                 canvas.AddZone({50, 50})->setSelected(true);
                 canvas.Scene().ChangeMode(mode);
                 canvas.Scene().ChangeTerritory(hasTerritory ? canvas.territory : nullptr);
-                canvas.Modified() = false;
+                canvas.TakeModified();
                 QTest::keyClick(&canvas.view, Qt::Key_D, modifier);
                 const bool isDeleted =
                     mode == SceneMode::Select && hasTerritory && modifier == Qt::ShiftModifier;

@@ -107,17 +107,17 @@ void CompareWithLayers(const LayerList& layers, int usageBits, int valueBits)
     QVERIFY(layers.SaveMap(map));
     const QJsonObject read = ReadAsJson({map, "--pictures", folder.path()});
     const ProjectSettings& settings = ProjectSettings::Instance();
-    QCOMPARE(read["layer"].toArray(), QJsonArray({settings.layerWidth, settings.layerHeight}));
-    QCOMPARE(read["world"].toArray(), QJsonArray({settings.worldWidth, settings.worldHeight}));
+    QCOMPARE(read["layer"].toArray(), QJsonArray({settings.LayerWidth(), settings.LayerHeight()}));
+    QCOMPARE(read["world"].toArray(), QJsonArray({settings.WorldWidth(), settings.WorldHeight()}));
     const QByteArray header = QStringLiteral("P5\n%1 %2\n255\n")
-                                  .arg(settings.layerWidth)
-                                  .arg(settings.layerHeight)
+                                  .arg(settings.LayerWidth())
+                                  .arg(settings.LayerHeight())
                                   .toLatin1();
     for (const FlagKind& kind : {FlagKind{"usage", "usages", &Layer::UsageFlags, usageBits},
                                  FlagKind{"value", "values", &Layer::ValueFlags, valueBits}}) {
         QVector<int> counts;
         const int pixelsPerWord = kind.bits > 0 ? 32 / kind.bits : 1;
-        const int storedWidth = settings.layerWidth / pixelsPerWord * pixelsPerWord;
+        const int storedWidth = settings.LayerWidth() / pixelsPerWord * pixelsPerWord;
         for (int flag = 0; flag < kind.bits; ++flag) {
             const QByteArray expected = ExpectedMask(layers, kind.flags, flag, storedWidth);
             counts.append(expected.count('\xFF'));
@@ -166,7 +166,7 @@ void tst_AreaMapReader::ReadsTheBatchMapOfTheExample()
 void tst_AreaMapReader::ReadsEveryFlagOfTheExample()
 {
     const ProjectFixture restoresTheSettings;
-    ProjectSettings::Instance().projectDir = QDir(QStringLiteral(QUILLMAP_EXAMPLE_FOLDER));
+    ProjectSettings::Instance().SetDir(QDir(QStringLiteral(QUILLMAP_EXAMPLE_FOLDER)));
     QFile document(QStringLiteral(QUILLMAP_EXAMPLE_FOLDER "/highlands.xml"));
     QVERIFY(document.open(QIODevice::ReadOnly));
     LayerList layers;
@@ -200,9 +200,7 @@ void tst_AreaMapReader::ReadsEveryPixelOfAnyMap()
     QFETCH(int, valueTypes);
     QFETCH(int, valueBits);
     const ProjectFixture project(size, {1000, 700});
-    AreaFlagTypes& types = ProjectSettings::Instance().areaFlagTypes;
-    types.usages = Names(usageTypes);
-    types.values = Names(valueTypes);
+    ProjectSettings::Instance().SetFlagTypes({Names(usageTypes), Names(valueTypes)});
     Random random;
     LayerList layers;
     const auto flagsOf = [&random](int count) {

@@ -1,6 +1,6 @@
 #include "app/BatchExport.h"
+#include "app/ProjectReader.h"
 #include "app/ProjectSettings.h"
-#include "app/Xml.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "layers/raster/Mask.h"
@@ -104,29 +104,22 @@ private:
 void tst_Example::initTestCase()
 {
     ProjectSettings& settings = ProjectSettings::Instance();
-    settings.projectDir = QDir(ExampleFolder());
+    settings.SetDir(QDir(ExampleFolder()));
     QFile file(ExampleFolder() + QStringLiteral("/highlands.xml"));
     QVERIFY(file.open(QIODevice::ReadOnly));
-    QXmlStreamReader xml(&file);
-    const XmlHandlers handlers = {
-        {QLatin1String("global"),
-         [&settings](QXmlStreamReader& element) {
-             settings.ReadXml(element);
-             return true;
-         }},
-        {QLatin1String("areas"),
-         [&settings](QXmlStreamReader& element) {
-             return settings.areaFlagTypes.ReadXml(element);
-         }},
-        {QLatin1String("layers"),
-         [this](QXmlStreamReader& element) { return m_layers.ReadXml(element); }},
-        {QLatin1String("territory-type-list"),
-         [this](QXmlStreamReader& element) { return m_types.Read(element, nullptr); }},
-    };
-    QVERIFY(WalkXml(xml, handlers, {}));
-    QVERIFY(!xml.hasError());
+    ProjectReader reader(file);
+    const auto readLayers = [this](QXmlStreamReader& xml) { return m_layers.ReadXml(xml); };
+    const auto readTypes = [this](QXmlStreamReader& xml) { return m_types.Read(xml, nullptr); };
+    QVERIFY(reader.Read({[](QXmlStreamReader&) {}, readLayers, readTypes}));
+    // It is whole.
+    QVERIFY(file.seek(0));
+    QXmlStreamReader whole(&file);
+    while (!whole.atEnd()) {
+        whole.readNext();
+    }
+    QVERIFY(!whole.hasError());
     QCOMPARE(settings.LayerSize(), QSize(2048, 2048));
-    QCOMPARE(settings.worldWidth, 15360);
+    QCOMPARE(settings.WorldWidth(), 15360);
 }
 
 void tst_Example::HoldsAllLayers()
@@ -145,7 +138,7 @@ void tst_Example::HoldsAllLayers()
 
 void tst_Example::LayersHaveFlagsAndColours()
 {
-    const AreaFlagTypes& types = ProjectSettings::Instance().areaFlagTypes;
+    const AreaFlagTypes& types = ProjectSettings::Instance().FlagTypes();
     QCOMPARE(types.usages.size(), 6);
     QCOMPARE(types.values.size(), 4);
     QSet<QRgb> colors;
@@ -204,7 +197,7 @@ void tst_Example::ZonesAreSensible()
             QVERIFY(counts.staticMin >= 0 && counts.staticMin <= counts.staticMax);
             QVERIFY(counts.dynamicMin >= 0 && counts.dynamicMin <= counts.dynamicMax);
             QVERIFY(counts.staticMax + counts.dynamicMax > 0);
-            const float metres = zone->Radius() * ProjectSettings::Instance().metresPerPixelX;
+            const float metres = zone->Radius() * ProjectSettings::Instance().MetresPerPixelX();
             QVERIFY(metres > 49.5F && metres < 400.5F);
             QVERIFY(world.contains(zone->pos()));
             QCOMPARE(zone->GetUsage() == Zone::DynamicEvent, !zone->EventName().isEmpty());
@@ -222,8 +215,8 @@ void tst_Example::AreaTypesFileIsThatOfTheProject()
 {
     AreaFlagTypes types;
     QVERIFY(types.ReadFile(ExampleFolder() + QStringLiteral("/area-types.xml")));
-    QCOMPARE(types.usages, ProjectSettings::Instance().areaFlagTypes.usages);
-    QCOMPARE(types.values, ProjectSettings::Instance().areaFlagTypes.values);
+    QCOMPARE(types.usages, ProjectSettings::Instance().FlagTypes().usages);
+    QCOMPARE(types.values, ProjectSettings::Instance().FlagTypes().values);
 }
 
 void tst_Example::IsSmall()

@@ -72,7 +72,8 @@ bool Import(LayerList& layers, const QByteArray& map)
 QVector<int> ProjectSizes()
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    return {settings.layerWidth, settings.layerHeight, settings.worldWidth, settings.worldHeight};
+    return {settings.LayerWidth(), settings.LayerHeight(), settings.WorldWidth(),
+            settings.WorldHeight()};
 }
 
 /// A device that returns bytes in pieces, and then fails or ends.
@@ -167,13 +168,13 @@ void AreaMapImportTest::missingHeaderIntegersAreMinusOne()
 void AreaMapImportTest::sizesBecomeTheProjectsButNotItsScale()
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    const float metresPerPixelX = settings.metresPerPixelX;
-    const float pixelsPerMetreZ = settings.pixelsPerMetreZ;
+    const float metresPerPixelX = settings.MetresPerPixelX();
+    const float pixelsPerMetreZ = settings.PixelsPerMetreZ();
     LayerList layers;
     QVERIFY(Import(layers, Ints({16, 4, 100, 200, 0, 0})));
     QCOMPARE(ProjectSizes(), (QVector<int>{16, 4, 100, 200}));
-    QCOMPARE(settings.metresPerPixelX, metresPerPixelX);
-    QCOMPARE(settings.pixelsPerMetreZ, pixelsPerMetreZ);
+    QCOMPARE(settings.MetresPerPixelX(), metresPerPixelX);
+    QCOMPARE(settings.PixelsPerMetreZ(), pixelsPerMetreZ);
 }
 
 void AreaMapImportTest::combinedFlagsBecomeLayersOfTheirOwn()

@@ -363,7 +363,7 @@ void CustomLayerTest::radiiAreConvertedInFloats()
 void CustomLayerTest::aFactorThatIsNoNumberCountsAsZero()
 {
     ProjectSettings::Instance().SetSizes(0, 0, 0, 0);
-    QVERIFY(qIsNaN(ProjectSettings::Instance().pixelsPerMetreX));
+    QVERIFY(qIsNaN(ProjectSettings::Instance().PixelsPerMetreX()));
     QCOMPARE(Evaluate(*m_layers, Code("d(A:25)"), 8, 8), m_a->Image());
 }
 

@@ -42,14 +42,16 @@ QStringList ReadLines(const QString& path)
 void ReadTypes(const QDir& folder)
 {
     if (folder.exists("area-types.xml")) {
-        ProjectSettings::Instance().areaFlagTypes.ReadFile(folder.filePath("area-types.xml"));
+        AreaFlagTypes types;
+        types.ReadFile(folder.filePath("area-types.xml"));
+        ProjectSettings::Instance().SetFlagTypes(types);
     }
 }
 
 void ReadProject(const QDir& folder, LayerList& layers)
 {
     ProjectSettings& settings = ProjectSettings::Instance();
-    settings.projectDir = folder;
+    settings.SetDir(folder);
     QXmlStreamReader xml(ReadBytes(folder.filePath("project.xml")));
     WalkXml(xml, {{QLatin1String("global"),
                    [&settings](QXmlStreamReader& element) {

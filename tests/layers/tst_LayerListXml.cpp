@@ -317,7 +317,7 @@ void LayerListXmlTest::bitmapsOutsideTheProjectAreNotRead()
     WriteBytes(m_project->Path("outside/linked/coast.tga"), bitmap);
     WriteBytes(m_project->Path("outside/secret.tga"), bitmap);
     QVERIFY(QFile::link(m_project->Path("outside/linked"), m_project->Path("inner/layers/linked")));
-    ProjectSettings::Instance().projectDir = QDir(m_project->Path("inner"));
+    ProjectSettings::Instance().SetDir(QDir(m_project->Path("inner")));
     LayerList layers;
     QVERIFY(Read(layers, "<layers><layer name='" + name + "'/></layers>"));
     QCOMPARE(NamesOf(layers), isRead ? QStringList{name} : QStringList());

@@ -19,9 +19,8 @@ void SetLayerSize(QSize size)
 
 void SetFlagTypes(int usageCount, int valueCount)
 {
-    AreaFlagTypes& types = ProjectSettings::Instance().areaFlagTypes;
-    types.usages = FlagNames(QStringLiteral("usage"), usageCount);
-    types.values = FlagNames(QStringLiteral("value"), valueCount);
+    ProjectSettings::Instance().SetFlagTypes({FlagNames(QStringLiteral("usage"), usageCount),
+                                              FlagNames(QStringLiteral("value"), valueCount)});
 }
 
 QVector<QString> FlagNames(const QString& prefix, int count)

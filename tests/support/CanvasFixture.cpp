@@ -10,10 +10,13 @@ CanvasFixture::CanvasFixture(QSize layerSize)
     : project(layerSize, layerSize)
     , type(new TerritoryType(QStringLiteral("Deer")))
     , territory(type->NewTerritory())
+    , dock(document.GetBrush())
 {
     HeldKeys::Instance().ReleaseAll();
     types.AddType(type);
     view.resize(420, 380);
+    view.SetDocument(document);
+    document.SetEditable(true);
     view.SetBrushDock(&dock);
     view.SetSceneSize(layerSize.width(), layerSize.height());
     Scene().ChangeMode(SceneMode::None);
@@ -25,7 +28,9 @@ CanvasFixture::CanvasFixture(QSize layerSize)
 
 bool CanvasFixture::TakeModified()
 {
-    return std::exchange(Modified(), false);
+    const bool isModified = IsModified();
+    ProjectSettings::Instance().SetModified(false);
+    return isModified;
 }
 
 Layer* CanvasFixture::AddLayer(const QColor& color, const QRect& part)
@@ -45,6 +50,7 @@ Layer* CanvasFixture::AddLayer(const QColor& color, const QRect& part)
 
 void CanvasFixture::Edit(Layer* layer)
 {
+    document.SetCurrentLayer(layer);
     Scene().ChangeLayer(layer);
     dock.SetPaintColor(layer->Color().rgb());
     Scene().ChangeMode(SceneMode::Paint);

@@ -5,6 +5,7 @@
 #include "canvas/HeldKeys.h"
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
+#include "document/Document.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "layers/raster/Mask.h"
@@ -25,9 +26,9 @@ public:
     explicit CanvasFixture(QSize layerSize = {200, 160});
 
     MainScene& Scene() { return *view.Scene(); }
-    bool& Modified() { return ProjectSettings::Instance().modified; }
+    static bool IsModified() { return ProjectSettings::Instance().IsModified(); }
     /// Returns the flag and sets it to false.
-    bool TakeModified();
+    static bool TakeModified();
 
     /// Makes a layer of the project's size, which must not be empty. The mask is clear except for
     /// one part.
@@ -54,8 +55,9 @@ public:
     void Drag(QPointF from, QPointF to, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 
     ProjectFixture project;
-    LayerList layers;
-    TerritoryTypeList types;
+    Document document;
+    LayerList& layers = document.Layers();
+    TerritoryTypeList& types = document.Types();
     TerritoryType* type;
     Territory* territory;
     BrushDock dock;

@@ -39,7 +39,7 @@ QString CustomLayerFixture::Code(QString text) const
 
 int CustomLayerFixture::Execute(Layer* layerToModify, const std::function<void()>& user)
 {
-    DialogCustomLayer opened(&list, layerToModify, &window);
+    DialogCustomLayer opened(document, layerToModify, &window);
     QSignalSpy previewSpy(&opened, &DialogCustomLayer::PreviewComputationRequested);
     QSignalSpy computationSpy(&opened, &DialogCustomLayer::LayerComputationRequested);
     dialog = &opened;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "document/Document.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "tests/support/LogSpy.h"
@@ -52,7 +53,8 @@ public:
 
     LogSpy log;
     QWidget window;
-    LayerList list;
+    Document document;
+    LayerList& list = document.Layers();
     Layer* first = nullptr;
     Layer* second = nullptr;
     /// Null unless it is being executed.

@@ -15,8 +15,8 @@
 
 LayerDocksFixture::LayerDocksFixture()
     : window(std::make_unique<QMainWindow>())
-    , props(new DockLayerProps(window.get()))
-    , dock(new DockLayers(props, window.get()))
+    , props(new DockLayerProps(document, window.get()))
+    , dock(new DockLayers(document, props, window.get()))
     , tester(std::make_unique<QAbstractItemModelTester>(
           dock->List()->model(), QAbstractItemModelTester::FailureReportingMode::QtTest))
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/ProjectSettings.h"
+#include "document/Document.h"
 #include "layers/CustomLayerWorker.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
@@ -43,10 +44,11 @@ public:
     /// Renames the current layer: presses F2 and types the name.
     void Rename(const QString& name);
 
-    static bool IsModified() { return ProjectSettings::Instance().modified; }
+    static bool IsModified() { return ProjectSettings::Instance().IsModified(); }
 
     ProjectFixture project;
-    /// The names in the Selected signals so far.
+    Document document;
+    /// Names of the layers that were told to be selected.
     QStringList selected;
     std::unique_ptr<QMainWindow> window;
     DockLayerProps* props;

@@ -7,14 +7,14 @@ ProjectFixture::ProjectFixture(QSize layerSize, QSize worldSize)
         qFatal("Cannot create a temporary folder.");
     }
     ProjectSettings& settings = ProjectSettings::Instance();
-    settings.areaFlagTypes = {};
-    settings.backgroundFile.clear();
-    settings.projectFileName = QStringLiteral("project.xml");
-    settings.projectName = QStringLiteral("project");
-    settings.projectDir = QDir(m_folder.path());
-    settings.backgroundColor = QColor();
+    settings.SetFlagTypes({});
+    settings.SetBackgroundFile({});
+    settings.SetFileName(QStringLiteral("project.xml"));
+    settings.SetName(QStringLiteral("project"));
+    settings.SetDir(QDir(m_folder.path()));
+    settings.SetBackgroundColor(QColor());
     settings.SetSizes(layerSize.width(), layerSize.height(), worldSize.width(), worldSize.height());
-    settings.modified = false;
+    settings.SetModified(false);
 }
 
 ProjectFixture::~ProjectFixture()

@@ -1,6 +1,8 @@
 #include "tests/support/RandomUser.h"
 
+#include "document/Document.h"
 #include "layers/LayerList.h"
+#include "layers/Targa.h"
 #include "territories/TerritoryTypeList.h"
 #include "tests/support/Drags.h"
 #include "tests/support/Files.h"
@@ -19,6 +21,7 @@
 #include <QSpinBox>
 #include <QTest>
 
+#include <cstring>
 #include <numeric>
 
 namespace {
@@ -31,6 +34,8 @@ RandomUser::RandomUser()
 {
     WriteProject(QStringLiteral("first"));
     WriteProject(QStringLiteral("second"));
+    WriteGreys();
+    SpillHistory();
     const QByteArray good = ReadBytes(Path(QLatin1String(GoodFiles[0])));
     WriteBytes(Path(QStringLiteral("first/cut.xml")), good.left(good.size() * 2 / 3));
     WriteBytes(Path(QStringLiteral("first/small.xml")),
@@ -46,6 +51,23 @@ RandomUser::RandomUser()
     WriteBytes(Path(QStringLiteral("text.png")), "no picture");
     WriteBytes(Path(QStringLiteral("junk.map")), QByteArray(100, 'x'));
     answers.SetOtherwise([this](QWidget& dialog) { Answer(dialog); });
+}
+
+/// Other programs write bitmaps with greys.
+void RandomUser::WriteGreys() const
+{
+    QImage mask(64, 64, QImage::Format_Indexed8);
+    for (int y = 0; y < mask.height(); ++y) {
+        std::memset(mask.scanLine(y), 4 * y, 64);
+    }
+    SaveTarga(Path(QStringLiteral("second/layers/blue.tga")), mask, true);
+}
+
+/// Most of what the history holds of masks goes to its file.
+void RandomUser::SpillHistory()
+{
+    constexpr int bytes = 2000;
+    window->GetDocument().Memory().SetBudget(bytes);
 }
 
 LayerList& RandomUser::Layers() const
@@ -83,6 +105,11 @@ const std::vector<RandomUser::Deed>& RandomUser::Deeds()
         {"resize", 5, &RandomUser::Resize},
         {"leave", 10, &RandomUser::LeaveWindow},
         {"close", 3, &RandomUser::CloseWindow},
+        {"undo", 60, &RandomUser::Undo},
+        {"redo", 50, &RandomUser::Redo},
+        {"escaped stroke", 20, &RandomUser::EscapeStroke},
+        {"delete key", 15, &RandomUser::PressDelete},
+        {"history", 15, &RandomUser::ClickHistory},
     };
     return deeds;
 }
@@ -100,6 +127,7 @@ QString RandomUser::Act()
     }
     (this->*deed->act)();
     QCoreApplication::processEvents();
+    NoteLoad();
     log.Take();
     return QLatin1String(deed->name);
 }
@@ -119,7 +147,7 @@ void RandomUser::Mouse(QEvent::Type type, QPoint position, Qt::MouseButton butto
 QPoint RandomUser::SomewhereOnMap()
 {
     // Mostly on the layers, sometimes beside them.
-    const int side = ProjectSettings::Instance().layerWidth;
+    const int side = ProjectSettings::Instance().LayerWidth();
     const int margin = m_random.Below(4) == 0 ? 40 : 0;
     return View().mapFromScene(QPointF(m_random.Between(-margin, side + margin),
                                        m_random.Between(-margin, side + margin)));
@@ -142,10 +170,16 @@ void RandomUser::BreakStroke()
 {
     Mouse(QEvent::MouseButtonPress, SomewhereOnMap(), Qt::LeftButton, Qt::LeftButton);
     Mouse(QEvent::MouseMove, SomewhereOnMap(), Qt::NoButton, Qt::LeftButton);
-    switch (m_random.Below(4)) {
+    switch (m_random.Below(6)) {
     case 0:
         Mouse(QEvent::MouseButtonPress, SomewhereOnMap(), Qt::RightButton,
               Qt::LeftButton | Qt::RightButton);
+        break;
+    case 3:
+        Trigger(m_random.Below(2) == 0 ? "actionUndo" : "actionRedo");
+        break;
+    case 4:
+        QTest::keyClick(&View(), Qt::Key_Escape);
         break;
     case 1:
         ClickRow();
@@ -344,7 +378,12 @@ void RandomUser::ProjectAction()
         "actionNew",     "actionLoad",      "actionLoad",        "actionSave",
         "actionSaveAll", "actionLoadWorld", "actionImportAreas", "actionImportMap",
     };
-    Trigger(actions[m_random.Below(int(std::size(actions)))]);
+    const QLatin1String action(actions[m_random.Below(int(std::size(actions)))]);
+    Trigger(action.data());
+    if (action.startsWith(QLatin1String("actionSave")) &&
+        window->GetDocument().History().isClean()) {
+        m_saved = SavedBytes();
+    }
 }
 
 void RandomUser::ExportAction()
@@ -395,5 +434,56 @@ void RandomUser::CloseWindow()
         ProjectSettings::Instance() = m_settingsAtStart;
         Restart(m_random.Below(2) == 0 ? QString()
                                        : Path(QLatin1String(GoodFiles[m_random.Below(2)])));
+        SpillHistory();
     }
+}
+
+void RandomUser::Undo()
+{
+    for (int steps = m_random.Between(1, 8); steps > 0; --steps) {
+        Trigger("actionUndo");
+    }
+}
+
+void RandomUser::Redo()
+{
+    for (int steps = m_random.Between(1, 8); steps > 0; --steps) {
+        Trigger("actionRedo");
+    }
+}
+
+void RandomUser::EscapeStroke()
+{
+    const Qt::MouseButton button = m_random.Below(3) == 0 ? Qt::RightButton : Qt::LeftButton;
+    Mouse(QEvent::MouseButtonPress, SomewhereOnMap(), button, button);
+    Mouse(QEvent::MouseMove, SomewhereOnMap(), Qt::NoButton, button);
+    QTest::keyClick(&View(), Qt::Key_Escape);
+    Mouse(QEvent::MouseMove, SomewhereOnMap(), Qt::NoButton, button);
+    Mouse(QEvent::MouseButtonRelease, SomewhereOnMap(), button, Qt::NoButton);
+}
+
+void RandomUser::PressDelete()
+{
+    if (m_random.Below(3) == 0) {
+        Trigger("actionSelectAllZones");
+    }
+    QWidget* focus = m_random.Below(2) == 0 ? static_cast<QWidget*>(&View()) : ATree();
+    if (focus) {
+        focus->setFocus();
+        QTest::keyClick(focus, Qt::Key_Delete);
+    }
+}
+
+void RandomUser::ClickHistory()
+{
+    if (!Action("actionHistory")->isChecked() || m_random.Below(5) == 0) {
+        Trigger("actionHistory");
+    }
+    auto* view = qobject_cast<QAbstractItemView*>(OneOf({"viewHistory"}));
+    if (!view) {
+        return;
+    }
+    const QModelIndex index = view->model()->index(m_random.Below(view->model()->rowCount()), 0);
+    view->scrollTo(index);
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(index).center());
 }

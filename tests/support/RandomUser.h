@@ -25,6 +25,9 @@ public:
     /// Saves the project, loads it and saves it again. Returns what differs; empty if nothing does.
     /// Answers the question of the load as given.
     QString LostBySaving();
+    /// Undoes everything back to the last load or save and does it again; what differs in what is
+    /// saved then, empty when nothing does.
+    QString LostByUndoing();
 
 private:
     struct Deed
@@ -34,6 +37,9 @@ private:
         void (RandomUser::*act)();
     };
     static const std::vector<Deed>& Deeds();
+
+    void WriteGreys() const;
+    void SpillHistory();
 
     LayerList& Layers() const;
     TerritoryTypeList& Types() const;
@@ -60,7 +66,14 @@ private:
     void Resize();
     void LeaveWindow();
     void CloseWindow();
+    void Undo();
+    void Redo();
+    void EscapeStroke();
+    void PressDelete();
+    void ClickHistory();
 
+    /// Remembers what was loaded, once the history begins anew.
+    void NoteLoad();
     void Mouse(QEvent::Type type, QPoint position, Qt::MouseButton button,
                Qt::MouseButtons buttons);
     QPoint SomewhereOnMap();
@@ -77,4 +90,7 @@ private:
     Random m_random;
     const ProjectSettings m_settingsAtStart = ProjectSettings::Instance();
     int m_customLayerAnswers = 0;
+    /// What was loaded or begun, and what was saved last since.
+    SavedFiles m_loaded;
+    SavedFiles m_saved;
 };

@@ -1,5 +1,6 @@
 #include "tests/support/RandomUser.h"
 
+#include "document/Document.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "territories/Territory.h"
@@ -38,10 +39,26 @@ bool IsSameLine(const QByteArray& line, const QByteArray& again)
     return rest == restAgain && std::abs(z - zAgain) < metres;
 }
 
-bool operator==(const SpawnCounts& a, const SpawnCounts& b)
+/// What differs, empty when nothing does.
+QString Difference(const QMap<QString, QByteArray>& before, const QMap<QString, QByteArray>& after)
 {
-    return a.staticMin == b.staticMin && a.staticMax == b.staticMax &&
-           a.dynamicMin == b.dynamicMin && a.dynamicMax == b.dynamicMax;
+    QStringList files = before.keys();
+    files.append(after.keys());
+    for (const QString& file : qAsConst(files)) {
+        const QList<QByteArray> lines = before[file].split('\n');
+        const QList<QByteArray> linesAfter = after[file].split('\n');
+        for (int i = 0; i < std::max(lines.size(), linesAfter.size()); ++i) {
+            if (lines.value(i) != linesAfter.value(i)) {
+                const bool isText = file.endsWith(QLatin1String(".xml"));
+                return file + (isText ? QString::fromUtf8(": " + lines.value(i) + " became " +
+                                                          linesAfter.value(i))
+                                      : QStringLiteral(" of %1 and %2 bytes")
+                                            .arg(before[file].size())
+                                            .arg(after[file].size()));
+            }
+        }
+    }
+    return {};
 }
 
 } // namespace
@@ -52,7 +69,7 @@ QString RandomUser::Contradiction() const
     const QVector<Layer*> layers = Layers().Layers();
     QSet<int> ids;
     for (const Layer* layer : layers) {
-        if (layer->Image().size() != QSize(settings.layerWidth, settings.layerHeight)) {
+        if (layer->Image().size() != QSize(settings.LayerWidth(), settings.LayerHeight())) {
             return QStringLiteral("Layer '%1' has another size.").arg(layer->text());
         }
         ids.insert(layer->Id());
@@ -99,10 +116,13 @@ QString RandomUser::Contradiction() const
         return QStringLiteral("A territory's zone is not on the map.");
     }
 
-    const QString name =
-        settings.projectName.isEmpty() ? QStringLiteral("Unsaved") : settings.projectName;
+    const QString name = settings.Name().isEmpty() ? QStringLiteral("Unsaved") : settings.Name();
     if (window->windowTitle() != name + QStringLiteral(" - Tarvo Ledger Tool")) {
         return QStringLiteral("The title names another project.");
+    }
+    if (Action("actionUndo")->isEnabled() != window->GetDocument().CanUndo() ||
+        Action("actionRedo")->isEnabled() != window->GetDocument().CanRedo()) {
+        return QStringLiteral("Undo or redo is enabled where it cannot be, or the other way.");
     }
     if (Action("actionTogglePaintMode")->isChecked() !=
         Child<QGroupBox>("gboPaintMode")->isChecked()) {
@@ -121,9 +141,10 @@ QString RandomUser::LostBySaving()
     // The load would ask because of a stroke that is under way.
     Scene().LoseMouse();
     const QMap<QString, QByteArray> saved = save(QStringLiteral("once"));
-    Modified() = false;
+    SetModified(false);
     answers.AddFile(Path(QStringLiteral("once/saved.xml")));
     Trigger("actionLoad");
+    NoteLoad();
     const QMap<QString, QByteArray> savedAgain = save(QStringLiteral("twice"));
     const QString document = QStringLiteral("saved.xml");
     const QList<QByteArray> lines = saved[document].split('\n');
@@ -141,4 +162,55 @@ QString RandomUser::LostBySaving()
         }
     }
     return {};
+}
+
+void RandomUser::NoteLoad()
+{
+    if (window->GetDocument().History().count() == 0) {
+        m_loaded = SavedBytes();
+    }
+}
+
+QString RandomUser::LostByUndoing()
+{
+    Scene().LoseMouse();
+    const QUndoStack& history = window->GetDocument().History();
+    NoteLoad();
+    const SavedFiles present = SavedBytes();
+    const int index = history.index();
+    const auto check = [this, &history](const char* where, const SavedFiles& expected) {
+        const QString difference = Difference(expected, SavedBytes());
+        return difference.isEmpty() ? QString()
+                                    : QStringLiteral("%1, step %2 (%3) of %4: %5")
+                                          .arg(QLatin1String(where))
+                                          .arg(history.index())
+                                          .arg(history.text(history.index()))
+                                          .arg(history.count())
+                                          .arg(difference);
+    };
+    const auto go = [this](const char* action) {
+        const bool isEnabled = Action(action)->isEnabled();
+        if (isEnabled) {
+            Trigger(action);
+        }
+        return isEnabled;
+    };
+    QString lost;
+    do {
+        if (history.isClean() && history.index() > 0) {
+            lost = check("as saved", m_saved);
+        }
+    } while (lost.isEmpty() && go("actionUndo"));
+    if (lost.isEmpty() && history.index() > 0) {
+        return window->GetDocument().CanTravel() ? QStringLiteral("Not everything can be undone.")
+                                                 : QString();
+    }
+    if (lost.isEmpty()) {
+        lost = check("as loaded", m_loaded);
+    }
+    while (lost.isEmpty() && history.index() < index && go("actionRedo")) {}
+    if (lost.isEmpty() && history.index() < index) {
+        return QStringLiteral("Not everything can be redone.");
+    }
+    return lost.isEmpty() ? check("as before", present) : lost;
 }

@@ -1,8 +1,8 @@
 // resave DOCUMENT FOLDER: loads a project as the editor does and saves it into another folder.
 
 #include "app/ProjectDocument.h"
+#include "app/ProjectReader.h"
 #include "app/ProjectSettings.h"
-#include "app/Xml.h"
 #include "layers/LayerList.h"
 #include "territories/TerritoryTypeList.h"
 
@@ -21,27 +21,15 @@ bool Load(const QString& path, LayerList& layers, TerritoryTypeList& types)
     if (!file.open(QIODevice::ReadOnly)) {
         return false;
     }
-    ProjectSettings& settings = ProjectSettings::Instance();
-    settings.projectDir = QFileInfo(path).absoluteDir();
-    QXmlStreamReader xml(&file);
-    const bool isRead = WalkXml(
-        xml, {{QLatin1String("global"),
-               [&](QXmlStreamReader& element) {
-                   settings.ReadXml(element);
-                   return true;
-               }},
-              {QLatin1String("areas"),
-               [&](QXmlStreamReader& element) { return settings.areaFlagTypes.ReadXml(element); }},
-              {QLatin1String("layers"),
-               [&](QXmlStreamReader& element) { return layers.ReadXml(element); }},
-              {QLatin1String("territory-type-list"),
-               [&](QXmlStreamReader& element) { return types.Read(element, nullptr); }}});
-    return isRead && !xml.hasError();
+    ProjectSettings::Instance().SetDir(QFileInfo(path).absoluteDir());
+    return ProjectReader(file).Read(
+        {[](QXmlStreamReader&) {}, [&layers](QXmlStreamReader& xml) { return layers.ReadXml(xml); },
+         [&types](QXmlStreamReader& xml) { return types.Read(xml, nullptr); }});
 }
 
 bool Save(const QString& folder, LayerList& layers, const TerritoryTypeList& types)
 {
-    ProjectSettings::Instance().projectDir = QDir(folder);
+    ProjectSettings::Instance().SetDir(QDir(folder));
     QFile file(folder + QStringLiteral("/project.xml"));
     if (!file.open(QIODevice::WriteOnly)) {
         return false;

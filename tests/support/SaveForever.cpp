@@ -95,7 +95,7 @@ int main(int argc, char* argv[])
     const QString path = QCoreApplication::arguments().value(1);
     const QString way = QCoreApplication::arguments().value(2);
     const int saves = QCoreApplication::arguments().value(3).toInt();
-    ProjectSettings::Instance().projectDir = QFileInfo(path).absoluteDir();
+    ProjectSettings::Instance().SetDir(QFileInfo(path).absoluteDir());
     QDir::setCurrent(QFileInfo(path).path());
     LayerList layers;
     TerritoryTypeList types;

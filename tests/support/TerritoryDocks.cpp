@@ -7,14 +7,13 @@
 #include <QSpinBox>
 #include <QTest>
 
-#include <utility>
-
 TerritoryDocks::TerritoryDocks()
     : project({2000, 1600}, {2000, 1600})
     , view(new MainView)
-    , props(new DockTerTypeProps)
-    , types(new DockTerTypes(view->Scene(), props))
+    , props(new DockTerTypeProps(document))
+    , types(new DockTerTypes(document, view->Scene(), props))
 {
+    view->SetDocument(document);
     view->SetSceneSize(2000, 1600);
     window.setCentralWidget(view);
     window.addDockWidget(Qt::RightDockWidgetArea, types);
@@ -35,7 +34,6 @@ TerritoryDocks::TerritoryDocks()
     QObject::connect(view, &MainView::ModeSelect, types, &DockTerTypes::SelectMode);
     QObject::connect(view, &MainView::ModeQuery, types, &DockTerTypes::QueryMode);
     QObject::connect(view, &MainView::TerritorySelected, types, &DockTerTypes::Select);
-    QObject::connect(scene, &MainScene::ZoneInserted, props, &DockTerTypeProps::ApplyToNewZone);
     QObject::connect(scene, &MainScene::ZoneSelected, types,
                      [this](const QList<QGraphicsItem*>& items) {
                          types->SetSelectionControlsEnabled(!items.isEmpty());
@@ -55,7 +53,9 @@ TerritoryDocks::TerritoryDocks()
 
 bool TerritoryDocks::TakeModified()
 {
-    return std::exchange(ProjectSettings::Instance().modified, false);
+    const bool isModified = ProjectSettings::Instance().IsModified();
+    ProjectSettings::Instance().SetModified(false);
+    return isModified;
 }
 
 TerritoryType* TerritoryDocks::AddType(const QString& name)

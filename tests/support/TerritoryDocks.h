@@ -2,6 +2,7 @@
 
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
+#include "document/Document.h"
 #include "territories/Territory.h"
 #include "territories/TerritoryType.h"
 #include "territories/TerritoryTypeList.h"
@@ -49,6 +50,7 @@ public:
     void Type(const char* widget, const QString& text) const;
 
     ProjectFixture project;
+    Document document;
     QMainWindow window;
     MainView* view;
     DockTerTypeProps* props;

@@ -1,15 +1,18 @@
 #include "tests/support/WindowFixture.h"
 
+#include "app/ProjectDocument.h"
+#include "document/Document.h"
 #include "layers/Targa.h"
 #include "layers/raster/Mask.h"
 #include "tests/support/Files.h"
 
 #include <QSettings>
 #include <QTest>
+#include <QXmlStreamWriter>
 
 namespace {
 
-QByteArray Document()
+QByteArray ProjectText()
 {
     return R"(<?xml version="1.0" encoding="UTF-8"?>
 <qm-config>
@@ -47,18 +50,18 @@ WindowFixture::WindowFixture(const QString& configPath)
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
                        Path(QStringLiteral("settings")));
     ProjectSettings::Instance().SetSizes(0, 0, 0, 0);
-    ProjectSettings::Instance().projectFileName.clear();
-    ProjectSettings::Instance().projectName.clear();
+    ProjectSettings::Instance().SetFileName({});
+    ProjectSettings::Instance().SetName({});
     Restart(configPath);
     if (configPath.isEmpty()) {
         // The same as the settings of an earlier window would do.
-        ProjectSettings::Instance().projectDir = QDir(Path({}));
+        ProjectSettings::Instance().SetDir(QDir(Path({})));
     }
 }
 
 WindowFixture::~WindowFixture()
 {
-    ProjectSettings::Instance().modified = false;
+    ProjectSettings::Instance().SetModified(false);
 }
 
 void WindowFixture::Restart(const QString& configPath)
@@ -97,6 +100,40 @@ QString WindowFixture::WriteProject(const QString& name)
     }
     ProjectSettings::Instance() = before;
     const QString path = folder + QStringLiteral("/%1.xml").arg(name);
-    WriteBytes(path, Document());
+    WriteBytes(path, ProjectText());
     return path;
+}
+
+WindowFixture::SavedFiles WindowFixture::SavedBytes() const
+{
+    Document& document = window->GetDocument();
+    const ProjectSettings settings = ProjectSettings::Instance();
+    Territory* shown = document.CurrentTerritory();
+    const bool wasVisible = shown && shown->IsVisible();
+    if (shown) {
+        shown->SetVisible(shown->checkState() == Qt::Checked);
+    }
+    const QString folder = Path(QStringLiteral("elsewhere"));
+    QDir(folder).removeRecursively();
+    QDir().mkpath(folder);
+    // A save takes the picture along.
+    const QString picture =
+        settings.BackgroundFile().isEmpty() ? QString() : settings.BackgroundPath();
+    const QString pictureName = QFileInfo(picture).fileName();
+    ProjectSettings::Instance().SetBackgroundFile(pictureName);
+    ProjectSettings::Instance().SetDir(QDir(folder));
+    QByteArray text;
+    QXmlStreamWriter xml(&text);
+    xml.setAutoFormatting(true);
+    WriteProjectDocument(xml, {-1, {}, [] {}, document.Layers(), document.Types()});
+    if (shown) {
+        shown->SetVisible(wasVisible);
+    }
+    ProjectSettings::Instance() = settings;
+    SavedFiles files = FilesBelow(folder);
+    files.insert(QStringLiteral("saved.xml"), text);
+    if (!picture.isEmpty()) {
+        files.insert(pictureName, ReadBytes(picture));
+    }
+    return files;
 }

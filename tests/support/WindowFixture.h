@@ -8,6 +8,8 @@
 #include "ui/QuillmapWindow.h"
 
 #include <QAction>
+#include <QByteArray>
+#include <QMap>
 #include <QTemporaryDir>
 
 #include <memory>
@@ -40,10 +42,20 @@ public:
     /// Loads a project with the file dialog.
     void Load(const QString& path) { TriggerWithFile("actionLoad", path); }
 
+    /// The bytes of files, by their path.
+    using SavedFiles = QMap<QString, QByteArray>;
+    /// What a save elsewhere would write now, without what is no edit: brush, selection, and that
+    /// the current territory is shown. The project stays where it is, saved or not.
+    SavedFiles SavedBytes() const;
+
     QString Path(const QString& fileName) const { return m_project.Path(fileName); }
     MainView& View() const { return *Child<MainView>("paintView"); }
     MainScene& Scene() const { return *View().Scene(); }
-    bool& Modified() const { return ProjectSettings::Instance().modified; }
+    static bool IsModified() { return ProjectSettings::Instance().IsModified(); }
+    static void SetModified(bool isModified)
+    {
+        ProjectSettings::Instance().SetModified(isModified);
+    }
 
     ModalAnswers answers;
     LogSpy log;

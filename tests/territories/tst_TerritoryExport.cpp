@@ -97,7 +97,7 @@ void tst_TerritoryExport::FileHoldsAllTerritories()
         zone->SetEventName("Flood & storm");
         zone->SetDynamicMax(4);
         zone->setPos(100.25, 24);
-        zone->BringToFront();
+        zone->SetDepth(zone->DepthInFront());
         QVERIFY(north->AddZone(zone));
     }
     type.NewTerritory();
@@ -146,7 +146,7 @@ void tst_TerritoryExport::ReadBackTheEditorsValuesAreLost()
     north->SetVisible(true);
     auto* zone = new Zone(north);
     QVERIFY(north->AddZone(zone));
-    zone->BringToFront();
+    zone->SetDepth(zone->DepthInFront());
     QVERIFY(type.Export());
 
     const QString file = QString::fromUtf8(ReadBytes(TypePath(*m_project, "Deer")));

@@ -366,10 +366,10 @@ void tst_Zone::DepthMovesInSteps()
     QFETCH(double, depth);
     Zone zone(nullptr);
     zone.setZValue(depth);
-    zone.BringToFront();
+    zone.SetDepth(zone.DepthInFront());
     QTEST(zone.zValue(), "front");
     zone.setZValue(depth);
-    zone.SendToBack();
+    zone.SetDepth(zone.DepthBehind());
     QTEST(zone.zValue(), "back");
 }
 
@@ -377,10 +377,10 @@ void tst_Zone::ElevenStepsReachTheTop()
 {
     Zone zone(nullptr);
     for (int step = 0; step < 10; ++step) {
-        zone.BringToFront();
+        zone.SetDepth(zone.DepthInFront());
     }
     QCOMPARE(zone.zValue(), 232.0);
-    zone.BringToFront();
+    zone.SetDepth(zone.DepthInFront());
     QCOMPARE(zone.zValue(), 255.0);
 }
 

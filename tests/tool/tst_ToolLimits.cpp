@@ -3,9 +3,11 @@
 
 #include <QDir>
 #include <QDirIterator>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTest>
 
+#include <algorithm>
 #include <csignal>
 
 namespace {
@@ -50,12 +52,24 @@ bool HasLargeFile(const QString& folder)
     return false;
 }
 
+/// The same of a file without a name that the process is writing, on Linux.
+bool HasLargeOpenFile(qint64 process, const QString& folder)
+{
+    const QDir openFiles(QStringLiteral("/proc/%1/fd").arg(process));
+    const QFileInfoList files = openFiles.entryInfoList(QDir::Files | QDir::System);
+    return std::any_of(files.begin(), files.end(), [&](const QFileInfo& file) {
+        return file.symLinkTarget().startsWith(folder) && file.size() > LargeSize;
+    });
+}
+
 /// Returns while the export of the large project is writing the map.
 void StartExport(QProcess& process, const SampleProject& project, const QString& before)
 {
     project.Start(process, before, {"export", "sample.xml", "-o", "out"});
     process.waitForStarted();
-    while (process.state() == QProcess::Running && !HasLargeFile(project.Path("out"))) {
+    const QString folder = project.Path("out");
+    while (process.state() == QProcess::Running && !HasLargeFile(folder) &&
+           !HasLargeOpenFile(process.processId(), folder)) {
         process.waitForFinished(1);
     }
 }

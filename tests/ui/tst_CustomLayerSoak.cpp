@@ -105,7 +105,7 @@ void tst_CustomLayerSoak::EndsWhileItComputes()
     Random random;
     const int threadCount = ThreadCount();
     for (int round = 0; round < rounds; ++round) {
-        DialogCustomLayer dialog(&fixture.list, round % 2 == 0 ? fixture.second : nullptr,
+        DialogCustomLayer dialog(fixture.document, round % 2 == 0 ? fixture.second : nullptr,
                                  &fixture.window);
         if (random.Below(3) > 0) {
             dialog.show();

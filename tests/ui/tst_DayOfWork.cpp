@@ -176,9 +176,9 @@ void tst_DayOfWork::EndsWithTheFilesThatItMust()
     designer.PaintTwoLayers();
     designer.DeriveAThird();
     designer.PlaceZones();
-    QVERIFY(designer.Modified());
+    QVERIFY(designer.IsModified());
     designer.SaveOver("actionSaveAll", designer.Path("day.xml"));
-    QVERIFY(!designer.Modified());
+    QVERIFY(!designer.IsModified());
 
     // The layers must equal those painted with whole pictures and read again.
     QVector<literal::MapLayer> expected;

@@ -1,5 +1,6 @@
 #include "ui/DialogCustomLayer.h"
 
+#include "document/Document.h"
 #include "layers/CustomLayerWorker.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
@@ -35,8 +36,8 @@ QImage Mask(const QRect& part)
 class Opened
 {
 public:
-    explicit Opened(LayerList& list, Layer* layer = nullptr)
-        : dialog(&list, layer)
+    explicit Opened(Document& document, Layer* layer = nullptr)
+        : dialog(document, layer)
         , previews(&dialog, &DialogCustomLayer::PreviewComputationRequested)
     {
         dialog.show();
@@ -92,26 +93,26 @@ private:
     /// Layers have data for views only while there is a window.
     QWidget m_window;
     std::unique_ptr<ProjectFixture> m_project;
-    std::unique_ptr<LayerList> m_list;
+    std::unique_ptr<Document> m_document;
     Layer* m_first = nullptr;
     Layer* m_second = nullptr;
 };
 
 Layer* tst_DialogCustomLayer::Add(const QString& name, const QRect& part, const QString& code)
 {
-    auto layer = std::make_unique<Layer>(0, 0, m_list.get(), name, code);
+    auto layer = std::make_unique<Layer>(0, 0, &m_document->Layers(), name, code);
     layer->SetImage(Mask(part), Qt::red);
     Layer* added = layer.get();
-    m_list->AddLayer(std::move(layer));
+    m_document->Layers().AddLayer(std::move(layer));
     return added;
 }
 
 void tst_DialogCustomLayer::init()
 {
-    m_list.reset();
+    m_document.reset();
     m_project.reset();
     m_project = std::make_unique<ProjectFixture>(QSize(64, 64), QSize(640, 640));
-    m_list = std::make_unique<LayerList>();
+    m_document = std::make_unique<Document>();
     m_first = Add("first", QRect(0, 0, 32, 64));
     m_second = Add("second", QRect(0, 0, 64, 16));
 }
@@ -175,7 +176,7 @@ void tst_DialogCustomLayer::HasItsForm()
     QFETCH(QString, className);
     QFETCH(QByteArray, property);
     QFETCH(QVariant, value);
-    DialogCustomLayer dialog(m_list.get(), nullptr);
+    DialogCustomLayer dialog(*m_document, nullptr);
 
     CheckForm(dialog, object, className, property, value);
 
@@ -191,7 +192,7 @@ void tst_DialogCustomLayer::HasItsForm()
 
 void tst_DialogCustomLayer::OpensWithAPreviewOfTheLabelsSize()
 {
-    DialogCustomLayer dialog(m_list.get(), nullptr);
+    DialogCustomLayer dialog(*m_document, nullptr);
     const auto* output = dialog.findChild<QLabel*>("lblImageOutput");
     const QSize before = output->size();
     QVERIFY(before != QSize(640, 480));
@@ -219,7 +220,7 @@ void tst_DialogCustomLayer::BuildsTheCode()
 {
     QFETCH(int, operation);
     QFETCH(QString, code);
-    const Opened opened(*m_list);
+    const Opened opened(*m_document);
     opened.Choose("cboOperation", operation);
     opened.Choose("cboInputA", 1);
     opened.Choose("cboInputB", 0);
@@ -243,8 +244,8 @@ void tst_DialogCustomLayer::EnablesWhatTheOperationNeeds_data()
 void tst_DialogCustomLayer::EnablesWhatTheOperationNeeds()
 {
     QFETCH(int, operation);
-    const Opened opened(*m_list);
-    // From union to erosion: the second input is disabled and the radius enabled.
+    const Opened opened(*m_document);
+    // From union to erosion: the second input goes, the radius comes.
     opened.Choose("cboOperation", 1);
 
     opened.Choose("cboOperation", operation);
@@ -257,7 +258,7 @@ void tst_DialogCustomLayer::EnablesWhatTheOperationNeeds()
 
 void tst_DialogCustomLayer::OpensAPaintedLayer()
 {
-    const Opened opened(*m_list, m_second);
+    const Opened opened(*m_document, m_second);
 
     QCOMPARE(opened.dialog.windowTitle(), "Modify layer - second");
     QCOMPARE(opened.Child<QLineEdit>("txtOutputName")->text(), "second");
@@ -287,7 +288,7 @@ void tst_DialogCustomLayer::OpensAComputedLayer()
 {
     QFETCH(QString, code);
     code.replace("A", QString::number(m_first->Id())).replace("B", QString::number(m_second->Id()));
-    const Opened opened(*m_list, Add("computed", QRect(0, 0, 4, 4), code));
+    const Opened opened(*m_document, Add("computed", QRect(0, 0, 4, 4), code));
 
     QCOMPARE(opened.dialog.windowTitle(), "Modify layer - computed");
     QTEST(opened.Child<QComboBox>("cboOperation")->currentIndex(), "operation");
@@ -298,14 +299,14 @@ void tst_DialogCustomLayer::OpensAComputedLayer()
 
 void tst_DialogCustomLayer::ALayerWithoutAnImageIsAdded()
 {
-    Layer layer(0, 0, m_list.get(), "empty");
-    const Opened opened(*m_list, &layer);
+    Layer layer(0, 0, &m_document->Layers(), "empty");
+    const Opened opened(*m_document, &layer);
     QCOMPARE(opened.dialog.windowTitle(), "Add layer");
 }
 
 void tst_DialogCustomLayer::IgnoresARequestForTheSameCode()
 {
-    Opened opened(*m_list);
+    Opened opened(*m_document);
     opened.Child<QComboBox>("cboInputA")->setCurrentIndex(1);
     const int count = opened.previews.size();
 
@@ -318,7 +319,7 @@ void tst_DialogCustomLayer::IgnoresARequestForTheSameCode()
 
 void tst_DialogCustomLayer::ComputesLaterWhatWasAskedMeanwhile()
 {
-    const Opened opened(*m_list);
+    const Opened opened(*m_document);
     opened.Choose("cboOperation", 4);
     auto* radius = opened.Child<QSpinBox>("spnRadius");
     radius->setFocus();
@@ -338,12 +339,12 @@ void tst_DialogCustomLayer::ComputesLaterWhatWasAskedMeanwhile()
 
 void tst_DialogCustomLayer::ALayerThatIsRefusedIsNotCreated()
 {
-    Opened opened(*m_list);
+    Opened opened(*m_document);
 
     opened.dialog.FinalizeLayerComputation(QImage());
 
     QCOMPARE(opened.dialog.CreatedLayer(), nullptr);
-    QCOMPARE(m_list->Layers().size(), 2);
+    QCOMPARE(m_document->Layers().Layers().size(), 2);
 }
 
 int main(int argc, char* argv[])

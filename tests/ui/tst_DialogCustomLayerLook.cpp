@@ -92,7 +92,7 @@ void tst_DialogCustomLayerLook::cleanup()
 
 void tst_DialogCustomLayerLook::HasItsRows()
 {
-    const DialogCustomLayer dialog(&m->list, nullptr);
+    const DialogCustomLayer dialog(m->document, nullptr);
     const auto row = [&](const char* name) { return Contents(dialog.findChild<QLayout*>(name)); };
 
     QCOMPARE(dialog.layout()->objectName(), "verticalLayout_2");
@@ -140,7 +140,7 @@ void tst_DialogCustomLayerLook::IsAModalDialogWithATitleOnly()
 
 void tst_DialogCustomLayerLook::ListsTheLayersOfTheModel()
 {
-    const DialogCustomLayer dialog(&m->list, nullptr);
+    const DialogCustomLayer dialog(m->document, nullptr);
     for (const char* name : {"cboInputA", "cboInputB"}) {
         const auto* combo = dialog.findChild<QComboBox*>(name);
         QCOMPARE(combo->model(), m->list.model());
@@ -228,7 +228,7 @@ void tst_DialogCustomLayerLook::NamesItsControls()
 {
     QFETCH(QString, control);
     QFETCH(QString, label);
-    DialogCustomLayer dialog(&m->list, nullptr);
+    DialogCustomLayer dialog(m->document, nullptr);
     auto* widget = dialog.findChild<QWidget*>(control);
     // The accessible interface of a combo box returns the chosen text instead of a name.
     const bool isCombo = qobject_cast<QComboBox*>(widget) != nullptr;

@@ -270,7 +270,8 @@ void tst_DialogCustomLayerModal::ChecksTheNameWhenItIsConfirmed()
 
 void tst_DialogCustomLayerModal::AddsNothingWithoutALayerSize()
 {
-    ProjectSettings::Instance().layerWidth = 0;
+    ProjectSettings& settings = ProjectSettings::Instance();
+    settings.SetSizesOnly(0, settings.LayerHeight(), settings.WorldWidth(), settings.WorldHeight());
 
     const int result = m->Execute(nullptr, [&] {
         m->WaitIdle();
@@ -285,7 +286,8 @@ void tst_DialogCustomLayerModal::AddsNothingWithoutALayerSize()
 
 void tst_DialogCustomLayerModal::KeepsALayerWithoutALayerSize()
 {
-    ProjectSettings::Instance().layerWidth = 0;
+    ProjectSettings& settings = ProjectSettings::Instance();
+    settings.SetSizesOnly(0, settings.LayerHeight(), settings.WorldWidth(), settings.WorldHeight());
     const QImage before = m->second->Image();
 
     m->Execute(m->second, [&] {

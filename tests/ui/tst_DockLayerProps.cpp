@@ -1,6 +1,7 @@
 #include "ui/DockLayerProps.h"
 
 #include "app/ProjectSettings.h"
+#include "document/Document.h"
 #include "tests/support/Forms.h"
 #include "tests/support/Modals.h"
 #include "tests/support/ProjectFixture.h"
@@ -79,10 +80,11 @@ private:
     {
         return m_dock->findChild<QPushButton*>(QStringLiteral("button"));
     }
-    bool& Modified() { return ProjectSettings::Instance().modified; }
+    static bool IsModified() { return ProjectSettings::Instance().IsModified(); }
     std::unique_ptr<Layer> MakeLayer(const QColor& color, quint32 usages, quint32 values);
 
     std::unique_ptr<ProjectFixture> m_project;
+    std::unique_ptr<Document> m_document;
     std::unique_ptr<QMainWindow> m_window;
     DockLayerProps* m_dock = nullptr;
 };
@@ -90,10 +92,11 @@ private:
 void tst_DockLayerProps::init()
 {
     m_project = std::make_unique<ProjectFixture>();
+    m_document = std::make_unique<Document>();
     m_window = std::make_unique<QMainWindow>();
     // Another control of the window, before those of the dock in the tab order.
     m_window->setCentralWidget(new QLineEdit);
-    m_dock = new DockLayerProps(m_window.get());
+    m_dock = new DockLayerProps(*m_document, m_window.get());
     m_window->addDockWidget(Qt::LeftDockWidgetArea, m_dock);
     m_window->resize(600, 400);
     m_window->show();
@@ -104,14 +107,16 @@ void tst_DockLayerProps::init()
 void tst_DockLayerProps::cleanup()
 {
     m_window.reset();
+    m_document.reset();
     m_project.reset();
 }
 
 void tst_DockLayerProps::SetTypes(int usages, int values)
 {
-    AreaFlagTypes& types = ProjectSettings::Instance().areaFlagTypes;
+    AreaFlagTypes types = ProjectSettings::Instance().FlagTypes();
     types.usages = Names(QStringLiteral("usage"), usages);
     types.values = Names(QStringLiteral("value"), values);
+    ProjectSettings::Instance().SetFlagTypes(types);
     m_dock->Refresh();
     // Lets the layout place the boxes.
     QCoreApplication::processEvents();
@@ -338,7 +343,7 @@ void tst_DockLayerProps::WritesNothingBackWhileItShows()
     QCOMPARE(second->UsageFlags(), 1U);
     QCOMPARE(colorChanged.size(), 0);
     QCOMPARE(opacityChanged.size(), 0);
-    QVERIFY(!Modified());
+    QVERIFY(!IsModified());
 }
 
 void tst_DockLayerProps::AnnouncesColorAndOpacity()
@@ -352,7 +357,7 @@ void tst_DockLayerProps::AnnouncesColorAndOpacity()
     QCOMPARE(colorChanged.size(), 1);
     QCOMPARE(opacityChanged.size(), 1);
     QCOMPARE(opacityChanged.first().first().toFloat(), 51.0F / 255.0F);
-    QVERIFY(!Modified());
+    QVERIFY(!IsModified());
 
     m_dock->SetLayer(nullptr, true);
 
@@ -387,7 +392,7 @@ void tst_DockLayerProps::ClicksFlags()
 
     QCOMPARE(layer->UsageFlags(), 5U);
     QCOMPARE(layer->ValueFlags(), 0U);
-    QVERIFY(Modified());
+    QVERIFY(IsModified());
 
     QTest::mouseClick(Boxes(ValueGroup).at(1), Qt::LeftButton, {}, QPoint(8, 8));
     QTest::mouseClick(Boxes(UsageGroup).at(0), Qt::LeftButton, {}, QPoint(8, 8));
@@ -405,7 +410,7 @@ void tst_DockLayerProps::ChecksFlagsWithTheKeyboard()
     QTest::keyClick(Boxes(UsageGroup).at(31), Qt::Key_Space);
 
     QCOMPARE(layer->UsageFlags(), 0x80000001U);
-    QVERIFY(Modified());
+    QVERIFY(IsModified());
 }
 
 void tst_DockLayerProps::PicksAColor()
@@ -426,7 +431,7 @@ void tst_DockLayerProps::PicksAColor()
 
     QCOMPARE(layer->Color(), QColor(70, 80, 90, 40));
     QCOMPARE(colorChanged.size(), 1);
-    QVERIFY(Modified());
+    QVERIFY(IsModified());
 }
 
 void tst_DockLayerProps::SlidesTheOpacity()
@@ -440,7 +445,7 @@ void tst_DockLayerProps::SlidesTheOpacity()
     QCOMPARE(layer->Color(), QColor(10, 20, 30, 255));
     QCOMPARE(opacityChanged.size(), 1);
     QCOMPARE(opacityChanged.first().first().toFloat(), 1.0F);
-    QVERIFY(Modified());
+    QVERIFY(IsModified());
 
     QTest::keyClick(Slider(), Qt::Key_Left);
 
@@ -460,7 +465,7 @@ void tst_DockLayerProps::ForgetsALayerThatDied()
     QTest::keyClick(Slider(), Qt::Key_Home);
 
     QCOMPARE(opacityChanged.size(), 0);
-    QVERIFY(!Modified());
+    QVERIFY(!IsModified());
 
     m_dock->Refresh();
 

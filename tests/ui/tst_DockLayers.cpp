@@ -283,7 +283,7 @@ void tst_DockLayers::SelectsNothingByItself()
     QCOMPARE(m_docks->selected, QStringList{QStringLiteral("a")});
     QVERIFY(m_docks->Tree()->selectionModel()->isSelected(m_docks->LayerAt(0)->index()));
 
-    m_docks->dock->Clear();
+    m_docks->document.Clear();
     m_docks->AddLayer(QStringLiteral("c"));
     m_docks->Button("btnHideAll")->setFocus();
     QTest::keyClick(m_docks->Button("btnHideAll"), Qt::Key_Tab);
@@ -350,12 +350,12 @@ void tst_DockLayers::WritesAndReads()
     m_docks->AddLayer(QStringLiteral("b"));
     QByteArray text;
     QXmlStreamWriter writer(&text);
-    QCOMPARE(m_docks->dock->WriteXml(writer), 0);
-    m_docks->dock->Clear();
+    QCOMPARE(m_docks->List()->WriteXml(writer), 0);
+    m_docks->document.Clear();
 
     QXmlStreamReader reader(text);
     QVERIFY(reader.readNextStartElement());
-    QVERIFY(m_docks->dock->ReadXml(reader));
+    QVERIFY(m_docks->List()->ReadXml(reader));
 
     QCOMPARE(m_docks->Order(), QStringLiteral("a b"));
     QCOMPARE(m_docks->LayerAt(0)->Color(), QColor(1, 2, 3, 4));

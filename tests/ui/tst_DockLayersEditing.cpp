@@ -92,7 +92,8 @@ void tst_DockLayersEditing::AModificationThatFailedChangesNothing()
     const Layer* layer = m_docks->AddLayer(QStringLiteral("a"));
     const QImage mask = layer->Image();
     const QSignalSpy modified(m_docks->dock, &DockLayers::Modified);
-    ProjectSettings::Instance().layerWidth = 0;
+    ProjectSettings& settings = ProjectSettings::Instance();
+    settings.SetSizesOnly(0, settings.LayerHeight(), settings.WorldWidth(), settings.WorldHeight());
     ModalAnswers answers;
     answers.Add(ClickWhenIdle("btnOk", QStringLiteral("inverse")));
 
@@ -162,20 +163,21 @@ void tst_DockLayersEditing::RemovesTheLayer()
     QFETCH(int, row);
     QFETCH(QString, order);
     QFETCH(QString, next);
-    ProjectSettings::Instance().areaFlagTypes.usages = {QStringLiteral("usage")};
+    AreaFlagTypes types;
+    types.usages = {QStringLiteral("usage")};
+    ProjectSettings::Instance().SetFlagTypes(types);
     m_docks->props->Refresh();
     for (const char* name : {"a", "b", "c"}) {
         m_docks->AddLayer(QLatin1String(name));
     }
     m_docks->Click(row);
-    const Tracked<Layer> layer(m_docks->LayerAt(row));
-    const int id = layer->Id();
+    const int id = m_docks->LayerAt(row)->Id();
     m_docks->selected.clear();
     QList<int> removed;
     bool isGone = false;
     connect(m_docks->dock, &DockLayers::Removed, this, [&](int removedId) {
         removed.append(removedId);
-        isGone = !layer && !m_docks->List()->LayerById(removedId);
+        isGone = !m_docks->List()->LayerById(removedId);
     });
 
     m_docks->UseMenu(m_docks->RectOf(row).center(), "actionRemove");
@@ -244,6 +246,8 @@ void tst_DockLayersEditing::ReordersByDragging()
     QCOMPARE(events, (QStringList{QStringLiteral("selected a"), QStringLiteral("selected a"),
                                   QStringLiteral("b c a")}));
     QCOMPARE(m_docks->Tree()->currentIndex(), m_docks->LayerAt(2)->index());
+    QCOMPARE(m_docks->Tree()->selectionModel()->selectedRows(),
+             QModelIndexList{m_docks->LayerAt(2)->index()});
     QVERIFY(m_docks->props->isEnabled());
     QVERIFY(m_docks->Button("btnHideAll")->isEnabled());
     QVERIFY(m_docks->IsModified());
@@ -262,7 +266,7 @@ void tst_DockLayersEditing::EnablesHideAllWhileThereIsALayer()
     QVERIFY(!hideAll->isEnabled());
     m_docks->AddLayer(QStringLiteral("c"));
     QVERIFY(hideAll->isEnabled());
-    m_docks->dock->Clear();
+    m_docks->document.Clear();
     QVERIFY(!hideAll->isEnabled());
     m_docks->dock->UpdateHideAll();
     QVERIFY(!hideAll->isEnabled());
@@ -276,7 +280,7 @@ void tst_DockLayersEditing::ClearsWhileALayerIsSelected()
     m_docks->Click(1);
     m_docks->selected.clear();
 
-    m_docks->dock->Clear();
+    m_docks->document.Clear();
 
     QVERIFY(m_docks->selected.isEmpty());
     QVERIFY(!m_docks->props->isEnabled());

@@ -91,7 +91,8 @@ void tst_DockTerTypeProps::HasItsForm()
     QFETCH(QString, className);
     QFETCH(QByteArray, property);
     QFETCH(QVariant, value);
-    DockTerTypeProps dock;
+    Document document;
+    DockTerTypeProps dock(document);
 
     CheckForm(dock, object, className, property, value);
 }

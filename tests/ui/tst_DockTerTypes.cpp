@@ -109,7 +109,8 @@ void tst_DockTerTypes::HasItsForm()
     QFETCH(QString, className);
     QFETCH(QByteArray, property);
     QFETCH(QVariant, value);
-    DockTerTypes dock(nullptr, nullptr);
+    Document document;
+    DockTerTypes dock(document, nullptr, nullptr);
 
     CheckForm(dock, object, className, property, value);
 }

@@ -271,14 +271,14 @@ void tst_DockTerTypesCommands::RefusesNamesThatAreNoFileNames()
 void tst_DockTerTypesCommands::RemovesTerritories()
 {
     Fixture fixture;
-    const Tracked<Zone> zone(fixture.north->Zones().first());
+    const Zone* zone = fixture.north->Zones().first();
     fixture.MakeCurrent(fixture.north);
     const QSignalSpy selected(fixture.types, &DockTerTypes::Selected);
 
     fixture.Child<QAction>("actionRemove")->trigger();
 
     QCOMPARE(fixture.deer->rowCount(), 1);
-    QVERIFY(!zone);
+    QCOMPARE(zone->scene(), nullptr);
     QCOMPARE(fixture.CurrentText(), QStringLiteral("South"));
     QCOMPARE(fixture.Scene().CurrentTerritory(), fixture.south);
     QCOMPARE(fixture.PropsTitle(), QStringLiteral("Territory: South"));
@@ -297,12 +297,12 @@ void tst_DockTerTypesCommands::RemovesTerritories()
 void tst_DockTerTypesCommands::RemovesTypes()
 {
     Fixture fixture;
-    const Tracked<Zone> zone(fixture.north->Zones().first());
+    const Zone* zone = fixture.north->Zones().first();
     fixture.MakeCurrent(fixture.deer);
 
     fixture.Child<QAction>("actionRemove")->trigger();
 
-    QVERIFY(!zone);
+    QCOMPARE(zone->scene(), nullptr);
     QCOMPARE(fixture.List().Types(), QVector<TerritoryType*>{fixture.wolf});
     QCOMPARE(fixture.CurrentText(), QStringLiteral("Wolf"));
     QCOMPARE(fixture.PropsTitle(), QStringLiteral("Territory type: Wolf"));

@@ -458,7 +458,8 @@ void tst_DockTerTypesSelection::ForgetsTheRowBeforeTheListIsEmptied()
     connect(fixture.types, &DockTerTypes::Selected, fixture.types,
             [&] { rows = fixture.List().model()->rowCount(); });
 
-    fixture.types->Clear();
+    fixture.types->ClearSelection();
+    fixture.document.Clear();
 
     QVERIFY(fixture.List().IsEmpty());
     QCOMPARE(rows, 2);
@@ -471,8 +472,9 @@ void tst_DockTerTypesSelection::ForgetsTheRowBeforeTheListIsEmptied()
 void tst_DockTerTypesSelection::ReadsWithTheScene()
 {
     Fixture fixture;
-    const QString text = XmlText([&](QXmlStreamWriter& xml) { fixture.types->Write(xml); });
-    fixture.types->Clear();
+    const QString text = XmlText([&](QXmlStreamWriter& xml) { fixture.List().Write(xml); });
+    fixture.types->ClearSelection();
+    fixture.document.Clear();
     const auto zones = [&fixture] {
         int count = 0;
         const QList<QGraphicsItem*> items = fixture.Scene().items();
@@ -485,16 +487,17 @@ void tst_DockTerTypesSelection::ReadsWithTheScene()
     fixture.TakeModified();
 
     ElementReader xml(text.mid(text.indexOf(QStringLiteral("<territory-type-list"))));
-    QVERIFY(fixture.types->Read(xml));
+    QVERIFY(fixture.List().Read(xml, fixture.document.ZoneScene()));
+    fixture.types->ExpandAll();
 
     QCOMPARE(zones(), 4);
     QCOMPARE(fixture.List().Types().size(), 2);
     QVERIFY(fixture.Tree().isExpanded(fixture.List().Types().first()->index()));
     QVERIFY(!fixture.TakeModified());
-    QCOMPARE(XmlText([&](QXmlStreamWriter& again) { fixture.types->Write(again); }), text);
+    QCOMPARE(XmlText([&](QXmlStreamWriter& again) { fixture.List().Write(again); }), text);
 
     ElementReader broken(QStringLiteral("<territory-type-list><territory-type"));
-    QVERIFY(!fixture.types->Read(broken));
+    QVERIFY(!fixture.List().Read(broken, fixture.document.ZoneScene()));
 }
 
 QTEST_MAIN(tst_DockTerTypesSelection)

@@ -77,7 +77,7 @@ void tst_FileDialogs::HasTextsAndIcon()
         QCOMPARE(dialog->fileMode(), isSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
         QVERIFY(dialog->testOption(QFileDialog::DontUseNativeDialog));
         QCOMPARE(dialog->directory().absolutePath(),
-                 ProjectSettings::Instance().projectDir.absolutePath());
+                 ProjectSettings::Instance().Dir().absolutePath());
         QCOMPARE(dialog->parentWidget(), &m_parent);
         dialog->close();
     });

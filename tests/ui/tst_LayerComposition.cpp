@@ -37,7 +37,7 @@ void tst_LayerComposition::init()
     m_composition.reset();
     m_canvas.reset();
     m_canvas = std::make_unique<CanvasFixture>();
-    m_composition = std::make_unique<LayerComposition>(m_canvas->layers, m_canvas->view);
+    m_composition = std::make_unique<LayerComposition>(m_canvas->document, m_canvas->view);
 }
 
 QRgb tst_LayerComposition::PixelAt(QPoint position)
@@ -59,7 +59,6 @@ void tst_LayerComposition::ShowsCheckedLayersWithTheFirstRowOnTop()
     second->SetVisible(true);
     hidden->SetVisible(false);
 
-    m_composition->Fill();
     m_composition->Recompose();
 
     QCOMPARE(PixelAt({50, 80}), QColor(Qt::red).rgba());
@@ -71,9 +70,8 @@ void tst_LayerComposition::ShowsTheCurrentLayerOnTopOfAll()
     Layer* first = m_canvas->AddLayer(Qt::red, QRect(0, 0, 200, 160));
     Layer* current = m_canvas->AddLayer(Qt::blue, Right);
     first->SetVisible(true);
-    m_composition->Fill();
 
-    m_composition->SetCurrent(current);
+    m_canvas->document.SetCurrentLayer(current);
     m_composition->Recompose();
 
     QCOMPARE(m_canvas->Scene().CurrentLayer(), current);
@@ -81,7 +79,7 @@ void tst_LayerComposition::ShowsTheCurrentLayerOnTopOfAll()
     // The current layer is shown even while its box is not checked.
     QCOMPARE(PixelAt({150, 80}), QColor(Qt::blue).rgba());
 
-    m_composition->SetCurrent(nullptr);
+    m_canvas->document.SetCurrentLayer(nullptr);
     m_composition->Recompose();
 
     QCOMPARE(PixelAt({150, 80}), QColor(Qt::red).rgba());
@@ -91,12 +89,10 @@ void tst_LayerComposition::FollowsCheckMarks()
 {
     Layer* layer = m_canvas->AddLayer(Qt::red, Left);
     layer->SetVisible(true);
-    m_composition->Follow(layer);
     m_composition->Recompose();
     QCOMPARE(PixelAt({50, 80}), QColor(Qt::red).rgba());
 
     layer->SetVisible(false);
-    m_composition->Follow(layer);
     m_composition->Recompose();
     QCOMPARE(PixelAt({50, 80}), 0U);
 }
@@ -105,13 +101,12 @@ void tst_LayerComposition::ForgetsALayerBeforeItDies()
 {
     Layer* layer = m_canvas->AddLayer(Qt::red, Left);
     layer->SetVisible(true);
-    m_composition->Fill();
-    m_composition->SetCurrent(layer);
+    m_canvas->document.SetCurrentLayer(layer);
     m_composition->Recompose();
 
     m_canvas->layers.RemoveLayer(layer->Id());
 
-    QCOMPARE(m_composition->Current(), nullptr);
+    QCOMPARE(m_canvas->document.CurrentLayer(), nullptr);
     QCOMPARE(m_canvas->Scene().CurrentLayer(), nullptr);
     m_composition->Recompose();
     QCOMPARE(PixelAt({50, 80}), 0U);
@@ -121,7 +116,6 @@ void tst_LayerComposition::ShowsNothingOfAnEmptyList()
 {
     Layer* layer = m_canvas->AddLayer(Qt::red, Left);
     layer->SetVisible(true);
-    m_composition->Fill();
     m_composition->Recompose();
 
     m_canvas->layers.Clear();

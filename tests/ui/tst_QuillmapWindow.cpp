@@ -11,6 +11,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QMenu>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QScreen>
 #include <QSettings>
@@ -18,6 +19,7 @@
 #include <QTest>
 #include <QToolBar>
 #include <QTreeView>
+#include <QUndoView>
 #include <QWhatsThis>
 #include <QWheelEvent>
 
@@ -213,6 +215,26 @@ void tst_QuillmapWindow::HasItsActions_data()
                                       << "Status"
                                       << ""
                                       << "" << true << true;
+    QTest::newRow("actionUndo") << "Undo"
+                                << "Undo"
+                                << "Ctrl+Z"
+                                << ":/icon-undo" << false << false;
+    QTest::newRow("actionRedo") << "Redo"
+                                << "Redo"
+                                << "Ctrl+Shift+Z"
+                                << ":/icon-redo" << false << false;
+    QTest::newRow("actionDelete") << "Delete"
+                                  << "Delete"
+                                  << "Del"
+                                  << "" << false << false;
+    QTest::newRow("actionSelectAllZones") << "Select all zones"
+                                          << "Select all zones"
+                                          << ""
+                                          << "" << false << false;
+    QTest::newRow("actionHistory") << "History"
+                                   << "History"
+                                   << ""
+                                   << "" << true << false;
 }
 
 void tst_QuillmapWindow::HasItsActions()
@@ -243,16 +265,39 @@ void tst_QuillmapWindow::HasItsMenusAndToolBar()
 
     QCOMPARE(fixture.Child<QMenu>("menuFile")->title(), "&File");
     QCOMPARE(Texts(*fixture.Child<QMenu>("menuFile")), common + QStringList({"|", "actionExit"}));
+    QCOMPARE(fixture.Child<QMenu>("menuEdit")->title(), "&Edit");
+    QCOMPARE(Texts(*fixture.Child<QMenu>("menuEdit")),
+             (QStringList{"actionUndo", "actionRedo", "|", "actionDelete", "actionSelectAllZones",
+                          "|", "actionHistory"}));
+    QStringList menus;
+    const QList<QAction*> menuActions = fixture.window->menuBar()->actions();
+    for (const QAction* action : menuActions) {
+        menus.append(action->menu()->objectName());
+    }
+    QCOMPARE(menus.mid(0, 3), (QStringList{"menuFile", "menuEdit", "menuView"}));
+    QCOMPARE(fixture.Action("actionRedo")->shortcuts(),
+             (QList<QKeySequence>{QKeySequence("Ctrl+Shift+Z"), QKeySequence("Ctrl+Y")}));
     QCOMPARE(fixture.Child<QMenu>("menuView")->title(), "&View");
     QCOMPARE(Texts(*fixture.Child<QMenu>("menuView")),
              (QStringList{"actionViewLayers", "|", "actionViewTerritoryTypes", "|",
                           "actionViewStatus", "|"}));
-    const auto* toolBar = fixture.Child<QToolBar>("toolBar");
-    QCOMPARE(Texts(*toolBar), common);
-    QCOMPARE(toolBar->windowTitle(), "toolBar");
-    QVERIFY(!toolBar->isMovable());
-    QVERIFY(!toolBar->isFloatable());
-    QCOMPARE(fixture.window->toolBarArea(const_cast<QToolBar*>(toolBar)), Qt::TopToolBarArea);
+    const struct
+    {
+        const char* name;
+        QString title;
+        QStringList actions;
+    } toolBars[] = {
+        {"toolBar", "toolBar", common},
+        {"toolBarEdit", "Edit", {"actionUndo", "actionRedo"}},
+    };
+    for (const auto& expected : toolBars) {
+        auto* toolBar = fixture.Child<QToolBar>(expected.name);
+        QCOMPARE(Texts(*toolBar), expected.actions);
+        QCOMPARE(toolBar->windowTitle(), expected.title);
+        QVERIFY(!toolBar->isMovable());
+        QVERIFY(!toolBar->isFloatable());
+        QCOMPARE(fixture.window->toolBarArea(toolBar), Qt::TopToolBarArea);
+    }
 }
 
 void tst_QuillmapWindow::HasItsDocks()
@@ -268,6 +313,10 @@ void tst_QuillmapWindow::HasItsDocks()
     QCOMPARE(area("DockTerTypes"), Qt::RightDockWidgetArea);
     QCOMPARE(area("DockTerTypeProps"), Qt::RightDockWidgetArea);
     QCOMPARE(area("BrushDock"), Qt::RightDockWidgetArea);
+    QCOMPARE(area("DockHistory"), Qt::RightDockWidgetArea);
+    QCOMPARE(fixture.Child<QWidget>("viewHistory")->window(), fixture.window.get());
+    QVERIFY(fixture.Child<QUndoView>("viewHistory"));
+    QVERIFY(fixture.Child<QDockWidget>("DockHistory")->isHidden());
     QVERIFY(fixture.Child<QDockWidget>("DockTerTypes")->isHidden());
     QVERIFY(fixture.Child<QDockWidget>("DockTerTypeProps")->isHidden());
     QVERIFY(fixture.Child<QDockWidget>("BrushDock")->isHidden());
@@ -279,7 +328,7 @@ void tst_QuillmapWindow::StartsWithoutAProject()
 
     QCOMPARE(fixture.window->windowTitle(), "Unsaved - Tarvo Ledger Tool");
     for (const char* name : {"actionSave", "actionSaveAll", "actionLoadWorld", "actionImportAreas",
-                             "actionImportMap"}) {
+                             "actionImportMap", "actionUndo", "actionRedo"}) {
         QVERIFY2(!fixture.Action(name)->isEnabled(), name);
     }
     for (const char* name : {"actionNew", "actionLoad", "actionExit", "actionViewLayers",
@@ -303,6 +352,7 @@ void tst_QuillmapWindow::ShowsDocksByTheirActions_data()
     QTest::newRow("actionViewLayers") << QStringList{"DockLayers", "DockLayerProps"};
     QTest::newRow("actionViewTerritoryTypes") << QStringList{"DockTerTypes", "DockTerTypeProps"};
     QTest::newRow("actionViewStatus") << QStringList{"DockStatus"};
+    QTest::newRow("actionHistory") << QStringList{"DockHistory"};
 }
 
 void tst_QuillmapWindow::ShowsDocksByTheirActions()
@@ -479,7 +529,7 @@ void tst_QuillmapWindow::EnterAnswersNoQuestion()
     QFETCH(QString, title);
     WindowFixture fixture;
     fixture.Load(fixture.WriteProject());
-    fixture.Modified() = true;
+    fixture.SetModified(true);
     fixture.answers.Add([&](QWidget& box) {
         QCOMPARE(box.windowTitle(), title);
         QVERIFY(QTest::qWaitForWindowActive(&box));
@@ -499,7 +549,7 @@ void tst_QuillmapWindow::EnterAnswersNoQuestion()
     fixture.Trigger(QTest::currentDataTag());
 
     QVERIFY(fixture.window->isVisible());
-    QVERIFY(fixture.Modified());
+    QVERIFY(fixture.IsModified());
     QCOMPARE(fixture.window->windowTitle(), "small - Tarvo Ledger Tool");
     QCOMPARE(fixture.Child<QTreeView>("treeLayers")->model()->rowCount(), 2);
 }

@@ -17,6 +17,7 @@ void tst_RandomUser::LeavesEverythingInOrder()
     const int wanted = qEnvironmentVariableIntValue("QUILLMAP_ACTIONS", &isSet);
     const int count = isSet ? wanted : 3000;
     constexpr int actionsBetweenSaves = 500;
+    constexpr int actionsBetweenUndos = 40;
     RandomUser user;
     QStringList done;
     for (int i = 1; i <= count; ++i) {
@@ -29,6 +30,13 @@ void tst_RandomUser::LeavesEverythingInOrder()
                                                          .arg(contradiction)
                                                          .arg(i)
                                                          .arg(done.join(QStringLiteral(", ")))));
+        if (i % actionsBetweenUndos == 0) {
+            const QString lost = user.LostByUndoing();
+            QVERIFY2(lost.isEmpty(), qPrintable(QStringLiteral("%1 After action %2: %3")
+                                                    .arg(lost)
+                                                    .arg(i)
+                                                    .arg(done.join(QStringLiteral(", ")))));
+        }
         if (i % actionsBetweenSaves == 0) {
             const QString lost = user.LostBySaving();
             QVERIFY2(lost.isEmpty(), qPrintable(lost));

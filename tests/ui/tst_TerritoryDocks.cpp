@@ -107,8 +107,7 @@ private slots:
     void NewZonesTakeTheTerritorysColor();
     void TotalsFollowNewZones();
     void TotalsFollowPaste();
-    void PatternIsForgotten_data();
-    void PatternIsForgotten();
+    void PatternIsForgottenWithTheList();
     void StandsEveryDeath_data();
     void StandsEveryDeath();
     void DocksStandAlone();
@@ -126,7 +125,6 @@ void tst_TerritoryDocks::NewZonesHaveNoPatternAtFirst()
     Fixture fixture;
 
     QCOMPARE(Values(fixture.Insert()), QStringLiteral("300 m, 0 0 0 0, 1 , 2"));
-    fixture.props->ApplyToNewZone(nullptr);
 }
 
 void tst_TerritoryDocks::NewZonesTakeTheShownZone()
@@ -172,11 +170,8 @@ void tst_TerritoryDocks::NewZonesTakeTheTerritorysColor()
     Fixture fixture;
     fixture.ShowTheZone();
     fixture.territory->SetRgba(qRgba(1, 2, 3, 4));
-    Zone zone(fixture.other);
 
-    fixture.props->ApplyToNewZone(&zone);
-
-    QCOMPARE(zone.Color().rgba(), qRgba(1, 2, 3, 4));
+    QCOMPARE(fixture.Insert()->Color().rgba(), qRgba(1, 2, 3, 4));
 }
 
 void tst_TerritoryDocks::TotalsFollowNewZones()
@@ -186,7 +181,7 @@ void tst_TerritoryDocks::TotalsFollowNewZones()
 
     fixture.Insert();
 
-    QCOMPARE(fixture.Text("lblTerDynMaxVal"), QStringLiteral("8"));
+    QTRY_COMPARE(fixture.Text("lblTerDynMaxVal"), QStringLiteral("8"));
     QCOMPARE(fixture.type->Totals().dynamicMax, 8);
 }
 
@@ -204,28 +199,16 @@ void tst_TerritoryDocks::TotalsFollowPaste()
     QTRY_COMPARE(fixture.Text("lblTerStaticMaxVal"), QStringLiteral("4"));
 }
 
-void tst_TerritoryDocks::PatternIsForgotten_data()
+void tst_TerritoryDocks::PatternIsForgottenWithTheList()
 {
-    QTest::addColumn<bool>("byClearing");
-
-    QTest::newRow("by name") << false;
-    QTest::newRow("with the list") << true;
-}
-
-void tst_TerritoryDocks::PatternIsForgotten()
-{
-    QFETCH(bool, byClearing);
     Fixture fixture;
     fixture.ShowTheZone();
 
-    if (byClearing) {
-        fixture.types->Clear();
-        fixture.type = fixture.AddType(QStringLiteral("Wolf"));
-        fixture.territory = fixture.AddTerritory(fixture.type, QStringLiteral("West"));
-        fixture.MakeCurrent(fixture.territory);
-    } else {
-        fixture.props->ForgetTemplate();
-    }
+    fixture.types->ClearSelection();
+    fixture.document.Clear();
+    fixture.type = fixture.AddType(QStringLiteral("Wolf"));
+    fixture.territory = fixture.AddTerritory(fixture.type, QStringLiteral("West"));
+    fixture.MakeCurrent(fixture.territory);
 
     QCOMPARE(Values(fixture.Insert()), QStringLiteral("300 m, 0 0 0 0, 1 , 2"));
 }
@@ -286,9 +269,7 @@ void tst_TerritoryDocks::StandsEveryDeath()
             props->UpdateColor(Qt::red);
             props->UpdateOpacity(9);
             props->RefreshTotals();
-            Zone fresh(nullptr);
-            props->ApplyToNewZone(&fresh);
-            QCOMPARE(fresh.Radius(), zone ? 100.0F : 123.0F);
+            QCOMPARE(fixture->document.ZoneTemplate().radius, zone ? 100.0F : 123.0F);
             QVERIFY(territory || type || !types || !props->isEnabled());
         }
         if (types) {
@@ -297,7 +278,8 @@ void tst_TerritoryDocks::StandsEveryDeath()
             types->InsertMode(true);
             types->AddTerritoryType();
             types->Remove();
-            types->Clear();
+            types->ClearSelection();
+            fixture->document.Clear();
             QVERIFY(!props || !props->isEnabled());
         }
     }
@@ -305,7 +287,8 @@ void tst_TerritoryDocks::StandsEveryDeath()
 
 void tst_TerritoryDocks::DocksStandAlone()
 {
-    DockTerTypes types(nullptr, nullptr);
+    Document document;
+    DockTerTypes types(document, nullptr, nullptr);
     types.AddTerritoryType();
     auto* tree = types.findChild<QTreeView*>(QStringLiteral("treeTerTypes"));
     tree->setCurrentIndex(tree->model()->index(0, 0));
@@ -317,7 +300,8 @@ void tst_TerritoryDocks::DocksStandAlone()
     types.CopySelection();
     types.findChild<QAbstractButton*>(QStringLiteral("btnZoneDelete"))->setEnabled(true);
     types.findChild<QAbstractButton*>(QStringLiteral("btnZoneDelete"))->click();
-    types.Clear();
+    types.ClearSelection();
+    document.Clear();
 
     QVERIFY(types.List()->IsEmpty());
 }

@@ -1,3 +1,4 @@
+#include "document/Document.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "territories/Territory.h"
@@ -145,7 +146,7 @@ void tst_WindowEditing::PaintsTheCurrentLayer()
     editor.ClickAt({40, 40});
 
     QCOMPARE(blue->Image().pixelIndex(40, 40), 255);
-    QVERIFY(editor.Modified());
+    QVERIFY(editor.IsModified());
     QCOMPARE(editor.Layers().LayerAt(0)->Image().pixelIndex(40, 40), 0);
 }
 
@@ -172,18 +173,18 @@ void tst_WindowEditing::PaintModeIsLeft()
     } else if (by == "hide all") {
         editor.Click("btnHideAll");
     } else if (by == "load") {
-        editor.Modified() = false;
+        editor.SetModified(false);
         editor.Load(editor.Path("small/small.xml"));
     } else if (by == "query") {
         editor.Click("btnToggleQueryTer");
     } else if (by == "select mode") {
         editor.Click("btnToggleZoneSelect");
     } else if (by == "new project") {
-        editor.Modified() = false;
+        editor.SetModified(false);
         editor.BeginProject(editor.Path("fresh.xml"));
     } else if (by == "import") {
         editor.window->SaveAreaMap();
-        editor.Modified() = false;
+        editor.SetModified(false);
         editor.TriggerWithFile("actionImportMap", editor.Path("small/map/small.map"));
     } else {
         editor.LayerTree().setCurrentIndex(editor.Layers().LayerAt(0)->index());
@@ -229,6 +230,8 @@ void tst_WindowEditing::PanningBringsTheModeBack()
     };
     const auto modeBefore = static_cast<SceneMode>(before);
     toggle(modeBefore);
+    // A click on a button would take the focus from the map, which ends panning.
+    editor.Child<QWidget>("treeLayers")->setFocus();
     QTest::keyPress(&editor.View(), Qt::Key_Space);
     QCOMPARE(editor.Scene().Mode(), SceneMode::Pan);
 
@@ -267,20 +270,20 @@ void tst_WindowEditing::ShowsCheckedLayers()
         editor.Scene().render(&painter, QRectF(), QRectF(0, 0, 64, 64));
         return picture.pixelColor(12, 12);
     };
-    editor.Child<DockTerTypes>("DockTerTypes")->Clear();
-    // Blue is current and therefore on top. It covers red until red becomes current.
+    editor.window->GetDocument().Types().Clear();
+    // Blue is current and so on top; it hides red, until red is current.
     QCOMPARE(pixel(), QColor(Qt::blue));
     editor.LayerTree().setCurrentIndex(editor.Layers().LayerAt(0)->index());
     QCOMPARE(pixel(), red);
 
     editor.Click("btnHideAll");
     QCOMPARE(pixel().alpha(), 0);
-    editor.Modified() = false;
+    editor.SetModified(false);
 
     editor.Layers().LayerAt(1)->setCheckState(Qt::Checked);
 
     QCOMPARE(pixel(), QColor(Qt::blue));
-    QVERIFY(editor.Modified());
+    QVERIFY(editor.IsModified());
 }
 
 void tst_WindowEditing::SelectingALayerMakesItCurrent()
@@ -291,7 +294,7 @@ void tst_WindowEditing::SelectingALayerMakesItCurrent()
     editor.LayerTree().setCurrentIndex(red->index());
 
     QCOMPARE(editor.Scene().CurrentLayer(), red);
-    QVERIFY(editor.Modified());
+    QVERIFY(editor.IsModified());
     editor.Trigger("actionTogglePaintMode");
     editor.ClickAt({50, 50});
     QCOMPARE(red->Image().pixelIndex(50, 50), 255);
@@ -335,7 +338,7 @@ void tst_WindowEditing::HidesAllLayers()
     QVERIFY(!editor.LayerTree().currentIndex().isValid());
     QVERIFY(!editor.Action("actionTogglePaintMode")->isEnabled());
     QVERIFY(!editor.Child<QWidget>("DockLayerProps")->isEnabled());
-    QVERIFY(editor.Modified());
+    QVERIFY(editor.IsModified());
 }
 
 void tst_WindowEditing::ColorsTheCurrentLayer()
@@ -346,7 +349,7 @@ void tst_WindowEditing::ColorsTheCurrentLayer()
     emit group->findChild<ButtonColor*>("button")->ColorChanged(QColor(1, 2, 3));
 
     QCOMPARE(blue->Color().rgb(), qRgb(1, 2, 3));
-    QVERIFY(editor.Modified());
+    QVERIFY(editor.IsModified());
     // From now on painting uses the new colour, from which the mask is made.
     editor.Trigger("actionTogglePaintMode");
     editor.ClickAt({40, 40});
@@ -360,7 +363,7 @@ void tst_WindowEditing::FadesTheCurrentLayer()
     editor.Child<QWidget>("gboLayerClrOp")->findChild<QSlider*>("slider")->setValue(51);
 
     QCOMPARE(editor.Layers().LayerAt(1)->Color().alpha(), 51);
-    QVERIFY(editor.Modified());
+    QVERIFY(editor.IsModified());
     const QList<QGraphicsItem*> items = editor.Scene().items();
     QVERIFY(std::any_of(items.begin(), items.end(), [](const QGraphicsItem* item) {
         return qFuzzyCompare(item->zValue(), 0.8) && qAbs(item->opacity() - 0.2) < 0.001;
@@ -433,7 +436,7 @@ void tst_WindowEditing::PlacesAZone()
     const Zone* zone = editor.North()->Zones().last();
     QCOMPARE(zone->pos(), QPointF(40, 40));
     QCOMPARE(zone->Radius(), 30.0F);
-    QVERIFY(editor.Modified());
+    QVERIFY(editor.IsModified());
 }
 
 void tst_WindowEditing::PlacesAZoneLikeTheLastOne()
@@ -467,7 +470,7 @@ void tst_WindowEditing::SelectsAndRemovesAZone()
     QVERIFY(editor.North()->Zones().isEmpty());
     QVERIFY(!editor.Child<QWidget>("gboZone")->isEnabled());
     QTRY_COMPARE(editor.Child<QLabel>("lblTerTotalMaxVal")->text(), "0");
-    QVERIFY(editor.Modified());
+    QVERIFY(editor.IsModified());
 }
 
 void tst_WindowEditing::CopiesTheSelectionIntoANewTerritory()
@@ -531,14 +534,14 @@ void tst_WindowEditing::TheOverlayIsData()
     const Editor editor;
     editor.Child<QWidget>("gboBgOver")->findChild<QSlider*>("slider")->setValue(100);
 
-    QCOMPARE(ProjectSettings::Instance().backgroundColor.alpha(), 100);
-    QVERIFY(editor.Modified());
-    editor.Modified() = false;
+    QCOMPARE(ProjectSettings::Instance().BackgroundColor().alpha(), 100);
+    QVERIFY(editor.IsModified());
+    editor.SetModified(false);
 
     emit editor.Child<GroupBoxColor>("gboBgOver")->ColorChanged(QColor(9, 8, 7));
 
-    QCOMPARE(ProjectSettings::Instance().backgroundColor.rgba(), qRgba(9, 8, 7, 100));
-    QVERIFY(editor.Modified());
+    QCOMPARE(ProjectSettings::Instance().BackgroundColor().rgba(), qRgba(9, 8, 7, 100));
+    QVERIFY(editor.IsModified());
 }
 
 void tst_WindowEditing::ATypeRowEndsZoneModes()

@@ -84,7 +84,7 @@ void tst_WindowExport::ExportsTerritoryTypes()
     QFETCH(QString, message);
     const Editor editor;
     editor.Check(checked);
-    editor.Modified() = false;
+    editor.SetModified(false);
 
     editor.Click(button);
 
@@ -95,7 +95,7 @@ void tst_WindowExport::ExportsTerritoryTypes()
         QCOMPARE(ReadBytes(editor.Path("small/territoryTypes/" + file)).contains("\"Rest\""),
                  hasZone);
     }
-    QVERIFY(!editor.Modified());
+    QVERIFY(!editor.IsModified());
 }
 
 void tst_WindowExport::ReportsTypesThatCannotBeWritten_data()
@@ -124,7 +124,7 @@ void tst_WindowExport::CancelledSaveExportsNothing()
 {
     Editor editor;
     const QByteArray before = ReadBytes(editor.Path("small/small.xml"));
-    editor.Modified() = true;
+    editor.SetModified(true);
     editor.answers.AddCancel();
 
     editor.Trigger("actionSaveAll");
@@ -134,7 +134,7 @@ void tst_WindowExport::CancelledSaveExportsNothing()
     QCOMPARE(ReadBytes(editor.Path("small/small.xml")), before);
     QCOMPARE(editor.Exported(), QStringList());
     QVERIFY(!QFile::exists(editor.Path("small/map")));
-    QVERIFY(editor.Modified());
+    QVERIFY(editor.IsModified());
 }
 
 QTEST_MAIN(tst_WindowExport)

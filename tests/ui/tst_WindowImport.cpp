@@ -114,7 +114,7 @@ void tst_WindowImport::TheMapStaysAsItWasWithoutAFile()
     red->setCheckState(Qt::Checked);
     editor.Layers().LayerAt(1)->setCheckState(Qt::Checked);
     QCOMPARE(editor.Shown(), QColor(Qt::red));
-    editor.Modified() = answer == "No";
+    editor.SetModified(answer == "No");
     if (answer == "No") {
         editor.answers.AddButton(answer);
     } else if (answer == "Cancel") {
@@ -160,8 +160,8 @@ void tst_WindowImport::TakesBytesThatLookLikeLineEnds()
 
     const ProjectSettings& settings = ProjectSettings::Instance();
     QCOMPARE(settings.LayerSize(), size);
-    QCOMPARE(settings.worldWidth, world);
-    QCOMPARE(settings.worldHeight, world);
+    QCOMPARE(settings.WorldWidth(), world);
+    QCOMPARE(settings.WorldHeight(), world);
     QCOMPARE(editor.LayerNames(), names);
     const QVector<Layer*> layers = editor.Layers().Layers();
     for (const Layer* layer : layers) {
@@ -233,8 +233,8 @@ void tst_WindowImport::AMapThatCannotBeReadLeavesNothing()
     QVERIFY(editor.Layers().IsEmpty());
     const ProjectSettings& settings = ProjectSettings::Instance();
     QCOMPARE(settings.LayerSize(), QSize(64, 64));
-    QCOMPARE(settings.worldWidth, 640);
-    QCOMPARE(settings.worldHeight, 640);
+    QCOMPARE(settings.WorldWidth(), 640);
+    QCOMPARE(settings.WorldHeight(), 640);
     QCOMPARE(editor.Child<QLabel>("lblWorldScaleX")->text(), "X: 1 px = 10 m");
     QCOMPARE(editor.Scene().sceneRect(), QRectF(0, 0, 64, 64));
     QVERIFY(editor.Action("actionImportMap")->isEnabled());
@@ -245,7 +245,7 @@ void tst_WindowImport::AMapThatCannotBeReadLeavesNothing()
 void tst_WindowImport::ReplacesUnsavedWorkWhenTheUserAgrees()
 {
     Editor editor;
-    editor.Modified() = true;
+    editor.SetModified(true);
     SetFlagTypes(8, 0);
     WriteBytes(editor.Path("next.map"), Map(HalfMask({64, 64}), 1280, 2));
     editor.answers.AddButton("Yes");
@@ -258,8 +258,8 @@ void tst_WindowImport::ReplacesUnsavedWorkWhenTheUserAgrees()
                           "work will be lost.\n\nAre you sure you want to continue?",
                           "Import area map"}));
     QCOMPARE(editor.LayerNames(), QStringList{"usage1"});
-    QCOMPARE(ProjectSettings::Instance().worldWidth, 1280);
-    QVERIFY(editor.Modified());
+    QCOMPARE(ProjectSettings::Instance().WorldWidth(), 1280);
+    QVERIFY(editor.IsModified());
 }
 
 void tst_WindowImport::CancelChangesNothing_data()
@@ -278,7 +278,7 @@ void tst_WindowImport::CancelChangesNothing()
     QFETCH(QString, action);
     QFETCH(bool, isModified);
     Editor editor;
-    editor.Modified() = isModified;
+    editor.SetModified(isModified);
     editor.log.Take();
     // The project has flag types, and may have unsaved layers.
     if (action == "actionImportAreas" || (action == "actionImportMap" && isModified)) {
@@ -289,12 +289,12 @@ void tst_WindowImport::CancelChangesNothing()
     editor.Trigger(action.toLatin1());
 
     const ProjectSettings& settings = ProjectSettings::Instance();
-    QCOMPARE(editor.Modified(), isModified);
+    QCOMPARE(editor.IsModified(), isModified);
     QCOMPARE(editor.log.Take(), QStringList());
     QCOMPARE(editor.LayerNames(), (QStringList{"red", "blue"}));
     QCOMPARE(editor.Layers().LayerAt(1)->UsageFlags(), 2U);
-    QCOMPARE(settings.areaFlagTypes.usages, (QVector<QString>{"Town", "Farm"}));
-    QCOMPARE(settings.backgroundFile, QString());
+    QCOMPARE(settings.FlagTypes().usages, (QVector<QString>{"Town", "Farm"}));
+    QCOMPARE(settings.BackgroundFile(), QString());
     QCOMPARE(editor.window->windowTitle(), "small - Tarvo Ledger Tool");
 }
 

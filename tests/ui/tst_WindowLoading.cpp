@@ -106,10 +106,10 @@ void tst_WindowLoading::LoadsAProject()
     QCOMPARE(fixture.window->windowTitle(), "small - Tarvo Ledger Tool");
     QCOMPARE(Layers(fixture).Layers().size(), 2);
     QCOMPARE(ZonesOnTheMap(fixture), 1);
-    QCOMPARE(ProjectSettings::Instance().projectFileName, "small.xml");
-    QCOMPARE(ProjectSettings::Instance().projectDir.path(), fixture.Path("small"));
-    QCOMPARE(ProjectSettings::Instance().areaFlagTypes.usages, (QVector<QString>{"Town", "Farm"}));
-    QVERIFY(!fixture.Modified());
+    QCOMPARE(ProjectSettings::Instance().FileName(), "small.xml");
+    QCOMPARE(ProjectSettings::Instance().Dir().path(), fixture.Path("small"));
+    QCOMPARE(ProjectSettings::Instance().FlagTypes().usages, (QVector<QString>{"Town", "Farm"}));
+    QVERIFY(!fixture.IsModified());
     QCOMPARE(fixture.Child<QLabel>("lblWorldScaleX")->text(), "X: 1 px = 10 m");
     QCOMPARE(fixture.Child<QLabel>("lblWorldScaleZ")->text(), "Z: 1 px = 10 m");
     QCOMPARE(fixture.Child<QLabel>("lblWorldRStepX")->text(), "X step = 250 m");
@@ -231,7 +231,7 @@ void tst_WindowLoading::AsksBeforeItDiscards()
     QFETCH(QString, title);
     WindowFixture fixture;
     fixture.Load(fixture.WriteProject());
-    fixture.Modified() = true;
+    fixture.SetModified(true);
     fixture.answers.AddButton(button);
     const QString other = fixture.WriteProject("other");
 
@@ -242,7 +242,7 @@ void tst_WindowLoading::AsksBeforeItDiscards()
 
     QCOMPARE(fixture.answers.Asked().at(1), Discard);
     QCOMPARE(fixture.window->windowTitle(), title);
-    QCOMPARE(fixture.Modified(), button == "No");
+    QCOMPARE(fixture.IsModified(), button == "No");
     QCOMPARE(Layers(fixture).Layers().size(), 2);
 }
 
@@ -279,8 +279,8 @@ void tst_WindowLoading::AMissingFileLeavesAllAsItWas()
 
     QCOMPARE(fixture.log.Take(),
              QStringList{"Error: Failed to open file 'other.xml' for reading."});
-    QCOMPARE(ProjectSettings::Instance().projectFileName, "small.xml");
-    QCOMPARE(ProjectSettings::Instance().projectDir.path(), fixture.Path("small"));
+    QCOMPARE(ProjectSettings::Instance().FileName(), "small.xml");
+    QCOMPARE(ProjectSettings::Instance().Dir().path(), fixture.Path("small"));
     QCOMPARE(Layers(fixture).Layers().size(), 2);
     QCOMPARE(fixture.window->windowTitle(), "small - Tarvo Ledger Tool");
 }
@@ -314,7 +314,7 @@ void tst_WindowLoading::AMalformedProjectLeavesNothing()
     if (!isLoaded) {
         QVERIFY(Layers(fixture).IsEmpty());
         QCOMPARE(ZonesOnTheMap(fixture), 0);
-        QCOMPARE(ProjectSettings::Instance().layerWidth, 64);
+        QCOMPARE(ProjectSettings::Instance().LayerWidth(), 64);
         QVERIFY(fixture.Action("actionSave")->isEnabled());
         QVERIFY(fixture.Child<QWidget>("pgrStatus")->isHidden());
     }
@@ -351,7 +351,7 @@ void tst_WindowLoading::AFailedLoadLeavesThePicture()
     fixture.Load(path);
     const QImage map = fixture.View().grab().toImage();
     fixture.log.Take();
-    fixture.Modified() = isModified;
+    fixture.SetModified(isModified);
     if (isModified) {
         fixture.answers.AddButton("Yes");
     }
@@ -366,10 +366,10 @@ void tst_WindowLoading::AFailedLoadLeavesThePicture()
     QCOMPARE(fixture.Child<QGroupBox>("gboBgOver")->findChild<QSlider*>()->value(), 100);
     QCOMPARE(fixture.Child<BrushDock>("BrushDock")->GetBrush()->Size(), 8);
     QCOMPARE(fixture.View().grab().toImage(), map);
-    QCOMPARE(fixture.Modified(), isModified);
+    QCOMPARE(fixture.IsModified(), isModified);
     // The sizes and the background are those of the file, for what is made and saved from now on.
     QCOMPARE(ProjectSettings::Instance().LayerSize(), QSize(32, 32));
-    QCOMPARE(ProjectSettings::Instance().backgroundColor.rgba(), 3355443455U);
+    QCOMPARE(ProjectSettings::Instance().BackgroundColor().rgba(), 3355443455U);
 }
 
 void tst_WindowLoading::LayersMadeAfterAFailedLoadCanBePainted()
@@ -465,7 +465,7 @@ void tst_WindowLoading::OpensTheProjectOfTheCommandLine()
     // Editing needs a load. File dialogs start in the folder of the last session.
     QVERIFY(!fixture.Action("actionSave")->isEnabled());
     QVERIFY(!fixture.Child<QWidget>("paintView")->isEnabled());
-    QCOMPARE(ProjectSettings::Instance().projectDir.path(), QDir::currentPath());
+    QCOMPARE(ProjectSettings::Instance().Dir().path(), QDir::currentPath());
 
     // The path of the command line is used only once. Now the dialog asks for a file.
     fixture.Load(path);

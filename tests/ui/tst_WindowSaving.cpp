@@ -1,4 +1,5 @@
 #include "app/Log.h"
+#include "document/Document.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "tests/support/FailingDisk.h"
@@ -90,7 +91,7 @@ void tst_WindowSaving::SavesWhatItLoaded()
     fixture.Load(path);
     fixture.SaveOver("actionSave", path);
     const QByteArray saved = ReadBytes(path);
-    fixture.Modified() = true;
+    fixture.SetModified(true);
     fixture.log.Take();
 
     fixture.SaveOver("actionSave", path);
@@ -100,7 +101,7 @@ void tst_WindowSaving::SavesWhatItLoaded()
                                               "Success: Layer 'blue' successfully saved.",
                                               "Success: Project saved to file 'small.xml'."}));
     QCOMPARE(ReadBytes(path), saved);
-    QVERIFY(!fixture.Modified());
+    QVERIFY(!fixture.IsModified());
     QVERIFY(saved.contains("<selected row=\"1\"/>"));
     fixture.Load(path);
     fixture.SaveOver("actionSave", path);
@@ -116,7 +117,7 @@ void tst_WindowSaving::SavesIntoAnotherFolder()
     fixture.TriggerWithFile("actionSave", fixture.Path("moved/copy"));
 
     QCOMPARE(fixture.window->windowTitle(), "copy - Tarvo Ledger Tool");
-    QCOMPARE(ProjectSettings::Instance().projectDir.path(), fixture.Path("moved"));
+    QCOMPARE(ProjectSettings::Instance().Dir().path(), fixture.Path("moved"));
     QVERIFY(QFile::exists(fixture.Path("moved/copy.xml")));
     QCOMPARE(ReadBytes(fixture.Path("moved/layers/red.tga")),
              ReadBytes(fixture.Path("small/layers/red.tga")));
@@ -128,12 +129,12 @@ void tst_WindowSaving::CancelledSaveSavesNothing()
     const QString path = fixture.WriteProject();
     fixture.Load(path);
     const QByteArray before = ReadBytes(path);
-    fixture.Modified() = true;
+    fixture.SetModified(true);
     fixture.answers.AddCancel();
 
     QVERIFY(!fixture.window->SaveProject());
 
-    QVERIFY(fixture.Modified());
+    QVERIFY(fixture.IsModified());
     QCOMPARE(ReadBytes(path), before);
 }
 
@@ -143,7 +144,7 @@ void tst_WindowSaving::AFailedSaveKeepsTheProjectModified()
     const QString path = fixture.WriteProject();
     fixture.Load(path);
     const QByteArray before = ReadBytes(path);
-    fixture.Modified() = true;
+    fixture.SetModified(true);
     fixture.log.Take();
     {
         // There is room for the bitmaps but not for the document.
@@ -151,9 +152,9 @@ void tst_WindowSaving::AFailedSaveKeepsTheProjectModified()
         fixture.TriggerWithFile("actionSave", fixture.Path("other.xml"));
     }
     QVERIFY(fixture.log.Messages().contains("Error: Failed to open file 'other.xml' for writing."));
-    QVERIFY(fixture.Modified());
+    QVERIFY(fixture.IsModified());
     QCOMPARE(fixture.window->windowTitle(), "small - Tarvo Ledger Tool");
-    QCOMPARE(ProjectSettings::Instance().projectFileName, "small.xml");
+    QCOMPARE(ProjectSettings::Instance().FileName(), "small.xml");
     QCOMPARE(ReadBytes(path), before);
     QVERIFY(!QFile::exists(fixture.Path("other.xml")));
 }
@@ -173,7 +174,7 @@ void tst_WindowSaving::AFailedBitmapKeepsTheProjectModified()
     QCOMPARE(fixture.log.Messages().mid(fixture.log.Messages().size() - 2),
              (QStringList{"Success: Project saved to file 'small.xml'.",
                           "Error: 1 layer bitmaps could not be saved."}));
-    QVERIFY(fixture.Modified());
+    QVERIFY(fixture.IsModified());
 }
 
 void tst_WindowSaving::SavesAll()
@@ -195,7 +196,7 @@ void tst_WindowSaving::SavesNoMapWithoutLayers()
 {
     WindowFixture fixture;
     fixture.Load(fixture.WriteProject());
-    fixture.Child<DockLayers>("DockLayers")->Clear();
+    fixture.window->GetDocument().Layers().Clear();
 
     fixture.window->SaveAll();
     fixture.window->SaveAreaMap();
@@ -226,12 +227,12 @@ void tst_WindowSaving::BeginsANewProject()
     QCOMPARE(fixture.window->windowTitle(), "fresh - Tarvo Ledger Tool");
     QVERIFY(Layers(fixture).IsEmpty());
     QCOMPARE(settings.LayerSize(), QSize(128, 128));
-    QCOMPARE(settings.worldWidth, 1280);
-    QCOMPARE(settings.areaFlagTypes.usages, QVector<QString>{"Only"});
-    QVERIFY(settings.areaFlagTypes.values.isEmpty());
-    QCOMPARE(settings.backgroundColor.rgba(), 2U);
-    QCOMPARE(settings.backgroundFile, "../small/world.png");
-    QVERIFY(!settings.modified);
+    QCOMPARE(settings.WorldWidth(), 1280);
+    QCOMPARE(settings.FlagTypes().usages, QVector<QString>{"Only"});
+    QVERIFY(settings.FlagTypes().values.isEmpty());
+    QCOMPARE(settings.BackgroundColor().rgba(), 2U);
+    QCOMPARE(settings.BackgroundFile(), "../small/world.png");
+    QVERIFY(!settings.IsModified());
     QVERIFY(!query->isChecked());
     QVERIFY(!fixture.Action("actionTogglePaintMode")->isEnabled());
     QVERIFY(!fixture.Child<QWidget>("btnHideAll")->isEnabled());
@@ -250,7 +251,7 @@ void tst_WindowSaving::ANewProjectNeedsNoFiles()
 
     QCOMPARE(fixture.log.Take(), (QStringList{"Info: Saving project 'fresh'...",
                                               "Success: Project saved to file 'fresh.xml'."}));
-    QCOMPARE(ProjectSettings::Instance().backgroundFile, QString());
+    QCOMPARE(ProjectSettings::Instance().BackgroundFile(), QString());
     QVERIFY(fixture.Action("actionSave")->isEnabled());
 }
 
@@ -300,7 +301,7 @@ void tst_WindowSaving::ANewProjectUsesThePictureWhereItIs()
 
     QCOMPARE(fixture.log.Take(), (QStringList{"Info: Saving project 'w2'...",
                                               "Success: Project saved to file 'w2.xml'."}));
-    QCOMPARE(ProjectSettings::Instance().backgroundFile, stored);
+    QCOMPARE(ProjectSettings::Instance().BackgroundFile(), stored);
     QVERIFY(
         ReadBytes(fixture.Path(project)).contains("file=\"" + stored.toUtf8() + "\" rgba=\"2\""));
     QCOMPARE(QFileInfo(ProjectSettings::Instance().BackgroundPath()).canonicalFilePath(),
@@ -328,7 +329,7 @@ void tst_WindowSaving::AsksBeforeANewProject()
     QFETCH(QString, button);
     QFETCH(int, questions);
     WindowFixture fixture;
-    fixture.Modified() = true;
+    fixture.SetModified(true);
     fixture.answers.AddButton(button);
     if (questions > 1) {
         fixture.answers.AddCancel();
@@ -338,7 +339,7 @@ void tst_WindowSaving::AsksBeforeANewProject()
 
     QCOMPARE(fixture.answers.Asked().size(), questions);
     QCOMPARE(fixture.answers.Asked().constFirst(), QString("New project") + Discard);
-    QVERIFY(fixture.Modified());
+    QVERIFY(fixture.IsModified());
 }
 
 void tst_WindowSaving::ANewProjectThatCannotBeSavedHasNoName()
@@ -353,10 +354,10 @@ void tst_WindowSaving::ANewProjectThatCannotBeSavedHasNoName()
     QCOMPARE(fixture.log.Take(),
              QStringList{"Error: Failed to open file 'fresh.xml' for writing."});
     QCOMPARE(fixture.window->windowTitle(), "Unsaved - Tarvo Ledger Tool");
-    QCOMPARE(ProjectSettings::Instance().projectFileName, QString());
-    QCOMPARE(ProjectSettings::Instance().projectName, QString());
-    QVERIFY(ProjectSettings::Instance().projectDir.path() != fixture.Path("small"));
-    QVERIFY(fixture.Modified());
+    QCOMPARE(ProjectSettings::Instance().FileName(), QString());
+    QCOMPARE(ProjectSettings::Instance().Name(), QString());
+    QVERIFY(ProjectSettings::Instance().Dir().path() != fixture.Path("small"));
+    QVERIFY(fixture.IsModified());
     QVERIFY(Layers(fixture).IsEmpty());
 }
 
@@ -374,7 +375,7 @@ void tst_WindowSaving::ImportsAMap()
 
     fixture.TriggerWithFile("actionImportMap", fixture.Path("world.old.map"));
 
-    QCOMPARE(ProjectSettings::Instance().worldWidth, 640);
+    QCOMPARE(ProjectSettings::Instance().WorldWidth(), 640);
     QCOMPARE(fixture.Child<QLabel>("lblWorldScaleX")->text(), "X: 1 px = 10 m");
     QCOMPARE(fixture.window->windowTitle(), "world - Tarvo Ledger Tool");
     QStringList names;
@@ -384,7 +385,7 @@ void tst_WindowSaving::ImportsAMap()
         QVERIFY(!layer->IsVisible());
     }
     QCOMPARE(names, (QStringList{"Town", "Farm", "Rich"}));
-    QVERIFY(fixture.Modified());
+    QVERIFY(fixture.IsModified());
     QVERIFY(fixture.Child<QWidget>("btnHideAll")->isEnabled());
     QVERIFY(fixture.Child<QWidget>("pgrStatus")->isHidden());
 }
@@ -393,7 +394,7 @@ void tst_WindowSaving::AsksBeforeItImportsAMap()
 {
     WindowFixture fixture;
     fixture.Load(fixture.WriteProject());
-    fixture.Modified() = true;
+    fixture.SetModified(true);
     fixture.answers.AddButton("No");
 
     fixture.Trigger("actionImportMap");
@@ -455,7 +456,7 @@ void tst_WindowSaving::ImportsFlagTypes()
     QCOMPARE(Layers(fixture).LayerAt(1)->UsageFlags(), isImported ? 0U : 2U);
     QCOMPARE(fixture.Child<QGroupBox>("gboLayerUsageFlags")->findChildren<QCheckBox*>().size(),
              isImported ? 3 : 2);
-    QCOMPARE(fixture.Modified(), isImported);
+    QCOMPARE(fixture.IsModified(), isImported);
 }
 
 void tst_WindowSaving::MalformedFlagTypesGiveThoseBeforeTheFault()
@@ -466,10 +467,10 @@ void tst_WindowSaving::MalformedFlagTypesGiveThoseBeforeTheFault()
 
     fixture.window->LoadAreaTypesFile(fixture.Path("types.xml"));
 
-    QCOMPARE(ProjectSettings::Instance().areaFlagTypes.usages, (QVector<QString>{"A"}));
+    QCOMPARE(ProjectSettings::Instance().FlagTypes().usages, (QVector<QString>{"A"}));
     QCOMPARE(fixture.Child<QGroupBox>("gboLayerUsageFlags")->findChildren<QCheckBox*>().size(), 1);
     QCOMPARE(Layers(fixture).LayerAt(1)->UsageFlags(), 2U);
-    QVERIFY(fixture.Modified());
+    QVERIFY(fixture.IsModified());
     fixture.log.Take();
     QVERIFY(!fixture.window->LoadAreaTypesFile(fixture.Path("none.xml")));
     QCOMPARE(
@@ -488,8 +489,8 @@ void tst_WindowSaving::LoadsABackground()
 
     fixture.TriggerWithFile("actionLoadWorld", fixture.Path("world.png"));
 
-    QCOMPARE(ProjectSettings::Instance().backgroundFile, "../world.png");
-    QVERIFY(fixture.Modified());
+    QCOMPARE(ProjectSettings::Instance().BackgroundFile(), "../world.png");
+    QVERIFY(fixture.IsModified());
 }
 
 void tst_WindowSaving::ClosesWithoutAQuestion()
@@ -507,7 +508,7 @@ void tst_WindowSaving::ClosesWithoutAQuestion()
     QVERIFY(settings.contains("windowState"));
 
     fixture.Restart();
-    QCOMPARE(ProjectSettings::Instance().projectDir.path(), fixture.Path("small"));
+    QCOMPARE(ProjectSettings::Instance().Dir().path(), fixture.Path("small"));
 }
 
 void tst_WindowSaving::AsksBeforeItCloses_data()
@@ -524,7 +525,7 @@ void tst_WindowSaving::AsksBeforeItCloses()
     QFETCH(QString, button);
     QFETCH(bool, isClosed);
     WindowFixture fixture;
-    fixture.Modified() = true;
+    fixture.SetModified(true);
     fixture.answers.AddButton(button);
 
     fixture.Trigger("actionExit");
@@ -544,17 +545,17 @@ void tst_WindowSaving::AsksWhatIsBeingPainted()
     fixture.Trigger("actionTogglePaintMode");
     QWidget* viewport = fixture.View().viewport();
     QTest::mousePress(viewport, Qt::LeftButton, {}, viewport->rect().center());
-    QVERIFY(!fixture.Modified());
+    QVERIFY(!fixture.IsModified());
     fixture.answers.AddButton("No");
     fixture.answers.AddButton("No");
 
     QVERIFY(!fixture.window->close());
-    QVERIFY(fixture.Modified());
+    QVERIFY(fixture.IsModified());
 
-    fixture.Modified() = false;
+    fixture.SetModified(false);
     QTest::mouseRelease(viewport, Qt::LeftButton, {}, viewport->rect().center());
     QTest::mousePress(viewport, Qt::LeftButton, {}, viewport->rect().center());
-    fixture.Modified() = false;
+    fixture.SetModified(false);
     fixture.Trigger("actionNew");
     QCOMPARE(fixture.answers.Asked().size(), 3);
     QTest::mouseRelease(viewport, Qt::LeftButton, {}, viewport->rect().center());
@@ -565,7 +566,7 @@ void tst_WindowSaving::ClosesAfterARunningSave()
     WindowFixture fixture;
     const QString path = fixture.WriteProject();
     fixture.Load(path);
-    fixture.Modified() = true;
+    fixture.SetModified(true);
     bool wasClosed = true;
     QObject context;
     connect(&Log::Instance(), &Log::MessageReceived, &context, [&](const QString& line) {
@@ -577,7 +578,7 @@ void tst_WindowSaving::ClosesAfterARunningSave()
     fixture.SaveOver("actionSave", path);
 
     QVERIFY(!wasClosed);
-    QVERIFY(!fixture.Modified());
+    QVERIFY(!fixture.IsModified());
     QTRY_VERIFY(!fixture.window->isVisible());
     QCOMPARE(fixture.answers.Asked(), (QStringList{"Load", "Save",
                                                    "Save: small.xml already exists.\nDo you want "
@@ -632,7 +633,7 @@ void tst_WindowSaving::WaitsForNoPipe()
 
     fixture.Restart(pipe);
     QCOMPARE(fixture.log.Take(), QStringList{"Error: Failed to open file 'pipe.xml' for reading."});
-    QCOMPARE(ProjectSettings::Instance().projectFileName, QString());
+    QCOMPARE(ProjectSettings::Instance().FileName(), QString());
 }
 
 QTEST_MAIN(tst_WindowSaving)

@@ -57,7 +57,7 @@ void tst_WindowState::init()
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_folder.path());
     QObject scope;
     Stored(&scope)->remove("");
-    ProjectSettings::Instance().projectDir = QDir(m_folder.path());
+    ProjectSettings::Instance().SetDir(QDir(m_folder.path()));
 }
 
 void tst_WindowState::ComesBackAsItWas()
@@ -69,7 +69,7 @@ void tst_WindowState::ComesBackAsItWas()
         window.dock->hide();
         WindowState::Store(window);
     }
-    ProjectSettings::Instance().projectDir = QDir("/");
+    ProjectSettings::Instance().SetDir(QDir("/"));
     Window window;
 
     WindowState::Restore(window);
@@ -77,7 +77,7 @@ void tst_WindowState::ComesBackAsItWas()
     QCOMPARE(window.geometry(), QRect(20, 30, 500, 400));
     QCOMPARE(window.dockWidgetArea(window.dock), Qt::RightDockWidgetArea);
     QVERIFY(window.dock->isHidden());
-    QCOMPARE(ProjectSettings::Instance().projectDir.path(), m_folder.path());
+    QCOMPARE(ProjectSettings::Instance().Dir().path(), m_folder.path());
 }
 
 void tst_WindowState::StoresThreeValues()
@@ -99,7 +99,7 @@ void tst_WindowState::TakesTheWorkingDirectoryWithoutAFolder()
 
     WindowState::Restore(window);
 
-    QCOMPARE(ProjectSettings::Instance().projectDir.path(), QDir::currentPath());
+    QCOMPARE(ProjectSettings::Instance().Dir().path(), QDir::currentPath());
     QCOMPARE(window.size(), QSize(640, 480));
 }
 

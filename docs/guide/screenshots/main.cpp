@@ -41,8 +41,8 @@ constexpr int PatienceMilliseconds = 30000;
 QPointF Place(double x, double z)
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    return {x / static_cast<double>(settings.metresPerPixelX),
-            settings.layerHeight - z / static_cast<double>(settings.metresPerPixelZ)};
+    return {x / static_cast<double>(settings.MetresPerPixelX()),
+            settings.LayerHeight() - z / static_cast<double>(settings.MetresPerPixelZ())};
 }
 
 QVector<QPointF> Places(const QVector<QPointF>& metres)
@@ -76,7 +76,7 @@ void Load(EditorUser& user, const QDir& example)
     user.Choose("actionLoad", [&](QDialog& dialog) {
         EditorUser::AnswerFile(dialog, example.filePath(QStringLiteral("highlands.xml")));
     });
-    EditorUser::Require(ProjectSettings::Instance().layerWidth > 0, "the example");
+    EditorUser::Require(ProjectSettings::Instance().LayerWidth() > 0, "the example");
 }
 
 void ShowOverview(EditorUser& user, const QDir& example, const QDir& pictures)

@@ -1,4 +1,4 @@
-#include "canvas/Brush.h"
+#include "document/Brush.h"
 
 #include "app/Xml.h"
 

@@ -1,4 +1,4 @@
-#include "canvas/Brush.h"
+#include "document/Brush.h"
 
 #include "tests/support/Random.h"
 

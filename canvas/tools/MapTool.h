@@ -1,0 +1,52 @@
+#pragma once
+
+class Document;
+class MainScene;
+class MainView;
+class QGraphicsSceneMouseEvent;
+class QKeyEvent;
+
+/// What a tool works with. The view owns the scene, and the scene its tools.
+struct MapToolParts
+{
+    Document& document;
+    MainScene& scene;
+    MainView& view;
+};
+
+/// One way in which mouse and keys work on the map. The scene hands the events of its present mode
+/// to one tool.
+class MapTool
+{
+public:
+    explicit MapTool(const MapToolParts& parts)
+        : m_parts(parts)
+    {
+    }
+    virtual ~MapTool() = default;
+    MapTool(const MapTool&) = delete;
+    MapTool& operator=(const MapTool&) = delete;
+
+    virtual void Press(QGraphicsSceneMouseEvent& event) = 0;
+    /// Qt reports a quick second press as a double click; most tools treat it as a press.
+    virtual void DoublePress(QGraphicsSceneMouseEvent& event) { Press(event); }
+    virtual void Move(QGraphicsSceneMouseEvent& event);
+    virtual void Release(QGraphicsSceneMouseEvent& event);
+    /// Returns whether the key is one of the tool's.
+    virtual bool PressKey(const QKeyEvent& /*event*/) { return false; }
+    /// Does again what the keys do that are held, some 16 times a second.
+    virtual void RepeatKeys() {}
+
+    /// True while a press waits for its release.
+    virtual bool IsBusy() const { return false; }
+    /// Ends what is under way where it is, because its release may never come.
+    virtual void Finish() {}
+    /// Takes back what is under way; nothing of it remains.
+    virtual void Cancel() {}
+
+protected:
+    const MapToolParts& Parts() const { return m_parts; }
+
+private:
+    MapToolParts m_parts;
+};

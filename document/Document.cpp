@@ -1,0 +1,236 @@
+#include "document/Document.h"
+
+#include "app/Names.h"
+#include "app/ProjectSettings.h"
+#include "document/edits/LayerEdits.h"
+#include "document/edits/TerritoryEdits.h"
+#include "territories/TerritoryType.h"
+
+#include <QScopedValueRollback>
+
+#include <algorithm>
+
+Document::Document(QObject* parent)
+    : QObject(parent)
+{
+    const auto editRow = [this](QStandardItem& item, const QVariant& value, int role) {
+        return EditRow(item, value, role);
+    };
+    m_layers.model()->SetEditHandler(editRow);
+    m_types.model()->SetEditHandler(editRow);
+    connect(&m_history, &QUndoStack::indexChanged, this, &Document::FollowIndex);
+    connect(&m_history, &QUndoStack::cleanChanged, this, &Document::HistoryChanged);
+}
+
+Document::~Document()
+{
+    m_history.disconnect(this);
+    m_history.clear();
+}
+
+/// What a view writes into a row: a name or a check mark.
+bool Document::EditRow(QStandardItem& item, const QVariant& value, int role)
+{
+    if (role == Qt::CheckStateRole) {
+        const bool isChecked = value.toInt() == Qt::Checked;
+        if (auto* layer = dynamic_cast<Layer*>(&item)) {
+            return Do(Edits::SetLayerVisible(*layer, isChecked));
+        }
+        return Do(Edits::SetRowChecked(item, isChecked));
+    }
+    const QString name = value.toString();
+    const auto* territory = dynamic_cast<Territory*>(&item);
+    if (territory ? name == item.text() : !IsRename(item.text(), name)) {
+        return false;
+    }
+    return Do(Edits::Rename(item, name));
+}
+
+void Document::FollowCheckMark(QStandardItem& row)
+{
+    // The marks of its territories, which follow a type, have nothing left to do.
+    if (m_isFollowingCheckMark) {
+        return;
+    }
+    const QScopedValueRollback<bool> following(m_isFollowingCheckMark, true);
+    const bool isChecked = row.checkState() == Qt::Checked;
+    if (auto* type = dynamic_cast<TerritoryType*>(&row)) {
+        type->SetVisible(isChecked, CurrentTerritory());
+    } else if (auto* territory = dynamic_cast<Territory*>(&row)) {
+        territory->SetVisible(isChecked || territory == CurrentTerritory());
+    }
+}
+
+ZoneValues Document::ZoneTemplate() const
+{
+    constexpr float newZoneRadius = 300.0F;
+    ZoneValues values;
+    values.radius = newZoneRadius;
+    return m_zoneTemplate.value_or(values);
+}
+
+bool Document::Do(std::unique_ptr<Edit> edit)
+{
+    if (m_isApplying) {
+        return false;
+    }
+    const bool setsModified = edit->SetsModified();
+    if (!edit->Changes()) {
+        if (setsModified) {
+            ProjectSettings::Instance().SetModified(true);
+        }
+        return false;
+    }
+    edit->m_document = this;
+    edit->m_gesture = m_gesture;
+    {
+        const QScopedValueRollback<bool> doing(m_isDoing, true);
+        const QScopedValueRollback<bool> applying(m_isApplying, true);
+        m_history.push(edit.release());
+    }
+    if (setsModified) {
+        ProjectSettings::Instance().SetModified(true);
+    }
+    FitHistory();
+    emit HistoryChanged();
+    return true;
+}
+
+void Document::NoteChange()
+{
+    if (!m_isApplying) {
+        m_isChangedOutside = true;
+        ProjectSettings::Instance().SetModified(true);
+    }
+}
+
+void Document::SetHandBusy(bool isBusy)
+{
+    if (isBusy != m_isHandBusy) {
+        m_isHandBusy = isBusy;
+        emit HistoryChanged();
+    }
+}
+
+void Document::SetFilesBusy(bool isBusy)
+{
+    m_isFilesBusy = isBusy;
+    emit HistoryChanged();
+}
+
+void Document::SetEditable(bool isEditable)
+{
+    m_isEditable = isEditable;
+    emit HistoryChanged();
+}
+
+bool Document::CanUndo() const
+{
+    const int index = m_history.index();
+    return CanTravel() && index > 0 &&
+           !static_cast<const Edit*>(m_history.command(index - 1))->IsForgotten();
+}
+
+bool Document::CanRedo() const
+{
+    return CanTravel() && m_history.canRedo();
+}
+
+void Document::Undo()
+{
+    if (CanUndo()) {
+        m_history.undo();
+    }
+}
+
+void Document::Redo()
+{
+    if (CanRedo()) {
+        m_history.redo();
+    }
+}
+
+/// The history went to another state by undo, redo or a click in its view.
+void Document::FollowIndex()
+{
+    if (m_isDoing) {
+        return;
+    }
+    EndGesture();
+    const QScopedValueRollback<bool> applying(m_isApplying, true);
+    ShowModified();
+    FitHistory();
+    const EditPlace place = m_place;
+    m_place = {};
+    emit Travelled(place);
+    emit HistoryChanged();
+}
+
+/// Undo and redo make the project modified where an edit that does so lies between it and what was
+/// saved.
+void Document::ShowModified()
+{
+    const int saved = m_history.cleanIndex();
+    const int index = m_history.index();
+    bool isModified = m_isChangedOutside || saved < 0;
+    for (int i = std::min(saved, index); i < std::max(saved, index) && !isModified; ++i) {
+        isModified = static_cast<const Edit*>(m_history.command(i))->SetsModified();
+    }
+    ProjectSettings::Instance().SetModified(isModified);
+}
+
+/// Where not even the disk takes what the history holds, its oldest steps go.
+void Document::FitHistory()
+{
+    const Edit* lost = m_memory.Fit();
+    if (!lost) {
+        return;
+    }
+    for (int i = 0; i < m_history.count(); ++i) {
+        // The stack hands its commands out for reading only, but they are ours.
+        auto* edit = const_cast<Edit*>(static_cast<const Edit*>(m_history.command(i)));
+        if (!edit->IsForgotten()) {
+            edit->Forget();
+        }
+        if (edit == lost) {
+            break;
+        }
+    }
+    emit HistoryChanged();
+}
+
+void Document::Clear()
+{
+    ClearHistory();
+    m_currentLayer = nullptr;
+    m_currentTerritory = nullptr;
+    m_zoneTemplate.reset();
+    m_layers.Clear();
+    m_types.Clear();
+}
+
+void Document::ClearHistory()
+{
+    const QScopedValueRollback<bool> doing(m_isDoing, true);
+    m_history.clear();
+    // What was edited cannot be taken back any more.
+    m_isChangedOutside = m_isChangedOutside || ProjectSettings::Instance().IsModified();
+    emit HistoryChanged();
+}
+
+void Document::BeginHistory(bool isSaved)
+{
+    ClearHistory();
+    if (isSaved) {
+        ProjectSettings::Instance().SetModified(false);
+        SetSaved();
+    } else {
+        NoteChange();
+    }
+}
+
+void Document::SetSaved()
+{
+    m_isChangedOutside = false;
+    m_history.setClean();
+}

@@ -1,0 +1,171 @@
+#pragma once
+
+#include "app/Tracked.h"
+#include "document/Brush.h"
+#include "document/Edit.h"
+#include "document/HistoryMemory.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "territories/Territory.h"
+#include "territories/TerritoryTypeList.h"
+#include "territories/ZoneValues.h"
+
+#include <QGraphicsScene>
+#include <QObject>
+#include <QPointer>
+#include <QRect>
+#include <QUndoStack>
+
+#include <memory>
+#include <optional>
+
+class ProjectReader;
+class QDir;
+class QIODevice;
+
+/// The open project: its settings (ProjectSettings, of which there is one), its layers, territories
+/// and brush, what is current, and the history of its edits. The window owns it; docks, scene and
+/// view show it. Users change it through edits only, and hear from its signals what changed.
+class Document : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum class LayerAspect
+    {
+        /// Of the mask.
+        Pixels,
+        Color,
+        Opacity,
+        Flags,
+        Name,
+        Visibility,
+        /// The layer was added, removed or moved.
+        Rows,
+    };
+    Q_ENUM(LayerAspect)
+
+    explicit Document(QObject* parent = nullptr);
+    ~Document() override;
+
+    LayerList& Layers() { return m_layers; }
+    const LayerList& Layers() const { return m_layers; }
+    TerritoryTypeList& Types() { return m_types; }
+    const TerritoryTypeList& Types() const { return m_types; }
+    Brush& GetBrush() { return m_brush; }
+
+    /// The scene that shows the zones; null for none. It may die first.
+    void SetZoneScene(QGraphicsScene* scene) { m_zoneScene = scene; }
+    QGraphicsScene* ZoneScene() const { return m_zoneScene; }
+
+    /// The layer that is painted, and the territory whose zones are edited; null for none.
+    Layer* CurrentLayer() const { return m_currentLayer; }
+    void SetCurrentLayer(Layer* layer) { m_currentLayer = layer; }
+    Territory* CurrentTerritory() const { return m_currentTerritory; }
+    void SetCurrentTerritory(Territory* territory) { m_currentTerritory = territory; }
+
+    /// Shows or hides what the row of a type or territory stands for, as its check mark says. The
+    /// territories of a type get its mark; the current territory stays visible.
+    void FollowCheckMark(QStandardItem& row);
+
+    /// What new zones are made with: the values of the zone shown last, in this project.
+    ZoneValues ZoneTemplate() const;
+    void SetZoneTemplate(const ZoneValues& values) { m_zoneTemplate = values; }
+
+    /// Carries the edit out and keeps it for undo. One that changes nothing is dropped, and only
+    /// makes the project modified, as any attempt to edit does. Returns whether it changed
+    /// something. While an edit is carried out or undone, it is ignored.
+    bool Do(std::unique_ptr<Edit> edit);
+    /// Something that no edit can take back makes the project modified, such as another current
+    /// layer. While an edit is carried out or undone, it is ignored.
+    void NoteChange();
+    /// Edits from now on are another step than those before.
+    void EndGesture() { ++m_gesture; }
+    /// While the hand is at work on the map, or files are read or written, nothing can be undone.
+    void SetHandBusy(bool isBusy);
+    void SetFilesBusy(bool isBusy);
+    /// Whether the project may be edited at all.
+    void SetEditable(bool isEditable);
+
+    bool CanUndo() const;
+    bool CanRedo() const;
+    /// Nothing when they cannot.
+    void Undo();
+    void Redo();
+    /// For views of the history, which may also go to any of its states while CanTravel.
+    QUndoStack& History() { return m_history; }
+    bool CanTravel() const { return m_isEditable && !m_isHandBusy && !m_isFilesBusy; }
+    /// True while undo, redo or the history's view changes the project.
+    bool IsTravelling() const { return m_isApplying && !m_isDoing; }
+    /// What the history holds of masks.
+    HistoryMemory& Memory() { return m_memory; }
+
+    /// Empties layers, territories and history.
+    void Clear();
+    /// Begins a project of these sizes (pixels and metres), which will be saved into the folder and
+    /// has no name until then.
+    void Begin(QSize layerSize, QSize worldSize, const QDir& folder);
+    /// Where the project is read from.
+    void SetPlace(const QDir& folder, const QString& fileName);
+    /// The name that the title shows.
+    void SetName(const QString& name);
+    /// Reads a whole project. False when that failed; settings that were read before the fault are
+    /// kept, brush and modified state are as before.
+    bool Read(ProjectReader& reader);
+    /// Reads an area map, with its sizes. False when it is none, and then the sizes are as before.
+    bool ReadMap(QIODevice& map);
+    /// A new history begins. With isSaved the project is as it is on disk.
+    void BeginHistory(bool isSaved);
+    /// The project is as it is on disk.
+    void SetSaved();
+
+signals:
+    /// rect: the layer pixels that changed, for Pixels.
+    void LayerChanged(Layer* layer, Document::LayerAspect aspect, const QRect& rect);
+    /// Places or values of zones of the territory changed, or zones came or went.
+    void ZonesChanged(Territory* territory);
+    /// Name, colour, opacity or visibility of the territory changed, or it came or went.
+    void TerritoryChanged(Territory* territory);
+    void TypeChanged(TerritoryType* type);
+    /// The pixels of a mask are about to change in place; whoever shares them lets them go.
+    void PixelsAboutToChange(Layer* layer);
+    /// Sizes, flag types, or the background with its colour.
+    void FlagTypesChanged();
+    void BackgroundPictureChanged();
+    void BackgroundColorChanged();
+    /// An edit was undone or done again; this is where it is seen.
+    void Travelled(const EditPlace& place);
+    /// CanUndo, CanRedo, CanTravel or the texts of the history changed.
+    void HistoryChanged();
+
+private:
+    friend class Edit;
+
+    bool EditRow(QStandardItem& item, const QVariant& value, int role);
+    void NotePlace(const EditPlace& place) { m_place = place; }
+    void FollowIndex();
+    void FitHistory();
+    void ClearHistory();
+    void ShowModified();
+
+    LayerList m_layers;
+    TerritoryTypeList m_types;
+    Brush m_brush;
+    QPointer<QGraphicsScene> m_zoneScene;
+    Tracked<Layer> m_currentLayer;
+    Tracked<Territory> m_currentTerritory;
+    std::optional<ZoneValues> m_zoneTemplate;
+    /// Outlives the history, whose edits leave it as they die.
+    HistoryMemory m_memory;
+    QUndoStack m_history;
+    EditPlace m_place;
+    int m_gesture = 0;
+    bool m_isApplying = false;
+    bool m_isFollowingCheckMark = false;
+    bool m_isDoing = false;
+    bool m_isHandBusy = false;
+    bool m_isFilesBusy = false;
+    bool m_isEditable = false;
+    /// Changed by something that is no edit since it was saved.
+    bool m_isChangedOutside = false;
+};

@@ -1,0 +1,68 @@
+#include "app/ProjectReader.h"
+#include "app/ProjectSettings.h"
+#include "document/Document.h"
+
+#include <QDir>
+
+// How a document begins, and how files replace what it holds.
+
+namespace {
+
+ProjectSettings& Settings()
+{
+    return ProjectSettings::Instance();
+}
+
+} // namespace
+
+void Document::Begin(QSize layerSize, QSize worldSize, const QDir& folder)
+{
+    ProjectSettings& settings = Settings();
+    SetPlace(folder, QString());
+    settings.SetName(QString());
+    settings.SetFlagTypes({});
+    settings.SetBackgroundFile(QString());
+    settings.SetBackgroundColor(QColor::fromRgba(ProjectSettings::DefaultBackground));
+    settings.SetSizes(layerSize.width(), layerSize.height(), worldSize.width(), worldSize.height());
+}
+
+void Document::SetPlace(const QDir& folder, const QString& fileName)
+{
+    Settings().SetDir(folder);
+    Settings().SetFileName(fileName);
+}
+
+void Document::SetName(const QString& name)
+{
+    Settings().SetName(name);
+}
+
+bool Document::Read(ProjectReader& reader)
+{
+    const bool wasModified = Settings().IsModified();
+    const Brush brushBefore = m_brush;
+    const bool isRead =
+        reader.Read({[this](QXmlStreamReader& xml) { m_brush.ReadXml(xml); },
+                     [this](QXmlStreamReader& xml) { return m_layers.ReadXml(xml); },
+                     [this](QXmlStreamReader& xml) { return m_types.Read(xml, m_zoneScene); }});
+    if (!isRead) {
+        Settings().SetModified(wasModified);
+        m_brush = brushBefore;
+    }
+    return isRead;
+}
+
+bool Document::ReadMap(QIODevice& map)
+{
+    const ProjectSettings& settings = Settings();
+    QSize layerSize = settings.LayerSize();
+    QSize worldSize(settings.WorldWidth(), settings.WorldHeight());
+    const bool isRead = m_layers.ImportMap(map);
+    if (isRead) {
+        layerSize = settings.LayerSize();
+        worldSize = {settings.WorldWidth(), settings.WorldHeight()};
+    }
+    Settings().SetSizes(layerSize.width(), layerSize.height(), worldSize.width(),
+                        worldSize.height());
+    return isRead;
+}

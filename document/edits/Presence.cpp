@@ -1,0 +1,82 @@
+#include "document/edits/Presence.h"
+
+#include "document/Document.h"
+#include "territories/TerritoryType.h"
+
+#include <QGraphicsScene>
+
+std::unique_ptr<Layer> TakeOut(Document& document, Layer& layer)
+{
+    std::unique_ptr<Layer> taken = document.Layers().TakeLayer(layer);
+    if (document.CurrentLayer() == &layer) {
+        document.SetCurrentLayer(nullptr);
+    }
+    emit document.LayerChanged(&layer, Document::LayerAspect::Rows, {});
+    return taken;
+}
+
+void PutIn(Document& document, std::unique_ptr<Layer> layer, int row, TerritoryType* /*parent*/)
+{
+    Layer* present = layer.get();
+    document.Layers().InsertLayer(row, std::move(layer));
+    emit document.LayerChanged(present, Document::LayerAspect::Rows, {});
+}
+
+namespace {
+
+void LeaveMap(Document& document, Territory& territory)
+{
+    territory.LeaveScene();
+    territory.SetZonesEditable(false);
+    if (document.CurrentTerritory() == &territory) {
+        document.SetCurrentTerritory(nullptr);
+    }
+}
+
+void EnterMap(Document& document, Territory& territory)
+{
+    if (QGraphicsScene* scene = document.ZoneScene()) {
+        territory.EnterScene(*scene);
+    }
+}
+
+} // namespace
+
+std::unique_ptr<TerritoryType> TakeOut(Document& document, TerritoryType& type)
+{
+    std::unique_ptr<TerritoryType> taken = document.Types().TakeType(type);
+    const QVector<Territory*> territories = type.Territories();
+    for (Territory* territory : territories) {
+        LeaveMap(document, *territory);
+    }
+    emit document.TypeChanged(&type);
+    return taken;
+}
+
+void PutIn(Document& document, std::unique_ptr<TerritoryType> type, int row,
+           TerritoryType* /*parent*/)
+{
+    TerritoryType* present = type.get();
+    document.Types().InsertType(row, std::move(type));
+    const QVector<Territory*> territories = present->Territories();
+    for (Territory* territory : territories) {
+        EnterMap(document, *territory);
+    }
+    emit document.TypeChanged(present);
+}
+
+std::unique_ptr<Territory> TakeOut(Document& document, Territory& territory)
+{
+    std::unique_ptr<Territory> taken = territory.GetType()->TakeTerritory(territory);
+    LeaveMap(document, territory);
+    emit document.TerritoryChanged(&territory);
+    return taken;
+}
+
+void PutIn(Document& document, std::unique_ptr<Territory> territory, int row, TerritoryType* parent)
+{
+    Territory* present = territory.get();
+    parent->InsertTerritory(row, std::move(territory));
+    EnterMap(document, *present);
+    emit document.TerritoryChanged(present);
+}

@@ -1,0 +1,356 @@
+#include "document/Document.h"
+
+#include "app/ProjectSettings.h"
+#include "document/edits/LayerEdits.h"
+#include "document/edits/PaintMask.h"
+#include "document/edits/TerritoryEdits.h"
+#include "layers/raster/Mask.h"
+#include "territories/TerritoryType.h"
+#include "territories/Zone.h"
+#include "tests/support/FailingDisk.h"
+#include "tests/support/ProjectFixture.h"
+#include "tests/support/Random.h"
+
+#include <QGraphicsScene>
+#include <QTest>
+#include <QWidget>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int Side = 200;
+
+bool IsModified()
+{
+    return ProjectSettings::Instance().IsModified();
+}
+
+} // namespace
+
+class tst_Document : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void StepsAreUndoneAndDoneAgain();
+    void AStepThatChangesNothingIsNone();
+    void ModifiedFollowsTheSavedState();
+    void ChangesThatAreNoStepsKeepTheProjectModified();
+    void NudgesAloneDoNotModify();
+    void OneGestureIsOneStep();
+    void NothingIsUndoneWhileBusy();
+    void RemovedLayersComeBack();
+    void RemovedTerritoriesComeBackWithTheirZones();
+    void CheckMarksOfATypeComeBack();
+    void ImportedFlagTypesAreTakenBack();
+    void LetsTheOldestStepsGoWhenNothingTakesThem();
+    void MasksSurviveTheTemporaryFile();
+    void TenThousandStepsComeBack();
+
+private:
+    Layer* AddLayer();
+    /// Fills the rectangle with the value, as a step.
+    void Fill(Layer& layer, const QRect& rect, uchar value);
+
+    std::unique_ptr<QWidget> m_window;
+    std::unique_ptr<ProjectFixture> m_project;
+    std::unique_ptr<QGraphicsScene> m_scene;
+    std::unique_ptr<Document> m_document;
+    TerritoryType* m_type = nullptr;
+    Territory* m_territory = nullptr;
+};
+
+void tst_Document::init()
+{
+    // Layers and territories have check boxes and names while there is a window.
+    m_window = std::make_unique<QWidget>();
+    m_project = std::make_unique<ProjectFixture>(QSize(Side, Side), QSize(Side, Side));
+    m_scene = std::make_unique<QGraphicsScene>(0, 0, Side, Side);
+    m_document = std::make_unique<Document>();
+    m_document->SetZoneScene(m_scene.get());
+    m_document->SetEditable(true);
+    auto type = std::make_unique<TerritoryType>("Deer");
+    m_type = type.get();
+    m_document->Do(Edits::AddType(m_document->Types(), std::move(type)));
+    m_document->Do(Edits::AddTerritory(*m_type, std::make_unique<Territory>("North")));
+    m_territory = m_type->Territories().first();
+    m_document->BeginHistory(true);
+}
+
+void tst_Document::cleanup()
+{
+    m_document.reset();
+    m_scene.reset();
+    m_project.reset();
+    m_window.reset();
+}
+
+Layer* tst_Document::AddLayer()
+{
+    m_document->Do(Edits::AddPaintedLayer(m_document->Layers(), raster::BlankMask({Side, Side})));
+    return m_document->Layers().Layers().last();
+}
+
+void tst_Document::Fill(Layer& layer, const QRect& rect, uchar value)
+{
+    QImage mask = layer.Image().copy();
+    for (int y = rect.top(); y <= rect.bottom(); ++y) {
+        std::fill_n(mask.scanLine(y) + rect.left(), rect.width(), value);
+    }
+    m_document->Do(std::make_unique<PaintMask>("Fill", layer, mask));
+}
+
+void tst_Document::StepsAreUndoneAndDoneAgain()
+{
+    Layer* layer = AddLayer();
+    m_document->Do(Edits::Rename(*layer, "Forest"));
+
+    QCOMPARE(m_document->History().undoText(),
+             QString("Rename layer-%1 to Forest").arg(layer->Id()));
+    m_document->Undo();
+    QCOMPARE(layer->text(), QString("layer-%1").arg(layer->Id()));
+    m_document->Redo();
+    QCOMPARE(layer->text(), "Forest");
+    m_document->Undo();
+    m_document->Undo();
+    QVERIFY(m_document->Layers().IsEmpty());
+    QVERIFY(!m_document->CanUndo());
+}
+
+void tst_Document::AStepThatChangesNothingIsNone()
+{
+    Layer* layer = AddLayer();
+    m_document->SetSaved();
+    ProjectSettings::Instance().SetModified(false);
+    const int count = m_document->History().count();
+
+    QVERIFY(!m_document->Do(Edits::SetLayerOpacity(*layer, layer->Color().alpha())));
+    QVERIFY(!m_document->Do(Edits::RemoveZones({})));
+
+    QCOMPARE(m_document->History().count(), count);
+    QVERIFY(IsModified());
+}
+
+void tst_Document::ModifiedFollowsTheSavedState()
+{
+    Layer* layer = AddLayer();
+    QVERIFY(IsModified());
+    ProjectSettings::Instance().SetModified(false);
+    m_document->SetSaved();
+
+    m_document->Undo();
+    QVERIFY(IsModified());
+    m_document->Redo();
+    QVERIFY(!IsModified());
+    m_document->Do(Edits::SetLayerOpacity(*layer, 10));
+    QVERIFY(IsModified());
+    m_document->Undo();
+    QVERIFY(!IsModified());
+}
+
+void tst_Document::ChangesThatAreNoStepsKeepTheProjectModified()
+{
+    AddLayer();
+    m_document->NoteChange();
+    m_document->Undo();
+    QVERIFY(IsModified());
+}
+
+void tst_Document::NudgesAloneDoNotModify()
+{
+    m_document->Do(Edits::InsertZone(*m_territory, {50, 50}, m_document->ZoneTemplate()));
+    ProjectSettings::Instance().SetModified(false);
+    m_document->SetSaved();
+    Zone* zone = m_territory->Zones().last();
+
+    m_document->Do(Edits::MoveZones({{zone, {50, 50}, {51, 50}}}, true));
+    QVERIFY(!IsModified());
+    m_document->Undo();
+    QCOMPARE(zone->pos(), QPointF(50, 50));
+    QVERIFY(!IsModified());
+    m_document->Redo();
+    QCOMPARE(zone->pos(), QPointF(51, 50));
+    QVERIFY(!IsModified());
+}
+
+void tst_Document::OneGestureIsOneStep()
+{
+    Layer* layer = AddLayer();
+    const int count = m_document->History().count();
+    for (int alpha = 100; alpha < 110; ++alpha) {
+        m_document->Do(Edits::SetLayerOpacity(*layer, alpha));
+    }
+    QCOMPARE(m_document->History().count(), count + 1);
+    m_document->EndGesture();
+    m_document->Do(Edits::SetLayerOpacity(*layer, 120));
+    QCOMPARE(m_document->History().count(), count + 2);
+
+    m_document->Undo();
+    QCOMPARE(layer->Color().alpha(), 109);
+    m_document->Undo();
+    QCOMPARE(layer->Color().alpha(), 255);
+
+    // Back and forth in one gesture leaves nothing to undo.
+    m_document->Do(Edits::SetLayerOpacity(*layer, 7));
+    m_document->Do(Edits::SetLayerOpacity(*layer, 255));
+    QCOMPARE(m_document->History().count(), count);
+}
+
+void tst_Document::NothingIsUndoneWhileBusy()
+{
+    AddLayer();
+    m_document->SetHandBusy(true);
+    QVERIFY(!m_document->CanUndo());
+    m_document->Undo();
+    QVERIFY(!m_document->Layers().IsEmpty());
+    m_document->SetHandBusy(false);
+    m_document->SetFilesBusy(true);
+    m_document->Undo();
+    QVERIFY(!m_document->Layers().IsEmpty());
+    m_document->SetFilesBusy(false);
+    m_document->SetEditable(false);
+    m_document->Undo();
+    QVERIFY(!m_document->Layers().IsEmpty());
+}
+
+void tst_Document::RemovedLayersComeBack()
+{
+    Layer* first = AddLayer();
+    Layer* second = AddLayer();
+    AddLayer();
+    m_document->Do(Edits::MoveLayer(*second, 0));
+    m_document->SetCurrentLayer(first);
+
+    m_document->Do(Edits::RemoveLayer(*first));
+    QCOMPARE(m_document->CurrentLayer(), nullptr);
+    m_document->Undo();
+    QCOMPARE(m_document->Layers().LayerAt(1), first);
+    m_document->Undo();
+    QCOMPARE(m_document->Layers().LayerAt(0), first);
+    QCOMPARE(m_document->Layers().LayerAt(1), second);
+}
+
+void tst_Document::RemovedTerritoriesComeBackWithTheirZones()
+{
+    m_document->Do(Edits::InsertZone(*m_territory, {50, 50}, m_document->ZoneTemplate()));
+    Zone* zone = m_territory->Zones().last();
+    m_document->SetCurrentTerritory(m_territory);
+    zone->setSelected(true);
+
+    for (const bool isWholeType : {false, true}) {
+        m_document->Do(isWholeType ? Edits::RemoveType(*m_type)
+                                   : Edits::RemoveTerritory(*m_territory));
+        QCOMPARE(zone->scene(), nullptr);
+        QCOMPARE(m_document->CurrentTerritory(), nullptr);
+        m_document->Undo();
+        QCOMPARE(zone->scene(), m_scene.get());
+        QVERIFY(!zone->isSelected());
+        QCOMPARE(m_territory->GetType(), m_type);
+    }
+}
+
+void tst_Document::CheckMarksOfATypeComeBack()
+{
+    m_document->Do(Edits::AddTerritory(*m_type, std::make_unique<Territory>("South")));
+    Territory* south = m_type->Territories().last();
+    RowModel* model = m_document->Types().model();
+    model->setData(south->index(), Qt::Checked, Qt::CheckStateRole);
+
+    model->setData(m_type->index(), Qt::Checked, Qt::CheckStateRole);
+    QVERIFY(m_territory->IsVisible() && south->IsVisible());
+    m_document->Undo();
+    QVERIFY(!m_territory->IsVisible() && south->IsVisible());
+    QCOMPARE(m_territory->checkState(), Qt::Unchecked);
+    QCOMPARE(m_type->checkState(), Qt::Unchecked);
+}
+
+void tst_Document::ImportedFlagTypesAreTakenBack()
+{
+    Layer* layer = AddLayer();
+    m_document->Do(Edits::SetLayerFlags(*layer, 5, 1));
+    AreaFlagTypes types;
+    types.usages = {"Town"};
+
+    m_document->Do(Edits::ImportFlagTypes(m_document->Layers(), types, true));
+    QCOMPARE(ProjectSettings::Instance().FlagTypes().usages, types.usages);
+    QCOMPARE(layer->UsageFlags(), 0U);
+    m_document->Undo();
+    QVERIFY(ProjectSettings::Instance().FlagTypes().usages.isEmpty());
+    QCOMPARE(layer->UsageFlags(), 5U);
+    QCOMPARE(layer->ValueFlags(), 1U);
+}
+
+void tst_Document::LetsTheOldestStepsGoWhenNothingTakesThem()
+{
+    Layer* layer = AddLayer();
+    Fill(*layer, {0, 0, 100, 100}, 255);
+    {
+        const FileSizeLimit fullDisk(0);
+        m_document->Memory().SetBudget(0);
+        m_document->Do(Edits::SetLayerOpacity(*layer, 9));
+    }
+
+    m_document->Undo();
+    QCOMPARE(layer->Color().alpha(), 255);
+    QVERIFY(!m_document->CanUndo());
+    QVERIFY(m_document->History().text(1).endsWith("(no longer kept)"));
+    // Also by the view of the history.
+    m_document->History().setIndex(0);
+    QCOMPARE(m_document->Layers().Layers(), (QVector<Layer*>{layer}));
+    m_document->Redo();
+    m_document->Redo();
+    m_document->Redo();
+    QCOMPARE(layer->Color().alpha(), 9);
+}
+
+void tst_Document::MasksSurviveTheTemporaryFile()
+{
+    Layer* layer = AddLayer();
+    m_document->Memory().SetBudget(1);
+    Random random;
+    QVector<QImage> masks = {layer->Image().copy()};
+    for (int step = 0; step < 60; ++step) {
+        const QPoint corner(random.Below(Side), random.Below(Side));
+        const QRect rect = QRect(corner, QPoint(random.Below(Side), random.Below(Side)));
+        const int before = m_document->History().count();
+        Fill(*layer, rect.normalized() & layer->Image().rect(), uchar(random.Below(256)));
+        if (m_document->History().count() > before) {
+            masks.append(layer->Image().copy());
+        }
+    }
+    QVERIFY(m_document->CanUndo());
+    while (m_document->History().index() > 1) {
+        QCOMPARE(layer->Image(), masks[m_document->History().index() - 1]);
+        m_document->Undo();
+    }
+    QCOMPARE(layer->Image(), masks.first());
+    while (m_document->CanRedo()) {
+        m_document->Redo();
+    }
+    QCOMPARE(layer->Image(), masks.last());
+}
+
+void tst_Document::TenThousandStepsComeBack()
+{
+    Layer* layer = AddLayer();
+    constexpr int count = 10000;
+    for (int i = 0; i < count; ++i) {
+        m_document->EndGesture();
+        m_document->Do(Edits::SetLayerOpacity(*layer, i % 200));
+    }
+    QCOMPARE(m_document->History().count(), count + 1);
+    while (m_document->CanUndo()) {
+        m_document->Undo();
+    }
+    QVERIFY(m_document->Layers().IsEmpty());
+    while (m_document->CanRedo()) {
+        m_document->Redo();
+    }
+    QCOMPARE(layer->Color().alpha(), (count - 1) % 200);
+}
+
+QTEST_MAIN(tst_Document)
+#include "tst_Document.moc"

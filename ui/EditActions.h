@@ -1,0 +1,24 @@
+#pragma once
+
+#include "ui/EditorParts.h"
+
+#include <QObject>
+
+struct EditPlace;
+
+/// The actions of the Edit menu: undo and redo, which show what they changed, and what is done with
+/// the selection.
+class EditActions : public QObject
+{
+public:
+    explicit EditActions(const EditorParts& parts);
+
+private:
+    void ShowHistory();
+    void ShowPlace(const EditPlace& place);
+    void ScrollTo(const QRectF& area);
+    void Delete();
+    void SelectAllZones();
+
+    EditorParts m_parts;
+};
