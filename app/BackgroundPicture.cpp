@@ -11,25 +11,13 @@
 
 namespace {
 
-bool CopyBytes(QFile& from, QFile& to)
-{
-    constexpr qint64 blockSize = 1 << 20;
-    while (!from.atEnd()) {
-        const QByteArray block = from.read(blockSize);
-        if (block.isEmpty() || !WriteAll(to, block.constData(), block.size())) {
-            return false;
-        }
-    }
-    return true;
-}
-
 /// At no time half a picture stands at the place.
 bool CopyIntoPlace(const QString& source, const QString& place)
 {
     QFile from(source);
     HiddenFile to;
     if (!from.open(QIODevice::ReadOnly) || to.Open(QFileInfo(place).path()) ||
-        !CopyBytes(from, to.Device())) {
+        !CopyAll(from, to.Device())) {
         return false;
     }
     to.SetPermissionsOf(source);

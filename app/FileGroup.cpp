@@ -81,7 +81,7 @@ bool FileGroup::HandOverAll()
 
 QFile* FileGroup::Add(const QString& place)
 {
-    // Each file without a name is an open one, of which a process may not have many.
+    // Each unnamed file stays open, and the number of open files is limited.
     constexpr std::size_t mostOpen = 100;
     const bool areMany = !m_files.empty() && m_files.size() % mostOpen == 0;
     if (areMany && !HandOverAll()) {

@@ -12,8 +12,8 @@
 class GroupRecord;
 
 /// Hidden files that take their places together: either all do, or all old ones are as they were.
-/// When the program is killed in between, whoever next makes a hidden file in one of their folders
-/// sees to that.
+/// If the program is killed, the next run that writes into one of the folders finishes or undoes
+/// the replacement.
 class FileGroup
 {
 public:

@@ -65,8 +65,8 @@ QByteArray ReadWhole(const QString& path)
                                                                       : QByteArray();
 }
 
-/// Whoever passes a project on may put records into it, which must lead to nothing but workplaces
-/// and the folders that they are in.
+/// A record may come from a stranger's project. Accept only workplaces, so that it cannot touch
+/// other files.
 bool IsWorkplace(const QString& path)
 {
     const QFileInfo info(path);
@@ -203,7 +203,7 @@ bool GroupRecord::PlaceAll()
 
 bool GroupRecord::UndoAll() const
 {
-    // From the last on: links may lead two of them to one place.
+    // Undo in reverse order, because links may make two entries the same file.
     bool isUndone = true;
     for (int i = m_files.size(); i > 0; --i) {
         isUndone = PutBack(i - 1) && isUndone;
@@ -216,7 +216,7 @@ bool GroupRecord::Carry()
     if (!m_isUndone && PlaceAll()) {
         return QFile::remove(Below(m_main, RecordName));
     }
-    // What was put back must not be put in its place again.
+    // Mark the undo first, so that no later run installs the new files again.
     const bool isMarked = m_isUndone || !Rename(Below(m_main, RecordName), Below(m_main, UndoName));
     return isMarked && UndoAll() && QFile::remove(Below(m_main, UndoName));
 }

@@ -6,12 +6,12 @@
 
 #include <system_error>
 
-/// What is to be done with files that take their places together, on the disk before the first of
-/// them does. Each folder that one of them goes to has a hidden folder in it, a workplace, with the
-/// new file N as "new-N", and the one that it replaces as "old-N" from that moment on. The first
-/// workplace, the main one, holds the record: "record" while the new files are to get to their
-/// places, "undo" while the old ones are to get back. Without a record nothing is to be done. The
-/// other workplaces lead to the main one by a file "main".
+/// A plan, stored on disk, for replacing several files together. It is written before the first
+/// file is replaced, so that another run can finish or undo it. Each target folder contains a
+/// hidden folder, a workplace. There the new file N is "new-N", and the file that it replaced is
+/// "old-N". The first workplace, the main one, holds the plan. The plan is called "record" while
+/// new files are being installed, and "undo" while old files are being restored. Without a plan
+/// there is nothing to do. The other workplaces name the main one in a file "main".
 class GroupRecord
 {
 public:
@@ -28,17 +28,17 @@ public:
 
     const QString& Main() const { return m_main; }
 
-    /// From now on whoever finds the workplaces goes on from here.
+    /// After this, any run that finds the workplaces can finish the job.
     std::error_code Write() const;
     /// Whether there is something to be done.
     bool IsWritten() const;
-    /// What a killed program wrote. False when there is nothing, or nothing that it would write.
+    /// Reads the plan of a killed program. False if there is none or if it is malformed.
     bool Read();
 
-    /// Puts all files in their places, or all old ones back when that fails; what was done before
-    /// by another one is not done again. Then removes the record, and returns whether it is gone.
+    /// Installs all files, or restores all old ones when that fails. Steps that an earlier run
+    /// completed are skipped. Then removes the plan, and returns whether it is gone.
     bool Carry();
-    /// The number of the file that did not get to its place and why; -1 when none failed.
+    /// The number of the file that could not be installed, and why; -1 when none failed.
     int FailedFile() const { return m_failedFile; }
     std::error_code Error() const { return m_error; }
 

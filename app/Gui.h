@@ -5,7 +5,7 @@
 /// never has a widget.
 bool IsGuiRunning();
 
-/// Has every move of the mouse reported, also where many come at once: strokes go through all of
-/// them. To be called when the application object has been made, because the platform decides
-/// otherwise when that happens.
+/// Makes Qt report every move of the mouse, also where many come at once: strokes go through all of
+/// them. Call it after the application object is made, because the platform plugin resets the
+/// attribute at that moment.
 void KeepEveryMouseMove();

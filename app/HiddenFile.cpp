@@ -25,20 +25,6 @@ bool OpenFile(QFile& file, QIODevice::OpenMode mode)
     return file.open(mode);
 }
 
-bool CopyBytes(QFile& from, QFile& to)
-{
-    constexpr qint64 blockSize = 1 << 20;
-    errno = 0;
-    for (qint64 left = from.size(); left > 0;) {
-        const QByteArray block = from.read(qMin(left, blockSize));
-        if (block.isEmpty() || !WriteAll(to, block.constData(), block.size())) {
-            return false;
-        }
-        left -= block.size();
-    }
-    return true;
-}
-
 } // namespace
 
 HiddenFile::~HiddenFile()
@@ -128,12 +114,15 @@ std::error_code HiddenFile::Overwrite(const QString& place)
         !OpenFile(target, QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
         return LastError();
     }
+    // The bytes are copied as they are.
+    m_file.setTextModeEnabled(false);
     const qint64 oldLength = target.size();
     if (const std::error_code error = platform::Reserve(target, m_file.size())) {
         target.resize(oldLength);
         return error;
     }
-    if (!target.seek(0) || !CopyBytes(m_file, target) || !target.resize(m_file.size())) {
+    errno = 0;
+    if (!target.seek(0) || !CopyAll(m_file, target) || !target.resize(m_file.size())) {
         return LastError();
     }
     return platform::Sync(target);

@@ -36,8 +36,8 @@ HiddenThing MakeHidden(const QString& folder, HiddenKind kind,
                        const std::function<std::error_code(const QString& path)>& make,
                        const std::function<void(const QString& path)>& remove)
 {
-    // Before it is locked, another program may take it for that of a dead one and remove it. Where
-    // there are no locks, no other program removes it.
+    // Between creating and locking, another program may remove the file as a leftover; then try
+    // again. Where there are no locks, no other program removes it.
     constexpr int attempts = 10;
     for (int i = 1; i <= attempts; ++i) {
         const QString path = HiddenPath(folder, kind);

@@ -6,7 +6,7 @@
 #include <memory>
 #include <system_error>
 
-/// What hidden things are named after, so that those which a killed program left are known again.
+/// The kind is part of a hidden name, so that leftovers can be recognised.
 enum class HiddenKind
 {
     File,

@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Of lock files, which stand beside what they lock where the system knows no other locks.
+/// Suffixes of lock files. QLockFile puts them beside the file that is locked.
 const std::array<QLatin1String, 2> LockSuffixes = {QLatin1String(".rmlock"),
                                                    QLatin1String(".lock")};
 

@@ -23,7 +23,7 @@ QString WithRealFolder(const QString& path)
     return folder.isEmpty() ? QString() : QDir(folder).filePath(info.fileName());
 }
 
-/// Whether the folder, rather than the disk, is why no file gets there.
+/// True if the folder refuses the file, as opposed to a full or broken disk.
 bool IsRefusal(const std::error_code& error)
 {
     return error == std::errc::permission_denied || error == std::errc::operation_not_permitted ||
@@ -84,9 +84,12 @@ std::error_code OutputFile::OpenHidden()
     return error;
 }
 
-bool OutputFile::Open()
+bool OutputFile::Open(QIODevice::OpenMode flags)
 {
     m_isWhole = Take(m_isDevice ? platform::OpenDevice(m_device) : OpenHidden());
+    if (m_isWhole) {
+        Device().setTextModeEnabled(flags.testFlag(QIODevice::Text));
+    }
     return m_isWhole;
 }
 

@@ -6,9 +6,8 @@
 #include <QString>
 
 /// A file being written that takes its target's place only as a whole: until Commit succeeds, and
-/// whenever anything failed, the old file stays as it was. An existing file whose folder lets no
-/// file take its place is written in place by Commit, after room for all of it was taken; so is a
-/// device or a pipe, as it is being written.
+/// whenever anything failed, the old file stays as it was. Where the folder allows no replacement,
+/// Commit reserves the space and overwrites the file. Devices and pipes receive the bytes at once.
 class OutputFile
 {
 public:
@@ -18,7 +17,8 @@ public:
     Q_DISABLE_COPY(OutputFile)
 
     /// Never waits: a pipe that nobody reads cannot be opened.
-    bool Open();
+    /// flags: QIODevice::Text for files whose line ends are those of the system.
+    bool Open(QIODevice::OpenMode flags = QIODevice::NotOpen);
     /// False unless every byte was taken; a failure is remembered until Commit.
     bool Write(const char* bytes, qint64 count);
     bool Write(const QByteArray& bytes) { return Write(bytes.constData(), bytes.size()); }

@@ -58,7 +58,7 @@ bool SaveProjectTo(const QString& path, const ProjectParts& parts)
 {
     const QString fileName = path.section(QLatin1Char('/'), -1);
     OutputFile file(path);
-    if (!file.Open()) {
+    if (!file.Open(QIODevice::Text)) {
         LogNotWritten(fileName);
         return false;
     }

@@ -17,6 +17,19 @@ bool WriteAll(QFileDevice& device, const void* bytes, qint64 count)
     return true;
 }
 
+bool CopyAll(QFileDevice& from, QFileDevice& to)
+{
+    constexpr qint64 blockSize = 1 << 20;
+    for (qint64 left = from.size() - from.pos(); left > 0;) {
+        const QByteArray block = from.read(qMin(left, blockSize));
+        if (block.isEmpty() || !WriteAll(to, block.constData(), block.size())) {
+            return false;
+        }
+        left -= block.size();
+    }
+    return true;
+}
+
 bool FlushAll(QFileDevice& device)
 {
     // The first flush may write a part without an error; the second one then tells what is wrong.

@@ -164,7 +164,7 @@ bool LayerPainter::HandOverPart(Layer& layer, const QRect& part, const QImage& p
     if (m_isRecording && !m_recorded.Touch(m_mask, part)) {
         return false;
     }
-    // With the layer's hold on the mask given up, this is the only one, and writing does not copy.
+    // The layer releases its reference, so the image is unshared and writing does not copy it.
     layer.TakePaintedMask({});
     const bool isWritable = m_mask.isDetached() || CopyMask();
     for (int y = 0; y < part.height() && isWritable; ++y) {

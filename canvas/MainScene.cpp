@@ -114,7 +114,7 @@ QVector<Zone*> MainScene::SelectedZones() const
             zones.insert(zone->Id(), zone);
         }
     }
-    return zones.values().toVector();
+    return QVector<Zone*>(zones.cbegin(), zones.cend());
 }
 
 Layer* MainScene::CurrentLayer() const

@@ -35,7 +35,7 @@ class MainScene : public QGraphicsScene
     Q_OBJECT
 
 public:
-    /// Layer pixels.
+    /// width, height: of the scene, in layer pixels.
     MainScene(float width, float height, MainView* parent);
     ~MainScene() override;
 
@@ -55,13 +55,13 @@ public:
     LayerPainter& Painter() { return m_painter; }
     /// Null before ChangeBrush.
     const Brush* GetBrush() const { return m_brush; }
-    /// Puts the brush and its cursor there.
+    /// Moves the brush and its cursor to the position.
     void MoveBrush(QPointF position);
-    /// Layer pixels of the layer being edited that look different now.
+    /// Repaints these layer pixels of the layer being edited.
     void ShowPainted(const QRect& changed);
-    /// Lets go of the layer's mask, which is about to change in place, and takes that of the layer
-    /// being edited back.
+    /// Releases all references to the layer's mask, because it is about to change in place.
     void ReleasePixels(const Layer& layer);
+    /// Takes the mask of the layer being edited back.
     void ReloadPixels(Layer& layer) { m_painter.Load(&layer); }
     /// Qt's own handling, which selects and moves items.
     void StandardPress(QGraphicsSceneMouseEvent& event);
@@ -79,8 +79,8 @@ public:
     void ClearWorld();
     /// The map has moved below the mouse, which is at the position now.
     void ContinueStrokeFrom(QPointF position);
-    /// The mouse is somebody else's now: strokes and drags end where they are, because their
-    /// release may never come.
+    /// Ends strokes and drags where they are. Call it when another window or widget gets the mouse,
+    /// because the release may never come.
     void LoseMouse();
     /// Takes back the stroke or drag under way; false when there is none.
     bool CancelTool();

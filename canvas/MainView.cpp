@@ -44,8 +44,8 @@ int WholePixels(float pixels)
     return static_cast<int>(qBound(lowest, pixels, highest));
 }
 
-/// Where in the widget the mouse is beside the whole pixel that event.pos() names. Qt keeps the
-/// device pixels of dense screens in the position in the window only.
+/// The fraction of a pixel by which the mouse differs from event.pos(). On dense screens Qt keeps
+/// it only in the position in the window.
 QPointF FractionOf(const QMouseEvent& event, const QWidget& widget)
 {
     const QPointF inWidget = event.windowPos() - widget.mapTo(widget.window(), QPoint());

@@ -41,8 +41,8 @@ public:
     /// Whether the map is being zoomed or scrolled. Qt sends the scene mouse moves meanwhile,
     /// although the mouse stands still.
     bool IsMapMoving() const { return m_isMapMoving; }
-    /// From the whole view pixel of Qt's scene events to where the mouse is, in scene units. Not
-    /// null only where a view pixel has several device pixels; at most half a view pixel.
+    /// The way from the whole view pixel that Qt's scene events name to the mouse, in scene units.
+    /// It is at most half a view pixel, and null unless a view pixel has several device pixels.
     QPointF MouseFraction() const;
 
 signals:
@@ -89,7 +89,7 @@ private:
     WidgetRuler* m_verticalRuler;
     float m_zoom = 1.0F;
     bool m_isMapMoving = false;
-    /// The mouse as the last event had it, in view pixels: the pixel and the way from there.
+    /// The position of the last mouse event in view pixels: its whole pixel, and the fraction.
     QPoint m_mousePixel;
     QPointF m_mouseFraction;
     int m_keyTimer = 0;

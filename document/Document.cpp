@@ -166,8 +166,8 @@ void Document::FollowIndex()
     emit HistoryChanged();
 }
 
-/// Undo and redo make the project modified where an edit that does so lies between it and what was
-/// saved.
+/// After undo or redo the project is modified if an edit between the present and the saved state
+/// sets the flag.
 void Document::ShowModified()
 {
     const int saved = m_history.cleanIndex();

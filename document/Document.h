@@ -89,7 +89,7 @@ public:
 
     bool CanUndo() const;
     bool CanRedo() const;
-    /// Nothing when they cannot.
+    /// Do nothing where CanUndo or CanRedo is false.
     void Undo();
     void Redo();
     /// For views of the history, which may also go to any of its states while CanTravel.
@@ -105,18 +105,18 @@ public:
     /// Begins a project of these sizes (pixels and metres), which will be saved into the folder and
     /// has no name until then.
     void Begin(QSize layerSize, QSize worldSize, const QDir& folder);
-    /// Where the project is read from.
+    /// Sets the folder and the file name before a load.
     void SetPlace(const QDir& folder, const QString& fileName);
-    /// The name that the title shows.
+    /// Sets the name that the title shows.
     void SetName(const QString& name);
     /// Reads a whole project. False when that failed; settings that were read before the fault are
     /// kept, brush and modified state are as before.
     bool Read(ProjectReader& reader);
     /// Reads an area map, with its sizes. False when it is none, and then the sizes are as before.
     bool ReadMap(QIODevice& map);
-    /// A new history begins. With isSaved the project is as it is on disk.
+    /// Begins a new history. isSaved: the present state is the one on disk.
     void BeginHistory(bool isSaved);
-    /// The project is as it is on disk.
+    /// Marks the present state as saved.
     void SetSaved();
 
 signals:

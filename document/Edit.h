@@ -53,7 +53,7 @@ public:
     virtual bool SetsModified() const { return true; }
     virtual EditPlace Place() const { return {}; }
 
-    /// Its undo would bring back what is no longer kept. From then on the step does nothing.
+    /// Called when what it stored was dropped. From then on undo and redo of this step do nothing.
     void Forget();
     bool IsForgotten() const { return m_isForgotten; }
 

@@ -214,7 +214,7 @@ bool SaveAreaMap(const LayerList& layers, const QString& path)
         return false;
     }
     OutputFile file(path);
-    if (!file.Open()) {
+    if (!file.Open(QIODevice::Text)) {
         LogError(QStringLiteral("Failed to open file '%1' for writing.").arg(path));
         return false;
     }

@@ -150,7 +150,7 @@ bool WriteFiles(FieldBands& fields, const TerritoryTypeList& types, const QStrin
     // The map takes longest: what is wrong with the others is known before that.
     const QVector<TerritoryType*> all = types.Types();
     for (int i = 0; i < all.size(); ++i) {
-        const QString name = names.at(i + 1);
+        const QString& name = names.at(i + 1);
         const QByteArray bytes = all.at(i)->ToGameFile();
         QFile* file = output.Add(name);
         if (!file || !WriteTo(*file, bytes.constData(), bytes.size(), output.Target(name))) {

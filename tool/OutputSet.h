@@ -21,11 +21,10 @@ public:
 
     /// The path that the file will have.
     QString Target(const QString& name) const;
-    /// Makes a file, which is named as below the folder, and the folders for it. The files added
-    /// before are finished. Null after a printed error.
+    /// Makes a file and its folders. name: its path below the folder. The files that were added
+    /// before are complete then. Null after a printed error.
     QFile* Add(const QString& name);
-    /// Puts the files in their places; false after a printed error or an interruption, and then all
-    /// is as it was.
+    /// Installs the files. False after a printed error or an interruption; then the old files stay.
     bool Commit();
 
 private:

@@ -305,7 +305,7 @@ void DialogCustomLayer::FinalizeLayerComputation(const QImage& image)
     if (!m_isModifying) {
         if (!image.isNull()) {
             m_document.Do(Edits::AddComputedLayer(*m_list, name, m_runningCode, image));
-            m_createdLayer = m_list->Layers().last();
+            m_createdLayer = m_list->LayerAt(m_list->model()->rowCount() - 1);
         }
     } else if (m_layerToModify && !image.isNull()) {
         // Without a result the layer stays what it was, name included.

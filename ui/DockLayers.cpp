@@ -120,7 +120,7 @@ void DockLayers::AddPainted(bool /*checked*/)
     }
     m_document.Do(Edits::AddPaintedLayer(*List(), image));
     UpdateHideAll();
-    emit Added(List()->Layers().last());
+    emit Added(List()->LayerAt(List()->model()->rowCount() - 1));
 }
 
 void DockLayers::HideAll(bool /*checked*/)

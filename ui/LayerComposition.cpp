@@ -16,7 +16,7 @@ LayerComposition::LayerComposition(Document& document, MainView& view)
     connect(&document, &Document::LayerChanged, this, &LayerComposition::Follow);
 }
 
-/// What users do with their hands is on the map already, or their slots see to it. Undo is not.
+/// Direct edits update the map themselves; changes by undo and redo are shown here.
 void LayerComposition::Follow(Layer* layer, Document::LayerAspect aspect, const QRect& rect)
 {
     MainScene& scene = *m_view.Scene();

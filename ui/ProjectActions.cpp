@@ -411,7 +411,7 @@ bool ProjectActions::LoadAreaTypesFile(const QString& path)
     }
     AreaFlagTypes types = Settings().FlagTypes();
     const bool isWhole = types.ReadFile(path);
-    // Of a malformed file the types before the fault are taken over, and flags are kept.
+    // A malformed file gives the types before the fault, and the flags of the layers stay.
     m_parts.document.Do(Edits::ImportFlagTypes(m_parts.document.Layers(), types, isWhole));
     m_parts.layerProps.Refresh();
     return true;

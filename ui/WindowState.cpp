@@ -76,7 +76,7 @@ void KeepOnScreen(QMainWindow& window)
     const QRect room = window.screen()->availableVirtualGeometry();
     const QRect frame = window.frameGeometry();
     const QPoint last = room.bottomRight() - QPoint(frame.width() - 1, frame.height() - 1);
-    // Of a window that is larger than the screen, the upper left corner is shown.
+    // If the window is larger than the screen, its upper left corner stays visible.
     const QPoint place(qMax(room.left(), qMin(frame.left(), last.x())),
                        qMax(room.top(), qMin(frame.top(), last.y())));
     if (place != frame.topLeft()) {

@@ -14,8 +14,8 @@ void MaximizeIfTooLarge(QMainWindow& window);
 /// Moves a shown window back where it reaches over an edge of the screens.
 void KeepOnScreen(QMainWindow& window);
 
-/// What was never stored, does not fit this program or would leave the window off every screen is
-/// passed over. Without a stored folder the project's becomes the working directory.
+/// Ignores what was never stored, does not fit this program, or would leave the window off every
+/// screen. Without a stored folder the project's folder becomes the working directory.
 void Restore(QMainWindow& window);
 void Store(const QMainWindow& window);
 

@@ -34,7 +34,7 @@ public:
     virtual void Release(QGraphicsSceneMouseEvent& event);
     /// Returns whether the key is one of the tool's.
     virtual bool PressKey(const QKeyEvent& /*event*/) { return false; }
-    /// Does again what the keys do that are held, some 16 times a second.
+    /// Repeats the action of the keys that are held. The view calls it some 16 times a second.
     virtual void RepeatKeys() {}
 
     /// True while a press waits for its release.

@@ -43,7 +43,7 @@ std::unique_ptr<Edit> RemoveZones(const QVector<Zone*>& zones);
 /// Where a zone was and is, in scene units.
 struct ZoneMove
 {
-    Zone* zone;
+    Zone* zone = nullptr;
     QPointF before;
     QPointF after;
 };

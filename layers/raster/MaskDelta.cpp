@@ -307,9 +307,9 @@ bool MaskDelta::Append(MaskDelta&& later)
 
 qint64 MaskDelta::ByteCount() const
 {
-    const auto own = static_cast<qint64>(sizeof *this + m_lookup.capacity() * sizeof(quint64) +
-                                         (m_spilled ? sizeof *m_spilled : 0));
-    return own + m_records.ByteCount();
+    const std::size_t own =
+        sizeof *this + m_lookup.capacity() * sizeof(quint64) + (m_spilled ? sizeof *m_spilled : 0);
+    return static_cast<qint64>(own) + m_records.ByteCount();
 }
 
 bool MaskDelta::SpillTo(const std::shared_ptr<SpillFile>& file)

@@ -41,7 +41,7 @@ public:
     /// kept already. Called before the pixels change, with one and the same mask from the first
     /// call on. False, when there is no memory for it: some tiles may be kept, which does no harm.
     bool Touch(const QImage& mask, const QRect& rect);
-    /// Ends the touching: lets tiles go that equal those of the mask, and spare memory. False when
+    /// Ends the recording: drops tiles that equal those of the mask, and spare memory. False when
     /// none is left.
     bool DropUnchanged(const QImage& mask);
     bool IsEmpty() const;
@@ -66,8 +66,7 @@ public:
     /// Writes width and height of the mask (four bytes each), the length of the records (eight
     /// bytes) and the records, lowest bytes first. False when not all could be written.
     bool Write(QIODevice& to) const;
-    /// Reads what Write wrote, for a mask of that size. The bytes may be anything: nothing comes of
-    /// those that Write does not write.
+    /// Reads what Write wrote, for a mask of that size. Returns nothing for any other bytes.
     static std::optional<MaskDelta> Read(QIODevice& from, QSize size);
 
 private:

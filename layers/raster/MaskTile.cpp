@@ -123,7 +123,7 @@ void MaskTile::Load(const uchar* from, qint64 stride, QSize size)
             const uchar* row = from + y * stride;
             std::memcpy(pixels + y * TileSide, row, TileSide);
             // Rows lie too far apart for the processor to foresee the next tile's.
-            __builtin_prefetch(row + 2 * TileSide);
+            Prefetch(row + 2 * TileSide);
         }
         return;
     }

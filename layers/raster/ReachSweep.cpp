@@ -36,21 +36,16 @@ uchar ToPixel(T reach)
 
 /// Fetches the pixels of a row in advance: the processor's own prefetching does not recognise a
 /// loop over so many rows at once.
-void Prefetch(const QImage& image, int y)
+void PrefetchRow(const QImage& image, int y)
 {
-#ifdef QUILLMAP_VECTORS
     if (y < 0 || y >= image.height()) {
         return;
     }
     const uchar* pixels = image.constScanLine(y);
     const int count = image.bytesPerLine();
     for (int x = 0; x < count; x += 64) {
-        __builtin_prefetch(pixels + x);
+        Prefetch(pixels + x);
     }
-#else
-    Q_UNUSED(image)
-    Q_UNUSED(y)
-#endif
 }
 
 constexpr int RowsAhead = 4;
@@ -69,8 +64,8 @@ bool SweepBytes(const QImage& mask, const DiscShape& disc, uchar flip, QImage& r
     RowReach<uchar> row(disc, mask.size());
     std::vector<uchar> reach(static_cast<std::size_t>(width));
     for (int y = 0; y < mask.height(); ++y) {
-        Prefetch(mask, y + RowsAhead);
-        Prefetch(result, y + RowsAhead);
+        PrefetchRow(mask, y + RowsAhead);
+        PrefetchRow(result, y + RowsAhead);
         const uchar* pixels = mask.constScanLine(y);
         if (!IsBinary(pixels, width)) {
             return false;
@@ -82,7 +77,7 @@ bool SweepBytes(const QImage& mask, const DiscShape& disc, uchar flip, QImage& r
     }
     std::fill(reach.begin(), reach.end(), uchar(0));
     for (int y = mask.height() - 1; y >= 0; --y) {
-        Prefetch(result, y - RowsAhead);
+        PrefetchRow(result, y - RowsAhead);
         Advance(
             width, reach.data(), result.scanLine(y), [](int, uchar kept) { return kept; },
             [flip](uchar here, uchar) -> uchar { return ToPixel(here) ^ flip; });
@@ -111,8 +106,8 @@ QUILLMAP_WIDE_VECTORS bool SweepTwice(const QImage& mask, const DiscShape& disc,
     EdgeStack remembered(mask.size());
     std::vector<T> reach(static_cast<std::size_t>(width));
     for (int y = 0; y < mask.height(); ++y) {
-        Prefetch(mask, y + RowsAhead);
-        Prefetch(result, y + RowsAhead);
+        PrefetchRow(mask, y + RowsAhead);
+        PrefetchRow(result, y + RowsAhead);
         const uchar* pixels = mask.constScanLine(y);
         if (!IsBinary(pixels, width)) {
             return false;
@@ -125,7 +120,7 @@ QUILLMAP_WIDE_VECTORS bool SweepTwice(const QImage& mask, const DiscShape& disc,
     }
     std::fill(reach.begin(), reach.end(), T(0));
     for (int y = mask.height() - 1; y >= 0; --y) {
-        Prefetch(result, y - RowsAhead);
+        PrefetchRow(result, y - RowsAhead);
         const T* own = OwnReach(row, remembered.Pop(), mask.constScanLine(y), flip);
         Advance(
             width, reach.data(), result.scanLine(y), [own](int x, uchar) { return own[x]; },

@@ -29,7 +29,8 @@ qint64 TileRecords::Length() const
 
 qint64 TileRecords::ByteCount() const
 {
-    auto count = static_cast<qint64>(m_blocks.capacity() * sizeof(Block));
+    const std::size_t index = m_blocks.capacity() * sizeof(Block);
+    auto count = static_cast<qint64>(index);
     for (const Block& block : m_blocks) {
         count += block.capacity;
     }
