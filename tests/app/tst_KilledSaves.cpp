@@ -182,7 +182,7 @@ void tst_KilledSaves::ExportedFilesBelongTogether()
 
         QCOMPARE(Export({"export", folder.filePath("bare.xml"), "-o", out}), 0);
         QVERIFY(QFile::remove(out + "/bare.map"));
-        // What was not complete may be left where that run did not write.
+        // Leftovers may remain in folders that this run did not write to.
         Files left = FilesBelow(out);
         const QStringList names = left.keys();
         for (const QString& name : names) {

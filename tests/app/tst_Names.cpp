@@ -2,25 +2,25 @@
 
 #include <QtTest>
 
-class NamesTest : public QObject
+class tst_Names : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void namesThatCanBeFileNamesAreValid_data();
-    void namesThatCanBeFileNamesAreValid();
-    void renamesAreToOtherValidNames();
-    void namesThatLeadUpwardAreTold_data();
-    void namesThatLeadUpwardAreTold();
-    void validNamesAreKept_data();
-    void validNamesAreKept();
-    void invalidNamesBecomeValidOnesThatResembleThem_data();
-    void invalidNamesBecomeValidOnesThatResembleThem();
-    void freeNamesAreTheFirstThatAreNotTaken();
-    void manyFreeNamesAreFoundWithoutTryingAllAgain();
+    void NamesThatCanBeFileNamesAreValid_data();
+    void NamesThatCanBeFileNamesAreValid();
+    void RenamesAreToOtherValidNames();
+    void NamesThatLeadUpwardAreTold_data();
+    void NamesThatLeadUpwardAreTold();
+    void ValidNamesAreKept_data();
+    void ValidNamesAreKept();
+    void InvalidNamesBecomeValidOnesThatResembleThem_data();
+    void InvalidNamesBecomeValidOnesThatResembleThem();
+    void FreeNamesAreTheFirstThatAreNotTaken();
+    void ManyFreeNamesAreFoundWithoutTryingAllAgain();
 };
 
-void NamesTest::namesThatCanBeFileNamesAreValid_data()
+void tst_Names::NamesThatCanBeFileNamesAreValid_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("isValid");
@@ -46,14 +46,14 @@ void NamesTest::namesThatCanBeFileNamesAreValid_data()
     }
 }
 
-void NamesTest::namesThatCanBeFileNamesAreValid()
+void tst_Names::NamesThatCanBeFileNamesAreValid()
 {
     QFETCH(QString, name);
     QFETCH(bool, isValid);
     QCOMPARE(IsValidName(name), isValid);
 }
 
-void NamesTest::renamesAreToOtherValidNames()
+void tst_Names::RenamesAreToOtherValidNames()
 {
     QVERIFY(IsRename("coast", "Coast"));
     QVERIFY(IsRename("a/b", "coast"));
@@ -63,7 +63,7 @@ void NamesTest::renamesAreToOtherValidNames()
     QVERIFY(!IsRename("a/b", "a/b"));
 }
 
-void NamesTest::namesThatLeadUpwardAreTold_data()
+void tst_Names::NamesThatLeadUpwardAreTold_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("isUpward");
@@ -79,13 +79,13 @@ void NamesTest::namesThatLeadUpwardAreTold_data()
     QTest::newRow("dots in a folder's name") << "..north/so..uth/west../..." << false;
 }
 
-void NamesTest::namesThatLeadUpwardAreTold()
+void tst_Names::NamesThatLeadUpwardAreTold()
 {
     QFETCH(QString, name);
     QTEST(LeadsUpward(name), "isUpward");
 }
 
-void NamesTest::validNamesAreKept_data()
+void tst_Names::ValidNamesAreKept_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("plain") << "coast";
@@ -93,13 +93,13 @@ void NamesTest::validNamesAreKept_data()
     QTest::newRow("dots") << "..";
 }
 
-void NamesTest::validNamesAreKept()
+void tst_Names::ValidNamesAreKept()
 {
     QFETCH(QString, name);
     QCOMPARE(ToValidName(name), name);
 }
 
-void NamesTest::invalidNamesBecomeValidOnesThatResembleThem_data()
+void tst_Names::InvalidNamesBecomeValidOnesThatResembleThem_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("validName");
@@ -115,7 +115,7 @@ void NamesTest::invalidNamesBecomeValidOnesThatResembleThem_data()
                                  << "Unnamed";
 }
 
-void NamesTest::invalidNamesBecomeValidOnesThatResembleThem()
+void tst_Names::InvalidNamesBecomeValidOnesThatResembleThem()
 {
     QFETCH(QString, name);
     QFETCH(QString, validName);
@@ -124,7 +124,7 @@ void NamesTest::invalidNamesBecomeValidOnesThatResembleThem()
     QVERIFY(IsValidName(validName));
 }
 
-void NamesTest::freeNamesAreTheFirstThatAreNotTaken()
+void tst_Names::FreeNamesAreTheFirstThatAreNotTaken()
 {
     FreeNames names({"coast", "coast (3)", "town (2)"});
     for (const char* name : {"coast (2)", "coast (4)", "coast (5)"}) {
@@ -138,7 +138,7 @@ void NamesTest::freeNamesAreTheFirstThatAreNotTaken()
     QCOMPARE(names.Take("coast"), "coast (7)");
 }
 
-void NamesTest::manyFreeNamesAreFoundWithoutTryingAllAgain()
+void tst_Names::ManyFreeNamesAreFoundWithoutTryingAllAgain()
 {
     // If all numbers were tried for each name, this would run into the test's time limit.
     constexpr int count = 200000;
@@ -151,6 +151,6 @@ void NamesTest::manyFreeNamesAreFoundWithoutTryingAllAgain()
     QCOMPARE(names.Take("coast"), QString("coast (%1)").arg(count + 2));
 }
 
-QTEST_GUILESS_MAIN(NamesTest)
+QTEST_GUILESS_MAIN(tst_Names)
 
 #include "tst_Names.moc"

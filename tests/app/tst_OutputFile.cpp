@@ -29,32 +29,33 @@ std::shared_ptr<void> MakeSticky(const QString& path)
 
 Q_DECLARE_METATYPE(Lock)
 
-class OutputFileTest : public QObject
+class tst_OutputFile : public QObject
 {
     Q_OBJECT
 
 private slots:
     void init();
-    void aNewFileAppearsWithTheCommit();
-    void theOldFileIsReplacedWithTheCommit();
-    void withoutCommitTheOldFileStays();
-    void aFileInAMissingFolderCannotBeOpened();
-    void aDirectoryCannotBeOpened();
-    void withoutANameNothingCanBeOpened();
-    void aWriteThatIsTakenInPartFails();
-    void aFailedFlushFails();
-    void afterAFailedWriteNothingMoreIsWritten();
-    void aFileThatCannotBePutInPlaceFailsTheCommit();
-    void aLinkIsWrittenThrough();
-    void aPipeIsWrittenInPlace();
-    void aPipeThatNobodyReadsCannotBeOpened();
-    void aFullDeviceFailsTheCommit();
-    void aFileThatCannotBeReplacedIsWrittenInPlace_data();
-    void aFileThatCannotBeReplacedIsWrittenInPlace();
-    void aFullDiskLeavesAFileThatCannotBeReplaced_data();
-    void aFullDiskLeavesAFileThatCannotBeReplaced();
-    void aReadOnlyFileWhoseFolderTakesNoNewFileStaysAsItIs();
-    void aNewFileInAFolderThatTakesNoneCannotBeOpened();
+    void ANewFileAppearsWithTheCommit();
+    void TheOldFileIsReplacedWithTheCommit();
+    void TextModeChangesNoByteHere();
+    void WithoutCommitTheOldFileStays();
+    void AFileInAMissingFolderCannotBeOpened();
+    void ADirectoryCannotBeOpened();
+    void WithoutANameNothingCanBeOpened();
+    void AWriteThatIsTakenInPartFails();
+    void AFailedFlushFails();
+    void AfterAFailedWriteNothingMoreIsWritten();
+    void AFileThatCannotBePutInPlaceFailsTheCommit();
+    void ALinkIsWrittenThrough();
+    void APipeIsWrittenInPlace();
+    void APipeThatNobodyReadsCannotBeOpened();
+    void AFullDeviceFailsTheCommit();
+    void AFileThatCannotBeReplacedIsWrittenInPlace_data();
+    void AFileThatCannotBeReplacedIsWrittenInPlace();
+    void AFullDiskLeavesAFileThatCannotBeReplaced_data();
+    void AFullDiskLeavesAFileThatCannotBeReplaced();
+    void AReadOnlyFileWhoseFolderTakesNoNewFileStaysAsItIs();
+    void ANewFileInAFolderThatTakesNoneCannotBeOpened();
 
 private:
     QString Target() const { return m_folder->filePath("target"); }
@@ -63,18 +64,18 @@ private:
     std::unique_ptr<QTemporaryDir> m_folder;
 };
 
-void OutputFileTest::init()
+void tst_OutputFile::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     QVERIFY(m_folder->isValid());
 }
 
-QStringList OutputFileTest::FilesInFolder() const
+QStringList tst_OutputFile::FilesInFolder() const
 {
     return QDir(m_folder->path()).entryList(QDir::Files | QDir::System, QDir::Name);
 }
 
-void OutputFileTest::aNewFileAppearsWithTheCommit()
+void tst_OutputFile::ANewFileAppearsWithTheCommit()
 {
     OutputFile file(Target());
     QVERIFY(file.Open());
@@ -86,7 +87,7 @@ void OutputFileTest::aNewFileAppearsWithTheCommit()
     QCOMPARE(FilesInFolder(), QStringList{"target"});
 }
 
-void OutputFileTest::theOldFileIsReplacedWithTheCommit()
+void tst_OutputFile::TheOldFileIsReplacedWithTheCommit()
 {
     WriteBytes(Target(), "the old content");
     OutputFile file(Target());
@@ -97,7 +98,17 @@ void OutputFileTest::theOldFileIsReplacedWithTheCommit()
     QCOMPARE(ReadBytes(Target()), QByteArray("new"));
 }
 
-void OutputFileTest::withoutCommitTheOldFileStays()
+void tst_OutputFile::TextModeChangesNoByteHere()
+{
+    const QByteArray bytes("a\nb\r\n\0\n", 7);
+    OutputFile file(Target());
+    QVERIFY(file.Open(QIODevice::Text));
+    QVERIFY(file.Write(bytes));
+    QVERIFY(file.Commit());
+    QCOMPARE(ReadBytes(Target()), bytes);
+}
+
+void tst_OutputFile::WithoutCommitTheOldFileStays()
 {
     WriteBytes(Target(), "old");
     {
@@ -109,7 +120,7 @@ void OutputFileTest::withoutCommitTheOldFileStays()
     QCOMPARE(FilesInFolder(), QStringList{"target"});
 }
 
-void OutputFileTest::aFileInAMissingFolderCannotBeOpened()
+void tst_OutputFile::AFileInAMissingFolderCannotBeOpened()
 {
     OutputFile file(m_folder->filePath("missing/target"));
     QVERIFY(!file.Open());
@@ -117,7 +128,7 @@ void OutputFileTest::aFileInAMissingFolderCannotBeOpened()
     QVERIFY(!QFile::exists(m_folder->filePath("missing")));
 }
 
-void OutputFileTest::aDirectoryCannotBeOpened()
+void tst_OutputFile::ADirectoryCannotBeOpened()
 {
     QVERIFY(QDir().mkdir(Target()));
     OutputFile file(Target());
@@ -125,14 +136,14 @@ void OutputFileTest::aDirectoryCannotBeOpened()
     QVERIFY(QFileInfo(Target()).isDir());
 }
 
-void OutputFileTest::withoutANameNothingCanBeOpened()
+void tst_OutputFile::WithoutANameNothingCanBeOpened()
 {
     OutputFile file({});
     QVERIFY(!file.Open());
     QVERIFY(!file.Commit());
 }
 
-void OutputFileTest::aWriteThatIsTakenInPartFails()
+void tst_OutputFile::AWriteThatIsTakenInPartFails()
 {
     WriteBytes(Target(), "old");
     OutputFile file(Target());
@@ -144,7 +155,7 @@ void OutputFileTest::aWriteThatIsTakenInPartFails()
     QCOMPARE(FilesInFolder(), QStringList{"target"});
 }
 
-void OutputFileTest::aFailedFlushFails()
+void tst_OutputFile::AFailedFlushFails()
 {
     WriteBytes(Target(), "old");
     OutputFile file(Target());
@@ -157,7 +168,7 @@ void OutputFileTest::aFailedFlushFails()
     QCOMPARE(FilesInFolder(), QStringList{"target"});
 }
 
-void OutputFileTest::afterAFailedWriteNothingMoreIsWritten()
+void tst_OutputFile::AfterAFailedWriteNothingMoreIsWritten()
 {
     OutputFile file(Target());
     QVERIFY(file.Open());
@@ -170,7 +181,7 @@ void OutputFileTest::afterAFailedWriteNothingMoreIsWritten()
     QCOMPARE(FilesInFolder(), QStringList());
 }
 
-void OutputFileTest::aFileThatCannotBePutInPlaceFailsTheCommit()
+void tst_OutputFile::AFileThatCannotBePutInPlaceFailsTheCommit()
 {
     WriteBytes(Target(), "old");
     OutputFile file(Target());
@@ -182,7 +193,7 @@ void OutputFileTest::aFileThatCannotBePutInPlaceFailsTheCommit()
     QCOMPARE(FilesInFolder(), QStringList{"target"});
 }
 
-void OutputFileTest::aLinkIsWrittenThrough()
+void tst_OutputFile::ALinkIsWrittenThrough()
 {
     WriteBytes(m_folder->filePath("pointed"), "old");
     QVERIFY(QFile::link("pointed", Target()));
@@ -194,7 +205,7 @@ void OutputFileTest::aLinkIsWrittenThrough()
     QCOMPARE(ReadBytes(m_folder->filePath("pointed")), QByteArray("new"));
 }
 
-void OutputFileTest::aPipeIsWrittenInPlace()
+void tst_OutputFile::APipeIsWrittenInPlace()
 {
     const QByteArray path = QFile::encodeName(Target());
     QCOMPARE(mkfifo(path.constData(), 0600), 0);
@@ -215,7 +226,7 @@ void OutputFileTest::aPipeIsWrittenInPlace()
     QVERIFY(!QFileInfo(Target()).isFile());
 }
 
-void OutputFileTest::aPipeThatNobodyReadsCannotBeOpened()
+void tst_OutputFile::APipeThatNobodyReadsCannotBeOpened()
 {
 #ifdef QUILLMAP_PORTABLE
     QSKIP("Only Linux opens a pipe without waiting for a reader.");
@@ -227,7 +238,7 @@ void OutputFileTest::aPipeThatNobodyReadsCannotBeOpened()
     QVERIFY(QFileInfo::exists(Target()));
 }
 
-void OutputFileTest::aFullDeviceFailsTheCommit()
+void tst_OutputFile::AFullDeviceFailsTheCommit()
 {
     OutputFile file("/dev/full");
     QVERIFY(file.Open());
@@ -236,7 +247,7 @@ void OutputFileTest::aFullDeviceFailsTheCommit()
     QVERIFY(!QFileInfo("/dev/full").isFile());
 }
 
-void OutputFileTest::aFileThatCannotBeReplacedIsWrittenInPlace_data()
+void tst_OutputFile::AFileThatCannotBeReplacedIsWrittenInPlace_data()
 {
     QTest::addColumn<Lock>("lock");
     QTest::addColumn<QByteArray>("bytes");
@@ -248,7 +259,7 @@ void OutputFileTest::aFileThatCannotBeReplacedIsWrittenInPlace_data()
     }
 }
 
-void OutputFileTest::aFileThatCannotBeReplacedIsWrittenInPlace()
+void tst_OutputFile::AFileThatCannotBeReplacedIsWrittenInPlace()
 {
     QFETCH(Lock, lock);
     QFETCH(QByteArray, bytes);
@@ -272,7 +283,7 @@ void OutputFileTest::aFileThatCannotBeReplacedIsWrittenInPlace()
     QCOMPARE(reader.readAll(), bytes);
 }
 
-void OutputFileTest::aFullDiskLeavesAFileThatCannotBeReplaced_data()
+void tst_OutputFile::AFullDiskLeavesAFileThatCannotBeReplaced_data()
 {
     QTest::addColumn<bool>("isTemporaryFolderFull");
     QTest::addColumn<int>("length");
@@ -282,7 +293,7 @@ void OutputFileTest::aFullDiskLeavesAFileThatCannotBeReplaced_data()
     QTest::newRow("no more room needed") << false << 10000 << true;
 }
 
-void OutputFileTest::aFullDiskLeavesAFileThatCannotBeReplaced()
+void tst_OutputFile::AFullDiskLeavesAFileThatCannotBeReplaced()
 {
     QFETCH(bool, isTemporaryFolderFull);
     QFETCH(int, length);
@@ -318,7 +329,7 @@ void OutputFileTest::aFullDiskLeavesAFileThatCannotBeReplaced()
     before.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", before);
 }
 
-void OutputFileTest::aReadOnlyFileWhoseFolderTakesNoNewFileStaysAsItIs()
+void tst_OutputFile::AReadOnlyFileWhoseFolderTakesNoNewFileStaysAsItIs()
 {
     WriteBytes(Target(), "the old content");
     QVERIFY(QFile::setPermissions(Target(), QFile::Permissions(0x4444)));
@@ -329,7 +340,7 @@ void OutputFileTest::aReadOnlyFileWhoseFolderTakesNoNewFileStaysAsItIs()
     QCOMPARE(ReadBytes(Target()), QByteArray("the old content"));
 }
 
-void OutputFileTest::aNewFileInAFolderThatTakesNoneCannotBeOpened()
+void tst_OutputFile::ANewFileInAFolderThatTakesNoneCannotBeOpened()
 {
     const ReadOnlyFolder readOnly(m_folder->path());
     OutputFile file(Target());
@@ -337,6 +348,6 @@ void OutputFileTest::aNewFileInAFolderThatTakesNoneCannotBeOpened()
     QVERIFY(!QFile::exists(Target()));
 }
 
-QTEST_GUILESS_MAIN(OutputFileTest)
+QTEST_GUILESS_MAIN(tst_OutputFile)
 
 #include "tst_OutputFile.moc"

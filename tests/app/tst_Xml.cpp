@@ -5,29 +5,29 @@
 
 #include <limits>
 
-class XmlTest : public QObject
+class tst_Xml : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void elementsGoToTheirHandlersAndOthersArePassedOver();
-    void theWalkStopsAtTheNamedEndElement();
-    void withoutAnEndElementTheWholeDocumentIsRead();
-    void theWalkEndsWithTheDocumentWhenTheEndElementNeverComes();
-    void aReaderAtItsEndIsLeftAlone();
-    void aHandlerCanStopTheWalk();
-    void theEndElementThatStopsTheWalkIsHandedOnFirst();
-    void namesAreCaseSensitive();
-    void textAttributesAreTakenAsTheyStand_data();
-    void textAttributesAreTakenAsTheyStand();
-    void intAttributesHaveADefaultWhenAbsentOrEmpty_data();
-    void intAttributesHaveADefaultWhenAbsentOrEmpty();
-    void uintAttributesHaveADefaultWhenAbsentOrEmpty_data();
-    void uintAttributesHaveADefaultWhenAbsentOrEmpty();
-    void floatAttributesHaveADefaultWhenAbsentOrEmpty_data();
-    void floatAttributesHaveADefaultWhenAbsentOrEmpty();
-    void bitsMayBeWrittenSignedOrUnsigned_data();
-    void bitsMayBeWrittenSignedOrUnsigned();
+    void ElementsGoToTheirHandlersAndOthersArePassedOver();
+    void TheWalkStopsAtTheNamedEndElement();
+    void WithoutAnEndElementTheWholeDocumentIsRead();
+    void TheWalkEndsWithTheDocumentWhenTheEndElementNeverComes();
+    void AReaderAtItsEndIsLeftAlone();
+    void AHandlerCanStopTheWalk();
+    void TheEndElementThatStopsTheWalkIsHandedOnFirst();
+    void NamesAreCaseSensitive();
+    void TextAttributesAreTakenAsTheyStand_data();
+    void TextAttributesAreTakenAsTheyStand();
+    void IntAttributesHaveADefaultWhenAbsentOrEmpty_data();
+    void IntAttributesHaveADefaultWhenAbsentOrEmpty();
+    void UintAttributesHaveADefaultWhenAbsentOrEmpty_data();
+    void UintAttributesHaveADefaultWhenAbsentOrEmpty();
+    void FloatAttributesHaveADefaultWhenAbsentOrEmpty_data();
+    void FloatAttributesHaveADefaultWhenAbsentOrEmpty();
+    void BitsMayBeWrittenSignedOrUnsigned_data();
+    void BitsMayBeWrittenSignedOrUnsigned();
 };
 
 namespace {
@@ -79,14 +79,14 @@ public:
 
 } // namespace
 
-void XmlTest::elementsGoToTheirHandlersAndOthersArePassedOver()
+void tst_Xml::ElementsGoToTheirHandlersAndOthersArePassedOver()
 {
     Walk walk("<root><item n='1'/><other><item n='2'><item n='3'/></item></other>text</root>");
     QVERIFY(walk.Run());
     QCOMPARE(walk.Calls(), (QStringList{"item 1", "/item", "item 2", "item 3", "/item", "/item"}));
 }
 
-void XmlTest::theWalkStopsAtTheNamedEndElement()
+void tst_Xml::TheWalkStopsAtTheNamedEndElement()
 {
     Walk walk("<root><group><item n='1'/></group><item n='2'/></root>");
     QVERIFY(walk.Run(QLatin1String("group")));
@@ -96,7 +96,7 @@ void XmlTest::theWalkStopsAtTheNamedEndElement()
     QCOMPARE(TextAttribute(walk.Xml(), QLatin1String("n")), QStringLiteral("2"));
 }
 
-void XmlTest::withoutAnEndElementTheWholeDocumentIsRead()
+void tst_Xml::WithoutAnEndElementTheWholeDocumentIsRead()
 {
     Walk walk("<root><group><item n='1'/></group><item n='2'/></root>");
     QVERIFY(walk.Run());
@@ -105,7 +105,7 @@ void XmlTest::withoutAnEndElementTheWholeDocumentIsRead()
     QVERIFY(!walk.Xml().hasError());
 }
 
-void XmlTest::theWalkEndsWithTheDocumentWhenTheEndElementNeverComes()
+void tst_Xml::TheWalkEndsWithTheDocumentWhenTheEndElementNeverComes()
 {
     Walk walk("<root><group><item n='1'/>");
     QVERIFY(walk.Run(QLatin1String("group")));
@@ -113,7 +113,7 @@ void XmlTest::theWalkEndsWithTheDocumentWhenTheEndElementNeverComes()
     QVERIFY(walk.Xml().hasError());
 }
 
-void XmlTest::aReaderAtItsEndIsLeftAlone()
+void tst_Xml::AReaderAtItsEndIsLeftAlone()
 {
     Walk walk("<root/>");
     QVERIFY(walk.Run());
@@ -122,7 +122,7 @@ void XmlTest::aReaderAtItsEndIsLeftAlone()
     QVERIFY(walk.Calls().isEmpty());
 }
 
-void XmlTest::aHandlerCanStopTheWalk()
+void tst_Xml::AHandlerCanStopTheWalk()
 {
     Walk walk("<root><item n='1'/><stop/><item n='2'/></root>");
     QVERIFY(!walk.Run());
@@ -130,21 +130,21 @@ void XmlTest::aHandlerCanStopTheWalk()
     QCOMPARE(walk.Xml().name().toString(), QStringLiteral("stop"));
 }
 
-void XmlTest::theEndElementThatStopsTheWalkIsHandedOnFirst()
+void tst_Xml::TheEndElementThatStopsTheWalkIsHandedOnFirst()
 {
     Walk walk("<root><item n='1'/><item n='2'/></root>");
     QVERIFY(walk.Run(QLatin1String("item")));
     QCOMPARE(walk.Calls(), (QStringList{"item 1", "/item"}));
 }
 
-void XmlTest::namesAreCaseSensitive()
+void tst_Xml::NamesAreCaseSensitive()
 {
     Walk walk("<root><Item n='1'/></root>");
     QVERIFY(walk.Run());
     QVERIFY(walk.Calls().isEmpty());
 }
 
-void XmlTest::textAttributesAreTakenAsTheyStand_data()
+void tst_Xml::TextAttributesAreTakenAsTheyStand_data()
 {
     QTest::addColumn<QString>("attributes");
     QTest::addColumn<QString>("text");
@@ -160,14 +160,14 @@ void XmlTest::textAttributesAreTakenAsTheyStand_data()
                               << "<&\"";
 }
 
-void XmlTest::textAttributesAreTakenAsTheyStand()
+void tst_Xml::TextAttributesAreTakenAsTheyStand()
 {
     QFETCH(QString, attributes);
     QFETCH(QString, text);
     QCOMPARE(TextAttribute(Element(attributes), QLatin1String("a")), text);
 }
 
-void XmlTest::intAttributesHaveADefaultWhenAbsentOrEmpty_data()
+void tst_Xml::IntAttributesHaveADefaultWhenAbsentOrEmpty_data()
 {
     QTest::addColumn<QString>("attributes");
     QTest::addColumn<int>("number");
@@ -182,14 +182,14 @@ void XmlTest::intAttributesHaveADefaultWhenAbsentOrEmpty_data()
     QTest::newRow("too large") << "a='2147483648'" << 0;
 }
 
-void XmlTest::intAttributesHaveADefaultWhenAbsentOrEmpty()
+void tst_Xml::IntAttributesHaveADefaultWhenAbsentOrEmpty()
 {
     QFETCH(QString, attributes);
     QFETCH(int, number);
     QCOMPARE(IntAttribute(Element(attributes), QLatin1String("a"), 2048), number);
 }
 
-void XmlTest::uintAttributesHaveADefaultWhenAbsentOrEmpty_data()
+void tst_Xml::UintAttributesHaveADefaultWhenAbsentOrEmpty_data()
 {
     QTest::addColumn<QString>("attributes");
     QTest::addColumn<quint32>("number");
@@ -202,14 +202,14 @@ void XmlTest::uintAttributesHaveADefaultWhenAbsentOrEmpty_data()
     QTest::newRow("no number") << "a='white'" << 0U;
 }
 
-void XmlTest::uintAttributesHaveADefaultWhenAbsentOrEmpty()
+void tst_Xml::UintAttributesHaveADefaultWhenAbsentOrEmpty()
 {
     QFETCH(QString, attributes);
     QFETCH(quint32, number);
     QCOMPARE(UIntAttribute(Element(attributes), QLatin1String("a"), 2), number);
 }
 
-void XmlTest::floatAttributesHaveADefaultWhenAbsentOrEmpty_data()
+void tst_Xml::FloatAttributesHaveADefaultWhenAbsentOrEmpty_data()
 {
     QTest::addColumn<QString>("attributes");
     QTest::addColumn<float>("number");
@@ -222,14 +222,14 @@ void XmlTest::floatAttributesHaveADefaultWhenAbsentOrEmpty_data()
     QTest::newRow("infinite") << "a='inf'" << std::numeric_limits<float>::infinity();
 }
 
-void XmlTest::floatAttributesHaveADefaultWhenAbsentOrEmpty()
+void tst_Xml::FloatAttributesHaveADefaultWhenAbsentOrEmpty()
 {
     QFETCH(QString, attributes);
     QFETCH(float, number);
     QCOMPARE(FloatAttribute(Element(attributes), QLatin1String("a"), 50.5F), number);
 }
 
-void XmlTest::bitsMayBeWrittenSignedOrUnsigned_data()
+void tst_Xml::BitsMayBeWrittenSignedOrUnsigned_data()
 {
     QTest::addColumn<QString>("attributes");
     QTest::addColumn<quint32>("bits");
@@ -246,13 +246,13 @@ void XmlTest::bitsMayBeWrittenSignedOrUnsigned_data()
     QTest::newRow("no number") << "a='0x10'" << 0U;
 }
 
-void XmlTest::bitsMayBeWrittenSignedOrUnsigned()
+void tst_Xml::BitsMayBeWrittenSignedOrUnsigned()
 {
     QFETCH(QString, attributes);
     QFETCH(quint32, bits);
     QCOMPARE(BitsAttribute(Element(attributes), QLatin1String("a")), bits);
 }
 
-QTEST_GUILESS_MAIN(XmlTest)
+QTEST_GUILESS_MAIN(tst_Xml)
 
 #include "tst_Xml.moc"

@@ -279,7 +279,7 @@ void tst_PaintTool::NothingIsUndoneDuringAStroke()
     QCOMPARE(canvas.StepCount(), 2);
 }
 
-/// What the brush holds of the layer is not what it held before the undo.
+/// After an undo the painter must load the mask again.
 void tst_PaintTool::PaintsOnWhatUndoBroughtBack()
 {
     Painting canvas;

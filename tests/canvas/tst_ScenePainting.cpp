@@ -319,7 +319,7 @@ void tst_ScenePainting::MovesWithoutAButtonKeepTheMask()
     canvas.Press({100, 100});
     QCOMPARE(layer->Image().pixelIndex(0, 0), 0);
     canvas.Release({100, 100});
-    // So does not what follows a stroke.
+    // Moves after a stroke do not change the mask either.
     layer->SetImage(mask, Qt::red);
     canvas.Move({120, 100}, Qt::NoButton);
     QCOMPARE(layer->Image(), mask);

@@ -280,7 +280,7 @@ void tst_SelectTool::NudgesOfAnotherGestureAreAnotherStep()
     canvas.document.EndGesture();
     canvas.Tap(Qt::Key_Right);
     QCOMPARE(canvas.StepCount(), 2);
-    // So is what comes after a drag, and after an undo.
+    // A nudge after a drag is a step of its own.
     canvas.Drag(FirstPlace + QPointF(2, 0), FirstPlace);
     canvas.Tap(Qt::Key_Right);
     QCOMPARE(canvas.StepCount(), 4);
@@ -384,9 +384,10 @@ void tst_SelectTool::PastesNoRemovedZones()
     QCOMPARE(canvas.Zones(), QList<Zone*>({canvas.first}));
     canvas.PasteAt({80, 120});
     QCOMPARE(canvas.Zones().size(), 2);
-    QCOMPARE(canvas.Zones().last()->pos(), QPointF(80, 120));
+    Zone* pasted = canvas.territory->Zones().last();
+    QCOMPARE(pasted->pos(), QPointF(80, 120));
     canvas.first->setSelected(true);
-    canvas.Zones().last()->setSelected(true);
+    pasted->setSelected(true);
     canvas.Scene().RemoveSelection();
     QVERIFY(canvas.Zones().isEmpty());
     const int steps = canvas.StepCount();

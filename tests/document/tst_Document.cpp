@@ -76,7 +76,7 @@ void tst_Document::init()
     m_type = type.get();
     m_document->Do(Edits::AddType(m_document->Types(), std::move(type)));
     m_document->Do(Edits::AddTerritory(*m_type, std::make_unique<Territory>("North")));
-    m_territory = m_type->Territories().first();
+    m_territory = dynamic_cast<Territory*>(m_type->child(0));
     m_document->BeginHistory(true);
 }
 
@@ -91,7 +91,7 @@ void tst_Document::cleanup()
 Layer* tst_Document::AddLayer()
 {
     m_document->Do(Edits::AddPaintedLayer(m_document->Layers(), raster::BlankMask({Side, Side})));
-    return m_document->Layers().Layers().last();
+    return m_document->Layers().LayerAt(m_document->Layers().model()->rowCount() - 1);
 }
 
 void tst_Document::Fill(Layer& layer, const QRect& rect, uchar value)
@@ -255,7 +255,7 @@ void tst_Document::RemovedTerritoriesComeBackWithTheirZones()
 void tst_Document::CheckMarksOfATypeComeBack()
 {
     m_document->Do(Edits::AddTerritory(*m_type, std::make_unique<Territory>("South")));
-    Territory* south = m_type->Territories().last();
+    auto* south = dynamic_cast<Territory*>(m_type->child(1));
     RowModel* model = m_document->Types().model();
     model->setData(south->index(), Qt::Checked, Qt::CheckStateRole);
 

@@ -7,32 +7,32 @@
 #include <QXmlStreamWriter>
 #include <QtTest>
 
-class AreaFlagTypesTest : public QObject
+class tst_AreaFlagTypes : public QObject
 {
     Q_OBJECT
 
 private slots:
     void init();
 
-    void namesAreReadInOrderWhereverTheyStand_data();
-    void namesAreReadInOrderWhereverTheyStand();
-    void readingReplacesTheTypes();
-    void readingStopsAtTheEndOfAreas();
-    void aReaderAtItsEndEmptiesTheTypes();
-    void aMalformedElementKeepsWhatCameBefore();
+    void NamesAreReadInOrderWhereverTheyStand_data();
+    void NamesAreReadInOrderWhereverTheyStand();
+    void ReadingReplacesTheTypes();
+    void ReadingStopsAtTheEndOfAreas();
+    void AReaderAtItsEndEmptiesTheTypes();
+    void AMalformedElementKeepsWhatCameBefore();
 
-    void aDefinitionFileIsReadWhateverItsRoot_data();
-    void aDefinitionFileIsReadWhateverItsRoot();
-    void aDefinitionFileIsReadBehindAreasToo();
-    void aMissingFileLeavesTheTypes();
-    void aMalformedFileKeepsTheTypesBeforeTheFault_data();
-    void aMalformedFileKeepsTheTypesBeforeTheFault();
+    void ADefinitionFileIsReadWhateverItsRoot_data();
+    void ADefinitionFileIsReadWhateverItsRoot();
+    void ADefinitionFileIsReadBehindAreasToo();
+    void AMissingFileLeavesTheTypes();
+    void AMalformedFileKeepsTheTypesBeforeTheFault_data();
+    void AMalformedFileKeepsTheTypesBeforeTheFault();
 
-    void theElementIsWrittenAlsoWithoutTypes();
-    void theElementListsUsagesThenValues();
-    void whatIsWrittenIsReadBackTheSame();
-    void aMapHolds32TypesOfAKind_data();
-    void aMapHolds32TypesOfAKind();
+    void TheElementIsWrittenAlsoWithoutTypes();
+    void TheElementListsUsagesThenValues();
+    void WhatIsWrittenIsReadBackTheSame();
+    void AMapHolds32TypesOfAKind_data();
+    void AMapHolds32TypesOfAKind();
 
 private:
     QString File() const { return m_folder->filePath("types.xml"); }
@@ -58,14 +58,14 @@ QString Written(const AreaFlagTypes& types)
 
 } // namespace
 
-void AreaFlagTypesTest::init()
+void tst_AreaFlagTypes::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     QVERIFY(m_folder->isValid());
     m_log.Take();
 }
 
-void AreaFlagTypesTest::namesAreReadInOrderWhereverTheyStand_data()
+void tst_AreaFlagTypes::NamesAreReadInOrderWhereverTheyStand_data()
 {
     QTest::addColumn<QString>("content");
     QTest::addColumn<Names>("usages");
@@ -91,7 +91,7 @@ void AreaFlagTypesTest::namesAreReadInOrderWhereverTheyStand_data()
         << "<usage name=' a/b  &lt;c> '/>" << Names{" a/b  <c> "} << Names();
 }
 
-void AreaFlagTypesTest::namesAreReadInOrderWhereverTheyStand()
+void tst_AreaFlagTypes::NamesAreReadInOrderWhereverTheyStand()
 {
     QFETCH(QString, content);
     QFETCH(Names, usages);
@@ -104,7 +104,7 @@ void AreaFlagTypesTest::namesAreReadInOrderWhereverTheyStand()
     QCOMPARE(types.values, values);
 }
 
-void AreaFlagTypesTest::readingReplacesTheTypes()
+void tst_AreaFlagTypes::ReadingReplacesTheTypes()
 {
     AreaFlagTypes types = Former;
     QXmlStreamReader xml("<areas><usage name='new'/></areas>");
@@ -114,7 +114,7 @@ void AreaFlagTypesTest::readingReplacesTheTypes()
     QCOMPARE(types.values, Names());
 }
 
-void AreaFlagTypesTest::readingStopsAtTheEndOfAreas()
+void tst_AreaFlagTypes::ReadingStopsAtTheEndOfAreas()
 {
     QXmlStreamReader xml("<root><areas><usage name='a'/></areas><usage name='b'/></root>");
     xml.readNextStartElement();
@@ -126,7 +126,7 @@ void AreaFlagTypesTest::readingStopsAtTheEndOfAreas()
     QCOMPARE(xml.name().toString(), QStringLiteral("areas"));
 }
 
-void AreaFlagTypesTest::aReaderAtItsEndEmptiesTheTypes()
+void tst_AreaFlagTypes::AReaderAtItsEndEmptiesTheTypes()
 {
     QXmlStreamReader whole("<areas/>");
     while (!whole.atEnd()) {
@@ -147,7 +147,7 @@ void AreaFlagTypesTest::aReaderAtItsEndEmptiesTheTypes()
     QCOMPARE(types.values, Names());
 }
 
-void AreaFlagTypesTest::aMalformedElementKeepsWhatCameBefore()
+void tst_AreaFlagTypes::AMalformedElementKeepsWhatCameBefore()
 {
     QXmlStreamReader xml("<areas><usage name='a'/><value name='b'/></oops>");
     xml.readNextStartElement();
@@ -158,7 +158,7 @@ void AreaFlagTypesTest::aMalformedElementKeepsWhatCameBefore()
     QCOMPARE(m_log.Messages(), QStringList());
 }
 
-void AreaFlagTypesTest::aDefinitionFileIsReadWhateverItsRoot_data()
+void tst_AreaFlagTypes::ADefinitionFileIsReadWhateverItsRoot_data()
 {
     QTest::addColumn<QByteArray>("root");
     QTest::newRow("areas") << QByteArray("areas");
@@ -166,7 +166,7 @@ void AreaFlagTypesTest::aDefinitionFileIsReadWhateverItsRoot_data()
     QTest::newRow("usages") << QByteArray("usages");
 }
 
-void AreaFlagTypesTest::aDefinitionFileIsReadWhateverItsRoot()
+void tst_AreaFlagTypes::ADefinitionFileIsReadWhateverItsRoot()
 {
     QFETCH(QByteArray, root);
     WriteBytes(File(), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n<" + root +
@@ -179,7 +179,7 @@ void AreaFlagTypesTest::aDefinitionFileIsReadWhateverItsRoot()
     QCOMPARE(m_log.Messages(), QStringList());
 }
 
-void AreaFlagTypesTest::aDefinitionFileIsReadBehindAreasToo()
+void tst_AreaFlagTypes::ADefinitionFileIsReadBehindAreasToo()
 {
     WriteBytes(File(), "<r><areas><usage name='a'/></areas><usage name='b'/></r>");
     AreaFlagTypes types;
@@ -187,7 +187,7 @@ void AreaFlagTypesTest::aDefinitionFileIsReadBehindAreasToo()
     QCOMPARE(types.usages, (Names{"a", "b"}));
 }
 
-void AreaFlagTypesTest::aMissingFileLeavesTheTypes()
+void tst_AreaFlagTypes::AMissingFileLeavesTheTypes()
 {
     AreaFlagTypes types = Former;
     for (const QString& path : {m_folder->filePath("missing.xml"), m_folder->path(), QString()}) {
@@ -198,7 +198,7 @@ void AreaFlagTypesTest::aMissingFileLeavesTheTypes()
     }
 }
 
-void AreaFlagTypesTest::aMalformedFileKeepsTheTypesBeforeTheFault_data()
+void tst_AreaFlagTypes::AMalformedFileKeepsTheTypesBeforeTheFault_data()
 {
     QTest::addColumn<QByteArray>("file");
     QTest::addColumn<Names>("usages");
@@ -212,7 +212,7 @@ void AreaFlagTypesTest::aMalformedFileKeepsTheTypesBeforeTheFault_data()
                               << Names();
 }
 
-void AreaFlagTypesTest::aMalformedFileKeepsTheTypesBeforeTheFault()
+void tst_AreaFlagTypes::AMalformedFileKeepsTheTypesBeforeTheFault()
 {
     QFETCH(QByteArray, file);
     QFETCH(Names, usages);
@@ -229,12 +229,12 @@ void AreaFlagTypesTest::aMalformedFileKeepsTheTypesBeforeTheFault()
     QCOMPARE(m_log.Messages(), QStringList{message.arg(reader.errorString())});
 }
 
-void AreaFlagTypesTest::theElementIsWrittenAlsoWithoutTypes()
+void tst_AreaFlagTypes::TheElementIsWrittenAlsoWithoutTypes()
 {
     QCOMPARE(Written({}), QString("<areas>\n    <usages/>\n    <values/>\n</areas>"));
 }
 
-void AreaFlagTypesTest::theElementListsUsagesThenValues()
+void tst_AreaFlagTypes::TheElementListsUsagesThenValues()
 {
     QCOMPARE(Written({{"Coast", "<Town>"}, {"", "Tier2"}}),
              QString("<areas>\n"
@@ -249,7 +249,7 @@ void AreaFlagTypesTest::theElementListsUsagesThenValues()
                      "</areas>"));
 }
 
-void AreaFlagTypesTest::whatIsWrittenIsReadBackTheSame()
+void tst_AreaFlagTypes::WhatIsWrittenIsReadBackTheSame()
 {
     AreaFlagTypes types = {{"a", "a", "", " b & \"c\" "}, {}};
     for (int i = 0; i < 40; ++i) {
@@ -263,7 +263,7 @@ void AreaFlagTypesTest::whatIsWrittenIsReadBackTheSame()
     QCOMPARE(read.values, types.values);
 }
 
-void AreaFlagTypesTest::aMapHolds32TypesOfAKind_data()
+void tst_AreaFlagTypes::AMapHolds32TypesOfAKind_data()
 {
     QTest::addColumn<int>("usageCount");
     QTest::addColumn<int>("valueCount");
@@ -274,7 +274,7 @@ void AreaFlagTypesTest::aMapHolds32TypesOfAKind_data()
     QTest::newRow("33 values") << 0 << 33 << false;
 }
 
-void AreaFlagTypesTest::aMapHolds32TypesOfAKind()
+void tst_AreaFlagTypes::AMapHolds32TypesOfAKind()
 {
     QFETCH(int, usageCount);
     QFETCH(int, valueCount);
@@ -283,6 +283,6 @@ void AreaFlagTypesTest::aMapHolds32TypesOfAKind()
     QCOMPARE(types.FitMap(), doFit);
 }
 
-QTEST_GUILESS_MAIN(AreaFlagTypesTest)
+QTEST_GUILESS_MAIN(tst_AreaFlagTypes)
 
 #include "tst_AreaFlagTypes.moc"

@@ -17,7 +17,7 @@
 
 #include <limits>
 
-class AreaMapImportTest : public QObject
+class tst_AreaMapImport : public QObject
 {
     Q_OBJECT
 
@@ -25,32 +25,32 @@ private slots:
     void init();
     void cleanup();
 
-    void anEmptyFileMakesNoLayerAndNoSize();
-    void missingHeaderIntegersAreMinusOne_data();
-    void missingHeaderIntegersAreMinusOne();
-    void sizesBecomeTheProjectsButNotItsScale();
-    void combinedFlagsBecomeLayersOfTheirOwn();
-    void importedLayersAreWhiteHiddenAndNamed_data();
-    void importedLayersAreWhiteHiddenAndNamed();
-    void usagesComeBeforeValuesAndFirstPixelsFirst();
-    void bitsWithoutATypeAreIgnored();
-    void theFormerLayersStayAndAllPicturesAreRenewed();
-    void importingSaysWhatItDoes();
-    void tooManyFlagTypesAreRefusedBeforeAnythingIsRead_data();
-    void tooManyFlagTypesAreRefusedBeforeAnythingIsRead();
-    void aBitCountThatIsNoPowerOfTwoEndsItsSection_data();
-    void aBitCountThatIsNoPowerOfTwoEndsItsSection();
-    void sizesWithoutAnImageEndTheSection_data();
-    void sizesWithoutAnImageEndTheSection();
-    void moreWordsThanTheFileHoldsCountAsClear();
-    void layersWithoutMemoryAreLeftOut();
-    void aLargeMapWithoutFlagsNeedsNoMemory();
-    void aDeviceThatFailsInTheHeaderFailsTheImport_data();
-    void aDeviceThatFailsInTheHeaderFailsTheImport();
-    void aDeviceThatFailsInASectionKeepsWhatWasRead();
-    void sequentialDevicesAreReadPieceByPiece();
-    void mapsCutOffAnywhereAreReadLikeTheLiteralReaderDoes();
-    void mapsAreImportedLikeTheLiteralReaderDoes();
+    void AnEmptyFileMakesNoLayerAndNoSize();
+    void MissingHeaderIntegersAreMinusOne_data();
+    void MissingHeaderIntegersAreMinusOne();
+    void SizesBecomeTheProjectsButNotItsScale();
+    void CombinedFlagsBecomeLayersOfTheirOwn();
+    void ImportedLayersAreWhiteHiddenAndNamed_data();
+    void ImportedLayersAreWhiteHiddenAndNamed();
+    void UsagesComeBeforeValuesAndFirstPixelsFirst();
+    void BitsWithoutATypeAreIgnored();
+    void TheFormerLayersStayAndAllPicturesAreRenewed();
+    void ImportingSaysWhatItDoes();
+    void TooManyFlagTypesAreRefusedBeforeAnythingIsRead_data();
+    void TooManyFlagTypesAreRefusedBeforeAnythingIsRead();
+    void ABitCountThatIsNoPowerOfTwoEndsItsSection_data();
+    void ABitCountThatIsNoPowerOfTwoEndsItsSection();
+    void SizesWithoutAnImageEndTheSection_data();
+    void SizesWithoutAnImageEndTheSection();
+    void MoreWordsThanTheFileHoldsCountAsClear();
+    void LayersWithoutMemoryAreLeftOut();
+    void ALargeMapWithoutFlagsNeedsNoMemory();
+    void ADeviceThatFailsInTheHeaderFailsTheImport_data();
+    void ADeviceThatFailsInTheHeaderFailsTheImport();
+    void ADeviceThatFailsInASectionKeepsWhatWasRead();
+    void SequentialDevicesAreReadPieceByPiece();
+    void MapsCutOffAnywhereAreReadLikeTheLiteralReaderDoes();
+    void MapsAreImportedLikeTheLiteralReaderDoes();
 
 private:
     QString File() const { return m_project->Path("area.map"); }
@@ -121,18 +121,18 @@ bool AreEqual(const LayerList& layers, const QVector<literal::MapLayer>& expecte
 
 } // namespace
 
-void AreaMapImportTest::init()
+void tst_AreaMapImport::init()
 {
     m_project = std::make_unique<ProjectFixture>(QSize(8, 2), QSize(15360, 10240));
     m_log.Take();
 }
 
-void AreaMapImportTest::cleanup()
+void tst_AreaMapImport::cleanup()
 {
     m_project.reset();
 }
 
-void AreaMapImportTest::anEmptyFileMakesNoLayerAndNoSize()
+void tst_AreaMapImport::AnEmptyFileMakesNoLayerAndNoSize()
 {
     SetFlagTypes(5, 3);
     LayerList layers;
@@ -141,7 +141,7 @@ void AreaMapImportTest::anEmptyFileMakesNoLayerAndNoSize()
     QCOMPARE(ProjectSizes(), (QVector<int>{-1, -1, -1, -1}));
 }
 
-void AreaMapImportTest::missingHeaderIntegersAreMinusOne_data()
+void tst_AreaMapImport::MissingHeaderIntegersAreMinusOne_data()
 {
     QTest::addColumn<int>("byteCount");
     QTest::addColumn<QVector<int>>("sizes");
@@ -154,7 +154,7 @@ void AreaMapImportTest::missingHeaderIntegersAreMinusOne_data()
     QTest::newRow("20") << 20 << QVector<int>{8, 2, 100, 200};
 }
 
-void AreaMapImportTest::missingHeaderIntegersAreMinusOne()
+void tst_AreaMapImport::MissingHeaderIntegersAreMinusOne()
 {
     QFETCH(int, byteCount);
     QFETCH(QVector<int>, sizes);
@@ -165,7 +165,7 @@ void AreaMapImportTest::missingHeaderIntegersAreMinusOne()
     QCOMPARE(ProjectSizes(), sizes);
 }
 
-void AreaMapImportTest::sizesBecomeTheProjectsButNotItsScale()
+void tst_AreaMapImport::SizesBecomeTheProjectsButNotItsScale()
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
     const float metresPerPixelX = settings.MetresPerPixelX();
@@ -177,7 +177,7 @@ void AreaMapImportTest::sizesBecomeTheProjectsButNotItsScale()
     QCOMPARE(settings.PixelsPerMetreZ(), pixelsPerMetreZ);
 }
 
-void AreaMapImportTest::combinedFlagsBecomeLayersOfTheirOwn()
+void tst_AreaMapImport::CombinedFlagsBecomeLayersOfTheirOwn()
 {
     SetFlagTypes(3, 0);
     const QImage mask = MaskFromArt({"##......", "...##..."});
@@ -193,14 +193,14 @@ void AreaMapImportTest::combinedFlagsBecomeLayersOfTheirOwn()
     QCOMPARE(layers.LayerAt(1)->Image(), mask);
 }
 
-void AreaMapImportTest::importedLayersAreWhiteHiddenAndNamed_data()
+void tst_AreaMapImport::ImportedLayersAreWhiteHiddenAndNamed_data()
 {
     QTest::addColumn<bool>("isGuiRunning");
     QTest::newRow("without a window") << false;
     QTest::newRow("with a window") << true;
 }
 
-void AreaMapImportTest::importedLayersAreWhiteHiddenAndNamed()
+void tst_AreaMapImport::ImportedLayersAreWhiteHiddenAndNamed()
 {
     QFETCH(bool, isGuiRunning);
     const auto window = isGuiRunning ? std::make_unique<QWidget>() : nullptr;
@@ -223,7 +223,7 @@ void AreaMapImportTest::importedLayersAreWhiteHiddenAndNamed()
     QCOMPARE(layers.LayerAt(1)->ValueFlags(), 0x80000000U);
 }
 
-void AreaMapImportTest::usagesComeBeforeValuesAndFirstPixelsFirst()
+void tst_AreaMapImport::UsagesComeBeforeValuesAndFirstPixelsFirst()
 {
     SetFlagTypes(8, 8);
     LayerList layers;
@@ -235,7 +235,7 @@ void AreaMapImportTest::usagesComeBeforeValuesAndFirstPixelsFirst()
     QCOMPARE(ArtFromMask(layers.LayerByName("usage0")->Image()), (QStringList{"#..#", "...."}));
 }
 
-void AreaMapImportTest::bitsWithoutATypeAreIgnored()
+void tst_AreaMapImport::BitsWithoutATypeAreIgnored()
 {
     SetFlagTypes(2, 0);
     LayerList layers;
@@ -243,7 +243,7 @@ void AreaMapImportTest::bitsWithoutATypeAreIgnored()
     QCOMPARE(NamesOf(layers), QStringList{"usage1"});
 }
 
-void AreaMapImportTest::theFormerLayersStayAndAllPicturesAreRenewed()
+void tst_AreaMapImport::TheFormerLayersStayAndAllPicturesAreRenewed()
 {
     SetFlagTypes(1, 0);
     LayerList layers;
@@ -254,7 +254,7 @@ void AreaMapImportTest::theFormerLayersStayAndAllPicturesAreRenewed()
     QVERIFY(former->PictureRevision() != revision);
 }
 
-void AreaMapImportTest::importingSaysWhatItDoes()
+void tst_AreaMapImport::ImportingSaysWhatItDoes()
 {
     LayerList layers;
     QVERIFY(Import(layers, Ints({8, 2, 100, 100, 0, 0})));
@@ -262,12 +262,12 @@ void AreaMapImportTest::importingSaysWhatItDoes()
              (QStringList{"Info: Importing map, please wait ...", "Info: Import done"}));
 }
 
-void AreaMapImportTest::tooManyFlagTypesAreRefusedBeforeAnythingIsRead_data()
+void tst_AreaMapImport::TooManyFlagTypesAreRefusedBeforeAnythingIsRead_data()
 {
     AddTooManyTypes();
 }
 
-void AreaMapImportTest::tooManyFlagTypesAreRefusedBeforeAnythingIsRead()
+void tst_AreaMapImport::TooManyFlagTypesAreRefusedBeforeAnythingIsRead()
 {
     QFETCH(int, usageCount);
     QFETCH(int, valueCount);
@@ -283,7 +283,7 @@ void AreaMapImportTest::tooManyFlagTypesAreRefusedBeforeAnythingIsRead()
     QCOMPARE(ProjectSizes(), (QVector<int>{8, 2, 15360, 10240}));
 }
 
-void AreaMapImportTest::aBitCountThatIsNoPowerOfTwoEndsItsSection_data()
+void tst_AreaMapImport::ABitCountThatIsNoPowerOfTwoEndsItsSection_data()
 {
     QTest::addColumn<int>("bits");
     for (const int bits : {3, 5, 7, 31, 33, 64, 2147483647, -1, -8, -2147483647 - 1}) {
@@ -291,7 +291,7 @@ void AreaMapImportTest::aBitCountThatIsNoPowerOfTwoEndsItsSection_data()
     }
 }
 
-void AreaMapImportTest::aBitCountThatIsNoPowerOfTwoEndsItsSection()
+void tst_AreaMapImport::ABitCountThatIsNoPowerOfTwoEndsItsSection()
 {
     QFETCH(int, bits);
     SetFlagTypes(8, 8);
@@ -303,7 +303,7 @@ void AreaMapImportTest::aBitCountThatIsNoPowerOfTwoEndsItsSection()
     QCOMPARE(NamesOf(layers), QStringList{"value1"});
 }
 
-void AreaMapImportTest::sizesWithoutAnImageEndTheSection_data()
+void tst_AreaMapImport::SizesWithoutAnImageEndTheSection_data()
 {
     QTest::addColumn<int>("width");
     QTest::addColumn<int>("height");
@@ -320,7 +320,7 @@ void AreaMapImportTest::sizesWithoutAnImageEndTheSection_data()
     QTest::newRow("highest") << 1 << largest;
 }
 
-void AreaMapImportTest::sizesWithoutAnImageEndTheSection()
+void tst_AreaMapImport::SizesWithoutAnImageEndTheSection()
 {
     QFETCH(int, width);
     QFETCH(int, height);
@@ -334,7 +334,7 @@ void AreaMapImportTest::sizesWithoutAnImageEndTheSection()
     QCOMPARE(ProjectSizes(), (QVector<int>{width, height, 100, 100}));
 }
 
-void AreaMapImportTest::moreWordsThanTheFileHoldsCountAsClear()
+void tst_AreaMapImport::MoreWordsThanTheFileHoldsCountAsClear()
 {
     SetFlagTypes(32, 32);
     LayerList layers;
@@ -347,7 +347,7 @@ void AreaMapImportTest::moreWordsThanTheFileHoldsCountAsClear()
     QCOMPARE(image.pixelIndex(2, 999), 0);
 }
 
-void AreaMapImportTest::layersWithoutMemoryAreLeftOut()
+void tst_AreaMapImport::LayersWithoutMemoryAreLeftOut()
 {
     SetFlagTypes(32, 32);
     // Each layer takes a quarter of a gigabyte of address space. How many fit into the rest depends
@@ -370,7 +370,7 @@ void AreaMapImportTest::layersWithoutMemoryAreLeftOut()
     QCOMPARE(layers.Layers().size(), count);
 }
 
-void AreaMapImportTest::aLargeMapWithoutFlagsNeedsNoMemory()
+void tst_AreaMapImport::ALargeMapWithoutFlagsNeedsNoMemory()
 {
     SetFlagTypes(32, 0);
     WriteBytes(File(), Ints({8192, 16384, 100, 100, 32}));
@@ -386,7 +386,7 @@ void AreaMapImportTest::aLargeMapWithoutFlagsNeedsNoMemory()
              (QStringList{"Info: Importing map, please wait ...", "Info: Import done"}));
 }
 
-void AreaMapImportTest::aDeviceThatFailsInTheHeaderFailsTheImport_data()
+void tst_AreaMapImport::ADeviceThatFailsInTheHeaderFailsTheImport_data()
 {
     QTest::addColumn<int>("byteCount");
     for (const int count : {0, 4, 8, 12}) {
@@ -394,7 +394,7 @@ void AreaMapImportTest::aDeviceThatFailsInTheHeaderFailsTheImport_data()
     }
 }
 
-void AreaMapImportTest::aDeviceThatFailsInTheHeaderFailsTheImport()
+void tst_AreaMapImport::ADeviceThatFailsInTheHeaderFailsTheImport()
 {
     QFETCH(int, byteCount);
     SlowDevice device(Ints({1, 1, 100, 100}).left(byteCount), 1000);
@@ -404,7 +404,7 @@ void AreaMapImportTest::aDeviceThatFailsInTheHeaderFailsTheImport()
     QCOMPARE(ProjectSizes(), (QVector<int>{8, 2, 15360, 10240}));
 }
 
-void AreaMapImportTest::aDeviceThatFailsInASectionKeepsWhatWasRead()
+void tst_AreaMapImport::ADeviceThatFailsInASectionKeepsWhatWasRead()
 {
     SetFlagTypes(8, 8);
     const QByteArray map = Ints({2, 2, 100, 100, 32, 1, 2, 4, 8, 32, 1});
@@ -422,7 +422,7 @@ void AreaMapImportTest::aDeviceThatFailsInASectionKeepsWhatWasRead()
     QVERIFY(layers.IsEmpty());
 }
 
-void AreaMapImportTest::sequentialDevicesAreReadPieceByPiece()
+void tst_AreaMapImport::SequentialDevicesAreReadPieceByPiece()
 {
     Random random;
     SetFlagTypes(8, 3);
@@ -437,7 +437,7 @@ void AreaMapImportTest::sequentialDevicesAreReadPieceByPiece()
     }
 }
 
-void AreaMapImportTest::mapsCutOffAnywhereAreReadLikeTheLiteralReaderDoes()
+void tst_AreaMapImport::MapsCutOffAnywhereAreReadLikeTheLiteralReaderDoes()
 {
     Random random;
     SetFlagTypes(3, 5);
@@ -452,7 +452,7 @@ void AreaMapImportTest::mapsCutOffAnywhereAreReadLikeTheLiteralReaderDoes()
     }
 }
 
-void AreaMapImportTest::mapsAreImportedLikeTheLiteralReaderDoes()
+void tst_AreaMapImport::MapsAreImportedLikeTheLiteralReaderDoes()
 {
     Random random;
     for (int i = 0; i < 100; ++i) {
@@ -468,6 +468,6 @@ void AreaMapImportTest::mapsAreImportedLikeTheLiteralReaderDoes()
     }
 }
 
-QTEST_MAIN(AreaMapImportTest)
+QTEST_MAIN(tst_AreaMapImport)
 
 #include "tst_AreaMapImport.moc"

@@ -17,7 +17,7 @@
 
 #include <limits>
 
-class AreaMapSavingTest : public QObject
+class tst_AreaMapSaving : public QObject
 {
     Q_OBJECT
 
@@ -25,33 +25,33 @@ private slots:
     void init();
     void cleanup();
 
-    void withoutFlagTypesAMapIs24Bytes();
-    void theBitCountIsThePowerOfTwoThatHoldsTheTypes_data();
-    void theBitCountIsThePowerOfTwoThatHoldsTheTypes();
-    void aUsualMapHasTheExpectedSize();
-    void fieldsAreStoredBottomUpAndLeftmostHighest();
-    void layersCountWhateverTheirVisibility();
-    void layersWithoutUsageFlagsStayOutOfTheUsages();
-    void overlappingLayersAreOred();
-    void theRemainderOfARowIsLeftOut();
-    void sizesOfNothingAreWrittenWithoutWords_data();
-    void sizesOfNothingAreWrittenWithoutWords();
-    void sizesThatNoMaskHasAreRefusedBeforeTheFileIsOpened_data();
-    void sizesThatNoMaskHasAreRefusedBeforeTheFileIsOpened();
-    void theLargestSizesAreWritten_data();
-    void theLargestSizesAreWritten();
-    void withoutFlagTypesAMapOfAnySizeIsItsHeader_data();
-    void withoutFlagTypesAMapOfAnySizeIsItsHeader();
-    void aMapWithoutMemoryLeavesTheOldOne();
-    void savingSaysWhatItDoes();
-    void aMapThatCannotBeOpenedIsAnError();
-    void tooManyFlagTypesAreRefusedBeforeTheFileIsOpened_data();
-    void tooManyFlagTypesAreRefusedBeforeTheFileIsOpened();
-    void aFullDiskLeavesTheOldMap_data();
-    void aFullDiskLeavesTheOldMap();
-    void aFullDeviceFails();
-    void aMapThatCannotBePutInPlaceFails();
-    void mapsAreWhatTheLiteralWriterWrites();
+    void WithoutFlagTypesAMapIs24Bytes();
+    void TheBitCountIsThePowerOfTwoThatHoldsTheTypes_data();
+    void TheBitCountIsThePowerOfTwoThatHoldsTheTypes();
+    void AUsualMapHasTheExpectedSize();
+    void FieldsAreStoredBottomUpAndLeftmostHighest();
+    void LayersCountWhateverTheirVisibility();
+    void LayersWithoutUsageFlagsStayOutOfTheUsages();
+    void OverlappingLayersAreOred();
+    void TheRemainderOfARowIsLeftOut();
+    void SizesOfNothingAreWrittenWithoutWords_data();
+    void SizesOfNothingAreWrittenWithoutWords();
+    void SizesThatNoMaskHasAreRefusedBeforeTheFileIsOpened_data();
+    void SizesThatNoMaskHasAreRefusedBeforeTheFileIsOpened();
+    void TheLargestSizesAreWritten_data();
+    void TheLargestSizesAreWritten();
+    void WithoutFlagTypesAMapOfAnySizeIsItsHeader_data();
+    void WithoutFlagTypesAMapOfAnySizeIsItsHeader();
+    void AMapWithoutMemoryLeavesTheOldOne();
+    void SavingSaysWhatItDoes();
+    void AMapThatCannotBeOpenedIsAnError();
+    void TooManyFlagTypesAreRefusedBeforeTheFileIsOpened_data();
+    void TooManyFlagTypesAreRefusedBeforeTheFileIsOpened();
+    void AFullDiskLeavesTheOldMap_data();
+    void AFullDiskLeavesTheOldMap();
+    void AFullDeviceFails();
+    void AMapThatCannotBePutInPlaceFails();
+    void MapsAreWhatTheLiteralWriterWrites();
 
 private:
     QString File() const { return m_project->Path("area.map"); }
@@ -60,18 +60,18 @@ private:
     LogSpy m_log;
 };
 
-void AreaMapSavingTest::init()
+void tst_AreaMapSaving::init()
 {
     m_project = std::make_unique<ProjectFixture>(QSize(8, 2), QSize(15360, 10240));
     m_log.Take();
 }
 
-void AreaMapSavingTest::cleanup()
+void tst_AreaMapSaving::cleanup()
 {
     m_project.reset();
 }
 
-void AreaMapSavingTest::withoutFlagTypesAMapIs24Bytes()
+void tst_AreaMapSaving::WithoutFlagTypesAMapIs24Bytes()
 {
     LayerList layers;
     AddLayer(layers, FullMask({8, 2}), 1, 1);
@@ -79,7 +79,7 @@ void AreaMapSavingTest::withoutFlagTypesAMapIs24Bytes()
     QCOMPARE(ReadBytes(File()), Ints({8, 2, 15360, 10240, 0, 0}));
 }
 
-void AreaMapSavingTest::theBitCountIsThePowerOfTwoThatHoldsTheTypes_data()
+void tst_AreaMapSaving::TheBitCountIsThePowerOfTwoThatHoldsTheTypes_data()
 {
     QTest::addColumn<int>("typeCount");
     QTest::addColumn<int>("bits");
@@ -93,7 +93,7 @@ void AreaMapSavingTest::theBitCountIsThePowerOfTwoThatHoldsTheTypes_data()
     }
 }
 
-void AreaMapSavingTest::theBitCountIsThePowerOfTwoThatHoldsTheTypes()
+void tst_AreaMapSaving::TheBitCountIsThePowerOfTwoThatHoldsTheTypes()
 {
     QFETCH(int, typeCount);
     QFETCH(int, bits);
@@ -108,7 +108,7 @@ void AreaMapSavingTest::theBitCountIsThePowerOfTwoThatHoldsTheTypes()
     QCOMPARE(map.mid(20 + usageBytes, 4), Ints({32}));
 }
 
-void AreaMapSavingTest::aUsualMapHasTheExpectedSize()
+void tst_AreaMapSaving::AUsualMapHasTheExpectedSize()
 {
     SetLayerSize({2048, 2048});
     SetFlagTypes(5, 3);
@@ -117,7 +117,7 @@ void AreaMapSavingTest::aUsualMapHasTheExpectedSize()
     QCOMPARE(QFileInfo(File()).size(), qint64(16 + (4 + 4 * 512 * 2048) + (4 + 4 * 256 * 2048)));
 }
 
-void AreaMapSavingTest::fieldsAreStoredBottomUpAndLeftmostHighest()
+void tst_AreaMapSaving::FieldsAreStoredBottomUpAndLeftmostHighest()
 {
     SetFlagTypes(5, 1);
     SetLayerSize({32, 2});
@@ -134,7 +134,7 @@ void AreaMapSavingTest::fieldsAreStoredBottomUpAndLeftmostHighest()
     QCOMPARE(ReadBytes(File()).at(20 + 32 + 3), '\x12');
 }
 
-void AreaMapSavingTest::layersCountWhateverTheirVisibility()
+void tst_AreaMapSaving::LayersCountWhateverTheirVisibility()
 {
     SetFlagTypes(2, 0);
     SetLayerSize({16, 1});
@@ -145,7 +145,7 @@ void AreaMapSavingTest::layersCountWhateverTheirVisibility()
     QCOMPARE(ReadBytes(File()).mid(20, 4).toHex(), Ints({0x60000000}).toHex());
 }
 
-void AreaMapSavingTest::layersWithoutUsageFlagsStayOutOfTheUsages()
+void tst_AreaMapSaving::LayersWithoutUsageFlagsStayOutOfTheUsages()
 {
     SetFlagTypes(1, 1);
     SetLayerSize({32, 1});
@@ -155,7 +155,7 @@ void AreaMapSavingTest::layersWithoutUsageFlagsStayOutOfTheUsages()
     QCOMPARE(ReadBytes(File()).mid(16).toHex(), Ints({1, 0, 1, 0xFFFFFFFF}).toHex());
 }
 
-void AreaMapSavingTest::overlappingLayersAreOred()
+void tst_AreaMapSaving::OverlappingLayersAreOred()
 {
     SetFlagTypes(3, 0);
     SetLayerSize({8, 1});
@@ -166,7 +166,7 @@ void AreaMapSavingTest::overlappingLayersAreOred()
     QCOMPARE(ReadBytes(File()).mid(16, 8).toHex(), Ints({4, 0x15400000}).toHex());
 }
 
-void AreaMapSavingTest::theRemainderOfARowIsLeftOut()
+void tst_AreaMapSaving::TheRemainderOfARowIsLeftOut()
 {
     SetFlagTypes(3, 5);
     SetLayerSize({11, 2});
@@ -178,7 +178,7 @@ void AreaMapSavingTest::theRemainderOfARowIsLeftOut()
     QCOMPARE(ReadBytes(File()).mid(16).toHex(), Ints(usages + values).toHex());
 }
 
-void AreaMapSavingTest::sizesOfNothingAreWrittenWithoutWords_data()
+void tst_AreaMapSaving::SizesOfNothingAreWrittenWithoutWords_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::newRow("zero") << QSize(0, 0);
@@ -188,7 +188,7 @@ void AreaMapSavingTest::sizesOfNothingAreWrittenWithoutWords_data()
     QTest::newRow("smallest integers") << QSize(smallest, smallest);
 }
 
-void AreaMapSavingTest::sizesOfNothingAreWrittenWithoutWords()
+void tst_AreaMapSaving::SizesOfNothingAreWrittenWithoutWords()
 {
     QFETCH(QSize, size);
     SetFlagTypes(5, 3);
@@ -199,7 +199,7 @@ void AreaMapSavingTest::sizesOfNothingAreWrittenWithoutWords()
     QCOMPARE(ReadBytes(File()), Ints({size.width(), size.height(), 15360, 10240, 8, 4}));
 }
 
-void AreaMapSavingTest::sizesThatNoMaskHasAreRefusedBeforeTheFileIsOpened_data()
+void tst_AreaMapSaving::SizesThatNoMaskHasAreRefusedBeforeTheFileIsOpened_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<int>("usageCount");
@@ -214,7 +214,7 @@ void AreaMapSavingTest::sizesThatNoMaskHasAreRefusedBeforeTheFileIsOpened_data()
     }
 }
 
-void AreaMapSavingTest::sizesThatNoMaskHasAreRefusedBeforeTheFileIsOpened()
+void tst_AreaMapSaving::SizesThatNoMaskHasAreRefusedBeforeTheFileIsOpened()
 {
     // The sizes come from the last imported file and may have any value.
     QFETCH(QSize, size);
@@ -231,14 +231,14 @@ void AreaMapSavingTest::sizesThatNoMaskHasAreRefusedBeforeTheFileIsOpened()
                              .arg(size.height())});
 }
 
-void AreaMapSavingTest::theLargestSizesAreWritten_data()
+void tst_AreaMapSaving::TheLargestSizesAreWritten_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::newRow("widest") << QSize(65535, 1);
     QTest::newRow("highest") << QSize(1, 65535);
 }
 
-void AreaMapSavingTest::theLargestSizesAreWritten()
+void tst_AreaMapSaving::TheLargestSizesAreWritten()
 {
     QFETCH(QSize, size);
     SetFlagTypes(32, 0);
@@ -248,7 +248,7 @@ void AreaMapSavingTest::theLargestSizesAreWritten()
     QCOMPARE(QFileInfo(File()).size(), qint64(24 + 4 * 65535));
 }
 
-void AreaMapSavingTest::withoutFlagTypesAMapOfAnySizeIsItsHeader_data()
+void tst_AreaMapSaving::WithoutFlagTypesAMapOfAnySizeIsItsHeader_data()
 {
     QTest::addColumn<QSize>("size");
     const int largest = std::numeric_limits<int>::max();
@@ -259,7 +259,7 @@ void AreaMapSavingTest::withoutFlagTypesAMapOfAnySizeIsItsHeader_data()
     QTest::newRow("largest") << QSize(largest, largest);
 }
 
-void AreaMapSavingTest::withoutFlagTypesAMapOfAnySizeIsItsHeader()
+void tst_AreaMapSaving::WithoutFlagTypesAMapOfAnySizeIsItsHeader()
 {
     QFETCH(QSize, size);
     SetLayerSize(size);
@@ -269,7 +269,7 @@ void AreaMapSavingTest::withoutFlagTypesAMapOfAnySizeIsItsHeader()
     QCOMPARE(ReadBytes(File()), Ints({size.width(), size.height(), 15360, 10240, 0, 0}));
 }
 
-void AreaMapSavingTest::aMapWithoutMemoryLeavesTheOldOne()
+void tst_AreaMapSaving::AMapWithoutMemoryLeavesTheOldOne()
 {
     WriteBytes(File(), "old");
     SetFlagTypes(32, 0);
@@ -282,7 +282,7 @@ void AreaMapSavingTest::aMapWithoutMemoryLeavesTheOldOne()
     QCOMPARE(ReadBytes(File()), QByteArray("old"));
 }
 
-void AreaMapSavingTest::savingSaysWhatItDoes()
+void tst_AreaMapSaving::SavingSaysWhatItDoes()
 {
     LayerList layers;
     const QString path = m_project->Path("100%1.map");
@@ -292,7 +292,7 @@ void AreaMapSavingTest::savingSaysWhatItDoes()
                           "Success: Zone binary map saved to file '" + path + "'."}));
 }
 
-void AreaMapSavingTest::aMapThatCannotBeOpenedIsAnError()
+void tst_AreaMapSaving::AMapThatCannotBeOpenedIsAnError()
 {
     LayerList layers;
     for (const QString& path :
@@ -303,12 +303,12 @@ void AreaMapSavingTest::aMapThatCannotBeOpenedIsAnError()
     }
 }
 
-void AreaMapSavingTest::tooManyFlagTypesAreRefusedBeforeTheFileIsOpened_data()
+void tst_AreaMapSaving::TooManyFlagTypesAreRefusedBeforeTheFileIsOpened_data()
 {
     AddTooManyTypes();
 }
 
-void AreaMapSavingTest::tooManyFlagTypesAreRefusedBeforeTheFileIsOpened()
+void tst_AreaMapSaving::TooManyFlagTypesAreRefusedBeforeTheFileIsOpened()
 {
     QFETCH(int, usageCount);
     QFETCH(int, valueCount);
@@ -318,7 +318,7 @@ void AreaMapSavingTest::tooManyFlagTypesAreRefusedBeforeTheFileIsOpened()
     QCOMPARE(m_log.Messages(), QStringList{TooManyTypes});
 }
 
-void AreaMapSavingTest::aFullDiskLeavesTheOldMap_data()
+void tst_AreaMapSaving::AFullDiskLeavesTheOldMap_data()
 {
     QTest::addColumn<int>("room");
     for (const int room : {0, 3, 15, 17, 20, 20000, 65000}) {
@@ -326,7 +326,7 @@ void AreaMapSavingTest::aFullDiskLeavesTheOldMap_data()
     }
 }
 
-void AreaMapSavingTest::aFullDiskLeavesTheOldMap()
+void tst_AreaMapSaving::AFullDiskLeavesTheOldMap()
 {
     QFETCH(int, room);
     WriteBytes(File(), "old");
@@ -342,14 +342,14 @@ void AreaMapSavingTest::aFullDiskLeavesTheOldMap()
     QCOMPARE(ReadBytes(File()), QByteArray("old"));
 }
 
-void AreaMapSavingTest::aFullDeviceFails()
+void tst_AreaMapSaving::AFullDeviceFails()
 {
     LayerList layers;
     QVERIFY(!layers.SaveMap("/dev/full"));
     QCOMPARE(m_log.Messages(), QStringList{"Info: Processing binary map ..."});
 }
 
-void AreaMapSavingTest::aMapThatCannotBePutInPlaceFails()
+void tst_AreaMapSaving::AMapThatCannotBePutInPlaceFails()
 {
     WriteBytes(File(), "old");
     LayerList layers;
@@ -361,7 +361,7 @@ void AreaMapSavingTest::aMapThatCannotBePutInPlaceFails()
     QCOMPARE(ReadBytes(File()), QByteArray("old"));
 }
 
-void AreaMapSavingTest::mapsAreWhatTheLiteralWriterWrites()
+void tst_AreaMapSaving::MapsAreWhatTheLiteralWriterWrites()
 {
     Random random;
     for (int i = 0; i < 150; ++i) {
@@ -377,6 +377,6 @@ void AreaMapSavingTest::mapsAreWhatTheLiteralWriterWrites()
     }
 }
 
-QTEST_MAIN(AreaMapSavingTest)
+QTEST_MAIN(tst_AreaMapSaving)
 
 #include "tst_AreaMapSaving.moc"

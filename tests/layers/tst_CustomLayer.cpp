@@ -17,7 +17,7 @@
 #include <array>
 #include <memory>
 
-class CustomLayerTest : public QObject
+class tst_CustomLayer : public QObject
 {
     Q_OBJECT
 
@@ -25,47 +25,47 @@ private slots:
     void init();
     void cleanup();
 
-    void operationsHaveCharacters_data();
-    void operationsHaveCharacters();
-    void whatIsNoOperationIsAQuestionMark();
-    void otherCharactersAreUnknown();
-    void operandsAreSplit_data();
-    void operandsAreSplit();
-    void idsAreParsed_data();
-    void idsAreParsed();
-    void aRadiusIsRead_data();
-    void aRadiusIsRead();
+    void OperationsHaveCharacters_data();
+    void OperationsHaveCharacters();
+    void WhatIsNoOperationIsAQuestionMark();
+    void OtherCharactersAreUnknown();
+    void OperandsAreSplit_data();
+    void OperandsAreSplit();
+    void IdsAreParsed_data();
+    void IdsAreParsed();
+    void ARadiusIsRead_data();
+    void ARadiusIsRead();
 
-    void setOperationsAreEvaluated_data();
-    void setOperationsAreEvaluated();
-    void morphologyIsEvaluated_data();
-    void morphologyIsEvaluated();
-    void radiiAreConvertedInFloats_data();
-    void radiiAreConvertedInFloats();
-    void aFactorThatIsNoNumberCountsAsZero();
-    void anInfiniteFactorReachesEverything();
-    void hugeRadiiTakeNoMemory();
-    void operandsAreScaled();
-    void operandsComeFromTheListThatIsPassed();
-    void previewsKeepTheRadiusInFullSizePixels();
-    void sizesOfNothingGiveNull();
-    void codesThatCannotBeEvaluatedAreLogged_data();
-    void codesThatCannotBeEvaluatedAreLogged();
-    void nothingIsEvaluatedOverAnEmptyList_data();
-    void nothingIsEvaluatedOverAnEmptyList();
-    void idsOfNoLayerGiveNullSilently_data();
-    void idsOfNoLayerGiveNullSilently();
-    void theListMayGoWhileAMessageIsShown();
+    void SetOperationsAreEvaluated_data();
+    void SetOperationsAreEvaluated();
+    void MorphologyIsEvaluated_data();
+    void MorphologyIsEvaluated();
+    void RadiiAreConvertedInFloats_data();
+    void RadiiAreConvertedInFloats();
+    void AFactorThatIsNoNumberCountsAsZero();
+    void AnInfiniteFactorReachesEverything();
+    void HugeRadiiTakeNoMemory();
+    void OperandsAreScaled();
+    void OperandsComeFromTheListThatIsPassed();
+    void PreviewsKeepTheRadiusInFullSizePixels();
+    void SizesOfNothingGiveNull();
+    void CodesThatCannotBeEvaluatedAreLogged_data();
+    void CodesThatCannotBeEvaluatedAreLogged();
+    void NothingIsEvaluatedOverAnEmptyList_data();
+    void NothingIsEvaluatedOverAnEmptyList();
+    void IdsOfNoLayerGiveNullSilently_data();
+    void IdsOfNoLayerGiveNullSilently();
+    void TheListMayGoWhileAMessageIsShown();
 
-    void aCodeReplacesTheImage();
-    void aCodeIsEvaluatedAtTheLayerSize_data();
-    void aCodeIsEvaluatedAtTheLayerSize();
-    void aCodeIsEvaluatedOverTheListOfItsLayer();
-    void anEqualCodeChangesNothing();
-    void aCodeThatEvaluatesToNothingChangesNothing_data();
-    void aCodeThatEvaluatesToNothingChangesNothing();
-    void aLayerWithoutAListHasNoCode();
-    void theLayerMayGoWhileAMessageIsShown();
+    void ACodeReplacesTheImage();
+    void ACodeIsEvaluatedAtTheLayerSize_data();
+    void ACodeIsEvaluatedAtTheLayerSize();
+    void ACodeIsEvaluatedOverTheListOfItsLayer();
+    void AnEqualCodeChangesNothing();
+    void ACodeThatEvaluatesToNothingChangesNothing_data();
+    void ACodeThatEvaluatesToNothingChangesNothing();
+    void ALayerWithoutAListHasNoCode();
+    void TheLayerMayGoWhileAMessageIsShown();
 
 private:
     Layer* AddLayer(const QImage& mask);
@@ -122,7 +122,7 @@ QStringList ArtB()
 
 } // namespace
 
-void CustomLayerTest::init()
+void tst_CustomLayer::init()
 {
     // One pixel a metre.
     m_project = std::make_unique<ProjectFixture>(QSize(8, 8), QSize(8, 8));
@@ -132,31 +132,31 @@ void CustomLayerTest::init()
     m_b = AddLayer(MaskFromArt(ArtB()));
 }
 
-void CustomLayerTest::cleanup()
+void tst_CustomLayer::cleanup()
 {
     m_layers.reset();
     m_log.reset();
     m_project.reset();
 }
 
-Layer* CustomLayerTest::AddLayer(const QImage& mask)
+Layer* tst_CustomLayer::AddLayer(const QImage& mask)
 {
     auto layer = std::make_unique<Layer>(0, 0, m_layers.get(), "area");
     layer->SetImage(mask, Qt::white);
     return m_layers->AddLayer(layer.get()) ? layer.release() : nullptr;
 }
 
-QString CustomLayerTest::Code(QString text) const
+QString tst_CustomLayer::Code(QString text) const
 {
     return text.replace('A', QString::number(m_a->Id())).replace('B', QString::number(m_b->Id()));
 }
 
-QImage CustomLayerTest::EvaluateAtLayerSize(const QString& code) const
+QImage tst_CustomLayer::EvaluateAtLayerSize(const QString& code) const
 {
     return ::EvaluateAtLayerSize(*m_layers, code);
 }
 
-void CustomLayerTest::operationsHaveCharacters_data()
+void tst_CustomLayer::OperationsHaveCharacters_data()
 {
     QTest::addColumn<int>("operation");
     QTest::addColumn<char>("character");
@@ -172,7 +172,7 @@ void CustomLayerTest::operationsHaveCharacters_data()
     QTest::newRow("closing") << 7 << 'c' << false << true;
 }
 
-void CustomLayerTest::operationsHaveCharacters()
+void tst_CustomLayer::OperationsHaveCharacters()
 {
     QFETCH(int, operation);
     QFETCH(char, character);
@@ -182,7 +182,7 @@ void CustomLayerTest::operationsHaveCharacters()
     QCOMPARE(OperationFromChar(character), operation);
 }
 
-void CustomLayerTest::whatIsNoOperationIsAQuestionMark()
+void tst_CustomLayer::WhatIsNoOperationIsAQuestionMark()
 {
     for (const int operation : {-1, 8, 9, 1000}) {
         QCOMPARE(OperationChar(operation), '?');
@@ -191,14 +191,14 @@ void CustomLayerTest::whatIsNoOperationIsAQuestionMark()
     }
 }
 
-void CustomLayerTest::otherCharactersAreUnknown()
+void tst_CustomLayer::OtherCharactersAreUnknown()
 {
     for (const char character : {'?', 'x', 'E', ' ', '\0', '\xFF'}) {
         QCOMPARE(OperationFromChar(character), 8);
     }
 }
 
-void CustomLayerTest::operandsAreSplit_data()
+void tst_CustomLayer::OperandsAreSplit_data()
 {
     QTest::addColumn<QString>("code");
     QTest::addColumn<QStringList>("operands");
@@ -220,13 +220,13 @@ void CustomLayerTest::operandsAreSplit_data()
     QTest::newRow("binary without the last") << "+(12)(3" << QStringList{"12", "3"};
 }
 
-void CustomLayerTest::operandsAreSplit()
+void tst_CustomLayer::OperandsAreSplit()
 {
     QFETCH(QString, code);
     QTEST(SplitOperands(code), "operands");
 }
 
-void CustomLayerTest::idsAreParsed_data()
+void tst_CustomLayer::IdsAreParsed_data()
 {
     QTest::addColumn<QString>("code");
     QTest::addColumn<QList<int>>("ids");
@@ -245,7 +245,7 @@ void CustomLayerTest::idsAreParsed_data()
     QTest::newRow("blank") << "?( )" << QList<int>() << QStringList{" "};
 }
 
-void CustomLayerTest::idsAreParsed()
+void tst_CustomLayer::IdsAreParsed()
 {
     QFETCH(QString, code);
     QFETCH(QStringList, invalid);
@@ -257,7 +257,7 @@ void CustomLayerTest::idsAreParsed()
     QCOMPARE(m_log->Messages(), messages);
 }
 
-void CustomLayerTest::aRadiusIsRead_data()
+void tst_CustomLayer::ARadiusIsRead_data()
 {
     QTest::addColumn<QString>("code");
     QTest::addColumn<int>("radius");
@@ -272,13 +272,13 @@ void CustomLayerTest::aRadiusIsRead_data()
     QTest::newRow("nothing") << "" << 0;
 }
 
-void CustomLayerTest::aRadiusIsRead()
+void tst_CustomLayer::ARadiusIsRead()
 {
     QFETCH(QString, code);
     QTEST(RadiusFromCode(code), "radius");
 }
 
-void CustomLayerTest::setOperationsAreEvaluated_data()
+void tst_CustomLayer::SetOperationsAreEvaluated_data()
 {
     QTest::addColumn<QString>("code");
     QTest::addColumn<QImage>("expected");
@@ -291,14 +291,14 @@ void CustomLayerTest::setOperationsAreEvaluated_data()
     QTest::newRow("the other difference") << "-(B)(A)" << raster::Difference(b, a);
 }
 
-void CustomLayerTest::setOperationsAreEvaluated()
+void tst_CustomLayer::SetOperationsAreEvaluated()
 {
     QFETCH(QString, code);
     QTEST(EvaluateAtLayerSize(Code(code)), "expected");
     QCOMPARE(m_log->Messages(), QStringList());
 }
 
-void CustomLayerTest::morphologyIsEvaluated_data()
+void tst_CustomLayer::MorphologyIsEvaluated_data()
 {
     QTest::addColumn<QString>("code");
     QTest::addColumn<QImage>("expected");
@@ -312,14 +312,14 @@ void CustomLayerTest::morphologyIsEvaluated_data()
     QTest::newRow("a negative radius") << "d(A:-3)" << a;
 }
 
-void CustomLayerTest::morphologyIsEvaluated()
+void tst_CustomLayer::MorphologyIsEvaluated()
 {
     QFETCH(QString, code);
     QTEST(EvaluateAtLayerSize(Code(code)), "expected");
     QCOMPARE(m_log->Messages(), QStringList());
 }
 
-void CustomLayerTest::radiiAreConvertedInFloats_data()
+void tst_CustomLayer::RadiiAreConvertedInFloats_data()
 {
     QTest::addColumn<QSize>("layerSize");
     QTest::addColumn<QSize>("worldSize");
@@ -337,7 +337,7 @@ void CustomLayerTest::radiiAreConvertedInFloats_data()
     QTest::newRow("a high layer") << QSize(256, 2048) << QSize(2048, 2048) << 40 << 5;
 }
 
-void CustomLayerTest::radiiAreConvertedInFloats()
+void tst_CustomLayer::RadiiAreConvertedInFloats()
 {
     QFETCH(QSize, layerSize);
     QFETCH(QSize, worldSize);
@@ -360,14 +360,14 @@ void CustomLayerTest::radiiAreConvertedInFloats()
     }
 }
 
-void CustomLayerTest::aFactorThatIsNoNumberCountsAsZero()
+void tst_CustomLayer::AFactorThatIsNoNumberCountsAsZero()
 {
     ProjectSettings::Instance().SetSizes(0, 0, 0, 0);
     QVERIFY(qIsNaN(ProjectSettings::Instance().PixelsPerMetreX()));
     QCOMPARE(Evaluate(*m_layers, Code("d(A:25)"), 8, 8), m_a->Image());
 }
 
-void CustomLayerTest::anInfiniteFactorReachesEverything()
+void tst_CustomLayer::AnInfiniteFactorReachesEverything()
 {
     ProjectSettings::Instance().SetSizes(8, 8, 0, 0);
     const QImage full = raster::Complement(raster::BlankMask({8, 8}));
@@ -375,7 +375,7 @@ void CustomLayerTest::anInfiniteFactorReachesEverything()
     QCOMPARE(EvaluateAtLayerSize(Code("d(A:0)")), m_a->Image());
 }
 
-void CustomLayerTest::hugeRadiiTakeNoMemory()
+void tst_CustomLayer::HugeRadiiTakeNoMemory()
 {
     // 2000 m are 128000 pixels here. A list of the offsets would not fit into memory.
     ProjectSettings::Instance().SetSizes(512, 512, 8, 8);
@@ -384,7 +384,7 @@ void CustomLayerTest::hugeRadiiTakeNoMemory()
     QCOMPARE(EvaluateAtLayerSize(Code("e(A:2000)")), raster::BlankMask({512, 512}));
 }
 
-void CustomLayerTest::operandsAreScaled()
+void tst_CustomLayer::OperandsAreScaled()
 {
     const QImage preview = Evaluate(*m_layers, Code("+(A)(B)"), 4, 2);
     const auto scaled = [](const Layer* layer) {
@@ -397,7 +397,7 @@ void CustomLayerTest::operandsAreScaled()
     QCOMPARE(EvaluateAtLayerSize(Code("+(A)(B)")), m_a->Image());
 }
 
-void CustomLayerTest::operandsComeFromTheListThatIsPassed()
+void tst_CustomLayer::OperandsComeFromTheListThatIsPassed()
 {
     LayerList others;
     auto layer = std::make_unique<Layer>(0, 0, &others, "other");
@@ -409,13 +409,13 @@ void CustomLayerTest::operandsComeFromTheListThatIsPassed()
     QVERIFY(Evaluate(others, Code("!(A)"), 8, 8).isNull());
 }
 
-void CustomLayerTest::previewsKeepTheRadiusInFullSizePixels()
+void tst_CustomLayer::PreviewsKeepTheRadiusInFullSizePixels()
 {
     const QImage half = m_b->Image().scaled(4, 4, Qt::IgnoreAspectRatio, Qt::FastTransformation);
     QCOMPARE(Evaluate(*m_layers, Code("d(B:2)"), 4, 4), raster::Dilate(half, 2));
 }
 
-void CustomLayerTest::sizesOfNothingGiveNull()
+void tst_CustomLayer::SizesOfNothingGiveNull()
 {
     for (const char* code : {"!(A)", "d(A:2)", "c(A:2)", "+(A)(B)", "-(A)(B)"}) {
         for (const QSize& size : {QSize(0, 8), QSize(8, 0), QSize(-1, 8), QSize(8, -1)}) {
@@ -424,7 +424,7 @@ void CustomLayerTest::sizesOfNothingGiveNull()
     }
 }
 
-void CustomLayerTest::codesThatCannotBeEvaluatedAreLogged_data()
+void tst_CustomLayer::CodesThatCannotBeEvaluatedAreLogged_data()
 {
     QTest::addColumn<QString>("code");
     QTest::addColumn<QStringList>("messages");
@@ -445,7 +445,7 @@ void CustomLayerTest::codesThatCannotBeEvaluatedAreLogged_data()
         << QString::fromUtf8("é(A)") << QStringList{"Unknown unary operator in code '%1'"};
 }
 
-void CustomLayerTest::codesThatCannotBeEvaluatedAreLogged()
+void tst_CustomLayer::CodesThatCannotBeEvaluatedAreLogged()
 {
     QFETCH(QString, code);
     QFETCH(QStringList, messages);
@@ -457,7 +457,7 @@ void CustomLayerTest::codesThatCannotBeEvaluatedAreLogged()
     QCOMPARE(m_log->Messages(), messages);
 }
 
-void CustomLayerTest::nothingIsEvaluatedOverAnEmptyList_data()
+void tst_CustomLayer::NothingIsEvaluatedOverAnEmptyList_data()
 {
     QTest::addColumn<QString>("code");
     for (const char* code : {"", "!(0)", "+(0)(1)", "e(0:5)", "?( )", "+(0)(x)"}) {
@@ -465,7 +465,7 @@ void CustomLayerTest::nothingIsEvaluatedOverAnEmptyList_data()
     }
 }
 
-void CustomLayerTest::nothingIsEvaluatedOverAnEmptyList()
+void tst_CustomLayer::NothingIsEvaluatedOverAnEmptyList()
 {
     QFETCH(QString, code);
     QVERIFY(Evaluate(LayerList(), code, 8, 8).isNull());
@@ -473,7 +473,7 @@ void CustomLayerTest::nothingIsEvaluatedOverAnEmptyList()
     QVERIFY(EvaluateAtLayerSize("").isNull());
 }
 
-void CustomLayerTest::idsOfNoLayerGiveNullSilently_data()
+void tst_CustomLayer::IdsOfNoLayerGiveNullSilently_data()
 {
     QTest::addColumn<QString>("code");
     for (const char* code : {"!(99999)", "d(99999:1)", "+(A)(99999)", "-(99999)(B)", "!(-1)"}) {
@@ -481,14 +481,14 @@ void CustomLayerTest::idsOfNoLayerGiveNullSilently_data()
     }
 }
 
-void CustomLayerTest::idsOfNoLayerGiveNullSilently()
+void tst_CustomLayer::IdsOfNoLayerGiveNullSilently()
 {
     QFETCH(QString, code);
     QVERIFY(EvaluateAtLayerSize(Code(code)).isNull());
     QCOMPARE(m_log->Messages(), QStringList());
 }
 
-void CustomLayerTest::theListMayGoWhileAMessageIsShown()
+void tst_CustomLayer::TheListMayGoWhileAMessageIsShown()
 {
     const QString code = Code("+(A)(x)");
     QTimer::singleShot(0, this, [this] { m_layers.reset(); });
@@ -497,7 +497,7 @@ void CustomLayerTest::theListMayGoWhileAMessageIsShown()
     QCOMPARE(m_log->Messages().size(), 2);
 }
 
-void CustomLayerTest::aCodeReplacesTheImage()
+void tst_CustomLayer::ACodeReplacesTheImage()
 {
     const quint64 revision = m_b->PictureRevision();
     QVERIFY(m_b->SetCode(Code("!(A)")));
@@ -507,7 +507,7 @@ void CustomLayerTest::aCodeReplacesTheImage()
     QCOMPARE(ArtFromMask(m_a->Image()), ArtA());
 }
 
-void CustomLayerTest::aCodeIsEvaluatedAtTheLayerSize_data()
+void tst_CustomLayer::ACodeIsEvaluatedAtTheLayerSize_data()
 {
     QTest::addColumn<QSize>("layerSize");
     QTest::addColumn<QSize>("operandSize");
@@ -519,7 +519,7 @@ void CustomLayerTest::aCodeIsEvaluatedAtTheLayerSize_data()
 }
 
 /// The former size of the layer's image does not matter.
-void CustomLayerTest::aCodeIsEvaluatedAtTheLayerSize()
+void tst_CustomLayer::ACodeIsEvaluatedAtTheLayerSize()
 {
     QFETCH(QSize, layerSize);
     QFETCH(QSize, operandSize);
@@ -535,7 +535,7 @@ void CustomLayerTest::aCodeIsEvaluatedAtTheLayerSize()
     QCOMPARE(m_a->Image(), operand);
 }
 
-void CustomLayerTest::aCodeIsEvaluatedOverTheListOfItsLayer()
+void tst_CustomLayer::ACodeIsEvaluatedOverTheListOfItsLayer()
 {
     LayerList others;
     auto other = std::make_unique<Layer>(0, 0, &others, "other");
@@ -548,7 +548,7 @@ void CustomLayerTest::aCodeIsEvaluatedOverTheListOfItsLayer()
     QCOMPARE(layer->Image(), raster::Complement(MaskFromArt(ArtB())));
 }
 
-void CustomLayerTest::anEqualCodeChangesNothing()
+void tst_CustomLayer::AnEqualCodeChangesNothing()
 {
     // The complement of itself, which would flip with each evaluation.
     const QString code = Code("!(A)");
@@ -560,7 +560,7 @@ void CustomLayerTest::anEqualCodeChangesNothing()
     QCOMPARE(m_a->PictureRevision(), revision);
 }
 
-void CustomLayerTest::aCodeThatEvaluatesToNothingChangesNothing_data()
+void tst_CustomLayer::ACodeThatEvaluatesToNothingChangesNothing_data()
 {
     QTest::addColumn<QString>("code");
     for (const char* code : {"", "?( )", "!(99999)", "+(A)(x)"}) {
@@ -568,7 +568,7 @@ void CustomLayerTest::aCodeThatEvaluatesToNothingChangesNothing_data()
     }
 }
 
-void CustomLayerTest::aCodeThatEvaluatesToNothingChangesNothing()
+void tst_CustomLayer::ACodeThatEvaluatesToNothingChangesNothing()
 {
     QFETCH(QString, code);
     const QString before = Code("d(B:1)");
@@ -579,7 +579,7 @@ void CustomLayerTest::aCodeThatEvaluatesToNothingChangesNothing()
     QCOMPARE(m_a->Image(), image);
 }
 
-void CustomLayerTest::aLayerWithoutAListHasNoCode()
+void tst_CustomLayer::ALayerWithoutAListHasNoCode()
 {
     Layer layer(0, 0, nullptr, "alone");
     layer.SetImage(MaskFromArt(ArtA()), Qt::white);
@@ -588,13 +588,13 @@ void CustomLayerTest::aLayerWithoutAListHasNoCode()
     QCOMPARE(ArtFromMask(layer.Image()), ArtA());
 }
 
-void CustomLayerTest::theLayerMayGoWhileAMessageIsShown()
+void tst_CustomLayer::TheLayerMayGoWhileAMessageIsShown()
 {
     QTimer::singleShot(0, this, [this] { m_layers->RemoveLayer(m_a->Id()); });
     QVERIFY(!m_a->SetCode(Code("x(B)")));
     QCOMPARE(m_layers->Layers(), QVector<Layer*>{m_b});
 }
 
-QTEST_MAIN(CustomLayerTest)
+QTEST_MAIN(tst_CustomLayer)
 
 #include "tst_CustomLayer.moc"

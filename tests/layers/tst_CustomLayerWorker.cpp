@@ -89,7 +89,7 @@ private:
     QList<QImage> m_images;
 };
 
-class CustomLayerWorkerTest : public QObject
+class tst_CustomLayerWorker : public QObject
 {
     Q_OBJECT
 
@@ -98,23 +98,23 @@ private slots:
     void init();
     void cleanup();
 
-    void aPreviewIsReported();
-    void aLayerIsComputedAtTheLayerSize_data();
-    void aLayerIsComputedAtTheLayerSize();
-    void aLayerIsComputedOverTheListThatIsPassed();
-    void missingListsAndCodesGiveNull_data();
-    void missingListsAndCodesGiveNull();
+    void APreviewIsReported();
+    void ALayerIsComputedAtTheLayerSize_data();
+    void ALayerIsComputedAtTheLayerSize();
+    void ALayerIsComputedOverTheListThatIsPassed();
+    void MissingListsAndCodesGiveNull_data();
+    void MissingListsAndCodesGiveNull();
 
-    void aLayerToModifyIsNotChangedHere();
-    void anEqualCodeIsNotEvaluatedAgain();
-    void aCodeThatEvaluatesToNothingKeepsTheLayer();
-    void layersMayGoBeforeTheResultIsTaken();
-    void theWorkerNeverWaitsForTheListsThread();
-    void requestsAreAnsweredInOrder();
-    void aRequestWaitsWhileAnotherShowsAMessage();
-    void aWorkerMayGoWhileItShowsAMessage();
-    void aWorkerMayGoWhileItReports();
-    void picturesArePaintedWhileTheWorkerReads();
+    void ALayerToModifyIsNotChangedHere();
+    void AnEqualCodeIsNotEvaluatedAgain();
+    void ACodeThatEvaluatesToNothingKeepsTheLayer();
+    void LayersMayGoBeforeTheResultIsTaken();
+    void TheWorkerNeverWaitsForTheListsThread();
+    void RequestsAreAnsweredInOrder();
+    void ARequestWaitsWhileAnotherShowsAMessage();
+    void AWorkerMayGoWhileItShowsAMessage();
+    void AWorkerMayGoWhileItReports();
+    void PicturesArePaintedWhileTheWorkerReads();
 
 private:
     Layer* AddLayer(const QImage& mask);
@@ -154,13 +154,13 @@ QImage OnlyResult(const QSignalSpy& spy)
 
 } // namespace
 
-void CustomLayerWorkerTest::initTestCase()
+void tst_CustomLayerWorker::initTestCase()
 {
     // Messages reach the spy from other threads.
     qRegisterMetaType<Log::MessageType>("Log::MessageType");
 }
 
-void CustomLayerWorkerTest::init()
+void tst_CustomLayerWorker::init()
 {
     const QSize size(LayerSize, LayerSize);
     m_project = std::make_unique<ProjectFixture>(size, size);
@@ -170,33 +170,33 @@ void CustomLayerWorkerTest::init()
     m_b = AddLayer(MaskB());
 }
 
-void CustomLayerWorkerTest::cleanup()
+void tst_CustomLayerWorker::cleanup()
 {
     m_layers.reset();
     m_log.reset();
     m_project.reset();
 }
 
-Layer* CustomLayerWorkerTest::AddLayer(const QImage& mask)
+Layer* tst_CustomLayerWorker::AddLayer(const QImage& mask)
 {
     auto layer = std::make_unique<Layer>(0, 0, m_layers.get(), "area");
     layer->SetImage(mask, Qt::white);
     return m_layers->AddLayer(layer.get()) ? layer.release() : nullptr;
 }
 
-QString CustomLayerWorkerTest::Code(QString text) const
+QString tst_CustomLayerWorker::Code(QString text) const
 {
     return text.replace('A', QString::number(m_a->Id())).replace('B', QString::number(m_b->Id()));
 }
 
-void CustomLayerWorkerTest::aPreviewIsReported()
+void tst_CustomLayerWorker::APreviewIsReported()
 {
     Requester requester;
     emit requester.PreviewRequested(m_layers.get(), Code("d(A:2)"), QSize(40, 20));
     QCOMPARE(requester.TakePreview(), Evaluate(*m_layers, Code("d(A:2)"), 40, 20));
 }
 
-void CustomLayerWorkerTest::aLayerIsComputedAtTheLayerSize_data()
+void tst_CustomLayerWorker::ALayerIsComputedAtTheLayerSize_data()
 {
     QTest::addColumn<QSize>("layerSize");
     QTest::newRow("that of the operands") << QSize(LayerSize, LayerSize);
@@ -204,7 +204,7 @@ void CustomLayerWorkerTest::aLayerIsComputedAtTheLayerSize_data()
     QTest::newRow("high") << QSize(41, 130);
 }
 
-void CustomLayerWorkerTest::aLayerIsComputedAtTheLayerSize()
+void tst_CustomLayerWorker::ALayerIsComputedAtTheLayerSize()
 {
     QFETCH(QSize, layerSize);
     ProjectSettings::Instance().SetSizes(layerSize.width(), layerSize.height(), LayerSize,
@@ -224,7 +224,7 @@ void CustomLayerWorkerTest::aLayerIsComputedAtTheLayerSize()
     QCOMPARE(m_b->Image(), MaskB());
 }
 
-void CustomLayerWorkerTest::aLayerIsComputedOverTheListThatIsPassed()
+void tst_CustomLayerWorker::ALayerIsComputedOverTheListThatIsPassed()
 {
     LayerList others;
     auto other = std::make_unique<Layer>(0, 0, &others, "other");
@@ -241,7 +241,7 @@ void CustomLayerWorkerTest::aLayerIsComputedOverTheListThatIsPassed()
     QVERIFY(requester.TakeImage().isNull());
 }
 
-void CustomLayerWorkerTest::missingListsAndCodesGiveNull_data()
+void tst_CustomLayerWorker::MissingListsAndCodesGiveNull_data()
 {
     QTest::addColumn<bool>("hasList");
     QTest::addColumn<QString>("code");
@@ -249,7 +249,7 @@ void CustomLayerWorkerTest::missingListsAndCodesGiveNull_data()
     QTest::newRow("no code") << true << "";
 }
 
-void CustomLayerWorkerTest::missingListsAndCodesGiveNull()
+void tst_CustomLayerWorker::MissingListsAndCodesGiveNull()
 {
     QFETCH(bool, hasList);
     QFETCH(QString, code);
@@ -264,7 +264,7 @@ void CustomLayerWorkerTest::missingListsAndCodesGiveNull()
 }
 
 /// Whoever asked does that, on its own thread, when the result has come.
-void CustomLayerWorkerTest::aLayerToModifyIsNotChangedHere()
+void tst_CustomLayerWorker::ALayerToModifyIsNotChangedHere()
 {
     QVERIFY(m_b->SetCode(Code("d(A:2)")));
     const QImage image = m_b->Image();
@@ -286,7 +286,7 @@ void CustomLayerWorkerTest::aLayerToModifyIsNotChangedHere()
     QVERIFY(isUnchanged());
 }
 
-void CustomLayerWorkerTest::anEqualCodeIsNotEvaluatedAgain()
+void tst_CustomLayerWorker::AnEqualCodeIsNotEvaluatedAgain()
 {
     const QString code = Code("!(A)");
     QVERIFY(m_a->SetCode(code));
@@ -297,7 +297,7 @@ void CustomLayerWorkerTest::anEqualCodeIsNotEvaluatedAgain()
     QCOMPARE(m_a->Image(), image);
 }
 
-void CustomLayerWorkerTest::aCodeThatEvaluatesToNothingKeepsTheLayer()
+void tst_CustomLayerWorker::ACodeThatEvaluatesToNothingKeepsTheLayer()
 {
     Requester requester;
     const QString code = Code("+(A)(x)");
@@ -319,7 +319,7 @@ void CustomLayerWorkerTest::aCodeThatEvaluatesToNothingKeepsTheLayer()
     QCOMPARE(m_b->Image(), MaskB());
 }
 
-void CustomLayerWorkerTest::layersMayGoBeforeTheResultIsTaken()
+void tst_CustomLayerWorker::LayersMayGoBeforeTheResultIsTaken()
 {
     Requester requester;
     emit requester.LayerRequested(m_layers.get(), Code("!(A)"), m_b);
@@ -334,7 +334,7 @@ void CustomLayerWorkerTest::layersMayGoBeforeTheResultIsTaken()
     QVERIFY(requester.TakeImage().isNull());
 }
 
-void CustomLayerWorkerTest::theWorkerNeverWaitsForTheListsThread()
+void tst_CustomLayerWorker::TheWorkerNeverWaitsForTheListsThread()
 {
     // The list's thread waits for the worker's to end, as a dialog's destructor does.
     auto requester = std::make_unique<Requester>();
@@ -347,7 +347,7 @@ void CustomLayerWorkerTest::theWorkerNeverWaitsForTheListsThread()
     QCOMPARE(m_b->Image(), MaskB());
 }
 
-void CustomLayerWorkerTest::requestsAreAnsweredInOrder()
+void tst_CustomLayerWorker::RequestsAreAnsweredInOrder()
 {
     Requester requester;
     emit requester.LayerRequested(m_layers.get(), Code("!(A)"), m_b);
@@ -358,7 +358,7 @@ void CustomLayerWorkerTest::requestsAreAnsweredInOrder()
     QCOMPARE(requester.TakePreview(), raster::Union(MaskA(), MaskB()));
 }
 
-void CustomLayerWorkerTest::aRequestWaitsWhileAnotherShowsAMessage()
+void tst_CustomLayerWorker::ARequestWaitsWhileAnotherShowsAMessage()
 {
     // All requests have arrived when the first one starts. It logs two messages, each of which
     // processes the events of its thread.
@@ -394,7 +394,7 @@ void CustomLayerWorkerTest::aRequestWaitsWhileAnotherShowsAMessage()
                                  "nothing"}));
 }
 
-void CustomLayerWorkerTest::aWorkerMayGoWhileItShowsAMessage()
+void tst_CustomLayerWorker::AWorkerMayGoWhileItShowsAMessage()
 {
     auto* worker = new CustomLayerWorker;
     QSignalSpy finished(worker, &CustomLayerWorker::LayerComputationFinished);
@@ -405,7 +405,7 @@ void CustomLayerWorkerTest::aWorkerMayGoWhileItShowsAMessage()
     QCOMPARE(finished.size(), 0);
 }
 
-void CustomLayerWorkerTest::aWorkerMayGoWhileItReports()
+void tst_CustomLayerWorker::AWorkerMayGoWhileItReports()
 {
     auto* worker = new CustomLayerWorker;
     const QPointer<CustomLayerWorker> alive(worker);
@@ -415,7 +415,7 @@ void CustomLayerWorkerTest::aWorkerMayGoWhileItReports()
     QVERIFY(!alive);
 }
 
-void CustomLayerWorkerTest::picturesArePaintedWhileTheWorkerReads()
+void tst_CustomLayerWorker::PicturesArePaintedWhileTheWorkerReads()
 {
     // With a widget there is a GUI, so that layers have pictures.
     QWidget window;
@@ -441,7 +441,7 @@ void CustomLayerWorkerTest::picturesArePaintedWhileTheWorkerReads()
 int main(int argc, char* argv[])
 {
     OrderedApplication application(argc, argv);
-    CustomLayerWorkerTest test;
+    tst_CustomLayerWorker test;
     return QTest::qExec(&test, argc, argv);
 }
 

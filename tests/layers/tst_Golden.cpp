@@ -12,19 +12,19 @@
 #include <QtTest>
 
 /// Runs the cases that tests/golden holds as folders of files.
-class GoldenTest : public QObject
+class tst_Golden : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void bitmapsLoadAsExpected_data() { AddCases("targa"); }
-    void bitmapsLoadAsExpected();
-    void mapsAreWrittenAsExpected_data() { AddCases("map"); }
-    void mapsAreWrittenAsExpected();
-    void mapsAreImportedAsExpected_data() { AddCases("map"); }
-    void mapsAreImportedAsExpected();
-    void areaTypesAreReadAsExpected_data() { AddCases("area-types"); }
-    void areaTypesAreReadAsExpected();
+    void BitmapsLoadAsExpected_data() { AddCases("targa"); }
+    void BitmapsLoadAsExpected();
+    void MapsAreWrittenAsExpected_data() { AddCases("map"); }
+    void MapsAreWrittenAsExpected();
+    void MapsAreImportedAsExpected_data() { AddCases("map"); }
+    void MapsAreImportedAsExpected();
+    void AreaTypesAreReadAsExpected_data() { AddCases("area-types"); }
+    void AreaTypesAreReadAsExpected();
 
 private:
     static void AddCases(const QString& topic);
@@ -77,7 +77,7 @@ QStringList Description(const LayerList& layers)
 
 } // namespace
 
-void GoldenTest::AddCases(const QString& topic)
+void tst_Golden::AddCases(const QString& topic)
 {
     QTest::addColumn<QString>("path");
     const QDir folder(QFINDTESTDATA("../golden/" + topic));
@@ -88,7 +88,7 @@ void GoldenTest::AddCases(const QString& topic)
     }
 }
 
-void GoldenTest::bitmapsLoadAsExpected()
+void tst_Golden::BitmapsLoadAsExpected()
 {
     QFETCH(QString, path);
     const QDir folder(path);
@@ -111,7 +111,7 @@ void GoldenTest::bitmapsLoadAsExpected()
              expected.convertToFormat(QImage::Format_Grayscale8));
 }
 
-void GoldenTest::mapsAreWrittenAsExpected()
+void tst_Golden::MapsAreWrittenAsExpected()
 {
     QFETCH(QString, path);
     const ProjectFixture project;
@@ -123,7 +123,7 @@ void GoldenTest::mapsAreWrittenAsExpected()
              ReadBytes(QDir(path).filePath("expected.map")).toHex(' '));
 }
 
-void GoldenTest::mapsAreImportedAsExpected()
+void tst_Golden::MapsAreImportedAsExpected()
 {
     QFETCH(QString, path);
     const ProjectFixture project;
@@ -136,7 +136,7 @@ void GoldenTest::mapsAreImportedAsExpected()
     QCOMPARE(Description(layers), ReadLines(QDir(path).filePath("imported.txt")));
 }
 
-void GoldenTest::areaTypesAreReadAsExpected()
+void tst_Golden::AreaTypesAreReadAsExpected()
 {
     QFETCH(QString, path);
     const QDir folder(path);
@@ -154,6 +154,6 @@ void GoldenTest::areaTypesAreReadAsExpected()
     QCOMPARE(isRead, log.Messages().isEmpty());
 }
 
-QTEST_GUILESS_MAIN(GoldenTest)
+QTEST_GUILESS_MAIN(tst_Golden)
 
 #include "tst_Golden.moc"

@@ -14,7 +14,7 @@
 #include <QXmlStreamWriter>
 #include <QtTest>
 
-class LayerTest : public QObject
+class tst_Layer : public QObject
 {
     Q_OBJECT
 
@@ -22,47 +22,47 @@ private slots:
     void init();
     void cleanup();
 
-    void idsAreNeverReused();
-    void aNewLayerIsWhiteHiddenAndPainted();
-    void constructorsTakeNameAndCode();
-    void aBatchRunGivesNoDefaultName();
-    void aWindowGivesADefaultName();
-    void aBatchRunSetsNoRoles();
-    void aWindowSetsRolesAndFlags();
-    void theTypeIsThePlainItems();
+    void IdsAreNeverReused();
+    void ANewLayerIsWhiteHiddenAndPainted();
+    void ConstructorsTakeNameAndCode();
+    void ABatchRunGivesNoDefaultName();
+    void AWindowGivesADefaultName();
+    void ABatchRunSetsNoRoles();
+    void AWindowSetsRolesAndFlags();
+    void TheTypeIsThePlainItems();
 
-    void aMaskIsTakenAsItIs_data();
-    void aMaskIsTakenAsItIs();
-    void ofAPictureThePixelsOfTheColourAreTaken();
-    void aPictureOfAnotherDepthGivesNoImage();
-    void theImagesColourIsTakenOnlyWhileAWindowLives_data();
-    void theImagesColourIsTakenOnlyWhileAWindowLives();
-    void aNewColourKeepsTheOpacity_data();
-    void aNewColourKeepsTheOpacity();
-    void aNewOpacityKeepsTheColour_data();
-    void aNewOpacityKeepsTheColour();
-    void visibilityIsTheCheckState();
-    void flagsAreKept();
-    void thePictureIsOutOfDateWhenImageOrColourChange();
-    void thePictureShowsTheMaskInTheOpaqueColour();
-    void aBatchRunHasNoPicture();
+    void AMaskIsTakenAsItIs_data();
+    void AMaskIsTakenAsItIs();
+    void OfAPictureThePixelsOfTheColourAreTaken();
+    void APictureOfAnotherDepthGivesNoImage();
+    void TheImagesColourIsTakenOnlyWhileAWindowLives_data();
+    void TheImagesColourIsTakenOnlyWhileAWindowLives();
+    void ANewColourKeepsTheOpacity_data();
+    void ANewColourKeepsTheOpacity();
+    void ANewOpacityKeepsTheColour_data();
+    void ANewOpacityKeepsTheColour();
+    void VisibilityIsTheCheckState();
+    void FlagsAreKept();
+    void ThePictureIsOutOfDateWhenImageOrColourChange();
+    void ThePictureShowsTheMaskInTheOpaqueColour();
+    void ABatchRunHasNoPicture();
 
-    void paintedPixelsOfTheColourBecomeTheMask();
-    void paintingOnALayerWithoutAListDoesNothing();
-    void aNullPaintedImageIsIgnored_data();
-    void aNullPaintedImageIsIgnored();
+    void PaintedPixelsOfTheColourBecomeTheMask();
+    void PaintingOnALayerWithoutAListDoesNothing();
+    void ANullPaintedImageIsIgnored_data();
+    void ANullPaintedImageIsIgnored();
 
-    void renamesToValidNamesAreTaken_data();
-    void renamesToValidNamesAreTaken();
-    void otherRolesAreKept();
+    void RenamesToValidNamesAreTaken_data();
+    void RenamesToValidNamesAreTaken();
+    void OtherRolesAreKept();
 
-    void theElementHoldsTheAttributesInOrder_data();
-    void theElementHoldsTheAttributesInOrder();
-    void theBitmapIsSavedBeforeTheElementCloses();
-    void theBitmapIsSavedRunLengthCompressedUnderTheName();
-    void theLayersFolderIsCreatedWhenMissing();
-    void aBitmapThatCannotBeSavedIsStillAnElement();
-    void aLayerWithoutAnImageIsNotSaved();
+    void TheElementHoldsTheAttributesInOrder_data();
+    void TheElementHoldsTheAttributesInOrder();
+    void TheBitmapIsSavedBeforeTheElementCloses();
+    void TheBitmapIsSavedRunLengthCompressedUnderTheName();
+    void TheLayersFolderIsCreatedWhenMissing();
+    void ABitmapThatCannotBeSavedIsStillAnElement();
+    void ALayerWithoutAnImageIsNotSaved();
 
 private:
     std::unique_ptr<ProjectFixture> m_project;
@@ -98,18 +98,18 @@ QColor DecorationOf(const Layer& layer)
 
 } // namespace
 
-void LayerTest::init()
+void tst_Layer::init()
 {
     m_project = std::make_unique<ProjectFixture>(QSize(5, 2));
     m_log.Take();
 }
 
-void LayerTest::cleanup()
+void tst_Layer::cleanup()
 {
     m_project.reset();
 }
 
-void LayerTest::idsAreNeverReused()
+void tst_Layer::IdsAreNeverReused()
 {
     int last = -1;
     for (int i = 0; i < 5; ++i) {
@@ -125,7 +125,7 @@ void LayerTest::idsAreNeverReused()
     QCOMPARE(c.Id(), last + 3);
 }
 
-void LayerTest::aNewLayerIsWhiteHiddenAndPainted()
+void tst_Layer::ANewLayerIsWhiteHiddenAndPainted()
 {
     const Layer layer(3, 0x80000000, nullptr);
     QCOMPARE(layer.UsageFlags(), 3U);
@@ -137,7 +137,7 @@ void LayerTest::aNewLayerIsWhiteHiddenAndPainted()
     QVERIFY(!layer.List());
 }
 
-void LayerTest::constructorsTakeNameAndCode()
+void tst_Layer::ConstructorsTakeNameAndCode()
 {
     LayerList list;
     const Layer named(1, 2, &list, "coast");
@@ -151,12 +151,12 @@ void LayerTest::constructorsTakeNameAndCode()
     QCOMPARE(computed.ValueFlags(), 2U);
 }
 
-void LayerTest::aBatchRunGivesNoDefaultName()
+void tst_Layer::ABatchRunGivesNoDefaultName()
 {
     QCOMPARE(Layer(0, 0, nullptr).text(), QString());
 }
 
-void LayerTest::aWindowGivesADefaultName()
+void tst_Layer::AWindowGivesADefaultName()
 {
     const QWidget window;
     const Layer layer(0, 0, nullptr);
@@ -164,7 +164,7 @@ void LayerTest::aWindowGivesADefaultName()
     QCOMPARE(Layer(0, 0, nullptr, "").text(), QString());
 }
 
-void LayerTest::aBatchRunSetsNoRoles()
+void tst_Layer::ABatchRunSetsNoRoles()
 {
     const Layer layer(0, 0, nullptr, "coast");
     QVERIFY(!layer.data(Qt::DecorationRole).isValid());
@@ -172,7 +172,7 @@ void LayerTest::aBatchRunSetsNoRoles()
     QCOMPARE(layer.flags(), QStandardItem().flags());
 }
 
-void LayerTest::aWindowSetsRolesAndFlags()
+void tst_Layer::AWindowSetsRolesAndFlags()
 {
     const QWidget window;
     const Layer layer(0, 0, nullptr, "coast");
@@ -186,17 +186,17 @@ void LayerTest::aWindowSetsRolesAndFlags()
     QVERIFY(!layer.isDropEnabled());
 }
 
-void LayerTest::theTypeIsThePlainItems()
+void tst_Layer::TheTypeIsThePlainItems()
 {
     QCOMPARE(Layer(0, 0, nullptr).type(), int(QStandardItem::Type));
 }
 
-void LayerTest::aMaskIsTakenAsItIs_data()
+void tst_Layer::AMaskIsTakenAsItIs_data()
 {
     AddWindowOrNot();
 }
 
-void LayerTest::aMaskIsTakenAsItIs()
+void tst_Layer::AMaskIsTakenAsItIs()
 {
     QFETCH(bool, isGuiRunning);
     const auto window = WindowIf(isGuiRunning);
@@ -206,7 +206,7 @@ void LayerTest::aMaskIsTakenAsItIs()
     QCOMPARE(layer.Image().cacheKey(), mask.cacheKey());
 }
 
-void LayerTest::ofAPictureThePixelsOfTheColourAreTaken()
+void tst_Layer::OfAPictureThePixelsOfTheColourAreTaken()
 {
     QImage picture(3, 1, QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);
@@ -219,7 +219,7 @@ void LayerTest::ofAPictureThePixelsOfTheColourAreTaken()
     QCOMPARE(layer.Image().colorTable(), raster::GreyTable());
 }
 
-void LayerTest::aPictureOfAnotherDepthGivesNoImage()
+void tst_Layer::APictureOfAnotherDepthGivesNoImage()
 {
     Layer layer(0, 0, nullptr);
     layer.SetImage(MaskFromArt({"#"}), Qt::red);
@@ -227,12 +227,12 @@ void LayerTest::aPictureOfAnotherDepthGivesNoImage()
     QVERIFY(layer.Image().isNull());
 }
 
-void LayerTest::theImagesColourIsTakenOnlyWhileAWindowLives_data()
+void tst_Layer::TheImagesColourIsTakenOnlyWhileAWindowLives_data()
 {
     AddWindowOrNot();
 }
 
-void LayerTest::theImagesColourIsTakenOnlyWhileAWindowLives()
+void tst_Layer::TheImagesColourIsTakenOnlyWhileAWindowLives()
 {
     QFETCH(bool, isGuiRunning);
     const auto window = WindowIf(isGuiRunning);
@@ -243,12 +243,12 @@ void LayerTest::theImagesColourIsTakenOnlyWhileAWindowLives()
     QCOMPARE(DecorationOf(layer), isGuiRunning ? colour : QColor());
 }
 
-void LayerTest::aNewColourKeepsTheOpacity_data()
+void tst_Layer::ANewColourKeepsTheOpacity_data()
 {
     AddWindowOrNot();
 }
 
-void LayerTest::aNewColourKeepsTheOpacity()
+void tst_Layer::ANewColourKeepsTheOpacity()
 {
     QFETCH(bool, isGuiRunning);
     const auto window = WindowIf(isGuiRunning);
@@ -259,7 +259,7 @@ void LayerTest::aNewColourKeepsTheOpacity()
     QCOMPARE(DecorationOf(layer).rgba(), qRgba(1, 2, 3, 128));
 }
 
-void LayerTest::aNewOpacityKeepsTheColour_data()
+void tst_Layer::ANewOpacityKeepsTheColour_data()
 {
     QTest::addColumn<int>("opacity");
     QTest::newRow("0") << 0;
@@ -267,7 +267,7 @@ void LayerTest::aNewOpacityKeepsTheColour_data()
     QTest::newRow("255") << 255;
 }
 
-void LayerTest::aNewOpacityKeepsTheColour()
+void tst_Layer::ANewOpacityKeepsTheColour()
 {
     QFETCH(int, opacity);
     Layer layer(0, 0, nullptr);
@@ -277,7 +277,7 @@ void LayerTest::aNewOpacityKeepsTheColour()
     QCOMPARE(DecorationOf(layer).rgba(), qRgba(1, 2, 3, opacity));
 }
 
-void LayerTest::visibilityIsTheCheckState()
+void tst_Layer::VisibilityIsTheCheckState()
 {
     Layer layer(0, 0, nullptr);
     QCOMPARE(layer.checkState(), Qt::Unchecked);
@@ -289,7 +289,7 @@ void LayerTest::visibilityIsTheCheckState()
     QCOMPARE(layer.checkState(), Qt::Unchecked);
 }
 
-void LayerTest::flagsAreKept()
+void tst_Layer::FlagsAreKept()
 {
     Layer layer(1, 2, nullptr);
     layer.SetUsageFlags(0xFFFFFFFF);
@@ -298,7 +298,7 @@ void LayerTest::flagsAreKept()
     QCOMPARE(layer.ValueFlags(), 0x80000001U);
 }
 
-void LayerTest::thePictureIsOutOfDateWhenImageOrColourChange()
+void tst_Layer::ThePictureIsOutOfDateWhenImageOrColourChange()
 {
     LayerList list;
     Layer layer(0, 0, &list);
@@ -317,7 +317,7 @@ void LayerTest::thePictureIsOutOfDateWhenImageOrColourChange()
              "a change left the revision as it was");
 }
 
-void LayerTest::thePictureShowsTheMaskInTheOpaqueColour()
+void tst_Layer::ThePictureShowsTheMaskInTheOpaqueColour()
 {
     const QWidget window;
     Layer layer(0, 0, nullptr);
@@ -329,14 +329,14 @@ void LayerTest::thePictureShowsTheMaskInTheOpaqueColour()
     QCOMPARE(picture.pixel(2, 0), 0U);
 }
 
-void LayerTest::aBatchRunHasNoPicture()
+void tst_Layer::ABatchRunHasNoPicture()
 {
     Layer layer(0, 0, nullptr);
     layer.SetImage(MaskFromArt({"#.+"}), Qt::red);
     QVERIFY(layer.Pixmap().isNull());
 }
 
-void LayerTest::paintedPixelsOfTheColourBecomeTheMask()
+void tst_Layer::PaintedPixelsOfTheColourBecomeTheMask()
 {
     LayerList list;
     Layer layer(0, 0, &list);
@@ -352,7 +352,7 @@ void LayerTest::paintedPixelsOfTheColourBecomeTheMask()
     QCOMPARE(ArtFromMask(layer.Image()), QStringList{".#.#"});
 }
 
-void LayerTest::paintingOnALayerWithoutAListDoesNothing()
+void tst_Layer::PaintingOnALayerWithoutAListDoesNothing()
 {
     Layer layer(0, 0, nullptr);
     layer.SetImage(MaskFromArt({"##.."}), Qt::white);
@@ -364,14 +364,14 @@ void LayerTest::paintingOnALayerWithoutAListDoesNothing()
     QCOMPARE(layer.PictureRevision(), revision);
 }
 
-void LayerTest::aNullPaintedImageIsIgnored_data()
+void tst_Layer::ANullPaintedImageIsIgnored_data()
 {
     QTest::addColumn<QImage>("painted");
     QTest::newRow("null") << QImage();
     QTest::newRow("16 bits") << QImage(4, 1, QImage::Format_RGB16);
 }
 
-void LayerTest::aNullPaintedImageIsIgnored()
+void tst_Layer::ANullPaintedImageIsIgnored()
 {
     QFETCH(QImage, painted);
     LayerList list;
@@ -381,7 +381,7 @@ void LayerTest::aNullPaintedImageIsIgnored()
     QCOMPARE(ArtFromMask(layer.Image()), QStringList{"##.."});
 }
 
-void LayerTest::renamesToValidNamesAreTaken_data()
+void tst_Layer::RenamesToValidNamesAreTaken_data()
 {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("name");
@@ -399,7 +399,7 @@ void LayerTest::renamesToValidNamesAreTaken_data()
                                    << "coast";
 }
 
-void LayerTest::renamesToValidNamesAreTaken()
+void tst_Layer::RenamesToValidNamesAreTaken()
 {
     QFETCH(QString, typed);
     QFETCH(QString, name);
@@ -414,7 +414,7 @@ void LayerTest::renamesToValidNamesAreTaken()
     QCOMPARE(changeCount, name == "coast" ? 0 : 1);
 }
 
-void LayerTest::otherRolesAreKept()
+void tst_Layer::OtherRolesAreKept()
 {
     Layer layer(0, 0, nullptr, "coast");
     layer.setData("tip", Qt::ToolTipRole);
@@ -424,7 +424,7 @@ void LayerTest::otherRolesAreKept()
     QCOMPARE(layer.text(), QStringLiteral("coast"));
 }
 
-void LayerTest::theElementHoldsTheAttributesInOrder_data()
+void tst_Layer::TheElementHoldsTheAttributesInOrder_data()
 {
     QTest::addColumn<quint32>("usageFlags");
     QTest::addColumn<quint32>("valueFlags");
@@ -443,7 +443,7 @@ void LayerTest::theElementHoldsTheAttributesInOrder_data()
            "visible=\"1\"";
 }
 
-void LayerTest::theElementHoldsTheAttributesInOrder()
+void tst_Layer::TheElementHoldsTheAttributesInOrder()
 {
     QFETCH(quint32, usageFlags);
     QFETCH(quint32, valueFlags);
@@ -458,7 +458,7 @@ void LayerTest::theElementHoldsTheAttributesInOrder()
     QCOMPARE(Written(layer), QString("<layer %1 name=\"A &amp; B\"/>").arg(attributes));
 }
 
-void LayerTest::theBitmapIsSavedBeforeTheElementCloses()
+void tst_Layer::TheBitmapIsSavedBeforeTheElementCloses()
 {
     Layer layer(0, 0, nullptr, "coast");
     layer.SetImage(MaskFromArt({"#...."}), Qt::white);
@@ -474,7 +474,7 @@ void LayerTest::theBitmapIsSavedBeforeTheElementCloses()
     QVERIFY(text.endsWith("/>"));
 }
 
-void LayerTest::theBitmapIsSavedRunLengthCompressedUnderTheName()
+void tst_Layer::TheBitmapIsSavedRunLengthCompressedUnderTheName()
 {
     const QImage mask = MaskFromArt({"##..#", ".+..."});
     Layer layer(0, 0, nullptr, "North 100%1");
@@ -484,7 +484,7 @@ void LayerTest::theBitmapIsSavedRunLengthCompressedUnderTheName()
     QCOMPARE(m_log.Messages(), QStringList{"Success: Layer 'North 100%1' successfully saved."});
 }
 
-void LayerTest::theLayersFolderIsCreatedWhenMissing()
+void tst_Layer::TheLayersFolderIsCreatedWhenMissing()
 {
     Layer layer(0, 0, nullptr, "coast");
     layer.SetImage(MaskFromArt({"#"}), Qt::white);
@@ -494,7 +494,7 @@ void LayerTest::theLayersFolderIsCreatedWhenMissing()
     QVERIFY(QFile::exists(m_project->Path("layers/coast.tga")));
 }
 
-void LayerTest::aBitmapThatCannotBeSavedIsStillAnElement()
+void tst_Layer::ABitmapThatCannotBeSavedIsStillAnElement()
 {
     WriteBytes(m_project->Path("layers"), "a file where the folder should be");
     Layer layer(0, 0, nullptr, "coast");
@@ -504,13 +504,13 @@ void LayerTest::aBitmapThatCannotBeSavedIsStillAnElement()
     QCOMPARE(m_log.Messages(), QStringList{message.arg(m_project->Path("layers/coast.tga"))});
 }
 
-void LayerTest::aLayerWithoutAnImageIsNotSaved()
+void tst_Layer::ALayerWithoutAnImageIsNotSaved()
 {
     const Layer layer(0, 0, nullptr, "coast");
     QVERIFY(!layer.SaveBitmap());
     QCOMPARE(m_log.Messages(), QStringList{"Error: Only 8-bit indexed image format is supported."});
 }
 
-QTEST_MAIN(LayerTest)
+QTEST_MAIN(tst_Layer)
 
 #include "tst_Layer.moc"

@@ -11,7 +11,7 @@
 #include <QStandardItemModel>
 #include <QtTest>
 
-class LayerListTest : public QObject
+class tst_LayerList : public QObject
 {
     Q_OBJECT
 
@@ -19,23 +19,23 @@ private slots:
     void init();
     void cleanup();
 
-    void layersAreAppendedInOrder();
-    void layersWithoutAnImageAreRefused();
-    void aLayerInTheListIsNotAddedAgain();
-    void layersOfOthersAreRefused();
-    void removingALayerDestroysIt();
-    void clearingDestroysAllLayers();
-    void theListDestroysItsLayersAndThenItsModel();
-    void layersAreFoundById();
-    void theFirstLayerOfANameIsFound();
-    void visibleLayersAreCollected();
-    void hidingAllTellsNobody();
-    void flagsAreResetOnAllLayers();
-    void rowsThatAreNoLayersArePassedOver();
-    void theUsersCheckMarkShowsAndHides_data();
-    void theUsersCheckMarkShowsAndHides();
-    void otherChangesTellNobody();
-    void theModelStandsTheModelTest();
+    void LayersAreAppendedInOrder();
+    void LayersWithoutAnImageAreRefused();
+    void ALayerInTheListIsNotAddedAgain();
+    void LayersOfOthersAreRefused();
+    void RemovingALayerDestroysIt();
+    void ClearingDestroysAllLayers();
+    void TheListDestroysItsLayersAndThenItsModel();
+    void LayersAreFoundById();
+    void TheFirstLayerOfANameIsFound();
+    void VisibleLayersAreCollected();
+    void HidingAllTellsNobody();
+    void FlagsAreResetOnAllLayers();
+    void RowsThatAreNoLayersArePassedOver();
+    void TheUsersCheckMarkShowsAndHides_data();
+    void TheUsersCheckMarkShowsAndHides();
+    void OtherChangesTellNobody();
+    void TheModelStandsTheModelTest();
 
 private:
     std::unique_ptr<ProjectFixture> m_project;
@@ -79,17 +79,17 @@ private:
 
 } // namespace
 
-void LayerListTest::init()
+void tst_LayerList::init()
 {
     m_project = std::make_unique<ProjectFixture>(QSize(5, 2));
 }
 
-void LayerListTest::cleanup()
+void tst_LayerList::cleanup()
 {
     m_project.reset();
 }
 
-void LayerListTest::layersAreAppendedInOrder()
+void tst_LayerList::LayersAreAppendedInOrder()
 {
     LayerList layers;
     QVERIFY(layers.IsEmpty());
@@ -104,7 +104,7 @@ void LayerListTest::layersAreAppendedInOrder()
     QVERIFY(!layers.LayerAt(-1));
 }
 
-void LayerListTest::layersWithoutAnImageAreRefused()
+void tst_LayerList::LayersWithoutAnImageAreRefused()
 {
     LayerList layers;
     Layer layer(0, 0, &layers);
@@ -113,7 +113,7 @@ void LayerListTest::layersWithoutAnImageAreRefused()
     QVERIFY(layers.IsEmpty());
 }
 
-void LayerListTest::aLayerInTheListIsNotAddedAgain()
+void tst_LayerList::ALayerInTheListIsNotAddedAgain()
 {
     LayerList layers;
     Layer* coast = AddLayer(layers, "coast");
@@ -122,7 +122,7 @@ void LayerListTest::aLayerInTheListIsNotAddedAgain()
     QCOMPARE(NamesOf(layers), (QStringList{"coast", "town"}));
 }
 
-void LayerListTest::layersOfOthersAreRefused()
+void tst_LayerList::LayersOfOthersAreRefused()
 {
     LayerList layers;
     LayerList others;
@@ -139,7 +139,7 @@ void LayerListTest::layersOfOthersAreRefused()
     QVERIFY(layers.IsEmpty());
 }
 
-void LayerListTest::removingALayerDestroysIt()
+void tst_LayerList::RemovingALayerDestroysIt()
 {
     int destroyedCount = 0;
     LayerList layers;
@@ -156,7 +156,7 @@ void LayerListTest::removingALayerDestroysIt()
     QCOMPARE(NamesOf(layers), QStringList{"town"});
 }
 
-void LayerListTest::clearingDestroysAllLayers()
+void tst_LayerList::ClearingDestroysAllLayers()
 {
     int destroyedCount = 0;
     LayerList layers;
@@ -171,7 +171,7 @@ void LayerListTest::clearingDestroysAllLayers()
     QCOMPARE(NamesOf(layers), QStringList{"next"});
 }
 
-void LayerListTest::theListDestroysItsLayersAndThenItsModel()
+void tst_LayerList::TheListDestroysItsLayersAndThenItsModel()
 {
     int destroyedCount = 0;
     QPointer<QStandardItemModel> model;
@@ -187,7 +187,7 @@ void LayerListTest::theListDestroysItsLayersAndThenItsModel()
     QVERIFY(!model);
 }
 
-void LayerListTest::layersAreFoundById()
+void tst_LayerList::LayersAreFoundById()
 {
     LayerList layers;
     AddLayer(layers, "coast");
@@ -197,7 +197,7 @@ void LayerListTest::layersAreFoundById()
     QVERIFY(!layers.LayerById(-1));
 }
 
-void LayerListTest::theFirstLayerOfANameIsFound()
+void tst_LayerList::TheFirstLayerOfANameIsFound()
 {
     LayerList layers;
     const Layer* coast = AddLayer(layers, "coast");
@@ -210,7 +210,7 @@ void LayerListTest::theFirstLayerOfANameIsFound()
     QVERIFY(layers.LayerByName("coast") != coast);
 }
 
-void LayerListTest::visibleLayersAreCollected()
+void tst_LayerList::VisibleLayersAreCollected()
 {
     LayerList layers;
     Layer* coast = AddLayer(layers, "coast");
@@ -224,7 +224,7 @@ void LayerListTest::visibleLayersAreCollected()
              (QHash<int, Layer*>{{-1, nullptr}, {coast->Id(), coast}, {roads->Id(), roads}}));
 }
 
-void LayerListTest::hidingAllTellsNobody()
+void tst_LayerList::HidingAllTellsNobody()
 {
     LayerList layers;
     for (const char* name : {"coast", "town", "roads"}) {
@@ -239,7 +239,7 @@ void LayerListTest::hidingAllTellsNobody()
     QCOMPARE(changes.Layers(), QVector<Layer*>());
 }
 
-void LayerListTest::flagsAreResetOnAllLayers()
+void tst_LayerList::FlagsAreResetOnAllLayers()
 {
     LayerList layers;
     AddLayer(layers, "coast");
@@ -252,7 +252,7 @@ void LayerListTest::flagsAreResetOnAllLayers()
     }
 }
 
-void LayerListTest::rowsThatAreNoLayersArePassedOver()
+void tst_LayerList::RowsThatAreNoLayersArePassedOver()
 {
     LayerList layers;
     layers.model()->appendRow(new QStandardItem("no layer"));
@@ -270,7 +270,7 @@ void LayerListTest::rowsThatAreNoLayersArePassedOver()
     QCOMPARE(layers.model()->rowCount(), 2);
 }
 
-void LayerListTest::theUsersCheckMarkShowsAndHides_data()
+void tst_LayerList::TheUsersCheckMarkShowsAndHides_data()
 {
     QTest::addColumn<bool>("isVisible");
     QTest::addColumn<Qt::CheckState>("checkState");
@@ -282,7 +282,7 @@ void LayerListTest::theUsersCheckMarkShowsAndHides_data()
     QTest::newRow("half is not shown") << true << Qt::PartiallyChecked << 1;
 }
 
-void LayerListTest::theUsersCheckMarkShowsAndHides()
+void tst_LayerList::TheUsersCheckMarkShowsAndHides()
 {
     QFETCH(bool, isVisible);
     QFETCH(Qt::CheckState, checkState);
@@ -297,7 +297,7 @@ void LayerListTest::theUsersCheckMarkShowsAndHides()
     QCOMPARE(changes.Layers(), QVector<Layer*>(changeCount, layer));
 }
 
-void LayerListTest::otherChangesTellNobody()
+void tst_LayerList::OtherChangesTellNobody()
 {
     LayerList layers;
     Layer* layer = AddLayer(layers, "coast");
@@ -310,7 +310,7 @@ void LayerListTest::otherChangesTellNobody()
     QCOMPARE(changes.Layers(), QVector<Layer*>());
 }
 
-void LayerListTest::theModelStandsTheModelTest()
+void tst_LayerList::TheModelStandsTheModelTest()
 {
     const QWidget window;
     LayerList layers;
@@ -322,6 +322,6 @@ void LayerListTest::theModelStandsTheModelTest()
     AddLayer(layers, "roads");
 }
 
-QTEST_MAIN(LayerListTest)
+QTEST_MAIN(tst_LayerList)
 
 #include "tst_LayerList.moc"

@@ -15,7 +15,7 @@
 #include <QXmlStreamReader>
 #include <QtTest>
 
-class LayerListXmlTest : public QObject
+class tst_LayerListXml : public QObject
 {
     Q_OBJECT
 
@@ -23,31 +23,31 @@ private slots:
     void init();
     void cleanup();
 
-    void anEmptyListWritesNothing();
-    void layersAreWrittenInRowOrder();
-    void whatIsWrittenIsReadBackTheSame_data();
-    void whatIsWrittenIsReadBackTheSame();
-    void layersOfOneNameAreRenamedForSaving();
-    void namesThatAreNoFileNamesAreReplacedForSaving();
-    void aFullDiskIsAnErrorAndTheElementsAreWritten();
-    void aListThatIsClearedWhileItIsSavedEndsThere();
+    void AnEmptyListWritesNothing();
+    void LayersAreWrittenInRowOrder();
+    void WhatIsWrittenIsReadBackTheSame_data();
+    void WhatIsWrittenIsReadBackTheSame();
+    void LayersOfOneNameAreRenamedForSaving();
+    void NamesThatAreNoFileNamesAreReplacedForSaving();
+    void AFullDiskIsAnErrorAndTheElementsAreWritten();
+    void AListThatIsClearedWhileItIsSavedEndsThere();
 
-    void attributesHaveDefaults_data();
-    void attributesHaveDefaults();
-    void aBatchRunLeavesTheColourWhite();
-    void loadingIsAnnouncedWithTheName();
-    void aMissingBitmapDropsTheLayerSilently();
-    void aBitmapOfAnotherSizeDropsTheLayer();
-    void layersOfOneNameReadTheSameBitmap();
-    void bitmapsOutsideTheProjectAreNotRead_data();
-    void bitmapsOutsideTheProjectAreNotRead();
-    void malformedListsAreReadUpToTheFault_data();
-    void malformedListsAreReadUpToTheFault();
-    void readingStopsAtTheEndOfTheList();
-    void readingAtTheEndOfTheDocumentDoesNothing();
-    void nestedLayersAreReadOnce();
-    void readingAppendsToTheList();
-    void aListThatIsClearedWhileItIsReadGoesOn();
+    void AttributesHaveDefaults_data();
+    void AttributesHaveDefaults();
+    void ABatchRunLeavesTheColourWhite();
+    void LoadingIsAnnouncedWithTheName();
+    void AMissingBitmapDropsTheLayerSilently();
+    void ABitmapOfAnotherSizeDropsTheLayer();
+    void LayersOfOneNameReadTheSameBitmap();
+    void BitmapsOutsideTheProjectAreNotRead_data();
+    void BitmapsOutsideTheProjectAreNotRead();
+    void MalformedListsAreReadUpToTheFault_data();
+    void MalformedListsAreReadUpToTheFault();
+    void ReadingStopsAtTheEndOfTheList();
+    void ReadingAtTheEndOfTheDocumentDoesNothing();
+    void NestedLayersAreReadOnce();
+    void ReadingAppendsToTheList();
+    void AListThatIsClearedWhileItIsReadGoesOn();
 
 private:
     std::unique_ptr<ProjectFixture> m_project;
@@ -66,7 +66,7 @@ bool Read(LayerList& layers, const QString& document)
 
 } // namespace
 
-void LayerListXmlTest::init()
+void tst_LayerListXml::init()
 {
     m_project = std::make_unique<ProjectFixture>(QSize(5, 2));
     for (const char* path : {"layers/coast.tga", "layers/town.tga"}) {
@@ -76,19 +76,19 @@ void LayerListXmlTest::init()
     m_log.Take();
 }
 
-void LayerListXmlTest::cleanup()
+void tst_LayerListXml::cleanup()
 {
     m_project.reset();
 }
 
-void LayerListXmlTest::anEmptyListWritesNothing()
+void tst_LayerListXml::AnEmptyListWritesNothing()
 {
     LayerList layers;
     QCOMPARE(WrittenLayers(layers), QString());
     QCOMPARE(m_log.Messages(), QStringList());
 }
 
-void LayerListXmlTest::layersAreWrittenInRowOrder()
+void tst_LayerListXml::LayersAreWrittenInRowOrder()
 {
     LayerList layers;
     AddLayer(layers, "town");
@@ -102,14 +102,14 @@ void LayerListXmlTest::layersAreWrittenInRowOrder()
                                             "Success: Layer 'town' successfully saved."}));
 }
 
-void LayerListXmlTest::whatIsWrittenIsReadBackTheSame_data()
+void tst_LayerListXml::WhatIsWrittenIsReadBackTheSame_data()
 {
     QTest::addColumn<bool>("isGuiRunning");
     QTest::newRow("without a window") << false;
     QTest::newRow("with a window") << true;
 }
 
-void LayerListXmlTest::whatIsWrittenIsReadBackTheSame()
+void tst_LayerListXml::WhatIsWrittenIsReadBackTheSame()
 {
     QFETCH(bool, isGuiRunning);
     const auto window = isGuiRunning ? std::make_unique<QWidget>() : nullptr;
@@ -139,7 +139,7 @@ void LayerListXmlTest::whatIsWrittenIsReadBackTheSame()
     QCOMPARE(WrittenLayers(read), document);
 }
 
-void LayerListXmlTest::layersOfOneNameAreRenamedForSaving()
+void tst_LayerListXml::LayersOfOneNameAreRenamedForSaving()
 {
     LayerList layers;
     AddLayer(layers, "coast", {"#....", "....."});
@@ -159,7 +159,7 @@ void LayerListXmlTest::layersOfOneNameAreRenamedForSaving()
     }
 }
 
-void LayerListXmlTest::namesThatAreNoFileNamesAreReplacedForSaving()
+void tst_LayerListXml::NamesThatAreNoFileNamesAreReplacedForSaving()
 {
     LayerList layers;
     for (const char* name : {"../coast", "", "  ", ".._coast", "a/b%1"}) {
@@ -176,7 +176,7 @@ void LayerListXmlTest::namesThatAreNoFileNamesAreReplacedForSaving()
     QVERIFY(!QFile::exists(m_project->Path("coast.tga")));
 }
 
-void LayerListXmlTest::aFullDiskIsAnErrorAndTheElementsAreWritten()
+void tst_LayerListXml::AFullDiskIsAnErrorAndTheElementsAreWritten()
 {
     LayerList layers;
     AddLayer(layers, "coast");
@@ -192,7 +192,7 @@ void LayerListXmlTest::aFullDiskIsAnErrorAndTheElementsAreWritten()
                                             message.arg(m_project->Path("layers/town.tga"))}));
 }
 
-void LayerListXmlTest::aListThatIsClearedWhileItIsSavedEndsThere()
+void tst_LayerListXml::AListThatIsClearedWhileItIsSavedEndsThere()
 {
     // While a message is shown, the user can act and even close the project.
     LayerList layers;
@@ -206,7 +206,7 @@ void LayerListXmlTest::aListThatIsClearedWhileItIsSavedEndsThere()
     QCOMPARE(m_log.Messages(), QStringList{"Success: Layer 'coast' successfully saved."});
 }
 
-void LayerListXmlTest::attributesHaveDefaults_data()
+void tst_LayerListXml::AttributesHaveDefaults_data()
 {
     QTest::addColumn<QString>("attributes");
     QTest::addColumn<quint32>("usageFlags");
@@ -228,7 +228,7 @@ void LayerListXmlTest::attributesHaveDefaults_data()
     QTest::newRow("visible -1") << "visible='-1'" << 0U << 0U << 0xFFFFFFFFU << false;
 }
 
-void LayerListXmlTest::attributesHaveDefaults()
+void tst_LayerListXml::AttributesHaveDefaults()
 {
     QFETCH(QString, attributes);
     const QWidget window;
@@ -245,7 +245,7 @@ void LayerListXmlTest::attributesHaveDefaults()
     QCOMPARE(ArtFromMask(layer->Image()), (QStringList{"##...", "..#.."}));
 }
 
-void LayerListXmlTest::aBatchRunLeavesTheColourWhite()
+void tst_LayerListXml::ABatchRunLeavesTheColourWhite()
 {
     LayerList layers;
     QVERIFY(Read(layers, "<layers><layer name='coast' color='4294901760' visible='1'/></layers>"));
@@ -254,7 +254,7 @@ void LayerListXmlTest::aBatchRunLeavesTheColourWhite()
     QVERIFY(layers.LayerAt(0)->Pixmap().isNull());
 }
 
-void LayerListXmlTest::loadingIsAnnouncedWithTheName()
+void tst_LayerListXml::LoadingIsAnnouncedWithTheName()
 {
     LayerList layers;
     QVERIFY(Read(layers, "<layers><layer name='coast'/><layer name='%1'/><layer/></layers>"));
@@ -263,7 +263,7 @@ void LayerListXmlTest::loadingIsAnnouncedWithTheName()
                           "Info: Loading layer \"\"..."}));
 }
 
-void LayerListXmlTest::aMissingBitmapDropsTheLayerSilently()
+void tst_LayerListXml::AMissingBitmapDropsTheLayerSilently()
 {
     LayerList layers;
     QVERIFY(Read(layers, "<layers><layer name='missing'/><layer name='town'/></layers>"));
@@ -272,7 +272,7 @@ void LayerListXmlTest::aMissingBitmapDropsTheLayerSilently()
                                             "Info: Loading layer \"town\"..."}));
 }
 
-void LayerListXmlTest::aBitmapOfAnotherSizeDropsTheLayer()
+void tst_LayerListXml::ABitmapOfAnotherSizeDropsTheLayer()
 {
     ProjectSettings::Instance().SetSizes(2048, 2048, 15360, 15360);
     WriteBytes(m_project->Path("layers/small.tga"),
@@ -284,7 +284,7 @@ void LayerListXmlTest::aBitmapOfAnotherSizeDropsTheLayer()
                                             "Error: TARGA : Wrong size of the image."}));
 }
 
-void LayerListXmlTest::layersOfOneNameReadTheSameBitmap()
+void tst_LayerListXml::LayersOfOneNameReadTheSameBitmap()
 {
     LayerList layers;
     QVERIFY(Read(layers, "<layers><layer name='coast'/><layer name='coast'/></layers>"));
@@ -293,7 +293,7 @@ void LayerListXmlTest::layersOfOneNameReadTheSameBitmap()
     QVERIFY(layers.LayerAt(0)->Id() != layers.LayerAt(1)->Id());
 }
 
-void LayerListXmlTest::bitmapsOutsideTheProjectAreNotRead_data()
+void tst_LayerListXml::BitmapsOutsideTheProjectAreNotRead_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("isRead");
@@ -306,7 +306,7 @@ void LayerListXmlTest::bitmapsOutsideTheProjectAreNotRead_data()
     QTest::newRow("in a linked folder") << "linked/coast" << true;
 }
 
-void LayerListXmlTest::bitmapsOutsideTheProjectAreNotRead()
+void tst_LayerListXml::BitmapsOutsideTheProjectAreNotRead()
 {
     QFETCH(QString, name);
     QFETCH(bool, isRead);
@@ -328,7 +328,7 @@ void LayerListXmlTest::bitmapsOutsideTheProjectAreNotRead()
     QCOMPARE(m_log.Messages(), messages);
 }
 
-void LayerListXmlTest::malformedListsAreReadUpToTheFault_data()
+void tst_LayerListXml::MalformedListsAreReadUpToTheFault_data()
 {
     QTest::addColumn<QString>("document");
     QTest::addColumn<QStringList>("names");
@@ -340,7 +340,7 @@ void LayerListXmlTest::malformedListsAreReadUpToTheFault_data()
     QTest::newRow("wrong end") << "<layers><layer name='coast'></layers>" << QStringList();
 }
 
-void LayerListXmlTest::malformedListsAreReadUpToTheFault()
+void tst_LayerListXml::MalformedListsAreReadUpToTheFault()
 {
     QFETCH(QString, document);
     QFETCH(QStringList, names);
@@ -349,7 +349,7 @@ void LayerListXmlTest::malformedListsAreReadUpToTheFault()
     QCOMPARE(NamesOf(layers), names);
 }
 
-void LayerListXmlTest::readingStopsAtTheEndOfTheList()
+void tst_LayerListXml::ReadingStopsAtTheEndOfTheList()
 {
     QXmlStreamReader xml(
         "<r><layers><x><layer name='coast'/></x></layers><layer name='town'/></r>");
@@ -362,7 +362,7 @@ void LayerListXmlTest::readingStopsAtTheEndOfTheList()
     QCOMPARE(xml.name().toString(), QStringLiteral("layers"));
 }
 
-void LayerListXmlTest::readingAtTheEndOfTheDocumentDoesNothing()
+void tst_LayerListXml::ReadingAtTheEndOfTheDocumentDoesNothing()
 {
     for (const bool isWhole : {true, false}) {
         QXmlStreamReader xml(QString(isWhole ? "<layers/>" : "<layers"));
@@ -375,7 +375,7 @@ void LayerListXmlTest::readingAtTheEndOfTheDocumentDoesNothing()
     }
 }
 
-void LayerListXmlTest::nestedLayersAreReadOnce()
+void tst_LayerListXml::NestedLayersAreReadOnce()
 {
     // The inner layer replaces the outer one, and the outer end tag closes nothing.
     LayerList layers;
@@ -384,7 +384,7 @@ void LayerListXmlTest::nestedLayersAreReadOnce()
     QCOMPARE(NamesOf(layers), QStringList{"town"});
 }
 
-void LayerListXmlTest::readingAppendsToTheList()
+void tst_LayerListXml::ReadingAppendsToTheList()
 {
     LayerList layers;
     AddLayer(layers, "former");
@@ -392,7 +392,7 @@ void LayerListXmlTest::readingAppendsToTheList()
     QCOMPARE(NamesOf(layers), (QStringList{"former", "coast"}));
 }
 
-void LayerListXmlTest::aListThatIsClearedWhileItIsReadGoesOn()
+void tst_LayerListXml::AListThatIsClearedWhileItIsReadGoesOn()
 {
     LayerList layers;
     AddLayer(layers, "former");
@@ -402,6 +402,6 @@ void LayerListXmlTest::aListThatIsClearedWhileItIsReadGoesOn()
     QCOMPARE(NamesOf(layers), QStringList{"town"});
 }
 
-QTEST_MAIN(LayerListXmlTest)
+QTEST_MAIN(tst_LayerListXml)
 
 #include "tst_LayerListXml.moc"

@@ -13,7 +13,7 @@
 
 #include <QtTest>
 
-class TargaTest : public QObject
+class tst_Targa : public QObject
 {
     Q_OBJECT
 
@@ -21,34 +21,34 @@ private slots:
     void init();
     void cleanup();
 
-    void savedMasksLoadTheSame_data();
-    void savedMasksLoadTheSame();
-    void filesHoldWhatTheLiteralWriterWrites_data();
-    void filesHoldWhatTheLiteralWriterWrites();
-    void anOldFileIsReplaced();
-    void withoutAFileNameNothingIsSaved();
-    void onlyIndexedImagesAreSaved_data();
-    void onlyIndexedImagesAreSaved();
-    void sidesThatDoNotFitTheHeaderAreRefused_data();
-    void sidesThatDoNotFitTheHeaderAreRefused();
-    void aFileThatCannotBeOpenedIsAnError();
-    void aFullDiskLeavesTheOldFile_data();
-    void aFullDiskLeavesTheOldFile();
-    void aFullDeviceIsAnError();
-    void aFileThatCannotBePutInPlaceIsAnError();
-    void messagesShowNamesWithPlaceholdersAsTheyAre();
+    void SavedMasksLoadTheSame_data();
+    void SavedMasksLoadTheSame();
+    void FilesHoldWhatTheLiteralWriterWrites_data();
+    void FilesHoldWhatTheLiteralWriterWrites();
+    void AnOldFileIsReplaced();
+    void WithoutAFileNameNothingIsSaved();
+    void OnlyIndexedImagesAreSaved_data();
+    void OnlyIndexedImagesAreSaved();
+    void SidesThatDoNotFitTheHeaderAreRefused_data();
+    void SidesThatDoNotFitTheHeaderAreRefused();
+    void AFileThatCannotBeOpenedIsAnError();
+    void AFullDiskLeavesTheOldFile_data();
+    void AFullDiskLeavesTheOldFile();
+    void AFullDeviceIsAnError();
+    void AFileThatCannotBePutInPlaceIsAnError();
+    void MessagesShowNamesWithPlaceholdersAsTheyAre();
 
-    void whatCannotBeOpenedIsSilentlyNoMask_data();
-    void whatCannotBeOpenedIsSilentlyNoMask();
-    void refusedFilesLogWhy_data();
-    void refusedFilesLogWhy();
-    void theSizeIsTheProjects();
-    void layerSizesOfNothingGiveNoMask_data();
-    void layerSizesOfNothingGiveNoMask();
-    void filesThatEndEarlyAreRead();
-    void trailingBytesAreIgnored();
-    void aFileThatPretendsToBeHugeIsAnError();
-    void aRefusedFileIsNotReadAsAWhole();
+    void WhatCannotBeOpenedIsSilentlyNoMask_data();
+    void WhatCannotBeOpenedIsSilentlyNoMask();
+    void RefusedFilesLogWhy_data();
+    void RefusedFilesLogWhy();
+    void TheSizeIsTheProjects();
+    void LayerSizesOfNothingGiveNoMask_data();
+    void LayerSizesOfNothingGiveNoMask();
+    void FilesThatEndEarlyAreRead();
+    void TrailingBytesAreIgnored();
+    void AFileThatPretendsToBeHugeIsAnError();
+    void ARefusedFileIsNotReadAsAWhole();
 
 private:
     QString File() const { return m_project->Path("mask.tga"); }
@@ -70,18 +70,18 @@ void WriteSparseTarga(const QString& path, QSize size)
 
 } // namespace
 
-void TargaTest::init()
+void tst_Targa::init()
 {
     m_project = std::make_unique<ProjectFixture>(QSize(5, 3));
     m_log.Take();
 }
 
-void TargaTest::cleanup()
+void tst_Targa::cleanup()
 {
     m_project.reset();
 }
 
-void TargaTest::savedMasksLoadTheSame_data()
+void tst_Targa::SavedMasksLoadTheSame_data()
 {
     QTest::addColumn<bool>("compressed");
     QTest::addColumn<QSize>("size");
@@ -92,7 +92,7 @@ void TargaTest::savedMasksLoadTheSame_data()
     }
 }
 
-void TargaTest::savedMasksLoadTheSame()
+void tst_Targa::SavedMasksLoadTheSame()
 {
     QFETCH(bool, compressed);
     QFETCH(QSize, size);
@@ -107,14 +107,14 @@ void TargaTest::savedMasksLoadTheSame()
     QCOMPARE(m_log.Messages(), QStringList());
 }
 
-void TargaTest::filesHoldWhatTheLiteralWriterWrites_data()
+void tst_Targa::FilesHoldWhatTheLiteralWriterWrites_data()
 {
     QTest::addColumn<bool>("compressed");
     QTest::newRow("raw") << false;
     QTest::newRow("run-length") << true;
 }
 
-void TargaTest::filesHoldWhatTheLiteralWriterWrites()
+void tst_Targa::FilesHoldWhatTheLiteralWriterWrites()
 {
     QFETCH(bool, compressed);
     const QImage mask = MaskFromArt({"##..#", "#+.#.", "....."});
@@ -122,7 +122,7 @@ void TargaTest::filesHoldWhatTheLiteralWriterWrites()
     QCOMPARE(ReadBytes(File()).toHex(), literal::WriteTarga(mask, compressed).toHex());
 }
 
-void TargaTest::anOldFileIsReplaced()
+void tst_Targa::AnOldFileIsReplaced()
 {
     WriteBytes(File(), QByteArray(10000, 'x'));
     const QImage mask = MaskFromArt({"##..#", "#..#.", "....."});
@@ -130,13 +130,13 @@ void TargaTest::anOldFileIsReplaced()
     QCOMPARE(ReadBytes(File()), literal::WriteTarga(mask, true));
 }
 
-void TargaTest::withoutAFileNameNothingIsSaved()
+void tst_Targa::WithoutAFileNameNothingIsSaved()
 {
     QVERIFY(!SaveTarga(QString(), raster::BlankMask({5, 3}), true));
     QCOMPARE(m_log.Messages(), QStringList{"Error: Please specify a filename."});
 }
 
-void TargaTest::onlyIndexedImagesAreSaved_data()
+void tst_Targa::OnlyIndexedImagesAreSaved_data()
 {
     QTest::addColumn<QImage>("image");
     QTest::newRow("32 bits") << QImage(5, 3, QImage::Format_ARGB32_Premultiplied);
@@ -145,7 +145,7 @@ void TargaTest::onlyIndexedImagesAreSaved_data()
     QTest::newRow("null") << QImage();
 }
 
-void TargaTest::onlyIndexedImagesAreSaved()
+void tst_Targa::OnlyIndexedImagesAreSaved()
 {
     QFETCH(QImage, image);
     QVERIFY(!SaveTarga(File(), image, true));
@@ -153,7 +153,7 @@ void TargaTest::onlyIndexedImagesAreSaved()
     QVERIFY(!QFile::exists(File()));
 }
 
-void TargaTest::sidesThatDoNotFitTheHeaderAreRefused_data()
+void tst_Targa::SidesThatDoNotFitTheHeaderAreRefused_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<QString>("message");
@@ -164,7 +164,7 @@ void TargaTest::sidesThatDoNotFitTheHeaderAreRefused_data()
     QTest::newRow("too high") << QSize(1, 65536) << message.arg("1x65536");
 }
 
-void TargaTest::sidesThatDoNotFitTheHeaderAreRefused()
+void tst_Targa::SidesThatDoNotFitTheHeaderAreRefused()
 {
     QFETCH(QSize, size);
     QFETCH(QString, message);
@@ -175,7 +175,7 @@ void TargaTest::sidesThatDoNotFitTheHeaderAreRefused()
     QCOMPARE(QFile::exists(File()), message.isEmpty());
 }
 
-void TargaTest::aFileThatCannotBeOpenedIsAnError()
+void tst_Targa::AFileThatCannotBeOpenedIsAnError()
 {
     const QString path = m_project->Path("missing/mask.tga");
     QVERIFY(!SaveTarga(path, raster::BlankMask({5, 3}), true));
@@ -186,7 +186,7 @@ void TargaTest::aFileThatCannotBeOpenedIsAnError()
              QStringList{"Error: File " + folder + " cannot be opened for writting."});
 }
 
-void TargaTest::aFullDiskLeavesTheOldFile_data()
+void tst_Targa::AFullDiskLeavesTheOldFile_data()
 {
     QTest::addColumn<int>("room");
     QTest::addColumn<bool>("compressed");
@@ -196,7 +196,7 @@ void TargaTest::aFullDiskLeavesTheOldFile_data()
     }
 }
 
-void TargaTest::aFullDiskLeavesTheOldFile()
+void tst_Targa::AFullDiskLeavesTheOldFile()
 {
     QFETCH(int, room);
     QFETCH(bool, compressed);
@@ -216,7 +216,7 @@ void TargaTest::aFullDiskLeavesTheOldFile()
     QCOMPARE(ReadBytes(File()), QByteArray("old"));
 }
 
-void TargaTest::aFullDeviceIsAnError()
+void tst_Targa::AFullDeviceIsAnError()
 {
     QVERIFY(!SaveTarga("/dev/full", raster::BlankMask({5, 3}), true));
     QCOMPARE(m_log.Messages(),
@@ -224,7 +224,7 @@ void TargaTest::aFullDeviceIsAnError()
     QVERIFY(!QFileInfo("/dev/full").isFile());
 }
 
-void TargaTest::aFileThatCannotBePutInPlaceIsAnError()
+void tst_Targa::AFileThatCannotBePutInPlaceIsAnError()
 {
     WriteBytes(File(), "old");
     {
@@ -236,7 +236,7 @@ void TargaTest::aFileThatCannotBePutInPlaceIsAnError()
     QCOMPARE(ReadBytes(File()), QByteArray("old"));
 }
 
-void TargaTest::messagesShowNamesWithPlaceholdersAsTheyAre()
+void tst_Targa::MessagesShowNamesWithPlaceholdersAsTheyAre()
 {
     const QString path = m_project->Path("%1 %2 %L3/mask.tga");
     QVERIFY(!SaveTarga(path, raster::BlankMask({5, 3}), true));
@@ -247,7 +247,7 @@ void TargaTest::messagesShowNamesWithPlaceholdersAsTheyAre()
              QStringList{"Error: An image of 65536x1 pixels is too large for file " + path + "."});
 }
 
-void TargaTest::whatCannotBeOpenedIsSilentlyNoMask_data()
+void tst_Targa::WhatCannotBeOpenedIsSilentlyNoMask_data()
 {
     QTest::addColumn<QString>("path");
     QTest::newRow("empty") << QString();
@@ -256,14 +256,14 @@ void TargaTest::whatCannotBeOpenedIsSilentlyNoMask_data()
     QTest::newRow("endless device") << "/dev/zero";
 }
 
-void TargaTest::whatCannotBeOpenedIsSilentlyNoMask()
+void tst_Targa::WhatCannotBeOpenedIsSilentlyNoMask()
 {
     QFETCH(QString, path);
     QVERIFY(LoadTarga(path).isNull());
     QCOMPARE(m_log.Messages(), QStringList());
 }
 
-void TargaTest::refusedFilesLogWhy_data()
+void tst_Targa::RefusedFilesLogWhy_data()
 {
     QTest::addColumn<QByteArray>("file");
     QTest::addColumn<QString>("message");
@@ -286,7 +286,7 @@ void TargaTest::refusedFilesLogWhy_data()
     QTest::newRow("another height") << literal::WriteTarga(raster::BlankMask({5, 4}), true) << size;
 }
 
-void TargaTest::refusedFilesLogWhy()
+void tst_Targa::RefusedFilesLogWhy()
 {
     QFETCH(QByteArray, file);
     QFETCH(QString, message);
@@ -295,7 +295,7 @@ void TargaTest::refusedFilesLogWhy()
     QCOMPARE(m_log.Messages(), QStringList{message});
 }
 
-void TargaTest::theSizeIsTheProjects()
+void tst_Targa::TheSizeIsTheProjects()
 {
     WriteBytes(File(), literal::WriteTarga(raster::BlankMask({7, 2}), true));
     QVERIFY(LoadTarga(File()).isNull());
@@ -303,7 +303,7 @@ void TargaTest::theSizeIsTheProjects()
     QCOMPARE(LoadTarga(File()).size(), QSize(7, 2));
 }
 
-void TargaTest::layerSizesOfNothingGiveNoMask_data()
+void tst_Targa::LayerSizesOfNothingGiveNoMask_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<QStringList>("messages");
@@ -314,7 +314,7 @@ void TargaTest::layerSizesOfNothingGiveNoMask_data()
     QTest::newRow("largest integer") << QSize(2147483647, 2147483647) << wrongSize;
 }
 
-void TargaTest::layerSizesOfNothingGiveNoMask()
+void tst_Targa::LayerSizesOfNothingGiveNoMask()
 {
     QFETCH(QSize, size);
     QFETCH(QStringList, messages);
@@ -326,7 +326,7 @@ void TargaTest::layerSizesOfNothingGiveNoMask()
     QCOMPARE(m_log.Messages(), messages);
 }
 
-void TargaTest::filesThatEndEarlyAreRead()
+void tst_Targa::FilesThatEndEarlyAreRead()
 {
     const QImage mask = MaskFromArt({"##..#", "#+.#.", "###.."});
     for (const bool compressed : {false, true}) {
@@ -339,14 +339,14 @@ void TargaTest::filesThatEndEarlyAreRead()
     QCOMPARE(m_log.Messages(), QStringList());
 }
 
-void TargaTest::trailingBytesAreIgnored()
+void tst_Targa::TrailingBytesAreIgnored()
 {
     const QImage mask = MaskFromArt({"##..#", "#+.#.", "###.."});
     WriteBytes(File(), literal::WriteTarga(mask, true) + QByteArray(1000, '\x55'));
     QCOMPARE(LoadTarga(File()), mask);
 }
 
-void TargaTest::aFileThatPretendsToBeHugeIsAnError()
+void tst_Targa::AFileThatPretendsToBeHugeIsAnError()
 {
     WriteSparseTarga(File(), {65535, 65535});
     ProjectSettings::Instance().SetSizes(65535, 65535, 100, 100);
@@ -356,7 +356,7 @@ void TargaTest::aFileThatPretendsToBeHugeIsAnError()
              QStringList{"Error: TARGA : Not enough memory for 65535x65535 pixels."});
 }
 
-void TargaTest::aRefusedFileIsNotReadAsAWhole()
+void tst_Targa::ARefusedFileIsNotReadAsAWhole()
 {
     WriteSparseTarga(File(), {65535, 65534});
     ProjectSettings::Instance().SetSizes(65535, 65535, 100, 100);
@@ -365,6 +365,6 @@ void TargaTest::aRefusedFileIsNotReadAsAWhole()
     QCOMPARE(m_log.Messages(), QStringList{"Error: TARGA : Wrong size of the image."});
 }
 
-QTEST_GUILESS_MAIN(TargaTest)
+QTEST_GUILESS_MAIN(tst_Targa)
 
 #include "tst_Targa.moc"

@@ -8,16 +8,16 @@
 #include <QtTest>
 
 /// Opens the files that we write in other programs.
-class TargaInOtherProgramsTest : public QObject
+class tst_TargaInOtherPrograms : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void imageMagickReadsTheSamePixels_data();
-    void imageMagickReadsTheSamePixels();
-    void imageMagickKnowsWhatItReads();
-    void pillowReadsTheSamePixels_data();
-    void pillowReadsTheSamePixels();
+    void ImageMagickReadsTheSamePixels_data();
+    void ImageMagickReadsTheSamePixels();
+    void ImageMagickKnowsWhatItReads();
+    void PillowReadsTheSamePixels_data();
+    void PillowReadsTheSamePixels();
 };
 
 namespace {
@@ -57,7 +57,7 @@ QImage MaskWithoutRunsAcrossRowEnds()
 
 } // namespace
 
-void TargaInOtherProgramsTest::imageMagickReadsTheSamePixels_data()
+void tst_TargaInOtherPrograms::ImageMagickReadsTheSamePixels_data()
 {
     QTest::addColumn<bool>("compressed");
     QTest::addColumn<QSize>("size");
@@ -68,7 +68,7 @@ void TargaInOtherProgramsTest::imageMagickReadsTheSamePixels_data()
     }
 }
 
-void TargaInOtherProgramsTest::imageMagickReadsTheSamePixels()
+void tst_TargaInOtherPrograms::ImageMagickReadsTheSamePixels()
 {
     QFETCH(bool, compressed);
     QFETCH(QSize, size);
@@ -82,7 +82,7 @@ void TargaInOtherProgramsTest::imageMagickReadsTheSamePixels()
     QCOMPARE(pixels.bytes.toHex(), Indices(mask).toHex());
 }
 
-void TargaInOtherProgramsTest::imageMagickKnowsWhatItReads()
+void tst_TargaInOtherPrograms::ImageMagickKnowsWhatItReads()
 {
     const ProjectFixture project;
     const QString path = project.Path("mask.tga");
@@ -92,14 +92,14 @@ void TargaInOtherProgramsTest::imageMagickKnowsWhatItReads()
     QCOMPARE(description.bytes, QByteArray("TGA 5x2 8 TopLeft"));
 }
 
-void TargaInOtherProgramsTest::pillowReadsTheSamePixels_data()
+void tst_TargaInOtherPrograms::PillowReadsTheSamePixels_data()
 {
     QTest::addColumn<bool>("compressed");
     QTest::newRow("raw") << false;
     QTest::newRow("run-length") << true;
 }
 
-void TargaInOtherProgramsTest::pillowReadsTheSamePixels()
+void tst_TargaInOtherPrograms::PillowReadsTheSamePixels()
 {
     QFETCH(bool, compressed);
     const QString python = QUILLMAP_PYTHON_WITH_PILLOW;
@@ -116,6 +116,6 @@ void TargaInOtherProgramsTest::pillowReadsTheSamePixels()
     QCOMPARE(pixels.bytes.toHex(), Indices(mask).toHex());
 }
 
-QTEST_GUILESS_MAIN(TargaInOtherProgramsTest)
+QTEST_GUILESS_MAIN(tst_TargaInOtherPrograms)
 
 #include "tst_TargaInOtherPrograms.moc"

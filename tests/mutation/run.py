@@ -20,7 +20,7 @@ from mutations import Mutation, mutations
 ROOT = Path(__file__).resolve().parents[2]
 COPY = ROOT / "build" / "mutate"
 BUILD = COPY / "build" / "dev"
-FOLDERS = ("app", "canvas", "document", "layers", "territories", "tool", "ui")
+FOLDERS = ("app", "canvas", "document", "layers", "platform", "territories", "tool", "ui")
 LEAST_CAUGHT = 0.9
 # A broken line may loop, allocate or write forever.
 BUILD_SECONDS = 3600

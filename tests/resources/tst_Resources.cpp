@@ -6,7 +6,7 @@
 #include <QtTest>
 
 /// Every icon that the program asks for by name, on a screen with two pixels per point.
-class ResourcesTest : public QObject
+class tst_Resources : public QObject
 {
     Q_OBJECT
 
@@ -14,14 +14,14 @@ public:
     static void initMain();
 
 private slots:
-    void iconsLoad_data();
-    void iconsLoad();
-    void iconsAreTwiceAsLargeOnDenseScreens_data();
-    void iconsAreTwiceAsLargeOnDenseScreens();
-    void picturesOfZonesAreNot_data();
-    void picturesOfZonesAreNot();
-    void theProgramsIconComesInAllSizes_data();
-    void theProgramsIconComesInAllSizes();
+    void IconsLoad_data();
+    void IconsLoad();
+    void IconsAreTwiceAsLargeOnDenseScreens_data();
+    void IconsAreTwiceAsLargeOnDenseScreens();
+    void PicturesOfZonesAreNot_data();
+    void PicturesOfZonesAreNot();
+    void TheProgramsIconComesInAllSizes_data();
+    void TheProgramsIconComesInAllSizes();
 };
 
 namespace {
@@ -75,18 +75,18 @@ bool ShowsSomething(const QImage& image)
 
 } // namespace
 
-void ResourcesTest::initMain()
+void tst_Resources::initMain()
 {
     qputenv("QT_SCALE_FACTOR", "2");
     QGuiApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
 }
 
-void ResourcesTest::iconsLoad_data()
+void tst_Resources::IconsLoad_data()
 {
     AddIcons();
 }
 
-void ResourcesTest::iconsLoad()
+void tst_Resources::IconsLoad()
 {
     QFETCH(QString, path);
     QFETCH(int, size);
@@ -98,12 +98,12 @@ void ResourcesTest::iconsLoad()
     QVERIFY(ShowsSomething(image));
 }
 
-void ResourcesTest::iconsAreTwiceAsLargeOnDenseScreens_data()
+void tst_Resources::IconsAreTwiceAsLargeOnDenseScreens_data()
 {
     AddIcons();
 }
 
-void ResourcesTest::iconsAreTwiceAsLargeOnDenseScreens()
+void tst_Resources::IconsAreTwiceAsLargeOnDenseScreens()
 {
     QFETCH(QString, path);
     QFETCH(int, size);
@@ -116,7 +116,7 @@ void ResourcesTest::iconsAreTwiceAsLargeOnDenseScreens()
     QCOMPARE(pixmap.devicePixelRatio(), 2.0);
 }
 
-void ResourcesTest::picturesOfZonesAreNot_data()
+void tst_Resources::PicturesOfZonesAreNot_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<int>("size");
@@ -124,7 +124,7 @@ void ResourcesTest::picturesOfZonesAreNot_data()
 }
 
 // Zones scale and centre their picture by its width, so a denser picture would be misplaced.
-void ResourcesTest::picturesOfZonesAreNot()
+void tst_Resources::PicturesOfZonesAreNot()
 {
     QFETCH(QString, path);
     QFETCH(int, size);
@@ -133,7 +133,7 @@ void ResourcesTest::picturesOfZonesAreNot()
     QCOMPARE(pixmap.devicePixelRatio(), 1.0);
 }
 
-void ResourcesTest::theProgramsIconComesInAllSizes_data()
+void tst_Resources::TheProgramsIconComesInAllSizes_data()
 {
     QTest::addColumn<int>("size");
     for (const int size : {16, 24, 32, 48, 64, 128, 256}) {
@@ -141,7 +141,7 @@ void ResourcesTest::theProgramsIconComesInAllSizes_data()
     }
 }
 
-void ResourcesTest::theProgramsIconComesInAllSizes()
+void tst_Resources::TheProgramsIconComesInAllSizes()
 {
     QFETCH(int, size);
     const QImage image(QStringLiteral(":/quillmap-%1").arg(size));
@@ -149,5 +149,5 @@ void ResourcesTest::theProgramsIconComesInAllSizes()
     QVERIFY(ShowsSomething(image));
 }
 
-QTEST_MAIN(ResourcesTest)
+QTEST_MAIN(tst_Resources)
 #include "tst_Resources.moc"

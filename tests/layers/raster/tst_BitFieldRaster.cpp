@@ -5,32 +5,32 @@
 
 using raster::BitFieldRaster;
 
-class BitFieldRasterTest : public QObject
+class tst_BitFieldRaster : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void nextPowerOfTwo_data();
-    void nextPowerOfTwo();
-    void bitCountsSayHowManyPixelsShareAWord_data();
-    void bitCountsSayHowManyPixelsShareAWord();
-    void otherBitCountsHaveNoWords_data();
-    void otherBitCountsHaveNoWords();
-    void emptySizesHaveNoWords_data();
-    void emptySizesHaveNoWords();
-    void sizesBeyondAllMemoryAreInvalid();
-    void theLeftmostPixelIsInTheHighestField_data();
-    void theLeftmostPixelIsInTheHighestField();
-    void valuesAreOred();
-    void bitsAboveTheFieldAreCutOff_data();
-    void bitsAboveTheFieldAreCutOff();
-    void everyFieldIsOnItsOwn_data();
-    void everyFieldIsOnItsOwn();
-    void placesOutsideAreIgnored_data();
-    void placesOutsideAreIgnored();
+    void NextPowerOfTwo_data();
+    void NextPowerOfTwo();
+    void BitCountsSayHowManyPixelsShareAWord_data();
+    void BitCountsSayHowManyPixelsShareAWord();
+    void OtherBitCountsHaveNoWords_data();
+    void OtherBitCountsHaveNoWords();
+    void EmptySizesHaveNoWords_data();
+    void EmptySizesHaveNoWords();
+    void SizesBeyondAllMemoryAreInvalid();
+    void TheLeftmostPixelIsInTheHighestField_data();
+    void TheLeftmostPixelIsInTheHighestField();
+    void ValuesAreOred();
+    void BitsAboveTheFieldAreCutOff_data();
+    void BitsAboveTheFieldAreCutOff();
+    void EveryFieldIsOnItsOwn_data();
+    void EveryFieldIsOnItsOwn();
+    void PlacesOutsideAreIgnored_data();
+    void PlacesOutsideAreIgnored();
 };
 
-void BitFieldRasterTest::nextPowerOfTwo_data()
+void tst_BitFieldRaster::NextPowerOfTwo_data()
 {
     QTest::addColumn<quint32>("number");
     QTest::addColumn<quint32>("power");
@@ -52,14 +52,14 @@ void BitFieldRasterTest::nextPowerOfTwo_data()
     QTest::newRow("largest") << 0xFFFFFFFFU << 0U;
 }
 
-void BitFieldRasterTest::nextPowerOfTwo()
+void tst_BitFieldRaster::NextPowerOfTwo()
 {
     QFETCH(quint32, number);
     QFETCH(quint32, power);
     QCOMPARE(raster::NextPowerOfTwo(number), power);
 }
 
-void BitFieldRasterTest::bitCountsSayHowManyPixelsShareAWord_data()
+void tst_BitFieldRaster::BitCountsSayHowManyPixelsShareAWord_data()
 {
     QTest::addColumn<int>("bits");
     QTest::addColumn<int>("pixelsPerWord");
@@ -73,7 +73,7 @@ void BitFieldRasterTest::bitCountsSayHowManyPixelsShareAWord_data()
     QTest::newRow("32") << 32 << 1 << 70;
 }
 
-void BitFieldRasterTest::bitCountsSayHowManyPixelsShareAWord()
+void tst_BitFieldRaster::BitCountsSayHowManyPixelsShareAWord()
 {
     QFETCH(int, bits);
     QFETCH(int, pixelsPerWord);
@@ -90,7 +90,7 @@ void BitFieldRasterTest::bitCountsSayHowManyPixelsShareAWord()
     QVERIFY(std::all_of(words, words + raster.WordCount(), [](quint32 word) { return word == 0; }));
 }
 
-void BitFieldRasterTest::otherBitCountsHaveNoWords_data()
+void tst_BitFieldRaster::OtherBitCountsHaveNoWords_data()
 {
     QTest::addColumn<int>("bits");
     for (const int bits : {-2147483647 - 1, -1, 0, 3, 5, 7, 12, 24, 31, 33, 64, 2147483647}) {
@@ -98,7 +98,7 @@ void BitFieldRasterTest::otherBitCountsHaveNoWords_data()
     }
 }
 
-void BitFieldRasterTest::otherBitCountsHaveNoWords()
+void tst_BitFieldRaster::OtherBitCountsHaveNoWords()
 {
     QFETCH(int, bits);
     BitFieldRaster raster(bits, 64, 64);
@@ -109,7 +109,7 @@ void BitFieldRasterTest::otherBitCountsHaveNoWords()
     QCOMPARE(raster.Get(0, 0), 0U);
 }
 
-void BitFieldRasterTest::emptySizesHaveNoWords_data()
+void tst_BitFieldRaster::EmptySizesHaveNoWords_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::newRow("nothing") << QSize(0, 0);
@@ -121,7 +121,7 @@ void BitFieldRasterTest::emptySizesHaveNoWords_data()
     QTest::newRow("narrower than a word") << QSize(3, 64);
 }
 
-void BitFieldRasterTest::emptySizesHaveNoWords()
+void tst_BitFieldRaster::EmptySizesHaveNoWords()
 {
     QFETCH(QSize, size);
     BitFieldRaster raster(8, size.width(), size.height());
@@ -131,7 +131,7 @@ void BitFieldRasterTest::emptySizesHaveNoWords()
     QCOMPARE(raster.Get(0, 0), 0U);
 }
 
-void BitFieldRasterTest::sizesBeyondAllMemoryAreInvalid()
+void tst_BitFieldRaster::SizesBeyondAllMemoryAreInvalid()
 {
     for (const int bits : {1, 8, 32}) {
         BitFieldRaster raster(bits, 2147483647, 2147483647);
@@ -142,7 +142,7 @@ void BitFieldRasterTest::sizesBeyondAllMemoryAreInvalid()
     }
 }
 
-void BitFieldRasterTest::theLeftmostPixelIsInTheHighestField_data()
+void tst_BitFieldRaster::TheLeftmostPixelIsInTheHighestField_data()
 {
     QTest::addColumn<int>("bits");
     QTest::addColumn<int>("x");
@@ -160,7 +160,7 @@ void BitFieldRasterTest::theLeftmostPixelIsInTheHighestField_data()
     QTest::newRow("32 bits") << 32 << 3 << 3 << 0x00000001U;
 }
 
-void BitFieldRasterTest::theLeftmostPixelIsInTheHighestField()
+void tst_BitFieldRaster::TheLeftmostPixelIsInTheHighestField()
 {
     QFETCH(int, bits);
     QFETCH(int, x);
@@ -172,7 +172,7 @@ void BitFieldRasterTest::theLeftmostPixelIsInTheHighestField()
     QCOMPARE(raster.Words()[raster.WordsPerRow() + word], content);
 }
 
-void BitFieldRasterTest::valuesAreOred()
+void tst_BitFieldRaster::ValuesAreOred()
 {
     BitFieldRaster raster(4, 16, 1);
     raster.Set(1, 5, 0);
@@ -181,7 +181,7 @@ void BitFieldRasterTest::valuesAreOred()
     QCOMPARE(raster.Get(5, 0), 5U);
 }
 
-void BitFieldRasterTest::bitsAboveTheFieldAreCutOff_data()
+void tst_BitFieldRaster::BitsAboveTheFieldAreCutOff_data()
 {
     QTest::addColumn<int>("bits");
     QTest::addColumn<quint32>("field");
@@ -193,7 +193,7 @@ void BitFieldRasterTest::bitsAboveTheFieldAreCutOff_data()
     QTest::newRow("32") << 32 << 0xFFFFFFFFU;
 }
 
-void BitFieldRasterTest::bitsAboveTheFieldAreCutOff()
+void tst_BitFieldRaster::BitsAboveTheFieldAreCutOff()
 {
     QFETCH(int, bits);
     QFETCH(quint32, field);
@@ -204,12 +204,12 @@ void BitFieldRasterTest::bitsAboveTheFieldAreCutOff()
     QCOMPARE(raster.Get(34, 0), 0U);
 }
 
-void BitFieldRasterTest::everyFieldIsOnItsOwn_data()
+void tst_BitFieldRaster::EveryFieldIsOnItsOwn_data()
 {
-    bitsAboveTheFieldAreCutOff_data();
+    BitsAboveTheFieldAreCutOff_data();
 }
 
-void BitFieldRasterTest::everyFieldIsOnItsOwn()
+void tst_BitFieldRaster::EveryFieldIsOnItsOwn()
 {
     QFETCH(int, bits);
     QFETCH(quint32, field);
@@ -230,7 +230,7 @@ void BitFieldRasterTest::everyFieldIsOnItsOwn()
     }
 }
 
-void BitFieldRasterTest::placesOutsideAreIgnored_data()
+void tst_BitFieldRaster::PlacesOutsideAreIgnored_data()
 {
     QTest::addColumn<int>("x");
     QTest::addColumn<int>("row");
@@ -242,7 +242,7 @@ void BitFieldRasterTest::placesOutsideAreIgnored_data()
     QTest::newRow("behind the last row") << 0 << 2;
 }
 
-void BitFieldRasterTest::placesOutsideAreIgnored()
+void tst_BitFieldRaster::PlacesOutsideAreIgnored()
 {
     QFETCH(int, x);
     QFETCH(int, row);
@@ -253,6 +253,6 @@ void BitFieldRasterTest::placesOutsideAreIgnored()
     QVERIFY(std::all_of(words, words + raster.WordCount(), [](quint32 word) { return word == 0; }));
 }
 
-QTEST_GUILESS_MAIN(BitFieldRasterTest)
+QTEST_GUILESS_MAIN(tst_BitFieldRaster)
 
 #include "tst_BitFieldRaster.moc"

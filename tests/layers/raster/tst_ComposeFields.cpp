@@ -11,26 +11,26 @@
 using raster::BitFieldRaster;
 using raster::FlaggedMask;
 
-class ComposeFieldsTest : public QObject
+class tst_ComposeFields : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void theTopLeftPixelIsInTheLastRowsHighestField();
-    void flagsOfOverlappingMasksAreOred();
-    void everyIndexButZeroIsSet();
-    void masksWithoutFlagsOfAKindStayOutOfItsSection();
-    void pixelsOutsideAMaskAreClear();
-    void pixelsOfALargerMaskThatHaveNoPlaceAreLeftOut();
-    void theRemainderOfARowIsLeftOut();
-    void flagsAboveTheBitCountAreLeftOut();
-    void rastersWithoutWordsStayEmpty();
-    void clearMixedAndSetStretchesAreKeptApart_data();
-    void clearMixedAndSetStretchesAreKeptApart();
-    void fieldsAreComposedLikeTheLiteralOnes_data();
-    void fieldsAreComposedLikeTheLiteralOnes();
-    void oneHugeSideTakesNoMoreMemoryThanTheMasks_data();
-    void oneHugeSideTakesNoMoreMemoryThanTheMasks();
+    void TheTopLeftPixelIsInTheLastRowsHighestField();
+    void FlagsOfOverlappingMasksAreOred();
+    void EveryIndexButZeroIsSet();
+    void MasksWithoutFlagsOfAKindStayOutOfItsSection();
+    void PixelsOutsideAMaskAreClear();
+    void PixelsOfALargerMaskThatHaveNoPlaceAreLeftOut();
+    void TheRemainderOfARowIsLeftOut();
+    void FlagsAboveTheBitCountAreLeftOut();
+    void RastersWithoutWordsStayEmpty();
+    void ClearMixedAndSetStretchesAreKeptApart_data();
+    void ClearMixedAndSetStretchesAreKeptApart();
+    void FieldsAreComposedLikeTheLiteralOnes_data();
+    void FieldsAreComposedLikeTheLiteralOnes();
+    void OneHugeSideTakesNoMoreMemoryThanTheMasks_data();
+    void OneHugeSideTakesNoMoreMemoryThanTheMasks();
 };
 
 namespace {
@@ -70,7 +70,7 @@ QVector<FlaggedMask> RandomMasks(Random& random, QSize size)
 
 } // namespace
 
-void ComposeFieldsTest::theTopLeftPixelIsInTheLastRowsHighestField()
+void tst_ComposeFields::TheTopLeftPixelIsInTheLastRowsHighestField()
 {
     QImage mask = raster::BlankMask({8, 3});
     mask.scanLine(0)[0] = raster::MaskSet;
@@ -81,7 +81,7 @@ void ComposeFieldsTest::theTopLeftPixelIsInTheLastRowsHighestField()
     QCOMPARE(WordsOf(values), (QVector<quint32>{0, 0, 0x20000000}));
 }
 
-void ComposeFieldsTest::flagsOfOverlappingMasksAreOred()
+void tst_ComposeFields::FlagsOfOverlappingMasksAreOred()
 {
     BitFieldRaster usages(4, 8, 1);
     BitFieldRaster values(1, 8, 1);
@@ -90,7 +90,7 @@ void ComposeFieldsTest::flagsOfOverlappingMasksAreOred()
     QCOMPARE(WordsOf(usages), QVector<quint32>{0x15400000});
 }
 
-void ComposeFieldsTest::everyIndexButZeroIsSet()
+void tst_ComposeFields::EveryIndexButZeroIsSet()
 {
     QImage mask = raster::BlankMask({4, 1});
     mask.scanLine(0)[1] = 1;
@@ -102,7 +102,7 @@ void ComposeFieldsTest::everyIndexButZeroIsSet()
     QCOMPARE(WordsOf(values), QVector<quint32>{0x00050500});
 }
 
-void ComposeFieldsTest::masksWithoutFlagsOfAKindStayOutOfItsSection()
+void tst_ComposeFields::MasksWithoutFlagsOfAKindStayOutOfItsSection()
 {
     BitFieldRaster usages(32, 2, 1);
     BitFieldRaster values(32, 2, 1);
@@ -111,7 +111,7 @@ void ComposeFieldsTest::masksWithoutFlagsOfAKindStayOutOfItsSection()
     QCOMPARE(WordsOf(values), (QVector<quint32>{7, 7}));
 }
 
-void ComposeFieldsTest::pixelsOutsideAMaskAreClear()
+void tst_ComposeFields::PixelsOutsideAMaskAreClear()
 {
     BitFieldRaster usages(8, 8, 2);
     BitFieldRaster values(1, 8, 2);
@@ -119,7 +119,7 @@ void ComposeFieldsTest::pixelsOutsideAMaskAreClear()
     QCOMPARE(WordsOf(usages), (QVector<quint32>{0, 0, 0x01010100, 0}));
 }
 
-void ComposeFieldsTest::pixelsOfALargerMaskThatHaveNoPlaceAreLeftOut()
+void tst_ComposeFields::PixelsOfALargerMaskThatHaveNoPlaceAreLeftOut()
 {
     BitFieldRaster usages(16, 2, 1);
     BitFieldRaster values(16, 2, 1);
@@ -128,7 +128,7 @@ void ComposeFieldsTest::pixelsOfALargerMaskThatHaveNoPlaceAreLeftOut()
     QCOMPARE(WordsOf(values), QVector<quint32>{0x00020002});
 }
 
-void ComposeFieldsTest::theRemainderOfARowIsLeftOut()
+void tst_ComposeFields::TheRemainderOfARowIsLeftOut()
 {
     // The usages hold 4 of 7 pixels, the values 6.
     BitFieldRaster usages(8, 7, 2);
@@ -138,7 +138,7 @@ void ComposeFieldsTest::theRemainderOfARowIsLeftOut()
     QCOMPARE(WordsOf(values), QVector<quint32>(6, 0x00010001));
 }
 
-void ComposeFieldsTest::flagsAboveTheBitCountAreLeftOut()
+void tst_ComposeFields::FlagsAboveTheBitCountAreLeftOut()
 {
     BitFieldRaster usages(2, 16, 1);
     BitFieldRaster values(2, 16, 1);
@@ -147,7 +147,7 @@ void ComposeFieldsTest::flagsAboveTheBitCountAreLeftOut()
     QCOMPARE(WordsOf(values), QVector<quint32>{0xAAAAAAAA});
 }
 
-void ComposeFieldsTest::rastersWithoutWordsStayEmpty()
+void tst_ComposeFields::RastersWithoutWordsStayEmpty()
 {
     BitFieldRaster none(0, 8, 2);
     BitFieldRaster values(4, 8, 2);
@@ -159,12 +159,12 @@ void ComposeFieldsTest::rastersWithoutWordsStayEmpty()
     QCOMPARE(alsoNone.WordCount(), qint64(0));
 }
 
-void ComposeFieldsTest::clearMixedAndSetStretchesAreKeptApart_data()
+void tst_ComposeFields::ClearMixedAndSetStretchesAreKeptApart_data()
 {
     AddBitCounts();
 }
 
-void ComposeFieldsTest::clearMixedAndSetStretchesAreKeptApart()
+void tst_ComposeFields::ClearMixedAndSetStretchesAreKeptApart()
 {
     QFETCH(int, bits);
     // Each row is a different sequence of clear, mixed and set stretches, with a shorter one at its
@@ -192,12 +192,12 @@ void ComposeFieldsTest::clearMixedAndSetStretchesAreKeptApart()
     QCOMPARE(WordsOf(values), literal::SectionWords({mask}, {0x80000001}, 32, rasterSize));
 }
 
-void ComposeFieldsTest::fieldsAreComposedLikeTheLiteralOnes_data()
+void tst_ComposeFields::FieldsAreComposedLikeTheLiteralOnes_data()
 {
     AddBitCounts();
 }
 
-void ComposeFieldsTest::fieldsAreComposedLikeTheLiteralOnes()
+void tst_ComposeFields::FieldsAreComposedLikeTheLiteralOnes()
 {
     QFETCH(int, bits);
     Random random;
@@ -221,7 +221,7 @@ void ComposeFieldsTest::fieldsAreComposedLikeTheLiteralOnes()
     }
 }
 
-void ComposeFieldsTest::oneHugeSideTakesNoMoreMemoryThanTheMasks_data()
+void tst_ComposeFields::OneHugeSideTakesNoMoreMemoryThanTheMasks_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<int>("bits");
@@ -233,7 +233,7 @@ void ComposeFieldsTest::oneHugeSideTakesNoMoreMemoryThanTheMasks_data()
     }
 }
 
-void ComposeFieldsTest::oneHugeSideTakesNoMoreMemoryThanTheMasks()
+void tst_ComposeFields::OneHugeSideTakesNoMoreMemoryThanTheMasks()
 {
     QFETCH(QSize, size);
     QFETCH(int, bits);
@@ -254,6 +254,6 @@ void ComposeFieldsTest::oneHugeSideTakesNoMoreMemoryThanTheMasks()
     QCOMPARE(usages.Get(200, size.height() - 1), 0U);
 }
 
-QTEST_GUILESS_MAIN(ComposeFieldsTest)
+QTEST_GUILESS_MAIN(tst_ComposeFields)
 
 #include "tst_ComposeFields.moc"

@@ -32,23 +32,23 @@ QVector<QPoint> OffsetsOf(const DiscShape& disc)
 
 } // namespace
 
-class DiscShapeTest : public QObject
+class tst_DiscShape : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void discsHaveTheirOffsets_data();
-    void discsHaveTheirOffsets();
-    void theBoundaryCircleBelongsToTheDisc();
-    void randomDiscsEqualTheLiteralOnes();
-    void squaresAreComparedAsFloats();
-    void shapesAreCutOffAtThePicture_data();
-    void shapesAreCutOffAtThePicture();
-    void aDiscCoversAPictureOfItsDiagonal_data();
-    void aDiscCoversAPictureOfItsDiagonal();
+    void DiscsHaveTheirOffsets_data();
+    void DiscsHaveTheirOffsets();
+    void TheBoundaryCircleBelongsToTheDisc();
+    void RandomDiscsEqualTheLiteralOnes();
+    void SquaresAreComparedAsFloats();
+    void ShapesAreCutOffAtThePicture_data();
+    void ShapesAreCutOffAtThePicture();
+    void ADiscCoversAPictureOfItsDiagonal_data();
+    void ADiscCoversAPictureOfItsDiagonal();
 };
 
-void DiscShapeTest::discsHaveTheirOffsets_data()
+void tst_DiscShape::DiscsHaveTheirOffsets_data()
 {
     QTest::addColumn<float>("radius");
     QTest::addColumn<int>("count");
@@ -62,7 +62,7 @@ void DiscShapeTest::discsHaveTheirOffsets_data()
     QTest::newRow("3") << 3.0F << 29;
 }
 
-void DiscShapeTest::discsHaveTheirOffsets()
+void tst_DiscShape::DiscsHaveTheirOffsets()
 {
     QFETCH(float, radius);
     QFETCH(int, count);
@@ -71,7 +71,7 @@ void DiscShapeTest::discsHaveTheirOffsets()
     QVERIFY(offsets.contains(QPoint(0, 0)));
 }
 
-void DiscShapeTest::theBoundaryCircleBelongsToTheDisc()
+void tst_DiscShape::TheBoundaryCircleBelongsToTheDisc()
 {
     const QVector<QPoint> offsets = OffsetsOf(DiscShape(5, Picture));
     QVERIFY(offsets.contains(QPoint(3, -4)));
@@ -79,7 +79,7 @@ void DiscShapeTest::theBoundaryCircleBelongsToTheDisc()
     QVERIFY(!offsets.contains(QPoint(4, 4)));
 }
 
-void DiscShapeTest::randomDiscsEqualTheLiteralOnes()
+void tst_DiscShape::RandomDiscsEqualTheLiteralOnes()
 {
     Random random;
     for (int i = 0; i < 300; ++i) {
@@ -88,7 +88,7 @@ void DiscShapeTest::randomDiscsEqualTheLiteralOnes()
     }
 }
 
-void DiscShapeTest::squaresAreComparedAsFloats()
+void tst_DiscShape::SquaresAreComparedAsFloats()
 {
     // 5801 * 5801 + 1 is more than 5801 * 5801, but both are the same float.
     const DiscShape shape(5801, QSize(5803, 3));
@@ -106,7 +106,7 @@ void DiscShapeTest::squaresAreComparedAsFloats()
     }
 }
 
-void DiscShapeTest::shapesAreCutOffAtThePicture_data()
+void tst_DiscShape::ShapesAreCutOffAtThePicture_data()
 {
     QTest::addColumn<float>("radius");
     for (const float radius : {100.0F, 117.0F, 30000.0F, 1e30F, Infinity}) {
@@ -114,7 +114,7 @@ void DiscShapeTest::shapesAreCutOffAtThePicture_data()
     }
 }
 
-void DiscShapeTest::shapesAreCutOffAtThePicture()
+void tst_DiscShape::ShapesAreCutOffAtThePicture()
 {
     QFETCH(float, radius);
     const DiscShape shape(radius, Picture);
@@ -126,7 +126,7 @@ void DiscShapeTest::shapesAreCutOffAtThePicture()
     }
 }
 
-void DiscShapeTest::aDiscCoversAPictureOfItsDiagonal_data()
+void tst_DiscShape::ADiscCoversAPictureOfItsDiagonal_data()
 {
     QTest::addColumn<QSize>("picture");
     QTest::addColumn<float>("diagonal");
@@ -137,7 +137,7 @@ void DiscShapeTest::aDiscCoversAPictureOfItsDiagonal_data()
 }
 
 /// Between the centres of opposite corners: 40 and 9 pixels make 41.
-void DiscShapeTest::aDiscCoversAPictureOfItsDiagonal()
+void tst_DiscShape::ADiscCoversAPictureOfItsDiagonal()
 {
     QFETCH(QSize, picture);
     QFETCH(float, diagonal);
@@ -146,6 +146,6 @@ void DiscShapeTest::aDiscCoversAPictureOfItsDiagonal()
     QVERIFY(!DiscShape(diagonal - 0.1F, picture).Covers(picture));
 }
 
-QTEST_APPLESS_MAIN(DiscShapeTest)
+QTEST_APPLESS_MAIN(tst_DiscShape)
 
 #include "tst_DiscShape.moc"

@@ -5,31 +5,31 @@
 
 #include <QtTest>
 
-class MaskTest : public QObject
+class tst_Mask : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void theGreyTableHoldsAllOpaqueGreys();
-    void blankMasksAreClearAndGrey_data();
-    void blankMasksAreClearAndGrey();
-    void sizesWithoutAMaskGiveANullImage_data();
-    void sizesWithoutAMaskGiveANullImage();
-    void withoutMemoryTheMaskIsNull();
-    void pixelsThatEqualTheColourAreSet_data();
-    void pixelsThatEqualTheColourAreSet();
-    void masksAreReturnedAsTheyAre();
-    void imagesOfOtherDepthsGiveNoMask_data();
-    void imagesOfOtherDepthsGiveNoMask();
-    void thePictureShowsSetPixelsInTheColour();
-    void thePictureOfNoMaskIsNull_data();
-    void thePictureOfNoMaskIsNull();
-    void pictureAndMaskAreInverse();
-    void geometryIsFormatAndSize_data();
-    void geometryIsFormatAndSize();
+    void TheGreyTableHoldsAllOpaqueGreys();
+    void BlankMasksAreClearAndGrey_data();
+    void BlankMasksAreClearAndGrey();
+    void SizesWithoutAMaskGiveANullImage_data();
+    void SizesWithoutAMaskGiveANullImage();
+    void WithoutMemoryTheMaskIsNull();
+    void PixelsThatEqualTheColourAreSet_data();
+    void PixelsThatEqualTheColourAreSet();
+    void MasksAreReturnedAsTheyAre();
+    void ImagesOfOtherDepthsGiveNoMask_data();
+    void ImagesOfOtherDepthsGiveNoMask();
+    void ThePictureShowsSetPixelsInTheColour();
+    void ThePictureOfNoMaskIsNull_data();
+    void ThePictureOfNoMaskIsNull();
+    void PictureAndMaskAreInverse();
+    void GeometryIsFormatAndSize_data();
+    void GeometryIsFormatAndSize();
 };
 
-void MaskTest::theGreyTableHoldsAllOpaqueGreys()
+void tst_Mask::TheGreyTableHoldsAllOpaqueGreys()
 {
     const QVector<QRgb>& table = raster::GreyTable();
     QCOMPARE(table.size(), 256);
@@ -38,7 +38,7 @@ void MaskTest::theGreyTableHoldsAllOpaqueGreys()
     }
 }
 
-void MaskTest::blankMasksAreClearAndGrey_data()
+void tst_Mask::BlankMasksAreClearAndGrey_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::newRow("one pixel") << QSize(1, 1);
@@ -48,7 +48,7 @@ void MaskTest::blankMasksAreClearAndGrey_data()
     QTest::newRow("longest column") << QSize(1, 65535);
 }
 
-void MaskTest::blankMasksAreClearAndGrey()
+void tst_Mask::BlankMasksAreClearAndGrey()
 {
     QFETCH(QSize, size);
     const QImage mask = raster::BlankMask(size);
@@ -59,7 +59,7 @@ void MaskTest::blankMasksAreClearAndGrey()
     QVERIFY(std::all_of(bytes, bytes + mask.sizeInBytes(), [](uchar byte) { return byte == 0; }));
 }
 
-void MaskTest::sizesWithoutAMaskGiveANullImage_data()
+void tst_Mask::SizesWithoutAMaskGiveANullImage_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::newRow("invalid") << QSize();
@@ -72,20 +72,20 @@ void MaskTest::sizesWithoutAMaskGiveANullImage_data()
     QTest::newRow("largest integers") << QSize(2147483647, 2147483647);
 }
 
-void MaskTest::sizesWithoutAMaskGiveANullImage()
+void tst_Mask::SizesWithoutAMaskGiveANullImage()
 {
     QFETCH(QSize, size);
     QVERIFY(raster::BlankMask(size).isNull());
 }
 
-void MaskTest::withoutMemoryTheMaskIsNull()
+void tst_Mask::WithoutMemoryTheMaskIsNull()
 {
     const MemoryLimit limit(64 * AMebibyte);
     QVERIFY(raster::BlankMask({16384, 16384}).isNull());
     QVERIFY(!raster::BlankMask({16, 16}).isNull());
 }
 
-void MaskTest::pixelsThatEqualTheColourAreSet_data()
+void tst_Mask::PixelsThatEqualTheColourAreSet_data()
 {
     QTest::addColumn<QImage::Format>("format");
     QTest::newRow("RGB32") << QImage::Format_RGB32;
@@ -93,7 +93,7 @@ void MaskTest::pixelsThatEqualTheColourAreSet_data()
     QTest::newRow("ARGB32 premultiplied") << QImage::Format_ARGB32_Premultiplied;
 }
 
-void MaskTest::pixelsThatEqualTheColourAreSet()
+void tst_Mask::PixelsThatEqualTheColourAreSet()
 {
     QFETCH(QImage::Format, format);
     constexpr QRgb colour = 0xFF102030;
@@ -112,7 +112,7 @@ void MaskTest::pixelsThatEqualTheColourAreSet()
     QCOMPARE(mask.colorTable(), raster::GreyTable());
 }
 
-void MaskTest::masksAreReturnedAsTheyAre()
+void tst_Mask::MasksAreReturnedAsTheyAre()
 {
     QImage mask = MaskFromArt({"#+.", ".#."});
     mask.setColor(0, 0xFF123456);
@@ -120,7 +120,7 @@ void MaskTest::masksAreReturnedAsTheyAre()
     QCOMPARE(result.cacheKey(), mask.cacheKey());
 }
 
-void MaskTest::imagesOfOtherDepthsGiveNoMask_data()
+void tst_Mask::ImagesOfOtherDepthsGiveNoMask_data()
 {
     QTest::addColumn<QImage>("image");
     QTest::newRow("null") << QImage();
@@ -131,13 +131,13 @@ void MaskTest::imagesOfOtherDepthsGiveNoMask_data()
     QTest::newRow("64 bits") << QImage(4, 4, QImage::Format_RGBA64);
 }
 
-void MaskTest::imagesOfOtherDepthsGiveNoMask()
+void tst_Mask::ImagesOfOtherDepthsGiveNoMask()
 {
     QFETCH(QImage, image);
     QVERIFY(raster::ImageToMask(image, 0xFFFFFFFF).isNull());
 }
 
-void MaskTest::thePictureShowsSetPixelsInTheColour()
+void tst_Mask::ThePictureShowsSetPixelsInTheColour()
 {
     constexpr QRgb colour = 0xFF102030;
     QImage mask = MaskFromArt({"#+.#.", "....#"});
@@ -152,7 +152,7 @@ void MaskTest::thePictureShowsSetPixelsInTheColour()
     }
 }
 
-void MaskTest::thePictureOfNoMaskIsNull_data()
+void tst_Mask::ThePictureOfNoMaskIsNull_data()
 {
     QTest::addColumn<QImage>("image");
     QTest::newRow("null") << QImage();
@@ -160,13 +160,13 @@ void MaskTest::thePictureOfNoMaskIsNull_data()
     QTest::newRow("8-bit grey") << QImage(4, 4, QImage::Format_Grayscale8);
 }
 
-void MaskTest::thePictureOfNoMaskIsNull()
+void tst_Mask::ThePictureOfNoMaskIsNull()
 {
     QFETCH(QImage, image);
     QVERIFY(raster::MaskToDisplay(image, 0xFFFFFFFF).isNull());
 }
 
-void MaskTest::pictureAndMaskAreInverse()
+void tst_Mask::PictureAndMaskAreInverse()
 {
     const QImage mask = MaskFromArt({"#..#.", ".##.#", "....."});
     for (const QRgb colour : {0xFF000000U, 0xFFFFFFFFU, 0xFF00FF01U}) {
@@ -174,7 +174,7 @@ void MaskTest::pictureAndMaskAreInverse()
     }
 }
 
-void MaskTest::geometryIsFormatAndSize_data()
+void tst_Mask::GeometryIsFormatAndSize_data()
 {
     QTest::addColumn<QImage>("other");
     QTest::addColumn<bool>("isSame");
@@ -187,7 +187,7 @@ void MaskTest::geometryIsFormatAndSize_data()
     QTest::newRow("null") << QImage() << false;
 }
 
-void MaskTest::geometryIsFormatAndSize()
+void tst_Mask::GeometryIsFormatAndSize()
 {
     QFETCH(QImage, other);
     QFETCH(bool, isSame);
@@ -197,6 +197,6 @@ void MaskTest::geometryIsFormatAndSize()
     QVERIFY(!raster::SameGeometry(QImage(), QImage()));
 }
 
-QTEST_GUILESS_MAIN(MaskTest)
+QTEST_GUILESS_MAIN(tst_Mask)
 
 #include "tst_Mask.moc"

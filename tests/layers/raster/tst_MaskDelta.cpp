@@ -20,9 +20,9 @@ using raster::SpillFile;
 
 namespace {
 
-const std::vector<QSize> Sizes = {{1, 1},   {63, 63},   {64, 64},  {65, 65},  {64, 1},
-                                  {1, 130}, {200, 70},  {3, 300},  {128, 64}, {129, 191},
-                                  {64, 65}, {255, 257}, {320, 192}};
+constexpr QSize Sizes[] = {{1, 1},   {63, 63},   {64, 64},  {65, 65},  {64, 1},
+                           {1, 130}, {200, 70},  {3, 300},  {128, 64}, {129, 191},
+                           {64, 65}, {255, 257}, {320, 192}};
 
 /// All bytes, those that pad the rows too.
 QByteArray Bytes(const QImage& mask)
@@ -47,7 +47,7 @@ QImage PaddedMask(Random& random, const QImage& mask)
     return padded;
 }
 
-/// With its own bytes.
+/// A deep copy.
 QImage CopyOf(const QImage& mask)
 {
     QImage copy = raster::UnfilledCopy(mask);
@@ -196,34 +196,34 @@ QByteArray Record(quint32 number, const QByteArray& packed)
 
 } // namespace
 
-class MaskDeltaTest : public QObject
+class tst_MaskDelta : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void swapsBackAndForth();
-    void tellsTheSmallestChangedRectangle();
-    void keepsATileAsItWasFirst();
-    void refusesOtherMasks();
-    void dropsWhatDidNotChange();
-    void touchesAgainAfterItDropped();
-    void appendsALaterDelta();
-    void comparesWholeMasks();
-    void repeatsAChange();
-    void takesLittleMemory();
-    void leavesEverythingWithoutMemory();
-    void comesBackFromAFile();
-    void usesRoomInTheFileAgain();
-    void keepsEverythingWhenTheFileFails_data();
-    void keepsEverythingWhenTheFileFails();
-    void refusesASpilledDeltaThatSomebodyChanged();
-    void readsWhatItWrote();
-    void refusesBytesThatItDoesNotWrite_data();
-    void refusesBytesThatItDoesNotWrite();
-    void readsAnyBytes();
+    void SwapsBackAndForth();
+    void TellsTheSmallestChangedRectangle();
+    void KeepsATileAsItWasFirst();
+    void RefusesOtherMasks();
+    void DropsWhatDidNotChange();
+    void TouchesAgainAfterItDropped();
+    void AppendsALaterDelta();
+    void ComparesWholeMasks();
+    void RepeatsAChange();
+    void TakesLittleMemory();
+    void LeavesEverythingWithoutMemory();
+    void ComesBackFromAFile();
+    void UsesRoomInTheFileAgain();
+    void KeepsEverythingWhenTheFileFails_data();
+    void KeepsEverythingWhenTheFileFails();
+    void RefusesASpilledDeltaThatSomebodyChanged();
+    void ReadsWhatItWrote();
+    void RefusesBytesThatItDoesNotWrite_data();
+    void RefusesBytesThatItDoesNotWrite();
+    void ReadsAnyBytes();
 };
 
-void MaskDeltaTest::swapsBackAndForth()
+void tst_MaskDelta::SwapsBackAndForth()
 {
     Random random;
     for (int round = 0; round < 15; ++round) {
@@ -244,7 +244,7 @@ void MaskDeltaTest::swapsBackAndForth()
     }
 }
 
-void MaskDeltaTest::tellsTheSmallestChangedRectangle()
+void tst_MaskDelta::TellsTheSmallestChangedRectangle()
 {
     Random random;
     for (int round = 0; round < 20; ++round) {
@@ -262,7 +262,7 @@ void MaskDeltaTest::tellsTheSmallestChangedRectangle()
     QCOMPARE(*delta.Swap(mask), QRect());
 }
 
-void MaskDeltaTest::keepsATileAsItWasFirst()
+void tst_MaskDelta::KeepsATileAsItWasFirst()
 {
     QImage mask = raster::BlankMask({130, 10});
     MaskDelta delta;
@@ -278,7 +278,7 @@ void MaskDeltaTest::keepsATileAsItWasFirst()
     QCOMPARE(int(mask.constScanLine(9)[64]), 7);
 }
 
-void MaskDeltaTest::refusesOtherMasks()
+void tst_MaskDelta::RefusesOtherMasks()
 {
     QImage mask = raster::BlankMask({70, 70});
     MaskDelta delta;
@@ -299,7 +299,7 @@ void MaskDeltaTest::refusesOtherMasks()
     QVERIFY(!delta.Append(std::move(ofOther)));
 }
 
-void MaskDeltaTest::dropsWhatDidNotChange()
+void tst_MaskDelta::DropsWhatDidNotChange()
 {
     Random random;
     for (const QSize size : Sizes) {
@@ -319,7 +319,7 @@ void MaskDeltaTest::dropsWhatDidNotChange()
     QCOMPARE(delta.ByteCount(), MaskDelta().ByteCount());
 }
 
-void MaskDeltaTest::touchesAgainAfterItDropped()
+void tst_MaskDelta::TouchesAgainAfterItDropped()
 {
     QImage mask = raster::BlankMask({200, 64});
     MaskDelta delta;
@@ -332,7 +332,7 @@ void MaskDeltaTest::touchesAgainAfterItDropped()
     QCOMPARE(mask, raster::BlankMask({200, 64}));
 }
 
-void MaskDeltaTest::appendsALaterDelta()
+void tst_MaskDelta::AppendsALaterDelta()
 {
     Random random;
     for (int round = 0; round < 20; ++round) {
@@ -356,7 +356,7 @@ void MaskDeltaTest::appendsALaterDelta()
     }
 }
 
-void MaskDeltaTest::comparesWholeMasks()
+void tst_MaskDelta::ComparesWholeMasks()
 {
     Random random;
     for (int round = 0; round < 20; ++round) {
@@ -374,7 +374,7 @@ void MaskDeltaTest::comparesWholeMasks()
     }
 }
 
-void MaskDeltaTest::repeatsAChange()
+void tst_MaskDelta::RepeatsAChange()
 {
     Random random;
     for (const QSize size : Sizes) {
@@ -391,7 +391,7 @@ void MaskDeltaTest::repeatsAChange()
     }
 }
 
-void MaskDeltaTest::takesLittleMemory()
+void tst_MaskDelta::TakesLittleMemory()
 {
     const QSize size(2048, 2048);
     constexpr qint64 tiles = 32 * 32;
@@ -419,7 +419,7 @@ void MaskDeltaTest::takesLittleMemory()
     QVERIFY(filled->ByteCount() < 256);
 }
 
-void MaskDeltaTest::leavesEverythingWithoutMemory()
+void tst_MaskDelta::LeavesEverythingWithoutMemory()
 {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     QSKIP("The sanitizers take address space as they go.");
@@ -450,7 +450,7 @@ void MaskDeltaTest::leavesEverythingWithoutMemory()
     QVERIFY(mask == blank);
 }
 
-void MaskDeltaTest::comesBackFromAFile()
+void tst_MaskDelta::ComesBackFromAFile()
 {
     Random random;
     const auto file = std::make_shared<SpillFile>(std::make_unique<QTemporaryFile>());
@@ -484,7 +484,7 @@ void MaskDeltaTest::comesBackFromAFile()
     QCOMPARE(file->Length(), 0);
 }
 
-void MaskDeltaTest::usesRoomInTheFileAgain()
+void tst_MaskDelta::UsesRoomInTheFileAgain()
 {
     SpillFile file(std::make_unique<QBuffer>());
     QCOMPARE(file.Take(10), 0);
@@ -510,7 +510,7 @@ void MaskDeltaTest::usesRoomInTheFileAgain()
     QCOMPARE(file.Length(), 0);
 }
 
-void MaskDeltaTest::keepsEverythingWhenTheFileFails_data()
+void tst_MaskDelta::KeepsEverythingWhenTheFileFails_data()
 {
     QTest::addColumn<QString>("what");
     QTest::addColumn<int>("after");
@@ -523,7 +523,7 @@ void MaskDeltaTest::keepsEverythingWhenTheFileFails_data()
     QTest::newRow("cannot be positioned later") << "seek later" << 0;
 }
 
-void MaskDeltaTest::keepsEverythingWhenTheFileFails()
+void tst_MaskDelta::KeepsEverythingWhenTheFileFails()
 {
     QFETCH(const QString, what);
     QFETCH(const int, after);
@@ -582,7 +582,7 @@ void MaskDeltaTest::keepsEverythingWhenTheFileFails()
     QCOMPARE(mask, start);
 }
 
-void MaskDeltaTest::refusesASpilledDeltaThatSomebodyChanged()
+void tst_MaskDelta::RefusesASpilledDeltaThatSomebodyChanged()
 {
     QByteArray bytes;
     const auto file = std::make_shared<SpillFile>(std::make_unique<QBuffer>(&bytes));
@@ -599,7 +599,7 @@ void MaskDeltaTest::refusesASpilledDeltaThatSomebodyChanged()
     QCOMPARE(*delta.Swap(mask), mask.rect());
 }
 
-void MaskDeltaTest::readsWhatItWrote()
+void tst_MaskDelta::ReadsWhatItWrote()
 {
     Random random;
     for (int round = 0; round < 10; ++round) {
@@ -633,7 +633,7 @@ void MaskDeltaTest::readsWhatItWrote()
     QCOMPARE(edit.mask, edit.before);
 }
 
-void MaskDeltaTest::refusesBytesThatItDoesNotWrite_data()
+void tst_MaskDelta::RefusesBytesThatItDoesNotWrite_data()
 {
     QTest::addColumn<QByteArray>("file");
     QTest::addColumn<bool>("isGood");
@@ -675,7 +675,7 @@ void MaskDeltaTest::refusesBytesThatItDoesNotWrite_data()
     }
 }
 
-void MaskDeltaTest::refusesBytesThatItDoesNotWrite()
+void tst_MaskDelta::RefusesBytesThatItDoesNotWrite()
 {
     QFETCH(const QByteArray, file);
     QFETCH(const bool, isGood);
@@ -686,11 +686,11 @@ void MaskDeltaTest::refusesBytesThatItDoesNotWrite()
     }
 }
 
-void MaskDeltaTest::readsAnyBytes()
+void tst_MaskDelta::ReadsAnyBytes()
 {
     Random random;
     for (int round = 0; round < 300; ++round) {
-        const QSize size = Sizes[static_cast<std::size_t>(random.Below(int(Sizes.size())))];
+        const QSize size = Sizes[random.Below(int(std::size(Sizes)))];
         Edit edit = RandomEdit(random, size);
         QByteArray bytes = Written(edit.delta);
         for (int i = 1 + random.Below(4); i > 0; --i) {
@@ -706,5 +706,5 @@ void MaskDeltaTest::readsAnyBytes()
     }
 }
 
-QTEST_GUILESS_MAIN(MaskDeltaTest)
+QTEST_GUILESS_MAIN(tst_MaskDelta)
 #include "tst_MaskDelta.moc"

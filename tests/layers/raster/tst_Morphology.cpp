@@ -22,43 +22,43 @@ using raster::Dilate;
 using raster::Erode;
 using raster::Open;
 
-class MorphologyTest : public QObject
+class tst_Morphology : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void aPixelGrowsToADisc_data();
-    void aPixelGrowsToADisc();
-    void aFullMaskIsNotErodedFromTheBorders_data();
-    void aFullMaskIsNotErodedFromTheBorders();
-    void anEmptyMaskStaysEmpty();
-    void radiiBelowAPixelChangeNothing_data();
-    void radiiBelowAPixelChangeNothing();
-    void radiiBeyondTheDiagonalChangeNothingMore();
-    void greyMasksBeyondTheDiagonalBecomeTheirExtremes_data();
-    void greyMasksBeyondTheDiagonalBecomeTheirExtremes();
-    void openingRemovesWhatIsSmaller();
-    void closingFillsWhatIsSmaller();
-    void resultsKeepTheColours();
-    void otherFormatsGiveNull_data();
-    void otherFormatsGiveNull();
+    void APixelGrowsToADisc_data();
+    void APixelGrowsToADisc();
+    void AFullMaskIsNotErodedFromTheBorders_data();
+    void AFullMaskIsNotErodedFromTheBorders();
+    void AnEmptyMaskStaysEmpty();
+    void RadiiBelowAPixelChangeNothing_data();
+    void RadiiBelowAPixelChangeNothing();
+    void RadiiBeyondTheDiagonalChangeNothingMore();
+    void GreyMasksBeyondTheDiagonalBecomeTheirExtremes_data();
+    void GreyMasksBeyondTheDiagonalBecomeTheirExtremes();
+    void OpeningRemovesWhatIsSmaller();
+    void ClosingFillsWhatIsSmaller();
+    void ResultsKeepTheColours();
+    void OtherFormatsGiveNull_data();
+    void OtherFormatsGiveNull();
 
-    void discsEqualTheScanOfTheirOffsets();
-    void smallMasksEqualTheLiteralResult_data();
-    void smallMasksEqualTheLiteralResult();
-    void longMasksEqualTheLiteralResult_data();
-    void longMasksEqualTheLiteralResult();
-    void aRowOfManyShortRunsGrowsToArcs_data();
-    void aRowOfManyShortRunsGrowsToArcs();
-    void busyRowsOfHighMasksEqualTheLiteralResult();
-    void singlePixelsAtCornersEqualTheLiteralResult();
-    void allRadiiEqualTheLiteralResult();
-    void greyMasksThatLookBinaryAreNoticed();
-    void openAndCloseAreTheirSteps();
-    void floatsAreComparedAtLargeRadii();
-    void veryHighMasksAreServed();
-    void sweepsDoWithoutMemoryForEdges();
-    void withoutMemoryTheResultIsNull();
+    void DiscsEqualTheScanOfTheirOffsets();
+    void SmallMasksEqualTheLiteralResult_data();
+    void SmallMasksEqualTheLiteralResult();
+    void LongMasksEqualTheLiteralResult_data();
+    void LongMasksEqualTheLiteralResult();
+    void ARowOfManyShortRunsGrowsToArcs_data();
+    void ARowOfManyShortRunsGrowsToArcs();
+    void BusyRowsOfHighMasksEqualTheLiteralResult();
+    void SinglePixelsAtCornersEqualTheLiteralResult();
+    void AllRadiiEqualTheLiteralResult();
+    void GreyMasksThatLookBinaryAreNoticed();
+    void OpenAndCloseAreTheirSteps();
+    void FloatsAreComparedAtLargeRadii();
+    void VeryHighMasksAreServed();
+    void SweepsDoWithoutMemoryForEdges();
+    void WithoutMemoryTheResultIsNull();
 };
 
 namespace {
@@ -150,7 +150,7 @@ bool EqualsLiteral(const QImage& mask, float radius)
 
 } // namespace
 
-void MorphologyTest::aPixelGrowsToADisc_data()
+void tst_Morphology::APixelGrowsToADisc_data()
 {
     QTest::addColumn<float>("radius");
     QTest::addColumn<QStringList>("rows");
@@ -162,7 +162,7 @@ void MorphologyTest::aPixelGrowsToADisc_data()
                                               ".#####.", ".#####.", "...#..."};
 }
 
-void MorphologyTest::aPixelGrowsToADisc()
+void tst_Morphology::APixelGrowsToADisc()
 {
     QFETCH(float, radius);
     QFETCH(QStringList, rows);
@@ -171,7 +171,7 @@ void MorphologyTest::aPixelGrowsToADisc()
     QCOMPARE(Erode(Complement(pixel), radius), Complement(Dilate(pixel, radius)));
 }
 
-void MorphologyTest::aFullMaskIsNotErodedFromTheBorders_data()
+void tst_Morphology::AFullMaskIsNotErodedFromTheBorders_data()
 {
     QTest::addColumn<float>("radius");
     for (const float radius : {1.0F, 2.0F, 5.0F, 13.0F, 30.0F, 200.0F}) {
@@ -179,7 +179,7 @@ void MorphologyTest::aFullMaskIsNotErodedFromTheBorders_data()
     }
 }
 
-void MorphologyTest::aFullMaskIsNotErodedFromTheBorders()
+void tst_Morphology::AFullMaskIsNotErodedFromTheBorders()
 {
     QFETCH(float, radius);
     const QImage full = Filled({37, 29}, raster::MaskSet);
@@ -187,7 +187,7 @@ void MorphologyTest::aFullMaskIsNotErodedFromTheBorders()
     QCOMPARE(Dilate(full, radius), full);
 }
 
-void MorphologyTest::anEmptyMaskStaysEmpty()
+void tst_Morphology::AnEmptyMaskStaysEmpty()
 {
     const QImage empty = BlankMask({37, 29});
     for (const float radius : {1.0F, 3.0F, 25.0F, 300.0F}) {
@@ -196,7 +196,7 @@ void MorphologyTest::anEmptyMaskStaysEmpty()
     }
 }
 
-void MorphologyTest::radiiBelowAPixelChangeNothing_data()
+void tst_Morphology::RadiiBelowAPixelChangeNothing_data()
 {
     QTest::addColumn<float>("radius");
     for (const float radius : {0.0F, -5.0F, 0.99F, NotANumber, -Infinity}) {
@@ -204,7 +204,7 @@ void MorphologyTest::radiiBelowAPixelChangeNothing_data()
     }
 }
 
-void MorphologyTest::radiiBelowAPixelChangeNothing()
+void tst_Morphology::RadiiBelowAPixelChangeNothing()
 {
     QFETCH(float, radius);
     const QImage mask = MaskFromArt({"#..", ".#+"});
@@ -214,7 +214,7 @@ void MorphologyTest::radiiBelowAPixelChangeNothing()
     }
 }
 
-void MorphologyTest::radiiBeyondTheDiagonalChangeNothingMore()
+void tst_Morphology::RadiiBeyondTheDiagonalChangeNothingMore()
 {
     const QImage pixel = WithPixel({40, 30}, {0, 0});
     const QImage full = Filled({40, 30}, raster::MaskSet);
@@ -225,7 +225,7 @@ void MorphologyTest::radiiBeyondTheDiagonalChangeNothingMore()
     QVERIFY(Dilate(pixel, 48) != full);
 }
 
-void MorphologyTest::greyMasksBeyondTheDiagonalBecomeTheirExtremes_data()
+void tst_Morphology::GreyMasksBeyondTheDiagonalBecomeTheirExtremes_data()
 {
     QTest::addColumn<QSize>("size");
     // Visiting, for each row, all rows that it reaches would exceed the test's time limit.
@@ -235,7 +235,7 @@ void MorphologyTest::greyMasksBeyondTheDiagonalBecomeTheirExtremes_data()
 }
 
 /// Pixels outside do not count: the mask holds neither 0 nor 255.
-void MorphologyTest::greyMasksBeyondTheDiagonalBecomeTheirExtremes()
+void tst_Morphology::GreyMasksBeyondTheDiagonalBecomeTheirExtremes()
 {
     QFETCH(QSize, size);
     QImage mask = Filled(size, 100);
@@ -248,20 +248,20 @@ void MorphologyTest::greyMasksBeyondTheDiagonalBecomeTheirExtremes()
     }
 }
 
-void MorphologyTest::openingRemovesWhatIsSmaller()
+void tst_Morphology::OpeningRemovesWhatIsSmaller()
 {
     const QImage mask = MaskFromArt({"#.......", "....#...", "...###..", "....#...", "........"});
     QCOMPARE(ArtFromMask(Open(mask, 1)),
              QStringList({"........", "....#...", "...###..", "....#...", "........"}));
 }
 
-void MorphologyTest::closingFillsWhatIsSmaller()
+void tst_Morphology::ClosingFillsWhatIsSmaller()
 {
     const QImage mask = MaskFromArt({"#######", "#######", "###.###", "#######", "#######"});
     QCOMPARE(Close(mask, 1), Filled(mask.size(), raster::MaskSet));
 }
 
-void MorphologyTest::resultsKeepTheColours()
+void tst_Morphology::ResultsKeepTheColours()
 {
     QImage mask = WithPixel({50, 50}, {10, 10});
     mask.setColor(7, qRgb(1, 2, 3));
@@ -272,7 +272,7 @@ void MorphologyTest::resultsKeepTheColours()
     }
 }
 
-void MorphologyTest::otherFormatsGiveNull_data()
+void tst_Morphology::OtherFormatsGiveNull_data()
 {
     QTest::addColumn<QImage>("image");
     QTest::newRow("null") << QImage();
@@ -280,7 +280,7 @@ void MorphologyTest::otherFormatsGiveNull_data()
     QTest::newRow("8 bits, not indexed") << QImage(8, 8, QImage::Format_Grayscale8);
 }
 
-void MorphologyTest::otherFormatsGiveNull()
+void tst_Morphology::OtherFormatsGiveNull()
 {
     QFETCH(QImage, image);
     for (const QImage& result :
@@ -289,7 +289,7 @@ void MorphologyTest::otherFormatsGiveNull()
     }
 }
 
-void MorphologyTest::discsEqualTheScanOfTheirOffsets()
+void tst_Morphology::DiscsEqualTheScanOfTheirOffsets()
 {
     Random random;
     for (int i = 0; i < 200; ++i) {
@@ -301,7 +301,7 @@ void MorphologyTest::discsEqualTheScanOfTheirOffsets()
     }
 }
 
-void MorphologyTest::smallMasksEqualTheLiteralResult_data()
+void tst_Morphology::SmallMasksEqualTheLiteralResult_data()
 {
     QTest::addColumn<int>("count");
     QTest::addColumn<int>("longestSide");
@@ -313,7 +313,7 @@ void MorphologyTest::smallMasksEqualTheLiteralResult_data()
     QTest::newRow("sweeps") << 120 << 60 << 21 << 50;
 }
 
-void MorphologyTest::smallMasksEqualTheLiteralResult()
+void tst_Morphology::SmallMasksEqualTheLiteralResult()
 {
     QFETCH(int, count);
     QFETCH(int, longestSide);
@@ -329,7 +329,7 @@ void MorphologyTest::smallMasksEqualTheLiteralResult()
     }
 }
 
-void MorphologyTest::longMasksEqualTheLiteralResult_data()
+void tst_Morphology::LongMasksEqualTheLiteralResult_data()
 {
     QTest::addColumn<QSize>("largest");
     QTest::addColumn<int>("largestRadius");
@@ -339,7 +339,7 @@ void MorphologyTest::longMasksEqualTheLiteralResult_data()
     QTest::newRow("very wide") << QSize(2000, 1) << 700;
 }
 
-void MorphologyTest::longMasksEqualTheLiteralResult()
+void tst_Morphology::LongMasksEqualTheLiteralResult()
 {
     QFETCH(QSize, largest);
     QFETCH(int, largestRadius);
@@ -351,7 +351,7 @@ void MorphologyTest::longMasksEqualTheLiteralResult()
     }
 }
 
-void MorphologyTest::aRowOfManyShortRunsGrowsToArcs_data()
+void tst_Morphology::ARowOfManyShortRunsGrowsToArcs_data()
 {
     QTest::addColumn<int>("radius");
     QTest::addColumn<int>("period");
@@ -370,7 +370,7 @@ void MorphologyTest::aRowOfManyShortRunsGrowsToArcs_data()
 }
 
 /// Only one row is set, so each column of the result shows how far the row reaches there.
-void MorphologyTest::aRowOfManyShortRunsGrowsToArcs()
+void tst_Morphology::ARowOfManyShortRunsGrowsToArcs()
 {
     QFETCH(int, radius);
     QFETCH(int, period);
@@ -399,7 +399,7 @@ void MorphologyTest::aRowOfManyShortRunsGrowsToArcs()
 
 /// Rows of many short runs that reach further than a byte counts. The rest is clear, or the literal
 /// result would take minutes.
-void MorphologyTest::busyRowsOfHighMasksEqualTheLiteralResult()
+void tst_Morphology::BusyRowsOfHighMasksEqualTheLiteralResult()
 {
     Random random;
     for (int i = 0; i < 12; ++i) {
@@ -419,7 +419,7 @@ void MorphologyTest::busyRowsOfHighMasksEqualTheLiteralResult()
     }
 }
 
-void MorphologyTest::singlePixelsAtCornersEqualTheLiteralResult()
+void tst_Morphology::SinglePixelsAtCornersEqualTheLiteralResult()
 {
     Random random;
     for (int i = 0; i < 200; ++i) {
@@ -441,7 +441,7 @@ void MorphologyTest::singlePixelsAtCornersEqualTheLiteralResult()
     }
 }
 
-void MorphologyTest::allRadiiEqualTheLiteralResult()
+void tst_Morphology::AllRadiiEqualTheLiteralResult()
 {
     Random random;
     for (int radius = 0; radius <= 60; ++radius) {
@@ -449,7 +449,7 @@ void MorphologyTest::allRadiiEqualTheLiteralResult()
     }
 }
 
-void MorphologyTest::greyMasksThatLookBinaryAreNoticed()
+void tst_Morphology::GreyMasksThatLookBinaryAreNoticed()
 {
     // A single pixel that is neither set nor clear, far from the beginning.
     for (const uchar index : {uchar(1), uchar(128), uchar(254)}) {
@@ -462,7 +462,7 @@ void MorphologyTest::greyMasksThatLookBinaryAreNoticed()
     }
 }
 
-void MorphologyTest::openAndCloseAreTheirSteps()
+void tst_Morphology::OpenAndCloseAreTheirSteps()
 {
     Random random;
     for (int i = 0; i < 200; ++i) {
@@ -475,7 +475,7 @@ void MorphologyTest::openAndCloseAreTheirSteps()
     }
 }
 
-void MorphologyTest::floatsAreComparedAtLargeRadii()
+void tst_Morphology::FloatsAreComparedAtLargeRadii()
 {
     // 5801 * 5801 + 1 * 1 is more than 5801 * 5801, but both are the same float.
     const QImage grown = Dilate(WithPixel({5803, 3}, {0, 0}), 5801);
@@ -488,7 +488,7 @@ void MorphologyTest::floatsAreComparedAtLargeRadii()
     QVERIFY(grown.constScanLine(1)[5801] == raster::MaskSet);
 }
 
-void MorphologyTest::veryHighMasksAreServed()
+void tst_Morphology::VeryHighMasksAreServed()
 {
     // A reach beyond 16 bits.
     const QSize size(2, 40000);
@@ -501,7 +501,7 @@ void MorphologyTest::veryHighMasksAreServed()
     }
 }
 
-void MorphologyTest::sweepsDoWithoutMemoryForEdges()
+void tst_Morphology::SweepsDoWithoutMemoryForEdges()
 {
     QImage mask = BlankMask({8192, 4100});
     for (int y = 0; y < mask.height(); ++y) {
@@ -517,7 +517,7 @@ void MorphologyTest::sweepsDoWithoutMemoryForEdges()
     QCOMPARE(Erode(mask, 300), eroded);
 }
 
-void MorphologyTest::withoutMemoryTheResultIsNull()
+void tst_Morphology::WithoutMemoryTheResultIsNull()
 {
     const QImage mask = WithPixel({8192, 8192}, {1, 1});
 #ifdef __SANITIZE_ADDRESS__
@@ -528,6 +528,6 @@ void MorphologyTest::withoutMemoryTheResultIsNull()
     QVERIFY(Close(mask, 40).isNull());
 }
 
-QTEST_APPLESS_MAIN(MorphologyTest)
+QTEST_APPLESS_MAIN(tst_Morphology)
 
 #include "tst_Morphology.moc"

@@ -14,13 +14,13 @@ using raster::Erode;
 
 /// The reach of a pixel is stored in the narrowest type that the number of rows allows. Tests the
 /// largest reach of each type, and one more.
-class MorphologyReachTest : public QObject
+class tst_MorphologyReach : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void singlePixelsGrowToTheDisc_data();
-    void singlePixelsGrowToTheDisc();
+    void SinglePixelsGrowToTheDisc_data();
+    void SinglePixelsGrowToTheDisc();
 };
 
 namespace {
@@ -57,7 +57,7 @@ void AddRow(QSize size, int radius)
 
 } // namespace
 
-void MorphologyReachTest::singlePixelsGrowToTheDisc_data()
+void tst_MorphologyReach::SinglePixelsGrowToTheDisc_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<int>("radius");
@@ -73,7 +73,7 @@ void MorphologyReachTest::singlePixelsGrowToTheDisc_data()
     }
 }
 
-void MorphologyReachTest::singlePixelsGrowToTheDisc()
+void tst_MorphologyReach::SinglePixelsGrowToTheDisc()
 {
     QFETCH(QSize, size);
     QFETCH(int, radius);
@@ -83,6 +83,6 @@ void MorphologyReachTest::singlePixelsGrowToTheDisc()
     }
 }
 
-QTEST_APPLESS_MAIN(MorphologyReachTest)
+QTEST_APPLESS_MAIN(tst_MorphologyReach)
 
 #include "tst_MorphologyReach.moc"

@@ -13,20 +13,20 @@
 
 using raster::PixelMemory;
 
-class PixelMemoryTest : public QObject
+class tst_PixelMemory : public QObject
 {
     Q_OBJECT
 
 private slots:
     void cleanup();
 
-    void zeroedMemoryIsZero_data();
-    void zeroedMemoryIsZero();
-    void isEmptyWhereThereIsNoMemory();
-    void theLastBlockIsKeptForTheNextOfItsSize();
-    void anotherSizeTakesThePlaceOfTheKeptBlock();
-    void resultsAreKeptUpToTheSizeOfADenseWorld_data();
-    void resultsAreKeptUpToTheSizeOfADenseWorld();
+    void ZeroedMemoryIsZero_data();
+    void ZeroedMemoryIsZero();
+    void IsEmptyWhereThereIsNoMemory();
+    void TheLastBlockIsKeptForTheNextOfItsSize();
+    void AnotherSizeTakesThePlaceOfTheKeptBlock();
+    void ResultsAreKeptUpToTheSizeOfADenseWorld_data();
+    void ResultsAreKeptUpToTheSizeOfADenseWorld();
 };
 
 namespace {
@@ -48,12 +48,12 @@ void ReleaseWritten(std::size_t byteCount)
 } // namespace
 
 /// Leaves no more than a mebibyte kept.
-void PixelMemoryTest::cleanup()
+void tst_PixelMemory::cleanup()
 {
     PixelMemory::Unfilled(Mebibyte);
 }
 
-void PixelMemoryTest::zeroedMemoryIsZero_data()
+void tst_PixelMemory::ZeroedMemoryIsZero_data()
 {
     QTest::addColumn<int>("byteCount");
     QTest::newRow("small") << 100000;
@@ -61,7 +61,7 @@ void PixelMemoryTest::zeroedMemoryIsZero_data()
     QTest::newRow("as large as what is kept") << int(40 * Mebibyte);
 }
 
-void PixelMemoryTest::zeroedMemoryIsZero()
+void tst_PixelMemory::ZeroedMemoryIsZero()
 {
     QFETCH(int, byteCount);
     const auto count = static_cast<std::size_t>(byteCount);
@@ -72,7 +72,7 @@ void PixelMemoryTest::zeroedMemoryIsZero()
     QVERIFY(std::all_of(bytes, bytes + count, [](char byte) { return byte == 0; }));
 }
 
-void PixelMemoryTest::isEmptyWhereThereIsNoMemory()
+void tst_PixelMemory::IsEmptyWhereThereIsNoMemory()
 {
     QVERIFY(PixelMemory().IsEmpty());
     constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
@@ -82,7 +82,7 @@ void PixelMemoryTest::isEmptyWhereThereIsNoMemory()
     }
 }
 
-void PixelMemoryTest::theLastBlockIsKeptForTheNextOfItsSize()
+void tst_PixelMemory::TheLastBlockIsKeptForTheNextOfItsSize()
 {
     uchar* bytes = nullptr;
     {
@@ -97,7 +97,7 @@ void PixelMemoryTest::theLastBlockIsKeptForTheNextOfItsSize()
     QVERIFY(other.As<uchar>() != bytes);
 }
 
-void PixelMemoryTest::anotherSizeTakesThePlaceOfTheKeptBlock()
+void tst_PixelMemory::AnotherSizeTakesThePlaceOfTheKeptBlock()
 {
 #ifdef __SANITIZE_ADDRESS__
     return; // The sanitizer keeps what was freed for a while.
@@ -109,7 +109,7 @@ void PixelMemoryTest::anotherSizeTakesThePlaceOfTheKeptBlock()
     QVERIFY(GrowthSince(before) < qint64(50 * Mebibyte));
 }
 
-void PixelMemoryTest::resultsAreKeptUpToTheSizeOfADenseWorld_data()
+void tst_PixelMemory::ResultsAreKeptUpToTheSizeOfADenseWorld_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<bool>("isKept");
@@ -117,7 +117,7 @@ void PixelMemoryTest::resultsAreKeptUpToTheSizeOfADenseWorld_data()
     QTest::newRow("one row more") << QSize(8192, 8193) << false;
 }
 
-void PixelMemoryTest::resultsAreKeptUpToTheSizeOfADenseWorld()
+void tst_PixelMemory::ResultsAreKeptUpToTheSizeOfADenseWorld()
 {
 #ifdef __SANITIZE_ADDRESS__
     return; // The sanitizer keeps what was freed for a while.
@@ -131,6 +131,6 @@ void PixelMemoryTest::resultsAreKeptUpToTheSizeOfADenseWorld()
     QCOMPARE(GrowthSince(before) > qint64(16 * Mebibyte), isKept);
 }
 
-QTEST_APPLESS_MAIN(PixelMemoryTest)
+QTEST_APPLESS_MAIN(tst_PixelMemory)
 
 #include "tst_PixelMemory.moc"

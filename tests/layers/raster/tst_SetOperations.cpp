@@ -15,24 +15,24 @@ using raster::Difference;
 using raster::Intersection;
 using raster::Union;
 
-class SetOperationsTest : public QObject
+class tst_SetOperations : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void masksAreCombined_data();
-    void masksAreCombined();
-    void everyPairOfIndicesIsCombinedBitByBit();
-    void randomMasksEqualTheLiteralResult();
-    void paddingIsTreatedLikePixels();
-    void foreignStridesAreServed();
-    void resultsKeepTheFirstMasksColours();
-    void operandsStayAsTheyAre();
-    void otherGeometriesGiveNull_data();
-    void otherGeometriesGiveNull();
-    void theComplementOfNullIsNull();
-    void largeResultsKeepToThemselves();
-    void picturesLongerThanMasksAreServed();
+    void MasksAreCombined_data();
+    void MasksAreCombined();
+    void EveryPairOfIndicesIsCombinedBitByBit();
+    void RandomMasksEqualTheLiteralResult();
+    void PaddingIsTreatedLikePixels();
+    void ForeignStridesAreServed();
+    void ResultsKeepTheFirstMasksColours();
+    void OperandsStayAsTheyAre();
+    void OtherGeometriesGiveNull_data();
+    void OtherGeometriesGiveNull();
+    void TheComplementOfNullIsNull();
+    void LargeResultsKeepToThemselves();
+    void PicturesLongerThanMasksAreServed();
 };
 
 namespace {
@@ -68,7 +68,7 @@ QImage AllIndices()
 
 } // namespace
 
-void SetOperationsTest::masksAreCombined_data()
+void tst_SetOperations::MasksAreCombined_data()
 {
     QTest::addColumn<QImage>("result");
     QTest::addColumn<QString>("row");
@@ -80,14 +80,14 @@ void SetOperationsTest::masksAreCombined_data()
     QTest::newRow("difference") << Difference(a, b) << ".#..";
 }
 
-void SetOperationsTest::masksAreCombined()
+void tst_SetOperations::MasksAreCombined()
 {
     QFETCH(QImage, result);
     QFETCH(QString, row);
     QCOMPARE(ArtFromMask(result), QStringList({row, row}));
 }
 
-void SetOperationsTest::everyPairOfIndicesIsCombinedBitByBit()
+void tst_SetOperations::EveryPairOfIndicesIsCombinedBitByBit()
 {
     const QImage a = AllIndices();
     for (int i = 0; i < 256; ++i) {
@@ -106,7 +106,7 @@ void SetOperationsTest::everyPairOfIndicesIsCombinedBitByBit()
     }
 }
 
-void SetOperationsTest::randomMasksEqualTheLiteralResult()
+void tst_SetOperations::RandomMasksEqualTheLiteralResult()
 {
     Random random;
     for (int i = 0; i < 300; ++i) {
@@ -126,14 +126,14 @@ void SetOperationsTest::randomMasksEqualTheLiteralResult()
     }
 }
 
-void SetOperationsTest::paddingIsTreatedLikePixels()
+void tst_SetOperations::PaddingIsTreatedLikePixels()
 {
     const QImage a = MaskFromArt({"#"});
     QCOMPARE(a.bytesPerLine(), 4);
     QCOMPARE(Complement(a).constScanLine(0)[3], uchar(~a.constScanLine(0)[3]));
 }
 
-void SetOperationsTest::foreignStridesAreServed()
+void tst_SetOperations::ForeignStridesAreServed()
 {
     std::vector<uchar> buffer(2 * 12, 0);
     buffer[0] = buffer[13] = raster::MaskSet;
@@ -146,7 +146,7 @@ void SetOperationsTest::foreignStridesAreServed()
     QCOMPARE(ArtFromMask(Complement(foreign)), QStringList({".##", "#.#"}));
 }
 
-void SetOperationsTest::resultsKeepTheFirstMasksColours()
+void tst_SetOperations::ResultsKeepTheFirstMasksColours()
 {
     QImage a = MaskFromArt(ArtA());
     a.setColor(0, qRgb(1, 2, 3));
@@ -158,7 +158,7 @@ void SetOperationsTest::resultsKeepTheFirstMasksColours()
     }
 }
 
-void SetOperationsTest::operandsStayAsTheyAre()
+void tst_SetOperations::OperandsStayAsTheyAre()
 {
     const QImage a = MaskFromArt(ArtA());
     const QImage b = MaskFromArt(ArtB());
@@ -169,7 +169,7 @@ void SetOperationsTest::operandsStayAsTheyAre()
     QCOMPARE(ArtFromMask(b), ArtB());
 }
 
-void SetOperationsTest::otherGeometriesGiveNull_data()
+void tst_SetOperations::OtherGeometriesGiveNull_data()
 {
     QTest::addColumn<QImage>("other");
     QTest::newRow("null") << QImage();
@@ -178,7 +178,7 @@ void SetOperationsTest::otherGeometriesGiveNull_data()
     QTest::newRow("another format") << QImage(4, 2, QImage::Format_Grayscale8);
 }
 
-void SetOperationsTest::otherGeometriesGiveNull()
+void tst_SetOperations::OtherGeometriesGiveNull()
 {
     QFETCH(QImage, other);
     const QImage mask = MaskFromArt(ArtA());
@@ -188,12 +188,12 @@ void SetOperationsTest::otherGeometriesGiveNull()
     }
 }
 
-void SetOperationsTest::theComplementOfNullIsNull()
+void tst_SetOperations::TheComplementOfNullIsNull()
 {
     QVERIFY(Complement(QImage()).isNull());
 }
 
-void SetOperationsTest::picturesLongerThanMasksAreServed()
+void tst_SetOperations::PicturesLongerThanMasksAreServed()
 {
     QImage picture(70000, 600, QImage::Format_Indexed8);
     picture.fill(raster::MaskSet);
@@ -203,7 +203,7 @@ void SetOperationsTest::picturesLongerThanMasksAreServed()
     QCOMPARE(Union(complement, picture), picture);
 }
 
-void SetOperationsTest::largeResultsKeepToThemselves()
+void tst_SetOperations::LargeResultsKeepToThemselves()
 {
     // Above 32 MB the memory of a destroyed result is used again.
     const QSize size(6001, 6001);
@@ -221,6 +221,6 @@ void SetOperationsTest::largeResultsKeepToThemselves()
     QCOMPARE(second.pixelIndex(6000, 6000), 255);
 }
 
-QTEST_APPLESS_MAIN(SetOperationsTest)
+QTEST_APPLESS_MAIN(tst_SetOperations)
 
 #include "tst_SetOperations.moc"

@@ -14,23 +14,23 @@ using raster::BitFieldRaster;
 using raster::FlagMask;
 using raster::SplitResult;
 
-class SplitFieldsTest : public QObject
+class tst_SplitFields : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void flagsComeInTheOrderOfTheirFirstPixels();
-    void combinedFlagsAreSplit();
-    void flagsBehindTheKnownOnesAreIgnored_data();
-    void flagsBehindTheKnownOnesAreIgnored();
-    void missingWordsCountAsClear();
-    void masksHaveTheGreyTable();
-    void rowsNarrowerThanAWordHoldNothing();
-    void fieldsAreSplitLikeTheLiteralOnes_data();
-    void fieldsAreSplitLikeTheLiteralOnes();
-    void composedFieldsSplitIntoTheirFlags();
-    void wordsBehindTheLastRowAreIgnored();
-    void masksWithoutMemoryAreCounted();
+    void FlagsComeInTheOrderOfTheirFirstPixels();
+    void CombinedFlagsAreSplit();
+    void FlagsBehindTheKnownOnesAreIgnored_data();
+    void FlagsBehindTheKnownOnesAreIgnored();
+    void MissingWordsCountAsClear();
+    void MasksHaveTheGreyTable();
+    void RowsNarrowerThanAWordHoldNothing();
+    void FieldsAreSplitLikeTheLiteralOnes_data();
+    void FieldsAreSplitLikeTheLiteralOnes();
+    void ComposedFieldsSplitIntoTheirFlags();
+    void WordsBehindTheLastRowAreIgnored();
+    void MasksWithoutMemoryAreCounted();
 };
 
 namespace {
@@ -85,7 +85,7 @@ QVector<quint32> RandomWords(Random& random, qint64 count)
 
 } // namespace
 
-void SplitFieldsTest::flagsComeInTheOrderOfTheirFirstPixels()
+void tst_SplitFields::FlagsComeInTheOrderOfTheirFirstPixels()
 {
     // Two rows of two pixels: the bottom row is the first of the file.
     const QVector<FlagMask> masks = Split({0x00000006, 0x00000009, 0x00000011, 0}, 32, {2, 2}, 8);
@@ -101,7 +101,7 @@ void SplitFieldsTest::flagsComeInTheOrderOfTheirFirstPixels()
     QCOMPARE(ArtFromMask(masks.at(4).mask), (QStringList{"#.", ".."}));
 }
 
-void SplitFieldsTest::combinedFlagsAreSplit()
+void tst_SplitFields::CombinedFlagsAreSplit()
 {
     const QVector<FlagMask> masks = Split({0x00050500}, 8, {4, 1}, 3);
     QCOMPARE(masks.size(), 2);
@@ -111,7 +111,7 @@ void SplitFieldsTest::combinedFlagsAreSplit()
     QCOMPARE(ArtFromMask(masks.at(1).mask), QStringList{".##."});
 }
 
-void SplitFieldsTest::flagsBehindTheKnownOnesAreIgnored_data()
+void tst_SplitFields::FlagsBehindTheKnownOnesAreIgnored_data()
 {
     QTest::addColumn<int>("flagCount");
     QTest::addColumn<int>("found");
@@ -123,7 +123,7 @@ void SplitFieldsTest::flagsBehindTheKnownOnesAreIgnored_data()
     QTest::newRow("more than there are bits") << 40 << 32;
 }
 
-void SplitFieldsTest::flagsBehindTheKnownOnesAreIgnored()
+void tst_SplitFields::FlagsBehindTheKnownOnesAreIgnored()
 {
     QFETCH(int, flagCount);
     QFETCH(int, found);
@@ -134,7 +134,7 @@ void SplitFieldsTest::flagsBehindTheKnownOnesAreIgnored()
     }
 }
 
-void SplitFieldsTest::missingWordsCountAsClear()
+void tst_SplitFields::MissingWordsCountAsClear()
 {
     // The second file row, the top one of the image, lacks its second word.
     const QVector<FlagMask> masks = Split({0x01010101, 0x01010101, 0x01010101}, 8, {8, 3}, 1);
@@ -143,24 +143,24 @@ void SplitFieldsTest::missingWordsCountAsClear()
     QVERIFY(Split({}, 8, {8, 3}, 1).isEmpty());
 }
 
-void SplitFieldsTest::masksHaveTheGreyTable()
+void tst_SplitFields::MasksHaveTheGreyTable()
 {
     const QImage mask = Split({1}, 32, {1, 1}, 1).at(0).mask;
     QCOMPARE(mask.format(), QImage::Format_Indexed8);
     QCOMPARE(mask.colorTable(), raster::GreyTable());
 }
 
-void SplitFieldsTest::rowsNarrowerThanAWordHoldNothing()
+void tst_SplitFields::RowsNarrowerThanAWordHoldNothing()
 {
     QVERIFY(Split({}, 8, {3, 5}, 8).isEmpty());
 }
 
-void SplitFieldsTest::fieldsAreSplitLikeTheLiteralOnes_data()
+void tst_SplitFields::FieldsAreSplitLikeTheLiteralOnes_data()
 {
     AddBitCounts();
 }
 
-void SplitFieldsTest::fieldsAreSplitLikeTheLiteralOnes()
+void tst_SplitFields::FieldsAreSplitLikeTheLiteralOnes()
 {
     QFETCH(int, bits);
     Random random;
@@ -181,7 +181,7 @@ void SplitFieldsTest::fieldsAreSplitLikeTheLiteralOnes()
     }
 }
 
-void SplitFieldsTest::composedFieldsSplitIntoTheirFlags()
+void tst_SplitFields::ComposedFieldsSplitIntoTheirFlags()
 {
     const QImage left = MaskFromArt({"####....", "..##...."});
     const QImage right = MaskFromArt({"....####", ".....#.."});
@@ -198,14 +198,14 @@ void SplitFieldsTest::composedFieldsSplitIntoTheirFlags()
     QCOMPARE(valueMasks.at(1).flag, 2);
 }
 
-void SplitFieldsTest::wordsBehindTheLastRowAreIgnored()
+void tst_SplitFields::WordsBehindTheLastRowAreIgnored()
 {
     const QVector<FlagMask> masks = Split({0x01000000, 0x00000001, 0x02020202}, 8, {4, 2}, 8);
     QCOMPARE(masks.size(), 1);
     QCOMPARE(ArtFromMask(masks.at(0).mask), (QStringList{"...#", "#..."}));
 }
 
-void SplitFieldsTest::masksWithoutMemoryAreCounted()
+void tst_SplitFields::MasksWithoutMemoryAreCounted()
 {
     const MemoryLimit limit(64 << 20);
     const SplitResult result = SplitBlocks({0xFFFF0003, 4}, 1, 32, {16384, 16384}, 8);
@@ -213,6 +213,6 @@ void SplitFieldsTest::masksWithoutMemoryAreCounted()
     QCOMPARE(result.missingCount, 3);
 }
 
-QTEST_GUILESS_MAIN(SplitFieldsTest)
+QTEST_GUILESS_MAIN(tst_SplitFields)
 
 #include "tst_SplitFields.moc"

@@ -15,40 +15,40 @@ using raster::TargaResult;
 
 Q_DECLARE_METATYPE(raster::TargaError)
 
-class TargaCodecReadingTest : public QObject
+class tst_TargaCodecReading : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void filesThatAreNoMaskOfTheSizeAreRefused_data();
-    void filesThatAreNoMaskOfTheSizeAreRefused();
-    void headerFieldsWithoutMeaningAreIgnored_data();
-    void headerFieldsWithoutMeaningAreIgnored();
-    void rowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo_data();
-    void rowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo();
-    void sixteenBitPixelsAreReadByteByByte();
-    void masksHaveTheGreyTable();
-    void packetsAreDecoded_data();
-    void packetsAreDecoded();
-    void missingRawBytesAreThoseOfTheRowBefore_data();
-    void missingRawBytesAreThoseOfTheRowBefore();
-    void filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes_data();
-    void filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes();
-    void randomPacketsAreReadLikeTheLiteralReaderDoes();
-    void bytesBehindThoseOfTheMaskAreIgnored();
-    void largeMasksAreDecodedInPlace_data();
-    void largeMasksAreDecodedInPlace();
-    void clearPixelsTakeNoMemory_data();
-    void clearPixelsTakeNoMemory();
-    void sizesWithoutAnImageGiveNone_data();
-    void sizesWithoutAnImageGiveNone();
-    void theHeaderAloneTellsWhatIsRefused_data();
-    void theHeaderAloneTellsWhatIsRefused();
-    void theMostBytesAreThoseOfOnePacketAPixel_data();
-    void theMostBytesAreThoseOfOnePacketAPixel();
+    void FilesThatAreNoMaskOfTheSizeAreRefused_data();
+    void FilesThatAreNoMaskOfTheSizeAreRefused();
+    void HeaderFieldsWithoutMeaningAreIgnored_data();
+    void HeaderFieldsWithoutMeaningAreIgnored();
+    void RowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo_data();
+    void RowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo();
+    void SixteenBitPixelsAreReadByteByByte();
+    void MasksHaveTheGreyTable();
+    void PacketsAreDecoded_data();
+    void PacketsAreDecoded();
+    void MissingRawBytesAreThoseOfTheRowBefore_data();
+    void MissingRawBytesAreThoseOfTheRowBefore();
+    void FilesCutOffAnywhereAreReadLikeTheLiteralReaderDoes_data();
+    void FilesCutOffAnywhereAreReadLikeTheLiteralReaderDoes();
+    void RandomPacketsAreReadLikeTheLiteralReaderDoes();
+    void BytesBehindThoseOfTheMaskAreIgnored();
+    void LargeMasksAreDecodedInPlace_data();
+    void LargeMasksAreDecodedInPlace();
+    void ClearPixelsTakeNoMemory_data();
+    void ClearPixelsTakeNoMemory();
+    void SizesWithoutAnImageGiveNone_data();
+    void SizesWithoutAnImageGiveNone();
+    void TheHeaderAloneTellsWhatIsRefused_data();
+    void TheHeaderAloneTellsWhatIsRefused();
+    void TheMostBytesAreThoseOfOnePacketAPixel_data();
+    void TheMostBytesAreThoseOfOnePacketAPixel();
 };
 
-void TargaCodecReadingTest::filesThatAreNoMaskOfTheSizeAreRefused_data()
+void tst_TargaCodecReading::FilesThatAreNoMaskOfTheSizeAreRefused_data()
 {
     QTest::addColumn<QByteArray>("header");
     QTest::addColumn<TargaError>("error");
@@ -79,7 +79,7 @@ void TargaCodecReadingTest::filesThatAreNoMaskOfTheSizeAreRefused_data()
     QTest::newRow("only half of the height") << good.left(15) << TargaError::None;
 }
 
-void TargaCodecReadingTest::filesThatAreNoMaskOfTheSizeAreRefused()
+void tst_TargaCodecReading::FilesThatAreNoMaskOfTheSizeAreRefused()
 {
     QFETCH(QByteArray, header);
     QFETCH(TargaError, error);
@@ -88,7 +88,7 @@ void TargaCodecReadingTest::filesThatAreNoMaskOfTheSizeAreRefused()
     QCOMPARE(result.mask.isNull(), error != TargaError::None);
 }
 
-void TargaCodecReadingTest::headerFieldsWithoutMeaningAreIgnored_data()
+void tst_TargaCodecReading::HeaderFieldsWithoutMeaningAreIgnored_data()
 {
     QTest::addColumn<int>("offset");
     for (const int offset : {3, 4, 5, 6, 7, 8, 9, 10, 11, 16}) {
@@ -96,7 +96,7 @@ void TargaCodecReadingTest::headerFieldsWithoutMeaningAreIgnored_data()
     }
 }
 
-void TargaCodecReadingTest::headerFieldsWithoutMeaningAreIgnored()
+void tst_TargaCodecReading::HeaderFieldsWithoutMeaningAreIgnored()
 {
     QFETCH(int, offset);
     const QImage mask = MaskFromArt({"#..", ".#."});
@@ -105,7 +105,7 @@ void TargaCodecReadingTest::headerFieldsWithoutMeaningAreIgnored()
     QCOMPARE(Decoded(file, mask.size()).mask, mask);
 }
 
-void TargaCodecReadingTest::rowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo_data()
+void tst_TargaCodecReading::RowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo_data()
 {
     QTest::addColumn<char>("imageType");
     QTest::addColumn<char>("descriptor");
@@ -119,7 +119,7 @@ void TargaCodecReadingTest::rowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo_d
     }
 }
 
-void TargaCodecReadingTest::rowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo()
+void tst_TargaCodecReading::RowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo()
 {
     QFETCH(char, imageType);
     QFETCH(char, descriptor);
@@ -134,7 +134,7 @@ void TargaCodecReadingTest::rowsAreStoredFromTheTopOnlyWhenTheDescriptorSaysSo()
     QCOMPARE(ArtFromMask(Decoded(file, mask.size()).mask), isTopDown ? art : flipped);
 }
 
-void TargaCodecReadingTest::sixteenBitPixelsAreReadByteByByte()
+void tst_TargaCodecReading::SixteenBitPixelsAreReadByteByByte()
 {
     QByteArray file = TargaHeader(RawType, {2, 2}) + QByteArray::fromHex("01020304 05060708");
     file[16] = 16;
@@ -143,14 +143,14 @@ void TargaCodecReadingTest::sixteenBitPixelsAreReadByteByByte()
     QCOMPARE(Indices(result.mask).toHex(), QByteArray("01020304"));
 }
 
-void TargaCodecReadingTest::masksHaveTheGreyTable()
+void tst_TargaCodecReading::MasksHaveTheGreyTable()
 {
     const QImage mask = Decoded(TargaHeader(RawType, {3, 3}), {3, 3}).mask;
     QCOMPARE(mask.format(), QImage::Format_Indexed8);
     QCOMPARE(mask.colorTable(), raster::GreyTable());
 }
 
-void TargaCodecReadingTest::packetsAreDecoded_data()
+void tst_TargaCodecReading::PacketsAreDecoded_data()
 {
     QTest::addColumn<QByteArray>("packets");
     QTest::addColumn<QByteArray>("indices");
@@ -181,7 +181,7 @@ void TargaCodecReadingTest::packetsAreDecoded_data()
     QTest::newRow("no packet") << QByteArray() << QByteArray("0000000000000000");
 }
 
-void TargaCodecReadingTest::packetsAreDecoded()
+void tst_TargaCodecReading::PacketsAreDecoded()
 {
     QFETCH(QByteArray, packets);
     QFETCH(QByteArray, indices);
@@ -190,7 +190,7 @@ void TargaCodecReadingTest::packetsAreDecoded()
     QCOMPARE(Indices(result.mask).toHex(), indices);
 }
 
-void TargaCodecReadingTest::missingRawBytesAreThoseOfTheRowBefore_data()
+void tst_TargaCodecReading::MissingRawBytesAreThoseOfTheRowBefore_data()
 {
     QTest::addColumn<QByteArray>("data");
     QTest::addColumn<QByteArray>("indices");
@@ -207,7 +207,7 @@ void TargaCodecReadingTest::missingRawBytesAreThoseOfTheRowBefore_data()
     QTest::newRow("none") << QByteArray() << QByteArray("000000000000000000");
 }
 
-void TargaCodecReadingTest::missingRawBytesAreThoseOfTheRowBefore()
+void tst_TargaCodecReading::MissingRawBytesAreThoseOfTheRowBefore()
 {
     QFETCH(QByteArray, data);
     QFETCH(QByteArray, indices);
@@ -215,7 +215,7 @@ void TargaCodecReadingTest::missingRawBytesAreThoseOfTheRowBefore()
     QCOMPARE(Indices(mask).toHex(), indices);
 }
 
-void TargaCodecReadingTest::filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes_data()
+void tst_TargaCodecReading::FilesCutOffAnywhereAreReadLikeTheLiteralReaderDoes_data()
 {
     QTest::addColumn<bool>("isRunLength");
     QTest::addColumn<char>("descriptor");
@@ -225,7 +225,7 @@ void TargaCodecReadingTest::filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes_d
     QTest::newRow("run-length, bottom up") << true << BottomUp;
 }
 
-void TargaCodecReadingTest::filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes()
+void tst_TargaCodecReading::FilesCutOffAnywhereAreReadLikeTheLiteralReaderDoes()
 {
     QFETCH(bool, isRunLength);
     QFETCH(char, descriptor);
@@ -240,7 +240,7 @@ void TargaCodecReadingTest::filesCutOffAnywhereAreReadLikeTheLiteralReaderDoes()
     }
 }
 
-void TargaCodecReadingTest::randomPacketsAreReadLikeTheLiteralReaderDoes()
+void tst_TargaCodecReading::RandomPacketsAreReadLikeTheLiteralReaderDoes()
 {
     Random random;
     for (int i = 0; i < 2000; ++i) {
@@ -256,7 +256,7 @@ void TargaCodecReadingTest::randomPacketsAreReadLikeTheLiteralReaderDoes()
     }
 }
 
-void TargaCodecReadingTest::bytesBehindThoseOfTheMaskAreIgnored()
+void tst_TargaCodecReading::BytesBehindThoseOfTheMaskAreIgnored()
 {
     const QImage mask = MaskFromArt({"##..#", ".#+#."});
     for (const TargaPacking packing : {TargaPacking::Raw, TargaPacking::RunLength}) {
@@ -265,7 +265,7 @@ void TargaCodecReadingTest::bytesBehindThoseOfTheMaskAreIgnored()
     }
 }
 
-void TargaCodecReadingTest::largeMasksAreDecodedInPlace_data()
+void tst_TargaCodecReading::LargeMasksAreDecodedInPlace_data()
 {
     QTest::addColumn<char>("imageType");
     QTest::addColumn<char>("descriptor");
@@ -275,7 +275,7 @@ void TargaCodecReadingTest::largeMasksAreDecodedInPlace_data()
     QTest::newRow("run-length, bottom-up") << RunLengthType << BottomUp;
 }
 
-void TargaCodecReadingTest::largeMasksAreDecodedInPlace()
+void tst_TargaCodecReading::LargeMasksAreDecodedInPlace()
 {
     QFETCH(char, imageType);
     QFETCH(char, descriptor);
@@ -287,7 +287,7 @@ void TargaCodecReadingTest::largeMasksAreDecodedInPlace()
     QCOMPARE(result.mask.size(), size);
 }
 
-void TargaCodecReadingTest::clearPixelsTakeNoMemory_data()
+void tst_TargaCodecReading::ClearPixelsTakeNoMemory_data()
 {
     QTest::addColumn<int>("width");
     QTest::addColumn<QByteArray>("packets");
@@ -306,7 +306,7 @@ void TargaCodecReadingTest::clearPixelsTakeNoMemory_data()
     }
 }
 
-void TargaCodecReadingTest::clearPixelsTakeNoMemory()
+void tst_TargaCodecReading::ClearPixelsTakeNoMemory()
 {
     QFETCH(int, width);
     QFETCH(QByteArray, packets);
@@ -319,7 +319,7 @@ void TargaCodecReadingTest::clearPixelsTakeNoMemory()
     QCOMPARE(result.mask.size(), size);
 }
 
-void TargaCodecReadingTest::sizesWithoutAnImageGiveNone_data()
+void tst_TargaCodecReading::SizesWithoutAnImageGiveNone_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<TargaError>("error");
@@ -330,7 +330,7 @@ void TargaCodecReadingTest::sizesWithoutAnImageGiveNone_data()
     QTest::newRow("longer than files can say") << QSize(65536, 1) << TargaError::WrongSize;
 }
 
-void TargaCodecReadingTest::sizesWithoutAnImageGiveNone()
+void tst_TargaCodecReading::SizesWithoutAnImageGiveNone()
 {
     QFETCH(QSize, size);
     QFETCH(TargaError, error);
@@ -339,7 +339,7 @@ void TargaCodecReadingTest::sizesWithoutAnImageGiveNone()
     QVERIFY(result.mask.isNull());
 }
 
-void TargaCodecReadingTest::theHeaderAloneTellsWhatIsRefused_data()
+void tst_TargaCodecReading::TheHeaderAloneTellsWhatIsRefused_data()
 {
     QTest::addColumn<QByteArray>("header");
     QTest::addColumn<TargaError>("error");
@@ -353,7 +353,7 @@ void TargaCodecReadingTest::theHeaderAloneTellsWhatIsRefused_data()
     QTest::newRow("another size") << TargaHeader(RawType, {5, 4}) << TargaError::WrongSize;
 }
 
-void TargaCodecReadingTest::theHeaderAloneTellsWhatIsRefused()
+void tst_TargaCodecReading::TheHeaderAloneTellsWhatIsRefused()
 {
     QFETCH(QByteArray, header);
     QFETCH(TargaError, error);
@@ -361,7 +361,7 @@ void TargaCodecReadingTest::theHeaderAloneTellsWhatIsRefused()
     QCOMPARE(raster::CheckTargaHeader(bytes, header.size(), {5, 3}), error);
 }
 
-void TargaCodecReadingTest::theMostBytesAreThoseOfOnePacketAPixel_data()
+void tst_TargaCodecReading::TheMostBytesAreThoseOfOnePacketAPixel_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<qint64>("bytes");
@@ -374,13 +374,13 @@ void TargaCodecReadingTest::theMostBytesAreThoseOfOnePacketAPixel_data()
         << QSize(2147483647, 2147483647) << qint64(9223372028264841236);
 }
 
-void TargaCodecReadingTest::theMostBytesAreThoseOfOnePacketAPixel()
+void tst_TargaCodecReading::TheMostBytesAreThoseOfOnePacketAPixel()
 {
     QFETCH(QSize, size);
     QFETCH(qint64, bytes);
     QCOMPARE(raster::TargaMaxBytes(size), bytes);
 }
 
-QTEST_GUILESS_MAIN(TargaCodecReadingTest)
+QTEST_GUILESS_MAIN(tst_TargaCodecReading)
 
 #include "tst_TargaCodecReading.moc"

@@ -12,23 +12,23 @@ using raster::TargaError;
 using raster::TargaPacking;
 using raster::TargaResult;
 
-class TargaCodecWritingTest : public QObject
+class tst_TargaCodecWriting : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void theHeaderSaysWhatFollows_data();
-    void theHeaderSaysWhatFollows();
-    void runsAreWrittenInPacketsOfAtMost128Pixels_data();
-    void runsAreWrittenInPacketsOfAtMost128Pixels();
-    void runsGoOnAcrossRowEnds();
-    void rawDataHasNoPadding();
-    void largeMasksAreHandedOnInBlocks();
-    void aNullMaskIsWrittenAsItsHeader();
-    void theWriterStopsWhenTheSinkDoes_data();
-    void theWriterStopsWhenTheSinkDoes();
-    void theWriterWritesWhatTheLiteralOneDoes();
-    void whatIsWrittenIsReadBackTheSame();
+    void TheHeaderSaysWhatFollows_data();
+    void TheHeaderSaysWhatFollows();
+    void RunsAreWrittenInPacketsOfAtMost128Pixels_data();
+    void RunsAreWrittenInPacketsOfAtMost128Pixels();
+    void RunsGoOnAcrossRowEnds();
+    void RawDataHasNoPadding();
+    void LargeMasksAreHandedOnInBlocks();
+    void ANullMaskIsWrittenAsItsHeader();
+    void TheWriterStopsWhenTheSinkDoes_data();
+    void TheWriterStopsWhenTheSinkDoes();
+    void TheWriterWritesWhatTheLiteralOneDoes();
+    void WhatIsWrittenIsReadBackTheSame();
 };
 
 namespace {
@@ -49,7 +49,7 @@ QSize RandomSize(Random& random)
 
 } // namespace
 
-void TargaCodecWritingTest::theHeaderSaysWhatFollows_data()
+void tst_TargaCodecWriting::TheHeaderSaysWhatFollows_data()
 {
     QTest::addColumn<int>("packing");
     QTest::addColumn<QSize>("size");
@@ -69,7 +69,7 @@ void TargaCodecWritingTest::theHeaderSaysWhatFollows_data()
         << QByteArray::fromHex("0000 0b 0000 0000 00 0000 0000 ffff 0100 08 20");
 }
 
-void TargaCodecWritingTest::theHeaderSaysWhatFollows()
+void tst_TargaCodecWriting::TheHeaderSaysWhatFollows()
 {
     QFETCH(int, packing);
     QFETCH(QSize, size);
@@ -78,7 +78,7 @@ void TargaCodecWritingTest::theHeaderSaysWhatFollows()
     QCOMPARE(file.left(18).toHex(), header.toHex());
 }
 
-void TargaCodecWritingTest::runsAreWrittenInPacketsOfAtMost128Pixels_data()
+void tst_TargaCodecWriting::RunsAreWrittenInPacketsOfAtMost128Pixels_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<QByteArray>("indices");
@@ -100,7 +100,7 @@ void TargaCodecWritingTest::runsAreWrittenInPacketsOfAtMost128Pixels_data()
         << QByteArray::fromHex("8100 ffff ffff abff 8100");
 }
 
-void TargaCodecWritingTest::runsAreWrittenInPacketsOfAtMost128Pixels()
+void tst_TargaCodecWriting::RunsAreWrittenInPacketsOfAtMost128Pixels()
 {
     QFETCH(QSize, size);
     QFETCH(QByteArray, indices);
@@ -109,13 +109,13 @@ void TargaCodecWritingTest::runsAreWrittenInPacketsOfAtMost128Pixels()
     QCOMPARE(file.mid(18).toHex(), packets.toHex());
 }
 
-void TargaCodecWritingTest::runsGoOnAcrossRowEnds()
+void tst_TargaCodecWriting::RunsGoOnAcrossRowEnds()
 {
     const QImage mask = MaskFromArt({"..###", "####.", "....."});
     QCOMPARE(Encoded(mask, TargaPacking::RunLength).mid(18).toHex(), QByteArray("810086ff8500"));
 }
 
-void TargaCodecWritingTest::rawDataHasNoPadding()
+void tst_TargaCodecWriting::RawDataHasNoPadding()
 {
     const QImage narrow = MaskFromArt({"..###", "####.", "....."});
     QCOMPARE(Encoded(narrow, TargaPacking::Raw).mid(18), Indices(narrow));
@@ -123,7 +123,7 @@ void TargaCodecWritingTest::rawDataHasNoPadding()
     QCOMPARE(Encoded(aligned, TargaPacking::Raw).mid(18), Indices(aligned));
 }
 
-void TargaCodecWritingTest::largeMasksAreHandedOnInBlocks()
+void tst_TargaCodecWriting::LargeMasksAreHandedOnInBlocks()
 {
     // Alternating pixels give the longest data, with a packet for each pixel.
     QImage mask = raster::BlankMask({512, 512});
@@ -145,13 +145,13 @@ void TargaCodecWritingTest::largeMasksAreHandedOnInBlocks()
     QCOMPARE(Decoded(file, mask.size()).mask, mask);
 }
 
-void TargaCodecWritingTest::aNullMaskIsWrittenAsItsHeader()
+void tst_TargaCodecWriting::ANullMaskIsWrittenAsItsHeader()
 {
     QCOMPARE(Encoded({}, TargaPacking::RunLength), TargaHeader(RunLengthType, {0, 0}));
     QCOMPARE(Encoded({}, TargaPacking::Raw), TargaHeader(RawType, {0, 0}));
 }
 
-void TargaCodecWritingTest::theWriterStopsWhenTheSinkDoes_data()
+void tst_TargaCodecWriting::TheWriterStopsWhenTheSinkDoes_data()
 {
     QTest::addColumn<int>("packing");
     QTest::addColumn<QSize>("size");
@@ -162,7 +162,7 @@ void TargaCodecWritingTest::theWriterStopsWhenTheSinkDoes_data()
     }
 }
 
-void TargaCodecWritingTest::theWriterStopsWhenTheSinkDoes()
+void tst_TargaCodecWriting::TheWriterStopsWhenTheSinkDoes()
 {
     QFETCH(int, packing);
     QFETCH(QSize, size);
@@ -187,7 +187,7 @@ void TargaCodecWritingTest::theWriterStopsWhenTheSinkDoes()
     }
 }
 
-void TargaCodecWritingTest::theWriterWritesWhatTheLiteralOneDoes()
+void tst_TargaCodecWriting::TheWriterWritesWhatTheLiteralOneDoes()
 {
     Random random;
     for (int i = 0; i < 200; ++i) {
@@ -197,7 +197,7 @@ void TargaCodecWritingTest::theWriterWritesWhatTheLiteralOneDoes()
     }
 }
 
-void TargaCodecWritingTest::whatIsWrittenIsReadBackTheSame()
+void tst_TargaCodecWriting::WhatIsWrittenIsReadBackTheSame()
 {
     Random random;
     for (int i = 0; i < 200; ++i) {
@@ -210,6 +210,6 @@ void TargaCodecWritingTest::whatIsWrittenIsReadBackTheSame()
     }
 }
 
-QTEST_GUILESS_MAIN(TargaCodecWritingTest)
+QTEST_GUILESS_MAIN(tst_TargaCodecWriting)
 
 #include "tst_TargaCodecWriting.moc"
