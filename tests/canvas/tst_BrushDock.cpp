@@ -6,7 +6,6 @@
 #include <QApplication>
 #include <QColorDialog>
 #include <QLabel>
-#include <QLayout>
 #include <QSignalSpy>
 #include <QSlider>
 #include <QStyle>
@@ -61,11 +60,6 @@ void Wheel(QWidget* widget)
     QApplication::sendEvent(widget, &event);
 }
 
-QVariant Aligned()
-{
-    return static_cast<int>(Qt::AlignRight | Qt::AlignVCenter);
-}
-
 } // namespace
 
 class tst_BrushDock : public QObject
@@ -73,9 +67,6 @@ class tst_BrushDock : public QObject
     Q_OBJECT
 
 private slots:
-    void HasItsForm_data();
-    void HasItsForm();
-    void HasItsLayouts();
     void ShowsTheInitialBrush();
     void FitsItsSize();
     void SetsTheSize_data();
@@ -95,102 +86,6 @@ private slots:
     void TakesTheWheelOnlyWithFocus();
     void TabsInTheOrderOfTheEye();
 };
-
-void tst_BrushDock::HasItsForm_data()
-{
-    QTest::addColumn<QString>("object");
-    QTest::addColumn<QString>("property");
-    QTest::addColumn<QVariant>("value");
-    const QSize box(260, 70);
-    const struct
-    {
-        const char* object;
-        const char* property;
-        QVariant value;
-    } rows[] = {
-        {"BrushDock", "windowTitle", "Brush"},
-        {"BrushDock", "minimumSize", QSize(280, 250)},
-        {"BrushDock", "maximumSize", QSize(280, 250)},
-        {"BrushDock", "features",
-         static_cast<int>(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable)},
-        {"gboBrushSize", "title", "Size"},
-        {"gboBrushSize", "minimumSize", box},
-        {"gboBrushSize", "maximumSize", box},
-        {"gboBrushSize", "baseSize", box},
-        {"sldBrushSize", "orientation", static_cast<int>(Qt::Horizontal)},
-        {"sldBrushSize", "minimum", 1},
-        {"sldBrushSize", "maximum", 256},
-        {"sldBrushSize", "value", 32},
-        {"sldBrushSize", "accessibleName", "Brush size"},
-        {"lblBrushSize", "text", "32"},
-        {"lblBrushSize", "minimumWidth", 40},
-        {"lblBrushSize", "maximumWidth", 40},
-        {"lblBrushSize", "alignment", Aligned()},
-        {"gboBrushColor", "title", "Color and opacity"},
-        {"gboBrushColor", "minimumSize", box},
-        {"gboBrushColor", "maximumSize", box},
-        {"gboBrushColor", "baseSize", box},
-        {"gboBrushOutline", "title", "Outline"},
-        {"gboBrushOutline", "minimumSize", box},
-        {"gboBrushOutline", "maximumSize", box},
-        {"gboBrushOutline", "baseSize", box},
-        {"gboBrushOutline", "checkable", true},
-        {"gboBrushOutline", "checked", false},
-        {"btnOutlineColor", "text", ""},
-        {"btnOutlineColor", "maximumSize", QSize(32, 32)},
-        {"btnOutlineColor", "autoFillBackground", true},
-        {"btnOutlineColor", "accessibleName", "Outline color"},
-        {"sldBrushOutlineWidth", "orientation", static_cast<int>(Qt::Horizontal)},
-        {"sldBrushOutlineWidth", "minimum", 1},
-        {"sldBrushOutlineWidth", "maximum", 10},
-        {"sldBrushOutlineWidth", "pageStep", 2},
-        {"sldBrushOutlineWidth", "value", 1},
-        {"sldBrushOutlineWidth", "accessibleName", "Outline width"},
-        {"lblBrushOutlineWidth", "text", "1"},
-        {"lblBrushOutlineWidth", "minimumWidth", 40},
-        {"lblBrushOutlineWidth", "maximumWidth", 40},
-        {"lblBrushOutlineWidth", "alignment", Aligned()},
-    };
-    for (const auto& row : rows) {
-        QTest::addRow("%s.%s", row.object, row.property)
-            << QString::fromLatin1(row.object) << QString::fromLatin1(row.property) << row.value;
-    }
-}
-
-void tst_BrushDock::HasItsForm()
-{
-    QFETCH(QString, object);
-    QFETCH(QString, property);
-    QFETCH(QVariant, value);
-    Brush brush;
-    const BrushDock dock(brush);
-    const auto* widget = object == dock.objectName() ? static_cast<const QWidget*>(&dock)
-                                                     : dock.findChild<QWidget*>(object);
-    QVERIFY(widget);
-    QVariant actual = widget->property(property.toLatin1().constData());
-    if (value.type() == QVariant::Int) { // Flags and enumerations too.
-        actual = actual.toInt();
-    }
-    QCOMPARE(actual, value);
-}
-
-void tst_BrushDock::HasItsLayouts()
-{
-    Brush brush;
-    const BrushDock dock(brush);
-    QCOMPARE(dock.widget()->objectName(), QStringLiteral("widget"));
-    QCOMPARE(dock.widget()->layout()->objectName(), QStringLiteral("verticalLayout"));
-    QVERIFY(qobject_cast<QVBoxLayout*>(dock.widget()->layout()));
-    const auto* size = Child<QGroupBox>(dock, "gboBrushSize");
-    QCOMPARE(size->layout()->objectName(), QStringLiteral("horizontalLayout_4"));
-    const auto* outline = Child<QGroupBox>(dock, "gboBrushOutline");
-    QCOMPARE(outline->layout()->objectName(), QStringLiteral("horizontalLayout_2"));
-    QVERIFY(Child<GroupBoxColor>(dock, "gboBrushColor"));
-    QVERIFY(Child<ButtonColor>(dock, "btnOutlineColor"));
-    QCOMPARE(Child<QLabel>(dock, "lblBrushSize")->buddy(), Child<QSlider>(dock, "sldBrushSize"));
-    QCOMPARE(Child<QLabel>(dock, "lblBrushOutlineWidth")->buddy(),
-             Child<QSlider>(dock, "sldBrushOutlineWidth"));
-}
 
 void tst_BrushDock::ShowsTheInitialBrush()
 {

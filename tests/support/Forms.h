@@ -3,15 +3,12 @@
 #include <QIcon>
 #include <QObject>
 #include <QString>
-#include <QVariant>
 
-/// The root or its descendant of that name. Null if there is none or more than one.
-QObject* FormObject(QObject& root, const QString& name);
+/// The form as a text: a line for each named object, "Class name: property value, ...", and its
+/// children below it, indented. Left out are properties that a new object of Qt's class has too,
+/// and what depends on fonts or on the platform. Docks in a window are not entered.
+QString FormText(const QObject& root);
 
-/// Checks one row of a form's table: the object has the class and, if a property is given, the
-/// property has the value. Fails the running test otherwise.
-void CheckForm(QObject& root, const QString& name, const QString& className,
-               const QByteArray& property = {}, const QVariant& value = {});
-
-/// Whether the icon shows, at 16 and 24 pixels, the picture of that path in the resources.
-bool ShowsIcon(const QIcon& icon, const QString& path);
+/// The path in the resources of the picture that the icon shows at 16 and 24 pixels. Empty for no
+/// icon, "another picture" for one that is not in the resources.
+QString IconPath(const QIcon& icon);

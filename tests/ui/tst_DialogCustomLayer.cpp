@@ -5,7 +5,6 @@
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "layers/raster/Mask.h"
-#include "tests/support/Forms.h"
 #include "tests/support/LogSpy.h"
 #include "tests/support/OrderedEvents.h"
 #include "tests/support/ProjectFixture.h"
@@ -72,8 +71,6 @@ class tst_DialogCustomLayer : public QObject
 
 private slots:
     void init();
-    void HasItsForm_data();
-    void HasItsForm();
     void OpensWithAPreviewOfTheLabelsSize();
     void BuildsTheCode_data();
     void BuildsTheCode();
@@ -115,79 +112,6 @@ void tst_DialogCustomLayer::init()
     m_document = std::make_unique<Document>();
     m_first = Add("first", QRect(0, 0, 32, 64));
     m_second = Add("second", QRect(0, 0, 64, 16));
-}
-
-void tst_DialogCustomLayer::HasItsForm_data()
-{
-    QTest::addColumn<QString>("object");
-    QTest::addColumn<QString>("className");
-    QTest::addColumn<QByteArray>("property");
-    QTest::addColumn<QVariant>("value");
-
-    const auto row = [](const char* object, const char* className, const char* property,
-                        const QVariant& value) {
-        QTest::addRow("%s %s", object, property)
-            << object << className << QByteArray(property) << value;
-    };
-    row("DialogCustomLayer", "QDialog", "windowTitle", "Add layer");
-    row("groupBoxDefinition", "QGroupBox", "title", "Definition");
-    row("lblOperation", "QLabel", "text", "Operation:");
-    row("cboOperation", "QComboBox", "count", 8);
-    row("cboOperation", "QComboBox", "currentIndex", 0);
-    row("lblRadius", "QLabel", "text", "Radius (meters):");
-    row("lblRadius", "QLabel", "enabled", false);
-    row("spnRadius", "QSpinBox", "minimum", 1);
-    row("spnRadius", "QSpinBox", "maximum", 2000);
-    row("spnRadius", "QSpinBox", "value", 25);
-    row("spnRadius", "QSpinBox", "enabled", false);
-    row("groupBoxInputA", "QGroupBox", "title", "Input A");
-    row("groupBoxInputA", "QGroupBox", "enabled", true);
-    row("label_5", "QLabel", "text", "Layer:");
-    row("cboInputA", "QComboBox", "minimumSize", QSize(160, 0));
-    row("lblImageInputA", "QLabel", "text", "");
-    row("lblImageInputA", "QLabel", "minimumSize", QSize(384, 384));
-    row("groupBoxInputB", "QGroupBox", "title", "Input B");
-    row("groupBoxInputB", "QGroupBox", "enabled", false);
-    row("cboInputB", "QComboBox", "minimumSize", QSize(160, 0));
-    row("lblImageInputB", "QLabel", "text", "");
-    row("lblImageInputB", "QLabel", "minimumSize", QSize(384, 384));
-    row("groupBoxOutput", "QGroupBox", "title", "Output (preview)");
-    row("label", "QLabel", "text", "Name:");
-    row("txtOutputName", "QLineEdit", "text", "unnamed");
-    row("txtOutputName", "QLineEdit", "readOnly", false);
-    row("lblImageOutput", "QLabel", "text", "");
-    row("lblImageOutput", "QLabel", "minimumSize", QSize(384, 384));
-    row("pgr", "QProgressBar", "value", 0);
-    row("pgr", "QProgressBar", "alignment", int(Qt::AlignCenter));
-    row("btnCancel", "QPushButton", "text", "Cancel");
-    row("btnCancel", "QPushButton", "autoDefault", false);
-    row("btnOk", "QPushButton", "text", "OK");
-    row("btnOk", "QPushButton", "autoDefault", false);
-    row("btnOk", "QPushButton", "default", false);
-    for (const char* layout :
-         {"verticalLayout_2", "horizontalLayout_2", "horizontalLayout", "horizontalLayout_3"}) {
-        row(layout, "QBoxLayout", "", {});
-    }
-}
-
-void tst_DialogCustomLayer::HasItsForm()
-{
-    QFETCH(QString, object);
-    QFETCH(QString, className);
-    QFETCH(QByteArray, property);
-    QFETCH(QVariant, value);
-    DialogCustomLayer dialog(*m_document, nullptr);
-
-    CheckForm(dialog, object, className, property, value);
-
-    QCOMPARE(dialog.size(), QSize(1250, 583));
-    QStringList operations;
-    const auto* combo = dialog.findChild<QComboBox*>("cboOperation");
-    for (int i = 0; i < combo->count(); ++i) {
-        operations.append(combo->itemText(i));
-    }
-    QCOMPARE(operations, (QStringList{"Complement", "Union", "Intersection", "Difference",
-                                      "Erosion", "Dilation", "Opening", "Closing"}));
 }
 
 void tst_DialogCustomLayer::OpensWithAPreviewOfTheLabelsSize()

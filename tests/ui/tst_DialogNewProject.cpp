@@ -1,7 +1,6 @@
 #include "ui/DialogNewProject.h"
 
 #include "tests/support/Files.h"
-#include "tests/support/Forms.h"
 #include "tests/support/Modals.h"
 #include "tests/support/ProjectFixture.h"
 
@@ -49,8 +48,6 @@ class tst_DialogNewProject : public QObject
     Q_OBJECT
 
 private slots:
-    void HasItsForm_data();
-    void HasItsForm();
     void GivesWhatWasEntered();
     void PutsChosenFilesIntoTheirLines();
     void AppendsTheSuffix_data();
@@ -67,55 +64,6 @@ private slots:
 private:
     ProjectFixture m_project;
 };
-
-void tst_DialogNewProject::HasItsForm_data()
-{
-    QTest::addColumn<QString>("object");
-    QTest::addColumn<QString>("className");
-    QTest::addColumn<QByteArray>("property");
-    QTest::addColumn<QVariant>("value");
-
-    const auto row = [](const char* object, const char* className, const char* property,
-                        const QVariant& value) {
-        QTest::addRow("%s %s", object, property)
-            << object << className << QByteArray(property) << value;
-    };
-    row("DialogNewProject", "QDialog", "windowTitle", "Dialog");
-    row("DialogNewProject", "QDialog", "minimumSize", QSize(340, 200));
-    row("DialogNewProject", "QDialog", "maximumSize", QSize(340, 200));
-    row("gboLayerSize", "QGroupBox", "title", "Layer size");
-    row("spinLayerSizeX", "QSpinBox", "minimum", 32);
-    row("spinLayerSizeX", "QSpinBox", "maximum", 16384);
-    row("spinLayerSizeX", "QSpinBox", "value", 2048);
-    row("lblLayerSizeX", "QLabel", "text", "pixels");
-    row("gboWorldSize", "QGroupBox", "title", "World size");
-    row("spinWorldSizeX", "QSpinBox", "minimum", 1);
-    row("spinWorldSizeX", "QSpinBox", "maximum", 65536);
-    row("spinWorldSizeX", "QSpinBox", "value", 15360);
-    row("lblWorldSizeX", "QLabel", "text", "meters");
-    row("lblWorldImage", "QLabel", "text", "Background");
-    row("txtWorldImage", "QLineEdit", "text", "");
-    row("btnSelectWorldImg", "QPushButton", "text", "load");
-    row("lblAreaFlagsFile", "QLabel", "text", "Area flags");
-    row("txtAreaFlagsFile", "QLineEdit", "text", "");
-    row("btnSelectAreaFlags", "QPushButton", "text", "import");
-    row("lblConfigName", "QLabel", "text", "Project name");
-    row("txtProjectName", "QLineEdit", "text", "");
-    row("btnSaveProject", "QPushButton", "text", "select file");
-    row("btnOk", "QPushButton", "text", "OK");
-    row("btnCancel", "QPushButton", "text", "Cancel");
-}
-
-void tst_DialogNewProject::HasItsForm()
-{
-    QFETCH(QString, object);
-    QFETCH(QString, className);
-    QFETCH(QByteArray, property);
-    QFETCH(QVariant, value);
-    DialogNewProject dialog;
-
-    CheckForm(dialog, object, className, property, value);
-}
 
 void tst_DialogNewProject::GivesWhatWasEntered()
 {

@@ -2,7 +2,6 @@
 
 #include "app/ProjectSettings.h"
 #include "document/Document.h"
-#include "tests/support/Forms.h"
 #include "tests/support/Modals.h"
 #include "tests/support/ProjectFixture.h"
 #include "ui/widgets/GroupBoxColor.h"
@@ -47,9 +46,6 @@ class tst_DockLayerProps : public QObject
 private slots:
     void init();
     void cleanup();
-    void HasItsForm_data();
-    void HasItsForm();
-    void HasItsLayouts();
     void StartsDisabled();
     void PlacesABoxForEachType();
     void GivesEachBoxItsBit();
@@ -150,53 +146,6 @@ std::unique_ptr<Layer> tst_DockLayerProps::MakeLayer(const QColor& color, quint3
     auto layer = std::make_unique<Layer>(usages, values, nullptr);
     layer->SetImage(ProjectSettings::Instance().BlankLayerImage(), color);
     return layer;
-}
-
-void tst_DockLayerProps::HasItsForm_data()
-{
-    QTest::addColumn<QString>("object");
-    QTest::addColumn<QString>("className");
-    QTest::addColumn<QByteArray>("property");
-    QTest::addColumn<QVariant>("value");
-
-    const auto row = [](const char* object, const char* className, const char* property,
-                        const QVariant& value) {
-        QTest::addRow("%s %s", object, property)
-            << object << className << QByteArray(property) << value;
-    };
-    row("DockLayerProps", "QDockWidget", "windowTitle", "Layer Properties");
-    row("dockWidgetContents", "QWidget", "", {});
-    row("verticalLayout", "QVBoxLayout", "", {});
-    row("gboLayerUsageFlags", "QGroupBox", "title", "Area Usage flags");
-    row("layoutAreaUsageFlags", "QGridLayout", "", {});
-    row("gboLayerValueFlags", "QGroupBox", "title", "Area Value flags");
-    row("layoutAreaValueFlags", "QGridLayout", "", {});
-    row("gboLayerClrOp", "GroupBoxColor", "title", "Color and opacity");
-    row("gboLayerClrOp", "GroupBoxColor", "minimumSize", QSize(260, 70));
-    row("gboLayerClrOp", "GroupBoxColor", "maximumSize", QSize(260, 70));
-    row("gboLayerClrOp", "GroupBoxColor", "baseSize", QSize(260, 70));
-    row("slider", "QSlider", "maximum", 255);
-    row("label", "QLabel", "text", "<b>50%</b>");
-}
-
-void tst_DockLayerProps::HasItsForm()
-{
-    QFETCH(QString, object);
-    QFETCH(QString, className);
-    QFETCH(QByteArray, property);
-    QFETCH(QVariant, value);
-
-    CheckForm(*m_dock, object, className, property, value);
-}
-
-void tst_DockLayerProps::HasItsLayouts()
-{
-    QCOMPARE(m_dock->widget()->objectName(), QStringLiteral("dockWidgetContents"));
-    QCOMPARE(m_dock->widget()->layout()->objectName(), QStringLiteral("verticalLayout"));
-    QCOMPARE(m_dock->findChild<QWidget*>(UsageGroup)->layout(),
-             Grid(QStringLiteral("layoutAreaUsageFlags")));
-    QCOMPARE(m_dock->findChild<QWidget*>(ValueGroup)->layout(),
-             Grid(QStringLiteral("layoutAreaValueFlags")));
 }
 
 void tst_DockLayerProps::StartsDisabled()

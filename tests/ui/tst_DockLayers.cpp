@@ -1,11 +1,9 @@
 #include "ui/DockLayers.h"
 
-#include "tests/support/Forms.h"
 #include "tests/support/LayerDocksFixture.h"
 #include "tests/support/LogSpy.h"
 
 #include <QApplication>
-#include <QLayout>
 #include <QMetaMethod>
 #include <QSignalSpy>
 #include <QStandardItemModel>
@@ -21,10 +19,6 @@ private slots:
     void init() { m_docks = std::make_unique<LayerDocksFixture>(); }
     void cleanup() { m_docks.reset(); }
     void HasItsSignalsInOrder();
-    void HasItsForm_data();
-    void HasItsForm();
-    void HasItsLayoutsAndIcons();
-    void NamesWhatHasNoText();
     void AddsAPaintedLayer();
     void AddsNoPaintedLayerWithoutALayerSize_data();
     void AddsNoPaintedLayerWithoutALayerSize();
@@ -58,85 +52,9 @@ void tst_DockLayers::HasItsSignalsInOrder()
                           "Selected(Layer*)", "AllHidden()", "Reordered()"}));
 }
 
-void tst_DockLayers::HasItsForm_data()
-{
-    QTest::addColumn<QString>("object");
-    QTest::addColumn<QString>("className");
-    QTest::addColumn<QByteArray>("property");
-    QTest::addColumn<QVariant>("value");
-
-    const auto row = [](const char* object, const char* className, const char* property,
-                        const QVariant& value) {
-        QTest::addRow("%s %s", object, property)
-            << object << className << QByteArray(property) << value;
-    };
-    row("DockLayers", "QDockWidget", "windowTitle", "Layers");
-    row("DockLayers", "QDockWidget", "minimumSize", QSize(280, 160));
-    row("DockLayers", "QDockWidget", "maximumWidth", 280);
-    row("dockWidgetContents", "QWidget", "", {});
-    row("verticalLayout", "QVBoxLayout", "", {});
-    row("horizontalLayout", "QHBoxLayout", "", {});
-    row("btnAddCustom", "QPushButton", "text", "");
-    row("btnAddCustom", "QPushButton", "enabled", true);
-    row("btnAddPainted", "QPushButton", "text", "");
-    row("btnAddPainted", "QPushButton", "enabled", true);
-    row("btnHideAll", "QPushButton", "text", "hide all");
-    row("btnHideAll", "QPushButton", "enabled", false);
-    row("treeLayers", "TreeViewLayers", "contextMenuPolicy",
-        static_cast<int>(Qt::CustomContextMenu));
-    row("treeLayers", "TreeViewLayers", "headerHidden", true);
-    row("treeLayers", "TreeViewLayers", "selectionMode",
-        static_cast<int>(QAbstractItemView::SingleSelection));
-    row("treeLayers", "TreeViewLayers", "dragEnabled", true);
-    row("treeLayers", "TreeViewLayers", "acceptDrops", true);
-    row("treeLayers", "TreeViewLayers", "showDropIndicator", true);
-    row("treeLayers", "TreeViewLayers", "dragDropMode",
-        static_cast<int>(QAbstractItemView::InternalMove));
-    row("treeLayers", "TreeViewLayers", "uniformRowHeights", true);
-    row("actionRemove", "QAction", "text", "Remove");
-    row("actionRemove", "QAction", "toolTip", "remove");
-    row("actionModify", "QAction", "text", "Modify");
-    row("actionModify", "QAction", "toolTip", "modify");
-    row("actionRename", "QAction", "text", "Rename");
-    row("actionRename", "QAction", "toolTip", "rename");
-}
-
-void tst_DockLayers::HasItsForm()
-{
-    QFETCH(QString, object);
-    QFETCH(QString, className);
-    QFETCH(QByteArray, property);
-    QFETCH(QVariant, value);
-
-    CheckForm(*m_docks->dock, object, className, property, value);
-}
-
-void tst_DockLayers::HasItsLayoutsAndIcons()
-{
-    QCOMPARE(m_docks->dock->widget()->objectName(), QStringLiteral("dockWidgetContents"));
-    const auto* column = qobject_cast<QVBoxLayout*>(m_docks->dock->widget()->layout());
-    QCOMPARE(column->objectName(), QStringLiteral("verticalLayout"));
-    QCOMPARE(column->itemAt(0)->layout()->objectName(), QStringLiteral("horizontalLayout"));
-    QCOMPARE(column->itemAt(1)->widget(), m_docks->Tree());
-    QVERIFY(
-        ShowsIcon(m_docks->Button("btnAddCustom")->icon(), QStringLiteral(":/icon-custom-layer")));
-    QVERIFY(ShowsIcon(m_docks->Button("btnAddPainted")->icon(),
-                      QStringLiteral(":/icon-painted-layer")));
-    QCOMPARE(m_docks->Tree()->model(), m_docks->List()->model());
-}
-
-void tst_DockLayers::NamesWhatHasNoText()
-{
-    for (const char* name : {"btnAddCustom", "btnAddPainted"}) {
-        QVERIFY(!m_docks->Button(name)->accessibleName().isEmpty());
-        QVERIFY(!m_docks->Button(name)->toolTip().isEmpty());
-    }
-    QVERIFY(!m_docks->Tree()->accessibleName().isEmpty());
-    QVERIFY(!m_docks->Button("btnHideAll")->toolTip().isEmpty());
-}
-
 void tst_DockLayers::AddsAPaintedLayer()
 {
+    QCOMPARE(m_docks->Tree()->model(), m_docks->List()->model());
     const QSignalSpy added(m_docks->dock, &DockLayers::Added);
 
     QTest::mouseClick(m_docks->Button("btnAddPainted"), Qt::LeftButton);

@@ -1,6 +1,5 @@
 #include "ui/DockStatus.h"
 
-#include "tests/support/Forms.h"
 #include "tests/support/PaintCounter.h"
 
 #include <QApplication>
@@ -47,8 +46,6 @@ class tst_DockStatus : public QObject
     Q_OBJECT
 
 private slots:
-    void HasItsForm_data();
-    void HasItsForm();
     void ColorsMessagesByType_data();
     void ColorsMessagesByType();
     void ScrollsToTheNewestMessage();
@@ -64,48 +61,6 @@ private slots:
     void TellsWhetherTheBarIsOnScreen();
     void CopiesAllMessages();
 };
-
-void tst_DockStatus::HasItsForm_data()
-{
-    QTest::addColumn<QString>("object");
-    QTest::addColumn<QString>("className");
-    QTest::addColumn<QByteArray>("property");
-    QTest::addColumn<QVariant>("value");
-
-    const auto row = [](const char* object, const char* className, const char* property,
-                        const QVariant& value) {
-        QTest::addRow("%s %s", object, property)
-            << object << className << QByteArray(property) << value;
-    };
-    row("DockStatus", "QDockWidget", "windowTitle", "Status");
-    row("DockStatus", "QDockWidget", "features",
-        static_cast<int>(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable));
-    row("widget", "QWidget", "", {});
-    row("verticalLayout", "QVBoxLayout", "spacing", 6);
-    row("messageListView", "QListView", "editTriggers", 0);
-    row("messageListView", "QListView", "showDropIndicator", false);
-    row("messageListView", "QListView", "alternatingRowColors", false);
-    row("messageListView", "QListView", "selectionMode", 0);
-    row("pgrStatus", "QProgressBar", "enabled", true);
-    row("pgrStatus", "QProgressBar", "maximumSize", QSize(16777215, 16));
-    row("pgrStatus", "QProgressBar", "value", 0);
-}
-
-void tst_DockStatus::HasItsForm()
-{
-    QFETCH(QString, object);
-    QFETCH(QString, className);
-    QFETCH(QByteArray, property);
-    QFETCH(QVariant, value);
-    DockStatus dock;
-
-    CheckForm(dock, object, className, property, value);
-
-    QCOMPARE(dock.widget()->layout()->contentsMargins(), QMargins(11, 11, 11, 11));
-    QCOMPARE(Spacer(dock)->sizeHint(), QSize(40, 20));
-    QCOMPARE(Spacer(dock)->sizePolicy().horizontalPolicy(), QSizePolicy::Expanding);
-    QCOMPARE(Spacer(dock)->sizePolicy().verticalPolicy(), QSizePolicy::Minimum);
-}
 
 void tst_DockStatus::ColorsMessagesByType_data()
 {

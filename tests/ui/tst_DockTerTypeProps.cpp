@@ -1,20 +1,16 @@
 #include "ui/DockTerTypeProps.h"
 
-#include "tests/support/Forms.h"
 #include "tests/support/ShownZoneFixture.h"
 #include "ui/widgets/ButtonColor.h"
 #include "ui/widgets/GroupBoxColor.h"
 
 #include <QButtonGroup>
 #include <QGroupBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
 #include <QSignalSpy>
 #include <QSlider>
-#include <QSpinBox>
 #include <QTest>
-#include <QToolButton>
 
 #include <memory>
 
@@ -23,9 +19,7 @@ class tst_DockTerTypeProps : public QObject
     Q_OBJECT
 
 private slots:
-    void HasItsForm_data();
-    void HasItsForm();
-    void HasIconsAndUsageIds();
+    void ItsButtonsHaveTheIdsOfUsages();
     void ShowsNothingAtFirst();
     void ShowsATerritory();
     void ShowsAType();
@@ -36,81 +30,15 @@ private slots:
     void TotalsFollowWhateverChangesThem();
 };
 
-void tst_DockTerTypeProps::HasItsForm_data()
-{
-    QTest::addColumn<QString>("object");
-    QTest::addColumn<QString>("className");
-    QTest::addColumn<QByteArray>("property");
-    QTest::addColumn<QVariant>("value");
-    const auto row = [](const char* object, const char* className, const char* property = "",
-                        const QVariant& value = {}) {
-        QTest::addRow("%s %s", object, property)
-            << object << className << QByteArray(property) << value;
-    };
-    row("DockTerTypeProps", "QDockWidget", "windowTitle", "Properties");
-    row("gboTer", "QGroupBox", "title", "Territory");
-    row("gboTerClrOp", "GroupBoxColor", "title", "color and opacity");
-    row("lblTerStatic", "QLabel", "text", "Static:");
-    row("lblTerDyn", "QLabel", "text", "Dynamic:");
-    row("lblTerTotal", "QLabel", "text", "Total:");
-    row("lblTerMin", "QLabel", "text", "min");
-    row("lblTerMax", "QLabel", "text", "max");
-    for (const char* label : {"lblTerStaticMinVal", "lblTerStaticMaxVal", "lblTerDynMinVal",
-                              "lblTerDynMaxVal", "lblTerTotalMinVal", "lblTerTotalMaxVal"}) {
-        row(label, "QLabel", "text", "0");
-    }
-    row("gboZone", "QGroupBox", "title", "Zone");
-    row("gboZone", "QGroupBox", "enabled", false);
-    row("lblSize", "QLabel", "text", "Radius (in meters)");
-    row("txtSize", "QLineEdit", "text", "");
-    row("gboStatic", "QGroupBox", "title", "Static");
-    row("gboDynamic", "QGroupBox", "title", "Dynamic");
-    for (const char* box : {"spbStaticMin", "spbStaticMax", "spbDynMin", "spbDynMax"}) {
-        row(box, "QSpinBox", "minimum", 0);
-        row(box, "QSpinBox", "maximum", 999);
-    }
-    row("gboAIUsage", "QGroupBox", "title", "AI Usage");
-    row("btngAIUsage", "QButtonGroup", "exclusive", true);
-    row("rdoRest", "QRadioButton", "text", "Rest");
-    row("rdoGraze", "QRadioButton", "text", "Graze");
-    row("rdoWater", "QRadioButton", "text", "Water");
-    row("rdoHunting", "QRadioButton", "text", "HuntingGround");
-    row("rdoDynEvent", "QRadioButton", "text", "Dynamic event");
-    row("txtDynEvent", "QLineEdit", "enabled", false);
-    row("btnToFront", "QToolButton", "toolTip", "Bring to front");
-    row("btnToFront", "QToolButton", "text", "Bring to front");
-    row("lblToFront", "QLabel", "text", "to front");
-    row("btnToBack", "QToolButton", "toolTip", "Send to back");
-    row("btnToBack", "QToolButton", "text", "Send to back");
-    row("lblToBack", "QLabel", "text", "to back");
-}
-
-void tst_DockTerTypeProps::HasItsForm()
-{
-    QFETCH(QString, object);
-    QFETCH(QString, className);
-    QFETCH(QByteArray, property);
-    QFETCH(QVariant, value);
-    Document document;
-    DockTerTypeProps dock(document);
-
-    CheckForm(dock, object, className, property, value);
-}
-
-void tst_DockTerTypeProps::HasIconsAndUsageIds()
+void tst_DockTerTypeProps::ItsButtonsHaveTheIdsOfUsages()
 {
     const ShownZoneFixture fixture;
 
-    QVERIFY(ShowsIcon(fixture.Child<QToolButton>("btnToFront")->icon(),
-                      QStringLiteral(":/bringtofront")));
-    QVERIFY(
-        ShowsIcon(fixture.Child<QToolButton>("btnToBack")->icon(), QStringLiteral(":/sendtoback")));
     const auto* group = fixture.Child<QButtonGroup>("btngAIUsage");
     int id = Zone::Rest;
     for (const char* name : {"rdoRest", "rdoGraze", "rdoWater", "rdoHunting", "rdoDynEvent"}) {
         QCOMPARE(group->id(fixture.Child<QRadioButton>(name)), id++);
     }
-    QCOMPARE(group->buttons().size(), 5);
 }
 
 void tst_DockTerTypeProps::ShowsNothingAtFirst()

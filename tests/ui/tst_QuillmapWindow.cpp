@@ -2,40 +2,25 @@
 
 #include "canvas/BrushDock.h"
 #include "canvas/WidgetRuler.h"
-#include "tests/support/Forms.h"
 #include "tests/support/WindowFixture.h"
 #include "ui/widgets/ElidedLabel.h"
 #include "ui/widgets/NamedGroupBox.h"
 
 #include <QApplication>
-#include <QGroupBox>
 #include <QLabel>
 #include <QMenu>
-#include <QMenuBar>
 #include <QPushButton>
 #include <QScreen>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTest>
-#include <QToolBar>
 #include <QTreeView>
-#include <QUndoView>
 #include <QWhatsThis>
 #include <QWheelEvent>
 
 #include <algorithm>
 
 namespace {
-
-QStringList Texts(const QWidget& widget)
-{
-    QStringList texts;
-    const QList<QAction*> actions = widget.actions();
-    for (const QAction* action : actions) {
-        texts.append(action->isSeparator() ? "|" : action->objectName());
-    }
-    return texts;
-}
 
 /// The smallest screen that the window is made for, in logical pixels.
 constexpr QSize SmallScreen(1366, 768);
@@ -62,12 +47,6 @@ class tst_QuillmapWindow : public QObject
     Q_OBJECT
 
 private slots:
-    void HasItsForm_data();
-    void HasItsForm();
-    void HasItsActions_data();
-    void HasItsActions();
-    void HasItsMenusAndToolBar();
-    void HasItsDocks();
     void StartsWithoutAProject();
     void ShowsDocksByTheirActions_data();
     void ShowsDocksByTheirActions();
@@ -88,239 +67,6 @@ private slots:
     void OpensMaximizedWhereItDoesNotFit();
     void TabsFromTheLayersToTheirProperties();
 };
-
-void tst_QuillmapWindow::HasItsForm_data()
-{
-    QTest::addColumn<QString>("object");
-    QTest::addColumn<QString>("className");
-    QTest::addColumn<QByteArray>("property");
-    QTest::addColumn<QVariant>("value");
-
-    const auto row = [](const char* object, const char* className, const char* property,
-                        const QVariant& value) {
-        QTest::addRow("%s %s", object, property)
-            << object << className << QByteArray(property) << value;
-    };
-    row("QuillmapWindowClass", "QMainWindow", "windowModality", Qt::WindowModal);
-    row("QuillmapWindowClass", "QMainWindow", "focusPolicy", Qt::TabFocus);
-    row("QuillmapWindowClass", "QMainWindow", "contextMenuPolicy", Qt::DefaultContextMenu);
-    row("QuillmapWindowClass", "QMainWindow", "tabShape", 0);
-    row("QuillmapWindowClass", "QMainWindow", "dockOptions",
-        static_cast<int>(QMainWindow::AnimatedDocks | QMainWindow::AllowTabbedDocks));
-    row("paintView", "MainView", "minimumSize", QSize(512, 512));
-    row("paintView", "MainView", "frameShape", QFrame::Box);
-    row("paintView", "MainView", "frameShadow", QFrame::Plain);
-    row("paintView", "MainView", "lineWidth", 0);
-    row("paintView", "MainView", "horizontalScrollBarPolicy", Qt::ScrollBarAlwaysOff);
-    row("paintView", "MainView", "verticalScrollBarPolicy", Qt::ScrollBarAlwaysOff);
-    row("paintView", "MainView", "dragMode", QGraphicsView::NoDrag);
-    row("gboPaintMode", "QGroupBox", "title", "Paint mode");
-    row("gboPaintMode", "QGroupBox", "checkable", true);
-    row("gboPaintMode", "QGroupBox", "checked", false);
-    row("gboPaintMode", "QGroupBox", "minimumSize", QSize(100, 70));
-    row("gboPaintMode", "QGroupBox", "maximumSize", QSize(100, 70));
-    row("lblZoom", "QLabel", "text", "<b>Zoom</b>");
-    row("lblZoom", "QLabel", "toolTip", "Ctrl + mouse wheel");
-    row("lblZoom", "QLabel", "alignment", int(Qt::AlignCenter));
-    row("lblZoomValue", "QLabel", "text", "<strong>100%</strong>");
-    row("lblZoomValue", "QLabel", "toolTip", "Ctrl + mouse wheel");
-    row("lblZoomValue", "QLabel", "textFormat", Qt::RichText);
-    row("lblZoomValue", "QLabel", "alignment", int(Qt::AlignCenter));
-    row("gboWorldScale", "QGroupBox", "title", "World Scale");
-    row("gboWorldScale", "QGroupBox", "minimumSize", QSize(100, 70));
-    row("gboWorldScale", "QGroupBox", "maximumSize", QSize(150, 70));
-    row("lblWorldScaleX", "QLabel", "text", "X: 1 px = ");
-    row("lblWorldScaleZ", "QLabel", "text", "Z: 1 px = ");
-    row("gboWorldRSteps", "QGroupBox", "title", "World Rulers step");
-    row("gboWorldRSteps", "QGroupBox", "minimumSize", QSize(100, 70));
-    row("gboWorldRSteps", "QGroupBox", "maximumSize", QSize(150, 70));
-    row("lblWorldRStepX", "QLabel", "text", "X step = ");
-    row("lblWorldRStepZ", "QLabel", "text", "Z step = ");
-    row("gboWorldPos", "QGroupBox", "title", "World Position");
-    row("gboWorldPos", "QGroupBox", "minimumSize", QSize(100, 70));
-    row("gboWorldPos", "QGroupBox", "maximumSize", QSize(100, 70));
-    row("lblWorldPosX", "QLabel", "text", "X = ");
-    row("lblWorldPosZ", "QLabel", "text", "Z = ");
-    row("gboBgOver", "GroupBoxColor", "title", "Bg Overlay - color and opacity");
-    row("gboBgOver", "GroupBoxColor", "minimumSize", QSize(260, 70));
-    row("gboBgOver", "GroupBoxColor", "maximumSize", QSize(260, 70));
-}
-
-void tst_QuillmapWindow::HasItsForm()
-{
-    QFETCH(QString, object);
-    QFETCH(QString, className);
-    QFETCH(QByteArray, property);
-    QFETCH(QVariant, value);
-    const WindowFixture fixture;
-    QObject* root = fixture.window.get();
-
-    CheckForm(*root, object, className, property, value);
-}
-
-void tst_QuillmapWindow::HasItsActions_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("toolTip");
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<QString>("icon");
-    QTest::addColumn<bool>("isCheckable");
-    QTest::addColumn<bool>("isChecked");
-
-    QTest::newRow("actionNew") << "New"
-                               << "Create new project"
-                               << "Ctrl+N"
-                               << ":/icon-new-project" << false << false;
-    QTest::newRow("actionLoad") << "L&oad"
-                                << "Load project"
-                                << "Ctrl+O"
-                                << ":/icon-open" << false << false;
-    QTest::newRow("actionSave") << "&Save"
-                                << "Save project"
-                                << "Ctrl+S"
-                                << ":/icon-save" << false << false;
-    QTest::newRow("actionSaveAll") << "Save and export all"
-                                   << "Save and export all"
-                                   << "Ctrl+Shift+S"
-                                   << ":/icon-export" << false << false;
-    QTest::newRow("actionLoadWorld") << "Load background image"
-                                     << "Load background image (Ctrl + B)"
-                                     << "Ctrl+B"
-                                     << ":/icon-world" << false << false;
-    QTest::newRow("actionImportAreas") << "Import area flag types"
-                                       << "Import area flag types (Ctrl + F)"
-                                       << "Ctrl+F"
-                                       << ":/icon-areas" << false << false;
-    QTest::newRow("actionImportMap") << "Import area bitmap"
-                                     << "Import area bitmap"
-                                     << "Ctrl+Shift+O"
-                                     << ":/icon-import" << false << false;
-    QTest::newRow("actionTogglePaintMode") << "TogglePaintMode"
-                                           << "Toggle paint mode"
-                                           << "Ctrl+P"
-                                           << "" << true << false;
-    QTest::newRow("actionExit") << "E&xit"
-                                << "Exit"
-                                << ""
-                                << "" << false << false;
-    QTest::newRow("actionViewLayers") << "&Layers"
-                                      << "Layers"
-                                      << ""
-                                      << "" << true << true;
-    QTest::newRow("actionViewTerritoryTypes") << "&Territory types"
-                                              << "Territory types"
-                                              << ""
-                                              << "" << true << false;
-    QTest::newRow("actionViewStatus") << "&Status"
-                                      << "Status"
-                                      << ""
-                                      << "" << true << true;
-    QTest::newRow("actionUndo") << "Undo"
-                                << "Undo"
-                                << "Ctrl+Z"
-                                << ":/icon-undo" << false << false;
-    QTest::newRow("actionRedo") << "Redo"
-                                << "Redo"
-                                << "Ctrl+Shift+Z"
-                                << ":/icon-redo" << false << false;
-    QTest::newRow("actionDelete") << "Delete"
-                                  << "Delete"
-                                  << "Del"
-                                  << "" << false << false;
-    QTest::newRow("actionSelectAllZones") << "Select all zones"
-                                          << "Select all zones"
-                                          << ""
-                                          << "" << false << false;
-    QTest::newRow("actionHistory") << "History"
-                                   << "History"
-                                   << ""
-                                   << "" << true << false;
-}
-
-void tst_QuillmapWindow::HasItsActions()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, toolTip);
-    QFETCH(QString, key);
-    QFETCH(QString, icon);
-    const WindowFixture fixture;
-    const QAction* action = fixture.Action(QTest::currentDataTag());
-
-    QVERIFY(action);
-    QCOMPARE(action->text(), text);
-    QCOMPARE(action->toolTip(), toolTip);
-    QCOMPARE(action->shortcut().toString(), key);
-    QCOMPARE(action->icon().isNull(), icon.isEmpty());
-    QVERIFY(icon.isEmpty() || ShowsIcon(action->icon(), icon));
-    QTEST(action->isCheckable(), "isCheckable");
-    QTEST(action->isChecked(), "isChecked");
-}
-
-void tst_QuillmapWindow::HasItsMenusAndToolBar()
-{
-    const WindowFixture fixture;
-    const QStringList common = {
-        "actionNew",       "|", "actionLoad",        "actionSave",     "actionSaveAll", "|",
-        "actionLoadWorld", "|", "actionImportAreas", "actionImportMap"};
-
-    QCOMPARE(fixture.Child<QMenu>("menuFile")->title(), "&File");
-    QCOMPARE(Texts(*fixture.Child<QMenu>("menuFile")), common + QStringList({"|", "actionExit"}));
-    QCOMPARE(fixture.Child<QMenu>("menuEdit")->title(), "&Edit");
-    QCOMPARE(Texts(*fixture.Child<QMenu>("menuEdit")),
-             (QStringList{"actionUndo", "actionRedo", "|", "actionDelete", "actionSelectAllZones",
-                          "|", "actionHistory"}));
-    QStringList menus;
-    const QList<QAction*> menuActions = fixture.window->menuBar()->actions();
-    for (const QAction* action : menuActions) {
-        menus.append(action->menu()->objectName());
-    }
-    QCOMPARE(menus.mid(0, 3), (QStringList{"menuFile", "menuEdit", "menuView"}));
-    QCOMPARE(fixture.Action("actionRedo")->shortcuts(),
-             (QList<QKeySequence>{QKeySequence("Ctrl+Shift+Z"), QKeySequence("Ctrl+Y")}));
-    QCOMPARE(fixture.Child<QMenu>("menuView")->title(), "&View");
-    QCOMPARE(Texts(*fixture.Child<QMenu>("menuView")),
-             (QStringList{"actionViewLayers", "|", "actionViewTerritoryTypes", "|",
-                          "actionViewStatus", "|"}));
-    const struct
-    {
-        const char* name;
-        QString title;
-        QStringList actions;
-    } toolBars[] = {
-        {"toolBar", "toolBar", common},
-        {"toolBarEdit", "Edit", {"actionUndo", "actionRedo"}},
-    };
-    for (const auto& expected : toolBars) {
-        auto* toolBar = fixture.Child<QToolBar>(expected.name);
-        QCOMPARE(Texts(*toolBar), expected.actions);
-        QCOMPARE(toolBar->windowTitle(), expected.title);
-        QVERIFY(!toolBar->isMovable());
-        QVERIFY(!toolBar->isFloatable());
-        QCOMPARE(fixture.window->toolBarArea(toolBar), Qt::TopToolBarArea);
-    }
-}
-
-void tst_QuillmapWindow::HasItsDocks()
-{
-    const WindowFixture fixture;
-    const auto area = [&](const char* name) {
-        return fixture.window->dockWidgetArea(fixture.Child<QDockWidget>(name));
-    };
-
-    QCOMPARE(area("DockLayers"), Qt::LeftDockWidgetArea);
-    QCOMPARE(area("DockLayerProps"), Qt::LeftDockWidgetArea);
-    QCOMPARE(area("DockStatus"), Qt::BottomDockWidgetArea);
-    QCOMPARE(area("DockTerTypes"), Qt::RightDockWidgetArea);
-    QCOMPARE(area("DockTerTypeProps"), Qt::RightDockWidgetArea);
-    QCOMPARE(area("BrushDock"), Qt::RightDockWidgetArea);
-    QCOMPARE(area("DockHistory"), Qt::RightDockWidgetArea);
-    QCOMPARE(fixture.Child<QWidget>("viewHistory")->window(), fixture.window.get());
-    QVERIFY(fixture.Child<QUndoView>("viewHistory"));
-    QVERIFY(fixture.Child<QDockWidget>("DockHistory")->isHidden());
-    QVERIFY(fixture.Child<QDockWidget>("DockTerTypes")->isHidden());
-    QVERIFY(fixture.Child<QDockWidget>("DockTerTypeProps")->isHidden());
-    QVERIFY(fixture.Child<QDockWidget>("BrushDock")->isHidden());
-}
 
 void tst_QuillmapWindow::StartsWithoutAProject()
 {

@@ -4,7 +4,6 @@
 
 #include <QApplication>
 #include <QColorDialog>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QSignalSpy>
 #include <QSlider>
@@ -44,7 +43,6 @@ class tst_GroupBoxColor : public QObject
     Q_OBJECT
 
 private slots:
-    void HasItsForm();
     void FitsItsSize();
     void WritesThePercentage_data();
     void WritesThePercentage();
@@ -57,30 +55,6 @@ private slots:
     void TakesTheWheelOnlyWithFocus();
     void TabsInTheOrderOfTheEye();
 };
-
-void tst_GroupBoxColor::HasItsForm()
-{
-    const GroupBoxColor box;
-    const QSize size(260, 70);
-    QCOMPARE(box.minimumSize(), size);
-    QCOMPARE(box.maximumSize(), size);
-    QCOMPARE(box.baseSize(), size);
-    QVERIFY(box.font().bold());
-    QVERIFY(box.findChild<QHBoxLayout*>(QStringLiteral("layout")));
-    QVERIFY(Button(box));
-    QCOMPARE(Button(box)->text(), QString());
-    QCOMPARE(Button(box)->maximumSize(), QSize(32, 32));
-    QCOMPARE(Button(box)->Color(), QColor(Qt::white));
-    QCOMPARE(Slider(box)->orientation(), Qt::Horizontal);
-    QCOMPARE(Slider(box)->minimum(), 0);
-    QCOMPARE(Slider(box)->maximum(), 255);
-    QCOMPARE(Slider(box)->value(), 128);
-    QVERIFY(!Slider(box)->accessibleName().isEmpty());
-    const auto* label = box.findChild<QLabel*>(QStringLiteral("label"));
-    QCOMPARE(label->text(), QStringLiteral("<b>50%</b>"));
-    QCOMPARE(label->alignment(), Qt::AlignRight | Qt::AlignVCenter);
-    QCOMPARE(label->buddy(), Slider(box));
-}
 
 void tst_GroupBoxColor::FitsItsSize()
 {
