@@ -82,6 +82,7 @@ void MainScene::SetDocument(Document& document)
 {
     m_document = &document;
     document.SetZoneScene(this);
+    connect(&document, &QObject::destroyed, this, &MainScene::ForgetDocument);
     const MapToolParts parts{document, *this, *m_view};
     auto paintTool = std::make_unique<PaintTool>(parts);
     m_paintTool = paintTool.get();
@@ -91,6 +92,15 @@ void MainScene::SetDocument(Document& document)
     m_tools[SceneMode::Insert] = std::make_unique<InsertTool>(parts);
     m_tools[SceneMode::Select] = std::make_unique<SelectTool>(parts);
     m_tools[SceneMode::Query] = std::make_unique<QueryTool>(parts);
+}
+
+/// A window destroys its members before the view, which is its child.
+void MainScene::ForgetDocument()
+{
+    m_tools.clear();
+    m_paintTool = nullptr;
+    m_brush = nullptr;
+    m_document = nullptr;
 }
 
 MapTool* MainScene::Tool() const

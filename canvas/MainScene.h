@@ -39,7 +39,7 @@ public:
     MainScene(float width, float height, MainView* parent);
     ~MainScene() override;
 
-    /// The project that is shown and edited; it outlives the scene. Without one nothing is edited.
+    /// The project that is shown and edited. Without one nothing is edited.
     void SetDocument(Document& document);
     /// What mouse and keys do in the present mode; null without a document.
     MapTool* Tool() const;
@@ -135,6 +135,8 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
+    void ForgetDocument();
+
     LayerPainter m_painter;
     MainView* m_view;
     Document* m_document = nullptr;

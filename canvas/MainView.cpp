@@ -188,11 +188,19 @@ void MainView::keyPressEvent(QKeyEvent* event)
     }
     HeldKeys::Instance().RefreshModifiers();
     MapTool* tool = m_scene->Tool();
-    const bool isConsumed = (event->key() == Qt::Key_Escape && m_scene->CancelTool()) ||
+    const bool isConsumed = (event->key() == Qt::Key_Escape && Cancel()) ||
                             (tool && tool->PressKey(*event)) || PressShortcut(event);
     if (!isConsumed) {
         QGraphicsView::keyPressEvent(event);
     }
+}
+
+/// Takes back what the mouse is doing; false when it does nothing.
+bool MainView::Cancel()
+{
+    const bool isBand = m_band->isVisible();
+    m_band->hide();
+    return m_scene->CancelTool() || isBand;
 }
 
 bool MainView::PressShortcut(QKeyEvent* event)

@@ -73,6 +73,7 @@ protected:
 
 private:
     void BuildLayout();
+    bool Cancel();
     bool PressShortcut(QKeyEvent* event);
     void PressA();
     void ResetZoom();

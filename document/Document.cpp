@@ -48,7 +48,7 @@ bool Document::EditRow(QStandardItem& item, const QVariant& value, int role)
 
 void Document::FollowCheckMark(QStandardItem& row)
 {
-    // The marks of its territories, which follow a type, have nothing left to do.
+    // Setting a type's mark sets its territories' marks; those changes are handled already.
     if (m_isFollowingCheckMark) {
         return;
     }
@@ -86,6 +86,8 @@ bool Document::Do(std::unique_ptr<Edit> edit)
     {
         const QScopedValueRollback<bool> doing(m_isDoing, true);
         const QScopedValueRollback<bool> applying(m_isApplying, true);
+        m_history.setIndex(KeptIndex());
+        m_endOfKept = NoEnd;
         m_history.push(edit.release());
     }
     if (setsModified) {
@@ -124,29 +126,33 @@ void Document::SetEditable(bool isEditable)
     emit HistoryChanged();
 }
 
+/// The nearest state of the history that can be reached. Steps that are no longer kept do nothing.
+int Document::KeptIndex() const
+{
+    return qBound(m_firstKept, m_history.index(), qMin(m_endOfKept, m_history.count()));
+}
+
 bool Document::CanUndo() const
 {
-    const int index = m_history.index();
-    return CanTravel() && index > 0 &&
-           !static_cast<const Edit*>(m_history.command(index - 1))->IsForgotten();
+    return CanTravel() && KeptIndex() > m_firstKept;
 }
 
 bool Document::CanRedo() const
 {
-    return CanTravel() && m_history.canRedo();
+    return CanTravel() && KeptIndex() < qMin(m_endOfKept, m_history.count());
 }
 
 void Document::Undo()
 {
     if (CanUndo()) {
-        m_history.undo();
+        m_history.setIndex(KeptIndex() - 1);
     }
 }
 
 void Document::Redo()
 {
     if (CanRedo()) {
-        m_history.redo();
+        m_history.setIndex(KeptIndex() + 1);
     }
 }
 
@@ -171,32 +177,46 @@ void Document::FollowIndex()
 void Document::ShowModified()
 {
     const int saved = m_history.cleanIndex();
-    const int index = m_history.index();
-    bool isModified = m_isChangedOutside || saved < 0;
+    const int index = KeptIndex();
+    bool isModified = m_isChangedOutside || saved < m_firstKept || saved > m_endOfKept;
     for (int i = std::min(saved, index); i < std::max(saved, index) && !isModified; ++i) {
         isModified = static_cast<const Edit*>(m_history.command(i))->SetsModified();
     }
     ProjectSettings::Instance().SetModified(isModified);
 }
 
-/// Where not even the disk takes what the history holds, its oldest steps go.
+/// Forgets steps when the disk is full: the oldest ones, or of those that were undone the last
+/// ones.
 void Document::FitHistory()
 {
     const Edit* lost = m_memory.Fit();
     if (!lost) {
         return;
     }
-    for (int i = 0; i < m_history.count(); ++i) {
+    int step = 0;
+    while (step < m_history.count() &&
+           !static_cast<const Edit*>(m_history.command(step))->Holds(*lost)) {
+        ++step;
+    }
+    if (step < m_history.index()) {
+        Forget(m_firstKept, step + 1);
+        m_firstKept = step + 1;
+    } else {
+        Forget(step, m_history.count());
+        m_endOfKept = step;
+    }
+    emit HistoryChanged();
+}
+
+void Document::Forget(int first, int end)
+{
+    for (int i = first; i < end; ++i) {
         // The stack hands its commands out for reading only, but they are ours.
         auto* edit = const_cast<Edit*>(static_cast<const Edit*>(m_history.command(i)));
         if (!edit->IsForgotten()) {
             edit->Forget();
         }
-        if (edit == lost) {
-            break;
-        }
     }
-    emit HistoryChanged();
 }
 
 void Document::Clear()
@@ -213,6 +233,8 @@ void Document::ClearHistory()
 {
     const QScopedValueRollback<bool> doing(m_isDoing, true);
     m_history.clear();
+    m_firstKept = 0;
+    m_endOfKept = NoEnd;
     // What was edited cannot be taken back any more.
     m_isChangedOutside = m_isChangedOutside || ProjectSettings::Instance().IsModified();
     emit HistoryChanged();

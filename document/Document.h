@@ -16,6 +16,7 @@
 #include <QRect>
 #include <QUndoStack>
 
+#include <limits>
 #include <memory>
 #include <optional>
 
@@ -54,7 +55,7 @@ public:
     const TerritoryTypeList& Types() const { return m_types; }
     Brush& GetBrush() { return m_brush; }
 
-    /// The scene that shows the zones; null for none. It may die first.
+    /// The scene that shows the zones; null for none. It may be destroyed before the document.
     void SetZoneScene(QGraphicsScene* scene) { m_zoneScene = scene; }
     QGraphicsScene* ZoneScene() const { return m_zoneScene; }
 
@@ -144,6 +145,8 @@ private:
     bool EditRow(QStandardItem& item, const QVariant& value, int role);
     void NotePlace(const EditPlace& place) { m_place = place; }
     void FollowIndex();
+    int KeptIndex() const;
+    void Forget(int first, int end);
     void FitHistory();
     void ClearHistory();
     void ShowModified();
@@ -159,6 +162,10 @@ private:
     HistoryMemory m_memory;
     QUndoStack m_history;
     EditPlace m_place;
+    static constexpr int NoEnd = std::numeric_limits<int>::max();
+    /// Steps before the first and from the end on are no longer kept.
+    int m_firstKept = 0;
+    int m_endOfKept = NoEnd;
     int m_gesture = 0;
     bool m_isApplying = false;
     bool m_isFollowingCheckMark = false;

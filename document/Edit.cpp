@@ -2,6 +2,8 @@
 
 #include "document/Document.h"
 
+#include <QScopedValueRollback>
+
 Edit::Edit(const QString& text)
     : QUndoCommand(text)
 {
@@ -15,6 +17,7 @@ void Edit::Forget()
 
 void Edit::undo()
 {
+    const QScopedValueRollback<bool> applying(m_document->m_isApplying, true);
     if (!m_isForgotten) {
         Undo(*m_document);
         m_document->NotePlace(Place());
@@ -23,6 +26,7 @@ void Edit::undo()
 
 void Edit::redo()
 {
+    const QScopedValueRollback<bool> applying(m_document->m_isApplying, true);
     if (!m_isForgotten) {
         Do(*m_document);
         m_document->NotePlace(Place());

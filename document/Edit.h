@@ -39,8 +39,8 @@ struct EditPlace
 /// One user action that changes the project and can be undone. Document::Do carries it out; each
 /// kind is a class in document/edits/.
 ///
-/// An edit points to the objects that it changes. They live as long as it does: whatever leaves the
-/// project by an edit is kept by that edit, which is older.
+/// An edit points to the objects that it changes. They live as long as it does: the edit that
+/// removes an object keeps it.
 class Edit : public QUndoCommand
 {
 public:
@@ -56,6 +56,9 @@ public:
     /// Called when what it stored was dropped. From then on undo and redo of this step do nothing.
     void Forget();
     bool IsForgotten() const { return m_isForgotten; }
+
+    /// Whether the other edit is this one or a part of it.
+    virtual bool Holds(const Edit& other) const { return &other == this; }
 
     void undo() final;
     void redo() final;

@@ -118,7 +118,9 @@ void DockLayers::AddPainted(bool /*checked*/)
         LogError(QStringLiteral("There is no layer size or no memory for a new layer."));
         return;
     }
-    m_document.Do(Edits::AddPaintedLayer(*List(), image));
+    if (!m_document.Do(Edits::AddPaintedLayer(*List(), image))) {
+        return;
+    }
     UpdateHideAll();
     emit Added(List()->LayerAt(List()->model()->rowCount() - 1));
 }

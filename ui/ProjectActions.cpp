@@ -328,7 +328,10 @@ bool ProjectActions::SaveTo(const QString& path)
                        m_parts.document.Layers(), m_parts.document.Types()};
     const bool isSaved = SaveProjectTo(path, parts);
     m_parts.window.SetTitle(Settings().Name());
-    if (isSaved && !Settings().IsModified()) {
+    if (isSaved && Settings().IsModified()) {
+        // A bitmap could not be written, so the files are those of no state of the history.
+        m_parts.document.NoteChange();
+    } else if (isSaved) {
         m_parts.document.SetSaved();
     }
     return isSaved;

@@ -67,7 +67,7 @@ void SelectTool::EndDrag()
     }
 }
 
-/// Qt's zones take hold of the mouse until a release.
+/// A pressed zone grabs the mouse until a release is sent.
 void SelectTool::LetGo()
 {
     QGraphicsSceneMouseEvent release(QEvent::GraphicsSceneMouseRelease);

@@ -1,5 +1,6 @@
 #include "document/edits/EditGroup.h"
 
+#include <algorithm>
 #include <utility>
 
 void EditGroup::Add(std::unique_ptr<Edit> edit)
@@ -7,6 +8,12 @@ void EditGroup::Add(std::unique_ptr<Edit> edit)
     if (edit->Changes()) {
         m_edits.push_back(std::move(edit));
     }
+}
+
+bool EditGroup::Holds(const Edit& other) const
+{
+    return std::any_of(m_edits.begin(), m_edits.end(),
+                       [&](const auto& edit) { return edit->Holds(other); });
 }
 
 void EditGroup::Do(Document& document)

@@ -17,6 +17,7 @@ public:
 
     bool Changes() const override { return !m_edits.empty(); }
     EditPlace Place() const override { return m_place; }
+    bool Holds(const Edit& other) const override;
 
 protected:
     void Do(Document& document) override;

@@ -434,12 +434,18 @@ void tst_EveryEdit::IsUndoneAndDoneAgain()
     QFETCH(QString, text);
     Editor editor;
     before(editor);
-    const QUndoStack& history = editor.window->GetDocument().History();
+    Document& document = editor.window->GetDocument();
+    const QUndoStack& history = document.History();
     const int steps = history.index();
     const WindowFixture::SavedFiles untouched = editor.SavedBytes();
+    ProjectSettings::Instance().SetModified(false);
+    document.SetSaved();
 
+    const Layer* current = document.CurrentLayer();
     deed(editor);
 
+    // Which layer is current is saved too, and no step.
+    const bool isOtherCurrent = document.CurrentLayer() != current;
     const WindowFixture::SavedFiles done = editor.SavedBytes();
     QVERIFY(done != untouched);
     QVERIFY2(IsText(editor.Action("actionUndo")->text(), "Undo " + text),
@@ -450,6 +456,10 @@ void tst_EveryEdit::IsUndoneAndDoneAgain()
 
     QCOMPARE(history.index(), steps);
     QCOMPARE(editor.SavedBytes(), untouched);
+    QVERIFY(!ProjectSettings::Instance().IsModified() || isOtherCurrent);
+    if (document.CurrentLayer()) {
+        QCOMPARE(editor.Scene().CurrentLayer(), document.CurrentLayer());
+    }
     QVERIFY2(IsText(editor.Action("actionRedo")->text(), "Redo " + text),
              qPrintable(editor.Action("actionRedo")->text()));
 

@@ -26,7 +26,8 @@ QPalette Dark()
 
 QPalette Light()
 {
-    return QStyleFactory::create(QStringLiteral("fusion"))->standardPalette();
+    const std::unique_ptr<QStyle> fusion(QStyleFactory::create(QStringLiteral("fusion")));
+    return fusion->standardPalette();
 }
 
 /// As the WCAG measures it, from 0 to 1.
