@@ -233,6 +233,9 @@ void tst_BatchProgram::FileSizeLimitIsReported()
 
 void tst_BatchProgram::PipesThatNobodyReadsAreReported()
 {
+#ifdef QUILLMAP_PORTABLE
+    QSKIP("Only Linux opens a pipe without waiting for a reader.");
+#endif
     WriteBytes(Path("a.xml"), Project);
     QVERIFY(QDir().mkpath(Path("out")));
     QVERIFY(QDir().mkpath(Path("territoryTypes")));

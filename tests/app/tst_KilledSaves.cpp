@@ -140,7 +140,10 @@ void tst_KilledSaves::EachFileIsWhollyTheOldOrTheNewOne()
         RunProgram(SAVE_FOREVER_PROGRAM, {folder.filePath("highlands.xml"), way, "2"},
                    folder.path(), QProcessEnvironment::systemEnvironment());
     QCOMPARE(run.exitCode, 0);
+#ifndef QUILLMAP_PORTABLE
+    // Only Linux has files without a name: elsewhere, names of a killed process may stay.
     QCOMPARE(FilesBelow(folder.path()).keys(), second.keys());
+#endif
 }
 
 /// The map and the types of the example, and of another document, are exported to one folder.
