@@ -24,11 +24,16 @@ struct MaskTile
 {
     alignas(64) uchar pixels[TilePixels];
 
+    /// Leaves the pixels as they are: they are filled right afterwards.
+    MaskTile();
+
     /// Copies size.width() pixels of each of size.height() rows, which begin stride bytes apart.
     void Load(const uchar* from, qint64 stride, QSize size);
     /// The reverse.
     void Store(uchar* to, qint64 stride, QSize size) const;
 };
+
+inline MaskTile::MaskTile() = default;
 
 /// A packed tile is a byte for its kind and then
 ///   0: the one value of all pixels;
