@@ -147,6 +147,15 @@ std::shared_ptr<void> RemoveFolder(const QString& folder)
     return {};
 }
 
+/// What is written when nothing fails.
+QMap<QString, QByteArray> FilesOfSecondProject()
+{
+    Project project;
+    project.Build(2);
+    project.SaveAll();
+    return project.Files();
+}
+
 } // namespace
 
 Q_DECLARE_METATYPE(Fault)
@@ -185,13 +194,7 @@ void tst_WriteFaults::LeaveWholeFiles_data()
 void tst_WriteFaults::LeaveWholeFiles()
 {
     QFETCH(Fault, fault);
-    QMap<QString, QByteArray> after;
-    {
-        Project unharmed;
-        unharmed.Build(2);
-        unharmed.SaveAll();
-        after = unharmed.Files();
-    }
+    const QMap<QString, QByteArray> after = FilesOfSecondProject();
     Project project;
     project.SaveAll();
     const QMap<QString, QByteArray> before = project.Files();
@@ -222,13 +225,7 @@ void tst_WriteFaults::LeaveWholeFiles()
 
 void tst_WriteFaults::FilesInFoldersThatTakeNoneAreOverwritten()
 {
-    QMap<QString, QByteArray> after;
-    {
-        Project unharmed;
-        unharmed.Build(2);
-        unharmed.SaveAll();
-        after = unharmed.Files();
-    }
+    const QMap<QString, QByteArray> after = FilesOfSecondProject();
     Project project;
     project.SaveAll();
     project.Build(2);
