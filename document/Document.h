@@ -101,18 +101,22 @@ public:
     /// What the history holds of masks.
     HistoryMemory& Memory() { return m_memory; }
 
-    /// Empties layers, territories and history.
+    /// Empties layers, territories and history. No file holds the project then.
     void Clear();
     /// Begins a project of these sizes (pixels and metres), which will be saved into the folder and
     /// has no name until then.
     void Begin(QSize layerSize, QSize worldSize, const QDir& folder);
+    /// The file that holds the project: the one that it was last loaded from or saved to, with its
+    /// folder. Empty while there is none. File dialogs may start elsewhere.
+    const QString& Path() const { return m_path; }
+    void SetPath(const QString& path) { m_path = path; }
     /// Sets the folder and the file name before a load.
     void SetPlace(const QDir& folder, const QString& fileName);
     /// Sets the name that the title shows.
     void SetName(const QString& name);
     /// Reads a whole project. False when that failed; settings that were read before the fault are
     /// kept, brush and modified state are as before.
-    bool Read(ProjectReader& reader);
+    bool Read(ProjectReader& reader, const MaskSource& masks = LoadProjectMask);
     /// Reads an area map, with its sizes. False when it is none, and then the sizes are as before.
     bool ReadMap(QIODevice& map);
     /// Begins a new history. isSaved: the present state is the one on disk.
@@ -155,6 +159,7 @@ private:
     TerritoryTypeList m_types;
     Brush m_brush;
     QPointer<QGraphicsScene> m_zoneScene;
+    QString m_path;
     Tracked<Layer> m_currentLayer;
     Tracked<Territory> m_currentTerritory;
     std::optional<ZoneValues> m_zoneTemplate;

@@ -37,13 +37,13 @@ void Document::SetName(const QString& name)
     Settings().SetName(name);
 }
 
-bool Document::Read(ProjectReader& reader)
+bool Document::Read(ProjectReader& reader, const MaskSource& masks)
 {
     const bool wasModified = Settings().IsModified();
     const Brush brushBefore = m_brush;
     const bool isRead =
         reader.Read({[this](QXmlStreamReader& xml) { m_brush.ReadXml(xml); },
-                     [this](QXmlStreamReader& xml) { return m_layers.ReadXml(xml); },
+                     [&](QXmlStreamReader& xml) { return m_layers.ReadXml(xml, masks); },
                      [this](QXmlStreamReader& xml) { return m_types.Read(xml, m_zoneScene); }});
     if (!isRead) {
         Settings().SetModified(wasModified);

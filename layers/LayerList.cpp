@@ -180,10 +180,21 @@ void LayerList::FollowCheckState(QStandardItem* item)
     }
 }
 
+QImage LoadProjectMask(int number, const QString& name)
+{
+    Q_UNUSED(number)
+    if (LeadsUpward(name)) {
+        LogError(QStringLiteral("The bitmap of layer '%1' lies outside the project.").arg(name));
+        return {};
+    }
+    return LoadTarga(ProjectSettings::Instance().LayerPath(name));
+}
+
 namespace {
 
-/// Reads the "layer" element that the reader is on. Returns null if its bitmap cannot be loaded.
-std::unique_ptr<Layer> ReadLayer(const QXmlStreamReader& xml, LayerList* list)
+/// Reads the "layer" element that the reader is on. Returns null if it has no mask.
+std::unique_ptr<Layer> ReadLayer(const QXmlStreamReader& xml, LayerList* list, int number,
+                                 const MaskSource& masks)
 {
     constexpr quint32 white = 0xFFFFFFFF;
     const quint32 usageFlags = BitsAttribute(xml, QLatin1String("usage_flags"));
@@ -193,11 +204,7 @@ std::unique_ptr<Layer> ReadLayer(const QXmlStreamReader& xml, LayerList* list)
     const bool isVisible = IntAttribute(xml, QLatin1String("visible"), 0) > 0;
 
     LogInfo(QStringLiteral("Loading layer \"%1\"...").arg(name));
-    if (LeadsUpward(name)) {
-        LogError(QStringLiteral("The bitmap of layer '%1' lies outside the project.").arg(name));
-        return nullptr;
-    }
-    const QImage image = LoadTarga(ProjectSettings::Instance().LayerPath(name));
+    const QImage image = masks(number, name);
     if (image.isNull()) {
         return nullptr;
     }
@@ -209,13 +216,14 @@ std::unique_ptr<Layer> ReadLayer(const QXmlStreamReader& xml, LayerList* list)
 
 } // namespace
 
-bool LayerList::ReadXml(QXmlStreamReader& xml)
+bool LayerList::ReadXml(QXmlStreamReader& xml, const MaskSource& masks)
 {
     std::unique_ptr<Layer> pending;
+    int number = 0;
     const XmlHandlers handlers = {
         {QLatin1String("layer"),
          [&](QXmlStreamReader& element) {
-             pending = ReadLayer(element, this);
+             pending = ReadLayer(element, this, number++, masks);
              return true;
          },
          [&] { AddLayer(std::move(pending)); }},

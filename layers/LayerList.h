@@ -3,9 +3,11 @@
 #include "app/RowModel.h"
 
 #include <QHash>
+#include <QImage>
 #include <QObject>
 #include <QVector>
 
+#include <functional>
 #include <memory>
 
 class Layer;
@@ -13,6 +15,14 @@ class QIODevice;
 class QStandardItem;
 class QXmlStreamReader;
 class QXmlStreamWriter;
+
+/// Gives the mask of a layer that is read: that of the layer's "layer" element, counted from 0,
+/// with the layer's name. Null when there is none, and then the layer is left out.
+using MaskSource = std::function<QImage(int number, const QString& name)>;
+
+/// The mask in the bitmap of that name in the project's "layers" folder. Logs errors in the file,
+/// and a name that leads out of the folder.
+QImage LoadProjectMask(int number, const QString& name);
 
 /// The layers of the open project. The rows of its model are the layers, in the order in which they
 /// are listed, saved and stacked. The model owns them: removing a row destroys its layer.
@@ -57,10 +67,9 @@ public:
     /// Sets the flags of all layers to 0.
     void ResetFlags();
 
-    /// Reads the "layers" element and the bitmaps of its layers; the reader must be on the start
-    /// tag. A layer without a readable bitmap is left out. Returns false if the reader has an
-    /// error.
-    bool ReadXml(QXmlStreamReader& xml);
+    /// Reads the "layers" element and the masks of its layers; the reader must be on the start tag.
+    /// A layer without a mask is left out. Returns false if the reader has an error.
+    bool ReadXml(QXmlStreamReader& xml, const MaskSource& masks = LoadProjectMask);
     /// Writes the "layers" element and every layer's bitmap. Writes nothing for an empty list.
     /// Layers whose bitmaps would overwrite one another or lie outside of the folder are renamed
     /// first, with a logged error. Returns how many bitmaps could not be written.

@@ -10,6 +10,7 @@
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
 #include "document/Document.h"
+#include "document/StoredProject.h"
 #include "document/edits/BackgroundEdits.h"
 #include "document/edits/LayerEdits.h"
 #include "layers/Layer.h"
@@ -28,6 +29,7 @@
 #include "ui/QuillmapWindow.h"
 #include "ui_QuillmapWindow.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 #include <QSignalBlocker>
@@ -179,15 +181,43 @@ bool ProjectActions::Load()
     }
     m_parts.document.SetName(QFileInfo(file).baseName());
     m_parts.window.SetTitle(Settings().Name());
-    return ReadFrom(file);
+    const bool isRead = ReadFrom(file, LoadProjectMask);
+    if (isRead) {
+        m_parts.document.SetPath(QFileInfo(file).absoluteFilePath());
+    }
+    return isRead;
 }
 
-bool ProjectActions::ReadFrom(QFile& file)
+bool ProjectActions::OpenStored(const StoredProject& stored, bool asCopy)
+{
+    if (IsBusy() || !MayDiscard(m_parts, QStringLiteral("Load configuration"),
+                                QStringLiteral("load a different configuration"))) {
+        return false;
+    }
+    const Busy loading(*this, Work::Loading);
+    const bool hasFile = !asCopy && !stored.path.isEmpty();
+    const QFileInfo file(stored.path);
+    m_parts.document.SetPlace(stored.path.isEmpty() ? Settings().Dir() : file.absoluteDir(),
+                              hasFile ? file.fileName() : QString());
+    m_parts.document.SetName(hasFile ? file.baseName() : QString());
+    m_parts.window.SetTitle(Settings().Name());
+    QByteArray text = stored.text;
+    QBuffer device(&text);
+    device.open(QIODevice::ReadOnly);
+    const bool isRead = ReadFrom(device, stored.masks);
+    if (isRead) {
+        m_parts.document.SetPath(hasFile ? stored.path : QString());
+        m_parts.document.BeginHistory(false);
+    }
+    return isRead;
+}
+
+bool ProjectActions::ReadFrom(QIODevice& file, const MaskSource& masks)
 {
     BeginReplacing();
     ProjectReader reader(file);
     m_reader = &reader;
-    const bool isRead = !m_isStopped && m_parts.document.Read(reader);
+    const bool isRead = !m_isStopped && m_parts.document.Read(reader, masks);
     m_reader = nullptr;
     m_parts.terTypes.ExpandAll();
     Finalize(isRead, isRead ? reader.SelectedRow() : -1);
@@ -284,8 +314,8 @@ void ProjectActions::ShowProject(int selected)
 void ProjectActions::EnableEditing(bool isEnabled)
 {
     Ui::QuillmapWindowClass& form = m_parts.form;
-    for (QAction* action : {form.actionSave, form.actionSaveAll, form.actionLoadWorld,
-                            form.actionImportAreas, form.actionImportMap}) {
+    for (QAction* action : {form.actionSave, form.actionQuickSave, form.actionSaveAll,
+                            form.actionLoadWorld, form.actionImportAreas, form.actionImportMap}) {
         action->setEnabled(isEnabled);
     }
     for (QWidget* widget : std::initializer_list<QWidget*>{
@@ -315,6 +345,15 @@ bool ProjectActions::Save()
     return !path.isEmpty() && SaveTo(path);
 }
 
+bool ProjectActions::QuickSave()
+{
+    const QString path = m_parts.document.Path();
+    if (path.isEmpty()) {
+        return Save();
+    }
+    return !IsBusy() && SaveTo(path);
+}
+
 bool ProjectActions::SaveTo(const QString& path)
 {
     const Busy saving(*this, Work::Saving);
@@ -328,6 +367,9 @@ bool ProjectActions::SaveTo(const QString& path)
                        m_parts.document.Layers(), m_parts.document.Types()};
     const bool isSaved = SaveProjectTo(path, parts);
     m_parts.window.SetTitle(Settings().Name());
+    if (isSaved) {
+        m_parts.document.SetPath(Settings().ProjectFilePath());
+    }
     if (isSaved && Settings().IsModified()) {
         // A bitmap could not be written, so the files are those of no state of the history.
         m_parts.document.NoteChange();
@@ -444,6 +486,8 @@ void ProjectActions::ImportAreaMap()
 
 void ProjectActions::ReadMap(QFile& file)
 {
+    // The map is no project document, and the former project's is not meant by the next save.
+    m_parts.document.SetPlace(Settings().Dir(), QString());
     m_parts.document.SetName(QFileInfo(file).baseName());
     m_parts.window.SetTitle(Settings().Name());
     BeginReplacing();

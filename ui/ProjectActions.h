@@ -1,5 +1,6 @@
 #pragma once
 
+#include "layers/LayerList.h"
 #include "ui/EditorParts.h"
 
 #include <QString>
@@ -12,6 +13,8 @@ class InteractionModes;
 class LayerComposition;
 class ProjectReader;
 class QFile;
+class QIODevice;
+struct StoredProject;
 
 /// The actions on whole projects: new, load, save, export and import. They ask the user all
 /// necessary questions. Logging processes events, so an action may be requested while another one
@@ -26,7 +29,13 @@ public:
     /// Asks for the file, unless the window was started with one. Returns whether a project was
     /// loaded.
     bool Load();
+    /// Opens a state that was kept outside of the project, as unsaved work. It takes the project's
+    /// place and file name, or with asCopy no file name. Asks before it discards unsaved work, and
+    /// returns whether the state was opened.
+    bool OpenStored(const StoredProject& stored, bool asCopy);
     bool Save();
+    /// Saves to the project's own file without a dialog, or asks for a file when there is none.
+    bool QuickSave();
     bool SaveTo(const QString& path);
     void SaveAll();
     void SaveMap();
@@ -67,7 +76,7 @@ private:
 
     void Create(const DialogNewProject& dialog);
     bool AskForProject();
-    bool ReadFrom(QFile& file);
+    bool ReadFrom(QIODevice& file, const MaskSource& masks);
     void ReadMap(QFile& file);
     void BeginReplacing();
     void EmptyLists();

@@ -1,0 +1,122 @@
+#include "document/Document.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "tests/support/Files.h"
+#include "tests/support/WindowFixture.h"
+
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QTest>
+
+/// "Save now" and the file that it writes.
+class tst_QuickSave : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void WritesTheProjectsOwnFileWithoutADialog();
+    void FollowsASaveElsewhere();
+    void AsksWhereNoFileHoldsTheProject_data();
+    void AsksWhereNoFileHoldsTheProject();
+    void IsDisabledWithoutAProject();
+
+private:
+    static void RenameFirstLayer(const WindowFixture& fixture, const QString& name)
+    {
+        LayerList& layers = fixture.window->GetDocument().Layers();
+        layers.model()->setData(layers.model()->index(0, 0), name, Qt::EditRole);
+    }
+};
+
+void tst_QuickSave::WritesTheProjectsOwnFileWithoutADialog()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Load(path);
+    const int asked = fixture.answers.Asked().size();
+    // Dialogs begin in this folder; it says nothing about where the project is.
+    fixture.window->GetDocument().SetPlace(QDir(fixture.Path("")), "small.xml");
+    RenameFirstLayer(fixture, "green");
+    QVERIFY(fixture.IsModified());
+
+    fixture.window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(fixture.window.get()));
+    QTest::keyClick(fixture.window.get(), Qt::Key_S, Qt::ControlModifier | Qt::AltModifier);
+
+    QCOMPARE(fixture.answers.Asked().size(), asked);
+    QVERIFY(!fixture.IsModified());
+    QVERIFY(ReadBytes(path).contains("green"));
+    QVERIFY(QFileInfo::exists(fixture.Path("small/layers/green.tga")));
+    QVERIFY(!QFileInfo::exists(fixture.Path("small.xml")));
+}
+
+void tst_QuickSave::FollowsASaveElsewhere()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Load(path);
+    const QByteArray before = ReadBytes(path);
+    fixture.TriggerWithFile("actionSave", fixture.Path("other.xml"));
+    RenameFirstLayer(fixture, "green");
+
+    fixture.Trigger("actionQuickSave");
+
+    QVERIFY(ReadBytes(fixture.Path("other.xml")).contains("green"));
+    QCOMPARE(ReadBytes(path), before);
+}
+
+void tst_QuickSave::AsksWhereNoFileHoldsTheProject_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QString>("offered");
+
+    // 64 x 64 pixels without flag types.
+    const QByteArray map = [] {
+        QByteArray bytes;
+        const qint32 header[] = {64, 64, 640, 640, 0, 0};
+        bytes.append(reinterpret_cast<const char*>(header), sizeof header);
+        return bytes;
+    }();
+    QTest::newRow("an imported map") << map << "actionImportMap"
+                                     << "";
+    QTest::newRow("no map at all") << QByteArray("x") << "actionImportMap"
+                                   << "";
+    QTest::newRow("a project that could not be read")
+        << QByteArray("<qm-config><layers><layer name='a'></layers></qm-config>") << "actionLoad"
+        << "other";
+}
+
+void tst_QuickSave::AsksWhereNoFileHoldsTheProject()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(QString, action);
+    QFETCH(QString, offered);
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Load(path);
+    const QByteArray before = ReadBytes(path);
+    WriteBytes(fixture.Path("other"), file);
+    fixture.SetModified(false);
+    fixture.TriggerWithFile(qPrintable(action), fixture.Path("other"));
+    QString preselected = "none";
+    fixture.answers.Add([&preselected](QWidget& dialog) {
+        preselected = dialog.findChild<QLineEdit*>("fileNameEdit")->text();
+        qobject_cast<QDialog*>(&dialog)->reject();
+    });
+
+    fixture.Trigger("actionQuickSave");
+
+    QCOMPARE(preselected, offered);
+    QCOMPARE(ReadBytes(path), before);
+    QCOMPARE(ReadBytes(fixture.Path("other")), file);
+}
+
+void tst_QuickSave::IsDisabledWithoutAProject()
+{
+    const WindowFixture fixture;
+    QVERIFY(!fixture.Action("actionQuickSave")->isEnabled());
+}
+
+QTEST_MAIN(tst_QuickSave)
+#include "tst_QuickSave.moc"
