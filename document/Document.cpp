@@ -222,7 +222,7 @@ void Document::Forget(int first, int end)
 void Document::Clear()
 {
     ClearHistory();
-    m_path.clear();
+    SetPath({});
     m_currentLayer = nullptr;
     m_currentTerritory = nullptr;
     m_zoneTemplate.reset();

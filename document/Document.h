@@ -4,6 +4,7 @@
 #include "document/Brush.h"
 #include "document/Edit.h"
 #include "document/HistoryMemory.h"
+#include "document/KnownFiles.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "territories/Territory.h"
@@ -109,7 +110,10 @@ public:
     /// The file that holds the project: the one that it was last loaded from or saved to, with its
     /// folder. Empty while there is none. File dialogs may start elsewhere.
     const QString& Path() const { return m_path; }
-    void SetPath(const QString& path) { m_path = path; }
+    /// Called when the project was loaded from there or saved there, or to set it to none.
+    void SetPath(const QString& path);
+    /// The document, the bitmaps of its layers and the background picture as they were then.
+    const KnownFiles& Files() const { return m_files; }
     /// Sets the folder and the file name before a load.
     void SetPlace(const QDir& folder, const QString& fileName);
     /// Sets the name that the title shows.
@@ -160,6 +164,7 @@ private:
     Brush m_brush;
     QPointer<QGraphicsScene> m_zoneScene;
     QString m_path;
+    KnownFiles m_files;
     Tracked<Layer> m_currentLayer;
     Tracked<Territory> m_currentTerritory;
     std::optional<ZoneValues> m_zoneTemplate;

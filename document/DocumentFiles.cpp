@@ -32,6 +32,23 @@ void Document::SetPlace(const QDir& folder, const QString& fileName)
     Settings().SetFileName(fileName);
 }
 
+void Document::SetPath(const QString& path)
+{
+    m_path = path;
+    m_files.Clear();
+    if (path.isEmpty()) {
+        return;
+    }
+    m_files.Note(path);
+    const QVector<Layer*> layers = m_layers.Layers();
+    for (const Layer* layer : layers) {
+        m_files.Note(Settings().LayerPath(layer->text()));
+    }
+    if (!Settings().BackgroundFile().isEmpty()) {
+        m_files.Note(Settings().BackgroundPath());
+    }
+}
+
 void Document::SetName(const QString& name)
 {
     Settings().SetName(name);

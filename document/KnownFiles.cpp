@@ -1,0 +1,30 @@
+#include "document/KnownFiles.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+
+KnownFiles::Stamp KnownFiles::StampOf(const QString& path)
+{
+    const QFileInfo file(path);
+    Stamp stamp;
+    if (file.isFile()) {
+        stamp.length = file.size();
+        stamp.time = file.lastModified().toMSecsSinceEpoch();
+    }
+    return stamp;
+}
+
+void KnownFiles::Note(const QString& path)
+{
+    m_stamps.insert(path, StampOf(path));
+}
+
+bool KnownFiles::HasChanged(const QString& path) const
+{
+    const auto known = m_stamps.find(path);
+    if (known == m_stamps.end()) {
+        return false;
+    }
+    const Stamp now = StampOf(path);
+    return now.length != known->length || now.time != known->time;
+}
