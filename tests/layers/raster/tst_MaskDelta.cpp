@@ -207,7 +207,6 @@ private slots:
     void RefusesOtherMasks();
     void DropsWhatDidNotChange();
     void TouchesAgainAfterItDropped();
-    void AppendsALaterDelta();
     void ComparesWholeMasks();
     void RepeatsAChange();
     void TakesLittleMemory();
@@ -294,9 +293,6 @@ void tst_MaskDelta::RefusesOtherMasks()
     QVERIFY(!MaskDelta::Between(mask, other));
     QVERIFY(!MaskDelta::Between(argb, argb));
     QVERIFY(!MaskDelta::Between({}, {}));
-    MaskDelta ofOther;
-    QVERIFY(ofOther.Touch(other, other.rect()));
-    QVERIFY(!delta.Append(std::move(ofOther)));
 }
 
 void tst_MaskDelta::DropsWhatDidNotChange()
@@ -330,30 +326,6 @@ void tst_MaskDelta::TouchesAgainAfterItDropped()
     mask.fill(9);
     QCOMPARE(*delta.Swap(mask), mask.rect());
     QCOMPARE(mask, raster::BlankMask({200, 64}));
-}
-
-void tst_MaskDelta::AppendsALaterDelta()
-{
-    Random random;
-    for (int round = 0; round < 20; ++round) {
-        for (const QSize size : Sizes) {
-            Edit first = RandomEdit(random, size);
-            Edit second(random, CopyOf(first.after), random.Below(3));
-            const auto file = MemoryFile();
-            if (random.Below(3) == 0) {
-                QVERIFY(first.delta.SpillTo(file));
-            }
-            if (random.Below(3) == 0) {
-                QVERIFY(second.delta.SpillTo(file));
-            }
-            QVERIFY(first.delta.Append(std::move(second.delta)));
-            QImage mask = CopyOf(second.after);
-            QCOMPARE(*first.delta.Swap(mask), Difference(first.before, second.after));
-            QCOMPARE(mask, first.before);
-            QVERIFY(first.delta.Swap(mask));
-            QCOMPARE(mask, second.after);
-        }
-    }
 }
 
 void tst_MaskDelta::ComparesWholeMasks()
@@ -566,13 +538,6 @@ void tst_MaskDelta::KeepsEverythingWhenTheFileFails()
         QVERIFY(delta.DropUnchanged(mask));
         fail();
         QCOMPARE(Written(delta), QByteArray());
-        MaskDelta later;
-        QVERIFY(later.Touch(mask, mask.rect()));
-        fail();
-        QVERIFY(!delta.Append(std::move(later)));
-        QVERIFY(!later.IsEmpty());
-        fail();
-        QVERIFY(!later.Append(std::move(delta)));
         QVERIFY(delta.IsSpilled());
         QCOMPARE(mask, filled);
         *faults = BadDevice::Faults();
