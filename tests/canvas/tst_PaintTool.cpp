@@ -1,6 +1,5 @@
 #include "canvas/tools/PaintTool.h"
 
-#include "canvas/CurrentLayerItem.h"
 #include "tests/support/CanvasActions.h"
 #include "tests/support/CanvasFixture.h"
 #include "tests/support/Masks.h"
@@ -42,11 +41,7 @@ public:
     QByteArray Pixels() const { return Indices(layer->Image()); }
     int StepCount() { return document.History().count(); }
     /// Whether the map shows the layer as it is.
-    bool ShowsLayer()
-    {
-        return ItemOf<CurrentLayerItem>(*this, CurrentZ)->pixmap().toImage() ==
-               layer->Pixmap().toImage();
-    }
+    bool ShowsLayer() { return PictureOf(*ItemAt(CurrentZ)) == layer->Pixmap().toImage(); }
     void PaintStroke(QPointF from, QPointF to, Qt::MouseButton button = Qt::LeftButton)
     {
         Press(from, button);

@@ -1,6 +1,5 @@
 #include "canvas/MainScene.h"
 
-#include "canvas/CurrentLayerItem.h"
 #include "tests/support/CanvasActions.h"
 #include "tests/support/CanvasFixture.h"
 #include "tests/support/LiteralCanvas.h"
@@ -263,8 +262,7 @@ void tst_ScenePainting::PaintsWithTheLeftButton()
     QVERIFY(!IsSet(*layer, 70, 60));
     canvas.Release({90, 50});
     QCOMPARE(BrushCursor(canvas)->pos(), QPointF(90, 50));
-    QCOMPARE(ItemOf<CurrentLayerItem>(canvas, CurrentZ)->pixmap().toImage(),
-             layer->Pixmap().toImage());
+    QCOMPARE(PictureOf(*canvas.ItemAt(CurrentZ)), layer->Pixmap().toImage());
 }
 
 void tst_ScenePainting::ErasesWithTheRightButton()
@@ -280,7 +278,7 @@ void tst_ScenePainting::ErasesWithTheRightButton()
     QVERIFY(IsSet(*layer, 70, 60));
     canvas.Release({90, 50}, Qt::RightButton);
     QVERIFY(canvas.TakeModified());
-    const QImage picture = ItemOf<CurrentLayerItem>(canvas, CurrentZ)->pixmap().toImage();
+    const QImage picture = PictureOf(*canvas.ItemAt(CurrentZ));
     QCOMPARE(picture.pixel(70, 50), 0U);
 }
 
