@@ -1,5 +1,6 @@
 #include "document/Document.h"
 
+#include "app/Log.h"
 #include "app/Names.h"
 #include "app/ProjectSettings.h"
 #include "document/edits/LayerEdits.h"
@@ -193,19 +194,58 @@ void Document::FitHistory()
     if (!lost) {
         return;
     }
-    int step = 0;
-    while (step < m_history.count() &&
-           !static_cast<const Edit*>(m_history.command(step))->Holds(*lost)) {
-        ++step;
-    }
+    const int step = StepOf(*lost);
     if (step < m_history.index()) {
-        Forget(m_firstKept, step + 1);
-        m_firstKept = step + 1;
+        ForgetUpTo(step);
     } else {
-        Forget(step, m_history.count());
-        m_endOfKept = step;
+        ForgetFrom(step);
     }
     emit HistoryChanged();
+}
+
+int Document::StepOf(const Edit& edit) const
+{
+    int step = 0;
+    while (step < m_history.count() &&
+           !static_cast<const Edit*>(m_history.command(step))->Holds(edit)) {
+        ++step;
+    }
+    return step;
+}
+
+/// The step could not be undone. Those before it can't be undone without it.
+void Document::LoseUndo(const Edit& edit)
+{
+    ReportLater(
+        QStringLiteral("Could not undo '%1'. It and the steps before it are no longer kept.")
+            .arg(edit.text()));
+    ForgetUpTo(StepOf(edit));
+}
+
+void Document::LoseRedo(const Edit& edit)
+{
+    ReportLater(QStringLiteral("Could not redo '%1'. It and the steps after it are no longer kept.")
+                    .arg(edit.text()));
+    ForgetFrom(StepOf(edit));
+}
+
+/// Logging processes events, which must not meet a history on its way.
+void Document::ReportLater(const QString& message)
+{
+    QMetaObject::invokeMethod(
+        this, [message] { LogError(message); }, Qt::QueuedConnection);
+}
+
+void Document::ForgetUpTo(int step)
+{
+    Forget(m_firstKept, step + 1);
+    m_firstKept = step + 1;
+}
+
+void Document::ForgetFrom(int step)
+{
+    Forget(step, m_history.count());
+    m_endOfKept = step;
 }
 
 void Document::Forget(int first, int end)

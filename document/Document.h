@@ -146,6 +146,12 @@ private:
     void NotePlace(const EditPlace& place) { m_place = place; }
     void FollowIndex();
     int KeptIndex() const;
+    int StepOf(const Edit& edit) const;
+    void LoseUndo(const Edit& edit);
+    void LoseRedo(const Edit& edit);
+    void ReportLater(const QString& message);
+    void ForgetUpTo(int step);
+    void ForgetFrom(int step);
     void Forget(int first, int end);
     void FitHistory();
     void ClearHistory();

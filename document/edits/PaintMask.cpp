@@ -63,6 +63,8 @@ void PaintMask::Show(Document& document, bool isNew)
     if (changed) {
         m_showsNew = isNew;
         m_changed = *changed;
+    } else {
+        Fail();
     }
     emit document.LayerChanged(m_layer, Aspect::Pixels, changed.value_or(QRect()));
 }
