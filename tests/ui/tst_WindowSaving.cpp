@@ -1,4 +1,5 @@
 #include "app/Log.h"
+#include "canvas/WorldItem.h"
 #include "document/Document.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
@@ -19,6 +20,8 @@
 #include <QSettings>
 #include <QSpinBox>
 #include <QTest>
+
+#include <algorithm>
 
 #include <sys/stat.h>
 
@@ -75,6 +78,7 @@ private slots:
     void ImportsFlagTypes();
     void MalformedFlagTypesGiveThoseBeforeTheFault();
     void LoadsABackground();
+    void UndoFindsTheBackgroundAfterASaveElsewhere();
     void ClosesWithoutAQuestion();
     void AsksBeforeItCloses_data();
     void AsksBeforeItCloses();
@@ -491,6 +495,42 @@ void tst_WindowSaving::LoadsABackground()
 
     QCOMPARE(ProjectSettings::Instance().BackgroundFile(), "../world.png");
     QVERIFY(fixture.IsModified());
+}
+
+void tst_WindowSaving::UndoFindsTheBackgroundAfterASaveElsewhere()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    QDir().mkpath(fixture.Path("moved"));
+    const auto write = [&fixture](const char* file, Qt::GlobalColor color) {
+        QImage picture(64, 64, QImage::Format_RGB32);
+        picture.fill(color);
+        QVERIFY(picture.save(fixture.Path(file)));
+    };
+    write("small/a.png", Qt::red);
+    write("small/b.png", Qt::green);
+    write("moved/a.png", Qt::blue);
+    const auto shown = [&fixture] {
+        const QList<QGraphicsItem*> items = fixture.Scene().items();
+        const auto world = std::find_if(items.begin(), items.end(), [](QGraphicsItem* item) {
+            return dynamic_cast<WorldItem*>(item) != nullptr;
+        });
+        return static_cast<WorldItem*>(*world)->pixmap().toImage().pixelColor(32, 32);
+    };
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    fixture.TriggerWithFile("actionLoadWorld", fixture.Path("small/a.png"));
+    fixture.TriggerWithFile("actionLoadWorld", fixture.Path("small/b.png"));
+    fixture.TriggerWithFile("actionSave", fixture.Path("moved/copy"));
+
+    fixture.Trigger("actionUndo");
+
+    QCOMPARE(shown(), QColor(Qt::red));
+    QCOMPARE(settings.BackgroundFile(), "../small/a.png");
+    fixture.SaveOver("actionSave", fixture.Path("moved/copy.xml"));
+    fixture.Load(fixture.Path("moved/copy.xml"));
+    QCOMPARE(shown(), QColor(Qt::red));
+    QCOMPARE(QFileInfo(settings.BackgroundPath()).canonicalFilePath(),
+             QFileInfo(fixture.Path("small/a.png")).canonicalFilePath());
 }
 
 void tst_WindowSaving::ClosesWithoutAQuestion()
