@@ -29,9 +29,13 @@ Document::~Document()
     m_history.clear();
 }
 
-/// What a view writes into a row: a name or a check mark.
+/// What a view writes into a row: a name or a check mark. Files that are being written hold the row
+/// as it was before.
 bool Document::EditRow(QStandardItem& item, const QVariant& value, int role)
 {
+    if (m_isFilesBusy) {
+        return false;
+    }
     if (role == Qt::CheckStateRole) {
         const bool isChecked = value.toInt() == Qt::Checked;
         if (auto* layer = dynamic_cast<Layer*>(&item)) {

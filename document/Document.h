@@ -84,6 +84,7 @@ public:
     void EndGesture() { ++m_gesture; }
     /// While the hand is at work on the map, or files are read or written, nothing can be undone.
     void SetHandBusy(bool isBusy);
+    /// Nor do rows then take what views write into them.
     void SetFilesBusy(bool isBusy);
     /// Whether the project may be edited at all.
     void SetEditable(bool isEditable);

@@ -244,6 +244,9 @@ void tst_Document::NothingIsUndoneWhileBusy()
     m_document->SetFilesBusy(true);
     m_document->Undo();
     QVERIFY(!m_document->Layers().IsEmpty());
+    RowModel* model = m_document->Layers().model();
+    QVERIFY(!model->setData(model->index(0, 0), "sea"));
+    QVERIFY(model->index(0, 0).data() != QVariant("sea"));
     m_document->SetFilesBusy(false);
     m_document->SetEditable(false);
     m_document->Undo();

@@ -20,6 +20,7 @@
 #include <QSettings>
 #include <QSpinBox>
 #include <QTest>
+#include <QTreeView>
 
 #include <algorithm>
 
@@ -85,6 +86,7 @@ private slots:
     void AsksWhatIsBeingPainted();
     void ClosesAfterARunningSave();
     void ShortcutsWaitForTheEndOfASave();
+    void SavesANameThatIsBeingTyped();
     void WaitsForNoPipe();
 };
 
@@ -654,6 +656,37 @@ void tst_WindowSaving::ShortcutsWaitForTheEndOfASave()
     QCOMPARE(fixture.answers.Asked(), QStringList{"Load"});
     press(Qt::Key_P);
     QCOMPARE(fixture.Scene().Mode(), SceneMode::Paint);
+}
+
+void tst_WindowSaving::SavesANameThatIsBeingTyped()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Load(path);
+    fixture.window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(fixture.window.get()));
+    auto* tree = fixture.Child<QTreeView>("treeLayers");
+    tree->setCurrentIndex(tree->model()->index(0, 0));
+    tree->setFocus();
+    QTest::keyClick(tree, Qt::Key_F2);
+    QTest::keyClicks(tree->viewport()->findChild<QLineEdit*>(), "sea");
+    QObject context;
+    connect(&Log::Instance(), &Log::MessageReceived, &context, [&](const QString& line) {
+        if (line.contains("successfully saved")) {
+            // As when the window loses the focus.
+            tree->setFocus();
+        }
+    });
+
+    QVERIFY(fixture.window->SaveProjectFile(path));
+
+    QCOMPARE(Layers(fixture).LayerAt(0)->text(), "sea");
+    QVERIFY(ReadBytes(path).contains("name=\"sea\""));
+    QVERIFY(QFile::exists(fixture.Path("small/layers/sea.tga")));
+    QVERIFY(!fixture.IsModified());
+    fixture.Trigger("actionUndo");
+    QCOMPARE(Layers(fixture).LayerAt(0)->text(), "red");
+    QVERIFY(fixture.IsModified());
 }
 
 void tst_WindowSaving::WaitsForNoPipe()
