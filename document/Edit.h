@@ -24,8 +24,9 @@ struct EditPlace
         , area(anArea)
     {
     }
-    EditPlace(TerritoryType* aType)
+    EditPlace(TerritoryType* aType, const QRectF& anArea = {})
         : type(aType)
+        , area(anArea)
     {
     }
 

@@ -2,6 +2,7 @@
 
 #include "document/Document.h"
 #include "territories/TerritoryType.h"
+#include "territories/Zone.h"
 
 #include <QGraphicsScene>
 
@@ -41,6 +42,30 @@ void EnterMap(Document& document, Territory& territory)
 }
 
 } // namespace
+
+QRectF AreaOf(const Layer& /*layer*/)
+{
+    return {};
+}
+
+QRectF AreaOf(const TerritoryType& type)
+{
+    QRectF area;
+    const QVector<Territory*> territories = type.Territories();
+    for (const Territory* territory : territories) {
+        area |= AreaOf(*territory);
+    }
+    return area;
+}
+
+QRectF AreaOf(const Territory& territory)
+{
+    QRectF area;
+    for (const Zone* zone : territory.Zones()) {
+        area |= zone->sceneBoundingRect();
+    }
+    return area;
+}
 
 std::unique_ptr<TerritoryType> TakeOut(Document& document, TerritoryType& type)
 {

@@ -21,6 +21,11 @@ void PutIn(Document& document, std::unique_ptr<TerritoryType> type, int row, Ter
 void PutIn(Document& document, std::unique_ptr<Territory> territory, int row,
            TerritoryType* parent);
 
+/// Where it is on the map, in scene units. Empty for a layer, which is everywhere.
+QRectF AreaOf(const Layer& layer);
+QRectF AreaOf(const TerritoryType& type);
+QRectF AreaOf(const Territory& territory);
+
 /// Adds or removes a layer, a territory type or a territory. What is not in the project is kept
 /// here, so that whoever points to it still does when it comes back.
 template <typename Item>
@@ -49,7 +54,11 @@ public:
     {
     }
 
-    EditPlace Place() const override { return m_kept ? EditPlace(m_parent) : EditPlace(m_item); }
+    EditPlace Place() const override
+    {
+        const QRectF area = AreaOf(*m_item);
+        return m_kept ? EditPlace(m_parent, area) : EditPlace(m_item, area);
+    }
 
 protected:
     void Do(Document& document) override { SetPresent(document, m_doesAdd); }
