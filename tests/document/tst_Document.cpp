@@ -9,6 +9,7 @@
 #include "territories/Zone.h"
 #include "tests/support/FailingDisk.h"
 #include "tests/support/LogSpy.h"
+#include "tests/support/Masks.h"
 #include "tests/support/ProjectFixture.h"
 #include "tests/support/Random.h"
 
@@ -80,6 +81,8 @@ private slots:
     void ImportedFlagTypesAreTakenBack();
     void LetsTheOldestStepsGoWhenNothingTakesThem();
     void MasksSurviveTheTemporaryFile();
+    void MasksOfRemovedLayersGoToTheTemporaryFile();
+    void LetsRemovedLayersGoWhenNothingTakesThem();
     void SaysWhatItCannotUndo();
     void SaysWhatItCannotRedo();
     void TenThousandStepsComeBack();
@@ -367,6 +370,57 @@ void tst_Document::MasksSurviveTheTemporaryFile()
         m_document->Redo();
     }
     QCOMPARE(layer->Image(), masks.last());
+}
+
+void tst_Document::MasksOfRemovedLayersGoToTheTemporaryFile()
+{
+    const TemporaryFiles files;
+    m_document->Memory().SetBudget(1);
+    Random random;
+    const QImage mask = RandomMask(random, {Side, Side});
+    const QImage copy = mask.copy();
+    m_document->Do(Edits::AddComputedLayer(m_document->Layers(), "Forest", "!(1)", mask));
+    Layer* layer = m_document->Layers().LayerAt(0);
+
+    for (int round = 0; round < 2; ++round) {
+        m_document->Undo();
+        QVERIFY(layer->Image().isNull());
+        m_document->Redo();
+        QCOMPARE(layer->Image(), copy);
+    }
+    for (int round = 0; round < 2; ++round) {
+        m_document->Do(Edits::RemoveLayer(*layer));
+        QVERIFY(layer->Image().isNull());
+        m_document->Undo();
+        QCOMPARE(layer->Image(), copy);
+    }
+    m_document->Redo();
+    files.Empty();
+    LogSpy log;
+    m_document->Undo();
+    QCoreApplication::processEvents();
+    QCOMPARE(log.Messages(),
+             QStringList("Error: Could not undo 'Remove layer Forest'. It and the steps before it "
+                         "are no longer kept."));
+    QVERIFY(m_document->Layers().IsEmpty());
+    QVERIFY(!m_document->CanUndo());
+}
+
+void tst_Document::LetsRemovedLayersGoWhenNothingTakesThem()
+{
+    Random random;
+    m_document->Do(Edits::AddPaintedLayer(m_document->Layers(), RandomMask(random, {Side, Side})));
+    Layer* layer = m_document->Layers().LayerAt(0);
+    const FileSizeLimit fullDisk(0);
+    // Enough for all but the mask.
+    m_document->Memory().SetBudget(Side * Side / 2);
+    m_document->Do(Edits::SetLayerOpacity(*layer, 9));
+    QVERIFY(m_document->CanUndo());
+
+    m_document->Do(Edits::RemoveLayer(*layer));
+
+    QVERIFY(!m_document->CanUndo());
+    QVERIFY(m_document->History().text(2).endsWith("(no longer kept)"));
 }
 
 void tst_Document::SaysWhatItCannotUndo()
