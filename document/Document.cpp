@@ -194,17 +194,18 @@ void Document::ShowModified()
 /// ones.
 void Document::FitHistory()
 {
-    const Edit* lost = m_memory.Fit();
-    if (!lost) {
-        return;
+    const std::vector<const Edit*> lost = m_memory.Fit();
+    for (const Edit* edit : lost) {
+        const int step = StepOf(*edit);
+        if (step < m_history.index()) {
+            ForgetUpTo(step);
+        } else {
+            ForgetFrom(step);
+        }
     }
-    const int step = StepOf(*lost);
-    if (step < m_history.index()) {
-        ForgetUpTo(step);
-    } else {
-        ForgetFrom(step);
+    if (!lost.empty()) {
+        emit HistoryChanged();
     }
-    emit HistoryChanged();
 }
 
 int Document::StepOf(const Edit& edit) const
@@ -243,13 +244,13 @@ void Document::ReportLater(const QString& message)
 void Document::ForgetUpTo(int step)
 {
     Forget(m_firstKept, step + 1);
-    m_firstKept = step + 1;
+    m_firstKept = qMax(m_firstKept, step + 1);
 }
 
 void Document::ForgetFrom(int step)
 {
     Forget(step, m_history.count());
-    m_endOfKept = step;
+    m_endOfKept = qMin(m_endOfKept, step);
 }
 
 void Document::Forget(int first, int end)

@@ -80,6 +80,7 @@ private slots:
     void CheckMarksOfATypeComeBack();
     void ImportedFlagTypesAreTakenBack();
     void LetsTheOldestStepsGoWhenNothingTakesThem();
+    void LetsStepsOnBothSidesGo();
     void MasksSurviveTheTemporaryFile();
     void MasksOfRemovedLayersGoToTheTemporaryFile();
     void LetsRemovedLayersGoWhenNothingTakesThem();
@@ -343,6 +344,23 @@ void tst_Document::LetsTheOldestStepsGoWhenNothingTakesThem()
     QVERIFY(IsModified());
     m_document->Redo();
     QCOMPARE(layer->Color().alpha(), 9);
+}
+
+void tst_Document::LetsStepsOnBothSidesGo()
+{
+    Layer* layer = AddLayer();
+    Fill(*layer, {0, 0, 100, 100}, 1);
+    Fill(*layer, {0, 0, 90, 90}, 2);
+    Fill(*layer, {0, 0, 80, 80}, 3);
+    {
+        const FileSizeLimit fullDisk(0);
+        m_document->Memory().SetBudget(0);
+        m_document->Undo();
+    }
+
+    QVERIFY(!m_document->CanUndo());
+    QVERIFY(!m_document->CanRedo());
+    QCOMPARE(layer->Image().pixelIndex(0, 0), 2);
 }
 
 void tst_Document::MasksSurviveTheTemporaryFile()
