@@ -74,6 +74,7 @@ private slots:
     void StrokeThatChangesNothingIsNoStep();
     void StrokeWithoutALayerIsNoStep();
     void SecondButtonBeginsAnotherStep();
+    void MiddleButtonDoesNotEndAStroke();
     void NothingIsUndoneDuringAStroke();
     void PaintsOnWhatUndoBroughtBack();
     void AnotherLayerEndsTheStroke();
@@ -253,6 +254,27 @@ void tst_PaintTool::SecondButtonBeginsAnotherStep()
     QCOMPARE(canvas.Pixels(), painted);
     canvas.document.Undo();
     QCOMPARE(canvas.Pixels(), before);
+}
+
+void tst_PaintTool::MiddleButtonDoesNotEndAStroke()
+{
+    Painting canvas;
+    canvas.PaintStroke({10, 90}, {150, 90});
+    const QByteArray wanted = canvas.Pixels();
+    canvas.document.Undo();
+    canvas.TakeModified();
+    canvas.Press({10, 90});
+    canvas.Press({10, 90}, Qt::MiddleButton);
+    canvas.Move({80, 90}, Qt::LeftButton | Qt::MiddleButton);
+    canvas.Release({80, 90}, Qt::MiddleButton);
+    QCOMPARE(canvas.StepCount(), 1);
+    QVERIFY(!canvas.document.CanTravel());
+    QVERIFY(!canvas.TakeModified());
+    canvas.Move({150, 90});
+    canvas.Release({150, 90});
+    QCOMPARE(canvas.Pixels(), wanted);
+    QCOMPARE(canvas.StepCount(), 1);
+    QVERIFY(!canvas.document.CanRedo());
 }
 
 void tst_PaintTool::NothingIsUndoneDuringAStroke()

@@ -1,4 +1,5 @@
 #include "app/Log.h"
+#include "canvas/WorldItem.h"
 #include "document/Document.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
@@ -15,6 +16,9 @@
 #include <QLineEdit>
 #include <QSettings>
 #include <QTest>
+#include <QTreeView>
+
+#include <algorithm>
 
 #include <sys/stat.h>
 
@@ -50,12 +54,14 @@ private slots:
     void ImportsFlagTypes();
     void MalformedFlagTypesGiveThoseBeforeTheFault();
     void LoadsABackground();
+    void UndoFindsTheBackgroundAfterASaveElsewhere();
     void ClosesWithoutAQuestion();
     void AsksBeforeItCloses_data();
     void AsksBeforeItCloses();
     void AsksWhatIsBeingPainted();
     void ClosesAfterARunningSave();
     void ShortcutsWaitForTheEndOfASave();
+    void SavesANameThatIsBeingTyped();
     void WaitsForNoPipe();
 };
 
@@ -312,6 +318,42 @@ void tst_WindowSaving::LoadsABackground()
     QVERIFY(fixture.IsModified());
 }
 
+void tst_WindowSaving::UndoFindsTheBackgroundAfterASaveElsewhere()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    QDir().mkpath(fixture.Path("moved"));
+    const auto write = [&fixture](const char* file, Qt::GlobalColor color) {
+        QImage picture(64, 64, QImage::Format_RGB32);
+        picture.fill(color);
+        QVERIFY(picture.save(fixture.Path(file)));
+    };
+    write("small/a.png", Qt::red);
+    write("small/b.png", Qt::green);
+    write("moved/a.png", Qt::blue);
+    const auto shown = [&fixture] {
+        const QList<QGraphicsItem*> items = fixture.Scene().items();
+        const auto world = std::find_if(items.begin(), items.end(), [](QGraphicsItem* item) {
+            return dynamic_cast<WorldItem*>(item) != nullptr;
+        });
+        return static_cast<WorldItem*>(*world)->pixmap().toImage().pixelColor(32, 32);
+    };
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    fixture.TriggerWithFile("actionLoadWorld", fixture.Path("small/a.png"));
+    fixture.TriggerWithFile("actionLoadWorld", fixture.Path("small/b.png"));
+    fixture.TriggerWithFile("actionSave", fixture.Path("moved/copy"));
+
+    fixture.Trigger("actionUndo");
+
+    QCOMPARE(shown(), QColor(Qt::red));
+    QCOMPARE(settings.BackgroundFile(), "../small/a.png");
+    fixture.SaveOver("actionSave", fixture.Path("moved/copy.xml"));
+    fixture.Load(fixture.Path("moved/copy.xml"));
+    QCOMPARE(shown(), QColor(Qt::red));
+    QCOMPARE(QFileInfo(settings.BackgroundPath()).canonicalFilePath(),
+             QFileInfo(fixture.Path("small/a.png")).canonicalFilePath());
+}
+
 void tst_WindowSaving::ClosesWithoutAQuestion()
 {
     WindowFixture fixture;
@@ -433,6 +475,37 @@ void tst_WindowSaving::ShortcutsWaitForTheEndOfASave()
     QCOMPARE(fixture.answers.Asked(), QStringList{"Load"});
     press(Qt::Key_P);
     QCOMPARE(fixture.Scene().Mode(), SceneMode::Paint);
+}
+
+void tst_WindowSaving::SavesANameThatIsBeingTyped()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Load(path);
+    fixture.window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(fixture.window.get()));
+    auto* tree = fixture.Child<QTreeView>("treeLayers");
+    tree->setCurrentIndex(tree->model()->index(0, 0));
+    tree->setFocus();
+    QTest::keyClick(tree, Qt::Key_F2);
+    QTest::keyClicks(tree->viewport()->findChild<QLineEdit*>(), "sea");
+    QObject context;
+    connect(&Log::Instance(), &Log::MessageReceived, &context, [&](const QString& line) {
+        if (line.contains("successfully saved")) {
+            // As when the window loses the focus.
+            tree->setFocus();
+        }
+    });
+
+    QVERIFY(fixture.window->SaveProjectFile(path));
+
+    QCOMPARE(Layers(fixture).LayerAt(0)->text(), "sea");
+    QVERIFY(ReadBytes(path).contains("name=\"sea\""));
+    QVERIFY(QFile::exists(fixture.Path("small/layers/sea.tga")));
+    QVERIFY(!fixture.IsModified());
+    fixture.Trigger("actionUndo");
+    QCOMPARE(Layers(fixture).LayerAt(0)->text(), "red");
+    QVERIFY(fixture.IsModified());
 }
 
 void tst_WindowSaving::WaitsForNoPipe()
