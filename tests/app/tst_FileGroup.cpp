@@ -6,6 +6,7 @@
 #include "tests/support/FailingDisk.h"
 #include "tests/support/Files.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QTemporaryDir>
 #include <QTest>
@@ -129,6 +130,7 @@ private slots:
     void AKillAtAnyStepIsMended();
     void KillsOfTheMenderAreMended();
     void WhatALivingProgramMakesIsLeftAlone();
+    void AnEmptyLockFileIsOfADeadProgram();
     void OtherNamesAreLeftAlone();
     void RecordsLeadNowhereElse_data();
     void RecordsLeadNowhereElse();
@@ -234,6 +236,32 @@ void tst_FileGroup::WhatALivingProgramMakesIsLeftAlone()
     }
     TidyFolder(folder.path());
     QCOMPARE(FilesBelow(folder.path()), Files());
+}
+
+/// A program may be killed between making its lock file and writing its name into it.
+void tst_FileGroup::AnEmptyLockFileIsOfADeadProgram()
+{
+#ifndef QUILLMAP_PORTABLE
+    QSKIP("Linux has locks without files.");
+#endif
+    const QTemporaryDir folder;
+    const auto makeLock = [&](const QString& name, int age) {
+        WriteBytes(folder.filePath(name), {});
+        QFile lock(folder.filePath(name));
+        QVERIFY(lock.open(QIODevice::ReadWrite));
+        QVERIFY(lock.setFileTime(QDateTime::currentDateTime().addSecs(-age),
+                                 QFileDevice::FileModificationTime));
+    };
+    for (const char* name : {".quillmap-abcdefgh.new", ".quillmap-bcdefghi.new"}) {
+        WriteBytes(folder.filePath(name), "file");
+    }
+    makeLock(".quillmap-abcdefgh.new.lock", 5);
+    makeLock(".quillmap-abcdefgh.new.lock.rmlock", 5);
+    // Its maker may be about to write its name.
+    makeLock(".quillmap-bcdefghi.new.lock", -5);
+    TidyFolder(folder.path());
+    QCOMPARE(FilesBelow(folder.path()).keys(),
+             (QStringList{".quillmap-bcdefghi.new", ".quillmap-bcdefghi.new.lock"}));
 }
 
 void tst_FileGroup::OtherNamesAreLeftAlone()
