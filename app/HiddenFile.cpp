@@ -27,6 +27,41 @@ bool OpenFile(QFile& file, QIODevice::OpenMode mode)
 
 } // namespace
 
+bool IsRefusal(const std::error_code& error)
+{
+    return error == std::errc::permission_denied || error == std::errc::operation_not_permitted ||
+           // A file that is mounted on its own.
+           error == std::errc::device_or_resource_busy;
+}
+
+bool CanBeOverwritten(const QString& place)
+{
+    return QFileInfo(place).isFile() &&
+           QFile(place).open(QIODevice::ReadWrite | QIODevice::ExistingOnly);
+}
+
+std::error_code OverwriteFile(QFile& made, const QString& place)
+{
+    QFile target(place);
+    if (!FlushAll(made) || (!made.isOpen() && !OpenFile(made, QIODevice::ReadOnly)) ||
+        !made.seek(0) ||
+        !OpenFile(target, QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
+        return LastError();
+    }
+    // The bytes are copied as they are.
+    made.setTextModeEnabled(false);
+    const qint64 oldLength = target.size();
+    if (const std::error_code error = platform::Reserve(target, made.size())) {
+        target.resize(oldLength);
+        return error;
+    }
+    errno = 0;
+    if (!target.seek(0) || !CopyAll(made, target) || !target.resize(made.size())) {
+        return LastError();
+    }
+    return platform::Sync(target);
+}
+
 HiddenFile::~HiddenFile()
 {
     if (!m_name.isEmpty()) {
@@ -104,26 +139,4 @@ std::error_code HiddenFile::Replace(const QString& place)
         error = Rename(place);
     }
     return error;
-}
-
-std::error_code HiddenFile::Overwrite(const QString& place)
-{
-    QFile target(place);
-    if (!FlushAll(m_file) || (!m_file.isOpen() && !OpenFile(m_file, QIODevice::ReadOnly)) ||
-        !m_file.seek(0) ||
-        !OpenFile(target, QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
-        return LastError();
-    }
-    // The bytes are copied as they are.
-    m_file.setTextModeEnabled(false);
-    const qint64 oldLength = target.size();
-    if (const std::error_code error = platform::Reserve(target, m_file.size())) {
-        target.resize(oldLength);
-        return error;
-    }
-    errno = 0;
-    if (!target.seek(0) || !CopyAll(m_file, target) || !target.resize(m_file.size())) {
-        return LastError();
-    }
-    return platform::Sync(target);
 }

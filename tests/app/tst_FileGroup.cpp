@@ -63,6 +63,20 @@ bool ReplaceAll(const QString& folder)
     return AddNew(group, folder) && group.Commit();
 }
 
+/// By files that join the group when they are committed.
+bool ReplaceAllOutputFiles(const QString& folder)
+{
+    OutputGroup group;
+    for (auto it = New().begin(); it != New().end(); ++it) {
+        OutputFile file(folder + '/' + it.key());
+        if (!it.key().endsWith('/') &&
+            (!file.Open() || !file.Write(it.value()) || !file.Commit())) {
+            return false;
+        }
+    }
+    return group.Commit();
+}
+
 /// The last of the files is kept from its place.
 bool FailToReplaceAll(const QString& folder)
 {
@@ -129,6 +143,7 @@ private slots:
     void AKillAtAnyStepIsMended_data();
     void AKillAtAnyStepIsMended();
     void KillsOfTheMenderAreMended();
+    void AKilledOverwritingIsRepeated();
     void WhatALivingProgramMakesIsLeftAlone();
     void AnEmptyLockFileIsOfADeadProgram();
     void OtherNamesAreLeftAlone();
@@ -151,6 +166,8 @@ void tst_FileGroup::AKillAtAnyStepIsMended_data()
         const char* way = areFilesNamed ? "named" : "unnamed";
         QTest::addRow("one file, %s", way) << Step(ReplaceOne) << areFilesNamed << onlyA;
         QTest::addRow("several, %s", way) << Step(ReplaceAll) << areFilesNamed << New();
+        QTest::addRow("output files, %s", way)
+            << Step(ReplaceAllOutputFiles) << areFilesNamed << New();
         QTest::addRow("failing, %s", way) << Step(FailToReplaceAll) << areFilesNamed << obstructed;
     }
 }
@@ -216,6 +233,21 @@ void tst_FileGroup::KillsOfTheMenderAreMended()
             }
         }
     }
+}
+
+/// Where no other file can take the place of the old one.
+void tst_FileGroup::AKilledOverwritingIsRepeated()
+{
+    if (geteuid() != 0) {
+        QSKIP("Only root can make a file that another user cannot replace.");
+    }
+    const QTemporaryDir folder;
+    WriteBytes(folder.filePath("a"), "new? old?");
+    QVERIFY(QFile::setPermissions(folder.filePath("a"), QFile::Permissions(0x6666)));
+    const StickyFolder sticky(folder.path());
+    LeaveKilledSave(folder.path(), "a", "new a");
+    TidyFolder(folder.path());
+    QCOMPARE(FilesBelow(folder.path()), (Files{{"a", "new a"}}));
 }
 
 void tst_FileGroup::WhatALivingProgramMakesIsLeftAlone()
