@@ -1,5 +1,6 @@
 #include "layers/LayerList.h"
 
+#include "app/Leftovers.h"
 #include "app/Log.h"
 #include "app/Names.h"
 #include "app/ProjectSettings.h"
@@ -197,7 +198,9 @@ std::unique_ptr<Layer> ReadLayer(const QXmlStreamReader& xml, LayerList* list)
         LogError(QStringLiteral("The bitmap of layer '%1' lies outside the project.").arg(name));
         return nullptr;
     }
-    const QImage image = LoadTarga(ProjectSettings::Instance().LayerPath(name));
+    const QString path = ProjectSettings::Instance().LayerPath(name);
+    TidyFolderOf(path);
+    const QImage image = LoadTarga(path);
     if (image.isNull()) {
         return nullptr;
     }
