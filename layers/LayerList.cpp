@@ -1,5 +1,6 @@
 #include "layers/LayerList.h"
 
+#include "app/Leftovers.h"
 #include "app/Log.h"
 #include "app/Names.h"
 #include "app/ProjectSettings.h"
@@ -187,7 +188,9 @@ QImage LoadProjectMask(int number, const QString& name)
         LogError(QStringLiteral("The bitmap of layer '%1' lies outside the project.").arg(name));
         return {};
     }
-    return LoadTarga(ProjectSettings::Instance().LayerPath(name));
+    const QString path = ProjectSettings::Instance().LayerPath(name);
+    TidyFolderOf(path);
+    return LoadTarga(path);
 }
 
 namespace {

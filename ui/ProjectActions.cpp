@@ -1,7 +1,9 @@
 #include "ui/ProjectActions.h"
 
 #include "app/BackgroundPicture.h"
+#include "app/Leftovers.h"
 #include "app/Log.h"
+#include "app/OutputFile.h"
 #include "app/ProjectDocument.h"
 #include "app/ProjectFile.h"
 #include "app/ProjectReader.h"
@@ -75,9 +77,10 @@ bool MayDiscard(const EditorParts& parts, const QString& title, const QString& a
                              action));
 }
 
-/// Opening a pipe would wait for a writer, maybe for ever.
+/// Finishes what a killed save left first. Opening a pipe would wait for a writer, maybe for ever.
 bool OpenRegular(QFile& file)
 {
+    TidyFolderOf(file.fileName());
     return QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly | QIODevice::Text);
 }
 
@@ -416,9 +419,10 @@ void ProjectActions::SaveMap()
 void ProjectActions::ExportTypes(bool checkedOnly)
 {
     const Busy saving(*this, Work::Saving);
-    const bool isExported =
+    OutputGroup group;
+    const bool areMade =
         checkedOnly ? m_parts.terTypes.ExportChecked() : m_parts.terTypes.ExportAll();
-    if (!isExported) {
+    if (!group.Commit() || !areMade) {
         LogError(QStringLiteral("Failed to export territory types."));
     } else if (checkedOnly) {
         LogSuccess(QStringLiteral("Selected territory types succesfully exported."));
