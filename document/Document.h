@@ -97,6 +97,15 @@ public:
     /// For views of the history, which may also go to any of its states while CanTravel.
     QUndoStack& History() { return m_history; }
     bool CanTravel() const { return m_isEditable && !m_isHandBusy && !m_isFilesBusy; }
+    /// Whether the hand is at work on the map: masks and zones are in no state that counts.
+    bool IsHandBusy() const { return m_isHandBusy; }
+    /// While files are read or written.
+    bool AreFilesBusy() const { return m_isFilesBusy; }
+    /// While an edit is carried out, undone or done again.
+    bool IsApplying() const { return m_isApplying; }
+    /// Whether the history is at the state that was saved or loaded last, and nothing else changed
+    /// since. Unlike the modified flag, it counts zones that are nudged.
+    bool IsAtSavedState() const;
     /// True while undo, redo or the history's view changes the project.
     bool IsTravelling() const { return m_isApplying && !m_isDoing; }
     /// What the history holds of masks.
@@ -142,6 +151,12 @@ signals:
     void FlagTypesChanged();
     void BackgroundPictureChanged();
     void BackgroundColorChanged();
+    /// Layers, territories and history are about to be emptied.
+    void AboutToClear();
+    /// A project was loaded, made or imported; isSaved: its files hold the present state.
+    void HistoryBegan(bool isSaved);
+    /// The project's files hold the present state now.
+    void Saved();
     /// An edit was undone or done again; this is where it is seen.
     void Travelled(const EditPlace& place);
     /// CanUndo, CanRedo, CanTravel or the texts of the history changed.
@@ -157,6 +172,7 @@ private:
     void Forget(int first, int end);
     void FitHistory();
     void ClearHistory();
+    bool CanReachSaved() const;
     void ShowModified();
 
     LayerList m_layers;
