@@ -159,7 +159,8 @@ std::optional<Base> ToBase(const QByteArray& bytes)
         base.hash = in.Take(HashLength);
     } else if (base.kind == BaseKind::Referenced) {
         in >> base.length >> base.time;
-        base.path = QString::fromUtf8(in.TakeRest());
+        const QByteArray path = in.TakeRest();
+        base.path = QString::fromUtf8(path.constData(), path.size());
         isSound = isSound && IsPlainPath(base.path);
     } else {
         isSound = isSound && base.kind == BaseKind::Blank;
