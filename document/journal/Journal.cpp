@@ -197,8 +197,7 @@ void Journal::ConnectDocument()
     connect(&m_document, &Document::Saved, this, [this] { FollowBegin(true); });
     connect(&m_document, &Document::AboutToClear, this, [this] {
         FollowBegin(true);
-        m_bitmaps.clear();
-        m_areBitmapsNoted = true;
+        m_savedLayers.clear();
     });
 }
 
@@ -288,7 +287,13 @@ void Journal::FollowBegin(bool isSaved)
 {
     Forget();
     m_bitmaps.clear();
-    m_areBitmapsNoted = !isSaved;
+    m_savedLayers.clear();
+    if (isSaved) {
+        const QVector<Layer*> layers = m_document.Layers().Layers();
+        for (const Layer* layer : layers) {
+            m_savedLayers.append({layer->Id(), layer->text()});
+        }
+    }
     m_isAllUnsaved = !isSaved;
     SetOldestUnsaved({});
     if (!isSaved) {
@@ -299,22 +304,15 @@ void Journal::FollowBegin(bool isSaved)
 /// The files that hold the masks. They are known somewhat later than the project is loaded.
 void Journal::NoteBitmaps()
 {
-    if (m_areBitmapsNoted) {
-        return;
-    }
-    m_areBitmapsNoted = true;
-    if (m_document.Path().isEmpty()) {
-        return;
-    }
     const QString folder = QFileInfo(m_document.Path()).path() + QStringLiteral("/layers/");
-    const QVector<Layer*> layers = m_document.Layers().Layers();
-    for (const Layer* layer : layers) {
-        const QString path = folder + layer->text() + QStringLiteral(".tga");
+    for (const auto& [layerId, name] : qAsConst(m_savedLayers)) {
+        const QString path = folder + name + QStringLiteral(".tga");
         const KnownFiles::Stamp stamp = m_document.Files().Known(path);
         if (stamp.length >= 0) {
-            m_bitmaps.insert(layer->Id(), {path, stamp});
+            m_bitmaps.insert(layerId, {path, stamp});
         }
     }
+    m_savedLayers.clear();
 }
 
 Journal::LayerState& Journal::StateOf(int layerId)
@@ -546,7 +544,6 @@ void Journal::Commit()
     }
     m_brushText = brushText;
     m_isTextDirty = false;
-    m_isCommitWanted = false;
     Post([values, layerIds, spare = m_spareBytes](JournalWriter& writer) {
         QByteArray text;
         if (values) {
@@ -560,13 +557,16 @@ void Journal::Commit()
         // When there is no room for a new log, the old one goes on.
         return !isLong || writer.Compact() || writer.IsReady();
     });
+    m_isCommitWanted = false;
     CopyBitmaps();
 }
 
 // The worker
 
+/// What the job writes counts from the next commit on.
 void Journal::Post(std::function<bool(JournalWriter&)> write, qint64 bytes)
 {
+    m_isCommitWanted = true;
     m_worker->Post(
         [this, session = m_session, write = std::move(write)](JournalWriter& writer) {
             if (!session->HasFailed() && !write(writer)) {

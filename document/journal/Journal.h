@@ -9,8 +9,10 @@
 #include <QElapsedTimer>
 #include <QHash>
 #include <QObject>
+#include <QPair>
 #include <QString>
 #include <QTimer>
+#include <QVector>
 
 #include <functional>
 #include <memory>
@@ -143,14 +145,15 @@ private:
     std::vector<PendingCopy> m_pendingCopies;
     /// By layer id: the files that hold the masks as they were saved last.
     QHash<int, Bitmap> m_bitmaps;
-    bool m_areBitmapsNoted = true;
+    /// The layers of which they are to be noted, with the names that they were saved under.
+    QVector<QPair<int, QString>> m_savedLayers;
     QDateTime m_oldestUnsaved;
     /// No file holds the project.
     bool m_isAllUnsaved = false;
     bool m_couldRead = false;
     bool m_wereFilesBusy = false;
     bool m_isTextDirty = false;
-    /// Something else than text and tiles is to be committed.
+    /// Something was written that no commit has made valid.
     bool m_isCommitWanted = false;
     /// Milliseconds of m_clock: of the first change of the text that is not written, and when it
     /// is.
