@@ -107,6 +107,7 @@ private slots:
     void FilesThatAreNotThereAreRefused_data();
     void FilesThatAreNotThereAreRefused();
     void FoundFilesServeAsLongAsTheyAreTheSame();
+    void TellsWhetherTheProjectChanged();
     void HostileRecordsEndTheLog_data();
     void HostileRecordsEndTheLog();
     void HostileSessionsAreRefused_data();
@@ -117,6 +118,7 @@ private slots:
     void WrongUseIsRefused_data();
     void WrongUseIsRefused();
     void CompactingKeepsWhatIsValid();
+    void SaysWhenCompactingIsWorthIt();
     void TheLogGoesOnWhenCompactingFails_data();
     void TheLogGoesOnWhenCompactingFails();
 
@@ -317,6 +319,28 @@ void tst_JournalFile::FoundFilesServeAsLongAsTheyAreTheSame()
     QCOMPARE(RestoredState(session.Writer().Folder()).value() == session.States().last(), true);
 }
 
+void tst_JournalFile::TellsWhetherTheProjectChanged()
+{
+    const QString document = File("p.xml");
+    const QString bitmap = File("a.tga");
+    WriteBytes(document, "<root/>");
+    JournalHeader header{document, "p", Size};
+    for (const QString& path : {document, bitmap}) {
+        header.files.insert(path, KnownFiles::StampOf(path));
+    }
+    JournalWriter writer;
+    const QByteArray text = "<text/>";
+    QVERIFY(writer.Begin(header) && writer.Commit(&text, {}));
+    const auto reader = JournalReader::Open(writer.Folder());
+    QVERIFY(reader && !reader->HasProjectChanged());
+    WriteBytes(bitmap, "made");
+    QVERIFY(reader->HasProjectChanged());
+    QVERIFY(QFile::remove(bitmap));
+    QVERIFY(!reader->HasProjectChanged());
+    WriteBytes(document, "<other/>");
+    QVERIFY(reader->HasProjectChanged());
+}
+
 void tst_JournalFile::HostileRecordsEndTheLog_data()
 {
     QTest::addColumn<char>("type");
@@ -414,7 +438,9 @@ void tst_JournalFile::HostileSessionsAreRefused_data()
     QTest::newRow("no width") << with("\"width\": 70", "\"width\": 0") << false;
     QTest::newRow("height below 0") << with("\"height\": 40", "\"height\": -40") << false;
     QTest::newRow("too wide") << with("\"width\": 70", "\"width\": 65536") << false;
-    QTest::newRow("very long") << Session() + QByteArray(1 << 20, ' ') << false;
+    QTest::newRow("files") << with("\"files\": {", "\"files\": {\"a\": 1, \"/a\": [1e99, -1e99]")
+                           << true;
+    QTest::newRow("very long") << Session() + QByteArray(1 << 24, ' ') << false;
 }
 
 void tst_JournalFile::HostileSessionsAreRefused()
@@ -529,6 +555,21 @@ void tst_JournalFile::CompactingKeepsWhatIsValid()
     QVERIFY(session.Writer().Compact());
     QCOMPARE(RestoredState(folder).value() == session.States().last(), true);
     QCOMPARE(QFile::permissions(journal::LogPath(folder)), ForUserOnly);
+}
+
+void tst_JournalFile::SaysWhenCompactingIsWorthIt()
+{
+    JournalSession session({64, 64});
+    QVERIFY(session.Begin() && session.AddBlankLayer() && session.Commit("<text/>"));
+    uchar packed[raster::MaxPackedTile] = {2};
+    QVERIFY(!session.Writer().IsWorthCompacting());
+    for (int i = 0; i < 5000; ++i) {
+        QVERIFY(session.Writer().AddTile(3, 0, packed, sizeof packed));
+    }
+    QVERIFY(session.Commit({}));
+    QVERIFY(session.Writer().IsWorthCompacting());
+    QVERIFY(session.Writer().Compact());
+    QVERIFY(!session.Writer().IsWorthCompacting());
 }
 
 void tst_JournalFile::TheLogGoesOnWhenCompactingFails_data()
