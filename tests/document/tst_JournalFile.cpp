@@ -27,11 +27,14 @@ QByteArray Hash(const QByteArray& bytes)
     return QCryptographicHash::hash(bytes, QCryptographicHash::Sha1);
 }
 
-/// Two values in each tile, so that the log is short.
-QImage Mask(int pixel)
+/// Mostly tiles of one value, so that the log is short.
+QImage Mask(int value)
 {
     QImage mask = FullMask(Size);
-    mask.scanLine(3)[pixel % Size.width()] = 0;
+    mask.fill(static_cast<uint>(value));
+    if (value == 7) {
+        mask.scanLine(3)[5] = 0;
+    }
     return mask;
 }
 
@@ -46,6 +49,16 @@ bool RunSession(JournalSession& session, const QString& folder)
            session.Paint(3, FullMask(Size)) && session.Paint(4, Mask(7)) &&
            session.Paint(5, FullMask(Size)) && session.Commit("<two>") &&
            session.Paint(5, Mask(9)) && session.Commit({});
+}
+
+/// Each state differs from the others. Returns false at the first failure.
+bool RunManyCommits(JournalSession& session)
+{
+    bool isDone = session.Begin() && session.AddBlankLayer() && session.Commit("<one/>");
+    for (int i = 1; i < 10; ++i) {
+        isDone = isDone && session.Paint(3, Mask(i)) && session.Commit({});
+    }
+    return isDone;
 }
 
 /// A journal of any bytes, with one text and hashes that fit.
@@ -457,18 +470,12 @@ void tst_JournalFile::HostileSessionsAreRefused()
 void tst_JournalFile::AFullDiskLeavesTheCommitsBefore()
 {
     JournalSession whole(Size);
-    QVERIFY(RunSession(whole, m_folder->path()));
+    QVERIFY(RunManyCommits(whole));
     for (qint64 limit = 0; limit < whole.Lengths().last(); limit += 13) {
         JournalSession session(Size);
-        bool isDone = true;
         {
             const FileSizeLimit disk(static_cast<quint64>(limit));
-            // The project's files are there already.
-            isDone = session.Begin() && session.AddBlankLayer() && session.Commit("<one/>");
-            for (int i = 0; i < 9; ++i) {
-                isDone = isDone && session.Paint(3, Mask(i)) && session.Commit({});
-            }
-            QVERIFY(!isDone);
+            QVERIFY(!RunManyCommits(session));
             QCOMPARE(session.Writer().Error(), "File too large");
             QVERIFY(!session.Writer().IsReady() && !session.AddBlankLayer() && !session.Commit({}));
         }
