@@ -5,6 +5,7 @@
 
 #include <QDataStream>
 #include <QDir>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
@@ -22,6 +23,7 @@ const QLatin1String PathKey("path");
 const QLatin1String NameKey("name");
 const QLatin1String WidthKey("width");
 const QLatin1String HeightKey("height");
+const QLatin1String FilesKey("files");
 
 QString InFolder(const QString& folder, const QString& name)
 {
@@ -61,6 +63,35 @@ bool IsPlainPath(const QString& path)
 {
     return QDir::isAbsolutePath(path) && !path.contains(QChar::Null) &&
            path.size() <= MaxPathLength;
+}
+
+/// A number of JSON; -1 for one that is no length and no time.
+qint64 ToLong(const QJsonValue& value)
+{
+    constexpr double limit = qint64(1) << 53;
+    const double number = value.toDouble(-1);
+    return number >= 0 && number <= limit ? static_cast<qint64>(number) : -1;
+}
+
+QJsonObject ToObject(const QMap<QString, KnownFiles::Stamp>& files)
+{
+    QJsonObject object;
+    for (auto it = files.begin(); it != files.end(); ++it) {
+        object.insert(it.key(), QJsonArray{it->length, it->time});
+    }
+    return object;
+}
+
+QMap<QString, KnownFiles::Stamp> ToFiles(const QJsonObject& object)
+{
+    QMap<QString, KnownFiles::Stamp> files;
+    for (auto it = object.begin(); it != object.end(); ++it) {
+        const QJsonArray numbers = it.value().toArray();
+        if (IsPlainPath(it.key())) {
+            files.insert(it.key(), {ToLong(numbers.at(0)), ToLong(numbers.at(1))});
+        }
+    }
+    return files;
 }
 
 } // namespace
@@ -115,7 +146,8 @@ QByteArray ToBytes(const JournalHeader& header)
                              {PathKey, header.path},
                              {NameKey, header.name},
                              {WidthKey, header.layerSize.width()},
-                             {HeightKey, header.layerSize.height()}};
+                             {HeightKey, header.layerSize.height()},
+                             {FilesKey, ToObject(header.files)}};
     return QJsonDocument(object).toJson();
 }
 
@@ -124,7 +156,8 @@ std::optional<JournalHeader> ToHeader(const QByteArray& bytes)
     const QJsonObject object = QJsonDocument::fromJson(bytes).object();
     const JournalHeader header{object.value(PathKey).toString(),
                                object.value(NameKey).toString(),
-                               {object.value(WidthKey).toInt(), object.value(HeightKey).toInt()}};
+                               {object.value(WidthKey).toInt(), object.value(HeightKey).toInt()},
+                               ToFiles(object.value(FilesKey).toObject())};
     const bool isSound = object.value(FormatKey).toInt() == FormatVersion &&
                          raster::IsMaskSize(header.layerSize) &&
                          (header.path.isEmpty() || IsPlainPath(header.path));

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "document/KnownFiles.h"
+
 #include <QByteArray>
+#include <QMap>
 #include <QSize>
 #include <QString>
 #include <QVector>
@@ -15,6 +18,9 @@ struct JournalHeader
     QString name;
     /// In pixels.
     QSize layerSize;
+    /// The project's files on disk, by absolute path, as they were when it was loaded or saved
+    /// last.
+    QMap<QString, KnownFiles::Stamp> files = {};
 };
 
 /// The files of a journal folder, and their bytes. Numbers are little endian. What is decoded may
@@ -31,10 +37,13 @@ constexpr int RecordHeaderLength = 5;
 /// Layer id and tile number, before a packed tile.
 constexpr int TileHeaderLength = 8;
 constexpr int MaxLayers = 1 << 16;
-/// Of all tiles in a log. Compaction keeps the log far below this.
+/// What a log may hold at most. Compaction keeps it far below.
 constexpr int MaxTileRecords = 1 << 26;
+constexpr int MaxBaseRecords = 1 << 20;
+constexpr int MaxCommits = 1 << 24;
+constexpr qint64 MaxLogLength = qint64(1) << 36;
 constexpr qint64 MaxTextLength = qint64(1) << 30;
-constexpr qint64 MaxSessionLength = 1 << 20;
+constexpr qint64 MaxSessionLength = 1 << 24;
 
 enum RecordType : char
 {

@@ -58,7 +58,7 @@ std::optional<Record> ReadRecord(QFile& file)
         return {};
     }
     const auto length = qFromLittleEndian<quint32>(header.constData() + 1);
-    if (length > journal::MaxRecordLength(header[0])) {
+    if (length == 0 || length > journal::MaxRecordLength(header[0])) {
         return {};
     }
     Record record{header[0], file.read(length)};
@@ -96,7 +96,8 @@ public:
         QCryptographicHash hash(QCryptographicHash::Sha1);
         hash.addData(m_session);
         qint64 begin = 0;
-        while (const std::optional<Record> record = ReadRecord(m_file)) {
+        while (const std::optional<Record> record =
+                   begin < journal::MaxLogLength ? ReadRecord(m_file) : std::nullopt) {
             QByteArray header(journal::RecordHeaderLength, record->type);
             qToLittleEndian(static_cast<quint32>(record->content.size()), header.data() + 1);
             hash.addData(header);
@@ -143,7 +144,7 @@ private:
         }
         m_layerIds.insert(base->layerId);
         bases.push_back({*base, offset});
-        return m_layerIds.size() <= journal::MaxLayers;
+        return m_layerIds.size() <= journal::MaxLayers && bases.size() <= journal::MaxBaseRecords;
     }
 
     bool TakeTile(const QByteArray& content, qint64 offset)
@@ -160,9 +161,9 @@ private:
     bool TakeCommit(const QByteArray& content, qint64 offset)
     {
         const std::optional<journal::Commit> commit = journal::ToCommit(content);
-        const bool isSound =
-            commit && std::all_of(commit->layerIds.begin(), commit->layerIds.end(),
-                                  [this](int id) { return m_layerIds.contains(id); });
+        const bool isSound = commit && commits.size() < journal::MaxCommits &&
+                             std::all_of(commit->layerIds.begin(), commit->layerIds.end(),
+                                         [this](int id) { return m_layerIds.contains(id); });
         if (isSound) {
             commits.push_back({offset, offset});
         }
@@ -384,6 +385,14 @@ const QString& JournalReader::ProjectName() const
 QSize JournalReader::LayerSize() const
 {
     return m_content->header.layerSize;
+}
+
+bool JournalReader::HasProjectChanged() const
+{
+    const auto& files = m_content->header.files;
+    return std::any_of(files.keyValueBegin(), files.keyValueEnd(), [](const auto& file) {
+        return KnownFiles::StampOf(file.first) != file.second;
+    });
 }
 
 QDateTime JournalReader::LastChange() const

@@ -27,6 +27,9 @@ public:
     const QString& ProjectPath() const;
     const QString& ProjectName() const;
     QSize LayerSize() const;
+    /// Whether a file of the project is no longer as it was when the session loaded or saved it
+    /// last.
+    bool HasProjectChanged() const;
     /// When the log was written last.
     QDateTime LastChange() const;
 

@@ -88,10 +88,14 @@ bool JournalWriter::MakeFolder()
 bool JournalWriter::Begin(const JournalHeader& header)
 {
     End();
+    JournalHeader absolute = header;
+    if (!header.path.isEmpty()) {
+        absolute.path = QFileInfo(header.path).absoluteFilePath();
+    }
     m_layerSize = header.layerSize;
-    m_session = journal::ToBytes(header);
-    if (!journal::ToHeader(m_session)) {
-        return Fail(QStringLiteral("The project has no size"));
+    m_session = journal::ToBytes(absolute);
+    if (!journal::ToHeader(m_session) || m_session.size() > journal::MaxSessionLength) {
+        return Fail(QStringLiteral("The project has no size, or too many files"));
     }
     if (!MakeFolder()) {
         return false;
@@ -120,9 +124,13 @@ bool JournalWriter::Check()
 bool JournalWriter::AddRecord(char type, const QByteArray& content, Place& place)
 {
     const qint64 offset = m_log->Length();
+    if (offset >= journal::MaxLogLength || m_tileRecords >= journal::MaxTileRecords) {
+        return Fail(QStringLiteral("The journal is too long"));
+    }
     if (!m_log->Append(type, content)) {
         return Fail(m_log->Error());
     }
+    m_tileRecords += type == journal::TileRecord ? 1 : 0;
     m_liveLength -= place.length;
     place = {offset, m_log->Length() - offset};
     m_liveLength += place.length;
@@ -273,6 +281,13 @@ qint64 JournalWriter::Length() const
     return m_log ? m_log->Length() : 0;
 }
 
+bool JournalWriter::IsWorthCompacting() const
+{
+    constexpr qint64 spare = 16 << 20;
+    return m_log &&
+           (Length() > 2 * m_liveLength + spare || m_tileRecords > journal::MaxTileRecords / 2);
+}
+
 /// The bases come first, the rest as it is in the log.
 std::vector<JournalWriter::Place*> JournalWriter::LivePlaces()
 {
@@ -349,6 +364,7 @@ bool JournalWriter::Compact()
     for (std::size_t i = 0; i < places.size(); ++i) {
         places[i]->offset = offsets[i];
     }
+    m_tileRecords = static_cast<qint64>(places.size()) - m_layers.size();
     m_log = std::move(log);
     m_committedLength = m_log->Length();
     return true;
@@ -362,6 +378,7 @@ void JournalWriter::Close()
     m_commitLength = 0;
     m_committedLength = 0;
     m_liveLength = 0;
+    m_tileRecords = 0;
     m_hasFailed = false;
     m_error.clear();
     m_folder.clear();

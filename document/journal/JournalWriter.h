@@ -53,6 +53,8 @@ public:
     qint64 Length() const;
     /// What the log would have after Compact.
     qint64 LiveLength() const { return m_liveLength; }
+    /// Whether the log is much longer than it would be.
+    bool IsWorthCompacting() const;
     /// Writes a new log of what is still valid, and puts it in the place of the old one. Only
     /// directly after a commit; does nothing otherwise. When it fails, the old log goes on.
     bool Compact();
@@ -98,6 +100,8 @@ private:
     /// Of the log up to its last commit.
     qint64 m_committedLength = 0;
     qint64 m_liveLength = 0;
+    /// Those in the log.
+    qint64 m_tileRecords = 0;
     bool m_hasFailed = false;
     QString m_error;
 };

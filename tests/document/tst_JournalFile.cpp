@@ -27,11 +27,14 @@ QByteArray Hash(const QByteArray& bytes)
     return QCryptographicHash::hash(bytes, QCryptographicHash::Sha1);
 }
 
-/// Two values in each tile, so that the log is short.
-QImage Mask(int pixel)
+/// Mostly tiles of one value, so that the log is short.
+QImage Mask(int value)
 {
     QImage mask = FullMask(Size);
-    mask.scanLine(3)[pixel % Size.width()] = 0;
+    mask.fill(static_cast<uint>(value));
+    if (value == 7) {
+        mask.scanLine(3)[5] = 0;
+    }
     return mask;
 }
 
@@ -46,6 +49,16 @@ bool RunSession(JournalSession& session, const QString& folder)
            session.Paint(3, FullMask(Size)) && session.Paint(4, Mask(7)) &&
            session.Paint(5, FullMask(Size)) && session.Commit("<two>") &&
            session.Paint(5, Mask(9)) && session.Commit({});
+}
+
+/// Each state differs from the others. Returns false at the first failure.
+bool RunManyCommits(JournalSession& session)
+{
+    bool isDone = session.Begin() && session.AddBlankLayer() && session.Commit("<one/>");
+    for (int i = 1; i < 10; ++i) {
+        isDone = isDone && session.Paint(3, Mask(i)) && session.Commit({});
+    }
+    return isDone;
 }
 
 /// A journal of any bytes, with one text and hashes that fit.
@@ -107,6 +120,7 @@ private slots:
     void FilesThatAreNotThereAreRefused_data();
     void FilesThatAreNotThereAreRefused();
     void FoundFilesServeAsLongAsTheyAreTheSame();
+    void TellsWhetherTheProjectChanged();
     void HostileRecordsEndTheLog_data();
     void HostileRecordsEndTheLog();
     void HostileSessionsAreRefused_data();
@@ -117,6 +131,7 @@ private slots:
     void WrongUseIsRefused_data();
     void WrongUseIsRefused();
     void CompactingKeepsWhatIsValid();
+    void SaysWhenCompactingIsWorthIt();
     void TheLogGoesOnWhenCompactingFails_data();
     void TheLogGoesOnWhenCompactingFails();
 
@@ -317,6 +332,28 @@ void tst_JournalFile::FoundFilesServeAsLongAsTheyAreTheSame()
     QCOMPARE(RestoredState(session.Writer().Folder()).value() == session.States().last(), true);
 }
 
+void tst_JournalFile::TellsWhetherTheProjectChanged()
+{
+    const QString document = File("p.xml");
+    const QString bitmap = File("a.tga");
+    WriteBytes(document, "<root/>");
+    JournalHeader header{document, "p", Size};
+    for (const QString& path : {document, bitmap}) {
+        header.files.insert(path, KnownFiles::StampOf(path));
+    }
+    JournalWriter writer;
+    const QByteArray text = "<text/>";
+    QVERIFY(writer.Begin(header) && writer.Commit(&text, {}));
+    const auto reader = JournalReader::Open(writer.Folder());
+    QVERIFY(reader && !reader->HasProjectChanged());
+    WriteBytes(bitmap, "made");
+    QVERIFY(reader->HasProjectChanged());
+    QVERIFY(QFile::remove(bitmap));
+    QVERIFY(!reader->HasProjectChanged());
+    WriteBytes(document, "<other/>");
+    QVERIFY(reader->HasProjectChanged());
+}
+
 void tst_JournalFile::HostileRecordsEndTheLog_data()
 {
     QTest::addColumn<char>("type");
@@ -414,7 +451,9 @@ void tst_JournalFile::HostileSessionsAreRefused_data()
     QTest::newRow("no width") << with("\"width\": 70", "\"width\": 0") << false;
     QTest::newRow("height below 0") << with("\"height\": 40", "\"height\": -40") << false;
     QTest::newRow("too wide") << with("\"width\": 70", "\"width\": 65536") << false;
-    QTest::newRow("very long") << Session() + QByteArray(1 << 20, ' ') << false;
+    QTest::newRow("files") << with("\"files\": {", "\"files\": {\"a\": 1, \"/a\": [1e99, -1e99]")
+                           << true;
+    QTest::newRow("very long") << Session() + QByteArray(1 << 24, ' ') << false;
 }
 
 void tst_JournalFile::HostileSessionsAreRefused()
@@ -431,18 +470,12 @@ void tst_JournalFile::HostileSessionsAreRefused()
 void tst_JournalFile::AFullDiskLeavesTheCommitsBefore()
 {
     JournalSession whole(Size);
-    QVERIFY(RunSession(whole, m_folder->path()));
+    QVERIFY(RunManyCommits(whole));
     for (qint64 limit = 0; limit < whole.Lengths().last(); limit += 13) {
         JournalSession session(Size);
-        bool isDone = true;
         {
             const FileSizeLimit disk(static_cast<quint64>(limit));
-            // The project's files are there already.
-            isDone = session.Begin() && session.AddBlankLayer() && session.Commit("<one/>");
-            for (int i = 0; i < 9; ++i) {
-                isDone = isDone && session.Paint(3, Mask(i)) && session.Commit({});
-            }
-            QVERIFY(!isDone);
+            QVERIFY(!RunManyCommits(session));
             QCOMPARE(session.Writer().Error(), "File too large");
             QVERIFY(!session.Writer().IsReady() && !session.AddBlankLayer() && !session.Commit({}));
         }
@@ -529,6 +562,21 @@ void tst_JournalFile::CompactingKeepsWhatIsValid()
     QVERIFY(session.Writer().Compact());
     QCOMPARE(RestoredState(folder).value() == session.States().last(), true);
     QCOMPARE(QFile::permissions(journal::LogPath(folder)), ForUserOnly);
+}
+
+void tst_JournalFile::SaysWhenCompactingIsWorthIt()
+{
+    JournalSession session({64, 64});
+    QVERIFY(session.Begin() && session.AddBlankLayer() && session.Commit("<text/>"));
+    uchar packed[raster::MaxPackedTile] = {2};
+    QVERIFY(!session.Writer().IsWorthCompacting());
+    for (int i = 0; i < 5000; ++i) {
+        QVERIFY(session.Writer().AddTile(3, 0, packed, sizeof packed));
+    }
+    QVERIFY(session.Commit({}));
+    QVERIFY(session.Writer().IsWorthCompacting());
+    QVERIFY(session.Writer().Compact());
+    QVERIFY(!session.Writer().IsWorthCompacting());
 }
 
 void tst_JournalFile::TheLogGoesOnWhenCompactingFails_data()
