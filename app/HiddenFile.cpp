@@ -7,25 +7,7 @@
 
 #include <QFileInfo>
 
-#include <cerrno>
 #include <filesystem>
-
-namespace {
-
-/// What the C library noted of a failure in Qt.
-std::error_code LastError()
-{
-    return errno == 0 ? std::make_error_code(std::errc::io_error)
-                      : std::error_code(errno, std::generic_category());
-}
-
-bool OpenFile(QFile& file, QIODevice::OpenMode mode)
-{
-    errno = 0;
-    return file.open(mode);
-}
-
-} // namespace
 
 HiddenFile::~HiddenFile()
 {
@@ -47,8 +29,7 @@ std::error_code HiddenFile::OpenNamed(const QString& folder)
         folder, HiddenKind::File,
         [this](const QString& path) {
             m_file.setFileName(path);
-            return OpenFile(m_file, QIODevice::ReadWrite | QIODevice::NewOnly) ? std::error_code()
-                                                                               : LastError();
+            return platform::OpenNew(m_file);
         },
         [this](const QString& path) {
             m_file.close();
@@ -66,7 +47,7 @@ void HiddenFile::SetPermissionsOf(const QString& path)
 
 std::error_code HiddenFile::Finish()
 {
-    return FlushAll(m_file) ? platform::Sync(m_file) : LastError();
+    return FlushAll(m_file) ? platform::Sync(m_file) : platform::ErrorOf(m_file);
 }
 
 std::error_code HiddenFile::Rename(const QString& path)
@@ -109,10 +90,12 @@ std::error_code HiddenFile::Replace(const QString& place)
 std::error_code HiddenFile::Overwrite(const QString& place)
 {
     QFile target(place);
-    if (!FlushAll(m_file) || (!m_file.isOpen() && !OpenFile(m_file, QIODevice::ReadOnly)) ||
-        !m_file.seek(0) ||
-        !OpenFile(target, QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
-        return LastError();
+    if (!FlushAll(m_file) || (!m_file.isOpen() && !m_file.open(QIODevice::ReadOnly)) ||
+        !m_file.seek(0)) {
+        return platform::ErrorOf(m_file);
+    }
+    if (!target.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
+        return platform::ErrorOf(target);
     }
     // The bytes are copied as they are.
     m_file.setTextModeEnabled(false);
@@ -121,9 +104,8 @@ std::error_code HiddenFile::Overwrite(const QString& place)
         target.resize(oldLength);
         return error;
     }
-    errno = 0;
     if (!target.seek(0) || !CopyAll(m_file, target) || !target.resize(m_file.size())) {
-        return LastError();
+        return platform::ErrorOf(target);
     }
     return platform::Sync(target);
 }

@@ -20,11 +20,6 @@ void CurrentLayerItem::PictureChanged()
     update();
 }
 
-QPixmap CurrentLayerItem::pixmap() const
-{
-    return QPixmap::fromImage(m_painter.Picture());
-}
-
 QPainterPath CurrentLayerItem::shape() const
 {
     QPainterPath path;

@@ -13,9 +13,6 @@ public:
     /// Call it when the painter has another picture.
     void PictureChanged();
 
-    /// The whole picture.
-    QPixmap pixmap() const;
-
     QRectF boundingRect() const override { return m_bounds; }
     QPainterPath shape() const override;
     void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;

@@ -248,15 +248,20 @@ void MainView::PressA()
         return;
     }
     if (keys.ctrl && m_scene->Mode() == SceneMode::Select) {
-        // Zones that are selected during a drag would move with it from nowhere.
-        LoseMouse();
-        const ProjectSettings& settings = ProjectSettings::Instance();
-        QPainterPath map;
-        map.addRect(0, 0, settings.LayerWidth(), settings.LayerHeight());
-        m_scene->setSelectionArea(map, Qt::IntersectsItemShape, QTransform());
+        SelectAllZones();
     } else if (keys.shift) {
         emit ModeInsert(m_scene->Mode() != SceneMode::Insert);
     }
+}
+
+void MainView::SelectAllZones()
+{
+    // Zones that are selected during a drag would move with it from nowhere.
+    LoseMouse();
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    QPainterPath map;
+    map.addRect(0, 0, settings.LayerWidth(), settings.LayerHeight());
+    m_scene->setSelectionArea(map, Qt::IntersectsItemShape, QTransform());
 }
 
 void MainView::ResetZoom()

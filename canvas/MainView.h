@@ -44,6 +44,8 @@ public:
     /// The way from the whole view pixel that Qt's scene events name to the mouse, in scene units.
     /// It is at most half a view pixel, and null unless a view pixel has several device pixels.
     QPointF MouseFraction() const;
+    /// Selects the zones of the current territory that meet the map, in Select mode.
+    void SelectAllZones();
 
 signals:
     /// The user asks to switch a zone mode on or off.

@@ -16,13 +16,6 @@ void OverlayItem::Show(const QColor& color, QSize size)
     update();
 }
 
-QPixmap OverlayItem::pixmap() const
-{
-    QPixmap pixmap(m_size);
-    pixmap.fill(m_color);
-    return pixmap;
-}
-
 QRectF OverlayItem::boundingRect() const
 {
     return m_size.isEmpty() ? QRectF() : QRectF(QPointF(), QSizeF(m_size));

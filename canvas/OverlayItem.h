@@ -14,9 +14,6 @@ public:
     void Show(const QColor& color, QSize size);
     const QColor& Color() const { return m_color; }
 
-    /// The colour as a picture.
-    QPixmap pixmap() const;
-
     QRectF boundingRect() const override;
     QPainterPath shape() const override;
     void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;

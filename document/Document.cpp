@@ -1,5 +1,6 @@
 #include "document/Document.h"
 
+#include "app/Log.h"
 #include "app/Names.h"
 #include "app/ProjectSettings.h"
 #include "document/edits/LayerEdits.h"
@@ -28,9 +29,13 @@ Document::~Document()
     m_history.clear();
 }
 
-/// What a view writes into a row: a name or a check mark.
+/// What a view writes into a row: a name or a check mark. Files that are being written hold the row
+/// as it was before.
 bool Document::EditRow(QStandardItem& item, const QVariant& value, int role)
 {
+    if (m_isFilesBusy) {
+        return false;
+    }
     if (role == Qt::CheckStateRole) {
         const bool isChecked = value.toInt() == Qt::Checked;
         if (auto* layer = dynamic_cast<Layer*>(&item)) {
@@ -202,23 +207,63 @@ void Document::ShowModified()
 /// ones.
 void Document::FitHistory()
 {
-    const Edit* lost = m_memory.Fit();
-    if (!lost) {
-        return;
+    const std::vector<const Edit*> lost = m_memory.Fit();
+    for (const Edit* edit : lost) {
+        const int step = StepOf(*edit);
+        if (step < m_history.index()) {
+            ForgetUpTo(step);
+        } else {
+            ForgetFrom(step);
+        }
     }
+    if (!lost.empty()) {
+        emit HistoryChanged();
+    }
+}
+
+int Document::StepOf(const Edit& edit) const
+{
     int step = 0;
     while (step < m_history.count() &&
-           !static_cast<const Edit*>(m_history.command(step))->Holds(*lost)) {
+           !static_cast<const Edit*>(m_history.command(step))->Holds(edit)) {
         ++step;
     }
-    if (step < m_history.index()) {
-        Forget(m_firstKept, step + 1);
-        m_firstKept = step + 1;
-    } else {
-        Forget(step, m_history.count());
-        m_endOfKept = step;
-    }
-    emit HistoryChanged();
+    return step;
+}
+
+/// The step could not be undone. Those before it can't be undone without it.
+void Document::LoseUndo(const Edit& edit)
+{
+    ReportLater(
+        QStringLiteral("Could not undo '%1'. It and the steps before it are no longer kept.")
+            .arg(edit.text()));
+    ForgetUpTo(StepOf(edit));
+}
+
+void Document::LoseRedo(const Edit& edit)
+{
+    ReportLater(QStringLiteral("Could not redo '%1'. It and the steps after it are no longer kept.")
+                    .arg(edit.text()));
+    ForgetFrom(StepOf(edit));
+}
+
+/// Logging processes events, which must not meet a history on its way.
+void Document::ReportLater(const QString& message)
+{
+    QMetaObject::invokeMethod(
+        this, [message] { LogError(message); }, Qt::QueuedConnection);
+}
+
+void Document::ForgetUpTo(int step)
+{
+    Forget(m_firstKept, step + 1);
+    m_firstKept = qMax(m_firstKept, step + 1);
+}
+
+void Document::ForgetFrom(int step)
+{
+    Forget(step, m_history.count());
+    m_endOfKept = qMin(m_endOfKept, step);
 }
 
 void Document::Forget(int first, int end)

@@ -85,6 +85,7 @@ public:
     void EndGesture() { ++m_gesture; }
     /// While the hand is at work on the map, or files are read or written, nothing can be undone.
     void SetHandBusy(bool isBusy);
+    /// Nor do rows then take what views write into them.
     void SetFilesBusy(bool isBusy);
     /// Whether the project may be edited at all.
     void SetEditable(bool isEditable);
@@ -169,6 +170,12 @@ private:
     void NotePlace(const EditPlace& place) { m_place = place; }
     void FollowIndex();
     int KeptIndex() const;
+    int StepOf(const Edit& edit) const;
+    void LoseUndo(const Edit& edit);
+    void LoseRedo(const Edit& edit);
+    void ReportLater(const QString& message);
+    void ForgetUpTo(int step);
+    void ForgetFrom(int step);
     void Forget(int first, int end);
     void FitHistory();
     void ClearHistory();

@@ -15,20 +15,42 @@ void Edit::Forget()
     setText(Document::tr("%1 (no longer kept)").arg(text()));
 }
 
+bool Edit::DoPart(Edit& part, Document& document)
+{
+    part.m_hasFailed = false;
+    part.Do(document);
+    return !part.m_hasFailed;
+}
+
+bool Edit::UndoPart(Edit& part, Document& document)
+{
+    part.m_hasFailed = false;
+    part.Undo(document);
+    return !part.m_hasFailed;
+}
+
 void Edit::undo()
 {
     const QScopedValueRollback<bool> applying(m_document->m_isApplying, true);
-    if (!m_isForgotten) {
-        Undo(*m_document);
+    if (m_isForgotten) {
+        return;
+    }
+    if (UndoPart(*this, *m_document)) {
         m_document->NotePlace(Place());
+    } else {
+        m_document->LoseUndo(*this);
     }
 }
 
 void Edit::redo()
 {
     const QScopedValueRollback<bool> applying(m_document->m_isApplying, true);
-    if (!m_isForgotten) {
-        Do(*m_document);
+    if (m_isForgotten) {
+        return;
+    }
+    if (DoPart(*this, *m_document)) {
         m_document->NotePlace(Place());
+    } else {
+        m_document->LoseRedo(*this);
     }
 }

@@ -24,8 +24,9 @@ struct EditPlace
         , area(anArea)
     {
     }
-    EditPlace(TerritoryType* aType)
+    EditPlace(TerritoryType* aType, const QRectF& anArea = {})
         : type(aType)
+        , area(anArea)
     {
     }
 
@@ -75,10 +76,13 @@ protected:
 
     virtual void Do(Document& document) = 0;
     virtual void Undo(Document& document) = 0;
+    /// For a Do or an Undo that could not be carried out and left everything as it was. The first
+    /// Do of an edit may not fail.
+    void Fail() { m_hasFailed = true; }
 
-    /// For edits that consist of others.
-    static void DoPart(Edit& part, Document& document) { part.Do(document); }
-    static void UndoPart(Edit& part, Document& document) { part.Undo(document); }
+    /// For edits that consist of others. False when it failed.
+    static bool DoPart(Edit& part, Document& document);
+    static bool UndoPart(Edit& part, Document& document);
     /// Whether both come from one gesture of the user's, such as one drag of a slider.
     bool IsSameGesture(const Edit& other) const { return m_gesture == other.m_gesture; }
 
@@ -88,4 +92,5 @@ private:
     Document* m_document = nullptr;
     int m_gesture = 0;
     bool m_isForgotten = false;
+    bool m_hasFailed = false;
 };

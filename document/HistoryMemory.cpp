@@ -43,14 +43,14 @@ void HistoryMemory::Remove(int number)
     m_entries.erase(number);
 }
 
-const Edit* HistoryMemory::Fit()
+std::vector<const Edit*> HistoryMemory::Fit()
 {
-    const Edit* lost = nullptr;
+    std::vector<const Edit*> lost;
     for (auto it = m_entries.begin(); it != m_entries.end() && m_bytes > m_budget; ++it) {
         Entry& entry = it->second;
         if (!entry.delta->IsSpilled() && !Spill(*entry.delta)) {
             *entry.delta = raster::MaskDelta();
-            lost = entry.edit;
+            lost.push_back(entry.edit);
         }
         Measure(entry);
     }

@@ -6,6 +6,7 @@
 
 #include <map>
 #include <memory>
+#include <vector>
 
 class Edit;
 
@@ -33,9 +34,9 @@ public:
     /// Before the delta dies.
     void Remove(int number);
 
-    /// Brings the memory within the budget. Null, or the newest edit whose masks were lost because
-    /// the file takes no more.
-    const Edit* Fit();
+    /// Brings the memory within the budget. Returns the edits whose masks were lost because the
+    /// file takes no more.
+    std::vector<const Edit*> Fit();
 
 private:
     struct Entry

@@ -246,10 +246,6 @@ bool ImportAreaMap(LayerList& layers, QIODevice& device)
     settings.SetSizesOnly(layerWidth, layerHeight, worldWidth, worldHeight);
     ImportSection(layers, device, FlagKind::Usage, settings.FlagTypes().usages);
     ImportSection(layers, device, FlagKind::Value, settings.FlagTypes().values);
-    const QVector<Layer*> all = layers.Layers();
-    for (Layer* layer : all) {
-        layer->UpdatePixmap();
-    }
     LogInfo(QStringLiteral("Import done"));
     return true;
 }

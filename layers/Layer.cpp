@@ -71,7 +71,6 @@ void Layer::SetImage(const QImage& image, const QColor& color)
         m_color = color;
         ShowColor();
     }
-    UpdatePixmap();
 }
 
 void Layer::SetColor(const QColor& color)
@@ -80,14 +79,12 @@ void Layer::SetColor(const QColor& color)
     m_color = color;
     m_color.setAlpha(alpha);
     ShowColor();
-    UpdatePixmap();
 }
 
 void Layer::SetOpacity(int alpha)
 {
     m_color.setAlpha(alpha);
     ShowColor();
-    UpdatePixmap();
 }
 
 void Layer::SetVisible(bool isVisible)
@@ -110,7 +107,6 @@ bool Layer::SetCode(const QString& code)
     }
     m_code = code;
     m_image = mask;
-    UpdatePixmap();
     return true;
 }
 
@@ -124,27 +120,18 @@ void Layer::ApplyPaintedImage(const QImage& argb)
         return;
     }
     m_image = mask;
-    UpdatePixmap();
 }
 
 void Layer::TakePaintedMask(const QImage& mask)
 {
     if (m_list) {
         m_image = mask;
-        UpdatePixmap();
     }
 }
 
 std::optional<QRect> Layer::SwapPixels(raster::MaskDelta& delta)
 {
-    std::optional<QRect> changed = delta.Swap(m_image);
-    UpdatePixmap();
-    return changed;
-}
-
-void Layer::UpdatePixmap()
-{
-    ++m_pictureRevision;
+    return delta.Swap(m_image);
 }
 
 void Layer::setData(const QVariant& value, int role)

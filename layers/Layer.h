@@ -59,8 +59,6 @@ public:
     /// The layer's colour (opaque) where the mask is 255, transparent elsewhere. Made on request,
     /// because it takes four bytes a pixel. Null in a batch run.
     QPixmap Pixmap() const;
-    /// This number changes whenever the picture may have changed.
-    quint64 PictureRevision() const { return m_pictureRevision; }
 
     /// Takes a mask unchanged. From a 32-bit image it makes a mask of the pixels that equal color's
     /// opaque RGB. While a GUI runs, the layer also takes color with its alpha.
@@ -87,8 +85,8 @@ public:
     /// Exchanges the delta's tiles and those of the mask, in place where nobody else shares its
     /// pixels. As raster::MaskDelta::Swap.
     std::optional<QRect> SwapPixels(raster::MaskDelta& delta);
-    /// The picture is out of date.
-    void UpdatePixmap();
+    /// Does nothing: the picture is made on request.
+    void UpdatePixmap() {}
 
     /// A rename to an invalid name is ignored without a message.
     void setData(const QVariant& value, int role = Qt::UserRole + 1) override;
@@ -113,5 +111,4 @@ private:
     QImage m_image;
     QColor m_color{QRgb(0xFFFFFFFF)};
     bool m_isVisible = false;
-    quint64 m_pictureRevision = 0;
 };

@@ -2,6 +2,25 @@
 
 #include <QStringList>
 
+class QStandardItem
+{
+public:
+    void setText(const QString& text) { m_text = text; }
+
+private:
+    QString m_text;
+};
+
+class Layer : public QStandardItem
+{
+};
+
+// For our own: -Wquillmap-edits.
+void Rename(Layer& layer)
+{
+    layer.setText({});
+}
+
 int CountCharacters(const QStringList& texts)
 {
     int count = 0;

@@ -7,6 +7,7 @@
 #include <system_error>
 
 class QFile;
+class QFileDevice;
 class QString;
 
 /// What differs between systems in making files. What the system refuses comes back as its error.
@@ -14,6 +15,12 @@ namespace platform {
 
 /// The path as the standard library takes it.
 std::filesystem::path ToPath(const QString& path);
+
+/// Makes the file, which must not exist yet, and opens it for reading and writing.
+std::error_code OpenNew(QFile& file);
+/// Why Qt's last operation on the file failed; where the system does not say that in a code, it is
+/// an input or output error.
+std::error_code ErrorOf(const QFileDevice& file);
 
 /// Opens a new file that has no name in the folder, and so goes with the process unless it is given
 /// one. It is locked like a file that TryLock was called for, until it is closed. Fails with

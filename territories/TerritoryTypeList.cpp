@@ -42,17 +42,6 @@ QVector<TerritoryType*> TerritoryTypeList::Types() const
     return types;
 }
 
-TerritoryType* TerritoryTypeList::TypeById(int id) const
-{
-    const QVector<TerritoryType*> types = Types();
-    for (TerritoryType* type : types) {
-        if (type->Id() == id) {
-            return type;
-        }
-    }
-    return nullptr;
-}
-
 bool TerritoryTypeList::AddType(TerritoryType* type)
 {
     return Insert(m_model->rowCount(), type);

@@ -31,8 +31,6 @@ public:
     bool IsEmpty() const { return Types().isEmpty(); }
     /// By ascending id; other rows are skipped.
     QVector<TerritoryType*> Types() const;
-    /// Null if there is no such type.
-    TerritoryType* TypeById(int id) const;
 
     /// Appends the type and takes ownership. Returns false and takes nothing for null and for a
     /// type that belongs to another model or item. Returns true if the type is already in the list.

@@ -302,17 +302,22 @@ void DialogCustomLayer::FinalizeLayerComputation(const QImage& image)
 {
     EnableControls(true);
     const QString name = m_ui->txtOutputName->text();
+    bool isComputed = !image.isNull();
     if (!m_isModifying) {
-        if (!image.isNull()) {
+        if (isComputed) {
             m_document.Do(Edits::AddComputedLayer(*m_list, name, m_runningCode, image));
             m_createdLayer = m_list->LayerAt(m_list->model()->rowCount() - 1);
         }
-    } else if (m_layerToModify && !image.isNull()) {
+    } else if (m_layerToModify && isComputed) {
         // Without a result the layer stays what it was, name included.
-        m_document.Do(Edits::ModifyLayer(*m_layerToModify, name, m_runningCode, image));
+        auto edit = Edits::ModifyLayer(*m_layerToModify, name, m_runningCode, image);
+        isComputed = edit != nullptr;
+        if (isComputed) {
+            m_document.Do(std::move(edit));
+        }
     }
     accept();
-    if (image.isNull()) {
+    if (!isComputed) {
         LogError(QStringLiteral("Layer '%1' could not be computed.").arg(name));
     }
 }

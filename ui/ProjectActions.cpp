@@ -29,6 +29,8 @@
 #include "ui/QuillmapWindow.h"
 #include "ui_QuillmapWindow.h"
 
+#include <QAbstractItemDelegate>
+#include <QAbstractItemView>
 #include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
@@ -46,11 +48,25 @@ QString Question(const QString& consequence, const QString& action)
     return QStringLiteral("%1\n\nAre you sure you want to %2?").arg(consequence, action);
 }
 
-/// Returns whether there are no unsaved changes or the user agrees to lose them. Ends a stroke or
-/// drag that is under way, which counts as a change.
+/// Takes over a name that is being typed into a tree. Later it would be changed unseen, as when the
+/// window loses the focus in the middle of a save.
+void FinishRenaming(const EditorParts& parts)
+{
+    const auto views = parts.window.findChildren<QAbstractItemView*>();
+    for (QAbstractItemView* view : views) {
+        if (QWidget* editor = view->indexWidget(view->currentIndex())) {
+            emit view->itemDelegate()->commitData(editor);
+            emit view->itemDelegate()->closeEditor(editor);
+        }
+    }
+}
+
+/// Returns whether there are no unsaved changes or the user agrees to lose them. Ends a stroke, a
+/// drag or a rename that is under way, which counts as a change.
 bool MayDiscard(const EditorParts& parts, const QString& title, const QString& action)
 {
     parts.scene.LoseMouse();
+    FinishRenaming(parts);
     return !Settings().IsModified() ||
            AskYesNo(&parts.window, title,
                     Question(QStringLiteral(
@@ -80,6 +96,7 @@ public:
         : m_actions(actions)
         , m_workBefore(actions.m_work)
     {
+        FinishRenaming(actions.m_parts);
         Begin(work);
     }
     ~Busy() { Begin(m_workBefore); }

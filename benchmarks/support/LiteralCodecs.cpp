@@ -44,11 +44,14 @@ QByteArray ComposeFields(const QVector<raster::FlaggedMask>& masks, int bits, QS
                          quint32 raster::FlaggedMask::*flags)
 {
     raster::BitFieldRaster fields(bits, size.width(), size.height());
+    const quint32 fieldMask = 0xFFFFFFFFU >> (32 - bits);
     for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x) {
+        quint32* row = fields.Row(size.height() - 1 - y);
+        for (int x = 0; x < fields.FieldsPerRow(); ++x) {
+            const int shift = 32 - bits * (x % fields.PixelsPerWord() + 1);
             for (const raster::FlaggedMask& layer : masks) {
                 if (layer.*flags != 0 && layer.mask.pixel(x, y) != layer.mask.color(0)) {
-                    fields.Set(layer.*flags, x, size.height() - 1 - y);
+                    row[x / fields.PixelsPerWord()] |= (layer.*flags & fieldMask) << shift;
                 }
             }
         }

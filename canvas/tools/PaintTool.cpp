@@ -19,6 +19,9 @@ QPointF PaintTool::PositionOf(const QGraphicsSceneMouseEvent& event) const
 
 void PaintTool::Press(QGraphicsSceneMouseEvent& event)
 {
+    if (event.button() == Qt::MiddleButton) {
+        return;
+    }
     Finish();
     if (event.button() == Qt::LeftButton) {
         m_stroke = BrushAction::Paint;
@@ -51,7 +54,9 @@ void PaintTool::Move(QGraphicsSceneMouseEvent& event)
 
 void PaintTool::Release(QGraphicsSceneMouseEvent& event)
 {
-    Finish();
+    if (event.button() != Qt::MiddleButton) {
+        Finish();
+    }
     MapTool::Release(event);
 }
 

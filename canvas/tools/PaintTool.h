@@ -7,7 +7,7 @@
 #include <QRect>
 
 /// The brush: the left button paints on the current layer, the right one erases. From press to
-/// release is one stroke, and one step of the history.
+/// release is one stroke, and one step of the history. The middle button has no part in it.
 class PaintTool : public MapTool
 {
 public:

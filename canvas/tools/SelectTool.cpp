@@ -88,7 +88,8 @@ void SelectTool::Cancel()
     LetGo();
     for (const auto& [zone, position] : qAsConst(m_dragStart)) {
         if (zone) {
-            zone->setPos(position);
+            // The drag has become no edit yet.
+            zone->setPos(position); // NOLINT
         }
     }
     EndDrag();

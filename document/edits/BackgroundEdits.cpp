@@ -5,6 +5,8 @@
 #include "document/Document.h"
 #include "document/edits/ChangeValue.h"
 
+#include <QCryptographicHash>
+#include <QFile>
 #include <QFileInfo>
 
 namespace {
@@ -14,12 +16,24 @@ ProjectSettings& Settings()
     return ProjectSettings::Instance();
 }
 
+/// The same for files of the same bytes; empty for what is no readable file.
+QByteArray Fingerprint(const QString& path)
+{
+    QFile file(path);
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    // Opening a pipe would wait for a writer.
+    const bool isRead =
+        QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly) && hash.addData(&file);
+    return isRead ? hash.result() : QByteArray();
+}
+
 /// A picture and how a project in the folder names it.
 struct Picture
 {
     QString absolutePath;
     QString name;
     QString folder;
+    QByteArray fingerprint;
 
     bool operator==(const Picture& other) const { return absolutePath == other.absolutePath; }
 };
@@ -43,16 +57,23 @@ Picture PresentPicture()
     const QString path = settings.BackgroundFile().isEmpty()
                              ? QString()
                              : QFileInfo(settings.BackgroundPath()).absoluteFilePath();
-    return {path, settings.BackgroundFile(), settings.Dir().absolutePath()};
+    return {path, settings.BackgroundFile(), settings.Dir().absolutePath(), Fingerprint(path)};
 }
 
-/// A project that was saved elsewhere took its picture along, and names it as before.
+bool IsCopy(const QString& path, const Picture& picture)
+{
+    return !picture.fingerprint.isEmpty() && Fingerprint(path) == picture.fingerprint;
+}
+
+/// A project that was saved elsewhere may have taken the picture along, and names it as before.
+/// What has its name there may also be another picture.
 QString NameInProject(const Picture& picture)
 {
     const QDir& folder = Settings().Dir();
-    const bool isNamedAlike =
-        picture.absolutePath.isEmpty() || folder.absolutePath() == picture.folder ||
-        (!picture.name.startsWith(QLatin1String("..")) && folder.exists(picture.name));
+    const bool isNamedAlike = picture.absolutePath.isEmpty() ||
+                              folder.absolutePath() == picture.folder ||
+                              (!picture.name.startsWith(QLatin1String("..")) &&
+                               IsCopy(folder.filePath(picture.name), picture));
     return isNamedAlike ? picture.name : BackgroundFileFrom(folder, picture.absolutePath);
 }
 
@@ -68,7 +89,8 @@ std::unique_ptr<Edit> Edits::SetBackgroundPicture(const QString& path, bool sets
 {
     const QString absolutePath = QFileInfo(path).absoluteFilePath();
     const QDir& folder = Settings().Dir();
-    const Picture picture{absolutePath, BackgroundFileFrom(folder, path), folder.absolutePath()};
+    const Picture picture{absolutePath, BackgroundFileFrom(folder, path), folder.absolutePath(),
+                          Fingerprint(absolutePath)};
     auto edit =
         std::make_unique<ChangePicture>(Document::tr("Load background image"), Property::Discrete,
                                         EditPlace(), PresentPicture(), picture, SetPicture);

@@ -1,6 +1,7 @@
 #include "document/edits/EditGroup.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 void EditGroup::Add(std::unique_ptr<Edit> edit)
@@ -12,20 +13,31 @@ void EditGroup::Add(std::unique_ptr<Edit> edit)
 
 bool EditGroup::Holds(const Edit& other) const
 {
-    return std::any_of(m_edits.begin(), m_edits.end(),
-                       [&](const auto& edit) { return edit->Holds(other); });
+    return Edit::Holds(other) ||
+           std::any_of(m_edits.begin(), m_edits.end(),
+                       [&other](const auto& edit) { return edit->Holds(other); });
 }
 
 void EditGroup::Do(Document& document)
 {
-    for (const auto& edit : m_edits) {
-        DoPart(*edit, document);
+    const auto failed = std::find_if(m_edits.begin(), m_edits.end(), [&document](const auto& edit) {
+        return !DoPart(*edit, document);
+    });
+    if (failed != m_edits.end()) {
+        std::for_each(std::make_reverse_iterator(failed), m_edits.rend(),
+                      [&document](const auto& edit) { UndoPart(*edit, document); });
+        Fail();
     }
 }
 
 void EditGroup::Undo(Document& document)
 {
-    for (auto it = m_edits.rbegin(); it != m_edits.rend(); ++it) {
-        UndoPart(**it, document);
+    const auto failed =
+        std::find_if(m_edits.rbegin(), m_edits.rend(),
+                     [&document](const auto& edit) { return !UndoPart(*edit, document); });
+    if (failed != m_edits.rend()) {
+        std::for_each(failed.base(), m_edits.end(),
+                      [&document](const auto& edit) { DoPart(*edit, document); });
+        Fail();
     }
 }

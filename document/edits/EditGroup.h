@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-/// Several edits that are one step.
+/// Several edits that are one step. When one of them fails, none is carried out.
 class EditGroup : public Edit
 {
 public:

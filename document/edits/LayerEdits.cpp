@@ -137,11 +137,15 @@ std::unique_ptr<Edit> Edits::ModifyLayer(Layer& layer, const QString& name, cons
     group->SetPlace(&layer);
     group->Add(Rename(layer, name));
     if (!mask.isNull()) {
+        auto paint = std::make_unique<PaintMask>(QString(), layer, mask);
+        if (!paint->IsRecorded()) {
+            return nullptr;
+        }
         Layer* computed = &layer;
         group->Add(std::make_unique<ChangeValue<QString>>(
             QString(), Property::Discrete, computed, layer.Code(), code,
             [computed](Document&, const QString& value) { computed->StoreCode(value); }));
-        group->Add(std::make_unique<PaintMask>(QString(), layer, mask));
+        group->Add(std::move(paint));
     }
     return group;
 }

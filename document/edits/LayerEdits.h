@@ -22,6 +22,7 @@ std::unique_ptr<Edit> RemoveLayer(Layer& layer);
 /// row: in the list without the layer.
 std::unique_ptr<Edit> MoveLayer(Layer& layer, int row);
 /// Gives a computed layer another name, code and mask. Null masks leave code and mask as they are.
+/// Null when there is no memory to undo it.
 std::unique_ptr<Edit> ModifyLayer(Layer& layer, const QString& name, const QString& code,
                                   const QImage& mask);
 std::unique_ptr<Edit> SetLayerFlags(Layer& layer, quint32 usageFlags, quint32 valueFlags);

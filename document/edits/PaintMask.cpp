@@ -17,11 +17,14 @@ PaintMask::PaintMask(const QString& text, Layer& layer, raster::MaskDelta delta,
 }
 
 PaintMask::PaintMask(const QString& text, Layer& layer, const QImage& mask)
-    : PaintMask(text, layer,
-                raster::MaskDelta::Between(layer.Image(), mask).value_or(raster::MaskDelta()),
-                mask.rect())
+    : PaintMask(text, layer, raster::MaskDelta(), mask.rect())
 {
-    m_mask = mask;
+    std::optional<raster::MaskDelta> delta = raster::MaskDelta::Between(layer.Image(), mask);
+    m_isRecorded = delta.has_value();
+    if (delta) {
+        m_delta = std::move(*delta);
+        m_mask = mask;
+    }
 }
 
 PaintMask::~PaintMask()
@@ -63,6 +66,8 @@ void PaintMask::Show(Document& document, bool isNew)
     if (changed) {
         m_showsNew = isNew;
         m_changed = *changed;
+    } else {
+        Fail();
     }
     emit document.LayerChanged(m_layer, Aspect::Pixels, changed.value_or(QRect()));
 }

@@ -20,6 +20,8 @@ public:
     PaintMask(const QString& text, Layer& layer, const QImage& mask);
     ~PaintMask() override;
 
+    /// False when there is no memory to undo it.
+    bool IsRecorded() const { return m_isRecorded; }
     bool Changes() const override { return !m_delta.IsEmpty(); }
     EditPlace Place() const override { return {m_layer, m_changed}; }
 
@@ -33,6 +35,7 @@ private:
 
     Layer* m_layer;
     raster::MaskDelta m_delta;
+    bool m_isRecorded = true;
     /// The mask to begin with, until it is in the layer.
     QImage m_mask;
     QRectF m_changed;

@@ -1,7 +1,9 @@
 #include "document/edits/Presence.h"
 
 #include "document/Document.h"
+#include "layers/raster/Mask.h"
 #include "territories/TerritoryType.h"
+#include "territories/Zone.h"
 
 #include <QGraphicsScene>
 
@@ -42,6 +44,30 @@ void EnterMap(Document& document, Territory& territory)
 
 } // namespace
 
+QRectF AreaOf(const Layer& /*layer*/)
+{
+    return {};
+}
+
+QRectF AreaOf(const TerritoryType& type)
+{
+    QRectF area;
+    const QVector<Territory*> territories = type.Territories();
+    for (const Territory* territory : territories) {
+        area |= AreaOf(*territory);
+    }
+    return area;
+}
+
+QRectF AreaOf(const Territory& territory)
+{
+    QRectF area;
+    for (const Zone* zone : territory.Zones()) {
+        area |= zone->sceneBoundingRect();
+    }
+    return area;
+}
+
 std::unique_ptr<TerritoryType> TakeOut(Document& document, TerritoryType& type)
 {
     std::unique_ptr<TerritoryType> taken = document.Types().TakeType(type);
@@ -79,4 +105,49 @@ void PutIn(Document& document, std::unique_ptr<Territory> territory, int row, Te
     parent->InsertTerritory(row, std::move(territory));
     EnterMap(document, *present);
     emit document.TerritoryChanged(present);
+}
+
+Storage<Layer>::~Storage()
+{
+    if (m_memory) {
+        m_memory->Remove(m_number);
+    }
+}
+
+void Storage<Layer>::Begin(Document& document, const Edit& edit)
+{
+    if (!m_memory) {
+        m_memory = &document.Memory();
+        m_number = m_memory->Add(edit, m_mask);
+    }
+}
+
+void Storage<Layer>::Pack(Layer& layer)
+{
+    const QSize size = layer.Image().size();
+    auto packed = raster::MaskDelta::Between(layer.Image(), raster::BlankMask(size));
+    m_isPacked = packed.has_value();
+    if (packed) {
+        m_size = size;
+        m_mask = std::move(*packed);
+        layer.TakePaintedMask({});
+    }
+    m_memory->Update(m_number);
+}
+
+bool Storage<Layer>::Unpack(Layer& layer)
+{
+    if (!m_isPacked) {
+        return true;
+    }
+    layer.TakePaintedMask(raster::BlankMask(m_size));
+    const bool isUnpacked = layer.SwapPixels(m_mask).has_value();
+    if (isUnpacked) {
+        m_mask = raster::MaskDelta();
+        m_isPacked = false;
+    } else {
+        layer.TakePaintedMask({});
+    }
+    m_memory->Update(m_number);
+    return isUnpacked;
 }

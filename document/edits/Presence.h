@@ -1,11 +1,15 @@
 #pragma once
 
 #include "document/Edit.h"
+#include "layers/raster/MaskDelta.h"
+
+#include <QSize>
 
 #include <memory>
 #include <utility>
 
 class Document;
+class HistoryMemory;
 class Layer;
 class Territory;
 class TerritoryType;
@@ -20,6 +24,45 @@ void PutIn(Document& document, std::unique_ptr<Layer> layer, int row, TerritoryT
 void PutIn(Document& document, std::unique_ptr<TerritoryType> type, int row, TerritoryType* parent);
 void PutIn(Document& document, std::unique_ptr<Territory> territory, int row,
            TerritoryType* parent);
+
+/// Where it is on the map, in scene units. Empty for a layer, which is everywhere.
+QRectF AreaOf(const Layer& layer);
+QRectF AreaOf(const TerritoryType& type);
+QRectF AreaOf(const Territory& territory);
+
+/// What becomes of an item while an edit keeps it: it stays as it is.
+template <typename Item>
+class Storage
+{
+public:
+    void Begin(Document& /*document*/, const Edit& /*edit*/) {}
+    void Pack(Item& /*item*/) {}
+    bool Unpack(Item& /*item*/) { return true; }
+};
+
+/// The mask of a layer is packed, and counts in the memory of the history.
+template <>
+class Storage<Layer>
+{
+public:
+    Storage() = default;
+    ~Storage();
+    Q_DISABLE_COPY(Storage)
+
+    /// Before the first change; the edit is newer than those before.
+    void Begin(Document& document, const Edit& edit);
+    /// Without memory for that, the layer keeps its mask.
+    void Pack(Layer& layer);
+    /// False when the mask cannot be read back, or without memory. It stays packed then.
+    bool Unpack(Layer& layer);
+
+private:
+    QSize m_size;
+    raster::MaskDelta m_mask;
+    bool m_isPacked = false;
+    HistoryMemory* m_memory = nullptr;
+    int m_number = 0;
+};
 
 /// Adds or removes a layer, a territory type or a territory. What is not in the project is kept
 /// here, so that whoever points to it still does when it comes back.
@@ -49,7 +92,11 @@ public:
     {
     }
 
-    EditPlace Place() const override { return m_kept ? EditPlace(m_parent) : EditPlace(m_item); }
+    EditPlace Place() const override
+    {
+        const QRectF area = AreaOf(*m_item);
+        return m_kept ? EditPlace(m_parent, area) : EditPlace(m_item, area);
+    }
 
 protected:
     void Do(Document& document) override { SetPresent(document, m_doesAdd); }
@@ -58,15 +105,20 @@ protected:
 private:
     void SetPresent(Document& document, bool isPresent)
     {
-        if (isPresent) {
+        m_storage.Begin(document, *this);
+        if (!isPresent) {
+            m_kept = TakeOut(document, *m_item);
+            m_storage.Pack(*m_item);
+        } else if (m_storage.Unpack(*m_item)) {
             PutIn(document, std::move(m_kept), m_row, m_parent);
         } else {
-            m_kept = TakeOut(document, *m_item);
+            Fail();
         }
     }
 
     Item* m_item;
     std::unique_ptr<Item> m_kept;
+    Storage<Item> m_storage;
     int m_row;
     TerritoryType* m_parent;
     bool m_doesAdd;

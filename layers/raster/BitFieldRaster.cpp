@@ -41,13 +41,6 @@ bool BitFieldRaster::Holds(int x, int row) const
     return !m_words.IsEmpty() && x >= 0 && x < FieldsPerRow() && row >= 0 && row < m_height;
 }
 
-void BitFieldRaster::Set(quint32 value, int x, int row)
-{
-    if (Holds(x, row)) {
-        Row(row)[x / PixelsPerWord()] |= (value & FieldMask()) << Shift(x);
-    }
-}
-
 quint32 BitFieldRaster::Get(int x, int row) const
 {
     if (!Holds(x, row)) {

@@ -32,8 +32,6 @@ public:
     /// False if there was no memory for the words.
     bool IsValid() const { return WordCount() == 0 || !m_words.IsEmpty(); }
 
-    /// ORs the low bits of value into the field. Pixels outside the raster are ignored.
-    void Set(quint32 value, int x, int row);
     /// 0 outside the raster.
     quint32 Get(int x, int row) const;
 

@@ -272,28 +272,6 @@ std::optional<QRect> MaskDelta::Swap(QImage& mask)
     return exchange.Changed();
 }
 
-bool MaskDelta::Append(MaskDelta&& later)
-{
-    if (later.IsEmpty()) {
-        return true;
-    }
-    if (IsEmpty()) {
-        *this = std::move(later);
-        return true;
-    }
-    if (m_size != later.m_size || !Fetch() || !later.Fetch() || !MakeLookup()) {
-        return false;
-    }
-    later.m_records.Filter([this](const TileRecords::Record& record) {
-        const quint64 word = m_lookup[static_cast<std::size_t>(record.number / 64)];
-        return (word >> (record.number % 64) & 1) == 0;
-    });
-    m_records.Append(std::move(later.m_records));
-    later = MaskDelta();
-    std::vector<quint64>().swap(m_lookup);
-    return true;
-}
-
 qint64 MaskDelta::ByteCount() const
 {
     const std::size_t own =

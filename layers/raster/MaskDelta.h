@@ -51,9 +51,6 @@ public:
     /// (QImage::isDetached), else Qt copies it as a whole. Nothing when that or the memory for the
     /// other side fails, when the spilled bytes cannot be read, or for a mask of another size.
     std::optional<QRect> Swap(QImage& mask);
-    /// Takes over the tiles of a delta of the same mask that was made right after this one, so that
-    /// both are one step. Neither may have been swapped. False leaves both as they were.
-    bool Append(MaskDelta&& later);
 
     /// The memory that it takes, all included.
     qint64 ByteCount() const;

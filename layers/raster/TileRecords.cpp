@@ -63,24 +63,6 @@ void TileRecords::Append(int number, int packedLength)
     block.used += HeaderLength + packedLength;
 }
 
-bool TileRecords::Append(const Record& record)
-{
-    uchar* room = Room();
-    if (!room) {
-        return false;
-    }
-    std::memcpy(room, record.packed, static_cast<std::size_t>(record.length));
-    Append(record.number, record.length);
-    return true;
-}
-
-void TileRecords::Append(TileRecords&& later)
-{
-    m_blocks.insert(m_blocks.end(), std::make_move_iterator(later.m_blocks.begin()),
-                    std::make_move_iterator(later.m_blocks.end()));
-    later.m_blocks.clear();
-}
-
 void TileRecords::Squeeze()
 {
     m_blocks.erase(std::remove_if(m_blocks.begin(), m_blocks.end(),

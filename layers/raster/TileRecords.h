@@ -35,10 +35,6 @@ public:
     uchar* Room();
     /// Takes what was packed into the Room as a record.
     void Append(int number, int packedLength);
-    /// Copies a record; false when there is no memory.
-    bool Append(const Record& record);
-    /// All of the other's records follow these.
-    void Append(TileRecords&& later);
     /// Gives spare memory back.
     void Squeeze();
 

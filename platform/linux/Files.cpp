@@ -57,6 +57,18 @@ std::filesystem::path ToPath(const QString& path)
     return QFile::encodeName(path).constData();
 }
 
+std::error_code OpenNew(QFile& file)
+{
+    return file.open(QIODevice::ReadWrite | QIODevice::NewOnly) ? std::error_code() : ErrorOf(file);
+}
+
+std::error_code ErrorOf(const QFileDevice& file)
+{
+    return file.error() == QFileDevice::NoError || errno == 0
+               ? std::make_error_code(std::errc::io_error)
+               : LastError();
+}
+
 std::error_code OpenUnnamed(QFile& file, const QString& folder)
 {
     if (faccessat(AT_FDCWD, "/proc/self/fd", X_OK, AT_EACCESS) != 0) {

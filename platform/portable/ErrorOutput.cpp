@@ -7,11 +7,11 @@ bool IsErrorOutputTerminal()
     return false;
 }
 
-ErrorOutputTurnedOff::ErrorOutputTurnedOff()
+ErrorOutputTurnedOff::ErrorOutputTurnedOff() = default;
+
+ErrorOutputTurnedOff::~ErrorOutputTurnedOff()
 {
     Q_UNUSED(m_before)
 }
-
-ErrorOutputTurnedOff::~ErrorOutputTurnedOff() = default;
 
 } // namespace platform

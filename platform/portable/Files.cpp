@@ -13,6 +13,26 @@ std::filesystem::path ToPath(const QString& path)
     return std::filesystem::u8path(path.toUtf8().constData());
 }
 
+std::error_code OpenNew(QFile& file)
+{
+    if (file.open(QIODevice::ReadWrite | QIODevice::NewOnly)) {
+        return {};
+    }
+    // Qt tells the reason in words only. The standard library gives the code of it when it is to
+    // make a folder there.
+    std::error_code error;
+    const std::filesystem::path path = ToPath(file.fileName());
+    if (std::filesystem::create_directory(path, error)) {
+        std::filesystem::remove(path, error);
+    }
+    return error ? error : ErrorOf(file);
+}
+
+std::error_code ErrorOf(const QFileDevice& /*file*/)
+{
+    return std::make_error_code(std::errc::io_error);
+}
+
 std::error_code OpenUnnamed(QFile& /*file*/, const QString& /*folder*/)
 {
     return std::make_error_code(std::errc::operation_not_supported);

@@ -1,6 +1,5 @@
 #include "canvas/tools/PaintTool.h"
 
-#include "canvas/CurrentLayerItem.h"
 #include "tests/support/CanvasActions.h"
 #include "tests/support/CanvasFixture.h"
 #include "tests/support/Masks.h"
@@ -42,11 +41,7 @@ public:
     QByteArray Pixels() const { return Indices(layer->Image()); }
     int StepCount() { return document.History().count(); }
     /// Whether the map shows the layer as it is.
-    bool ShowsLayer()
-    {
-        return ItemOf<CurrentLayerItem>(*this, CurrentZ)->pixmap().toImage() ==
-               layer->Pixmap().toImage();
-    }
+    bool ShowsLayer() { return PictureOf(*ItemAt(CurrentZ)) == layer->Pixmap().toImage(); }
     void PaintStroke(QPointF from, QPointF to, Qt::MouseButton button = Qt::LeftButton)
     {
         Press(from, button);
@@ -79,6 +74,7 @@ private slots:
     void StrokeThatChangesNothingIsNoStep();
     void StrokeWithoutALayerIsNoStep();
     void SecondButtonBeginsAnotherStep();
+    void MiddleButtonDoesNotEndAStroke();
     void NothingIsUndoneDuringAStroke();
     void PaintsOnWhatUndoBroughtBack();
     void AnotherLayerEndsTheStroke();
@@ -258,6 +254,27 @@ void tst_PaintTool::SecondButtonBeginsAnotherStep()
     QCOMPARE(canvas.Pixels(), painted);
     canvas.document.Undo();
     QCOMPARE(canvas.Pixels(), before);
+}
+
+void tst_PaintTool::MiddleButtonDoesNotEndAStroke()
+{
+    Painting canvas;
+    canvas.PaintStroke({10, 90}, {150, 90});
+    const QByteArray wanted = canvas.Pixels();
+    canvas.document.Undo();
+    canvas.TakeModified();
+    canvas.Press({10, 90});
+    canvas.Press({10, 90}, Qt::MiddleButton);
+    canvas.Move({80, 90}, Qt::LeftButton | Qt::MiddleButton);
+    canvas.Release({80, 90}, Qt::MiddleButton);
+    QCOMPARE(canvas.StepCount(), 1);
+    QVERIFY(!canvas.document.CanTravel());
+    QVERIFY(!canvas.TakeModified());
+    canvas.Move({150, 90});
+    canvas.Release({150, 90});
+    QCOMPARE(canvas.Pixels(), wanted);
+    QCOMPARE(canvas.StepCount(), 1);
+    QVERIFY(!canvas.document.CanRedo());
 }
 
 void tst_PaintTool::NothingIsUndoneDuringAStroke()

@@ -1,6 +1,5 @@
 #include "canvas/MainScene.h"
 
-#include "canvas/CurrentLayerItem.h"
 #include "tests/support/CanvasActions.h"
 #include "tests/support/CanvasFixture.h"
 #include "tests/support/LiteralCanvas.h"
@@ -263,8 +262,7 @@ void tst_ScenePainting::PaintsWithTheLeftButton()
     QVERIFY(!IsSet(*layer, 70, 60));
     canvas.Release({90, 50});
     QCOMPARE(BrushCursor(canvas)->pos(), QPointF(90, 50));
-    QCOMPARE(ItemOf<CurrentLayerItem>(canvas, CurrentZ)->pixmap().toImage(),
-             layer->Pixmap().toImage());
+    QCOMPARE(PictureOf(*canvas.ItemAt(CurrentZ)), layer->Pixmap().toImage());
 }
 
 void tst_ScenePainting::ErasesWithTheRightButton()
@@ -280,7 +278,7 @@ void tst_ScenePainting::ErasesWithTheRightButton()
     QVERIFY(IsSet(*layer, 70, 60));
     canvas.Release({90, 50}, Qt::RightButton);
     QVERIFY(canvas.TakeModified());
-    const QImage picture = ItemOf<CurrentLayerItem>(canvas, CurrentZ)->pixmap().toImage();
+    const QImage picture = PictureOf(*canvas.ItemAt(CurrentZ));
     QCOMPARE(picture.pixel(70, 50), 0U);
 }
 
@@ -374,7 +372,7 @@ void tst_ScenePainting::IsModifiedWhenAStrokeEnds()
     if (end == "release") {
         canvas.Release({60, 60});
     } else if (end == "second button") {
-        canvas.Press({60, 60}, Qt::MiddleButton);
+        canvas.Press({60, 60}, Qt::BackButton);
     } else if (end == "space") {
         QTest::keyPress(&canvas.view, Qt::Key_Space);
     } else if (end == "Ctrl+0") {
@@ -408,8 +406,8 @@ void tst_ScenePainting::ContinuesNoStrokeThatEnded()
     canvas.Edit(layer);
     canvas.dock.SetSize(10);
     canvas.Press({50, 50});
-    canvas.Press({50, 50}, Qt::MiddleButton);
-    canvas.Move({50, 120}, Qt::LeftButton | Qt::MiddleButton);
+    canvas.Press({50, 50}, Qt::BackButton);
+    canvas.Move({50, 120}, Qt::LeftButton | Qt::BackButton);
     QVERIFY(!IsSet(*layer, 50, 90));
     // The second button erases from the place to which the first one painted.
     canvas.Press({100, 50});

@@ -8,14 +8,20 @@
 #include "territories/TerritoryType.h"
 #include "territories/Zone.h"
 #include "tests/support/FailingDisk.h"
+#include "tests/support/LogSpy.h"
+#include "tests/support/Masks.h"
 #include "tests/support/ProjectFixture.h"
 #include "tests/support/Random.h"
 
+#include <QDir>
 #include <QGraphicsScene>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QWidget>
 
 #include <algorithm>
+
+#include <unistd.h>
 
 namespace {
 
@@ -25,6 +31,33 @@ bool IsModified()
 {
     return ProjectSettings::Instance().IsModified();
 }
+
+/// A folder for the temporary files of this process while it lives.
+class TemporaryFiles
+{
+public:
+    TemporaryFiles() { qputenv("TMPDIR", QFile::encodeName(m_folder.path())); }
+    ~TemporaryFiles() { qputenv("TMPDIR", m_before); }
+    Q_DISABLE_COPY(TemporaryFiles)
+
+    /// Takes the bytes out of all that are open, as when a disk fails. They may have no names.
+    void Empty() const
+    {
+        int count = 0;
+        const QFileInfoList open = QDir("/proc/self/fd").entryInfoList(QDir::Files | QDir::System);
+        for (const QFileInfo& file : open) {
+            if (file.symLinkTarget().startsWith(m_folder.path())) {
+                QCOMPARE(truncate(QFile::encodeName(file.filePath()).constData(), 0), 0);
+                ++count;
+            }
+        }
+        QVERIFY(count > 0);
+    }
+
+private:
+    QByteArray m_before = qgetenv("TMPDIR");
+    QTemporaryDir m_folder;
+};
 
 } // namespace
 
@@ -47,7 +80,12 @@ private slots:
     void CheckMarksOfATypeComeBack();
     void ImportedFlagTypesAreTakenBack();
     void LetsTheOldestStepsGoWhenNothingTakesThem();
+    void LetsStepsOnBothSidesGo();
     void MasksSurviveTheTemporaryFile();
+    void MasksOfRemovedLayersGoToTheTemporaryFile();
+    void LetsRemovedLayersGoWhenNothingTakesThem();
+    void SaysWhatItCannotUndo();
+    void SaysWhatItCannotRedo();
     void TenThousandStepsComeBack();
 
 private:
@@ -210,6 +248,9 @@ void tst_Document::NothingIsUndoneWhileBusy()
     m_document->SetFilesBusy(true);
     m_document->Undo();
     QVERIFY(!m_document->Layers().IsEmpty());
+    RowModel* model = m_document->Layers().model();
+    QVERIFY(!model->setData(model->index(0, 0), "sea"));
+    QVERIFY(model->index(0, 0).data() != QVariant("sea"));
     m_document->SetFilesBusy(false);
     m_document->SetEditable(false);
     m_document->Undo();
@@ -305,6 +346,23 @@ void tst_Document::LetsTheOldestStepsGoWhenNothingTakesThem()
     QCOMPARE(layer->Color().alpha(), 9);
 }
 
+void tst_Document::LetsStepsOnBothSidesGo()
+{
+    Layer* layer = AddLayer();
+    Fill(*layer, {0, 0, 100, 100}, 1);
+    Fill(*layer, {0, 0, 90, 90}, 2);
+    Fill(*layer, {0, 0, 80, 80}, 3);
+    {
+        const FileSizeLimit fullDisk(0);
+        m_document->Memory().SetBudget(0);
+        m_document->Undo();
+    }
+
+    QVERIFY(!m_document->CanUndo());
+    QVERIFY(!m_document->CanRedo());
+    QCOMPARE(layer->Image().pixelIndex(0, 0), 2);
+}
+
 void tst_Document::MasksSurviveTheTemporaryFile()
 {
     Layer* layer = AddLayer();
@@ -330,6 +388,124 @@ void tst_Document::MasksSurviveTheTemporaryFile()
         m_document->Redo();
     }
     QCOMPARE(layer->Image(), masks.last());
+}
+
+void tst_Document::MasksOfRemovedLayersGoToTheTemporaryFile()
+{
+    const TemporaryFiles files;
+    m_document->Memory().SetBudget(1);
+    Random random;
+    const QImage mask = RandomMask(random, {Side, Side});
+    const QImage copy = mask.copy();
+    m_document->Do(Edits::AddComputedLayer(m_document->Layers(), "Forest", "!(1)", mask));
+    Layer* layer = m_document->Layers().LayerAt(0);
+
+    for (int round = 0; round < 2; ++round) {
+        m_document->Undo();
+        QVERIFY(layer->Image().isNull());
+        m_document->Redo();
+        QCOMPARE(layer->Image(), copy);
+    }
+    for (int round = 0; round < 2; ++round) {
+        m_document->Do(Edits::RemoveLayer(*layer));
+        QVERIFY(layer->Image().isNull());
+        m_document->Undo();
+        QCOMPARE(layer->Image(), copy);
+    }
+    m_document->Redo();
+    files.Empty();
+    LogSpy log;
+    m_document->Undo();
+    QCoreApplication::processEvents();
+    QCOMPARE(log.Messages(),
+             QStringList("Error: Could not undo 'Remove layer Forest'. It and the steps before it "
+                         "are no longer kept."));
+    QVERIFY(m_document->Layers().IsEmpty());
+    QVERIFY(!m_document->CanUndo());
+}
+
+void tst_Document::LetsRemovedLayersGoWhenNothingTakesThem()
+{
+    Random random;
+    m_document->Do(Edits::AddPaintedLayer(m_document->Layers(), RandomMask(random, {Side, Side})));
+    Layer* layer = m_document->Layers().LayerAt(0);
+    const FileSizeLimit fullDisk(0);
+    // Enough for all but the mask.
+    m_document->Memory().SetBudget(Side * Side / 2);
+    m_document->Do(Edits::SetLayerOpacity(*layer, 9));
+    QVERIFY(m_document->CanUndo());
+
+    m_document->Do(Edits::RemoveLayer(*layer));
+
+    QVERIFY(!m_document->CanUndo());
+    QVERIFY(m_document->History().text(2).endsWith("(no longer kept)"));
+}
+
+void tst_Document::SaysWhatItCannotUndo()
+{
+    const TemporaryFiles files;
+    Layer* layer = AddLayer();
+    m_document->Memory().SetBudget(1);
+    Fill(*layer, {0, 0, 10, 10}, 255);
+    m_document->Do(Edits::SetLayerOpacity(*layer, 9));
+    const QImage before = layer->Image().copy();
+    QImage computed = before.copy();
+    computed.fill(7);
+    m_document->Do(Edits::ModifyLayer(*layer, "Wood", "!(1)", computed));
+    m_document->Do(Edits::SetLayerOpacity(*layer, 5));
+    files.Empty();
+    LogSpy log;
+
+    // One click in the view of the history.
+    m_document->History().setIndex(0);
+    QCoreApplication::processEvents();
+
+    QCOMPARE(log.Messages(),
+             QStringList(QString("Error: Could not undo 'Modify layer layer-%1'. It and the steps "
+                                 "before it are no longer kept.")
+                             .arg(layer->Id())));
+    QCOMPARE(layer->Image(), computed);
+    QCOMPARE(layer->Code(), "!(1)");
+    QCOMPARE(layer->text(), "Wood");
+    QCOMPARE(layer->Color().alpha(), 9);
+    QCOMPARE(m_document->Layers().Layers(), (QVector<Layer*>{layer}));
+    QVERIFY(!m_document->CanUndo());
+    QVERIFY(m_document->History().text(3).endsWith("(no longer kept)"));
+    QVERIFY(IsModified());
+    m_document->Redo();
+    QCOMPARE(layer->Color().alpha(), 5);
+    QVERIFY(!m_document->CanRedo());
+}
+
+void tst_Document::SaysWhatItCannotRedo()
+{
+    const TemporaryFiles files;
+    Layer* layer = AddLayer();
+    m_document->Memory().SetBudget(1);
+    const QString name = layer->text();
+    const QImage before = layer->Image().copy();
+    QImage computed = before.copy();
+    computed.fill(7);
+    m_document->Do(Edits::ModifyLayer(*layer, "Wood", "!(1)", computed));
+    m_document->Do(Edits::SetLayerOpacity(*layer, 5));
+    m_document->Undo();
+    m_document->Undo();
+    files.Empty();
+    LogSpy log;
+
+    m_document->History().setIndex(3);
+    QCoreApplication::processEvents();
+
+    QCOMPARE(log.Messages(), QStringList(QString("Error: Could not redo 'Modify layer %1'. It and "
+                                                 "the steps after it are no longer kept.")
+                                             .arg(name)));
+    QCOMPARE(layer->Image(), before);
+    QCOMPARE(layer->Code(), QString());
+    QCOMPARE(layer->text(), name);
+    QCOMPARE(layer->Color().alpha(), 255);
+    QVERIFY(!m_document->CanRedo());
+    m_document->Undo();
+    QVERIFY(m_document->Layers().IsEmpty());
 }
 
 void tst_Document::TenThousandStepsComeBack()

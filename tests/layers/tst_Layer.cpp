@@ -43,7 +43,6 @@ private slots:
     void ANewOpacityKeepsTheColour();
     void VisibilityIsTheCheckState();
     void FlagsAreKept();
-    void ThePictureIsOutOfDateWhenImageOrColourChange();
     void ThePictureShowsTheMaskInTheOpaqueColour();
     void ABatchRunHasNoPicture();
 
@@ -298,25 +297,6 @@ void tst_Layer::FlagsAreKept()
     QCOMPARE(layer.ValueFlags(), 0x80000001U);
 }
 
-void tst_Layer::ThePictureIsOutOfDateWhenImageOrColourChange()
-{
-    LayerList list;
-    Layer layer(0, 0, &list);
-    QVector<quint64> revisions = {layer.PictureRevision()};
-    layer.SetImage(MaskFromArt({"#."}), Qt::red);
-    revisions.append(layer.PictureRevision());
-    layer.SetColor(Qt::green);
-    revisions.append(layer.PictureRevision());
-    layer.SetOpacity(5);
-    revisions.append(layer.PictureRevision());
-    layer.ApplyPaintedImage(QImage(2, 1, QImage::Format_ARGB32_Premultiplied));
-    revisions.append(layer.PictureRevision());
-    layer.UpdatePixmap();
-    revisions.append(layer.PictureRevision());
-    QVERIFY2(std::adjacent_find(revisions.begin(), revisions.end()) == revisions.end(),
-             "a change left the revision as it was");
-}
-
 void tst_Layer::ThePictureShowsTheMaskInTheOpaqueColour()
 {
     const QWidget window;
@@ -356,12 +336,10 @@ void tst_Layer::PaintingOnALayerWithoutAListDoesNothing()
 {
     Layer layer(0, 0, nullptr);
     layer.SetImage(MaskFromArt({"##.."}), Qt::white);
-    const quint64 revision = layer.PictureRevision();
     QImage painted(4, 1, QImage::Format_ARGB32_Premultiplied);
     painted.fill(Qt::white);
     layer.ApplyPaintedImage(painted);
     QCOMPARE(ArtFromMask(layer.Image()), QStringList{"##.."});
-    QCOMPARE(layer.PictureRevision(), revision);
 }
 
 void tst_Layer::ANullPaintedImageIsIgnored_data()

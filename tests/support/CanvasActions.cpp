@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QRubberBand>
+#include <QStyleOptionGraphicsItem>
 #include <QTimerEvent>
 #include <QWheelEvent>
 
@@ -20,6 +21,17 @@ QImage Shown(MainScene& scene, QSize size)
     image.fill(Qt::white);
     QPainter painter(&image);
     scene.render(&painter, QRectF(QPointF(), size), QRectF(QPointF(), size));
+    return image;
+}
+
+QImage PictureOf(QGraphicsItem& item)
+{
+    QStyleOptionGraphicsItem option;
+    option.exposedRect = item.boundingRect();
+    QImage image(item.boundingRect().size().toSize(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    item.paint(&painter, &option, nullptr);
     return image;
 }
 

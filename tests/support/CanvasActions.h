@@ -29,6 +29,9 @@ constexpr SceneMode Modes[] = {SceneMode::None,   SceneMode::Pan,    SceneMode::
 /// The picture of the scene's rectangle, with one pixel for each scene unit.
 QImage Shown(MainScene& scene, QSize size);
 
+/// What the item paints, likewise.
+QImage PictureOf(QGraphicsItem& item);
+
 /// The set pixels of a layer.
 int Area(const Layer& layer);
 bool IsSet(const Layer& layer, int x, int y);

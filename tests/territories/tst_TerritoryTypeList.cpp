@@ -91,7 +91,6 @@ private slots:
     void initTestCase();
     void TakesEachTypeOnce();
     void TypesOfOthersAreRefused();
-    void TypesAreFoundById();
     void ClearDestroysTheTypes();
     void ModelIsReleasedWithTheList();
     void OtherRowsArePassedOver();
@@ -139,16 +138,6 @@ void tst_TerritoryTypeList::TakesEachTypeOnce()
     QCOMPARE(list.model()->rowCount(), 1);
     QCOMPARE(list.model()->item(0), type);
     QVERIFY(!list.IsEmpty());
-}
-
-void tst_TerritoryTypeList::TypesAreFoundById()
-{
-    TerritoryTypeList list;
-    list.AddType(new TerritoryType("Deer"));
-    auto* wolf = new TerritoryType("Wolf");
-    list.AddType(wolf);
-    QCOMPARE(list.TypeById(wolf->Id()), wolf);
-    QCOMPARE(list.TypeById(wolf->Id() + 1), nullptr);
 }
 
 void tst_TerritoryTypeList::ClearDestroysTheTypes()

@@ -1,11 +1,13 @@
 #include "ui/DialogCustomLayer.h"
 
 #include "document/Document.h"
+#include "layers/CustomLayer.h"
 #include "layers/CustomLayerWorker.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "layers/raster/Mask.h"
 #include "tests/support/LogSpy.h"
+#include "tests/support/MemoryLimit.h"
 #include "tests/support/OrderedEvents.h"
 #include "tests/support/ProjectFixture.h"
 
@@ -19,6 +21,7 @@
 
 #include <cstring>
 #include <memory>
+#include <numeric>
 
 namespace {
 
@@ -83,6 +86,7 @@ private slots:
     void IgnoresARequestForTheSameCode();
     void ComputesLaterWhatWasAskedMeanwhile();
     void ALayerThatIsRefusedIsNotCreated();
+    void ALayerStaysAsItWasWithoutMemory();
 
 private:
     Layer* Add(const QString& name, const QRect& part, const QString& code = {});
@@ -269,6 +273,34 @@ void tst_DialogCustomLayer::ALayerThatIsRefusedIsNotCreated()
 
     QCOMPARE(opened.dialog.CreatedLayer(), nullptr);
     QCOMPARE(m_document->Layers().Layers().size(), 2);
+}
+
+void tst_DialogCustomLayer::ALayerStaysAsItWasWithoutMemory()
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    QSKIP("The sanitizers take address space as they go.");
+#endif
+    const QString code = QStringLiteral("!(%1)").arg(m_first->Id());
+    Layer* layer = Add("computed", QRect(0, 0, 4, 4), code);
+    QImage mask = raster::BlankMask({8192, 8192});
+    for (int y = 0; y < mask.height(); ++y) {
+        std::iota(mask.scanLine(y), mask.scanLine(y) + mask.width(), uchar(0));
+    }
+    layer->SetImage(mask, Qt::red);
+    const QImage result = raster::BlankMask(mask.size());
+    Opened opened(*m_document, layer);
+    opened.Child<QLineEdit>("txtOutputName")->setText("another");
+    opened.Choose("cboOperation", OperationErosion);
+    LogSpy log;
+    {
+        const MemoryLimit limit(8 * AMebibyte);
+        opened.dialog.FinalizeLayerComputation(result);
+    }
+    QCOMPARE(log.Messages(), QStringList("Error: Layer 'another' could not be computed."));
+    QCOMPARE(layer->text(), "computed");
+    QCOMPARE(layer->Code(), code);
+    QVERIFY(layer->Image() == mask);
+    QCOMPARE(m_document->History().count(), 0);
 }
 
 int main(int argc, char* argv[])

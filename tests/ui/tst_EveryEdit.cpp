@@ -249,6 +249,8 @@ private slots:
     void IsUndoneAndDoneAgain();
     void AClickInTheHistoryGoesThere();
     void UndoComesBackToWhatIsSaved();
+    void UndoScrollsToZonesThatComeBack_data();
+    void UndoScrollsToZonesThatComeBack();
 };
 
 void tst_EveryEdit::IsUndoneAndDoneAgain_data()
@@ -509,6 +511,36 @@ void tst_EveryEdit::UndoComesBackToWhatIsSaved()
     QVERIFY(isModified());
     editor.Key(Qt::Key_Y, Qt::ControlModifier);
     QVERIFY(!isModified());
+}
+
+void tst_EveryEdit::UndoScrollsToZonesThatComeBack_data()
+{
+    QTest::addColumn<Deed>("select");
+    QTest::newRow("territory") << Deed(SelectNorth);
+    QTest::newRow("type") << Deed(SelectType);
+}
+
+void tst_EveryEdit::UndoScrollsToZonesThatComeBack()
+{
+    QFETCH(Deed, select);
+    Editor editor;
+    const QPointF place(10, 10);
+    const QPointF elsewhere(60, 60);
+    editor.View().scale(60, 60);
+    const auto isInSight = [&editor](QPointF position) {
+        return editor.View().viewport()->rect().contains(editor.At(position));
+    };
+    select(editor);
+    Editor::Remove(editor.TerritoryTree());
+    editor.View().centerOn(elsewhere);
+    QVERIFY(!isInSight(place));
+
+    editor.Trigger("actionUndo");
+
+    QVERIFY(isInSight(place));
+    editor.View().centerOn(elsewhere);
+    editor.Trigger("actionRedo");
+    QVERIFY(isInSight(place));
 }
 
 QTEST_MAIN(tst_EveryEdit)

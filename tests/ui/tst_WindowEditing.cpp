@@ -1,4 +1,5 @@
 #include "document/Document.h"
+#include "document/edits/TerritoryEdits.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "territories/Territory.h"
@@ -102,6 +103,7 @@ private slots:
     void PlacesAZone();
     void PlacesAZoneLikeTheLastOne();
     void SelectsAndRemovesAZone();
+    void SelectsAllZonesFromTheMenuAsByKey();
     void CopiesTheSelectionIntoANewTerritory();
     void FindsATerritoryByItsZone();
     void SelectionEnablesItsControls();
@@ -471,6 +473,26 @@ void tst_WindowEditing::SelectsAndRemovesAZone()
     QVERIFY(!editor.Child<QWidget>("gboZone")->isEnabled());
     QTRY_COMPARE(editor.Child<QLabel>("lblTerTotalMaxVal")->text(), "0");
     QVERIFY(editor.IsModified());
+}
+
+void tst_WindowEditing::SelectsAllZonesFromTheMenuAsByKey()
+{
+    const Editor editor;
+    editor.SelectTerritory();
+    Document& document = editor.window->GetDocument();
+    document.Do(Edits::InsertZone(*editor.North(), {40, 40}, document.ZoneTemplate()));
+    const QVector<Zone*> onTheMap = editor.North()->Zones().values().toVector();
+    document.Do(Edits::InsertZone(*editor.North(), {900, 900}, document.ZoneTemplate()));
+
+    editor.Trigger("actionSelectAllZones");
+
+    QCOMPARE(editor.Scene().Mode(), SceneMode::Select);
+    QCOMPARE(editor.Scene().SelectedZones(), onTheMap);
+    editor.Scene().clearSelection();
+    QTest::keyPress(&editor.View(), Qt::Key_Control, Qt::ControlModifier);
+    QTest::keyClick(&editor.View(), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyRelease(&editor.View(), Qt::Key_Control);
+    QCOMPARE(editor.Scene().SelectedZones(), onTheMap);
 }
 
 void tst_WindowEditing::CopiesTheSelectionIntoANewTerritory()

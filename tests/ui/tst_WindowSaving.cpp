@@ -1,24 +1,24 @@
 #include "app/Log.h"
+#include "canvas/WorldItem.h"
 #include "document/Document.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "tests/support/FailingDisk.h"
 #include "tests/support/Files.h"
 #include "tests/support/WindowFixture.h"
-#include "ui/DialogNewProject.h"
 #include "ui/DockLayers.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QCheckBox>
-#include <QDirIterator>
+#include <QDialog>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QSettings>
-#include <QSpinBox>
 #include <QTest>
+#include <QTreeView>
+
+#include <algorithm>
 
 #include <sys/stat.h>
 
@@ -31,20 +31,6 @@ const char* const Discard = ": This action will remove all current data. All uns
 LayerList& Layers(const WindowFixture& fixture)
 {
     return *fixture.Child<DockLayers>("DockLayers")->List();
-}
-
-/// Fills in the dialog for a new project and presses OK.
-ModalAnswers::Answer NewProject(int layerSize, int worldSize, const QString& path,
-                                const QString& background = {}, const QString& flags = {})
-{
-    return [=](QWidget& dialog) {
-        dialog.findChild<QSpinBox*>("spinLayerSizeX")->setValue(layerSize);
-        dialog.findChild<QSpinBox*>("spinWorldSizeX")->setValue(worldSize);
-        dialog.findChild<QLineEdit*>("txtWorldImage")->setText(background);
-        dialog.findChild<QLineEdit*>("txtAreaFlagsFile")->setText(flags);
-        dialog.findChild<QLineEdit*>("txtProjectName")->setText(path);
-        QTest::mouseClick(dialog.findChild<QPushButton*>("btnOk"), Qt::LeftButton);
-    };
 }
 
 } // namespace
@@ -61,13 +47,6 @@ private slots:
     void AFailedBitmapKeepsTheProjectModified();
     void SavesAll();
     void SavesNoMapWithoutLayers();
-    void BeginsANewProject();
-    void ANewProjectNeedsNoFiles();
-    void ANewProjectUsesThePictureWhereItIs_data();
-    void ANewProjectUsesThePictureWhereItIs();
-    void AsksBeforeANewProject_data();
-    void AsksBeforeANewProject();
-    void ANewProjectThatCannotBeSavedHasNoName();
     void ImportsAMap();
     void AsksBeforeItImportsAMap();
     void AnUnreadableMapLeavesAllAsItWas();
@@ -75,12 +54,14 @@ private slots:
     void ImportsFlagTypes();
     void MalformedFlagTypesGiveThoseBeforeTheFault();
     void LoadsABackground();
+    void UndoFindsTheBackgroundAfterASaveElsewhere();
     void ClosesWithoutAQuestion();
     void AsksBeforeItCloses_data();
     void AsksBeforeItCloses();
     void AsksWhatIsBeingPainted();
     void ClosesAfterARunningSave();
     void ShortcutsWaitForTheEndOfASave();
+    void SavesANameThatIsBeingTyped();
     void WaitsForNoPipe();
 };
 
@@ -203,162 +184,6 @@ void tst_WindowSaving::SavesNoMapWithoutLayers()
 
     QCOMPARE(fixture.answers.Asked(), QStringList{"Load"});
     QVERIFY(!QFile::exists(fixture.Path("small/map")));
-}
-
-void tst_WindowSaving::BeginsANewProject()
-{
-    WindowFixture fixture;
-    fixture.Load(fixture.WriteProject());
-    auto* query = fixture.Child<QAbstractButton>("btnToggleQueryTer");
-    query->click();
-    QVERIFY(query->isChecked());
-    QImage picture(4, 4, QImage::Format_RGB32);
-    picture.fill(Qt::magenta);
-    QVERIFY(picture.save(fixture.Path("small/world.png")));
-    WriteBytes(fixture.Path("types.xml"),
-               R"(<areas><usages><usage name="Only"/></usages></areas>)");
-    QDir().mkpath(fixture.Path("fresh"));
-    fixture.answers.Add(NewProject(128, 1280, fixture.Path("fresh/fresh.xml"),
-                                   fixture.Path("small/world.png"), fixture.Path("types.xml")));
-
-    fixture.Trigger("actionNew");
-
-    const ProjectSettings& settings = ProjectSettings::Instance();
-    QCOMPARE(fixture.window->windowTitle(), "fresh - Tarvo Ledger Tool");
-    QVERIFY(Layers(fixture).IsEmpty());
-    QCOMPARE(settings.LayerSize(), QSize(128, 128));
-    QCOMPARE(settings.WorldWidth(), 1280);
-    QCOMPARE(settings.FlagTypes().usages, QVector<QString>{"Only"});
-    QVERIFY(settings.FlagTypes().values.isEmpty());
-    QCOMPARE(settings.BackgroundColor().rgba(), 2U);
-    QCOMPARE(settings.BackgroundFile(), "../small/world.png");
-    QVERIFY(!settings.IsModified());
-    QVERIFY(!query->isChecked());
-    QVERIFY(!fixture.Action("actionTogglePaintMode")->isEnabled());
-    QVERIFY(!fixture.Child<QWidget>("btnHideAll")->isEnabled());
-    QCOMPARE(fixture.Child<QGroupBox>("gboLayerUsageFlags")->findChildren<QCheckBox*>().size(), 1);
-    QCOMPARE(fixture.Scene().sceneRect(), QRectF(0, 0, 128, 128));
-    QVERIFY(!ReadBytes(fixture.Path("fresh/fresh.xml")).contains("selected"));
-}
-
-void tst_WindowSaving::ANewProjectNeedsNoFiles()
-{
-    WindowFixture fixture;
-    fixture.log.Take();
-    fixture.answers.Add(NewProject(64, 640, fixture.Path("fresh.xml")));
-
-    fixture.Trigger("actionNew");
-
-    QCOMPARE(fixture.log.Take(), (QStringList{"Info: Saving project 'fresh'...",
-                                              "Success: Project saved to file 'fresh.xml'."}));
-    QCOMPARE(ProjectSettings::Instance().BackgroundFile(), QString());
-    QVERIFY(fixture.Action("actionSave")->isEnabled());
-}
-
-void tst_WindowSaving::ANewProjectUsesThePictureWhereItIs_data()
-{
-    QTest::addColumn<QString>("project");
-    QTest::addColumn<QString>("picture");
-    QTest::addColumn<QString>("stored");
-
-    QTest::newRow("beside it") << "fresh/w2.xml"
-                               << "fresh/world.png"
-                               << "world.png";
-    QTest::newRow("below it") << "w2.xml"
-                              << "fresh/world.png"
-                              << "fresh/world.png";
-    QTest::newRow("above it") << "deep/er/w2.xml"
-                              << "world.png"
-                              << "../../world.png";
-    QTest::newRow("in the folder of the former project") << "fresh/w2.xml"
-                                                         << "small/world.png"
-                                                         << "../small/world.png";
-    QTest::newRow("beside it, through a link") << "deep/link/w2.xml"
-                                               << "fresh/world.png"
-                                               << "world.png";
-    QTest::newRow("elsewhere, through a link") << "deep/link/w2.xml"
-                                               << "deep/world.png"
-                                               << "../deep/world.png";
-}
-
-void tst_WindowSaving::ANewProjectUsesThePictureWhereItIs()
-{
-    QFETCH(QString, project);
-    QFETCH(QString, picture);
-    QFETCH(QString, stored);
-    WindowFixture fixture;
-    fixture.Load(fixture.WriteProject());
-    QDir().mkpath(fixture.Path("fresh"));
-    QDir().mkpath(fixture.Path("deep/er"));
-    QVERIFY(QFile::link(fixture.Path("fresh"), fixture.Path("deep/link")));
-    QImage world(4, 4, QImage::Format_RGB32);
-    world.fill(Qt::magenta);
-    QVERIFY(world.save(fixture.Path(picture)));
-    fixture.log.Take();
-    fixture.answers.Add(NewProject(64, 640, fixture.Path(project), fixture.Path(picture)));
-
-    fixture.Trigger("actionNew");
-
-    QCOMPARE(fixture.log.Take(), (QStringList{"Info: Saving project 'w2'...",
-                                              "Success: Project saved to file 'w2.xml'."}));
-    QCOMPARE(ProjectSettings::Instance().BackgroundFile(), stored);
-    QVERIFY(
-        ReadBytes(fixture.Path(project)).contains("file=\"" + stored.toUtf8() + "\" rgba=\"2\""));
-    QCOMPARE(QFileInfo(ProjectSettings::Instance().BackgroundPath()).canonicalFilePath(),
-             fixture.Path(picture));
-    QStringList pictures;
-    for (QDirIterator files(fixture.Path("."), {"*.png"}, QDir::Files,
-                            QDirIterator::Subdirectories);
-         files.hasNext();) {
-        pictures.append(QDir::cleanPath(files.next()));
-    }
-    QCOMPARE(pictures, QStringList{fixture.Path(picture)});
-}
-
-void tst_WindowSaving::AsksBeforeANewProject_data()
-{
-    QTest::addColumn<QString>("button");
-    QTest::addColumn<int>("questions");
-
-    QTest::newRow("yes") << "Yes" << 2;
-    QTest::newRow("no") << "No" << 1;
-}
-
-void tst_WindowSaving::AsksBeforeANewProject()
-{
-    QFETCH(QString, button);
-    QFETCH(int, questions);
-    WindowFixture fixture;
-    fixture.SetModified(true);
-    fixture.answers.AddButton(button);
-    if (questions > 1) {
-        fixture.answers.AddCancel();
-    }
-
-    fixture.Trigger("actionNew");
-
-    QCOMPARE(fixture.answers.Asked().size(), questions);
-    QCOMPARE(fixture.answers.Asked().constFirst(), QString("New project") + Discard);
-    QVERIFY(fixture.IsModified());
-}
-
-void tst_WindowSaving::ANewProjectThatCannotBeSavedHasNoName()
-{
-    WindowFixture fixture;
-    fixture.Load(fixture.WriteProject());
-    fixture.log.Take();
-    fixture.answers.Add(NewProject(64, 640, fixture.Path("nowhere/fresh.xml")));
-
-    fixture.Trigger("actionNew");
-
-    QCOMPARE(fixture.log.Take(),
-             QStringList{"Error: Failed to open file 'fresh.xml' for writing."});
-    QCOMPARE(fixture.window->windowTitle(), "Unsaved - Tarvo Ledger Tool");
-    QCOMPARE(ProjectSettings::Instance().FileName(), QString());
-    QCOMPARE(ProjectSettings::Instance().Name(), QString());
-    QVERIFY(ProjectSettings::Instance().Dir().path() != fixture.Path("small"));
-    QVERIFY(fixture.IsModified());
-    QVERIFY(Layers(fixture).IsEmpty());
 }
 
 void tst_WindowSaving::ImportsAMap()
@@ -493,6 +318,42 @@ void tst_WindowSaving::LoadsABackground()
     QVERIFY(fixture.IsModified());
 }
 
+void tst_WindowSaving::UndoFindsTheBackgroundAfterASaveElsewhere()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    QDir().mkpath(fixture.Path("moved"));
+    const auto write = [&fixture](const char* file, Qt::GlobalColor color) {
+        QImage picture(64, 64, QImage::Format_RGB32);
+        picture.fill(color);
+        QVERIFY(picture.save(fixture.Path(file)));
+    };
+    write("small/a.png", Qt::red);
+    write("small/b.png", Qt::green);
+    write("moved/a.png", Qt::blue);
+    const auto shown = [&fixture] {
+        const QList<QGraphicsItem*> items = fixture.Scene().items();
+        const auto world = std::find_if(items.begin(), items.end(), [](QGraphicsItem* item) {
+            return dynamic_cast<WorldItem*>(item) != nullptr;
+        });
+        return static_cast<WorldItem*>(*world)->pixmap().toImage().pixelColor(32, 32);
+    };
+    const ProjectSettings& settings = ProjectSettings::Instance();
+    fixture.TriggerWithFile("actionLoadWorld", fixture.Path("small/a.png"));
+    fixture.TriggerWithFile("actionLoadWorld", fixture.Path("small/b.png"));
+    fixture.TriggerWithFile("actionSave", fixture.Path("moved/copy"));
+
+    fixture.Trigger("actionUndo");
+
+    QCOMPARE(shown(), QColor(Qt::red));
+    QCOMPARE(settings.BackgroundFile(), "../small/a.png");
+    fixture.SaveOver("actionSave", fixture.Path("moved/copy.xml"));
+    fixture.Load(fixture.Path("moved/copy.xml"));
+    QCOMPARE(shown(), QColor(Qt::red));
+    QCOMPARE(QFileInfo(settings.BackgroundPath()).canonicalFilePath(),
+             QFileInfo(fixture.Path("small/a.png")).canonicalFilePath());
+}
+
 void tst_WindowSaving::ClosesWithoutAQuestion()
 {
     WindowFixture fixture;
@@ -614,6 +475,37 @@ void tst_WindowSaving::ShortcutsWaitForTheEndOfASave()
     QCOMPARE(fixture.answers.Asked(), QStringList{"Load"});
     press(Qt::Key_P);
     QCOMPARE(fixture.Scene().Mode(), SceneMode::Paint);
+}
+
+void tst_WindowSaving::SavesANameThatIsBeingTyped()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    fixture.Load(path);
+    fixture.window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(fixture.window.get()));
+    auto* tree = fixture.Child<QTreeView>("treeLayers");
+    tree->setCurrentIndex(tree->model()->index(0, 0));
+    tree->setFocus();
+    QTest::keyClick(tree, Qt::Key_F2);
+    QTest::keyClicks(tree->viewport()->findChild<QLineEdit*>(), "sea");
+    QObject context;
+    connect(&Log::Instance(), &Log::MessageReceived, &context, [&](const QString& line) {
+        if (line.contains("successfully saved")) {
+            // As when the window loses the focus.
+            tree->setFocus();
+        }
+    });
+
+    QVERIFY(fixture.window->SaveProjectFile(path));
+
+    QCOMPARE(Layers(fixture).LayerAt(0)->text(), "sea");
+    QVERIFY(ReadBytes(path).contains("name=\"sea\""));
+    QVERIFY(QFile::exists(fixture.Path("small/layers/sea.tga")));
+    QVERIFY(!fixture.IsModified());
+    fixture.Trigger("actionUndo");
+    QCOMPARE(Layers(fixture).LayerAt(0)->text(), "red");
+    QVERIFY(fixture.IsModified());
 }
 
 void tst_WindowSaving::WaitsForNoPipe()
