@@ -111,6 +111,13 @@ void Document::NoteChange()
     }
 }
 
+void Document::AnnouncePixels(Layer* layer, const QRect& rect, const raster::MaskDelta& tiles)
+{
+    const QScopedValueRollback<const raster::MaskDelta*> changed(
+        m_changedTiles, tiles.IsSpilled() ? nullptr : &tiles);
+    emit LayerChanged(layer, LayerAspect::Pixels, rect);
+}
+
 void Document::SetHandBusy(bool isBusy)
 {
     if (isBusy != m_isHandBusy) {

@@ -109,6 +109,9 @@ public:
     bool IsAtSavedState() const;
     /// True while undo, redo or the history's view changes the project.
     bool IsTravelling() const { return m_isApplying && !m_isDoing; }
+    /// While LayerChanged is sent for Pixels: what holds all tiles that differ; null when that is
+    /// not known.
+    const raster::MaskDelta* ChangedTiles() const { return m_changedTiles; }
     /// What the history holds of masks.
     HistoryMemory& Memory() { return m_memory; }
 
@@ -165,7 +168,9 @@ signals:
 
 private:
     friend class Edit;
+    friend class PaintMask;
 
+    void AnnouncePixels(Layer* layer, const QRect& rect, const raster::MaskDelta& tiles);
     bool EditRow(QStandardItem& item, const QVariant& value, int role);
     void NotePlace(const EditPlace& place) { m_place = place; }
     void FollowIndex();
@@ -193,6 +198,7 @@ private:
     std::optional<ZoneValues> m_zoneTemplate;
     /// Outlives the history, whose edits leave it as they die.
     HistoryMemory m_memory;
+    const raster::MaskDelta* m_changedTiles = nullptr;
     QUndoStack m_history;
     EditPlace m_place;
     static constexpr int NoEnd = std::numeric_limits<int>::max();

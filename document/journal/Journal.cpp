@@ -23,19 +23,22 @@ constexpr qint64 RestMilliseconds = 250;
 constexpr qint64 PatienceMilliseconds = 700;
 /// Until the worker is asked again whether it has room.
 constexpr int RoomMilliseconds = 10;
-constexpr qint64 DefaultSpareBytes = qint64(64) << 20;
 
 const ProjectSettings& Settings()
 {
     return ProjectSettings::Instance();
 }
 
-/// Tells when a slice that begins now ends.
+/// Tells when a slice that begins now ends. The first tiles, which take about a millisecond, are
+/// packed however busy the machine is. So small changes are never put off.
 std::function<bool()> SliceEnd()
 {
+    constexpr int leastTiles = 256;
     QElapsedTimer clock;
     clock.start();
-    return [clock] { return clock.nsecsElapsed() > SliceNanoseconds; };
+    return [clock, tiles = 0]() mutable {
+        return ++tiles > leastTiles && clock.nsecsElapsed() > SliceNanoseconds;
+    };
 }
 
 /// Packed tiles of one layer, on their way to the worker.
@@ -167,7 +170,6 @@ Journal::Journal(Document& document, QObject* parent)
     : QObject(parent)
     , m_document(document)
     , m_couldRead(MayRead())
-    , m_spareBytes(DefaultSpareBytes)
 {
     m_clock.start();
     m_timer.setSingleShot(true);
@@ -216,7 +218,12 @@ void Journal::FollowLayer(const Layer* layer, Document::LayerAspect aspect, cons
     }
     const Timing timing(*this);
     NoteChange();
-    StateOf(layer->Id()).dirty.Add(rect);
+    TileSet& dirty = StateOf(layer->Id()).dirty;
+    if (const raster::MaskDelta* tiles = m_document.ChangedTiles()) {
+        tiles->ForEachTile([&dirty](int tile) { dirty.Add(tile); });
+    } else {
+        dirty.Add(rect);
+    }
 }
 
 void Journal::FollowText()
@@ -380,7 +387,11 @@ void Journal::Begin()
         m_worker = std::make_unique<JournalWorker>();
     }
     m_session = std::make_shared<Session>();
-    const JournalHeader header{m_document.Path(), Settings().Name(), Settings().LayerSize()};
+    JournalHeader header{m_document.Path(), Settings().Name(), Settings().LayerSize()};
+    const QStringList files = m_document.Files().Paths();
+    for (const QString& file : files) {
+        header.files.insert(file, m_document.Files().Known(file));
+    }
     Post([header, session = m_session](JournalWriter& writer) {
         const bool hasBegun = writer.Begin(header);
         session->Begin(writer.Folder());
@@ -544,7 +555,7 @@ void Journal::Commit()
     }
     m_brushText = brushText;
     m_isTextDirty = false;
-    Post([values, layerIds, spare = m_spareBytes](JournalWriter& writer) {
+    Post([values, layerIds](JournalWriter& writer) {
         QByteArray text;
         if (values) {
             QXmlStreamWriter xml(&text);
@@ -553,9 +564,8 @@ void Journal::Commit()
         if (!writer.Commit(values ? &text : nullptr, layerIds)) {
             return false;
         }
-        const bool isLong = writer.Length() - writer.LiveLength() > writer.LiveLength() + spare;
         // When there is no room for a new log, the old one goes on.
-        return !isLong || writer.Compact() || writer.IsReady();
+        return !writer.IsWorthCompacting() || writer.Compact() || writer.IsReady();
     });
     m_isCommitWanted = false;
     CopyBitmaps();

@@ -54,9 +54,6 @@ public:
     /// with the journal still in its folder or gone, when there is nothing to move or that fails.
     bool MoveTo(const QString& target);
 
-    /// When the log has so many bytes more that are out of date than valid ones, it is written
-    /// anew.
-    void SetSpareBytes(qint64 bytes) { m_spareBytes = bytes; }
     /// Called after each piece of work on the calling thread, with its nanoseconds.
     void SetObserver(std::function<void(qint64)> observer) { m_observer = std::move(observer); }
 
@@ -162,7 +159,6 @@ private:
     QElapsedTimer m_clock;
     QTimer m_timer;
     QByteArray m_brushText;
-    qint64 m_spareBytes;
     std::function<void(qint64)> m_observer;
     std::unique_ptr<JournalWorker> m_worker;
 };
