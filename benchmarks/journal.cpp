@@ -63,8 +63,8 @@ public:
         document.Begin({Side, Side}, {Side, Side}, folder.path());
         AddLayers();
         AddZones();
-        QFile(folder.filePath("project.xml")).open(QIODevice::WriteOnly);
-        document.SetPath(folder.filePath("project.xml"));
+        QFile(folder.filePath(QStringLiteral("project.xml"))).open(QIODevice::WriteOnly);
+        document.SetPath(folder.filePath(QStringLiteral("project.xml")));
         document.BeginHistory(true);
     }
 
@@ -115,13 +115,13 @@ private:
     void AddLayers()
     {
         const QImage natural = Natural();
-        QDir(folder.path()).mkdir("layers");
-        const QString bitmap = folder.filePath("layers/first.tga");
+        QDir(folder.path()).mkdir(QStringLiteral("layers"));
+        const QString bitmap = folder.filePath(QStringLiteral("layers/first.tga"));
         SaveTarga(bitmap, natural, true);
         for (int i = 0; i < LayerCount; ++i) {
             document.Do(Edits::AddPaintedLayer(document.Layers(), i == 0 ? Natural() : natural));
             const QString name = document.Layers().LayerAt(i)->text();
-            QFile::copy(bitmap, folder.filePath("layers/" + name + ".tga"));
+            QFile::copy(bitmap, folder.filePath(QStringLiteral("layers/%1.tga").arg(name)));
         }
     }
 
