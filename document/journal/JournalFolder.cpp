@@ -136,6 +136,16 @@ bool OpenPlain(QFile& file)
     return !info.isSymLink() && info.isFile() && file.open(QIODevice::ReadOnly);
 }
 
+std::optional<QByteArray> ReadPlain(const QString& path, qint64 maxLength)
+{
+    QFile file(path);
+    if (!OpenPlain(file) || file.size() > maxLength) {
+        return {};
+    }
+    // Qt takes the memory for as much as is asked for.
+    return file.read(file.size());
+}
+
 QByteArray HashRest(QFile& file)
 {
     constexpr qint64 blockLength = 1 << 20;
@@ -154,11 +164,8 @@ QByteArray HashRest(QFile& file)
 
 std::optional<JournalHeader> ReadHeader(const QString& folder)
 {
-    QFile file(SessionPath(folder));
-    if (!OpenPlain(file) || file.size() > MaxSessionLength) {
-        return {};
-    }
-    return ToHeader(file.read(MaxSessionLength));
+    const std::optional<QByteArray> bytes = ReadPlain(SessionPath(folder), MaxSessionLength);
+    return bytes ? ToHeader(*bytes) : std::nullopt;
 }
 
 bool RemoveFolder(const QString& folder, std::shared_ptr<void> lock)

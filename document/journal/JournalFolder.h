@@ -28,6 +28,8 @@ std::error_code MakeNewPrivate(const QString& folder);
 bool OpenNew(QFile& file);
 /// Opens a regular file for reading; fails for a link, a pipe and the like.
 bool OpenPlain(QFile& file);
+/// The content of a regular file that is not longer; nothing for any other.
+std::optional<QByteArray> ReadPlain(const QString& path, qint64 maxLength);
 /// The SHA-1 hash of the rest of the file; null when it cannot be read.
 QByteArray HashRest(QFile& file);
 /// What the session file of a journal folder says; nothing when it is no such file.

@@ -213,12 +213,12 @@ private:
 /// Returns the reason why there is nothing to restore; empty when there is.
 QString JournalReader::Content::Load()
 {
-    QFile session(journal::SessionPath(folder));
-    if (!journal::OpenPlain(session) || session.size() > journal::MaxSessionLength) {
+    const std::optional<QByteArray> session =
+        journal::ReadPlain(journal::SessionPath(folder), journal::MaxSessionLength);
+    if (!session) {
         return QStringLiteral("The journal does not say what it belongs to.");
     }
-    const QByteArray bytes = session.read(journal::MaxSessionLength);
-    const std::optional<JournalHeader> read = journal::ToHeader(bytes);
+    const std::optional<JournalHeader> read = journal::ToHeader(*session);
     if (!read) {
         return QStringLiteral("The journal was written by another version, or is damaged.");
     }
@@ -227,7 +227,7 @@ QString JournalReader::Content::Load()
         return QStringLiteral("The log of the journal cannot be read.");
     }
     time = QFileInfo(log.fileName()).lastModified();
-    LogScan scan(log, bytes, header.layerSize);
+    LogScan scan(log, *session, header.layerSize);
     scan.Run();
     if (!Choose(scan.commits)) {
         return QStringLiteral("The journal holds no whole state of the project.");
@@ -295,11 +295,8 @@ void JournalReader::Content::Keep(LogScan& scan)
 
 QByteArray JournalReader::Content::Text() const
 {
-    QFile file(journal::TextPath(folder, commit.textNumber));
-    if (!journal::OpenPlain(file) || file.size() > journal::MaxTextLength) {
-        return {};
-    }
-    const QByteArray text = file.read(journal::MaxTextLength);
+    const QString path = journal::TextPath(folder, commit.textNumber);
+    const QByteArray text = journal::ReadPlain(path, journal::MaxTextLength).value_or(QByteArray());
     const bool isSame = QCryptographicHash::hash(text, QCryptographicHash::Sha1) == commit.textHash;
     return isSame ? text : QByteArray();
 }
