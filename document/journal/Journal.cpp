@@ -144,26 +144,27 @@ private:
     News m_news;
 };
 
-/// Tells the observer how long a piece of work took.
+/// A piece of work that the observer is told about.
 class Journal::Timing
 {
 public:
     explicit Timing(const Journal& journal)
         : m_observer(journal.m_observer)
     {
-        m_clock.start();
+        Tell(true);
     }
-    ~Timing()
-    {
-        if (m_observer) {
-            m_observer(m_clock.nsecsElapsed());
-        }
-    }
+    ~Timing() { Tell(false); }
     Q_DISABLE_COPY(Timing)
 
 private:
-    const std::function<void(qint64)>& m_observer;
-    QElapsedTimer m_clock;
+    void Tell(bool begins) const
+    {
+        if (m_observer) {
+            m_observer(begins);
+        }
+    }
+
+    const Observer& m_observer;
 };
 
 Journal::Journal(Document& document, QObject* parent)

@@ -54,8 +54,9 @@ public:
     /// with the journal still in its folder or gone, when there is nothing to move or that fails.
     bool MoveTo(const QString& target);
 
-    /// Called after each piece of work on the calling thread, with its nanoseconds.
-    void SetObserver(std::function<void(qint64)> observer) { m_observer = std::move(observer); }
+    /// Called before and after each piece of work on the window's thread.
+    using Observer = std::function<void(bool begins)>;
+    void SetObserver(Observer observer) { m_observer = std::move(observer); }
 
 signals:
     /// OldestUnsaved is another.
@@ -159,6 +160,6 @@ private:
     QElapsedTimer m_clock;
     QTimer m_timer;
     QByteArray m_brushText;
-    std::function<void(qint64)> m_observer;
+    Observer m_observer;
     std::unique_ptr<JournalWorker> m_worker;
 };
