@@ -18,6 +18,8 @@
 #include <memory>
 #include <vector>
 
+class JournalNews;
+
 /// Keeps what would be lost with the process: from the first change on, the document and what was
 /// painted go into a private folder (Recovery::Folder()) while the user works. The folder is there
 /// until the project is saved, another one is loaded or made, or the editor ends. The window owns
@@ -66,8 +68,28 @@ signals:
     void Failed(const QString& reason);
 
 private:
-    class Session;
-    class Timing;
+    /// A piece of work that the observer is told about.
+    class Timing
+    {
+    public:
+        explicit Timing(const Journal& journal)
+            : m_observer(journal.m_observer)
+        {
+            Tell(true);
+        }
+        ~Timing() { Tell(false); }
+        Q_DISABLE_COPY(Timing)
+
+    private:
+        void Tell(bool begins) const
+        {
+            if (m_observer) {
+                m_observer(begins);
+            }
+        }
+
+        const Observer& m_observer;
+    };
 
     enum class State
     {
@@ -137,7 +159,7 @@ private:
     Document& m_document;
     State m_state = State::Waiting;
     /// Null while nothing was begun.
-    std::shared_ptr<Session> m_session;
+    std::shared_ptr<JournalNews> m_session;
     QHash<int, LayerState> m_layers;
     /// Bitmaps that the journal refers to and the worker has yet to copy.
     std::vector<PendingCopy> m_pendingCopies;
