@@ -7,8 +7,8 @@
 #include <algorithm>
 
 TileSet::TileSet(QSize size)
-    : m_size(size)
-    , m_words(static_cast<std::size_t>((raster::TileCount(size) + WordBits - 1) / WordBits))
+    : m_size(size.expandedTo({0, 0}))
+    , m_words(static_cast<std::size_t>((raster::TileCount(m_size) + WordBits - 1) / WordBits))
 {
 }
 
