@@ -141,7 +141,7 @@ bool JournalSession::Act(Random& random, const QString& folder)
     if (action == 4) {
         return m_writer.Compact();
     }
-    const int layerId = m_masks.keys().at(random.Below(m_masks.size()));
+    const int layerId = *std::next(m_masks.keyBegin(), random.Below(m_masks.size()));
     if (action == 5 && m_files.contains(layerId)) {
         return CopyLayerFile(layerId, m_files.value(layerId));
     }
