@@ -64,7 +64,10 @@ void Journal::Work()
         return;
     }
     const Timing timing(*this);
-    if (Pack(SliceEnd())) {
+    if (!m_session && IsSaved()) {
+        // What changed was undone before there was time to write it.
+        Forget();
+    } else if (Pack(SliceEnd())) {
         CommitWhenDue();
     } else if (m_state == State::Writing) {
         m_timer.start(0);

@@ -244,6 +244,12 @@ void tst_Journal::NothingIsWrittenWithoutAChange()
 
     QVERIFY(!IsAnythingWritten());
     QVERIFY(!m_journal->OldestUnsaved().isValid());
+    m_document->BeginHistory(true);
+    Fill(*LayerAt(0), {0, 0, 5, 5}, 1);
+    m_document->Undo();
+    QCoreApplication::processEvents();
+    QVERIFY(m_journal->Flush());
+    QVERIFY(!IsAnythingWritten());
     QCOMPARE(m_journal->Folder(), QString());
     m_document->SetCurrentLayer(nullptr);
     AddLayer();
