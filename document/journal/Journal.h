@@ -113,7 +113,7 @@ private:
     };
     struct PendingCopy
     {
-        int layerId;
+        int layerId = 0;
         Bitmap bitmap;
     };
     struct LayerState
