@@ -1,32 +1,54 @@
 #include "app/ProjectDocument.h"
 
-#include "app/ProjectSettings.h"
-#include "layers/LayerList.h"
 #include "territories/TerritoryTypeList.h"
 
 #include <QXmlStreamWriter>
 
-int WriteProjectDocument(QXmlStreamWriter& xml, const ProjectParts& parts)
+namespace {
+
+/// What stands before the layers.
+void WriteHead(QXmlStreamWriter& xml, int selectedRow, const ProjectSettings& settings,
+               const std::function<void(QXmlStreamWriter&)>& writeBrush)
 {
     xml.setAutoFormatting(true);
     xml.writeStartDocument();
     xml.writeComment(QStringLiteral("Tarvo Ledger tool project file"));
     xml.writeStartElement(QStringLiteral("qm-config"));
     xml.writeComment(QStringLiteral("GUI props"));
-    if (parts.selectedRow >= 0) {
+    if (selectedRow >= 0) {
         xml.writeEmptyElement(QStringLiteral("selected"));
-        xml.writeAttribute(QStringLiteral("row"), QString::number(parts.selectedRow));
+        xml.writeAttribute(QStringLiteral("row"), QString::number(selectedRow));
     }
-    ProjectSettings::Instance().WriteXml(xml);
-    if (parts.writeBrush) {
-        parts.writeBrush(xml);
+    settings.WriteXml(xml);
+    if (writeBrush) {
+        writeBrush(xml);
     }
+}
+
+void WriteEnd(QXmlStreamWriter& xml)
+{
+    xml.writeEndElement();
+    xml.writeEndDocument();
+}
+
+} // namespace
+
+int WriteProjectDocument(QXmlStreamWriter& xml, const ProjectParts& parts)
+{
+    WriteHead(xml, parts.selectedRow, ProjectSettings::Instance(), parts.writeBrush);
     if (parts.beforeLayers) {
         parts.beforeLayers();
     }
     const int failures = parts.layers.WriteXml(xml);
     parts.types.Write(xml);
-    xml.writeEndElement();
-    xml.writeEndDocument();
+    WriteEnd(xml);
     return failures;
+}
+
+void WriteProjectText(QXmlStreamWriter& xml, const ProjectValues& values)
+{
+    WriteHead(xml, values.selectedRow, values.settings, values.writeBrush);
+    WriteLayers(xml, values.layers);
+    Write(xml, values.types, WorldScale(values.settings));
+    WriteEnd(xml);
 }

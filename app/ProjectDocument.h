@@ -1,10 +1,13 @@
 #pragma once
 
-#include <QIODevice>
+#include "app/ProjectSettings.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "territories/TerritoryRecords.h"
 
 #include <functional>
+#include <vector>
 
-class LayerList;
 class QXmlStreamWriter;
 class TerritoryTypeList;
 
@@ -21,6 +24,18 @@ struct ProjectParts
     const TerritoryTypeList& types;
 };
 
+/// The same as plain values of one moment, which another thread may write.
+struct ProjectValues
+{
+    int selectedRow = -1;
+    ProjectSettings settings;
+    std::function<void(QXmlStreamWriter&)> writeBrush;
+    std::vector<LayerRecord> layers;
+    std::vector<TypeRecord> types;
+};
+
 /// Writes the document, and every layer's bitmap below the project's folder. Returns how many
 /// bitmaps could not be written.
 int WriteProjectDocument(QXmlStreamWriter& xml, const ProjectParts& parts);
+/// Writes the document alone: no bitmap, no message, and names as they are.
+void WriteProjectText(QXmlStreamWriter& xml, const ProjectValues& values);

@@ -111,6 +111,13 @@ void Document::NoteChange()
     }
 }
 
+void Document::AnnouncePixels(Layer* layer, const QRect& rect, const raster::MaskDelta& tiles)
+{
+    const QScopedValueRollback<const raster::MaskDelta*> changed(
+        m_changedTiles, tiles.IsSpilled() ? nullptr : &tiles);
+    emit LayerChanged(layer, LayerAspect::Pixels, rect);
+}
+
 void Document::SetHandBusy(bool isBusy)
 {
     if (isBusy != m_isHandBusy) {
@@ -177,13 +184,26 @@ void Document::FollowIndex()
     emit HistoryChanged();
 }
 
+/// Whether all steps between the present and the saved state are kept, and only steps changed the
+/// project.
+bool Document::CanReachSaved() const
+{
+    const int saved = m_history.cleanIndex();
+    return !m_isChangedOutside && saved >= m_firstKept && saved <= m_endOfKept;
+}
+
+bool Document::IsAtSavedState() const
+{
+    return CanReachSaved() && KeptIndex() == m_history.cleanIndex();
+}
+
 /// After undo or redo the project is modified if an edit between the present and the saved state
 /// sets the flag.
 void Document::ShowModified()
 {
     const int saved = m_history.cleanIndex();
     const int index = KeptIndex();
-    bool isModified = m_isChangedOutside || saved < m_firstKept || saved > m_endOfKept;
+    bool isModified = !CanReachSaved();
     for (int i = std::min(saved, index); i < std::max(saved, index) && !isModified; ++i) {
         isModified = static_cast<const Edit*>(m_history.command(i))->SetsModified();
     }
@@ -266,6 +286,7 @@ void Document::Forget(int first, int end)
 
 void Document::Clear()
 {
+    emit AboutToClear();
     ClearHistory();
     SetPath({});
     m_currentLayer = nullptr;
@@ -291,14 +312,17 @@ void Document::BeginHistory(bool isSaved)
     ClearHistory();
     if (isSaved) {
         ProjectSettings::Instance().SetModified(false);
-        SetSaved();
+        m_isChangedOutside = false;
+        m_history.setClean();
     } else {
         NoteChange();
     }
+    emit HistoryBegan(isSaved);
 }
 
 void Document::SetSaved()
 {
     m_isChangedOutside = false;
     m_history.setClean();
+    emit Saved();
 }

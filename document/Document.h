@@ -98,8 +98,20 @@ public:
     /// For views of the history, which may also go to any of its states while CanTravel.
     QUndoStack& History() { return m_history; }
     bool CanTravel() const { return m_isEditable && !m_isHandBusy && !m_isFilesBusy; }
+    /// Whether the hand is at work on the map: masks and zones are in no state that counts.
+    bool IsHandBusy() const { return m_isHandBusy; }
+    /// While files are read or written.
+    bool AreFilesBusy() const { return m_isFilesBusy; }
+    /// While an edit is carried out, undone or done again.
+    bool IsApplying() const { return m_isApplying; }
+    /// Whether the history is at the state that was saved or loaded last, and nothing else changed
+    /// since. Unlike the modified flag, it counts zones that are nudged.
+    bool IsAtSavedState() const;
     /// True while undo, redo or the history's view changes the project.
     bool IsTravelling() const { return m_isApplying && !m_isDoing; }
+    /// While LayerChanged is sent for Pixels: what holds all tiles that differ; null when that is
+    /// not known.
+    const raster::MaskDelta* ChangedTiles() const { return m_changedTiles; }
     /// What the history holds of masks.
     HistoryMemory& Memory() { return m_memory; }
 
@@ -143,6 +155,12 @@ signals:
     void FlagTypesChanged();
     void BackgroundPictureChanged();
     void BackgroundColorChanged();
+    /// Layers, territories and history are about to be emptied.
+    void AboutToClear();
+    /// A project was loaded, made or imported; isSaved: its files hold the present state.
+    void HistoryBegan(bool isSaved);
+    /// The project's files hold the present state now.
+    void Saved();
     /// An edit was undone or done again; this is where it is seen.
     void Travelled(const EditPlace& place);
     /// CanUndo, CanRedo, CanTravel or the texts of the history changed.
@@ -150,7 +168,9 @@ signals:
 
 private:
     friend class Edit;
+    friend class PaintMask;
 
+    void AnnouncePixels(Layer* layer, const QRect& rect, const raster::MaskDelta& tiles);
     bool EditRow(QStandardItem& item, const QVariant& value, int role);
     void NotePlace(const EditPlace& place) { m_place = place; }
     void FollowIndex();
@@ -164,6 +184,7 @@ private:
     void Forget(int first, int end);
     void FitHistory();
     void ClearHistory();
+    bool CanReachSaved() const;
     void ShowModified();
 
     LayerList m_layers;
@@ -177,6 +198,7 @@ private:
     std::optional<ZoneValues> m_zoneTemplate;
     /// Outlives the history, whose edits leave it as they die.
     HistoryMemory m_memory;
+    const raster::MaskDelta* m_changedTiles = nullptr;
     QUndoStack m_history;
     EditPlace m_place;
     static constexpr int NoEnd = std::numeric_limits<int>::max();

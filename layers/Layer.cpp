@@ -146,14 +146,24 @@ void Layer::setData(const QVariant& value, int role)
     }
 }
 
-bool Layer::WriteXml(QXmlStreamWriter& xml) const
+void LayerRecord::WriteStart(QXmlStreamWriter& xml) const
 {
     xml.writeStartElement(QStringLiteral("layer"));
-    xml.writeAttribute(QStringLiteral("usage_flags"), QString::number(m_usageFlags));
-    xml.writeAttribute(QStringLiteral("value_flags"), QString::number(m_valueFlags));
-    xml.writeAttribute(QStringLiteral("color"), QString::number(m_color.rgba()));
-    xml.writeAttribute(QStringLiteral("visible"), QString::number(m_isVisible ? 1 : 0));
-    WriteTextAttribute(xml, QLatin1String("name"), text());
+    xml.writeAttribute(QStringLiteral("usage_flags"), QString::number(usageFlags));
+    xml.writeAttribute(QStringLiteral("value_flags"), QString::number(valueFlags));
+    xml.writeAttribute(QStringLiteral("color"), QString::number(color));
+    xml.writeAttribute(QStringLiteral("visible"), QString::number(isVisible ? 1 : 0));
+    WriteTextAttribute(xml, QLatin1String("name"), name);
+}
+
+LayerRecord Layer::Record() const
+{
+    return {m_usageFlags, m_valueFlags, m_color.rgba(), m_isVisible, text()};
+}
+
+bool Layer::WriteXml(QXmlStreamWriter& xml) const
+{
+    Record().WriteStart(xml);
     const bool isSaved = SaveBitmap();
     xml.writeEndElement();
     return isSaved;

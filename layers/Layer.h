@@ -17,6 +17,19 @@ namespace raster {
 class MaskDelta;
 }
 
+/// What the project's document holds of a layer, as plain values.
+struct LayerRecord
+{
+    /// Writes the "layer" element up to its end tag.
+    void WriteStart(QXmlStreamWriter& xml) const;
+
+    quint32 usageFlags = 0;
+    quint32 valueFlags = 0;
+    QRgb color = 0;
+    bool isVisible = false;
+    QString name;
+};
+
 /// One raster area of the world: a mask of the project's layer size, the flags that its pixels
 /// carry, and how it is shown. The item's text is its name. A layer is owned by whoever made it
 /// until a LayerList takes it, and from then on by the list's model.
@@ -78,6 +91,7 @@ public:
     /// A rename to an invalid name is ignored without a message.
     void setData(const QVariant& value, int role = Qt::UserRole + 1) override;
 
+    LayerRecord Record() const;
     /// Writes the "layer" element and, before its end tag, the bitmap. Returns false if the bitmap
     /// failed.
     bool WriteXml(QXmlStreamWriter& xml) const;

@@ -263,6 +263,43 @@ void LayerList::RenameForSaving()
     }
 }
 
+namespace {
+
+/// Calls write() between the tags.
+template <typename Write>
+void WriteElement(QXmlStreamWriter& xml, Write write)
+{
+    xml.writeComment(QStringLiteral("Layers"));
+    xml.writeStartElement(QStringLiteral("layers"));
+    write();
+    xml.writeEndElement();
+}
+
+} // namespace
+
+void WriteLayers(QXmlStreamWriter& xml, const std::vector<LayerRecord>& layers)
+{
+    if (!layers.empty()) {
+        WriteElement(xml, [&] {
+            for (const LayerRecord& layer : layers) {
+                layer.WriteStart(xml);
+                xml.writeEndElement();
+            }
+        });
+    }
+}
+
+std::vector<LayerRecord> LayerList::Records() const
+{
+    const QVector<Layer*> layers = Layers();
+    std::vector<LayerRecord> records;
+    records.reserve(static_cast<std::size_t>(layers.size()));
+    for (const Layer* layer : layers) {
+        records.push_back(layer->Record());
+    }
+    return records;
+}
+
 int LayerList::WriteXml(QXmlStreamWriter& xml)
 {
     RenameForSaving();
@@ -270,14 +307,13 @@ int LayerList::WriteXml(QXmlStreamWriter& xml)
         return 0;
     }
     int failures = 0;
-    xml.writeComment(QStringLiteral("Layers"));
-    xml.writeStartElement(QStringLiteral("layers"));
-    for (int row = 0; row < m_model->rowCount(); ++row) {
-        if (const Layer* layer = LayerAt(row)) {
-            failures += layer->WriteXml(xml) ? 0 : 1;
+    WriteElement(xml, [&] {
+        for (int row = 0; row < m_model->rowCount(); ++row) {
+            if (const Layer* layer = LayerAt(row)) {
+                failures += layer->WriteXml(xml) ? 0 : 1;
+            }
         }
-    }
-    xml.writeEndElement();
+    });
     return failures;
 }
 

@@ -9,8 +9,10 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 class Layer;
+struct LayerRecord;
 class QIODevice;
 class QStandardItem;
 class QXmlStreamReader;
@@ -23,6 +25,9 @@ using MaskSource = std::function<QImage(int number, const QString& name)>;
 /// The mask in the bitmap of that name in the project's "layers" folder. Logs errors in the file,
 /// and a name that leads out of the folder.
 QImage LoadProjectMask(int number, const QString& name);
+
+/// Writes the "layers" element, and nothing when there is no layer. Touches no bitmap.
+void WriteLayers(QXmlStreamWriter& xml, const std::vector<LayerRecord>& layers);
 
 /// The layers of the open project. The rows of its model are the layers, in the order in which they
 /// are listed, saved and stacked. The model owns them: removing a row destroys its layer.
@@ -70,6 +75,8 @@ public:
     /// Reads the "layers" element and the masks of its layers; the reader must be on the start tag.
     /// A layer without a mask is left out. Returns false if the reader has an error.
     bool ReadXml(QXmlStreamReader& xml, const MaskSource& masks = LoadProjectMask);
+    /// What the project's document holds of the layers, in row order.
+    std::vector<LayerRecord> Records() const;
     /// Writes the "layers" element and every layer's bitmap. Writes nothing for an empty list.
     /// Layers whose bitmaps would overwrite one another or lie outside of the folder are renamed
     /// first, with a logged error. Returns how many bitmaps could not be written.

@@ -2,13 +2,14 @@
 
 #include "app/Gui.h"
 #include "app/Ids.h"
+#include "app/ProjectSettings.h"
 #include "app/Xml.h"
+#include "territories/TerritoryRecords.h"
 #include "territories/TerritoryType.h"
 #include "territories/Zone.h"
 
 #include <QGraphicsScene>
 #include <QXmlStreamReader>
-#include <QXmlStreamWriter>
 
 #include <memory>
 
@@ -205,16 +206,17 @@ bool Territory::Read(QXmlStreamReader& xml, QGraphicsScene* scene)
     return !xml.hasError();
 }
 
+TerritoryRecord Territory::Record() const
+{
+    TerritoryRecord record{text(), m_color.rgba(), m_isVisible, {}};
+    record.zones.reserve(static_cast<std::size_t>(m_zones.size()));
+    for (const Zone* zone : m_zones) {
+        record.zones.push_back(zone->Record());
+    }
+    return record;
+}
+
 void Territory::Write(QXmlStreamWriter& xml, bool exportMode) const
 {
-    xml.writeStartElement(QStringLiteral("territory"));
-    if (!exportMode) {
-        WriteTextAttribute(xml, QLatin1String("name"), text());
-        xml.writeAttribute(QStringLiteral("visible"), QString::number(m_isVisible ? 1 : 0));
-    }
-    xml.writeAttribute(QStringLiteral("color"), QString::number(m_color.rgba()));
-    for (const Zone* zone : m_zones) {
-        zone->Write(xml, exportMode);
-    }
-    xml.writeEndElement();
+    ::Write(xml, Record(), WorldScale(ProjectSettings::Instance()), exportMode);
 }

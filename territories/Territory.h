@@ -13,6 +13,7 @@ class QXmlStreamReader;
 class QXmlStreamWriter;
 class TerritoryType;
 class Zone;
+struct TerritoryRecord;
 
 /// A named, coloured set of zones. It is a row below its territory type, which owns it. It owns its
 /// zones.
@@ -63,6 +64,8 @@ public:
     /// Reads the zones of the "territory" element and adds them to the scene, if there is one. The
     /// reader must be on the start tag. Returns false if the reader has an error.
     bool Read(QXmlStreamReader& xml, QGraphicsScene* scene);
+    /// What files hold of the territory and its zones.
+    TerritoryRecord Record() const;
     /// Export mode leaves out the attributes that only the editor needs.
     void Write(QXmlStreamWriter& xml, bool exportMode) const;
 

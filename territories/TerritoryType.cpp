@@ -5,8 +5,8 @@
 #include "app/Names.h"
 #include "app/OutputFile.h"
 #include "app/ProjectSettings.h"
-#include "app/Xml.h"
 #include "territories/Territory.h"
+#include "territories/TerritoryRecords.h"
 #include "territories/TerritoryTypeList.h"
 
 #include <QDir>
@@ -144,15 +144,20 @@ void TerritoryType::setData(const QVariant& value, int role)
     }
 }
 
+TypeRecord TerritoryType::Record() const
+{
+    TypeRecord record{text(), {}};
+    const QVector<Territory*> territories = Territories();
+    record.territories.reserve(static_cast<std::size_t>(territories.size()));
+    for (const Territory* territory : territories) {
+        record.territories.push_back(territory->Record());
+    }
+    return record;
+}
+
 void TerritoryType::Write(QXmlStreamWriter& xml) const
 {
-    xml.writeStartElement(QStringLiteral("territory-type"));
-    WriteTextAttribute(xml, QLatin1String("name"), text());
-    const QVector<Territory*> territories = Territories();
-    for (const Territory* territory : territories) {
-        territory->Write(xml, false);
-    }
-    xml.writeEndElement();
+    ::Write(xml, Record(), WorldScale(ProjectSettings::Instance()));
 }
 
 QByteArray TerritoryType::ToGameFile() const

@@ -12,6 +12,7 @@
 class QXmlStreamWriter;
 class Territory;
 class TerritoryTypeList;
+struct TypeRecord;
 
 /// A named group of territories. It is a top-level row of the territory tree and owns its
 /// territories, which are its child rows. Its name is also the name of its export file.
@@ -58,6 +59,8 @@ public:
     /// A rename to an invalid name is ignored without a message.
     void setData(const QVariant& value, int role = Qt::UserRole + 1) override;
 
+    /// What the project's document holds of the type and its territories.
+    TypeRecord Record() const;
     void Write(QXmlStreamWriter& xml) const;
     /// Writes the content of the type's file for the game, with all territories, visible or not.
     QByteArray ToGameFile() const;

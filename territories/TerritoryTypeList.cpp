@@ -1,11 +1,12 @@
 #include "territories/TerritoryTypeList.h"
 
+#include "app/ProjectSettings.h"
 #include "app/Xml.h"
 #include "territories/Territory.h"
+#include "territories/TerritoryRecords.h"
 #include "territories/TerritoryType.h"
 
 #include <QXmlStreamReader>
-#include <QXmlStreamWriter>
 
 #include <algorithm>
 #include <memory>
@@ -152,18 +153,20 @@ bool TerritoryTypeList::Read(QXmlStreamReader& xml, QGraphicsScene* scene)
     return !xml.hasError();
 }
 
-void TerritoryTypeList::Write(QXmlStreamWriter& xml) const
+std::vector<TypeRecord> TerritoryTypeList::Records() const
 {
     const QVector<TerritoryType*> types = Types();
-    if (types.isEmpty()) {
-        return;
-    }
-    xml.writeComment(QStringLiteral("Territories"));
-    xml.writeStartElement(QStringLiteral("territory-type-list"));
+    std::vector<TypeRecord> records;
+    records.reserve(static_cast<std::size_t>(types.size()));
     for (const TerritoryType* type : types) {
-        type->Write(xml);
+        records.push_back(type->Record());
     }
-    xml.writeEndElement();
+    return records;
+}
+
+void TerritoryTypeList::Write(QXmlStreamWriter& xml) const
+{
+    ::Write(xml, Records(), WorldScale(ProjectSettings::Instance()));
 }
 
 bool TerritoryTypeList::ExportAll() const

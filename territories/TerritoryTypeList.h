@@ -7,11 +7,13 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 class QGraphicsScene;
 class QXmlStreamReader;
 class QXmlStreamWriter;
 class TerritoryType;
+struct TypeRecord;
 
 /// The territory types of the open project. The top-level rows of its model are the types. The
 /// model owns them: removing a row destroys its type.
@@ -53,6 +55,8 @@ public:
     /// The reader must be on the start tag. Returns false if the reader has an error; types that
     /// were complete before the error are kept.
     bool Read(QXmlStreamReader& xml, QGraphicsScene* scene);
+    /// What the project's document holds of the types, by ascending id.
+    std::vector<TypeRecord> Records() const;
     /// Writes nothing for an empty list.
     void Write(QXmlStreamWriter& xml) const;
 

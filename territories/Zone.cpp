@@ -4,6 +4,7 @@
 #include "app/ProjectSettings.h"
 #include "app/Xml.h"
 #include "territories/Territory.h"
+#include "territories/TerritoryRecords.h"
 #include "territories/ZoneCircle.h"
 #include "territories/ZoneIcons.h"
 
@@ -11,7 +12,6 @@
 #include <QStyleOptionGraphicsItem>
 #include <QVariant>
 #include <QXmlStreamReader>
-#include <QXmlStreamWriter>
 
 namespace {
 
@@ -45,20 +45,6 @@ void DrawIcon(QPainter& painter, int usage, qreal radius)
     painter.setRenderHint(QPainter::SmoothPixmapTransform, true);
     painter.drawPixmap(place, dense);
     painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
-}
-
-/// The nearest 32-bit number.
-double InSinglePrecision(double value)
-{
-    // Optimising compilers drop a cast there and back; what is volatile they keep.
-    const volatile auto rounded = static_cast<float>(value);
-    return static_cast<double>(rounded);
-}
-
-/// World metres as files hold them: six significant digits of a 32-bit number.
-QString MetresText(double metres)
-{
-    return QString::number(InSinglePrecision(metres), 'g', 6);
 }
 
 } // namespace
@@ -195,25 +181,14 @@ void Zone::Read(const QXmlStreamReader& xml)
     setPos(static_cast<qreal>(sceneX), static_cast<qreal>(sceneY));
 }
 
+ZoneRecord Zone::Record() const
+{
+    return {Values(), scenePos(), m_radius};
+}
+
 void Zone::Write(QXmlStreamWriter& xml, bool exportMode) const
 {
-    const ProjectSettings& settings = ProjectSettings::Instance();
-    const auto metresX = static_cast<double>(settings.MetresPerPixelX());
-    const auto metresZ = static_cast<double>(settings.MetresPerPixelZ());
-    xml.writeEmptyElement(QStringLiteral("zone"));
-    WriteTextAttribute(xml, QLatin1String("name"), m_values.Name());
-    xml.writeAttribute(QStringLiteral("smin"), QString::number(m_values.counts.staticMin));
-    xml.writeAttribute(QStringLiteral("smax"), QString::number(m_values.counts.staticMax));
-    xml.writeAttribute(QStringLiteral("dmin"), QString::number(m_values.counts.dynamicMin));
-    xml.writeAttribute(QStringLiteral("dmax"), QString::number(m_values.counts.dynamicMax));
-    xml.writeAttribute(QStringLiteral("x"), MetresText(metresX * scenePos().x()));
-    xml.writeAttribute(QStringLiteral("z"),
-                       MetresText(settings.WorldHeight() - metresZ * scenePos().y()));
-    xml.writeAttribute(QStringLiteral("r"),
-                       MetresText(static_cast<double>(settings.MetresPerPixelX() * m_radius)));
-    if (!exportMode) {
-        xml.writeAttribute(QStringLiteral("d"), QString::number(Depth()));
-    }
+    ::Write(xml, Record(), WorldScale(ProjectSettings::Instance()), exportMode);
 }
 
 void Zone::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* /*widget*/)

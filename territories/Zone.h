@@ -10,6 +10,7 @@
 class QXmlStreamReader;
 class QXmlStreamWriter;
 class Territory;
+struct ZoneRecord;
 
 /// One circle of the world map at which creatures are placed. It is an item of the map scene, and
 /// belongs to the territory whose table holds it; whichever of the three dies first, the others
@@ -84,6 +85,8 @@ public:
     /// Reads the attributes of the "zone" element that the reader is on. Places are in world
     /// metres.
     void Read(const QXmlStreamReader& xml);
+    /// What files hold of the zone.
+    ZoneRecord Record() const;
     /// Export mode leaves out the depth, which only the editor needs.
     void Write(QXmlStreamWriter& xml, bool exportMode) const;
 

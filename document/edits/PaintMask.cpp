@@ -5,8 +5,6 @@
 #include <optional>
 #include <utility>
 
-using Aspect = Document::LayerAspect;
-
 PaintMask::PaintMask(const QString& text, Layer& layer, raster::MaskDelta delta,
                      const QRect& changed)
     : Edit(text)
@@ -52,7 +50,7 @@ void PaintMask::Begin(Document& document)
         m_layer->TakePaintedMask(m_mask);
         m_mask = QImage();
     }
-    emit document.LayerChanged(m_layer, Aspect::Pixels, m_changed.toRect());
+    document.AnnouncePixels(m_layer, m_changed.toRect(), m_delta);
 }
 
 void PaintMask::Show(Document& document, bool isNew)
@@ -69,5 +67,5 @@ void PaintMask::Show(Document& document, bool isNew)
     } else {
         Fail();
     }
-    emit document.LayerChanged(m_layer, Aspect::Pixels, changed.value_or(QRect()));
+    document.AnnouncePixels(m_layer, changed.value_or(QRect()), m_delta);
 }

@@ -52,6 +52,16 @@ public:
     /// other side fails, when the spilled bytes cannot be read, or for a mask of another size.
     std::optional<QRect> Swap(QImage& mask);
 
+    /// Calls visit(number) for each kept tile, unless they are spilled.
+    template <typename Visit>
+    void ForEachTile(Visit visit) const
+    {
+        m_records.ForEach([&visit](const TileRecords::Record& record) {
+            visit(record.number);
+            return true;
+        });
+    }
+
     /// The memory that it takes, all included.
     qint64 ByteCount() const;
     /// Moves the tiles to a file; they come back when they are needed. False when the file cannot

@@ -7,6 +7,7 @@
 #include "territories/TerritoryType.h"
 #include "territories/TerritoryTypeList.h"
 #include "territories/Zone.h"
+#include "tests/support/LogSpy.h"
 #include "tests/support/ProjectFixture.h"
 
 #include <QFile>
@@ -23,6 +24,14 @@ QByteArray Written(const ProjectParts& parts)
     QByteArray document;
     QXmlStreamWriter xml(&document);
     WriteProjectDocument(xml, parts);
+    return document;
+}
+
+QByteArray WrittenText(const ProjectValues& values)
+{
+    QByteArray document;
+    QXmlStreamWriter xml(&document);
+    WriteProjectText(xml, values);
     return document;
 }
 
@@ -44,6 +53,8 @@ private slots:
     void SelectedRowIsWritten_data();
     void SelectedRowIsWritten();
     void CallerIsToldBeforeTheLayers();
+    void TheTextAloneIsThatOfTheDocument();
+    void TheTextAloneChangesNothing();
     void PastedControlCharactersAreLeftOut();
 
 private:
@@ -164,6 +175,58 @@ void tst_ProjectDocument::CallerIsToldBeforeTheLayers()
     QVERIFY(documentThen.contains("<brush"));
     QVERIFY(!documentThen.contains("<layers>"));
     QVERIFY(!isBitmapThere);
+}
+
+void tst_ProjectDocument::TheTextAloneIsThatOfTheDocument()
+{
+    LayerList layers;
+    for (const char* name : {"coast", "forest"}) {
+        auto layer = std::make_unique<Layer>(1, 2, &layers, name);
+        layer->SetImage(ProjectSettings::Instance().BlankLayerImage(), QColor(1, 2, 3, 4));
+        layer->SetVisible(layers.IsEmpty());
+        QVERIFY(layers.AddLayer(std::move(layer)));
+    }
+    TerritoryTypeList types;
+    auto* type = new TerritoryType("Deer");
+    QVERIFY(types.AddType(type));
+    Territory* territory = type->NewTerritory();
+    territory->SetRgba(0x80123456);
+    for (const int usage : {Zone::Water, Zone::DynamicEvent}) {
+        auto* zone = new Zone(territory, 12.25F);
+        zone->SetUsage(usage);
+        zone->SetEventName("Migration");
+        zone->SetDynamicMax(-7);
+        zone->SetDepth(99);
+        zone->setPos(1.0 / 3, 2.5);
+        QVERIFY(territory->AddZone(zone));
+    }
+
+    const QByteArray text = WrittenText(
+        {1, ProjectSettings::Instance(), WriteBrush, layers.Records(), types.Records()});
+
+    QVERIFY(text.contains("name=\"Migration\""));
+    QCOMPARE(text, Written({1, WriteBrush, {}, layers, types}));
+    QCOMPARE(WrittenText({-1, ProjectSettings::Instance(), {}, {}, {}}),
+             Written({-1, {}, {}, *std::make_unique<LayerList>(), TerritoryTypeList()}));
+}
+
+void tst_ProjectDocument::TheTextAloneChangesNothing()
+{
+    LayerList layers;
+    for (int i = 0; i < 2; ++i) {
+        auto layer = std::make_unique<Layer>(0, 0, &layers, "coast");
+        layer->SetImage(ProjectSettings::Instance().BlankLayerImage(), Qt::white);
+        QVERIFY(layers.AddLayer(std::move(layer)));
+    }
+    const LogSpy log;
+
+    const QByteArray text =
+        WrittenText({-1, ProjectSettings::Instance(), WriteBrush, layers.Records(), {}});
+
+    QCOMPARE(text.count("name=\"coast\""), 2);
+    QCOMPARE(layers.LayerAt(1)->text(), "coast");
+    QCOMPARE(log.Messages(), QStringList());
+    QVERIFY(!QFile::exists(m_project->Path("layers")));
 }
 
 void tst_ProjectDocument::PastedControlCharactersAreLeftOut()

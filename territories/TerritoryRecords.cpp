@@ -1,0 +1,89 @@
+#include "territories/TerritoryRecords.h"
+
+#include "app/ProjectSettings.h"
+#include "app/Xml.h"
+
+#include <QXmlStreamWriter>
+
+namespace {
+
+/// World metres as files hold them: six significant digits of a 32-bit number.
+QString MetresText(double metres)
+{
+    return QString::number(InSinglePrecision(metres), 'g', 6);
+}
+
+} // namespace
+
+double InSinglePrecision(double value)
+{
+    // Optimising compilers drop a cast there and back; what is volatile they keep.
+    const volatile auto rounded = static_cast<float>(value);
+    return static_cast<double>(rounded);
+}
+
+WorldScale::WorldScale(const ProjectSettings& settings)
+    : metresPerPixelX(settings.MetresPerPixelX())
+    , metresPerPixelZ(settings.MetresPerPixelZ())
+    , worldHeight(settings.WorldHeight())
+{
+}
+
+void Write(QXmlStreamWriter& xml, const ZoneRecord& zone, const WorldScale& scale, bool exportMode)
+{
+    const SpawnCounts& counts = zone.values.counts;
+    const auto metresX = static_cast<double>(scale.metresPerPixelX);
+    const auto metresZ = static_cast<double>(scale.metresPerPixelZ);
+    xml.writeEmptyElement(QStringLiteral("zone"));
+    WriteTextAttribute(xml, QLatin1String("name"), zone.values.Name());
+    xml.writeAttribute(QStringLiteral("smin"), QString::number(counts.staticMin));
+    xml.writeAttribute(QStringLiteral("smax"), QString::number(counts.staticMax));
+    xml.writeAttribute(QStringLiteral("dmin"), QString::number(counts.dynamicMin));
+    xml.writeAttribute(QStringLiteral("dmax"), QString::number(counts.dynamicMax));
+    xml.writeAttribute(QStringLiteral("x"), MetresText(metresX * zone.place.x()));
+    xml.writeAttribute(QStringLiteral("z"),
+                       MetresText(scale.worldHeight - metresZ * zone.place.y()));
+    xml.writeAttribute(QStringLiteral("r"),
+                       MetresText(static_cast<double>(scale.metresPerPixelX * zone.radius)));
+    if (!exportMode) {
+        xml.writeAttribute(QStringLiteral("d"), QString::number(zone.values.depth));
+    }
+}
+
+void Write(QXmlStreamWriter& xml, const TerritoryRecord& territory, const WorldScale& scale,
+           bool exportMode)
+{
+    xml.writeStartElement(QStringLiteral("territory"));
+    if (!exportMode) {
+        WriteTextAttribute(xml, QLatin1String("name"), territory.name);
+        xml.writeAttribute(QStringLiteral("visible"), QString::number(territory.isVisible ? 1 : 0));
+    }
+    xml.writeAttribute(QStringLiteral("color"), QString::number(territory.color));
+    for (const ZoneRecord& zone : territory.zones) {
+        Write(xml, zone, scale, exportMode);
+    }
+    xml.writeEndElement();
+}
+
+void Write(QXmlStreamWriter& xml, const TypeRecord& type, const WorldScale& scale)
+{
+    xml.writeStartElement(QStringLiteral("territory-type"));
+    WriteTextAttribute(xml, QLatin1String("name"), type.name);
+    for (const TerritoryRecord& territory : type.territories) {
+        Write(xml, territory, scale, false);
+    }
+    xml.writeEndElement();
+}
+
+void Write(QXmlStreamWriter& xml, const std::vector<TypeRecord>& types, const WorldScale& scale)
+{
+    if (types.empty()) {
+        return;
+    }
+    xml.writeComment(QStringLiteral("Territories"));
+    xml.writeStartElement(QStringLiteral("territory-type-list"));
+    for (const TypeRecord& type : types) {
+        Write(xml, type, scale);
+    }
+    xml.writeEndElement();
+}
