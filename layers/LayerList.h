@@ -5,6 +5,7 @@
 #include <QHash>
 #include <QImage>
 #include <QObject>
+#include <QStringList>
 #include <QVector>
 
 #include <functional>
@@ -70,9 +71,12 @@ public:
     /// Reads the "layers" element and the masks of its layers; the reader must be on the start tag.
     /// A layer without a mask is left out. Returns false if the reader has an error.
     bool ReadXml(QXmlStreamReader& xml, const MaskSource& masks = LoadProjectMask);
+    /// The names that a save gives to the layers and to their bitmaps, in row order: layers whose
+    /// bitmaps would overwrite one another or lie outside of the folder get new ones.
+    QStringList NamesForSaving() const;
     /// Writes the "layers" element and every layer's bitmap. Writes nothing for an empty list.
-    /// Layers whose bitmaps would overwrite one another or lie outside of the folder are renamed
-    /// first, with a logged error. Returns how many bitmaps could not be written.
+    /// Layers first get the names of NamesForSaving, each with a logged error. Returns how many
+    /// bitmaps could not be written.
     int WriteXml(QXmlStreamWriter& xml);
 
     /// Writes the binary area map of all layers, visible or not. Logs its progress and its result,
