@@ -17,6 +17,7 @@
 #include "layers/LayerList.h"
 #include "territories/TerritoryTypeList.h"
 #include "ui/DialogNewProject.h"
+#include "ui/DialogVersions.h"
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
 #include "ui/DockStatus.h"
@@ -27,6 +28,7 @@
 #include "ui/InteractionModes.h"
 #include "ui/LayerComposition.h"
 #include "ui/QuillmapWindow.h"
+#include "ui/widgets/NoticeBar.h"
 #include "ui_QuillmapWindow.h"
 
 #include <QBuffer>
@@ -35,6 +37,9 @@
 #include <QSignalBlocker>
 
 namespace {
+
+const QString ReplacedNotice = QStringLiteral("replaced-bitmaps");
+const QString UnkeptNotice = QStringLiteral("unkept-version");
 
 const ProjectSettings& Settings()
 {
@@ -120,6 +125,7 @@ void ProjectActions::New()
 void ProjectActions::Create(const DialogNewProject& dialog)
 {
     const Busy loading(*this, Work::Loading);
+    KeepDiscarded();
     EmptyLists();
     m_parts.document.Begin({dialog.LayerSize(), dialog.LayerSize()},
                            {dialog.WorldSize(), dialog.WorldSize()},
@@ -228,6 +234,7 @@ bool ProjectActions::ReadFrom(QIODevice& file, const MaskSource& masks)
 void ProjectActions::BeginReplacing()
 {
     m_isStopped = false;
+    KeepDiscarded();
     EmptyLists();
     EnableEditing(false);
     m_parts.view.setEnabled(false);
@@ -365,7 +372,12 @@ bool ProjectActions::SaveTo(const QString& path)
                            LogInfo(QStringLiteral("Saving project '%1'...").arg(Settings().Name()));
                        },
                        m_parts.document.Layers(), m_parts.document.Types()};
+    VersionStore versions;
+    const VersionStore::Kept kept = versions.KeepBeforeSave(
+        path, m_parts.document.Layers().NamesForSaving(), m_parts.document.Files());
     const bool isSaved = SaveProjectTo(path, parts);
+    versions.Prune();
+    TellKept(kept, isSaved);
     m_parts.window.SetTitle(Settings().Name());
     if (isSaved) {
         m_parts.document.SetPath(Settings().ProjectFilePath());
@@ -377,6 +389,50 @@ bool ProjectActions::SaveTo(const QString& path)
         m_parts.document.SetSaved();
     }
     return isSaved;
+}
+
+/// Tells what the user should know of the earlier versions after a save.
+void ProjectActions::TellKept(const VersionStore::Kept& kept, bool isSaved)
+{
+    constexpr int maxNames = 5;
+    NoticeBar& bar = *m_parts.form.barNotice;
+    if (isSaved && !kept.replaced.isEmpty()) {
+        const bool hasMore = kept.replaced.size() > maxNames;
+        bar.Show(
+            {ReplacedNotice,
+             QStringLiteral("The save replaced bitmaps that this project neither loaded nor "
+                            "wrote: %1%2. The old ones are among the earlier versions.")
+                 .arg(QStringList(kept.replaced.mid(0, maxNames)).join(QLatin1String(", ")),
+                      hasMore ? QStringLiteral(", …") : QString()),
+             {{QStringLiteral("btnNoticeVersions"), QStringLiteral("Earlier versions…"), [this] {
+                   ShowVersions();
+                   return true;
+               }}}});
+    }
+    if (kept.problem.isEmpty()) {
+        bar.Withdraw(UnkeptNotice);
+    } else {
+        bar.Show({UnkeptNotice, kept.problem, {}});
+    }
+}
+
+void ProjectActions::ShowVersions()
+{
+    if (IsBusy()) {
+        return;
+    }
+    DialogVersions dialog(VersionStore(), m_parts.document.Path(), &m_parts.window);
+    if (dialog.exec() == QDialog::Accepted && dialog.Selected()) {
+        OpenStored(dialog.Selected()->Stored(), true);
+    }
+}
+
+void ProjectActions::KeepDiscarded()
+{
+    const QString journal = m_releaseJournal ? m_releaseJournal() : QString();
+    if (!journal.isEmpty()) {
+        TellKept({VersionStore().KeepDiscarded(journal, m_parts.document.Path()), {}}, false);
+    }
 }
 
 void ProjectActions::SaveAll()

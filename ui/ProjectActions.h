@@ -1,11 +1,13 @@
 #pragma once
 
+#include "document/versions/VersionStore.h"
 #include "layers/LayerList.h"
 #include "ui/EditorParts.h"
 
 #include <QString>
 
 #include <functional>
+#include <utility>
 
 class DialogNewProject;
 class Document;
@@ -50,6 +52,17 @@ public:
     /// Ends a load, an import or a new project. selected: the row of the layer that becomes the
     /// current one.
     void Finalize(bool isSuccessful, int selected);
+    /// Lists the earlier versions, and opens the one that the user chooses as a copy.
+    void ShowVersions();
+    /// Gives up the journal of the open project's unsaved work and returns its folder; empty when
+    /// there is none.
+    void SetJournalRelease(std::function<QString()> release)
+    {
+        m_releaseJournal = std::move(release);
+    }
+    /// Keeps the unsaved work, which is about to go, among the earlier versions.
+    void KeepDiscarded();
+
     /// Enables the actions and widgets that need an open project.
     void EnableEditing(bool isEnabled);
 
@@ -80,6 +93,7 @@ private:
     void ReadMap(QFile& file);
     void BeginReplacing();
     void EmptyLists();
+    void TellKept(const VersionStore::Kept& kept, bool isSaved);
     void ShowWorld();
     void ShowProject(int selected);
 
@@ -88,6 +102,7 @@ private:
     InteractionModes& m_modes;
     ProjectReader* m_reader = nullptr;
     QString m_startUpPath;
+    std::function<QString()> m_releaseJournal;
     Work m_work = Work::None;
     bool m_isStopped = false;
 };

@@ -164,6 +164,11 @@ void QuillmapWindow::SetTitle(const QString& name)
     setWindowTitle(tr("%1 - Tarvo Ledger Tool").arg(name.isEmpty() ? tr("Unsaved") : name));
 }
 
+void QuillmapWindow::SetJournalRelease(const std::function<QString()>& release)
+{
+    m_project->SetJournalRelease(release);
+}
+
 void QuillmapWindow::QuitApplication()
 {
     close();
@@ -402,6 +407,7 @@ void QuillmapWindow::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
+    m_project->KeepDiscarded();
     m_project->StopLoading();
     WindowState::Store(*this);
     event->accept();

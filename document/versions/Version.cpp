@@ -9,8 +9,10 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QImageReader>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSaveFile>
 
 #include <filesystem>
 
@@ -161,6 +163,26 @@ StoredProject Version::Stored() const
                                 : LoadMask(folder + QLatin1Char('/') + BitmapFile(name), size);
     };
     return {text, load, m_path};
+}
+
+QImage Version::Picture() const
+{
+    constexpr int maxLength = 1024;
+    const QString path = PathOf(VersionFiles::Picture);
+    QImageReader reader(path, "png");
+    const QSize size = IsPlainFile(path) ? reader.size() : QSize();
+    return qMax(size.width(), size.height()) <= maxLength && !size.isEmpty() ? reader.read()
+                                                                             : QImage();
+}
+
+void Version::KeepPicture(const QImage& picture) const
+{
+    // QSaveFile would write where a link leads to.
+    QSaveFile file(PathOf(VersionFiles::Picture));
+    if (!QFileInfo(file.fileName()).isSymLink() && file.open(QIODevice::WriteOnly) &&
+        picture.save(&file, "png")) {
+        file.commit();
+    }
 }
 
 QString Version::CopyFilesTo(const QString& folder) const

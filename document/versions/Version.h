@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QImage>
 #include <QLatin1String>
 #include <QString>
 #include <QStringList>
@@ -26,6 +27,7 @@ constexpr QLatin1String Document("document.xml");
 /// The bitmaps' folder.
 constexpr QLatin1String Layers("layers");
 constexpr QLatin1String Journal("journal");
+constexpr QLatin1String Picture("picture.png");
 } // namespace VersionFiles
 
 /// An earlier state of a project: a folder with "document.xml", the bitmaps of its layers as plain
@@ -57,6 +59,9 @@ public:
     /// To open it. A malformed document is given up to its fault. Layers without a readable bitmap
     /// are left out when it is opened.
     StoredProject Stored() const;
+    /// The picture that was kept for it; null for none.
+    QImage Picture() const;
+    void KeepPicture(const QImage& picture) const;
     /// Whether it consists of a document and bitmaps, which can be copied.
     bool HasFiles() const { return m_kind != VersionKind::Discarded; }
     /// Copies document and bitmaps byte for byte into a folder, which must not exist yet. Returns

@@ -405,9 +405,14 @@ QVector<Version> VersionsIn(const QStringList& projectFolders)
 
 } // namespace
 
-QVector<Version> VersionStore::Versions() const
+QVector<Version> VersionStore::Versions(const QString& firstOf) const
 {
-    return VersionsIn(VersionFolders::OfProjects(m_folder));
+    QStringList others = VersionFolders::OfProjects(m_folder);
+    if (firstOf.isEmpty()) {
+        return VersionsIn(others);
+    }
+    others.removeOne(ProjectFolder(firstOf));
+    return VersionsOf(firstOf) + VersionsIn(others);
 }
 
 QVector<Version> VersionStore::VersionsOf(const QString& path) const

@@ -50,8 +50,10 @@ public:
     /// it, so call this after a save.
     void Prune();
 
-    /// Of all projects, or of the one at the path; the newest first. Damaged ones are left out.
-    QVector<Version> Versions() const;
+    /// Of all projects, the newest first; those of the project at the path come before all others.
+    /// Damaged ones are left out.
+    QVector<Version> Versions(const QString& firstOf = {}) const;
+    /// Of this project, the newest first.
     QVector<Version> VersionsOf(const QString& path) const;
 
 private:
