@@ -4,6 +4,7 @@
 #include "document/StoredProject.h"
 #include "document/versions/VersionStore.h"
 #include "ui/FileDialogs.h"
+#include "ui/NameList.h"
 #include "ui_DialogVersions.h"
 
 #include <QDir>
@@ -11,6 +12,7 @@
 #include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QStandardItemModel>
 
 namespace {
@@ -44,14 +46,15 @@ QString NameText(const Version& version)
 QString Description(const Version& version)
 {
     const QString time = TimeText(version, QStringLiteral("HH:mm"));
+    const QRegularExpression suffix(QStringLiteral("\\.tga$"));
     switch (version.Kind()) {
     case VersionKind::Saved:
         return DialogVersions::tr("The project on disk until the save at %1.").arg(time);
     case VersionKind::Discarded:
         return DialogVersions::tr("Unsaved work that was discarded at %1.").arg(time);
     case VersionKind::Replaced:
-        return DialogVersions::tr("Bitmaps that a save replaced at %1: %2")
-            .arg(time, version.Bitmaps().join(QLatin1String(", ")));
+        return DialogVersions::tr("Bitmaps that a save replaced at %1: %2.")
+            .arg(time, NameList(version.Bitmaps().replaceInStrings(suffix, {})));
     }
     Q_UNREACHABLE();
 }

@@ -27,6 +27,7 @@
 #include "ui/InputBlock.h"
 #include "ui/InteractionModes.h"
 #include "ui/LayerComposition.h"
+#include "ui/NameList.h"
 #include "ui/QuillmapWindow.h"
 #include "ui/widgets/NoticeBar.h"
 #include "ui_QuillmapWindow.h"
@@ -394,20 +395,18 @@ bool ProjectActions::SaveTo(const QString& path)
 /// Tells what the user should know of the earlier versions after a save.
 void ProjectActions::TellKept(const VersionStore::Kept& kept, bool isSaved)
 {
-    constexpr int maxNames = 5;
     NoticeBar& bar = *m_parts.form.barNotice;
     if (isSaved && !kept.replaced.isEmpty()) {
-        const bool hasMore = kept.replaced.size() > maxNames;
-        bar.Show(
-            {ReplacedNotice,
-             QStringLiteral("The save replaced bitmaps that this project neither loaded nor "
-                            "wrote: %1%2. The old ones are among the earlier versions.")
-                 .arg(QStringList(kept.replaced.mid(0, maxNames)).join(QLatin1String(", ")),
-                      hasMore ? QStringLiteral(", …") : QString()),
-             {{QStringLiteral("btnNoticeVersions"), QStringLiteral("Earlier versions…"), [this] {
-                   ShowVersions();
-                   return true;
-               }}}});
+        const QString text = QStringLiteral("The save replaced bitmaps that this project neither "
+                                            "loaded nor wrote: %1.")
+                                 .arg(NameList(kept.replaced));
+        const QString place = QStringLiteral(" The old ones are among the earlier versions.");
+        const NoticeButton show{QStringLiteral("btnNoticeVersions"),
+                                QStringLiteral("Earlier versions…"), [this] {
+                                    ShowVersions();
+                                    return true;
+                                }};
+        bar.Show({ReplacedNotice, kept.isWhole ? text + place : text, {show}});
     }
     if (kept.problem.isEmpty()) {
         bar.Withdraw(UnkeptNotice);
@@ -431,7 +430,8 @@ void ProjectActions::KeepDiscarded()
 {
     const QString journal = m_releaseJournal ? m_releaseJournal() : QString();
     if (!journal.isEmpty()) {
-        TellKept({VersionStore().KeepDiscarded(journal, m_parts.document.Path()), {}}, false);
+        TellKept({VersionStore().KeepDiscarded(journal, m_parts.document.Path()), {}, false},
+                 false);
     }
 }
 

@@ -17,6 +17,30 @@ ProjectOutline::Layer ReadLayer(const QXmlStreamReader& xml)
             IntAttribute(xml, QLatin1String("visible"), 0) > 0};
 }
 
+/// The document up to a fault, without layers that are not to be kept.
+template <typename KeepsLayer>
+QByteArray Copied(QXmlStreamReader& reader, KeepsLayer keepsLayer)
+{
+    QByteArray copy;
+    QXmlStreamWriter writer(&copy);
+    bool isInLayers = false;
+    while (!reader.atEnd()) {
+        reader.readNext();
+        if (reader.name() == QLatin1String("layers")) {
+            isInLayers = reader.isStartElement();
+        }
+        const bool isLayer =
+            isInLayers && reader.isStartElement() && reader.name() == QLatin1String("layer");
+        if (isLayer && !keepsLayer(TextAttribute(reader, QLatin1String("name")))) {
+            reader.skipCurrentElement();
+        } else if (!reader.hasError()) {
+            writer.writeCurrentToken(reader);
+        }
+    }
+    writer.writeEndDocument();
+    return copy;
+}
+
 } // namespace
 
 ProjectOutline OutlineOf(const QByteArray& document)
@@ -53,18 +77,13 @@ ProjectOutline OutlineOf(const QByteArray& document)
 
 QByteArray UpToFault(const QByteArray& document)
 {
-    QByteArray whole;
     QXmlStreamReader reader(document);
-    QXmlStreamWriter writer(&whole);
-    while (!reader.atEnd()) {
-        reader.readNext();
-        if (!reader.hasError()) {
-            writer.writeCurrentToken(reader);
-        }
-    }
-    if (!reader.hasError()) {
-        return document;
-    }
-    writer.writeEndDocument();
-    return whole;
+    const QByteArray copy = Copied(reader, [](const QString&) { return true; });
+    return reader.hasError() ? copy : document;
+}
+
+QByteArray WithLayers(const QByteArray& document, const QStringList& names)
+{
+    QXmlStreamReader reader(document);
+    return Copied(reader, [&names](const QString& name) { return names.contains(name); });
 }

@@ -4,6 +4,7 @@
 #include <QColor>
 #include <QSize>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 /// What a project document says of its layers, read without opening the project.
@@ -28,3 +29,6 @@ ProjectOutline OutlineOf(const QByteArray& document);
 /// The document as it is, or, when it is malformed, what stands before the fault, with all elements
 /// ended. It can be opened then, where the document itself may not.
 QByteArray UpToFault(const QByteArray& document);
+
+/// The document with those of its layers alone.
+QByteArray WithLayers(const QByteArray& document, const QStringList& names);

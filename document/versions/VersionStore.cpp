@@ -22,6 +22,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <map>
 #include <utility>
 
@@ -124,8 +125,8 @@ QStringList LayersOf(const QByteArray& document)
     return names;
 }
 
-/// A project of nothing but these layers. Its sizes are those of the open one, but the layer size
-/// is that of the bitmap.
+/// A project of nothing but these layers, for bitmaps that no document names. Its sizes are those
+/// of the open one, but the layer size is that of the bitmap.
 QByteArray DocumentOf(const QStringList& layers, const QString& bitmap)
 {
     QFile file(bitmap);
@@ -152,20 +153,33 @@ QByteArray DocumentOf(const QStringList& layers, const QString& bitmap)
     return text;
 }
 
-/// The project documents in the folder whose layers include any of the bitmaps, with those layers.
-std::map<QString, QStringList> ProjectsWith(const QStringList& layers, const QString& folder)
+struct OtherProject
+{
+    QString path;
+    QByteArray document;
+    /// Those that were asked for and that it has.
+    QStringList layers;
+};
+
+/// The projects in the folder, but for the one at the path, that have any of the layers.
+QVector<OtherProject> ProjectsWith(const QStringList& layers, const QString& folder,
+                                   const QString& exceptPath)
 {
     // Somebody's folder may hold any number of other files.
     constexpr int maxDocuments = 100;
-    std::map<QString, QStringList> projects;
+    QVector<OtherProject> projects;
     const QStringList names = QDir(folder).entryList({QStringLiteral("*.xml")}, QDir::Files);
     for (const QString& name : names.mid(0, maxDocuments)) {
-        const QString path = QDir(folder).filePath(name);
-        const QStringList own = LayersOf(ReadFile(path));
-        for (const QString& layer : layers) {
-            if (own.contains(layer)) {
-                projects[path].append(layer);
-            }
+        OtherProject other{QDir(folder).filePath(name), {}, {}};
+        if (FollowedPath(other.path) == FollowedPath(exceptPath)) {
+            continue;
+        }
+        other.document = ReadFile(other.path);
+        const QStringList its = LayersOf(other.document);
+        std::copy_if(layers.begin(), layers.end(), std::back_inserter(other.layers),
+                     [&its](const QString& layer) { return its.contains(layer); });
+        if (!other.layers.isEmpty()) {
+            projects.append(other);
         }
     }
     return projects;
@@ -274,77 +288,104 @@ std::error_code VersionStore::Keep(VersionKind kind, const QString& path,
     return error;
 }
 
-std::error_code VersionStore::KeepReplaced(const QString& path, const QString& folder,
-                                           const QStringList& layers)
+std::error_code VersionStore::KeepReplaced(const QString& path, const QStringList& layers,
+                                           const QString& folder, const QByteArray& document)
 {
     QVector<Source> sources;
     for (const QString& layer : layers) {
         const QString bitmap = FollowedPath(BitmapPath(folder, layer));
         sources.append({Version::BitmapFile(layer), bitmap, {}, true});
     }
-    sources.append({VersionFiles::Document, {}, DocumentOf(layers, sources.constFirst().from)});
+    sources.append({VersionFiles::Document,
+                    {},
+                    document.isEmpty() ? DocumentOf(layers, sources.constFirst().from)
+                                       : WithLayers(document, layers)});
     return Keep(VersionKind::Replaced, path, sources);
 }
+
+/// What is on disk where a project is to be saved.
+struct VersionStore::Target
+{
+    QString path;
+    QString folder;
+    /// The document and the bitmaps that it names; empty without a document.
+    QVector<Source> saved;
+    /// Layers whose bitmaps are replaced: those that the document does not name, and those that the
+    /// project does not know.
+    QStringList unnamed;
+    QStringList unknown;
+
+    Target(const QString& target, const QStringList& layers, const KnownFiles& known)
+        : path(QFileInfo(target).absoluteFilePath())
+        , folder(QFileInfo(path).path())
+    {
+        const QStringList named = FindSaved(layers);
+        QSet<QString> own;
+        const QStringList knownPaths = known.Paths();
+        for (const QString& knownPath : knownPaths) {
+            own.insert(FollowedPath(knownPath));
+        }
+        for (const QString& layer : layers) {
+            if (HasBitmap(layer) && !named.contains(layer)) {
+                unnamed.append(layer);
+            }
+            if (HasBitmap(layer) && !own.contains(FollowedPath(BitmapPath(folder, layer)))) {
+                unknown.append(layer);
+            }
+        }
+    }
+
+    bool HasBitmap(const QString& layer) const
+    {
+        return QFileInfo(BitmapPath(folder, layer)).isFile();
+    }
+
+    /// Returns the layers that the document names.
+    QStringList FindSaved(const QStringList& layers)
+    {
+        if (!QFileInfo(path).isFile()) {
+            return {};
+        }
+        saved.append({VersionFiles::Document, FollowedPath(path), {}, true});
+        QStringList named = LayersOf(ReadFile(path));
+        for (const QString& layer : qAsConst(named)) {
+            if (HasBitmap(layer)) {
+                const QString bitmap = FollowedPath(BitmapPath(folder, layer));
+                saved.append({Version::BitmapFile(layer), bitmap, {}, layers.contains(layer)});
+            }
+        }
+        return named;
+    }
+};
 
 VersionStore::Kept VersionStore::KeepBeforeSave(const QString& path, const QStringList& layers,
                                                 const KnownFiles& known)
 {
+    const Target target(path, layers, known);
     if (m_limits.IsOff()) {
-        return {};
-    }
-    const QString target = QFileInfo(path).absoluteFilePath();
-    const QString folder = QFileInfo(target).path();
-    const auto exists = [&folder](const QString& layer) {
-        return QFileInfo(BitmapPath(folder, layer)).isFile();
-    };
-    QVector<Source> sources;
-    QStringList named;
-    if (QFileInfo(target).isFile()) {
-        sources.append({VersionFiles::Document, FollowedPath(target), {}, true});
-        named = LayersOf(ReadFile(target));
-    }
-    for (const QString& layer : qAsConst(named)) {
-        if (exists(layer)) {
-            sources.append({Version::BitmapFile(layer),
-                            FollowedPath(BitmapPath(folder, layer)),
-                            {},
-                            layers.contains(layer)});
-        }
-    }
-    QSet<QString> own;
-    const QStringList knownPaths = known.Paths();
-    for (const QString& knownPath : knownPaths) {
-        own.insert(FollowedPath(knownPath));
-    }
-    Kept kept;
-    QStringList others;
-    for (const QString& layer : layers) {
-        if (exists(layer)) {
-            if (!named.contains(layer)) {
-                others.append(layer);
-            }
-            if (!own.contains(FollowedPath(BitmapPath(folder, layer)))) {
-                kept.replaced.append(layer);
-            }
-        }
+        return {{}, target.unknown, false};
     }
     std::error_code error;
     const auto note = [&error](const std::error_code& next) { error = error ? error : next; };
-    if (!sources.isEmpty()) {
-        note(Keep(VersionKind::Saved, target, sources));
+    if (!target.saved.isEmpty()) {
+        note(Keep(VersionKind::Saved, target.path, target.saved));
     }
-    if (!others.isEmpty()) {
-        note(KeepReplaced(target, folder, others));
+    QVector<OtherProject> others;
+    if (!target.unknown.isEmpty()) {
+        others = ProjectsWith(target.unknown, target.folder, target.path);
     }
-    if (!kept.replaced.isEmpty()) {
-        for (const auto& [other, itsLayers] : ProjectsWith(kept.replaced, folder)) {
-            if (FollowedPath(other) != FollowedPath(target)) {
-                note(KeepReplaced(other, folder, itsLayers));
-            }
-        }
+    if (!target.unnamed.isEmpty()) {
+        const auto whose =
+            std::find_if(others.begin(), others.end(), [&target](const OtherProject& other) {
+                return other.layers == target.unnamed;
+            });
+        const QByteArray document = whose == others.end() ? QByteArray() : whose->document;
+        note(KeepReplaced(target.path, target.unnamed, target.folder, document));
     }
-    kept.problem = ProblemText(error);
-    return kept;
+    for (const OtherProject& other : qAsConst(others)) {
+        note(KeepReplaced(other.path, other.layers, target.folder, other.document));
+    }
+    return {ProblemText(error), target.unknown, !error};
 }
 
 QString VersionStore::KeepDiscarded(const QString& journal, const QString& path)

@@ -30,14 +30,17 @@ public:
         /// The layers whose bitmaps the save replaces although the project neither loaded nor wrote
         /// them.
         QStringList replaced;
+        /// Whether all that the save replaces was kept.
+        bool isWhole = false;
     };
     /// Keeps what a save to the path is about to replace. Call it before anything is written.
     /// layers: the names under which the layers will be saved. known: the project's own files.
     ///
     /// The document at the path and the bitmaps that it names become a "saved" version. Other
     /// bitmaps become a "replaced" version of the project that is saved; and those that are not
-    /// known also one of each other project in the folder whose document names them. Nothing is
-    /// kept that the last version of that kind holds already.
+    /// known also one of each other project in the folder whose document names them; its document
+    /// then tells what these layers are. Nothing is kept that the last version of that kind holds
+    /// already.
     ///
     /// A version shares the files with the project as long as the save puts new ones in their
     /// places; others are copied.
@@ -58,12 +61,13 @@ public:
 
 private:
     struct Source;
+    struct Target;
 
     QString ProjectFolder(const QString& path) const;
     std::optional<Version> Last(const QString& path, VersionKind kind) const;
     std::error_code Keep(VersionKind kind, const QString& path, const QVector<Source>& sources);
-    std::error_code KeepReplaced(const QString& path, const QString& folder,
-                                 const QStringList& layers);
+    std::error_code KeepReplaced(const QString& path, const QStringList& layers,
+                                 const QString& folder, const QByteArray& document);
 
     QString m_folder;
     VersionLimits m_limits;

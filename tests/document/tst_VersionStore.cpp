@@ -146,6 +146,7 @@ void tst_VersionStore::KeepsWhatASaveReplaces()
     Put("project/layers/blue.tga", Bitmap('3'));
 
     QCOMPARE(kept.problem, QString());
+    QCOMPARE(kept.isWhole, true);
     QCOMPARE(kept.replaced, QStringList());
     QCOMPARE(MapVersions().size(), 1);
     const Version version = MapVersions().constFirst();
@@ -278,6 +279,8 @@ void tst_VersionStore::KeepsForeignBitmapsForBothProjects()
         QCOMPARE(outline.layerSize, QSize(4, 4));
         QCOMPARE(outline.layers.size(), 1);
         QCOMPARE(outline.layers.constFirst().isVisible, true);
+        // As the document says that has it.
+        QCOMPARE(outline.layers.constFirst().color, QColor(255, 0, 0));
         QCOMPARE(Rows(version, outline.layers.constFirst().name), Column('0'));
     }
 }
@@ -505,7 +508,9 @@ void tst_VersionStore::LimitsAreTheUsers()
     QCOMPARE(Rows(MapVersions()[1], "red"), Column('2'));
 
     VersionStore off(Path("off"), {20, 30, 0});
-    off.KeepBeforeSave(Path("project/map.xml"), {"red"}, OwnProject());
+    const auto kept = off.KeepBeforeSave(Path("project/map.xml"), {"red"}, {});
+    QCOMPARE(kept.isWhole, false);
+    QCOMPARE(kept.replaced, QStringList("red"));
     QVERIFY(!QFileInfo::exists(Path("off")));
 }
 

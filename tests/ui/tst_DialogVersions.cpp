@@ -7,6 +7,7 @@
 #include "tests/support/TargaFiles.h"
 #include "tests/support/WindowFixture.h"
 #include "ui/DialogVersions.h"
+#include "ui/NameList.h"
 #include "ui/widgets/NoticeBar.h"
 
 #include <QDir>
@@ -46,6 +47,7 @@ private slots:
     void ShowsAPicture();
     void CopiesFiles();
     void LeavesUnsavedWorkToTheUser();
+    void NamesTheFirstOfMany();
     void KeepsTheJournalOfWhatIsDiscarded_data();
     void KeepsTheJournalOfWhatIsDiscarded();
     void TellsWhenNothingCanBeKept();
@@ -329,6 +331,13 @@ void tst_DialogVersions::LeavesUnsavedWorkToTheUser()
     });
     fixture.Trigger("actionVersions");
     QCOMPARE(LayerNames(fixture), QStringList({"brown", "blue"}));
+}
+
+void tst_DialogVersions::NamesTheFirstOfMany()
+{
+    QCOMPARE(NameList({"a", "b"}), QString("a, b"));
+    QCOMPARE(NameList({"a", "b", "c", "d", "e"}), QString("a, b, c, d, e"));
+    QCOMPARE(NameList({"a", "b", "c", "d", "e", "f"}), QString("a, b, c, d, e and 1 more"));
 }
 
 using Discarding = std::function<void(WindowFixture&)>;
