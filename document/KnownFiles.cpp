@@ -22,9 +22,5 @@ void KnownFiles::Note(const QString& path)
 bool KnownFiles::HasChanged(const QString& path) const
 {
     const auto known = m_stamps.find(path);
-    if (known == m_stamps.end()) {
-        return false;
-    }
-    const Stamp now = StampOf(path);
-    return now.length != known->length || now.time != known->time;
+    return known != m_stamps.end() && StampOf(path) != *known;
 }

@@ -9,26 +9,36 @@
 class KnownFiles
 {
 public:
+    /// What a file was like at some moment.
+    struct Stamp
+    {
+        /// -1 when there is no file.
+        qint64 length = -1;
+        /// When it was changed last, in milliseconds since 1970.
+        qint64 time = 0;
+
+        bool operator==(const Stamp& other) const
+        {
+            return length == other.length && time == other.time;
+        }
+        bool operator!=(const Stamp& other) const { return !(*this == other); }
+    };
+
+    /// The file as it is now.
+    static Stamp StampOf(const QString& path);
+
     void Clear() { m_stamps.clear(); }
     /// From now on the file is known as it is at this moment, also when there is none.
     void Note(const QString& path);
 
     QStringList Paths() const { return m_stamps.keys(); }
     bool Knows(const QString& path) const { return m_stamps.contains(path); }
+    /// The file as it was when it was noted; one without a file when it is not known.
+    Stamp Known(const QString& path) const { return m_stamps.value(path); }
     /// Whether a known file was replaced, changed, removed or made since it was noted. Tells by its
     /// length and its time. False for a file that is not known.
     bool HasChanged(const QString& path) const;
 
 private:
-    struct Stamp
-    {
-        /// -1 when there is no file.
-        qint64 length = -1;
-        /// Milliseconds.
-        qint64 time = 0;
-    };
-
-    static Stamp StampOf(const QString& path);
-
     QHash<QString, Stamp> m_stamps;
 };

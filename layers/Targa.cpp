@@ -67,11 +67,15 @@ TargaResult ReadTarga(QFile& file, QSize size)
 
 QImage LoadTarga(const QString& fileName)
 {
+    return LoadTarga(fileName, ProjectSettings::Instance().LayerSize());
+}
+
+QImage LoadTarga(const QString& fileName, QSize size)
+{
     QFile file(fileName);
     if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         return {};
     }
-    const QSize size = ProjectSettings::Instance().LayerSize();
     const TargaResult result = ReadTarga(file, size);
     const QString message = MessageOf(result.error, size);
     if (!message.isEmpty()) {

@@ -33,18 +33,6 @@ struct Place
     qint64 offset;
 };
 
-void StoreTile(const uchar* packed, uchar* mask, const Place& place)
-{
-    const QSize size = place.rect.size();
-    if (size == QSize(TileSide, TileSide)) {
-        UnpackTile(packed, mask + place.offset, place.stride);
-    } else {
-        MaskTile tile;
-        UnpackTile(packed, tile.pixels, TileSide);
-        tile.Store(mask + place.offset, place.stride, size);
-    }
-}
-
 bool IsPacked(const TileRecords::Record& record, const MaskTile& tile)
 {
     uchar packed[MaxPackedTile];
@@ -103,7 +91,7 @@ public:
         const int length = PackTile(tile, packed);
         if (length != record.length || std::memcmp(packed, record.packed, length) != 0) {
             AddChange(tile, record, place.rect);
-            StoreTile(record.packed, m_pixels, place);
+            StoreTile(record.packed, place.rect, m_pixels, place.stride);
         }
         m_others.Append(record.number, length);
         return true;
@@ -111,7 +99,8 @@ public:
     void TakeBack()
     {
         m_others.ForEach([this](const TileRecords::Record& record) {
-            StoreTile(record.packed, m_pixels, Place(m_mask, record.number));
+            const Place place(m_mask, record.number);
+            StoreTile(record.packed, place.rect, m_pixels, place.stride);
             return true;
         });
     }

@@ -186,4 +186,16 @@ void UnpackTile(const uchar* packed, uchar* to, qint64 stride)
     }
 }
 
+void StoreTile(const uchar* packed, const QRect& rect, uchar* mask, qint64 stride)
+{
+    uchar* to = mask + rect.y() * stride + rect.x();
+    if (rect.size() == WholeTile) {
+        UnpackTile(packed, to, stride);
+    } else {
+        MaskTile tile;
+        UnpackTile(packed, tile.pixels, TileSide);
+        tile.Store(to, stride, rect.size());
+    }
+}
+
 } // namespace raster

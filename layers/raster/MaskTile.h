@@ -50,5 +50,7 @@ int PackedTileLength(uchar kind);
 int PackTile(const MaskTile& tile, uchar* packed);
 /// Writes 64 rows of 64 pixels that begin stride bytes apart.
 void UnpackTile(const uchar* packed, uchar* to, qint64 stride);
+/// Unpacks a tile into a mask, at a TileRect of it. stride: from one row of the mask to the next.
+void StoreTile(const uchar* packed, const QRect& rect, uchar* mask, qint64 stride);
 
 } // namespace raster
