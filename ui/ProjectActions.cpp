@@ -421,17 +421,24 @@ void ProjectActions::ShowVersions()
         return;
     }
     DialogVersions dialog(VersionStore(), m_parts.document.Path(), &m_parts.window);
-    if (dialog.exec() == QDialog::Accepted && dialog.Selected()) {
-        OpenStored(dialog.Selected()->Stored(), true);
+    if (dialog.exec() != QDialog::Accepted || !dialog.Selected()) {
+        return;
+    }
+    const StoredProject stored = dialog.Selected()->Stored();
+    if (stored.text.isEmpty()) {
+        LogError(QStringLiteral("The earlier version cannot be read any more."));
+    } else {
+        OpenStored(stored, true);
     }
 }
 
 void ProjectActions::KeepDiscarded()
 {
-    const QString journal = m_releaseJournal ? m_releaseJournal() : QString();
-    if (!journal.isEmpty()) {
-        TellKept({VersionStore().KeepDiscarded(journal, m_parts.document.Path()), {}, false},
-                 false);
+    if (m_moveJournal) {
+        VersionStore versions;
+        const QString problem = versions.KeepDiscarded(m_parts.document.Path(), m_moveJournal);
+        versions.Prune();
+        TellKept({problem, {}, false}, false);
     }
 }
 

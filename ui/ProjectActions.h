@@ -54,12 +54,8 @@ public:
     void Finalize(bool isSuccessful, int selected);
     /// Lists the earlier versions, and opens the one that the user chooses as a copy.
     void ShowVersions();
-    /// Gives up the journal of the open project's unsaved work and returns its folder; empty when
-    /// there is none.
-    void SetJournalRelease(std::function<QString()> release)
-    {
-        m_releaseJournal = std::move(release);
-    }
+    /// Moves the journal of the open project's unsaved work.
+    void SetJournalMove(VersionStore::MoveJournal move) { m_moveJournal = std::move(move); }
     /// Keeps the unsaved work, which is about to go, among the earlier versions.
     void KeepDiscarded();
 
@@ -102,7 +98,7 @@ private:
     InteractionModes& m_modes;
     ProjectReader* m_reader = nullptr;
     QString m_startUpPath;
-    std::function<QString()> m_releaseJournal;
+    VersionStore::MoveJournal m_moveJournal;
     Work m_work = Work::None;
     bool m_isStopped = false;
 };

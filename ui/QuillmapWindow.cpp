@@ -164,9 +164,9 @@ void QuillmapWindow::SetTitle(const QString& name)
     setWindowTitle(tr("%1 - Tarvo Ledger Tool").arg(name.isEmpty() ? tr("Unsaved") : name));
 }
 
-void QuillmapWindow::SetJournalRelease(const std::function<QString()>& release)
+void QuillmapWindow::SetJournalMove(const std::function<bool(const QString& target)>& move)
 {
-    m_project->SetJournalRelease(release);
+    m_project->SetJournalMove(move);
 }
 
 void QuillmapWindow::QuitApplication()

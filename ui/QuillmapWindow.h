@@ -44,7 +44,7 @@ public:
 
     Document& GetDocument() { return *m_document; }
     /// As ProjectActions has it.
-    void SetJournalRelease(const std::function<QString()>& release);
+    void SetJournalMove(const std::function<bool(const QString& target)>& move);
     /// Shows the project's name; without one "Unsaved".
     void SetTitle(const QString& name);
     /// Ends painting when there is no current layer any more.

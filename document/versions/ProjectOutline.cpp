@@ -79,7 +79,8 @@ QByteArray UpToFault(const QByteArray& document)
 {
     QXmlStreamReader reader(document);
     const QByteArray copy = Copied(reader, [](const QString&) { return true; });
-    return reader.hasError() ? copy : document;
+    // There is no element in an empty document either.
+    return reader.hasError() && !document.isEmpty() ? copy : document;
 }
 
 QByteArray WithLayers(const QByteArray& document, const QStringList& names)

@@ -1,6 +1,7 @@
 #include "document/versions/Version.h"
 
 #include "document/StoredProject.h"
+#include "document/journal/JournalReader.h"
 #include "document/versions/ProjectOutline.h"
 #include "layers/raster/TargaCodec.h"
 #include "platform/Files.h"
@@ -155,12 +156,31 @@ QString Version::PathOf(QLatin1String file) const
 
 StoredProject Version::Stored() const
 {
+    if (m_kind == VersionKind::Discarded) {
+        return StoredJournal();
+    }
     const QByteArray text = UpToFault(ReadFile(PathOf(VersionFiles::Document)));
     const QSize size = OutlineOf(text).layerSize;
     const QString folder = IsPlainFolder(PathOf(VersionFiles::Layers)) ? m_folder : QString();
     const auto load = [folder, size](int /*number*/, const QString& name) {
         return folder.isEmpty() ? QImage()
                                 : LoadMask(folder + QLatin1Char('/') + BitmapFile(name), size);
+    };
+    return {text, load, m_path};
+}
+
+/// The journal's masks, also while a project of another layer size is open.
+StoredProject Version::StoredJournal() const
+{
+    const auto reader = JournalReader::Open(PathOf(VersionFiles::Journal));
+    if (!reader) {
+        return {{}, [](int, const QString&) { return QImage(); }, m_path};
+    }
+    const QByteArray text = reader->Text();
+    const QSize size = OutlineOf(text).layerSize;
+    const auto load = [reader = *reader, size](int number, const QString& /*name*/) {
+        // Damaged files may name two sizes.
+        return reader.LayerSize() == size ? reader.Mask(number) : QImage();
     };
     return {text, load, m_path};
 }

@@ -56,8 +56,8 @@ public:
     /// The files of its bitmaps, without their folder.
     QStringList Bitmaps() const;
 
-    /// To open it. A malformed document is given up to its fault. Layers without a readable bitmap
-    /// are left out when it is opened.
+    /// To open it; without a text when it cannot be read any more. A malformed document is given up
+    /// to its fault. Layers without a readable bitmap are left out when it is opened.
     StoredProject Stored() const;
     /// The picture that was kept for it; null for none.
     QImage Picture() const;
@@ -71,6 +71,7 @@ public:
 private:
     explicit Version(const QString& folder);
     QString PathOf(QLatin1String file) const;
+    StoredProject StoredJournal() const;
 
     QString m_folder;
     VersionKind m_kind = VersionKind::Saved;

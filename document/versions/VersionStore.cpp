@@ -4,6 +4,7 @@
 #include "app/OutputFile.h"
 #include "app/ProjectSettings.h"
 #include "document/KnownFiles.h"
+#include "document/journal/JournalFolder.h"
 #include "document/versions/ProjectOutline.h"
 #include "document/versions/VersionFolders.h"
 #include "document/versions/VersionPruning.h"
@@ -15,7 +16,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
-#include <QStandardPaths>
 #include <QXmlStreamWriter>
 
 #include <algorithm>
@@ -39,18 +39,6 @@ struct VersionStore::Source
 };
 
 namespace {
-
-/// Makes the folder and those above, for nobody but the user.
-std::error_code MakePrivate(const QString& folder)
-{
-    std::error_code error;
-    std::filesystem::create_directories(platform::ToPath(folder), error);
-    if (!error) {
-        std::filesystem::permissions(platform::ToPath(folder), std::filesystem::perms::owner_all,
-                                     error);
-    }
-    return error;
-}
 
 std::error_code Rename(const QString& from, const QString& to)
 {
@@ -222,8 +210,7 @@ VersionStore::VersionStore(const QString& folder, const VersionLimits& limits)
 
 QString VersionStore::DefaultFolder()
 {
-    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) +
-           QStringLiteral("/versions");
+    return journal::DataFolder(QStringLiteral("versions"));
 }
 
 QString VersionStore::ProjectFolder(const QString& path) const
@@ -266,11 +253,8 @@ std::error_code VersionStore::Keep(VersionKind kind, const QString& path,
     const QString folder = ProjectFolder(path);
     const QString unfinished = folder + QLatin1Char('/') + VersionFolders::NewUnfinished();
     const QDateTime now = QDateTime::currentDateTimeUtc();
-    std::error_code error = MakePrivate(m_folder);
-    for (const QString& made :
-         {folder, unfinished, unfinished + QLatin1Char('/') + VersionFiles::Layers}) {
-        error = error ? error : MakePrivate(made);
-    }
+    std::error_code error =
+        journal::MakePrivate(unfinished + QLatin1Char('/') + VersionFiles::Layers);
     for (int i = 0; !error && i < sources.size(); ++i) {
         error = Put(sources[i], same[i], unfinished + QLatin1Char('/') + sources[i].to);
     }
@@ -388,33 +372,25 @@ VersionStore::Kept VersionStore::KeepBeforeSave(const QString& path, const QStri
     return {ProblemText(error), target.unknown, !error};
 }
 
-QString VersionStore::KeepDiscarded(const QString& journal, const QString& path)
+QString VersionStore::KeepDiscarded(const QString& path, const MoveJournal& moveJournal)
 {
-    if (m_limits.IsOff() || !QFileInfo(journal).isDir()) {
+    if (m_limits.IsOff()) {
         return {};
     }
     const QString folder = ProjectFolder(path);
     const QString unfinished = folder + QLatin1Char('/') + VersionFolders::NewUnfinished();
-    const QString moved = unfinished + QLatin1Char('/') + VersionFiles::Journal;
     const QDateTime now = QDateTime::currentDateTimeUtc();
-    std::error_code error = MakePrivate(m_folder);
-    for (const QString& made : {folder, unfinished}) {
-        error = error ? error : MakePrivate(made);
-    }
+    std::error_code error = journal::MakePrivate(unfinished);
     if (!error) {
         error = Write(Version::InfoText(VersionKind::Discarded, now, path),
                       unfinished + QLatin1Char('/') + VersionFiles::Info);
     }
-    if (!error) {
-        error = Rename(journal, moved);
-    }
-    if (!error) {
+    if (!error && moveJournal(unfinished + QLatin1Char('/') + VersionFiles::Journal)) {
         error = Rename(unfinished, folder + QLatin1Char('/') + VersionFolders::NewId(now));
-    }
-    if (error) {
-        Rename(moved, journal);
+    } else {
         QDir(unfinished).removeRecursively();
         QDir().rmdir(folder);
+        QDir().rmdir(m_folder);
     }
     return ProblemText(error);
 }

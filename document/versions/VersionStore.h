@@ -7,6 +7,8 @@
 #include <QStringList>
 #include <QVector>
 
+#include <functional>
+#include <optional>
 #include <system_error>
 
 class KnownFiles;
@@ -45,9 +47,12 @@ public:
     /// A version shares the files with the project as long as the save puts new ones in their
     /// places; others are copied.
     Kept KeepBeforeSave(const QString& path, const QStringList& layers, const KnownFiles& known);
-    /// Moves a journal's folder here. path: the project's; empty if it was never saved. Returns the
-    /// problem, for the user; empty for none.
-    QString KeepDiscarded(const QString& journal, const QString& path);
+    /// Moves a journal's folder to a path where there is nothing yet. False when there is none to
+    /// be moved, or when that fails; then the journal is where it was.
+    using MoveJournal = std::function<bool(const QString& target)>;
+    /// Keeps the journal of unsaved work. path: the project's; empty if it was never saved. Returns
+    /// the problem, for the user; empty for none.
+    QString KeepDiscarded(const QString& path, const MoveJournal& moveJournal);
 
     /// Removes what exceeds the limits. What projects still share costs nothing until they replace
     /// it, so call this after a save.

@@ -1,12 +1,14 @@
 #include "app/OutputFile.h"
 #include "document/KnownFiles.h"
 #include "document/StoredProject.h"
+#include "document/journal/Recovery.h"
 #include "document/versions/ProjectOutline.h"
 #include "document/versions/VersionFolders.h"
 #include "document/versions/VersionStore.h"
 #include "platform/Files.h"
 #include "tests/support/FailingDisk.h"
 #include "tests/support/Files.h"
+#include "tests/support/JournalSession.h"
 #include "tests/support/Masks.h"
 #include "tests/support/ProjectFixture.h"
 #include "tests/support/TargaFiles.h"
@@ -331,17 +333,39 @@ void tst_VersionStore::KeepsAMalformedDocument()
 
 void tst_VersionStore::KeepsAJournal()
 {
+    const DataFolder data;
+    // The open project has another layer size.
+    const QSize size(70, 70);
     for (const QString& path : {QString(), Path("project/map.xml")}) {
-        WriteBytes(Path("recovery/token/log"), "tiles");
-        QCOMPARE(Store().KeepDiscarded(Path("recovery/token"), path), QString());
-        QVERIFY(!QFileInfo::exists(Path("recovery/token")));
+        JournalSession session(size, path);
+        QVERIFY(session.Begin() && session.AddBlankLayer());
+        const int layer = session.Masks().firstKey();
+        QVERIFY(session.Paint(layer, FullMask(size)));
+        const QByteArray text =
+            R"(<qm-config><global><layer size="70"/></global><layers><layer name="red"/></layers></qm-config>)";
+        QVERIFY(session.Commit(text));
+
+        const auto move = [&session](const QString& target) {
+            return session.Writer().MoveTo(target);
+        };
+        QCOMPARE(Store().KeepDiscarded(path, move), QString());
+
+        QCOMPARE(Recovery::DeadJournals(), QStringList());
         QCOMPARE(Store().VersionsOf(path).size(), 1);
         const Version version = Store().VersionsOf(path).constFirst();
         QCOMPARE(version.Kind(), VersionKind::Discarded);
         QCOMPARE(version.Path(), path);
-        QCOMPARE(ReadBytes(version.Folder() + "/journal/log"), QByteArray("tiles"));
+        QVERIFY(!version.HasFiles());
+        QVERIFY(version.Bytes() > text.size());
+        QCOMPARE(version.Stored().text, text);
+        QCOMPARE(version.Stored().path, path);
+        QCOMPARE(version.Stored().masks(0, "red"), FullMask(size));
+        QVERIFY(version.Stored().masks(1, "blue").isNull());
+
+        WriteBytes(version.Folder() + "/journal/log", "damaged");
+        QCOMPARE(version.Stored().text, QByteArray());
     }
-    QCOMPARE(Store().KeepDiscarded({}, {}), QString());
+    QCOMPARE(Store().KeepDiscarded({}, [](const QString&) { return false; }), QString());
     QCOMPARE(Store().Versions().size(), 2);
 }
 
@@ -374,12 +398,13 @@ void tst_VersionStore::TellsWhyNothingWasKept()
     const auto kept = store.KeepBeforeSave(Path("project/map.xml"), {"red", "blue"}, OwnProject());
 
     QCOMPARE(kept.problem, QString("No earlier version could be kept: %1")
-                               .arg(isFull ? "No space left on device" : "Not a directory"));
+                               .arg(isFull ? "No space left on device" : "File exists"));
     QCOMPARE(store.Versions().size(), 0);
     QCOMPARE(FilesBelow(Path("project")), before);
-    WriteBytes(Path("recovery/token/log"), "tiles");
-    QVERIFY(!store.KeepDiscarded(Path("recovery/token"), {}).isEmpty());
-    QCOMPARE(ReadBytes(Path("recovery/token/log")), QByteArray("tiles"));
+    bool isMoved = false;
+    const auto move = [&isMoved](const QString&) { return isMoved = true; };
+    QCOMPARE(store.KeepDiscarded({}, move), kept.problem);
+    QVERIFY(!isMoved);
 }
 
 void tst_VersionStore::KeepsTheNewestAndOneADay_data()

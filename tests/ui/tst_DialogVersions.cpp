@@ -4,6 +4,7 @@
 #include "document/versions/VersionStore.h"
 #include "layers/Layer.h"
 #include "tests/support/Files.h"
+#include "tests/support/JournalSession.h"
 #include "tests/support/TargaFiles.h"
 #include "tests/support/WindowFixture.h"
 #include "ui/DialogVersions.h"
@@ -19,6 +20,9 @@
 #include <QTreeView>
 
 namespace {
+
+const QByteArray Unsaved = R"(<qm-config><global><layer size="64"/><world size="64"/></global>
+<layers><layer name="unsaved"/></layers></qm-config>)";
 
 /// What a row shows.
 QStringList RowTexts(const QAbstractItemModel& model, int row)
@@ -47,6 +51,7 @@ private slots:
     void ShowsAPicture();
     void CopiesFiles();
     void LeavesUnsavedWorkToTheUser();
+    void LeavesTheProjectWhenAVersionIsGone();
     void NamesTheFirstOfMany();
     void KeepsTheJournalOfWhatIsDiscarded_data();
     void KeepsTheJournalOfWhatIsDiscarded();
@@ -333,6 +338,21 @@ void tst_DialogVersions::LeavesUnsavedWorkToTheUser()
     QCOMPARE(LayerNames(fixture), QStringList({"brown", "blue"}));
 }
 
+void tst_DialogVersions::LeavesTheProjectWhenAVersionIsGone()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    RenameFirstLayer(fixture, "green");
+    fixture.Trigger("actionQuickSave");
+    Answer(fixture, [](DialogVersions& dialog) {
+        QVERIFY(QDir(dialog.Selected()->Folder()).removeRecursively());
+        QTest::mouseClick(dialog.findChild<QPushButton*>("btnOpenCopy"), Qt::LeftButton);
+    });
+    QCOMPARE(LayerNames(fixture), QStringList({"green", "blue"}));
+    QCOMPARE(fixture.log.Messages().constLast(),
+             QString("Error: The earlier version cannot be read any more."));
+}
+
 void tst_DialogVersions::NamesTheFirstOfMany()
 {
     QCOMPARE(NameList({"a", "b"}), QString("a, b"));
@@ -384,21 +404,30 @@ void tst_DialogVersions::KeepsTheJournalOfWhatIsDiscarded()
     fixture.WriteProject("other");
     const QString path = fixture.WriteProject();
     fixture.Load(path);
-    fixture.window->SetJournalRelease([&fixture] {
-        WriteBytes(fixture.Path("token/log"), "tiles");
-        return fixture.Path("token");
-    });
+    JournalSession session({64, 64}, path);
+    QVERIFY(session.Begin() && session.AddBlankLayer());
+    QVERIFY(session.Commit(Unsaved));
+    fixture.window->SetJournalMove(
+        [&session](const QString& target) { return session.Writer().MoveTo(target); });
     RenameFirstLayer(fixture, "green");
 
     discard(fixture);
 
     const QVector<Version> versions = VersionStore().VersionsOf(path);
     QCOMPARE(versions.size(), kept);
-    if (kept > 0) {
-        QCOMPARE(versions.constFirst().Kind(), VersionKind::Discarded);
-        QCOMPARE(ReadBytes(versions.constFirst().Folder() + "/journal/log"), QByteArray("tiles"));
+    fixture.window->SetJournalMove({});
+    if (kept == 0) {
+        return;
     }
-    fixture.window->SetJournalRelease({});
+    QCOMPARE(versions.constFirst().Kind(), VersionKind::Discarded);
+    fixture.SetModified(false);
+    Answer(fixture, [](DialogVersions& dialog) {
+        QCOMPARE(RowTexts(*View(dialog).model(), 0)[1], QString("discarded"));
+        QVERIFY(!dialog.findChild<QPushButton*>("btnCopyFiles")->isEnabled());
+        QTest::mouseClick(dialog.findChild<QPushButton*>("btnOpenCopy"), Qt::LeftButton);
+    });
+    QCOMPARE(LayerNames(fixture), QStringList("unsaved"));
+    QVERIFY(fixture.IsModified());
 }
 
 void tst_DialogVersions::TellsWhenNothingCanBeKept()
