@@ -15,7 +15,9 @@
 #include <QJsonObject>
 #include <QSaveFile>
 
+#include <algorithm>
 #include <filesystem>
+#include <system_error>
 
 namespace {
 
@@ -24,7 +26,7 @@ constexpr qint64 MaxInfoBytes = 1 << 16;
 
 const struct
 {
-    VersionKind kind;
+    VersionKind kind = VersionKind::Saved;
     QLatin1String name;
 } Kinds[] = {
     {VersionKind::Saved, QLatin1String("saved")},

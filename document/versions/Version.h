@@ -22,12 +22,12 @@ enum class VersionKind
 
 /// What a version's folder holds.
 namespace VersionFiles {
-constexpr QLatin1String Info("version.json");
-constexpr QLatin1String Document("document.xml");
+inline const QLatin1String Info("version.json");
+inline const QLatin1String Document("document.xml");
 /// The bitmaps' folder.
-constexpr QLatin1String Layers("layers");
-constexpr QLatin1String Journal("journal");
-constexpr QLatin1String Picture("picture.png");
+inline const QLatin1String Layers("layers");
+inline const QLatin1String Journal("journal");
+inline const QLatin1String Picture("picture.png");
 } // namespace VersionFiles
 
 /// An earlier state of a project: a folder with "document.xml", the bitmaps of its layers as plain

@@ -23,8 +23,6 @@
 #include <cstring>
 #include <filesystem>
 #include <iterator>
-#include <map>
-#include <utility>
 
 /// A file of a version that is to be made.
 struct VersionStore::Source
