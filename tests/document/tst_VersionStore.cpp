@@ -239,8 +239,10 @@ void tst_VersionStore::KeepsNothingThatIsKept()
     QCOMPARE(MapVersions().size(), 2);
     QCOMPARE(Rows(MapVersions()[0], "blue"), Column('3'));
     QCOMPARE(Rows(MapVersions()[1], "blue"), Column('1'));
+#ifndef QUILLMAP_PORTABLE
     const QString red = "/layers/red.tga";
     QCOMPARE(IsOneFile(MapVersions()[0].Folder() + red, MapVersions()[1].Folder() + red), true);
+#endif
 
     // A layer less is another state.
     QVERIFY(QFile::remove(Path("project/layers/blue.tga")));
