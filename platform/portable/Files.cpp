@@ -97,6 +97,16 @@ std::error_code Sync(QFile& file)
     return file.flush() ? std::error_code() : std::make_error_code(std::errc::io_error);
 }
 
+std::optional<FileIdentity> IdentityOf(const QString& /*path*/)
+{
+    return std::nullopt;
+}
+
+bool CanBeReplaced(const QString& /*path*/)
+{
+    return false;
+}
+
 std::error_code OpenDevice(QFile& file)
 {
     if (QFileInfo(file).isDir()) {
