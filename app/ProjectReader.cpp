@@ -27,7 +27,8 @@ void ProjectReader::ReadSettings()
     QXmlStreamReader xml(&m_device);
     WalkXml(xml, {
                      {QLatin1String("global"),
-                      [&settings](QXmlStreamReader& element) {
+                      [this, &settings](QXmlStreamReader& element) {
+                          m_holdsProject = true;
                           settings.ReadXml(element);
                           return true;
                       }},
@@ -46,10 +47,17 @@ void ProjectReader::ReadSettings()
 
 bool ProjectReader::Read(const Handlers& handlers)
 {
+    m_holdsProject = false;
     ReadSettings();
     m_device.seek(0);
     m_xml.setDevice(&m_device);
     m_selectedRow = -1;
+    const auto note = [this](const std::function<bool(QXmlStreamReader&)>& read) {
+        return [this, read](QXmlStreamReader& element) {
+            m_holdsProject = true;
+            return read(element);
+        };
+    };
     return WalkXml(m_xml, {
                               {QLatin1String("selected"),
                                [this](QXmlStreamReader& element) {
@@ -63,9 +71,17 @@ bool ProjectReader::Read(const Handlers& handlers)
                                }},
                               PassOver(QLatin1String("global")),
                               PassOver(QLatin1String("areas")),
-                              {QLatin1String("layers"), handlers.layers},
-                              {QLatin1String("territory-type-list"), handlers.territoryTypes},
+                              {QLatin1String("layers"), note(handlers.layers)},
+                              {QLatin1String("territory-type-list"), note(handlers.territoryTypes)},
                           });
+}
+
+std::optional<DocumentFault> ProjectReader::Fault() const
+{
+    if (!m_xml.hasError()) {
+        return {};
+    }
+    return DocumentFault{m_xml.errorString(), m_xml.lineNumber()};
 }
 
 void ProjectReader::Stop()

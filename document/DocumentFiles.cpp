@@ -36,9 +36,13 @@ void Document::SetPath(const QString& path)
 {
     m_path = path;
     m_files.Clear();
-    if (path.isEmpty()) {
-        return;
+    if (!path.isEmpty()) {
+        NoteFiles(path);
     }
+}
+
+void Document::NoteFiles(const QString& path)
+{
     m_files.Note(path);
     const QVector<Layer*> layers = m_layers.Layers();
     for (const Layer* layer : layers) {

@@ -5,6 +5,7 @@
 #include <QHash>
 #include <QImage>
 #include <QObject>
+#include <QStringList>
 #include <QVector>
 
 #include <functional>
@@ -23,6 +24,8 @@ using MaskSource = std::function<QImage(int number, const QString& name)>;
 /// The mask in the bitmap of that name in the project's "layers" folder. Logs errors in the file,
 /// and a name that leads out of the folder.
 QImage LoadProjectMask(int number, const QString& name);
+/// Why LoadProjectMask gives no mask for that name, as a sentence about the bitmap.
+QString WhyNoProjectMask(const QString& name);
 
 /// The layers of the open project. The rows of its model are the layers, in the order in which they
 /// are listed, saved and stacked. The model owns them: removing a row destroys its layer.
@@ -70,6 +73,8 @@ public:
     /// Reads the "layers" element and the masks of its layers; the reader must be on the start tag.
     /// A layer without a mask is left out. Returns false if the reader has an error.
     bool ReadXml(QXmlStreamReader& xml, const MaskSource& masks = LoadProjectMask);
+    /// The names of the layers that were left out since the list was cleared.
+    const QStringList& LeftOut() const { return m_leftOut; }
     /// Writes the "layers" element and every layer's bitmap. Writes nothing for an empty list.
     /// Layers whose bitmaps would overwrite one another or lie outside of the folder are renamed
     /// first, with a logged error. Returns how many bitmaps could not be written.
@@ -95,4 +100,5 @@ private:
     void RenameForSaving();
 
     RowModel* m_model;
+    QStringList m_leftOut;
 };

@@ -7,6 +7,8 @@
 /// mask. Returns null on failure. A file that is missing or cannot be read is not logged; a file of
 /// another kind or size logs an error.
 QImage LoadTarga(const QString& fileName);
+/// Why LoadTarga gives no mask for the file, as a sentence about the bitmap.
+QString WhyNotLoaded(const QString& fileName);
 
 /// Writes a Format_Indexed8 image. Returns false after logging an error. A failed write leaves the
 /// old file as it was.

@@ -102,6 +102,7 @@ ProjectActions::ProjectActions(const EditorParts& parts, LayerComposition& compo
     : m_parts(parts)
     , m_composition(composition)
     , m_modes(modes)
+    , m_notices(*parts.form.barNotice)
 {
 }
 
@@ -181,11 +182,7 @@ bool ProjectActions::Load()
     }
     m_parts.document.SetName(QFileInfo(file).baseName());
     m_parts.window.SetTitle(Settings().Name());
-    const bool isRead = ReadFrom(file, LoadProjectMask);
-    if (isRead) {
-        m_parts.document.SetPath(QFileInfo(file).absoluteFilePath());
-    }
-    return isRead;
+    return ReadFrom(file, LoadProjectMask, QFileInfo(file).absoluteFilePath());
 }
 
 bool ProjectActions::OpenStored(const StoredProject& stored, bool asCopy)
@@ -204,15 +201,15 @@ bool ProjectActions::OpenStored(const StoredProject& stored, bool asCopy)
     QByteArray text = stored.text;
     QBuffer device(&text);
     device.open(QIODevice::ReadOnly);
-    const bool isRead = ReadFrom(device, stored.masks);
+    const bool isRead = ReadFrom(device, stored.masks, hasFile ? stored.path : QString());
     if (isRead) {
-        m_parts.document.SetPath(hasFile ? stored.path : QString());
         m_parts.document.BeginHistory(false);
     }
     return isRead;
 }
 
-bool ProjectActions::ReadFrom(QIODevice& file, const MaskSource& masks)
+/// path: the file that the project belongs to; empty for none.
+bool ProjectActions::ReadFrom(QIODevice& file, const MaskSource& masks, const QString& path)
 {
     BeginReplacing();
     ProjectReader reader(file);
@@ -220,7 +217,24 @@ bool ProjectActions::ReadFrom(QIODevice& file, const MaskSource& masks)
     const bool isRead = !m_isStopped && m_parts.document.Read(reader, masks);
     m_reader = nullptr;
     m_parts.terTypes.ExpandAll();
+    ReadReport report{Settings().FileName(), isRead, reader.HoldsProject(), reader.Fault(), {}, 0};
+    // A state that was kept elsewhere has its bitmaps there.
+    const bool hasBitmapFiles = qobject_cast<QFile*>(&file) != nullptr;
+    const QStringList leftOut = m_parts.document.Layers().LeftOut();
+    for (const QString& name : leftOut) {
+        report.leftOut.append({name, hasBitmapFiles ? WhyNoProjectMask(name) : QString()});
+    }
+    report.layerCount = leftOut.size() + m_parts.document.Layers().Layers().size();
     Finalize(isRead, isRead ? reader.SelectedRow() : -1);
+    if (!m_isStopped) {
+        m_notices.ShowRead(report);
+    }
+    if (report.IsWhole()) {
+        m_parts.document.SetPath(path);
+    } else if (isRead && !path.isEmpty()) {
+        // "Save now" must not write over what was not read.
+        m_parts.document.NoteFiles(path);
+    }
     return isRead;
 }
 
@@ -245,6 +259,7 @@ void ProjectActions::EmptyLists()
     m_parts.terTypes.ClearSelection();
     m_parts.scene.ChangeLayer(nullptr);
     m_parts.document.Clear();
+    m_notices.Withdraw();
     m_parts.layerProps.SetLayer(nullptr, false);
     m_parts.scene.ClearLayers();
 }
@@ -369,6 +384,7 @@ bool ProjectActions::SaveTo(const QString& path)
     m_parts.window.SetTitle(Settings().Name());
     if (isSaved) {
         m_parts.document.SetPath(Settings().ProjectFilePath());
+        m_notices.FollowSave();
     }
     if (isSaved && Settings().IsModified()) {
         // A bitmap could not be written, so the files are those of no state of the history.

@@ -2,6 +2,7 @@
 
 #include "layers/LayerList.h"
 #include "ui/EditorParts.h"
+#include "ui/ProjectNotices.h"
 
 #include <QString>
 
@@ -76,7 +77,7 @@ private:
 
     void Create(const DialogNewProject& dialog);
     bool AskForProject();
-    bool ReadFrom(QIODevice& file, const MaskSource& masks);
+    bool ReadFrom(QIODevice& file, const MaskSource& masks, const QString& path);
     void ReadMap(QFile& file);
     void BeginReplacing();
     void EmptyLists();
@@ -86,6 +87,7 @@ private:
     EditorParts m_parts;
     LayerComposition& m_composition;
     InteractionModes& m_modes;
+    ProjectNotices m_notices;
     ProjectReader* m_reader = nullptr;
     QString m_startUpPath;
     Work m_work = Work::None;

@@ -1,0 +1,277 @@
+#include "document/Document.h"
+#include "layers/LayerList.h"
+#include "tests/support/Files.h"
+#include "tests/support/WindowFixture.h"
+#include "ui/widgets/NoticeBar.h"
+
+#include <QAbstractButton>
+#include <QDialog>
+#include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTest>
+
+namespace {
+
+const char* const Red = "name=\"red\"/>";
+
+/// A window whose project can be changed on disk before it is loaded.
+class Editor : public WindowFixture
+{
+public:
+    Editor()
+        : path(WriteProject())
+    {
+    }
+
+    void Replace(const QByteArray& old, const QByteArray& now) const
+    {
+        QByteArray document = ReadBytes(path);
+        QVERIFY(document.contains(old));
+        WriteBytes(path, document.replace(old, now));
+    }
+    QWidget& Bar() const { return *Child<QWidget>("barNotice"); }
+    /// The texts of all notices, dismissing each.
+    QStringList TakeNotices() const
+    {
+        QStringList texts;
+        while (!Bar().isHidden()) {
+            texts.append(Child<QLabel>("lblNotice")->text());
+            Click("btnNoticeClose");
+        }
+        return texts;
+    }
+    QString Notice() const
+    {
+        return Bar().isHidden() ? QString() : Child<QLabel>("lblNotice")->text();
+    }
+    void Click(const char* button) const
+    {
+        auto* widget = Child<QAbstractButton>(button);
+        QVERIFY2(widget, button);
+        // A layout shows a new button later.
+        QTRY_VERIFY2(widget->isVisible(), button);
+        QTest::mouseClick(widget, Qt::LeftButton);
+    }
+    QDialog* LeftOutList() const { return Child<QDialog>("DialogLeftOut"); }
+
+    const QString path;
+};
+
+} // namespace
+
+/// What the bar above the map tells about the open project.
+class tst_ProjectNotices : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void TellsWhatALoadDidNotRead_data();
+    void TellsWhatALoadDidNotRead();
+    void SavesNowOnlyOverWhatWasRead_data();
+    void SavesNowOnlyOverWhatWasRead();
+    void ShortensLongTexts();
+    void ListsTheLayersThatWereLeftOut();
+    void AnotherProjectWithdrawsThem_data();
+    void AnotherProjectWithdrawsThem();
+    void AFileThatCannotBeOpenedKeepsThem();
+};
+
+void tst_ProjectNotices::TellsWhatALoadDidNotRead_data()
+{
+    QTest::addColumn<QByteArray>("old");
+    QTest::addColumn<QByteArray>("now");
+    QTest::addColumn<QStringList>("notices");
+
+    QTest::newRow("nothing is missing") << QByteArray() << QByteArray() << QStringList();
+    QTest::newRow("one layer") << QByteArray(Red) << QByteArray("name=\"Lake\"/>")
+                               << QStringList{"1 of 2 layers was left out: Lake. Saving would "
+                                              "remove it from the project."};
+    QTest::newRow("two layers")
+        << QByteArray(Red)
+        << QByteArray("name=\"Lake\"/><layer name=\"../x\"/><layer name=\"red\"/>")
+        << QStringList{"2 of 4 layers were left out: Lake, ../x. Saving would remove them from "
+                       "the project."};
+    QTest::newRow("behind the lists")
+        << QByteArray("</territory-type-list>") << QByteArray("</territory-type-list><a></b>")
+        << QStringList{"The document ends at a fault in line 24: Opening and ending tag mismatch. "
+                       "What follows it was not read; saving would remove it."};
+    QTest::newRow("a fault and a layer")
+        << QByteArray("name=\"blue\"/>\n    </layers>") << QByteArray("name=\"Lake\"/></layers><&")
+        << QStringList{"The document ends at a fault in line 16: Unexpected '&'. What follows it "
+                       "was not read; saving would remove it.",
+                       "1 of 2 layers was left out: Lake. Saving would remove it from the "
+                       "project."};
+    QTest::newRow("within the layers")
+        << QByteArray("name=\"blue\"/>") << QByteArray("name=\"blue\"></a>")
+        << QStringList{"'small.xml' could not be read: it has a fault in line 16: Opening and "
+                       "ending tag mismatch. Saving over it would remove what it holds."};
+}
+
+void tst_ProjectNotices::TellsWhatALoadDidNotRead()
+{
+    QFETCH(QByteArray, old);
+    QFETCH(QByteArray, now);
+    QFETCH(QStringList, notices);
+    Editor editor;
+    if (!old.isEmpty()) {
+        editor.Replace(old, now);
+    }
+
+    editor.Load(editor.path);
+
+    QCOMPARE(editor.TakeNotices(), notices);
+}
+
+void tst_ProjectNotices::SavesNowOnlyOverWhatWasRead_data()
+{
+    QTest::addColumn<QByteArray>("document");
+    QTest::addColumn<QString>("notice");
+
+    const QString none = "'small.xml' holds no project data. Saving over it would remove what it "
+                         "holds.";
+    QTest::newRow("another program's") << QByteArray("<html><body>x</body></html>") << none;
+    QTest::newRow("an empty file") << QByteArray() << none;
+    QTest::newRow("no XML") << QByteArray("\x89PNG\r\n") << none;
+    QTest::newRow("flag types") << QByteArray(
+                                       "<areas><usages><usage name='Town'/></usages></areas>")
+                                << none;
+    QTest::newRow("an exported territory type")
+        << QByteArray("<territory-type name='Deer'><territory/></territory-type>") << none;
+    QTest::newRow("a project without its end")
+        << QByteArray("<qm-config><global><layer size='64'/><world size='640'/></global>")
+        << "The document ends at a fault in line 1: Premature end of document. What follows it was "
+           "not read; saving would remove it.";
+    QTest::newRow("a project without its lists")
+        << QByteArray("<qm-config><layers><layer name='a'></layers></qm-config>")
+        << "'small.xml' could not be read: it has a fault in line 1: Opening and ending tag "
+           "mismatch. Saving over it would remove what it holds.";
+}
+
+void tst_ProjectNotices::SavesNowOnlyOverWhatWasRead()
+{
+    QFETCH(QByteArray, document);
+    QFETCH(QString, notice);
+    Editor editor;
+    WriteBytes(editor.path, document);
+
+    editor.Load(editor.path);
+
+    QCOMPARE(editor.Notice(), notice);
+    QCOMPARE(editor.window->GetDocument().Path(), QString());
+    editor.answers.AddCancel();
+    editor.Trigger("actionQuickSave");
+    QCOMPARE(editor.answers.Asked().constLast(), "Save");
+    QCOMPARE(ReadBytes(editor.path), document);
+
+    editor.SaveOver("actionSave", editor.path);
+
+    // Now it is a project, and nothing can be lost any more.
+    QCOMPARE(editor.Notice(), QString());
+    QCOMPARE(editor.window->GetDocument().Path(), editor.path);
+}
+
+void tst_ProjectNotices::ShortensLongTexts()
+{
+    Editor editor;
+    QByteArray layers;
+    for (int i = 1; i <= 60; ++i) {
+        layers += "<layer name=\"" + QByteArray::number(i) + QByteArray(90, 'x') + "\"/>";
+    }
+    editor.Replace("<layers>", "<layers>" + layers);
+    const int width = editor.window->minimumSizeHint().width();
+
+    editor.Load(editor.path);
+
+    const QString x(38, 'x');
+    QCOMPARE(editor.Notice(),
+             QString("60 of 62 layers were left out: 1%1…, 2%1…, 3%1…, 4%1…, 5%1… and 55 more. "
+                     "Saving would remove them from the project.")
+                 .arg(x));
+    QCOMPARE(editor.window->minimumSizeHint().width(), width);
+}
+
+void tst_ProjectNotices::ListsTheLayersThatWereLeftOut()
+{
+    Editor editor;
+    editor.Replace("<layers>", "<layers><layer name=\"gone\"/><layer name=\"../x\"/>"
+                               "<layer name=\"colour\"/><layer name=\"small\"/>"
+                               "<layer name=\"folder\"/>");
+    const QString layers = editor.Path("small/layers/");
+    QByteArray bitmap = ReadBytes(layers + "red.tga");
+    bitmap[12] = 32;
+    WriteBytes(layers + "small.tga", bitmap);
+    bitmap[2] = 2;
+    WriteBytes(layers + "colour.tga", bitmap);
+    QVERIFY(QDir().mkpath(layers + "folder.tga"));
+    editor.Load(editor.path);
+
+    editor.Click("btnNoticeShow");
+    editor.Click("btnNoticeShow");
+
+    QVERIFY(editor.LeftOutList());
+    QVERIFY(!editor.LeftOutList()->isModal());
+    QCOMPARE(editor.window->findChildren<QDialog*>("DialogLeftOut").size(), 1);
+    QStringList lines{"gone: There is no file '%1gone.tga'.",
+                      "../x: Its bitmap lies outside the project.",
+                      "colour: '%1colour.tga' is no bitmap of grey values.",
+                      "small: '%1small.tga' has another size than the layers of the project.",
+                      "folder: '%1folder.tga' cannot be read."};
+    lines.replaceInStrings("%1", layers);
+    QCOMPARE(editor.Child<QPlainTextEdit>("txtLeftOut")->toPlainText(), lines.join('\n'));
+    // The notice stays until it is dismissed, and the list until it is closed.
+    editor.TakeNotices();
+    QVERIFY(editor.LeftOutList()->isVisible());
+    QTest::keyClick(editor.LeftOutList(), Qt::Key_Escape);
+    QTRY_VERIFY(!editor.LeftOutList());
+}
+
+void tst_ProjectNotices::AnotherProjectWithdrawsThem_data()
+{
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QString>("file");
+
+    QTest::newRow("a load") << "actionLoad"
+                            << "other/other.xml";
+    QTest::newRow("a failed import") << "actionImportMap"
+                                     << "other/other.xml";
+}
+
+void tst_ProjectNotices::AnotherProjectWithdrawsThem()
+{
+    QFETCH(QString, action);
+    QFETCH(QString, file);
+    Editor editor;
+    editor.WriteProject("other");
+    editor.Replace("<layers>", "<layers><layer name=\"Lake\"/>");
+    editor.Replace("</qm-config>", "</x>");
+    editor.Load(editor.path);
+    const NoticeBar& bar = *editor.Child<NoticeBar>("barNotice");
+    QVERIFY(bar.isVisible());
+    editor.SetModified(false);
+
+    editor.TriggerWithFile(action.toLatin1(), editor.Path(file));
+
+    QVERIFY(bar.isHidden());
+}
+
+void tst_ProjectNotices::AFileThatCannotBeOpenedKeepsThem()
+{
+    Editor editor;
+    editor.Replace("<layers>", "<layers><layer name=\"Lake\"/>");
+    editor.Load(editor.path);
+    const QString other = editor.WriteProject("other");
+    editor.answers.Add([&](QWidget& dialog) {
+        dialog.findChild<QLineEdit*>("fileNameEdit")->setText(other);
+        static_cast<QDialog*>(qobject_cast<QFileDialog*>(&dialog))->accept();
+        QFile::remove(other);
+    });
+
+    editor.Trigger("actionLoad");
+
+    QVERIFY(editor.Notice().startsWith("1 of 3 layers"));
+}
+
+QTEST_MAIN(tst_ProjectNotices)
+#include "tst_ProjectNotices.moc"
