@@ -229,6 +229,7 @@ bool ProjectActions::ReadFrom(QIODevice& file, const MaskSource& masks, const QS
     if (!m_isStopped) {
         m_notices.ShowRead(report);
     }
+    m_replaced.SetOwn(BitmapPaths());
     if (report.IsWhole()) {
         m_parts.document.SetPath(path);
     } else if (isRead && !path.isEmpty()) {
@@ -236,6 +237,16 @@ bool ProjectActions::ReadFrom(QIODevice& file, const MaskSource& masks, const QS
         m_parts.document.NoteFiles(path);
     }
     return isRead;
+}
+
+QStringList ProjectActions::BitmapPaths() const
+{
+    QStringList paths;
+    const QVector<Layer*> layers = m_parts.document.Layers().Layers();
+    for (const Layer* layer : layers) {
+        paths.append(Settings().LayerPath(layer->text()));
+    }
+    return paths;
 }
 
 /// Clears everything that the file replaces, and shows that work is under way.
@@ -260,6 +271,7 @@ void ProjectActions::EmptyLists()
     m_parts.scene.ChangeLayer(nullptr);
     m_parts.document.Clear();
     m_notices.Withdraw();
+    m_replaced.SetOwn({});
     m_parts.layerProps.SetLayer(nullptr, false);
     m_parts.scene.ClearLayers();
 }
@@ -380,7 +392,9 @@ bool ProjectActions::SaveTo(const QString& path)
                            LogInfo(QStringLiteral("Saving project '%1'...").arg(Settings().Name()));
                        },
                        m_parts.document.Layers(), m_parts.document.Types()};
+    m_replaced.BeforeSave(path);
     const bool isSaved = SaveProjectTo(path, parts);
+    m_notices.ShowReplaced(m_replaced.AfterSave());
     m_parts.window.SetTitle(Settings().Name());
     if (isSaved) {
         m_parts.document.SetPath(Settings().ProjectFilePath());

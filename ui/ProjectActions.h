@@ -1,5 +1,6 @@
 #pragma once
 
+#include "document/ReplacedBitmaps.h"
 #include "layers/LayerList.h"
 #include "ui/EditorParts.h"
 #include "ui/ProjectNotices.h"
@@ -79,6 +80,7 @@ private:
     bool AskForProject();
     bool ReadFrom(QIODevice& file, const MaskSource& masks, const QString& path);
     void ReadMap(QFile& file);
+    QStringList BitmapPaths() const;
     void BeginReplacing();
     void EmptyLists();
     void ShowWorld();
@@ -88,6 +90,7 @@ private:
     LayerComposition& m_composition;
     InteractionModes& m_modes;
     ProjectNotices m_notices;
+    ReplacedBitmaps m_replaced;
     ProjectReader* m_reader = nullptr;
     QString m_startUpPath;
     Work m_work = Work::None;

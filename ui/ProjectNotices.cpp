@@ -11,6 +11,10 @@ namespace {
 
 const QString DocumentKey = QStringLiteral("document");
 const QString LeftOutKey = QStringLiteral("left out");
+const QString ReplacedKey = QStringLiteral("replaced");
+
+/// Whether a save keeps what it replaces, in the list of the menu Project.
+constexpr bool KeepsVersions = false;
 
 constexpr int MostNames = 5;
 /// Characters of a name, and of a parser's reason, in the bar. A long word makes the bar, and with
@@ -84,7 +88,7 @@ ProjectNotices::~ProjectNotices() = default;
 
 void ProjectNotices::Withdraw()
 {
-    for (const QString& key : {DocumentKey, LeftOutKey}) {
+    for (const QString& key : {DocumentKey, LeftOutKey, ReplacedKey}) {
         m_bar.Withdraw(key);
     }
     if (m_list) {
@@ -108,6 +112,26 @@ void ProjectNotices::FollowSave()
     for (const QString& key : {DocumentKey, LeftOutKey}) {
         m_bar.Withdraw(key);
     }
+}
+
+void ProjectNotices::ShowReplaced(const QStringList& layers)
+{
+    if (layers.isEmpty()) {
+        return;
+    }
+    const bool isOne = layers.size() == 1;
+    const QString text = isOne ? QStringLiteral("This save replaced 1 bitmap of another project: "
+                                                "%1.")
+                               : QStringLiteral("This save replaced %2 bitmaps of another project: "
+                                                "%1.");
+    const QString old =
+        isOne ? QStringLiteral(" The old one is kept under Project \u2192 Earlier versions.")
+              : QStringLiteral(" The old ones are kept under Project \u2192 Earlier versions.");
+    const QString names = ShortList(layers);
+    m_bar.Show({ReplacedKey,
+                (isOne ? text.arg(names) : text.arg(names, QString::number(layers.size()))) +
+                    (KeepsVersions ? old : QString()),
+                {}});
 }
 
 void ProjectNotices::ShowLeftOut(const ReadReport& report)

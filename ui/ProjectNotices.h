@@ -51,6 +51,8 @@ public:
     void ShowRead(const ReadReport& report);
     /// The project was saved: what would be lost by that is no question any more.
     void FollowSave();
+    /// A save replaced the bitmaps of these layers, which belonged to another project.
+    void ShowReplaced(const QStringList& layers);
 
 private:
     void ShowLeftOut(const ReadReport& report);

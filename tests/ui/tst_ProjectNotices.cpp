@@ -54,6 +54,11 @@ public:
         QTRY_VERIFY2(widget->isVisible(), button);
         QTest::mouseClick(widget, Qt::LeftButton);
     }
+    void RenameFirstLayer(const QString& name) const
+    {
+        LayerList& layers = window->GetDocument().Layers();
+        layers.model()->setData(layers.model()->index(0, 0), name, Qt::EditRole);
+    }
     QDialog* LeftOutList() const { return Child<QDialog>("DialogLeftOut"); }
 
     const QString path;
@@ -76,6 +81,10 @@ private slots:
     void AnotherProjectWithdrawsThem_data();
     void AnotherProjectWithdrawsThem();
     void AFileThatCannotBeOpenedKeepsThem();
+    void TellsWhatASaveReplaced_data();
+    void TellsWhatASaveReplaced();
+    void WhatWasSavedOnceIsTheProjectsOwn();
+    void ANewProjectReplacesWhatLiesInItsFolder();
 };
 
 void tst_ProjectNotices::TellsWhatALoadDidNotRead_data()
@@ -271,6 +280,87 @@ void tst_ProjectNotices::AFileThatCannotBeOpenedKeepsThem()
     editor.Trigger("actionLoad");
 
     QVERIFY(editor.Notice().startsWith("1 of 3 layers"));
+}
+
+void tst_ProjectNotices::TellsWhatASaveReplaced_data()
+{
+    QTest::addColumn<QString>("target");
+    QTest::addColumn<QStringList>("bitmaps");
+    QTest::addColumn<QString>("notice");
+
+    QTest::newRow("its own") << "small/small.xml" << QStringList() << QString();
+    QTest::newRow("its own, for another document")
+        << "small/second.xml" << QStringList() << QString();
+    QTest::newRow("an empty folder") << "other/other.xml" << QStringList() << QString();
+    QTest::newRow("of other names") << "other/other.xml" << QStringList{"green"} << QString();
+    QTest::newRow("one") << "other/other.xml" << QStringList{"green", "red"}
+                         << "This save replaced 1 bitmap of another project: red.";
+    QTest::newRow("two") << "other/other.xml" << QStringList{"red", "blue"}
+                         << "This save replaced 2 bitmaps of another project: blue, red.";
+}
+
+void tst_ProjectNotices::TellsWhatASaveReplaced()
+{
+    QFETCH(QString, target);
+    QFETCH(QStringList, bitmaps);
+    QFETCH(QString, notice);
+    Editor editor;
+    editor.Load(editor.path);
+    QVERIFY(QDir().mkpath(editor.Path("other")));
+    for (const QString& name : qAsConst(bitmaps)) {
+        WriteBytes(editor.Path("other/layers/" + name + ".tga"), "another project's");
+    }
+    const QString path = editor.Path(target);
+
+    if (QFileInfo::exists(path)) {
+        editor.SaveOver("actionSave", path);
+    } else {
+        editor.TriggerWithFile("actionSave", path);
+    }
+
+    QCOMPARE(editor.Notice(), notice);
+}
+
+void tst_ProjectNotices::WhatWasSavedOnceIsTheProjectsOwn()
+{
+    Editor editor;
+    WriteBytes(editor.Path("small/layers/green.tga"), "another project's");
+    editor.Load(editor.path);
+    for (const QString& name : {QString("green"), QString("red"), QString("green")}) {
+        editor.RenameFirstLayer(name);
+        editor.Trigger("actionQuickSave");
+    }
+
+    QCOMPARE(editor.TakeNotices(),
+             QStringList{"This save replaced 1 bitmap of another project: green."});
+
+    editor.Trigger("actionQuickSave");
+    QCOMPARE(editor.TakeNotices(), QStringList());
+    // It belongs to this project, not to the next one.
+    editor.Load(editor.WriteProject("other"));
+    editor.RenameFirstLayer("green");
+    editor.SaveOver("actionSave", editor.path);
+    QCOMPARE(editor.TakeNotices(),
+             QStringList{"This save replaced 2 bitmaps of another project: blue, green."});
+}
+
+void tst_ProjectNotices::ANewProjectReplacesWhatLiesInItsFolder()
+{
+    Editor editor;
+    editor.Load(editor.path);
+    const QString path = editor.Path("small/new.xml");
+    editor.answers.Add([&](QWidget& dialog) {
+        dialog.findChild<QLineEdit*>("txtProjectName")->setText(path);
+        dialog.findChild<QAbstractButton*>("btnOk")->click();
+    });
+    editor.Trigger("actionNew");
+    QCOMPARE(editor.Notice(), QString());
+    editor.Child<QAbstractButton>("btnAddPainted")->click();
+    editor.RenameFirstLayer("red");
+
+    editor.Trigger("actionQuickSave");
+
+    QCOMPARE(editor.Notice(), "This save replaced 1 bitmap of another project: red.");
 }
 
 QTEST_MAIN(tst_ProjectNotices)
