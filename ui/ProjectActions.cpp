@@ -15,6 +15,7 @@
 #include "document/edits/LayerEdits.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
+#include "territories/TerritoryType.h"
 #include "territories/TerritoryTypeList.h"
 #include "ui/DialogNewProject.h"
 #include "ui/DockLayerProps.h"
@@ -32,7 +33,11 @@
 #include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
+
+#include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -139,21 +144,32 @@ void ProjectActions::Create(const DialogNewProject& dialog)
 
 bool ProjectActions::StartWith(const QString& configPath)
 {
+    const QScopedValueRollback<bool> viewing(m_isForViewing, true);
     m_startUpPath = configPath;
     return Load();
+}
+
+void ProjectActions::ShowViewing(const QString& path)
+{
+    m_notices.ShowViewing(Settings().Name(), [this, path] {
+        if (!IsBusy()) {
+            m_startUpPath = path;
+            Load();
+        }
+    });
 }
 
 /// Returns false if the user decides not to load.
 bool ProjectActions::AskForProject()
 {
+    // Also a refused load uses it up.
+    const QString startUpPath = std::exchange(m_startUpPath, QString());
     if (!MayDiscard(m_parts, QStringLiteral("Load configuration"),
                     QStringLiteral("load a different configuration"))) {
         return false;
     }
-    const QString path = m_startUpPath.isEmpty()
-                             ? AskForFile(&m_parts.window, FilePurpose::LoadProject)
-                             : m_startUpPath;
-    m_startUpPath.clear();
+    const QString path =
+        startUpPath.isEmpty() ? AskForFile(&m_parts.window, FilePurpose::LoadProject) : startUpPath;
     if (path.isEmpty()) {
         return false;
     }
@@ -227,6 +243,9 @@ bool ProjectActions::ReadFrom(QIODevice& file, const MaskSource& masks, const QS
     report.layerCount = leftOut.size() + m_parts.document.Layers().Layers().size();
     Finalize(isRead, isRead ? reader.SelectedRow() : -1);
     if (!m_isStopped) {
+        if (isRead && m_isForViewing) {
+            ShowViewing(path);
+        }
         m_notices.ShowRead(report);
     }
     m_replaced.SetOwn(BitmapPaths());
@@ -411,7 +430,9 @@ bool ProjectActions::SaveTo(const QString& path)
 
 void ProjectActions::SaveAll()
 {
-    if (m_parts.layers.HasLayers() && Save()) {
+    const bool hasLayers = m_parts.layers.HasLayers();
+    m_notices.FollowSaveAll(hasLayers || IsBusy());
+    if (hasLayers && Save()) {
         SaveMap();
         ExportTypes(false);
         LogInfo(QStringLiteral("Save done"));
@@ -429,6 +450,11 @@ void ProjectActions::SaveMap()
 void ProjectActions::ExportTypes(bool checkedOnly)
 {
     const Busy saving(*this, Work::Saving);
+    const QVector<TerritoryType*> types = m_parts.document.Types().Types();
+    const auto ticked = std::count_if(types.begin(), types.end(), [](const TerritoryType* type) {
+        return type->checkState() == Qt::Checked;
+    });
+    m_notices.FollowExport(checkedOnly, static_cast<int>(ticked), types.size());
     const bool isExported =
         checkedOnly ? m_parts.terTypes.ExportChecked() : m_parts.terTypes.ExportAll();
     if (!isExported) {

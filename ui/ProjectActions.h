@@ -55,7 +55,8 @@ public:
     /// Enables the actions and widgets that need an open project.
     void EnableEditing(bool isEnabled);
 
-    /// Loads this file without asking.
+    /// Loads this file without asking, for viewing: the window then disables what edits. A notice
+    /// offers to load it for editing.
     bool StartWith(const QString& configPath);
     bool IsSaving() const { return m_work == Work::Saving; }
     /// Ends a running load early, because the window was closed.
@@ -80,6 +81,7 @@ private:
     bool AskForProject();
     bool ReadFrom(QIODevice& file, const MaskSource& masks, const QString& path);
     void ReadMap(QFile& file);
+    void ShowViewing(const QString& path);
     QStringList BitmapPaths() const;
     void BeginReplacing();
     void EmptyLists();
@@ -93,6 +95,7 @@ private:
     ReplacedBitmaps m_replaced;
     ProjectReader* m_reader = nullptr;
     QString m_startUpPath;
+    bool m_isForViewing = false;
     Work m_work = Work::None;
     bool m_isStopped = false;
 };

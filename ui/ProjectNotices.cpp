@@ -12,6 +12,9 @@ namespace {
 const QString DocumentKey = QStringLiteral("document");
 const QString LeftOutKey = QStringLiteral("left out");
 const QString ReplacedKey = QStringLiteral("replaced");
+const QString ViewingKey = QStringLiteral("viewing");
+const QString ExportKey = QStringLiteral("export");
+const QString SaveAllKey = QStringLiteral("save all");
 
 /// Whether a save keeps what it replaces, in the list of the menu Project.
 constexpr bool KeepsVersions = false;
@@ -88,7 +91,8 @@ ProjectNotices::~ProjectNotices() = default;
 
 void ProjectNotices::Withdraw()
 {
-    for (const QString& key : {DocumentKey, LeftOutKey, ReplacedKey}) {
+    for (const QString& key :
+         {ViewingKey, DocumentKey, LeftOutKey, ReplacedKey, ExportKey, SaveAllKey}) {
         m_bar.Withdraw(key);
     }
     if (m_list) {
@@ -105,6 +109,17 @@ void ProjectNotices::ShowRead(const ReadReport& report)
     if (report.isRead && !report.leftOut.isEmpty()) {
         ShowLeftOut(report);
     }
+}
+
+void ProjectNotices::ShowViewing(const QString& name, const std::function<void()>& edit)
+{
+    m_bar.Show({ViewingKey,
+                QStringLiteral("'%1' is open for viewing.").arg(Shortened(name, NameLength)),
+                {{QStringLiteral("btnNoticeEdit"), QStringLiteral("Edit"), [edit] {
+                      // The load withdraws the notice when it takes place.
+                      edit();
+                      return false;
+                  }}}});
 }
 
 void ProjectNotices::FollowSave()
@@ -132,6 +147,32 @@ void ProjectNotices::ShowReplaced(const QStringList& layers)
                 (isOne ? text.arg(names) : text.arg(names, QString::number(layers.size()))) +
                     (KeepsVersions ? old : QString()),
                 {}});
+}
+
+void ProjectNotices::FollowExport(bool tickedOnly, int ticked, int all)
+{
+    m_bar.Withdraw(ExportKey);
+    if (!tickedOnly) {
+        return;
+    }
+    if (all == 0) {
+        m_bar.Show(
+            {ExportKey, QStringLiteral("There are no territory types, nothing was written."), {}});
+    } else if (ticked == 0) {
+        m_bar.Show({ExportKey,
+                    QStringLiteral("0 of %1 types are ticked, nothing was written.").arg(all),
+                    {}});
+    }
+}
+
+void ProjectNotices::FollowSaveAll(bool hasLayers)
+{
+    m_bar.Withdraw(SaveAllKey);
+    if (!hasLayers) {
+        m_bar.Show({SaveAllKey,
+                    QStringLiteral("There are no layers, nothing was saved or exported."),
+                    {}});
+    }
 }
 
 void ProjectNotices::ShowLeftOut(const ReadReport& report)

@@ -49,10 +49,16 @@ public:
     /// Another project takes the place of the open one: what was told about that one goes.
     void Withdraw();
     void ShowRead(const ReadReport& report);
+    /// The project was opened for viewing only. edit: loads it for editing.
+    void ShowViewing(const QString& name, const std::function<void()>& edit);
     /// The project was saved: what would be lost by that is no question any more.
     void FollowSave();
     /// A save replaced the bitmaps of these layers, which belonged to another project.
     void ShowReplaced(const QStringList& layers);
+    /// Territory types are exported: all, or only those that are ticked.
+    void FollowExport(bool tickedOnly, int ticked, int all);
+    /// "Save and export all" was chosen, which does nothing without layers.
+    void FollowSaveAll(bool hasLayers);
 
 private:
     void ShowLeftOut(const ReadReport& report);

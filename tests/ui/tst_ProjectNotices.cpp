@@ -1,5 +1,7 @@
 #include "document/Document.h"
 #include "layers/LayerList.h"
+#include "territories/TerritoryType.h"
+#include "territories/TerritoryTypeList.h"
 #include "tests/support/Files.h"
 #include "tests/support/WindowFixture.h"
 #include "ui/widgets/NoticeBar.h"
@@ -85,6 +87,12 @@ private slots:
     void TellsWhatASaveReplaced();
     void WhatWasSavedOnceIsTheProjectsOwn();
     void ANewProjectReplacesWhatLiesInItsFolder();
+    void OffersToEditWhatIsOpenForViewing_data();
+    void OffersToEditWhatIsOpenForViewing();
+    void AskedAboutUnsavedWorkEditMayBeRefused();
+    void TellsThatNothingIsTicked_data();
+    void TellsThatNothingIsTicked();
+    void TellsThatThereIsNothingToSave();
 };
 
 void tst_ProjectNotices::TellsWhatALoadDidNotRead_data()
@@ -361,6 +369,120 @@ void tst_ProjectNotices::ANewProjectReplacesWhatLiesInItsFolder()
     editor.Trigger("actionQuickSave");
 
     QCOMPARE(editor.Notice(), "This save replaced 1 bitmap of another project: red.");
+}
+
+void tst_ProjectNotices::OffersToEditWhatIsOpenForViewing_data()
+{
+    QTest::addColumn<bool>("isRelative");
+    QTest::addColumn<QByteArray>("end");
+    QTest::addColumn<QStringList>("notices");
+
+    QTest::newRow("whole") << false << QByteArray("</qm-config>") << QStringList();
+    QTest::newRow("a relative path") << true << QByteArray("</qm-config>") << QStringList();
+    QTest::newRow("with a fault")
+        << false << QByteArray()
+        << QStringList{"The document ends at a fault in line 26: Premature end of document. What "
+                       "follows it was not read; saving would remove it."};
+}
+
+void tst_ProjectNotices::OffersToEditWhatIsOpenForViewing()
+{
+    QFETCH(bool, isRelative);
+    QFETCH(QByteArray, end);
+    QFETCH(QStringList, notices);
+    Editor editor;
+    editor.Replace("</qm-config>", end);
+    editor.Restart(isRelative ? QDir::current().relativeFilePath(editor.path) : editor.path);
+    QCOMPARE(editor.TakeNotices(), QStringList{"'small' is open for viewing."} + notices);
+    editor.Restart(editor.path);
+    const QStringList asked = editor.answers.Asked();
+    editor.log.Take();
+
+    editor.Click("btnNoticeEdit");
+
+    QCOMPARE(editor.answers.Asked(), asked);
+    QCOMPARE(editor.log.Take(),
+             (QStringList{"Info: Loading layer \"red\"...", "Info: Loading layer \"blue\"..."}));
+    QVERIFY(editor.Action("actionSave")->isEnabled());
+    QVERIFY(editor.View().isEnabled());
+    QCOMPARE(editor.window->GetDocument().Path(), notices.isEmpty() ? editor.path : QString());
+    QCOMPARE(editor.TakeNotices(), notices);
+    // From now on Ctrl+O asks for a file.
+    editor.Load(editor.WriteProject("other"));
+    QCOMPARE(editor.answers.Asked(), asked + QStringList{"Load"});
+    QCOMPARE(editor.Notice(), QString());
+}
+
+void tst_ProjectNotices::AskedAboutUnsavedWorkEditMayBeRefused()
+{
+    Editor editor;
+    editor.Restart(editor.path);
+    editor.SetModified(true);
+    editor.answers.AddButton("No");
+
+    editor.Click("btnNoticeEdit");
+
+    QVERIFY(!editor.Action("actionSave")->isEnabled());
+    QCOMPARE(editor.Notice(), "'small' is open for viewing.");
+    editor.SetModified(false);
+    editor.Load(editor.WriteProject("other"));
+    QCOMPARE(editor.window->windowTitle(), "other - Tarvo Ledger Tool");
+    QCOMPARE(editor.Notice(), QString());
+}
+
+void tst_ProjectNotices::TellsThatNothingIsTicked_data()
+{
+    QTest::addColumn<bool>("hasTypes");
+    QTest::addColumn<int>("ticked");
+    QTest::addColumn<QString>("notice");
+
+    QTest::newRow("none") << true << 0 << "0 of 2 types are ticked, nothing was written.";
+    QTest::newRow("one") << true << 1 << QString();
+    QTest::newRow("no types") << false << 0 << "There are no territory types, nothing was written.";
+}
+
+void tst_ProjectNotices::TellsThatNothingIsTicked()
+{
+    QFETCH(bool, hasTypes);
+    QFETCH(int, ticked);
+    QFETCH(QString, notice);
+    Editor editor;
+    editor.Replace("</territory-type-list>",
+                   "<territory-type name=\"Wolf\"></territory-type></territory-type-list>");
+    if (!hasTypes) {
+        editor.Replace("territory-type-list", "no-list");
+    }
+    editor.Load(editor.path);
+    const QVector<TerritoryType*> all = editor.window->GetDocument().Types().Types();
+    for (int i = 0; i < all.size(); ++i) {
+        all[i]->setCheckState(i < ticked ? Qt::Checked : Qt::Unchecked);
+    }
+    editor.Trigger("actionViewTerritoryTypes");
+
+    editor.Click("btnExportSelected");
+    QCOMPARE(editor.Notice(), notice);
+
+    // It is about the last export.
+    editor.Click("btnExportAll");
+    QCOMPARE(editor.Notice(), QString());
+}
+
+void tst_ProjectNotices::TellsThatThereIsNothingToSave()
+{
+    Editor editor;
+    QByteArray document = ReadBytes(editor.path);
+    document.remove(document.indexOf("<layers>"),
+                    document.indexOf("</layers>") - document.indexOf("<layers>") + 9);
+    WriteBytes(editor.path, document);
+    editor.Load(editor.path);
+
+    editor.Trigger("actionSaveAll");
+    QCOMPARE(editor.Notice(), "There are no layers, nothing was saved or exported.");
+
+    editor.Child<QAbstractButton>("btnAddPainted")->click();
+    editor.answers.AddCancel();
+    editor.Trigger("actionSaveAll");
+    QCOMPARE(editor.Notice(), QString());
 }
 
 QTEST_MAIN(tst_ProjectNotices)
