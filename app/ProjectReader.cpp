@@ -3,7 +3,8 @@
 #include "app/ProjectSettings.h"
 #include "app/Xml.h"
 
-#include <QIODevice>
+#include <QFile>
+#include <QFileInfo>
 
 namespace {
 
@@ -14,6 +15,23 @@ XmlHandler PassOver(QLatin1String name)
 }
 
 } // namespace
+
+bool IsProjectDocument(const QString& path)
+{
+    QFile file(path);
+    // Opening a pipe would wait for a writer, maybe for ever.
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    // What makes it a project comes early in those that the editor writes.
+    constexpr qint64 beginning = 1 << 16;
+    QXmlStreamReader xml(file.read(beginning));
+    XmlHandlers handlers;
+    for (const char* element : {"global", "layers", "territory-type-list"}) {
+        handlers.push_back({QLatin1String(element), [](QXmlStreamReader&) { return false; }});
+    }
+    return !WalkXml(xml, handlers);
+}
 
 ProjectReader::ProjectReader(QIODevice& device)
     : m_device(device)

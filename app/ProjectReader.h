@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QXmlStreamReader>
 
 #include <functional>
@@ -15,6 +16,9 @@ struct DocumentFault
     /// Counted from 1.
     qint64 line = 0;
 };
+
+/// Whether the file is a project document. Reads its beginning only; false if it cannot be read.
+bool IsProjectDocument(const QString& path);
 
 /// Reads a project document for the editor. The order of its elements does not matter: the sizes
 /// and flag types, on which layers and zones depend, are read in a first pass. What stands within

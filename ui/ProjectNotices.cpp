@@ -33,8 +33,9 @@ QString Shortened(const QString& text, int length)
 /// "Lake, Coast" or "Lake, Coast, Moor, Heath, Fen and 12 more".
 QString ShortList(const QStringList& names)
 {
+    const QStringList first = names.mid(0, MostNames);
     QStringList shown;
-    for (const QString& name : names.mid(0, MostNames)) {
+    for (const QString& name : first) {
         shown.append(Shortened(name, NameLength));
     }
     const QString list = shown.join(QStringLiteral(", "));
