@@ -25,9 +25,15 @@ constexpr int MostNames = 5;
 constexpr int NameLength = 40;
 constexpr int ReasonLength = 80;
 
+/// In a list that scrolls. A reason names a path.
+constexpr int ListedNameLength = 200;
+constexpr int ListedReasonLength = 5000;
+
+/// In one line. What comes from a file may hold line ends, and any number of characters.
 QString Shortened(const QString& text, int length)
 {
-    return text.size() <= length ? text : text.left(length - 1) + QChar(0x2026);
+    const QString line = text.left(length + 1).simplified();
+    return line.size() <= length ? line : line.left(length - 1) + QChar(0x2026);
 }
 
 /// "Lake, Coast" or "Lake, Coast, Moor, Heath, Fen and 12 more".
@@ -39,15 +45,15 @@ QString ShortList(const QStringList& names)
         shown.append(Shortened(name, NameLength));
     }
     const QString list = shown.join(QStringLiteral(", "));
-    return names.size() <= MostNames
-               ? list
-               : QStringLiteral("%1 and %2 more").arg(list).arg(names.size() - MostNames);
+    return names.size() <= MostNames ? list
+                                     : QStringLiteral("%1 and %2 more")
+                                           .arg(list, QString::number(names.size() - MostNames));
 }
 
 /// "in line 3: Premature end of document".
 QString PlaceOf(const DocumentFault& fault)
 {
-    QString reason = fault.reason.simplified();
+    QString reason = fault.reason;
     if (reason.endsWith(QLatin1Char('.'))) {
         reason.chop(1);
     }
@@ -206,9 +212,9 @@ void ProjectNotices::ListLeftOut(const QVector<ReadReport::LeftOutLayer>& layers
     }
     QStringList lines;
     for (const ReadReport::LeftOutLayer& layer : layers) {
-        lines.append(layer.reason.isEmpty()
-                         ? layer.name
-                         : QStringLiteral("%1: %2").arg(layer.name, layer.reason));
+        const QString name = Shortened(layer.name, ListedNameLength);
+        const QString reason = Shortened(layer.reason, ListedReasonLength);
+        lines.append(reason.isEmpty() ? name : QStringLiteral("%1: %2").arg(name, reason));
     }
     m_list = new QDialog(m_bar.window());
     m_list->setObjectName(QStringLiteral("DialogLeftOut"));

@@ -194,7 +194,8 @@ void tst_ProjectNotices::ShortensLongTexts()
     Editor editor;
     QByteArray layers;
     for (int i = 1; i <= 60; ++i) {
-        layers += "<layer name=\"" + QByteArray::number(i) + QByteArray(90, 'x') + "\"/>";
+        layers +=
+            "<layer name=\"" + QByteArray::number(i) + "&#10;%2" + QByteArray(90, 'x') + "\"/>";
     }
     editor.Replace("<layers>", "<layers>" + layers);
     editor.window->resize(editor.window->minimumSizeHint());
@@ -206,7 +207,7 @@ void tst_ProjectNotices::ShortensLongTexts()
 
     editor.Load(editor.path);
 
-    const QString x(38, 'x');
+    const QString x(" %2" + QString(35, 'x'));
     QCOMPARE(editor.Notice(),
              QString("60 of 62 layers were left out: 1%1…, 2%1…, 3%1…, 4%1…, 5%1… and 55 more. "
                      "Saving would remove them from the project.")
@@ -280,12 +281,16 @@ void tst_ProjectNotices::AnotherProjectWithdrawsThem()
     editor.Replace("</qm-config>", "</x>");
     editor.Load(editor.path);
     const NoticeBar& bar = *editor.Child<NoticeBar>("barNotice");
+    editor.Click("btnNoticeClose");
+    editor.Click("btnNoticeShow");
     QVERIFY(bar.isVisible());
+    QVERIFY(editor.LeftOutList()->isVisible());
     editor.SetModified(false);
 
     editor.TriggerWithFile(action.toLatin1(), editor.Path(file));
 
     QVERIFY(bar.isHidden());
+    QVERIFY(!editor.LeftOutList() || !editor.LeftOutList()->isVisible());
 }
 
 void tst_ProjectNotices::AFileThatCannotBeOpenedKeepsThem()
