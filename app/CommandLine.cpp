@@ -32,6 +32,13 @@ CommandLine ParseCommandLine(const QStringList& arguments)
     commandLine.configPath = parser.value(config);
     commandLine.outputPath = parser.value(output);
     commandLine.noGui = parser.isSet(noGui);
+    const QStringList files = parser.positionalArguments();
+    // The first argument is the program.
+    if (arguments.size() == 2 && files.size() == 1 && !files.first().isEmpty()) {
+        commandLine.advice =
+            QStringLiteral("'%1' was not opened. To open a project, put --config before it.")
+                .arg(files.first());
+    }
     return commandLine;
 }
 

@@ -12,6 +12,8 @@ struct CommandLine
     bool noGui = false;
     /// What is wrong with the arguments; empty if nothing is.
     QString error;
+    /// What the editor tells when the only argument is a file, which it does not open; or empty.
+    QString advice;
 };
 
 /// arguments starts with the program's name. Help is accepted and has no effect.

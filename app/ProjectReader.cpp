@@ -3,7 +3,8 @@
 #include "app/ProjectSettings.h"
 #include "app/Xml.h"
 
-#include <QIODevice>
+#include <QFile>
+#include <QFileInfo>
 
 namespace {
 
@@ -14,6 +15,23 @@ XmlHandler PassOver(QLatin1String name)
 }
 
 } // namespace
+
+bool IsProjectDocument(const QString& path)
+{
+    QFile file(path);
+    // Opening a pipe would wait for a writer, maybe for ever.
+    if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    // What makes it a project comes early in those that the editor writes.
+    constexpr qint64 beginning = 1 << 16;
+    QXmlStreamReader xml(file.read(beginning));
+    XmlHandlers handlers;
+    for (const char* element : {"global", "layers", "territory-type-list"}) {
+        handlers.push_back({QLatin1String(element), [](QXmlStreamReader&) { return false; }});
+    }
+    return !WalkXml(xml, handlers);
+}
 
 ProjectReader::ProjectReader(QIODevice& device)
     : m_device(device)
@@ -27,7 +45,8 @@ void ProjectReader::ReadSettings()
     QXmlStreamReader xml(&m_device);
     WalkXml(xml, {
                      {QLatin1String("global"),
-                      [&settings](QXmlStreamReader& element) {
+                      [this, &settings](QXmlStreamReader& element) {
+                          m_holdsProject = true;
                           settings.ReadXml(element);
                           return true;
                       }},
@@ -46,10 +65,17 @@ void ProjectReader::ReadSettings()
 
 bool ProjectReader::Read(const Handlers& handlers)
 {
+    m_holdsProject = false;
     ReadSettings();
     m_device.seek(0);
     m_xml.setDevice(&m_device);
     m_selectedRow = -1;
+    const auto note = [this](const std::function<bool(QXmlStreamReader&)>& read) {
+        return [this, read](QXmlStreamReader& element) {
+            m_holdsProject = true;
+            return read(element);
+        };
+    };
     return WalkXml(m_xml, {
                               {QLatin1String("selected"),
                                [this](QXmlStreamReader& element) {
@@ -63,9 +89,17 @@ bool ProjectReader::Read(const Handlers& handlers)
                                }},
                               PassOver(QLatin1String("global")),
                               PassOver(QLatin1String("areas")),
-                              {QLatin1String("layers"), handlers.layers},
-                              {QLatin1String("territory-type-list"), handlers.territoryTypes},
+                              {QLatin1String("layers"), note(handlers.layers)},
+                              {QLatin1String("territory-type-list"), note(handlers.territoryTypes)},
                           });
+}
+
+std::optional<DocumentFault> ProjectReader::Fault() const
+{
+    if (!m_xml.hasError()) {
+        return {};
+    }
+    return DocumentFault{m_xml.errorString(), m_xml.lineNumber()};
 }
 
 void ProjectReader::Stop()

@@ -1,10 +1,24 @@
 #pragma once
 
+#include <QString>
 #include <QXmlStreamReader>
 
 #include <functional>
+#include <optional>
 
 class QIODevice;
+
+/// Where the text of a document stops being XML.
+struct DocumentFault
+{
+    /// In Qt's words.
+    QString reason;
+    /// Counted from 1.
+    qint64 line = 0;
+};
+
+/// Whether the file is a project document. Reads its beginning only; false if it cannot be read.
+bool IsProjectDocument(const QString& path);
 
 /// Reads a project document for the editor. The order of its elements does not matter: the sizes
 /// and flag types, on which layers and zones depend, are read in a first pass. What stands within
@@ -28,6 +42,11 @@ public:
     /// Returns false if a handler failed. A document that ends early or is malformed elsewhere is
     /// read up to that place.
     bool Read(const Handlers& handlers);
+    /// The fault that Read ended at; none when the whole document was read.
+    std::optional<DocumentFault> Fault() const;
+    /// Whether Read met an element of a project. Flag types alone make none, because they also
+    /// have files of their own.
+    bool HoldsProject() const { return m_holdsProject; }
     /// The row of the layer that was selected when the project was saved; -1 for none.
     int SelectedRow() const { return m_selectedRow; }
     /// Called during Read, by code that Read calls: makes Read fail at the next element.
@@ -39,4 +58,5 @@ private:
     QIODevice& m_device;
     QXmlStreamReader m_xml;
     int m_selectedRow = -1;
+    bool m_holdsProject = false;
 };

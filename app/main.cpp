@@ -11,11 +11,14 @@
 
 namespace {
 
-int RunEditor(const QString& configPath)
+int RunEditor(const CommandLine& commandLine)
 {
     ShowIndicatorsInDarkPalettes();
-    QuillmapWindow window(configPath);
+    QuillmapWindow window(commandLine.configPath);
     window.show();
+    if (!commandLine.advice.isEmpty()) {
+        LogInfo(commandLine.advice);
+    }
     return QApplication::exec();
 }
 
@@ -43,7 +46,7 @@ int main(int argc, char* argv[])
     }
     const int exitCode = commandLine.noGui
                              ? RunBatchExport(commandLine.configPath, commandLine.outputPath)
-                             : RunEditor(commandLine.configPath);
+                             : RunEditor(commandLine);
     // The lists delete their models later, and processing events does not run such deletions.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     return exitCode;

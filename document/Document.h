@@ -125,6 +125,9 @@ public:
     const QString& Path() const { return m_path; }
     /// Called when the project was loaded from there or saved there, or to set it to none.
     void SetPath(const QString& path);
+    /// The document at this path holds a part of the project: it was loaded from there, but not as
+    /// a whole. Its files are known from now on, but none becomes the project's own by that.
+    void NoteFiles(const QString& path);
     /// The document, the bitmaps of its layers and the background picture as they were then.
     const KnownFiles& Files() const { return m_files; }
     /// Sets the folder and the file name before a load.

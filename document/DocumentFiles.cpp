@@ -35,10 +35,16 @@ void Document::SetPlace(const QDir& folder, const QString& fileName)
 void Document::SetPath(const QString& path)
 {
     m_path = path;
-    m_files.Clear();
     if (path.isEmpty()) {
-        return;
+        m_files.Clear();
+    } else {
+        m_files.ClearStamps();
+        NoteFiles(path);
     }
+}
+
+void Document::NoteFiles(const QString& path)
+{
     m_files.Note(path);
     const QVector<Layer*> layers = m_layers.Layers();
     for (const Layer* layer : layers) {

@@ -14,8 +14,15 @@ KnownFiles::Stamp KnownFiles::StampOf(const QString& path)
     return stamp;
 }
 
+void KnownFiles::Clear()
+{
+    m_stamps.clear();
+    m_own.clear();
+}
+
 void KnownFiles::Note(const QString& path)
 {
+    m_own.insert(path);
     m_stamps.insert(path, StampOf(path));
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QHash>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -27,10 +28,15 @@ public:
     /// The file as it is now.
     static Stamp StampOf(const QString& path);
 
-    void Clear() { m_stamps.clear(); }
+    /// Another project is opened.
+    void Clear();
+    /// The project is in other files from now on. Those of before stay its own.
+    void ClearStamps() { m_stamps.clear(); }
     /// From now on the file is known as it is at this moment, also when there is none.
     void Note(const QString& path);
 
+    /// The files that were noted since Clear.
+    const QSet<QString>& OwnPaths() const { return m_own; }
     QStringList Paths() const { return m_stamps.keys(); }
     bool Knows(const QString& path) const { return m_stamps.contains(path); }
     /// The file as it was when it was noted; one without a file when it is not known.
@@ -41,4 +47,5 @@ public:
 
 private:
     QHash<QString, Stamp> m_stamps;
+    QSet<QString> m_own;
 };

@@ -149,6 +149,7 @@ void LayerList::Clear()
 {
     m_model->removeRows(0, m_model->rowCount());
     m_model->clear();
+    m_leftOut.clear();
 }
 
 void LayerList::HideAll()
@@ -193,6 +194,14 @@ QImage LoadProjectMask(int number, const QString& name)
     return LoadTarga(path);
 }
 
+QString WhyNoProjectMask(const QString& name)
+{
+    if (LeadsUpward(name)) {
+        return QStringLiteral("Its bitmap lies outside the project.");
+    }
+    return WhyNotLoaded(ProjectSettings::Instance().LayerPath(name));
+}
+
 namespace {
 
 /// Reads the "layer" element that the reader is on. Returns null if it has no mask.
@@ -227,6 +236,9 @@ bool LayerList::ReadXml(QXmlStreamReader& xml, const MaskSource& masks)
         {QLatin1String("layer"),
          [&](QXmlStreamReader& element) {
              pending = ReadLayer(element, this, number++, masks);
+             if (!pending) {
+                 m_leftOut.append(TextAttribute(element, QLatin1String("name")));
+             }
              return true;
          },
          [&] { AddLayer(std::move(pending)); }},

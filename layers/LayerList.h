@@ -26,6 +26,8 @@ using MaskSource = std::function<QImage(int number, const QString& name)>;
 /// The mask in the bitmap of that name in the project's "layers" folder. Logs errors in the file,
 /// and a name that leads out of the folder.
 QImage LoadProjectMask(int number, const QString& name);
+/// Why LoadProjectMask gives no mask for that name, as a sentence about the bitmap.
+QString WhyNoProjectMask(const QString& name);
 
 /// Writes the "layers" element, and nothing when there is no layer. Touches no bitmap.
 void WriteLayers(QXmlStreamWriter& xml, const std::vector<LayerRecord>& layers);
@@ -81,6 +83,8 @@ public:
     /// The names that a save gives to the layers and to their bitmaps, in row order: layers whose
     /// bitmaps would overwrite one another or lie outside of the folder get new ones.
     QStringList NamesForSaving() const;
+    /// The names of the layers that were left out since the list was cleared.
+    const QStringList& LeftOut() const { return m_leftOut; }
     /// Writes the "layers" element and every layer's bitmap. Writes nothing for an empty list.
     /// Layers first get the names of NamesForSaving, each with a logged error. Returns how many
     /// bitmaps could not be written.
@@ -106,4 +110,5 @@ private:
     void RenameForSaving();
 
     RowModel* m_model;
+    QStringList m_leftOut;
 };

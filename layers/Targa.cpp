@@ -40,14 +40,28 @@ QString MessageOf(TargaError error, QSize size)
     return {};
 }
 
+using Header = std::array<char, raster::TargaHeaderSize>;
+
+/// Reads the header and checks it. count: how many of its bytes there are.
+TargaError ReadHeader(QFile& file, QSize size, Header& header, qint64& count)
+{
+    count = qMax<qint64>(file.read(header.data(), header.size()), 0);
+    return raster::CheckTargaHeader(reinterpret_cast<const uchar*>(header.data()), count, size);
+}
+
+/// Opening a pipe would wait for a writer, maybe for ever.
+bool OpenRegular(QFile& file)
+{
+    return QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+}
+
 /// Checks the header before it allocates memory for the rest, because a broken file may claim any
 /// size. The rest is read at once into memory that is not zeroed first, because masks are large.
 TargaResult ReadTarga(QFile& file, QSize size)
 {
-    std::array<char, raster::TargaHeaderSize> header{};
-    const qint64 headerCount = qMax<qint64>(file.read(header.data(), header.size()), 0);
-    const TargaError error =
-        raster::CheckTargaHeader(reinterpret_cast<const uchar*>(header.data()), headerCount, size);
+    Header header{};
+    qint64 headerCount = 0;
+    const TargaError error = ReadHeader(file, size, header, headerCount);
     if (error != TargaError::None) {
         return {{}, error};
     }
@@ -73,7 +87,7 @@ QImage LoadTarga(const QString& fileName)
 QImage LoadTarga(const QString& fileName, QSize size)
 {
     QFile file(fileName);
-    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+    if (!OpenRegular(file)) {
         return {};
     }
     const TargaResult result = ReadTarga(file, size);
@@ -82,6 +96,34 @@ QImage LoadTarga(const QString& fileName, QSize size)
         LogError(message);
     }
     return result.mask;
+}
+
+QString WhyNotLoaded(const QString& fileName)
+{
+    QFile file(fileName);
+    if (!file.exists()) {
+        return QStringLiteral("There is no file '%1'.").arg(fileName);
+    }
+    if (!OpenRegular(file)) {
+        return QStringLiteral("'%1' cannot be read.").arg(fileName);
+    }
+    const QSize size = ProjectSettings::Instance().LayerSize();
+    Header header{};
+    qint64 headerCount = 0;
+    switch (ReadHeader(file, size, header, headerCount)) {
+    case TargaError::TypeMismatch:
+    case TargaError::ColourFormat:
+        return QStringLiteral("'%1' is no bitmap of grey values.").arg(fileName);
+    case TargaError::WrongSize:
+        return QStringLiteral("'%1' has another size than the layers of the project.")
+            .arg(fileName);
+    case TargaError::NoImage:
+    case TargaError::None:
+        break;
+    }
+    return QStringLiteral("There is no memory for a layer of %1x%2 pixels.")
+        .arg(size.width())
+        .arg(size.height());
 }
 
 bool SaveTarga(const QString& fileName, const QImage& image, bool compressed)

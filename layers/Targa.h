@@ -10,6 +10,8 @@
 QImage LoadTarga(const QString& fileName);
 /// The same for another layer size.
 QImage LoadTarga(const QString& fileName, QSize size);
+/// Why LoadTarga gives no mask for the file, as a sentence about the bitmap.
+QString WhyNotLoaded(const QString& fileName);
 
 /// Writes a Format_Indexed8 image. Returns false after logging an error. A failed write leaves the
 /// old file as it was.

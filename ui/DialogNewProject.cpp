@@ -1,12 +1,40 @@
 #include "ui/DialogNewProject.h"
 
+#include "app/ProjectReader.h"
 #include "ui/FileDialogs.h"
 #include "ui/widgets/LimitFont.h"
 #include "ui/widgets/WheelFocus.h"
 #include "ui_DialogNewProject.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
+
+namespace {
+
+/// What shows that there is a project in the folder; empty if there is none.
+QString ProjectIn(const QDir& folder)
+{
+    // Looking into very many documents would take too long while the user types.
+    constexpr int mostDocuments = 100;
+    const QStringList documents =
+        folder.entryList({QStringLiteral("*.xml")}, QDir::Files, QDir::Name).mid(0, mostDocuments);
+    for (const QString& document : documents) {
+        if (IsProjectDocument(folder.filePath(document))) {
+            return document;
+        }
+    }
+    const int bitmaps = QDir(folder.filePath(QStringLiteral("layers")))
+                            .entryList({QStringLiteral("*.tga")}, QDir::Files)
+                            .size();
+    if (bitmaps == 0) {
+        return {};
+    }
+    return bitmaps == 1 ? DialogNewProject::tr("1 layer")
+                        : DialogNewProject::tr("%1 layers").arg(bitmaps);
+}
+
+} // namespace
 
 DialogNewProject::DialogNewProject(QWidget* parent)
     : QDialog(parent)
@@ -22,6 +50,9 @@ DialogNewProject::DialogNewProject(QWidget* parent)
             &DialogNewProject::ImportAreaFlagsDialog);
     connect(m_ui->btnSaveProject, &QPushButton::clicked, this,
             &DialogNewProject::SaveProjectDialog);
+    connect(m_ui->txtProjectName, &QLineEdit::textChanged, this,
+            &DialogNewProject::ShowFolderNotice);
+    m_ui->lblFolderNotice->hide();
     connect(m_ui->btnOk, &QPushButton::clicked, this, &DialogNewProject::ConfirmDialog);
     connect(m_ui->btnCancel, &QPushButton::clicked, this, &DialogNewProject::CloseDialog);
 }
@@ -84,6 +115,23 @@ void DialogNewProject::SaveProjectDialog()
         return;
     }
     m_ui->txtProjectName->setText(path);
+}
+
+void DialogNewProject::ShowFolderNotice()
+{
+    const QString folder =
+        ProjectPath().isEmpty() ? QString() : QFileInfo(ProjectPath()).absolutePath();
+    if (folder != m_folder) {
+        m_folder = folder;
+        const QString project = folder.isEmpty() ? QString() : ProjectIn(QDir(folder));
+        m_ui->lblFolderNotice->setText(tr("Folder in use: %1").arg(project));
+        m_ui->lblFolderNotice->setToolTip(
+            QStringLiteral("<qt>%1</qt>")
+                .arg(tr("The folder holds another project: %1. Projects in one folder share the "
+                        "bitmaps of layers with the same name.")
+                         .arg(project.toHtmlEscaped())));
+        m_ui->lblFolderNotice->setVisible(!project.isEmpty());
+    }
 }
 
 void DialogNewProject::ConfirmDialog()

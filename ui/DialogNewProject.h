@@ -38,5 +38,9 @@ public slots:
     void CloseDialog();
 
 private:
+    void ShowFolderNotice();
+
     std::unique_ptr<Ui::DialogNewProject> m_ui;
+    /// The folder that the notice is about.
+    QString m_folder;
 };

@@ -17,6 +17,7 @@
 #include "document/edits/LayerEdits.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
+#include "territories/TerritoryType.h"
 #include "territories/TerritoryTypeList.h"
 #include "ui/DialogNewProject.h"
 #include "ui/DialogVersions.h"
@@ -39,11 +40,14 @@
 #include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
+
+#include <algorithm>
+#include <utility>
 
 namespace {
 
-const QString ReplacedNotice = QStringLiteral("replaced-bitmaps");
 const QString UnkeptNotice = QStringLiteral("unkept-version");
 
 const ProjectSettings& Settings()
@@ -128,6 +132,7 @@ ProjectActions::ProjectActions(const EditorParts& parts, LayerComposition& compo
     : m_parts(parts)
     , m_composition(composition)
     , m_modes(modes)
+    , m_notices(*parts.form.barNotice)
 {
 }
 
@@ -165,21 +170,32 @@ void ProjectActions::Create(const DialogNewProject& dialog)
 
 bool ProjectActions::StartWith(const QString& configPath)
 {
+    const QScopedValueRollback<bool> viewing(m_isForViewing, true);
     m_startUpPath = configPath;
     return Load();
+}
+
+void ProjectActions::ShowViewing(const QString& path)
+{
+    m_notices.ShowViewing(Settings().Name(), [this, path] {
+        if (!IsBusy()) {
+            m_startUpPath = path;
+            Load();
+        }
+    });
 }
 
 /// Returns false if the user decides not to load.
 bool ProjectActions::AskForProject()
 {
+    // Also a refused load uses it up.
+    const QString startUpPath = std::exchange(m_startUpPath, QString());
     if (!MayDiscard(m_parts, QStringLiteral("Load configuration"),
                     QStringLiteral("load a different configuration"))) {
         return false;
     }
-    const QString path = m_startUpPath.isEmpty()
-                             ? AskForFile(&m_parts.window, FilePurpose::LoadProject)
-                             : m_startUpPath;
-    m_startUpPath.clear();
+    const QString path =
+        startUpPath.isEmpty() ? AskForFile(&m_parts.window, FilePurpose::LoadProject) : startUpPath;
     if (path.isEmpty()) {
         return false;
     }
@@ -208,11 +224,7 @@ bool ProjectActions::Load()
     }
     m_parts.document.SetName(QFileInfo(file).baseName());
     m_parts.window.SetTitle(Settings().Name());
-    const bool isRead = ReadFrom(file, LoadProjectMask);
-    if (isRead) {
-        m_parts.document.SetPath(QFileInfo(file).absoluteFilePath());
-    }
-    return isRead;
+    return ReadFrom(file, LoadProjectMask, QFileInfo(file).absoluteFilePath());
 }
 
 bool ProjectActions::OpenStored(const StoredProject& stored, bool asCopy)
@@ -231,15 +243,15 @@ bool ProjectActions::OpenStored(const StoredProject& stored, bool asCopy)
     QByteArray text = stored.text;
     QBuffer device(&text);
     device.open(QIODevice::ReadOnly);
-    const bool isRead = ReadFrom(device, stored.masks);
+    const bool isRead = ReadFrom(device, stored.masks, hasFile ? stored.path : QString());
     if (isRead) {
-        m_parts.document.SetPath(hasFile ? stored.path : QString());
         m_parts.document.BeginHistory(false);
     }
     return isRead;
 }
 
-bool ProjectActions::ReadFrom(QIODevice& file, const MaskSource& masks)
+/// path: the file that the project belongs to; empty for none.
+bool ProjectActions::ReadFrom(QIODevice& file, const MaskSource& masks, const QString& path)
 {
     BeginReplacing();
     ProjectReader reader(file);
@@ -247,7 +259,27 @@ bool ProjectActions::ReadFrom(QIODevice& file, const MaskSource& masks)
     const bool isRead = !m_isStopped && m_parts.document.Read(reader, masks);
     m_reader = nullptr;
     m_parts.terTypes.ExpandAll();
+    ReadReport report{Settings().FileName(), isRead, reader.HoldsProject(), reader.Fault(), {}, 0};
+    // A state that was kept elsewhere has its bitmaps there.
+    const bool hasBitmapFiles = qobject_cast<QFile*>(&file) != nullptr;
+    const QStringList leftOut = m_parts.document.Layers().LeftOut();
+    for (const QString& name : leftOut) {
+        report.leftOut.append({name, hasBitmapFiles ? WhyNoProjectMask(name) : QString()});
+    }
+    report.layerCount = leftOut.size() + m_parts.document.Layers().Layers().size();
     Finalize(isRead, isRead ? reader.SelectedRow() : -1);
+    if (!m_isStopped) {
+        if (isRead && m_isForViewing) {
+            ShowViewing(path);
+        }
+        m_notices.ShowRead(report);
+    }
+    if (report.IsWhole()) {
+        m_parts.document.SetPath(path);
+    } else if (isRead && !path.isEmpty()) {
+        // "Save now" must not write over what was not read.
+        m_parts.document.NoteFiles(path);
+    }
     return isRead;
 }
 
@@ -273,6 +305,7 @@ void ProjectActions::EmptyLists()
     m_parts.terTypes.ClearSelection();
     m_parts.scene.ChangeLayer(nullptr);
     m_parts.document.Clear();
+    m_notices.Withdraw();
     m_parts.layerProps.SetLayer(nullptr, false);
     m_parts.scene.ClearLayers();
 }
@@ -402,6 +435,7 @@ bool ProjectActions::SaveTo(const QString& path)
     m_parts.window.SetTitle(Settings().Name());
     if (isSaved) {
         m_parts.document.SetPath(Settings().ProjectFilePath());
+        m_notices.FollowSave();
     }
     if (isSaved && Settings().IsModified()) {
         // A bitmap could not be written, so the files are those of no state of the history.
@@ -416,17 +450,8 @@ bool ProjectActions::SaveTo(const QString& path)
 void ProjectActions::TellKept(const VersionStore::Kept& kept, bool isSaved)
 {
     NoticeBar& bar = *m_parts.form.barNotice;
-    if (isSaved && !kept.replaced.isEmpty()) {
-        const QString text = QStringLiteral("The save replaced bitmaps that this project neither "
-                                            "loaded nor wrote: %1.")
-                                 .arg(NameList(kept.replaced));
-        const QString place = QStringLiteral(" The old ones are among the earlier versions.");
-        const NoticeButton show{QStringLiteral("btnNoticeVersions"),
-                                QStringLiteral("Earlier versions…"), [this] {
-                                    ShowVersions();
-                                    return true;
-                                }};
-        bar.Show({ReplacedNotice, kept.isWhole ? text + place : text, {show}});
+    if (isSaved) {
+        m_notices.ShowReplaced(kept.replaced, kept.isWhole, [this] { ShowVersions(); });
     }
     if (kept.problem.isEmpty()) {
         bar.Withdraw(UnkeptNotice);
@@ -464,7 +489,9 @@ void ProjectActions::KeepDiscarded()
 
 void ProjectActions::SaveAll()
 {
-    if (m_parts.layers.HasLayers() && Save()) {
+    const bool hasLayers = m_parts.layers.HasLayers();
+    m_notices.FollowSaveAll(hasLayers || IsBusy());
+    if (hasLayers && Save()) {
         SaveMap();
         ExportTypes(false);
         LogInfo(QStringLiteral("Save done"));
@@ -483,6 +510,11 @@ void ProjectActions::ExportTypes(bool checkedOnly)
 {
     const Busy saving(*this, Work::Saving);
     OutputGroup group;
+    const QVector<TerritoryType*> types = m_parts.document.Types().Types();
+    const auto ticked = std::count_if(types.begin(), types.end(), [](const TerritoryType* type) {
+        return type->checkState() == Qt::Checked;
+    });
+    m_notices.FollowExport(checkedOnly, static_cast<int>(ticked), types.size());
     const bool areMade =
         checkedOnly ? m_parts.terTypes.ExportChecked() : m_parts.terTypes.ExportAll();
     if (!group.Commit() || !areMade) {

@@ -3,6 +3,7 @@
 #include "document/versions/VersionStore.h"
 #include "layers/LayerList.h"
 #include "ui/EditorParts.h"
+#include "ui/ProjectNotices.h"
 
 #include <QString>
 
@@ -62,7 +63,8 @@ public:
     /// Enables the actions and widgets that need an open project.
     void EnableEditing(bool isEnabled);
 
-    /// Loads this file without asking.
+    /// Loads this file without asking, for viewing: the window then disables what edits. A notice
+    /// offers to load it for editing.
     bool StartWith(const QString& configPath);
     bool IsSaving() const { return m_work == Work::Saving; }
     /// Ends a running load early, because the window was closed.
@@ -85,8 +87,9 @@ private:
 
     void Create(const DialogNewProject& dialog);
     bool AskForProject();
-    bool ReadFrom(QIODevice& file, const MaskSource& masks);
+    bool ReadFrom(QIODevice& file, const MaskSource& masks, const QString& path);
     void ReadMap(QFile& file);
+    void ShowViewing(const QString& path);
     void BeginReplacing();
     void EmptyLists();
     void TellKept(const VersionStore::Kept& kept, bool isSaved);
@@ -96,9 +99,11 @@ private:
     EditorParts m_parts;
     LayerComposition& m_composition;
     InteractionModes& m_modes;
+    ProjectNotices m_notices;
     ProjectReader* m_reader = nullptr;
     QString m_startUpPath;
     VersionStore::MoveJournal m_moveJournal;
+    bool m_isForViewing = false;
     Work m_work = Work::None;
     bool m_isStopped = false;
 };

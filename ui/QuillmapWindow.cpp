@@ -62,6 +62,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
 {
     m_ui->setupUi(this);
     m_ui->paintView->SetDocument(*m_document);
+    m_ui->barNotice->TakeRoomFrom(*m_ui->paintView);
     for (QWidget* widget : std::initializer_list<QWidget*>{
              m_ui->gboPaintMode, m_ui->lblZoom, m_ui->lblZoomValue, m_ui->gboWorldScale,
              m_ui->gboWorldRSteps, m_ui->gboWorldPos, m_ui->gboBgOver}) {

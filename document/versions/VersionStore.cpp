@@ -303,7 +303,7 @@ struct VersionStore::Target
     {
         const QStringList named = FindSaved(layers);
         QSet<QString> own;
-        const QStringList knownPaths = known.Paths();
+        const QSet<QString>& knownPaths = known.OwnPaths();
         for (const QString& knownPath : knownPaths) {
             own.insert(FollowedPath(knownPath));
         }

@@ -23,6 +23,8 @@ private slots:
     void HelpIsRegisteredBehindEachOption();
     void HelpHasNoEffect_data();
     void HelpHasNoEffect();
+    void AdvisesWhenTheOnlyArgumentIsAFile_data();
+    void AdvisesWhenTheOnlyArgumentIsAFile();
     void WrongArgumentsAreErrors_data();
     void WrongArgumentsAreErrors();
     void BatchRunsNeedNoDisplay_data();
@@ -107,6 +109,30 @@ void tst_CommandLine::HelpHasNoEffect()
     QCOMPARE(commandLine.error, "");
     QVERIFY(commandLine.noGui);
     QCOMPARE(commandLine.configPath, "a.xml");
+}
+
+void tst_CommandLine::AdvisesWhenTheOnlyArgumentIsAFile_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("advice");
+
+    QTest::newRow("a file")
+        << QStringList{"a %1.xml"}
+        << "'a %1.xml' was not opened. To open a project, put --config before it.";
+    QTest::newRow("none") << QStringList() << "";
+    QTest::newRow("an empty one") << QStringList{""} << "";
+    QTest::newRow("help") << QStringList{"--help"} << "";
+    QTest::newRow("a batch run") << QStringList{"--no-gui"} << "";
+    QTest::newRow("a file of a batch run") << QStringList{"a.xml", "--no-gui"} << "";
+    QTest::newRow("a project") << QStringList{"--config=a.xml"} << "";
+    QTest::newRow("a project and a file") << QStringList{"--config=a.xml", "b.xml"} << "";
+    QTest::newRow("two files") << QStringList{"a.xml", "b.xml"} << "";
+}
+
+void tst_CommandLine::AdvisesWhenTheOnlyArgumentIsAFile()
+{
+    QFETCH(QStringList, arguments);
+    QTEST(Parsed(arguments).advice, "advice");
 }
 
 void tst_CommandLine::WrongArgumentsAreErrors_data()

@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QHash>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -58,6 +59,8 @@ private slots:
     void NeedsAProjectFileThatCanBeWritten();
     void Cancels();
     void EnterPressesNoButton();
+    void TellsThatTheFolderHoldsAnotherProject_data();
+    void TellsThatTheFolderHoldsAnotherProject();
     void ClipsNothing_data();
     void ClipsNothing();
 
@@ -236,6 +239,53 @@ void tst_DialogNewProject::EnterPressesNoButton()
     QCOMPARE(dialog.result(), int(QDialog::Accepted));
 }
 
+void tst_DialogNewProject::TellsThatTheFolderHoldsAnotherProject_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("notice");
+
+    const QByteArray project = "<qm-config><selected row='0'/><global></global></qm-config>";
+    QTest::newRow("nothing") << "other.txt" << project << "";
+    QTest::newRow("a project") << "other.xml" << project << "Folder in use: other.xml";
+    QTest::newRow("the file itself") << "new.xml" << project << "Folder in use: new.xml";
+    QTest::newRow("a damaged project")
+        << "other.xml" << QByteArray("<qm-config><layers><") << "Folder in use: other.xml";
+    QTest::newRow("flag types") << "areas.xml" << QByteArray("<areas><usages/></areas>") << "";
+    QTest::newRow("a territory type")
+        << "Deer.xml" << QByteArray("<territory-type name='Deer'/>") << "";
+    QTest::newRow("no XML") << "other.xml" << QByteArray("\0\1", 2) << "";
+    QTest::newRow("a bitmap") << "layers/red.tga" << QByteArray("x") << "Folder in use: 1 layer";
+    QTest::newRow("no bitmap") << "layers/red.txt" << QByteArray("x") << "";
+    QTest::newRow("a project below") << "below/other.xml" << project << "";
+}
+
+void tst_DialogNewProject::TellsThatTheFolderHoldsAnotherProject()
+{
+    QFETCH(QString, file);
+    QFETCH(QByteArray, content);
+    QFETCH(QString, notice);
+    const ProjectFixture project;
+    WriteBytes(project.Path(file), content);
+    DialogNewProject dialog;
+    dialog.show();
+    const auto* label = dialog.findChild<QLabel*>("lblFolderNotice");
+    QVERIFY(label->isHidden());
+
+    QTest::keyClicks(Line(dialog, "txtProjectName"), project.Path("new.xml"));
+
+    QCOMPARE(label->isVisible(), !notice.isEmpty());
+    if (!notice.isEmpty()) {
+        QCOMPARE(label->text(), notice);
+    }
+    Line(dialog, "txtProjectName")->setText(project.Path("empty/new.xml"));
+    QVERIFY(label->isHidden());
+    Line(dialog, "txtProjectName")->setText(project.Path("new.xml"));
+    QCOMPARE(label->isVisible(), !notice.isEmpty());
+    Line(dialog, "txtProjectName")->clear();
+    QVERIFY(label->isHidden());
+}
+
 void tst_DialogNewProject::ClipsNothing_data()
 {
     QTest::addColumn<int>("points");
@@ -256,9 +306,18 @@ void tst_DialogNewProject::ClipsNothing()
     DialogNewProject dialog;
     dialog.show();
 
+    const QList<QWidget*> controls = dialog.findChildren<QWidget*>();
+    QHash<const QWidget*, QRect> places;
+    for (const QWidget* control : controls) {
+        places.insert(control, control->geometry());
+    }
+    WriteBytes(m_project.Path("layers/red.tga"), "x");
+    Line(dialog, "txtProjectName")->setText(m_project.Path("new.xml"));
+    const auto* notice = dialog.findChild<QLabel*>("lblFolderNotice");
+    QTRY_VERIFY(notice->height() >= notice->minimumSizeHint().height());
+
     QCOMPARE(dialog.size(), QSize(340, 200));
     QVERIFY(dialog.fontInfo().pointSize() <= points);
-    const QList<QWidget*> controls = dialog.findChildren<QWidget*>();
     for (const QWidget* control : controls) {
         const bool isOwn =
             qobject_cast<const QPushButton*>(control) || qobject_cast<const QLabel*>(control) ||
@@ -267,6 +326,9 @@ void tst_DialogNewProject::ClipsNothing()
         if (isOwn && !control->objectName().startsWith(QLatin1String("qt_"))) {
             QVERIFY2(control->width() >= smallest.width(), qPrintable(control->objectName()));
             QVERIFY2(control->height() >= smallest.height(), qPrintable(control->objectName()));
+            // The notice moves nothing.
+            QVERIFY2(control == notice || control->geometry() == places.value(control),
+                     qPrintable(control->objectName()));
         }
     }
 }

@@ -191,8 +191,8 @@ void tst_DialogVersions::BringsBackAReplacedBitmap()
 
     QVERIFY(ReadBytes(fixture.Path("small/layers/red.tga")) != bitmap);
     QCOMPARE(bar->findChild<QLabel*>("lblNotice")->text(),
-             QString("The save replaced bitmaps that this project neither loaded nor wrote: red, "
-                     "blue. The old ones are among the earlier versions."));
+             QStringLiteral("This save replaced 2 bitmaps of another project: red, blue. The old "
+                            "ones are kept under Project \u2192 Earlier versions."));
     // A second save replaces its own.
     QTest::mouseClick(bar->findChild<QToolButton*>("btnNoticeClose"), Qt::LeftButton);
     fixture.Trigger("actionQuickSave");

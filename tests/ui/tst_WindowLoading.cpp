@@ -378,6 +378,9 @@ void tst_WindowLoading::AFailedLoadLeavesThePicture()
     QCOMPARE(fixture.Child<QLabel>("lblWorldScaleX")->text(), "X: 1 px = 10 m");
     QCOMPARE(fixture.Child<QGroupBox>("gboBgOver")->findChild<QSlider*>()->value(), 100);
     QCOMPARE(fixture.Child<BrushDock>("BrushDock")->GetBrush()->Size(), 8);
+    // The notice about the fault takes room from the map.
+    fixture.Child<QAbstractButton>("btnNoticeClose")->click();
+    QTRY_COMPARE(fixture.View().height(), map.height());
     QCOMPARE(fixture.View().grab().toImage(), map);
     QCOMPARE(fixture.IsModified(), isModified);
     // The sizes and the background are those of the file, for what is made and saved from now on.

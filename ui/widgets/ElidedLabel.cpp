@@ -34,7 +34,7 @@ QString ElidedLabel::ElidedText() const
 
 bool ElidedLabel::event(QEvent* event)
 {
-    if (event->type() != QEvent::ToolTip || ElidedText() == text()) {
+    if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() || ElidedText() == text()) {
         return QLabel::event(event);
     }
     // A tool tip shows its text as rich text when it looks like that.

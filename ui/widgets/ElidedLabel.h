@@ -3,7 +3,8 @@
 #include <QLabel>
 
 /// A label for one line of plain text. It asks for the width of the whole text; with less, it shows
-/// an ellipsis at the end, and a tool tip then holds the whole text. text() is never shortened.
+/// an ellipsis at the end. A tool tip then holds the whole text, unless the label has its own.
+/// text() is never shortened.
 class ElidedLabel : public QLabel
 {
     Q_OBJECT

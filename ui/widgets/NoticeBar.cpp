@@ -56,6 +56,13 @@ NoticeBar::NoticeBar(QWidget* parent)
 
 NoticeBar::~NoticeBar() = default;
 
+void NoticeBar::TakeRoomFrom(QWidget& widget)
+{
+    m_roomGiver = &widget;
+    m_fullMinimum = widget.minimumHeight();
+    TakeRoom();
+}
+
 void NoticeBar::Show(const Notice& notice)
 {
     const auto old = Find(m_notices, notice.key);
@@ -90,8 +97,9 @@ void NoticeBar::ShowFirst()
         item->widget()->deleteLater();
         delete item;
     }
-    setVisible(!m_notices.empty());
     if (m_notices.empty()) {
+        hide();
+        TakeRoom();
         return;
     }
     const Notice& notice = m_notices.front();
@@ -105,6 +113,33 @@ void NoticeBar::ShowFirst()
         connect(widget, &QPushButton::clicked, this, [this, button] { Press(button); });
         m_buttons->addWidget(widget);
     }
+    // Showing it lays the window out at once.
+    TakeRoom();
+    show();
+}
+
+void NoticeBar::TakeRoom()
+{
+    if (!m_roomGiver) {
+        return;
+    }
+    if (m_notices.empty()) {
+        m_roomGiver->setMinimumHeight(m_fullMinimum);
+        return;
+    }
+    // Before the first layout the bar has no width, but the other one in the column has.
+    const int height = heightForWidth(isVisible() ? width() : m_roomGiver->width());
+    const int spacing = qMax(parentWidget()->layout()->spacing(), 0);
+    m_roomGiver->setMinimumHeight(qMax(m_fullMinimum - height - spacing, 0));
+    // The window's layout does not ask how high the text is at its width.
+    setMinimumHeight(height);
+}
+
+void NoticeBar::resizeEvent(QResizeEvent* event)
+{
+    QFrame::resizeEvent(event);
+    // In less width the text takes more lines.
+    TakeRoom();
 }
 
 void NoticeBar::Press(const NoticeButton& button)

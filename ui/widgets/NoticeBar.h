@@ -41,14 +41,22 @@ public:
     explicit NoticeBar(QWidget* parent = nullptr);
     ~NoticeBar() override;
 
+    /// While the bar is shown, the widget may be lower by the bar's height: so the window needs no
+    /// more room than without the bar. Both must be in the same column of a layout.
+    void TakeRoomFrom(QWidget& widget);
+
     void Show(const Notice& notice);
     /// Does nothing when there is none with this key.
     void Withdraw(const QString& key);
     /// Whether a notice with this key is shown or waits.
     bool Has(const QString& key) const;
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     void ShowFirst();
+    void TakeRoom();
     void Press(const NoticeButton& button);
 
     std::deque<Notice> m_notices;
@@ -56,4 +64,7 @@ private:
     QLabel* m_count;
     QHBoxLayout* m_buttons;
     QToolButton* m_close;
+    QWidget* m_roomGiver = nullptr;
+    /// Of that widget, in pixels.
+    int m_fullMinimum = 0;
 };

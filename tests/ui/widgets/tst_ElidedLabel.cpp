@@ -74,6 +74,9 @@ void tst_ElidedLabel::ShowsTheWholeTextInAToolTip()
     label.resize(30, label.sizeHint().height());
     label.show();
     QCOMPARE(ToolTip(label), QStringLiteral("&lt;b&gt;187.5 m"));
+    label.setToolTip(QStringLiteral("its own"));
+    QCOMPARE(ToolTip(label), QStringLiteral("its own"));
+    label.setToolTip(QString());
 
     label.resize(label.sizeHint());
     QCOMPARE(ToolTip(label), QString());
