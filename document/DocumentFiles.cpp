@@ -36,16 +36,21 @@ void Document::SetPath(const QString& path)
 {
     m_path = path;
     m_files.Clear();
-    if (path.isEmpty()) {
-        return;
+    if (!path.isEmpty()) {
+        m_files.Note(path);
+        NoteBitmaps();
+        if (!Settings().BackgroundFile().isEmpty()) {
+            m_files.Note(Settings().BackgroundPath());
+        }
     }
-    m_files.Note(path);
+    emit FilesNoted();
+}
+
+void Document::NoteBitmaps()
+{
     const QVector<Layer*> layers = m_layers.Layers();
     for (const Layer* layer : layers) {
         m_files.Note(Settings().LayerPath(layer->text()));
-    }
-    if (!Settings().BackgroundFile().isEmpty()) {
-        m_files.Note(Settings().BackgroundPath());
     }
 }
 

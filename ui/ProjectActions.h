@@ -26,9 +26,10 @@ public:
                    InteractionModes& modes);
 
     void New();
-    /// Asks for the file, unless the window was started with one. Returns whether a project was
-    /// loaded.
+    /// Asks for the file. Returns whether a project was loaded.
     bool Load();
+    /// Loads this file the same way. Asks only before it discards unsaved work.
+    bool LoadFrom(const QString& path);
     /// Opens a state that was kept outside of the project, as unsaved work. It takes the project's
     /// place and file name, or with asCopy no file name. Asks before it discards unsaved work, and
     /// returns whether the state was opened.
@@ -53,8 +54,6 @@ public:
     /// Enables the actions and widgets that need an open project.
     void EnableEditing(bool isEnabled);
 
-    /// Loads this file without asking.
-    bool StartWith(const QString& configPath);
     bool IsSaving() const { return m_work == Work::Saving; }
     /// Ends a running load early, because the window was closed.
     void StopLoading();
@@ -75,7 +74,7 @@ private:
     bool IsBusy() const { return m_work != Work::None; }
 
     void Create(const DialogNewProject& dialog);
-    bool AskForProject();
+    bool OpenFile(const QString& path);
     bool ReadFrom(QIODevice& file, const MaskSource& masks);
     void ReadMap(QFile& file);
     void BeginReplacing();
@@ -87,7 +86,6 @@ private:
     LayerComposition& m_composition;
     InteractionModes& m_modes;
     ProjectReader* m_reader = nullptr;
-    QString m_startUpPath;
     Work m_work = Work::None;
     bool m_isStopped = false;
 };

@@ -22,6 +22,7 @@
 #include "ui/InteractionModes.h"
 #include "ui/LayerComposition.h"
 #include "ui/ProjectActions.h"
+#include "ui/RecentProjects.h"
 #include "ui/StatusTexts.h"
 #include "ui/WindowState.h"
 #include "ui/widgets/LimitFont.h"
@@ -78,6 +79,8 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     m_project = std::make_unique<ProjectActions>(parts, *m_composition, *m_modes);
     m_edit = std::make_unique<EditActions>(parts);
     m_gestures = std::make_unique<Gestures>(*m_document);
+    m_recent = std::make_unique<RecentProjects>(
+        *m_ui->menuRecent, [this](const QString& path) { m_project->LoadFrom(path); });
     ConnectLog();
     ConnectActions();
     ConnectLayers();
@@ -154,7 +157,7 @@ void QuillmapWindow::OrderTabs()
 /// Loads a project for viewing only. File dialogs still start in the folder of the last session.
 void QuillmapWindow::OpenForViewing(const QString& configPath)
 {
-    if (m_project->StartWith(configPath)) {
+    if (m_project->LoadFrom(configPath)) {
         LogInfo(QStringLiteral("Project opened for viewing. Load it (Ctrl+O) to edit."));
     }
 }

@@ -23,6 +23,7 @@ class LayerComposition;
 class LayerList;
 class ProjectActions;
 class QGraphicsItem;
+class RecentProjects;
 class TerritoryTypeList;
 
 namespace Ui {
@@ -121,4 +122,5 @@ private:
     std::unique_ptr<ProjectActions> m_project;
     std::unique_ptr<EditActions> m_edit;
     std::unique_ptr<Gestures> m_gestures;
+    std::unique_ptr<RecentProjects> m_recent;
 };
