@@ -109,10 +109,11 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
 
 QuillmapWindow::~QuillmapWindow()
 {
-    // The children's signals must not reach slots of this half-destroyed window.
+    // The children's signals and events must not reach this half-destroyed window.
     const QList<QObject*> children = findChildren<QObject*>();
     for (QObject* child : children) {
         child->disconnect(this);
+        child->removeEventFilter(this);
     }
 }
 
