@@ -18,6 +18,7 @@
 #include "ui/DockTerTypes.h"
 #include "ui/EditActions.h"
 #include "ui/FileDialogs.h"
+#include "ui/FileDrops.h"
 #include "ui/Gestures.h"
 #include "ui/InteractionModes.h"
 #include "ui/LayerComposition.h"
@@ -81,6 +82,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     m_gestures = std::make_unique<Gestures>(*m_document);
     m_recent = std::make_unique<RecentProjects>(
         *m_ui->menuRecent, [this](const QString& path) { m_project->LoadFrom(path); });
+    m_drops = std::make_unique<FileDrops>(parts, *m_project);
     ConnectLog();
     ConnectActions();
     ConnectLayers();

@@ -16,6 +16,7 @@ class DockHistory;
 class DockTerTypes;
 class Document;
 class EditActions;
+class FileDrops;
 class Gestures;
 class InteractionModes;
 class Layer;
@@ -123,4 +124,5 @@ private:
     std::unique_ptr<EditActions> m_edit;
     std::unique_ptr<Gestures> m_gestures;
     std::unique_ptr<RecentProjects> m_recent;
+    std::unique_ptr<FileDrops> m_drops;
 };
