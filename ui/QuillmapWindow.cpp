@@ -10,6 +10,7 @@
 #include "layers/LayerList.h"
 #include "territories/Zone.h"
 #include "territories/ZoneIcons.h"
+#include "ui/ChangeNotice.h"
 #include "ui/DockHistory.h"
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
@@ -83,6 +84,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     m_recent = std::make_unique<RecentProjects>(
         *m_ui->menuRecent, [this](const QString& path) { m_project->LoadFrom(path); });
     m_drops = std::make_unique<FileDrops>(parts, *m_project);
+    m_changes = std::make_unique<ChangeNotice>(parts, *m_project);
     ConnectLog();
     ConnectActions();
     ConnectLayers();

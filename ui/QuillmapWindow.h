@@ -8,6 +8,7 @@
 #include <memory>
 
 class BrushDock;
+class ChangeNotice;
 class DockLayerProps;
 class DockLayers;
 class DockStatus;
@@ -125,4 +126,5 @@ private:
     std::unique_ptr<Gestures> m_gestures;
     std::unique_ptr<RecentProjects> m_recent;
     std::unique_ptr<FileDrops> m_drops;
+    std::unique_ptr<ChangeNotice> m_changes;
 };
