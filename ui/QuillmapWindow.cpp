@@ -26,6 +26,7 @@
 #include "ui/ProjectActions.h"
 #include "ui/RecentProjects.h"
 #include "ui/StatusTexts.h"
+#include "ui/UnsavedMark.h"
 #include "ui/WindowState.h"
 #include "ui/widgets/LimitFont.h"
 #include "ui_QuillmapWindow.h"
@@ -70,6 +71,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
              m_ui->gboWorldRSteps, m_ui->gboWorldPos, m_ui->gboBgOver}) {
         LimitFont(*widget);
     }
+    m_ui->menuBar->setCornerWidget(new UnsavedMark(m_ui->menuBar));
     ZoneIcons::Load();
     AddDocks();
     const EditorParts parts{
