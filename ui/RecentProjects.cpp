@@ -54,7 +54,11 @@ void RecentProjects::Add(const QString& path)
     QStringList paths = StoredPaths();
     paths.removeAll(clean);
     paths.prepend(clean);
-    Settings().setValue(PathsKey, QStringList(paths.mid(0, MostProjects)));
+    {
+        // They are written when the object dies.
+        QSettings settings = Settings();
+        settings.setValue(PathsKey, QStringList(paths.mid(0, MostProjects)));
+    }
     Fill();
 }
 

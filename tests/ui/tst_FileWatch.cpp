@@ -79,7 +79,6 @@ void tst_FileWatch::TellsWhatOthersDid_data()
     QTest::addColumn<QString>("notice");
     QTest::addColumn<bool>("offersReload");
 
-    const QString by = " by another program";
     QTest::newRow("document written") << QStringList("append small/small.xml")
                                       << "'small.xml' was changed by another program." << true;
     QTest::newRow("document replaced") << QStringList("replace small/small.xml")

@@ -84,7 +84,7 @@ void tst_RecentProjects::HoldsWhatWasLoadedOrSaved()
     QCOMPARE(Shown(fixture), (QStringList{"two.xml", "a&&b.xml", "one.xml"}));
     const auto* menu = fixture.Child<QMenu>("menuRecent");
     QVERIFY(menu->toolTipsVisible());
-    QCOMPARE(menu->actions().first()->toolTip(), fixture.Path("two/two.xml"));
+    QCOMPARE(menu->actions().at(0)->toolTip(), fixture.Path("two/two.xml"));
 
     fixture.Load(fixture.Path("one/../one/one.xml"));
     // A load that fails does not count.
@@ -162,7 +162,7 @@ void tst_RecentProjects::AClickLoads()
     Choose(fixture, 1);
 
     QCOMPARE(fixture.window->windowTitle().section(' ', 0, 0), QString(isLoaded ? "one" : "two"));
-    QCOMPARE(Shown(fixture).first(), QString(isLoaded ? "one.xml" : "two.xml"));
+    QCOMPARE(Shown(fixture).at(0), QString(isLoaded ? "one.xml" : "two.xml"));
     QCOMPARE(fixture.answers.Asked().mid(2).join("").startsWith("Load configuration: "),
              isModified);
 }
