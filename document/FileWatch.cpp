@@ -17,6 +17,15 @@ void NoteAll(KnownFiles& files, const QStringList& paths)
     }
 }
 
+/// The paths as the watcher names them, without "..".
+QStringList Cleaned(QStringList paths)
+{
+    for (QString& path : paths) {
+        path = QFileInfo(path).absoluteFilePath();
+    }
+    return paths;
+}
+
 bool HasAnyChanged(const KnownFiles& files)
 {
     const QStringList paths = files.Paths();
@@ -62,7 +71,7 @@ FileWatch::FileWatch(const Document& document)
 void FileWatch::Begin()
 {
     m_quiet.stop();
-    m_seen = m_document.Files();
+    m_seen.Clear();
     m_told = m_document.Files();
     Watch();
 }
@@ -90,7 +99,7 @@ void FileWatch::NoteFile(const QString& path)
 void FileWatch::NoteFolder()
 {
     if (!m_quiet.isActive()) {
-        NoteAll(m_seen, m_document.Files().Paths());
+        NoteAll(m_seen, Cleaned(m_document.Files().Paths()));
         m_quiet.start();
     }
 }
@@ -101,7 +110,7 @@ void FileWatch::Look()
     Watch();
     const QStringList paths = m_document.Files().Paths();
     if (m_document.IsBusy() || HasAnyChanged(m_seen)) {
-        NoteAll(m_seen, paths);
+        NoteAll(m_seen, Cleaned(paths));
         m_quiet.start();
         return;
     }
