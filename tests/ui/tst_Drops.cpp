@@ -207,7 +207,9 @@ void tst_Drops::APictureBecomesTheBackground()
     WindowFixture fixture;
     fixture.Load(fixture.WriteProject());
     const QString path = fixture.Path("small/x.png");
-    QVERIFY(QImage(8, 8, QImage::Format_RGB32).save(path));
+    QImage picture(8, 8, QImage::Format_RGB32);
+    picture.fill(Qt::green);
+    QVERIFY(picture.save(path));
 
     QCOMPARE(Drop(*fixture.View().viewport(), path), Qt::CopyAction);
 

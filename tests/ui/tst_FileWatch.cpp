@@ -53,7 +53,9 @@ private:
         WriteBytes(path, text);
         QVERIFY(QFile::copy(fixture.Path("small/layers/red.tga"),
                             fixture.Path("small/layers/green.tga")));
-        QVERIFY(QImage(8, 8, QImage::Format_RGB32).save(fixture.Path("world.png")));
+        QImage picture(8, 8, QImage::Format_RGB32);
+        picture.fill(Qt::green);
+        QVERIFY(picture.save(fixture.Path("world.png")));
         fixture.Load(path);
         QCOMPARE(fixture.window->GetDocument().Layers().Layers().size(), 3);
     }
