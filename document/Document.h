@@ -97,7 +97,9 @@ public:
     void Redo();
     /// For views of the history, which may also go to any of its states while CanTravel.
     QUndoStack& History() { return m_history; }
-    bool CanTravel() const { return m_isEditable && !m_isHandBusy && !m_isFilesBusy; }
+    bool CanTravel() const { return m_isEditable && !IsBusy(); }
+    /// Whether the hand is at work on the map, or files are read or written.
+    bool IsBusy() const { return m_isHandBusy || m_isFilesBusy; }
     /// Whether the hand is at work on the map: masks and zones are in no state that counts.
     bool IsHandBusy() const { return m_isHandBusy; }
     /// While files are read or written.
@@ -130,6 +132,8 @@ public:
     void NoteFiles(const QString& path);
     /// The document, the bitmaps of its layers and the background picture as they were then.
     const KnownFiles& Files() const { return m_files; }
+    /// Called when the layers' bitmaps were written, but not the document.
+    void NoteBitmaps();
     /// Sets the folder and the file name before a load.
     void SetPlace(const QDir& folder, const QString& fileName);
     /// Sets the name that the title shows.
@@ -166,6 +170,9 @@ signals:
     void Saved();
     /// An edit was undone or done again; this is where it is seen.
     void Travelled(const EditPlace& place);
+    /// The project was loaded from its file or saved there, or no file holds it any more. Path()
+    /// and Files() tell.
+    void FilesNoted();
     /// CanUndo, CanRedo, CanTravel or the texts of the history changed.
     void HistoryChanged();
 

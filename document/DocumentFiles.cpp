@@ -41,17 +41,23 @@ void Document::SetPath(const QString& path)
         m_files.ClearStamps();
         NoteFiles(path);
     }
+    emit FilesNoted();
 }
 
 void Document::NoteFiles(const QString& path)
 {
     m_files.Note(path);
+    NoteBitmaps();
+    if (!Settings().BackgroundFile().isEmpty()) {
+        m_files.Note(Settings().BackgroundPath());
+    }
+}
+
+void Document::NoteBitmaps()
+{
     const QVector<Layer*> layers = m_layers.Layers();
     for (const Layer* layer : layers) {
         m_files.Note(Settings().LayerPath(layer->text()));
-    }
-    if (!Settings().BackgroundFile().isEmpty()) {
-        m_files.Note(Settings().BackgroundPath());
     }
 }
 

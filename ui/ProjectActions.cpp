@@ -87,6 +87,12 @@ bool MayDiscard(const EditorParts& parts, const QString& title, const QString& a
                              action));
 }
 
+bool MayLoad(const EditorParts& parts)
+{
+    return MayDiscard(parts, QStringLiteral("Load configuration"),
+                      QStringLiteral("load a different configuration"));
+}
+
 /// Finishes what a killed save left first. Opening a pipe would wait for a writer, maybe for ever.
 bool OpenRegular(QFile& file)
 {
@@ -168,58 +174,42 @@ void ProjectActions::Create(const DialogNewProject& dialog)
     m_parts.document.BeginHistory(isSaved);
 }
 
+void ProjectActions::ShowViewing(const QString& path)
+{
+    m_notices.ShowViewing(Settings().Name(), [this, path] { LoadFrom(path); });
+}
+
 bool ProjectActions::StartWith(const QString& configPath)
 {
     const QScopedValueRollback<bool> viewing(m_isForViewing, true);
-    m_startUpPath = configPath;
-    return Load();
-}
-
-void ProjectActions::ShowViewing(const QString& path)
-{
-    m_notices.ShowViewing(Settings().Name(), [this, path] {
-        if (!IsBusy()) {
-            m_startUpPath = path;
-            Load();
-        }
-    });
-}
-
-/// Returns false if the user decides not to load.
-bool ProjectActions::AskForProject()
-{
-    // Also a refused load uses it up.
-    const QString startUpPath = std::exchange(m_startUpPath, QString());
-    if (!MayDiscard(m_parts, QStringLiteral("Load configuration"),
-                    QStringLiteral("load a different configuration"))) {
-        return false;
-    }
-    const QString path =
-        startUpPath.isEmpty() ? AskForFile(&m_parts.window, FilePurpose::LoadProject) : startUpPath;
-    if (path.isEmpty()) {
-        return false;
-    }
-    const QFileInfo file(path);
-    m_parts.document.SetPlace(file.absoluteDir(), file.fileName());
-    return true;
+    return LoadFrom(configPath);
 }
 
 bool ProjectActions::Load()
 {
-    if (IsBusy()) {
+    if (IsBusy() || !MayLoad(m_parts)) {
         return false;
     }
+    const QString path = AskForFile(&m_parts.window, FilePurpose::LoadProject);
+    return !path.isEmpty() && OpenFile(path);
+}
+
+bool ProjectActions::LoadFrom(const QString& path)
+{
+    return !IsBusy() && MayLoad(m_parts) && OpenFile(path);
+}
+
+bool ProjectActions::OpenFile(const QString& path)
+{
     const QString oldName = Settings().FileName();
     const QDir oldDir = Settings().Dir();
-    if (!AskForProject()) {
-        return false;
-    }
+    const QFileInfo place(path);
+    m_parts.document.SetPlace(place.absoluteDir(), place.fileName());
     const Busy loading(*this, Work::Loading);
     QFile file(Settings().ProjectFilePath());
     if (!OpenRegular(file)) {
-        const QString name = Settings().FileName();
         m_parts.document.SetPlace(oldDir, oldName);
-        LogNotRead(name);
+        LogNotRead(place.fileName());
         return false;
     }
     m_parts.document.SetName(QFileInfo(file).baseName());
@@ -229,8 +219,7 @@ bool ProjectActions::Load()
 
 bool ProjectActions::OpenStored(const StoredProject& stored, bool asCopy)
 {
-    if (IsBusy() || !MayDiscard(m_parts, QStringLiteral("Load configuration"),
-                                QStringLiteral("load a different configuration"))) {
+    if (IsBusy() || !MayLoad(m_parts)) {
         return false;
     }
     const Busy loading(*this, Work::Loading);
@@ -419,9 +408,11 @@ bool ProjectActions::SaveTo(const QString& path)
 {
     const Busy saving(*this, Work::Saving);
     const Layer* current = m_parts.document.CurrentLayer();
+    bool isBegun = false;
     ProjectParts parts{current ? current->row() : -1,
                        [this](QXmlStreamWriter& xml) { m_parts.document.GetBrush().WriteXml(xml); },
-                       [this] {
+                       [this, &isBegun] {
+                           isBegun = true;
                            m_parts.window.SetTitle(Settings().Name());
                            LogInfo(QStringLiteral("Saving project '%1'...").arg(Settings().Name()));
                        },
@@ -436,6 +427,9 @@ bool ProjectActions::SaveTo(const QString& path)
     if (isSaved) {
         m_parts.document.SetPath(Settings().ProjectFilePath());
         m_notices.FollowSave();
+    } else if (isBegun && QFileInfo(path).absoluteFilePath() == m_parts.document.Path()) {
+        // The bitmaps were written before the document.
+        m_parts.document.NoteBitmaps();
     }
     if (isSaved && Settings().IsModified()) {
         // A bitmap could not be written, so the files are those of no state of the history.

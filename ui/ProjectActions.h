@@ -29,9 +29,10 @@ public:
                    InteractionModes& modes);
 
     void New();
-    /// Asks for the file, unless the window was started with one. Returns whether a project was
-    /// loaded.
+    /// Asks for the file. Returns whether a project was loaded.
     bool Load();
+    /// Loads this file the same way. Asks only before it discards unsaved work.
+    bool LoadFrom(const QString& path);
     /// Opens a state that was kept outside of the project, as unsaved work. It takes the project's
     /// place and file name, or with asCopy no file name. Asks before it discards unsaved work, and
     /// returns whether the state was opened.
@@ -63,8 +64,8 @@ public:
     /// Enables the actions and widgets that need an open project.
     void EnableEditing(bool isEnabled);
 
-    /// Loads this file without asking, for viewing: the window then disables what edits. A notice
-    /// offers to load it for editing.
+    /// LoadFrom for viewing: the window then disables what edits. A notice offers to load it for
+    /// editing.
     bool StartWith(const QString& configPath);
     bool IsSaving() const { return m_work == Work::Saving; }
     /// Ends a running load early, because the window was closed.
@@ -86,7 +87,7 @@ private:
     bool IsBusy() const { return m_work != Work::None; }
 
     void Create(const DialogNewProject& dialog);
-    bool AskForProject();
+    bool OpenFile(const QString& path);
     bool ReadFrom(QIODevice& file, const MaskSource& masks, const QString& path);
     void ReadMap(QFile& file);
     void ShowViewing(const QString& path);
@@ -101,7 +102,6 @@ private:
     InteractionModes& m_modes;
     ProjectNotices m_notices;
     ProjectReader* m_reader = nullptr;
-    QString m_startUpPath;
     VersionStore::MoveJournal m_moveJournal;
     bool m_isForViewing = false;
     Work m_work = Work::None;

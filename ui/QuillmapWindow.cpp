@@ -10,6 +10,7 @@
 #include "layers/LayerList.h"
 #include "territories/Zone.h"
 #include "territories/ZoneIcons.h"
+#include "ui/ChangeNotice.h"
 #include "ui/DockHistory.h"
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
@@ -18,11 +19,14 @@
 #include "ui/DockTerTypes.h"
 #include "ui/EditActions.h"
 #include "ui/FileDialogs.h"
+#include "ui/FileDrops.h"
 #include "ui/Gestures.h"
 #include "ui/InteractionModes.h"
 #include "ui/LayerComposition.h"
 #include "ui/ProjectActions.h"
+#include "ui/RecentProjects.h"
 #include "ui/StatusTexts.h"
+#include "ui/UnsavedMark.h"
 #include "ui/WindowState.h"
 #include "ui/widgets/LimitFont.h"
 #include "ui_QuillmapWindow.h"
@@ -68,6 +72,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
              m_ui->gboWorldRSteps, m_ui->gboWorldPos, m_ui->gboBgOver}) {
         LimitFont(*widget);
     }
+    m_ui->menuBar->setCornerWidget(new UnsavedMark(m_ui->menuBar));
     ZoneIcons::Load();
     AddDocks();
     const EditorParts parts{
@@ -79,6 +84,10 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     m_project = std::make_unique<ProjectActions>(parts, *m_composition, *m_modes);
     m_edit = std::make_unique<EditActions>(parts);
     m_gestures = std::make_unique<Gestures>(*m_document);
+    m_recent = std::make_unique<RecentProjects>(
+        *m_ui->menuRecent, [this](const QString& path) { m_project->LoadFrom(path); });
+    m_drops = std::make_unique<FileDrops>(parts, *m_project);
+    m_changes = std::make_unique<ChangeNotice>(parts, *m_project);
     ConnectLog();
     ConnectActions();
     ConnectLayers();
@@ -107,10 +116,11 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
 
 QuillmapWindow::~QuillmapWindow()
 {
-    // The children's signals must not reach slots of this half-destroyed window.
+    // The children's signals and events must not reach this half-destroyed window.
     const QList<QObject*> children = findChildren<QObject*>();
     for (QObject* child : children) {
         child->disconnect(this);
+        child->removeEventFilter(this);
     }
 }
 
@@ -155,7 +165,7 @@ void QuillmapWindow::OrderTabs()
 /// Loads a project for viewing only. File dialogs still start in the folder of the last session.
 void QuillmapWindow::OpenForViewing(const QString& configPath)
 {
-    if (m_project->StartWith(configPath)) {
+    if (m_project->LoadFrom(configPath)) {
         LogInfo(QStringLiteral("Project opened for viewing. Load it (Ctrl+O) to edit."));
     }
 }

@@ -9,6 +9,7 @@
 #include <memory>
 
 class BrushDock;
+class ChangeNotice;
 class DockLayerProps;
 class DockLayers;
 class DockStatus;
@@ -17,6 +18,7 @@ class DockHistory;
 class DockTerTypes;
 class Document;
 class EditActions;
+class FileDrops;
 class Gestures;
 class InteractionModes;
 class Layer;
@@ -24,6 +26,7 @@ class LayerComposition;
 class LayerList;
 class ProjectActions;
 class QGraphicsItem;
+class RecentProjects;
 class TerritoryTypeList;
 
 namespace Ui {
@@ -124,4 +127,7 @@ private:
     std::unique_ptr<ProjectActions> m_project;
     std::unique_ptr<EditActions> m_edit;
     std::unique_ptr<Gestures> m_gestures;
+    std::unique_ptr<RecentProjects> m_recent;
+    std::unique_ptr<FileDrops> m_drops;
+    std::unique_ptr<ChangeNotice> m_changes;
 };

@@ -16,6 +16,7 @@
 #include "ui/LayerComposition.h"
 #include "ui/ProjectActions.h"
 #include "ui/QuillmapWindow.h"
+#include "ui/RecentProjects.h"
 #include "ui_QuillmapWindow.h"
 
 #include <QEvent>
@@ -107,6 +108,11 @@ void QuillmapWindow::ConnectMap()
 void QuillmapWindow::ConnectDocument()
 {
     connect(m_ui->actionHistory, &QAction::triggered, m_history.get(), &QWidget::setVisible);
+    connect(m_document.get(), &Document::FilesNoted, this, [this] {
+        if (!m_document->Path().isEmpty()) {
+            m_recent->Add(m_document->Path());
+        }
+    });
     connect(m_document.get(), &Document::BackgroundPictureChanged, this, [this] {
         if (m_document->IsTravelling()) {
             m_project->ShowBackground();

@@ -50,6 +50,27 @@ bool DropAt(QAbstractItemView& view, QPoint position)
     return drop.isAccepted();
 }
 
+Qt::DropAction DropLinks(QWidget& widget, const QList<QUrl>& links)
+{
+    QWindow* window = widget.window()->windowHandle();
+    const QPoint place = widget.mapTo(widget.window(), widget.rect().center());
+    const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
+    QMimeData data;
+    data.setUrls(links);
+    QDragEnterEvent enter(place, actions, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window, &enter);
+    QDragMoveEvent move(place, actions, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window, &move);
+    if (!enter.isAccepted() || !move.isAccepted()) {
+        QDragLeaveEvent leave;
+        QCoreApplication::sendEvent(window, &leave);
+        return Qt::IgnoreAction;
+    }
+    QDropEvent drop(place, actions, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window, &drop);
+    return drop.isAccepted() ? drop.dropAction() : Qt::IgnoreAction;
+}
+
 bool DragRow(QAbstractItemView& view, int sourceRow, int targetRow)
 {
     QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, MiddleOf(view, sourceRow));

@@ -7,6 +7,7 @@
 #include "ui/widgets/NamedGroupBox.h"
 
 #include <QApplication>
+#include <QDockWidget>
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
@@ -66,6 +67,7 @@ private slots:
     void StaysOnTheScreenWhenDocksOpen();
     void OpensMaximizedWhereItDoesNotFit();
     void TabsFromTheLayersToTheirProperties();
+    void EndsWithADockOutOfTheWindow();
 };
 
 void tst_QuillmapWindow::StartsWithoutAProject()
@@ -399,6 +401,18 @@ void tst_QuillmapWindow::TabsFromTheLayersToTheirProperties()
     QCOMPARE(order.join(QStringLiteral(", ")),
              QStringLiteral("btnAddCustom, btnAddPainted, hide all, treeLayers, Town, Farm, Rich, "
                             "button, slider"));
+}
+
+void tst_QuillmapWindow::EndsWithADockOutOfTheWindow()
+{
+    WindowFixture fixture;
+    for (const char* name : {"DockLayers", "DockStatus"}) {
+        auto* dock = fixture.Child<QDockWidget>(name);
+        dock->setFloating(true);
+        QVERIFY(QTest::qWaitForWindowExposed(dock));
+    }
+    fixture.window.reset();
+    QVERIFY(QApplication::topLevelWidgets().isEmpty());
 }
 
 QTEST_MAIN(tst_QuillmapWindow)
