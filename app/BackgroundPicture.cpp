@@ -2,6 +2,7 @@
 
 #include "app/HiddenFile.h"
 #include "app/Log.h"
+#include "app/OutputFile.h"
 #include "app/ProjectSettings.h"
 #include "app/WriteAll.h"
 
@@ -10,6 +11,15 @@
 #include <QFileInfo>
 
 namespace {
+
+/// Whether a picture can be put at the place as a part of the save. A link there is replaced at
+/// once, because the files of a save go where links lead; so is a file that must not be
+/// overwritten.
+bool CanWait(const QString& place)
+{
+    const QFileInfo file(place);
+    return !file.isSymLink() && (!file.exists() || (file.isFile() && file.isWritable()));
+}
 
 /// At no time half a picture stands at the place.
 bool CopyIntoPlace(const QString& source, const QString& place)
@@ -21,7 +31,7 @@ bool CopyIntoPlace(const QString& source, const QString& place)
         return false;
     }
     to.SetPermissionsOf(source);
-    return !to.Replace(place);
+    return !(CanWait(place) ? PutInPlace(to, place) : to.Replace(place));
 }
 
 /// Resolves the links in the part of the path that exists.

@@ -1,6 +1,8 @@
 #include "app/BatchExport.h"
 
+#include "app/Leftovers.h"
 #include "app/Log.h"
+#include "app/OutputFile.h"
 #include "app/ProjectSettings.h"
 #include "app/Xml.h"
 #include "layers/LayerList.h"
@@ -30,9 +32,11 @@ void ExportTypes(const TerritoryTypeList& types)
     LogSuccess(QStringLiteral("%1 territory types exported.").arg(isExported));
 }
 
-void ExportMap(const LayerList& layers, const QString& path)
+/// The map and the types before it take their places together.
+void ExportMap(const LayerList& layers, const QString& path, OutputGroup& group)
 {
-    if (!layers.SaveMap(path)) {
+    const bool isMade = layers.SaveMap(path);
+    if (!group.Commit() || !isMade) {
         LogError(QStringLiteral("Failed to export area map to file '%1'.").arg(path));
     }
 }
@@ -63,6 +67,7 @@ void ReadBatchDocument(QIODevice& device, LayerList& layers, TerritoryTypeList& 
 
 ExitCode RunBatchExport(const QString& configPath, const QString& outputPath)
 {
+    TidyFolderOf(configPath);
     QFile file(configPath);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         LogError(QStringLiteral("Failed to open file '%1' for reading.").arg(configPath));
@@ -80,9 +85,11 @@ ExitCode RunBatchExport(const QString& configPath, const QString& outputPath)
         LogError(QStringLiteral("Failed to create path '%1'.").arg(folder));
         return ExitNoOutputFolder;
     }
+    OutputGroup group;
     ExportTypes(types);
     ExportMap(
         layers,
-        QStringLiteral("%1/%2.map").arg(configDir.absoluteFilePath(folder), config.baseName()));
+        QStringLiteral("%1/%2.map").arg(configDir.absoluteFilePath(folder), config.baseName()),
+        group);
     return ExitDone;
 }

@@ -26,4 +26,5 @@ void ReadBatchDocument(QIODevice& device, LayerList& layers, TerritoryTypeList& 
 /// Layer bitmaps are read from "layers" and territory type files written to "territoryTypes" below
 /// the working directory. The flag types of the document are not read, so the map holds no flags.
 /// If the map or a type cannot be written, that is logged, and the result is ExitDone all the same.
+/// What is written takes its places together.
 ExitCode RunBatchExport(const QString& configPath, const QString& outputPath);

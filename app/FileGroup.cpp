@@ -9,6 +9,18 @@
 
 #include <algorithm>
 
+namespace {
+
+/// Why no file can have the name, as for one that is too long.
+std::error_code NameError(const QString& place)
+{
+    std::error_code error;
+    const auto status = std::filesystem::symlink_status(platform::ToPath(place), error);
+    return status.type() == std::filesystem::file_type::none ? error : std::error_code();
+}
+
+} // namespace
+
 FileGroup::FileGroup() = default;
 
 FileGroup::~FileGroup()
@@ -29,10 +41,10 @@ bool FileGroup::Fail(const QString& place, const std::error_code& error)
     return !error;
 }
 
-bool FileGroup::MakeWorkplace(const QString& folder)
+std::error_code FileGroup::MakeWorkplace(const QString& folder)
 {
     if (m_workplaces.count(folder) > 0) {
-        return true;
+        return {};
     }
     HiddenThing made = MakeHidden(
         folder, HiddenKind::Group,
@@ -42,16 +54,45 @@ bool FileGroup::MakeWorkplace(const QString& folder)
             return error;
         },
         [](const QString& path) { QDir().rmdir(path); });
-    if (!Fail(folder, made.error)) {
-        return false;
+    if (made.error) {
+        return made.error;
     }
     const QString path = made.path;
     m_workplaces[folder] = {path, std::move(made.lock)};
     if (!m_record) {
         m_record = std::make_unique<GroupRecord>(path);
-        return true;
+        return {};
     }
-    return Fail(folder, LeadTo(m_record->Main(), path));
+    const std::error_code error = LeadTo(m_record->Main(), path);
+    if (error) {
+        RemoveWorkplace(path);
+        m_workplaces.erase(folder);
+    }
+    return error;
+}
+
+std::error_code FileGroup::HandOver(HiddenFile& file, const QString& place, bool mayOverwrite)
+{
+    const QFileInfo info(place);
+    std::error_code error = NameError(place);
+    if (error) {
+        return error;
+    }
+    error = MakeWorkplace(info.path());
+    if (error) {
+        return error;
+    }
+    const QString workplace = m_workplaces[info.path()].path;
+    error = file.HandOver(m_record->NextFile(workplace));
+    if (!error) {
+        m_record->Add(workplace, info.fileName(), mayOverwrite);
+    }
+    return error;
+}
+
+std::error_code FileGroup::Take(HiddenFile& file, const QString& place)
+{
+    return HandOver(file, place, true);
 }
 
 bool FileGroup::HandOver(File& file)
@@ -59,16 +100,10 @@ bool FileGroup::HandOver(File& file)
     if (!file.file) {
         return true;
     }
-    const QFileInfo place(file.place);
-    if (!MakeWorkplace(place.path())) {
-        return false;
-    }
-    if (place.exists()) {
+    if (QFileInfo::exists(file.place)) {
         file.file->SetPermissionsOf(file.place);
     }
-    const QString workplace = m_workplaces[place.path()].path;
-    const bool isDone = Fail(file.place, file.file->HandOver(m_record->NextFile(workplace)));
-    m_record->Add(workplace, place.fileName());
+    const bool isDone = Fail(file.place, HandOver(*file.file, file.place, false));
     file.file.reset();
     return isDone;
 }
@@ -98,14 +133,15 @@ QFile* FileGroup::Add(const QString& place)
 
 bool FileGroup::Commit()
 {
-    if (!HandOverAll() || !m_record) {
-        return m_files.empty();
+    if (!HandOverAll()) {
+        return false;
     }
-    if (!Fail(m_files.front().place, m_record->Write())) {
+    if (!m_record || m_record->IsEmpty()) {
+        return true;
+    }
+    if (!Fail(m_record->Place(0), m_record->Write())) {
         return false;
     }
     m_record->Carry();
-    const int failed = m_record->FailedFile();
-    return failed < 0 ||
-           Fail(m_files.at(static_cast<std::size_t>(failed)).place, m_record->Error());
+    return Fail(m_record->FailedPlace(), m_record->Error());
 }

@@ -12,8 +12,8 @@
 class GroupRecord;
 
 /// Hidden files that take their places together: either all do, or all old ones are as they were.
-/// If the program is killed, the next run that writes into one of the folders finishes or undoes
-/// the replacement.
+/// If the program is killed, the next run that reads or writes in one of the folders finishes or
+/// undoes the replacement.
 class FileGroup
 {
 public:
@@ -25,6 +25,10 @@ public:
     /// Makes the file that is to take the place, which has its folder. All files that were added
     /// before are finished. Null after a failure, which Error tells.
     QFile* Add(const QString& place);
+    /// Takes a finished file over, which may have been made by other means. It keeps its
+    /// permissions. Where the old file cannot be replaced, its bytes are overwritten last. After a
+    /// failure the file is still the caller's, and the group is without it.
+    std::error_code Take(HiddenFile& file, const QString& place);
     /// False after a failure.
     bool Commit();
 
@@ -46,7 +50,8 @@ private:
     };
 
     bool Fail(const QString& place, const std::error_code& error);
-    bool MakeWorkplace(const QString& folder);
+    std::error_code MakeWorkplace(const QString& folder);
+    std::error_code HandOver(HiddenFile& file, const QString& place, bool mayOverwrite);
     bool HandOver(File& file);
     bool HandOverAll();
 

@@ -82,9 +82,10 @@ bool IsFileName(const QString& name)
 
 } // namespace
 
-void GroupRecord::Add(const QString& workplace, const QString& name)
+void GroupRecord::Add(const QString& workplace, const QString& name, bool mayOverwrite)
 {
-    m_files.append({workplace, name, QFileInfo::exists(Below(FolderOf(workplace), name))});
+    m_files.append(
+        {workplace, name, QFileInfo::exists(Below(FolderOf(workplace), name)), mayOverwrite});
 }
 
 QString GroupRecord::NextFile(const QString& workplace) const
@@ -126,7 +127,8 @@ std::error_code GroupRecord::Write() const
         files.append(
             QJsonObject{{QStringLiteral("workplace"), folder.relativeFilePath(file.workplace)},
                         {QStringLiteral("name"), file.name},
-                        {QStringLiteral("replaces"), file.doesReplace}});
+                        {QStringLiteral("replaces"), file.doesReplace},
+                        {QStringLiteral("overwrites"), file.mayOverwrite}});
     }
     return WriteWhole(Below(m_main, RecordName), QJsonDocument(files).toJson());
 }
@@ -150,7 +152,8 @@ bool GroupRecord::Read()
         const QString path = value[QLatin1String("workplace")].toString();
         m_files.append({QDir::cleanPath(folder.absoluteFilePath(path)),
                         value[QLatin1String("name")].toString(),
-                        value[QLatin1String("replaces")].toBool()});
+                        value[QLatin1String("replaces")].toBool(),
+                        value[QLatin1String("overwrites")].toBool()});
     }
     return !m_files.isEmpty() && std::all_of(m_files.begin(), m_files.end(), [](const File& file) {
         return IsWorkplace(file.workplace) && IsFileName(file.name);
@@ -174,6 +177,17 @@ std::error_code GroupRecord::PutInPlace(int number) const
     return Rename(Made(number), Place(number));
 }
 
+std::error_code GroupRecord::Overwrite(int number) const
+{
+    QFile made(Made(number));
+    if (!made.open(QIODevice::ReadOnly)) {
+        return std::make_error_code(std::errc::io_error);
+    }
+    const std::error_code error = OverwriteFile(made, Place(number));
+    // Until it is removed, another run overwrites again.
+    return error || made.remove() ? error : std::make_error_code(std::errc::io_error);
+}
+
 bool GroupRecord::PutBack(int number) const
 {
     if (!m_files.at(number).doesReplace) {
@@ -189,12 +203,36 @@ bool GroupRecord::PutBack(int number) const
     return isBack;
 }
 
+bool GroupRecord::HasFailed(int number, const std::error_code& error)
+{
+    if (error) {
+        m_error = error;
+        m_failedPlace = Place(number);
+    }
+    return static_cast<bool>(error);
+}
+
 bool GroupRecord::PlaceAll()
 {
+    QVector<int> refused;
     for (int i = 0; i < m_files.size(); ++i) {
-        m_error = PutInPlace(i);
-        if (m_error) {
-            m_failedFile = i;
+        const std::error_code error = PutInPlace(i);
+        if (m_files.at(i).mayOverwrite && IsRefusal(error) && CanBeOverwritten(Place(i))) {
+            refused.append(i);
+        } else if (HasFailed(i, error)) {
+            return false;
+        }
+    }
+    return std::none_of(refused.begin(), refused.end(),
+                        [this](int i) { return HasFailed(i, Overwrite(i)); });
+}
+
+/// Whether no file has been put in its place, and no old one moved away.
+bool GroupRecord::IsUntouched() const
+{
+    for (int i = 0; i < m_files.size(); ++i) {
+        if (!QFileInfo::exists(Made(i)) ||
+            (m_files.at(i).doesReplace && !QFileInfo::exists(Place(i)))) {
             return false;
         }
     }
@@ -213,7 +251,7 @@ bool GroupRecord::UndoAll() const
 
 bool GroupRecord::Carry()
 {
-    if (!m_isUndone && PlaceAll()) {
+    if (!m_isUndone && (PlaceAll() || IsUntouched())) {
         return QFile::remove(Below(m_main, RecordName));
     }
     // Mark the undo first, so that no later run installs the new files again.

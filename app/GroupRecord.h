@@ -21,12 +21,16 @@ public:
     }
 
     /// The next file: it is in the workplace, and takes this name in the folder of the workplace.
-    void Add(const QString& workplace, const QString& name);
+    /// mayOverwrite: where the old file cannot be replaced, its bytes are overwritten.
+    void Add(const QString& workplace, const QString& name, bool mayOverwrite);
     /// Where the next file is to be made, in its workplace.
     QString NextFile(const QString& workplace) const;
     QStringList Workplaces() const;
 
     const QString& Main() const { return m_main; }
+    bool IsEmpty() const { return m_files.isEmpty(); }
+    /// Where a file goes.
+    QString Place(int number) const;
 
     /// After this, any run that finds the workplaces can finish the job.
     std::error_code Write() const;
@@ -36,10 +40,11 @@ public:
     bool Read();
 
     /// Installs all files, or restores all old ones when that fails. Steps that an earlier run
-    /// completed are skipped. Then removes the plan, and returns whether it is gone.
+    /// completed are skipped. Files to be overwritten come last, because their old bytes cannot be
+    /// restored. Then removes the plan, and returns whether it is gone.
     bool Carry();
-    /// The number of the file that could not be installed, and why; -1 when none failed.
-    int FailedFile() const { return m_failedFile; }
+    /// The place of the file that could not be installed, and why; empty when none failed.
+    const QString& FailedPlace() const { return m_failedPlace; }
     std::error_code Error() const { return m_error; }
 
 private:
@@ -49,20 +54,23 @@ private:
         QString name;
         /// Whether there was a file in its place.
         bool doesReplace;
+        bool mayOverwrite;
     };
 
-    QString Place(int number) const;
     QString Made(int number) const;
     QString Old(int number) const;
     std::error_code PutInPlace(int number) const;
+    std::error_code Overwrite(int number) const;
     bool PutBack(int number) const;
+    bool HasFailed(int number, const std::error_code& error);
     bool PlaceAll();
+    bool IsUntouched() const;
     bool UndoAll() const;
 
     QString m_main;
     QVector<File> m_files;
     bool m_isUndone = false;
-    int m_failedFile = -1;
+    QString m_failedPlace;
     std::error_code m_error;
 };
 

@@ -9,6 +9,41 @@
 
 #include <filesystem>
 
+bool IsRefusal(const std::error_code& error)
+{
+    return error == std::errc::permission_denied || error == std::errc::operation_not_permitted ||
+           // A file that is mounted on its own.
+           error == std::errc::device_or_resource_busy;
+}
+
+bool CanBeOverwritten(const QString& place)
+{
+    return QFileInfo(place).isFile() &&
+           QFile(place).open(QIODevice::ReadWrite | QIODevice::ExistingOnly);
+}
+
+std::error_code OverwriteFile(QFile& made, const QString& place)
+{
+    QFile target(place);
+    if (!FlushAll(made) || (!made.isOpen() && !made.open(QIODevice::ReadOnly)) || !made.seek(0)) {
+        return platform::ErrorOf(made);
+    }
+    if (!target.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
+        return platform::ErrorOf(target);
+    }
+    // The bytes are copied as they are.
+    made.setTextModeEnabled(false);
+    const qint64 oldLength = target.size();
+    if (const std::error_code error = platform::Reserve(target, made.size())) {
+        target.resize(oldLength);
+        return error;
+    }
+    if (!target.seek(0) || !CopyAll(made, target) || !target.resize(made.size())) {
+        return platform::ErrorOf(target);
+    }
+    return platform::Sync(target);
+}
+
 HiddenFile::~HiddenFile()
 {
     if (!m_name.isEmpty()) {
@@ -85,27 +120,4 @@ std::error_code HiddenFile::Replace(const QString& place)
         error = Rename(place);
     }
     return error;
-}
-
-std::error_code HiddenFile::Overwrite(const QString& place)
-{
-    QFile target(place);
-    if (!FlushAll(m_file) || (!m_file.isOpen() && !m_file.open(QIODevice::ReadOnly)) ||
-        !m_file.seek(0)) {
-        return platform::ErrorOf(m_file);
-    }
-    if (!target.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
-        return platform::ErrorOf(target);
-    }
-    // The bytes are copied as they are.
-    m_file.setTextModeEnabled(false);
-    const qint64 oldLength = target.size();
-    if (const std::error_code error = platform::Reserve(target, m_file.size())) {
-        target.resize(oldLength);
-        return error;
-    }
-    if (!target.seek(0) || !CopyAll(m_file, target) || !target.resize(m_file.size())) {
-        return platform::ErrorOf(target);
-    }
-    return platform::Sync(target);
 }

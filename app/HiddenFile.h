@@ -6,6 +6,13 @@
 #include <memory>
 #include <system_error>
 
+/// True if the folder refuses the file, as opposed to a full or broken disk.
+bool IsRefusal(const std::error_code& error);
+bool CanBeOverwritten(const QString& place);
+/// Overwrites the existing file in place with the bytes of the other one, which was opened. A full
+/// disk leaves the old bytes; a later error or a kill may leave a mixture.
+std::error_code OverwriteFile(QFile& made, const QString& place);
+
 /// A file that is made out of sight and then put in its place as a whole. Until then it has no name
 /// where the file system can do that, and a hidden name elsewhere. The destructor removes an
 /// uncommitted file. After a kill, the next HiddenFile that is opened in the folder removes it.
@@ -29,9 +36,9 @@ public:
     /// Gives the file a path where there is nothing yet, and leaves it to the caller to remove it.
     /// What was written is on the disk then.
     std::error_code HandOver(const QString& path);
-    /// Overwrites the existing file in place, for folders that take no new file. A full disk leaves
-    /// the old bytes; a later error or a kill may leave a mixture. This file may be in any folder.
-    std::error_code Overwrite(const QString& place);
+    /// Overwrites the existing file in place, for folders that take no new file. This file may be
+    /// in any folder.
+    std::error_code Overwrite(const QString& place) { return OverwriteFile(m_file, place); }
 
 private:
     std::error_code OpenNamed(const QString& folder);

@@ -2,6 +2,7 @@
 
 #include "app/GroupRecord.h"
 #include "app/HiddenNames.h"
+#include "app/OutputFile.h"
 #include "platform/Files.h"
 
 #include <QFile>
@@ -97,4 +98,9 @@ void TidyFolder(const QString& folder)
             }
         }
     }
+}
+
+void TidyFolderOf(const QString& file)
+{
+    TidyFolder(QFileInfo(FollowedPath(file)).path());
 }

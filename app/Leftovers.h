@@ -6,3 +6,6 @@ class QString;
 /// together get there, or back, wherever they are. What a living program makes is left alone, and
 /// so is what other users made. Failures are passed over: the next one tries again.
 void TidyFolder(const QString& folder);
+/// The same for the folder of a file that is to be read, or of what it leads to. The file need not
+/// exist.
+void TidyFolderOf(const QString& file);

@@ -23,21 +23,42 @@ QString WithRealFolder(const QString& path)
     return folder.isEmpty() ? QString() : QDir(folder).filePath(info.fileName());
 }
 
-/// True if the folder refuses the file, as opposed to a full or broken disk.
-bool IsRefusal(const std::error_code& error)
+QString Text(const std::error_code& error)
 {
-    return error == std::errc::permission_denied || error == std::errc::operation_not_permitted ||
-           // A file that is mounted on its own.
-           error == std::errc::device_or_resource_busy;
+    return error ? QString::fromLocal8Bit(error.message().c_str()) : QString();
 }
 
-bool CanBeOverwritten(const QString& place)
-{
-    return QFileInfo(place).isFile() &&
-           QFile(place).open(QIODevice::ReadWrite | QIODevice::ExistingOnly);
-}
+/// The innermost group.
+thread_local FileGroup* currentGroup = nullptr;
 
 } // namespace
+
+OutputGroup::OutputGroup()
+    : m_outer(currentGroup)
+{
+    currentGroup = &m_files;
+}
+
+OutputGroup::~OutputGroup()
+{
+    currentGroup = m_outer;
+}
+
+bool OutputGroup::Commit()
+{
+    currentGroup = m_outer;
+    return m_files.Commit();
+}
+
+QString OutputGroup::ErrorString() const
+{
+    return Text(m_files.Error());
+}
+
+std::error_code PutInPlace(HiddenFile& file, const QString& place)
+{
+    return currentGroup ? currentGroup->Take(file, place) : file.Replace(place);
+}
 
 QString FollowedPath(const QString& path)
 {
@@ -61,7 +82,7 @@ OutputFile::~OutputFile() = default;
 bool OutputFile::Take(const std::error_code& error)
 {
     if (error && m_error.isEmpty()) {
-        m_error = QString::fromLocal8Bit(error.message().c_str());
+        m_error = Text(error);
     }
     return !error;
 }
@@ -109,7 +130,7 @@ std::error_code OutputFile::PutInPlace()
         if (QFileInfo::exists(m_place)) {
             m_hidden.SetPermissionsOf(m_place);
         }
-        error = m_hidden.Replace(m_place);
+        error = ::PutInPlace(m_hidden, m_place);
     }
     const bool isOverwritten = m_isElsewhere || (IsRefusal(error) && CanBeOverwritten(m_place));
     return isOverwritten ? m_hidden.Overwrite(m_place) : error;

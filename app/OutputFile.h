@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/FileGroup.h"
 #include "app/HiddenFile.h"
 
 #include <QFile>
@@ -44,6 +45,28 @@ private:
     bool m_isWhole = false;
     QString m_error;
 };
+
+/// While it lives, the files that are committed in this thread are finished and wait for its
+/// Commit, which puts them in their places together. The destructor throws away what still waits.
+/// Devices, pipes, and files whose folder takes no new file do not wait.
+class OutputGroup
+{
+public:
+    OutputGroup();
+    ~OutputGroup();
+    Q_DISABLE_COPY(OutputGroup)
+
+    /// False after a failure. The old files stay then, but for those that had to be overwritten.
+    bool Commit();
+    QString ErrorString() const;
+
+private:
+    FileGroup m_files;
+    FileGroup* m_outer;
+};
+
+/// Lets the group of this thread take the file; without one, puts it in its place.
+std::error_code PutInPlace(HiddenFile& file, const QString& place);
 
 /// What a link leads to, whether or not that exists; without links in its folders, behind which
 /// ".." would be misread. Empty when its folder does not exist.

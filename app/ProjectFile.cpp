@@ -63,13 +63,14 @@ bool SaveProjectTo(const QString& path, const ProjectParts& parts)
         return false;
     }
     const Place oldPlace = Place::Current();
+    OutputGroup group;
     MoveProjectTo(QFileInfo(path));
 
     QByteArray document;
     QXmlStreamWriter xml(&document);
     const int failures = WriteProjectDocument(xml, parts);
-    if (!file.Write(document) || !file.Commit()) {
-        const QString reason = file.ErrorString();
+    if (!file.Write(document) || !file.Commit() || !group.Commit()) {
+        const QString reason = file.ErrorString() + group.ErrorString();
         oldPlace.Restore();
         LogNotWritten(fileName);
         LogError(reason);

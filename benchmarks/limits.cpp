@@ -209,6 +209,7 @@ int main(int argc, char** argv)
         const int number = arguments.at(2).toInt();
         const QString& folder = arguments.at(3);
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder);
+        qputenv("XDG_DATA_HOME", QFile::encodeName(folder));
         ProjectSettings::Instance().SetDir(QDir(folder));
         const QString path = folder + QStringLiteral("/limits.xml");
         if (arguments.at(1) == QLatin1String("--make-background")) {

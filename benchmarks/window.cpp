@@ -1,11 +1,14 @@
-// The editor's window: loading and saving a project with 32 layers of 2048 x 2048 pixels, how long
-// it does not respond meanwhile, and how long it takes to appear.
+// The editor's window: loading and saving a project with 32 layers of 2048 x 2048 pixels, what
+// keeping earlier versions adds to a save, how long it does not respond meanwhile, and how long it
+// takes to appear.
 
 #include "app/ProjectSettings.h"
 #include "benchmarks/support/NaturalProject.h"
 #include "benchmarks/support/RatioReporter.h"
 #include "benchmarks/support/Shapes.h"
 #include "benchmarks/support/WindowUser.h"
+#include "document/Document.h"
+#include "layers/Layer.h"
 #include "layers/Targa.h"
 #include "ui/QuillmapWindow.h"
 
@@ -45,6 +48,26 @@ void WriteLayers(const std::vector<QImage>& masks, const QString& folder)
         SaveTarga(QStringLiteral("%1/%2.tga").arg(folder, LayerName(i)),
                   masks[static_cast<size_t>(i)], true);
     }
+}
+
+void KeepVersions(bool areKept)
+{
+    QSettings settings(QStringLiteral("Halvern Works"), QStringLiteral("Tarvo Tools"));
+    const QString key = QStringLiteral("Versions/maxBytes");
+    areKept ? settings.remove(key) : settings.setValue(key, 0);
+}
+
+/// Saves the project after a change of its first layer.
+void SaveChanged(QuillmapWindow& window, const QString& path, State& state)
+{
+    state.PauseTiming();
+    Layer* layer = window.GetDocument().Layers().LayerAt(0);
+    QImage mask = layer->Image().copy();
+    uchar* row = mask.scanLine(Side / 2);
+    row[Side / 2] = row[Side / 2] == 0 ? 255 : 0;
+    layer->TakePaintedMask(mask);
+    state.ResumeTiming();
+    window.SaveProjectFile(path);
 }
 
 /// Returns when the window has been painted for the first time.
@@ -133,6 +156,7 @@ int main(int argc, char** argv)
     }
     const QTemporaryDir folder;
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder.path());
+    qputenv("XDG_DATA_HOME", QFile::encodeName(folder.filePath(QStringLiteral("data"))));
     ProjectSettings::Instance().SetDir(QDir(folder.path()));
     const QString path = folder.filePath(QStringLiteral("bench.xml"));
     const QWidget guiIsRunning;
@@ -172,6 +196,19 @@ int main(int argc, char** argv)
         for (auto _ : state) {
             window.SaveProjectFile(path);
         }
+    })->UseRealTime();
+    Register("save/32 layers, one changed/ours", [&](State& state) {
+        KeepVersions(true);
+        for (auto _ : state) {
+            SaveChanged(window, path, state);
+        }
+    })->UseRealTime();
+    Register("save/32 layers, one changed/without-versions", [&](State& state) {
+        KeepVersions(false);
+        for (auto _ : state) {
+            SaveChanged(window, path, state);
+        }
+        KeepVersions(true);
     })->UseRealTime();
     QDir().mkpath(folder.filePath(QStringLiteral("copy")));
     Register("save/32 layers/codec", [&](State& state) {

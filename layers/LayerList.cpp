@@ -1,5 +1,6 @@
 #include "layers/LayerList.h"
 
+#include "app/Leftovers.h"
 #include "app/Log.h"
 #include "app/Names.h"
 #include "app/ProjectSettings.h"
@@ -187,7 +188,9 @@ QImage LoadProjectMask(int number, const QString& name)
         LogError(QStringLiteral("The bitmap of layer '%1' lies outside the project.").arg(name));
         return {};
     }
-    return LoadTarga(ProjectSettings::Instance().LayerPath(name));
+    const QString path = ProjectSettings::Instance().LayerPath(name);
+    TidyFolderOf(path);
+    return LoadTarga(path);
 }
 
 namespace {
@@ -232,7 +235,7 @@ bool LayerList::ReadXml(QXmlStreamReader& xml, const MaskSource& masks)
     return !xml.hasError();
 }
 
-void LayerList::RenameForSaving()
+QStringList LayerList::NamesForSaving() const
 {
     const QVector<Layer*> layers = Layers();
     QSet<QString> taken;
@@ -241,19 +244,30 @@ void LayerList::RenameForSaving()
     }
     FreeNames freeNames(taken);
     QSet<QString> kept;
-    QStringList messages;
-    for (Layer* layer : layers) {
+    QStringList names;
+    for (const Layer* layer : layers) {
         const QString oldName = layer->text();
-        if (IsValidName(oldName) && !kept.contains(oldName)) {
-            kept.insert(oldName);
-            continue;
+        const bool isKept = IsValidName(oldName) && !kept.contains(oldName);
+        names.append(isKept ? oldName : freeNames.Take(ToValidName(oldName)));
+        kept.insert(names.constLast());
+    }
+    return names;
+}
+
+void LayerList::RenameForSaving()
+{
+    const QVector<Layer*> layers = Layers();
+    const QStringList names = NamesForSaving();
+    QStringList messages;
+    for (int i = 0; i < layers.size(); ++i) {
+        const QString oldName = layers[i]->text();
+        if (names[i] != oldName) {
+            layers[i]->setText(names[i]);
+            messages.append(
+                QStringLiteral(
+                    "Layer '%1' cannot be saved under this name, it was renamed to '%2'.")
+                    .arg(oldName, names[i]));
         }
-        const QString name = freeNames.Take(ToValidName(oldName));
-        kept.insert(name);
-        layer->setText(name);
-        messages.append(
-            QStringLiteral("Layer '%1' cannot be saved under this name, it was renamed to '%2'.")
-                .arg(oldName, name));
     }
     for (const QString& message : qAsConst(messages)) {
         LogError(message);

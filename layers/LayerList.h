@@ -5,6 +5,7 @@
 #include <QHash>
 #include <QImage>
 #include <QObject>
+#include <QStringList>
 #include <QVector>
 
 #include <functional>
@@ -77,9 +78,12 @@ public:
     bool ReadXml(QXmlStreamReader& xml, const MaskSource& masks = LoadProjectMask);
     /// What the project's document holds of the layers, in row order.
     std::vector<LayerRecord> Records() const;
+    /// The names that a save gives to the layers and to their bitmaps, in row order: layers whose
+    /// bitmaps would overwrite one another or lie outside of the folder get new ones.
+    QStringList NamesForSaving() const;
     /// Writes the "layers" element and every layer's bitmap. Writes nothing for an empty list.
-    /// Layers whose bitmaps would overwrite one another or lie outside of the folder are renamed
-    /// first, with a logged error. Returns how many bitmaps could not be written.
+    /// Layers first get the names of NamesForSaving, each with a logged error. Returns how many
+    /// bitmaps could not be written.
     int WriteXml(QXmlStreamWriter& xml);
 
     /// Writes the binary area map of all layers, visible or not. Logs its progress and its result,

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <system_error>
 
 class QFile;
@@ -39,6 +40,20 @@ std::shared_ptr<void> TryLock(const QString& path);
 std::error_code Reserve(QFile& file, qint64 length);
 /// Returns when what was written is on the disk, as far as the system can tell.
 std::error_code Sync(QFile& file);
+
+/// Tells whether two names are names of one file.
+struct FileIdentity
+{
+    quint64 device = 0;
+    quint64 number = 0;
+    /// How many names the file has.
+    quint64 names = 1;
+};
+/// Nothing where the system tells nothing, and for a path without a file. Links are not followed.
+std::optional<FileIdentity> IdentityOf(const QString& path);
+/// Whether a new file can take this file's place in its folder, so that another name of the old one
+/// keeps the old bytes. False where that is not certain.
+bool CanBeReplaced(const QString& path);
 
 /// Opens a pipe or a device for writing. A pipe that nobody reads is not waited for, it fails.
 std::error_code OpenDevice(QFile& file);

@@ -1,5 +1,6 @@
 #include "tool/InputFiles.h"
 
+#include "app/Leftovers.h"
 #include "platform/Files.h"
 #include "tool/Console.h"
 
@@ -12,6 +13,7 @@
 
 QString OpenInput(QFile& file, QIODevice::OpenMode flags)
 {
+    TidyFolderOf(file.fileName());
     const QFileInfo info(file.fileName());
     if (!info.exists()) {
         return file.fileName().contains(QChar::ReplacementCharacter)

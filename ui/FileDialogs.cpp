@@ -63,6 +63,15 @@ QString AskForFile(QWidget* parent, FilePurpose purpose)
     return dialog.selectedFiles().constFirst();
 }
 
+QString AskForFolder(QWidget* parent, const QString& title)
+{
+    QFileDialog dialog(parent, title, ProjectSettings::Instance().Dir().path());
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly);
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
 bool AskYesNo(QWidget* parent, const QString& title, const QString& text)
 {
     QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Yes | QMessageBox::No, parent);

@@ -19,6 +19,9 @@ enum class FilePurpose
 /// existing file the dialog asks before it accepts.
 QString AskForFile(QWidget* parent, FilePurpose purpose);
 
+/// Asks for a folder, starting in the project's. Returns an empty path if the user cancels.
+QString AskForFolder(QWidget* parent, const QString& title);
+
 /// Whether the user answers Yes. Enter answers nothing, because a Yes may throw work away. Esc is
 /// No, which also has the focus at first.
 bool AskYesNo(QWidget* parent, const QString& title, const QString& text);

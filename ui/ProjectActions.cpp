@@ -1,7 +1,9 @@
 #include "ui/ProjectActions.h"
 
 #include "app/BackgroundPicture.h"
+#include "app/Leftovers.h"
 #include "app/Log.h"
+#include "app/OutputFile.h"
 #include "app/ProjectDocument.h"
 #include "app/ProjectFile.h"
 #include "app/ProjectReader.h"
@@ -17,6 +19,7 @@
 #include "layers/LayerList.h"
 #include "territories/TerritoryTypeList.h"
 #include "ui/DialogNewProject.h"
+#include "ui/DialogVersions.h"
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
 #include "ui/DockStatus.h"
@@ -26,7 +29,9 @@
 #include "ui/InputBlock.h"
 #include "ui/InteractionModes.h"
 #include "ui/LayerComposition.h"
+#include "ui/NameList.h"
 #include "ui/QuillmapWindow.h"
+#include "ui/widgets/NoticeBar.h"
 #include "ui_QuillmapWindow.h"
 
 #include <QAbstractItemDelegate>
@@ -37,6 +42,9 @@
 #include <QSignalBlocker>
 
 namespace {
+
+const QString ReplacedNotice = QStringLiteral("replaced-bitmaps");
+const QString UnkeptNotice = QStringLiteral("unkept-version");
 
 const ProjectSettings& Settings()
 {
@@ -75,9 +83,10 @@ bool MayDiscard(const EditorParts& parts, const QString& title, const QString& a
                              action));
 }
 
-/// Opening a pipe would wait for a writer, maybe for ever.
+/// Finishes what a killed save left first. Opening a pipe would wait for a writer, maybe for ever.
 bool OpenRegular(QFile& file)
 {
+    TidyFolderOf(file.fileName());
     return QFileInfo(file).isFile() && file.open(QIODevice::ReadOnly | QIODevice::Text);
 }
 
@@ -137,6 +146,7 @@ void ProjectActions::New()
 void ProjectActions::Create(const DialogNewProject& dialog)
 {
     const Busy loading(*this, Work::Loading);
+    KeepDiscarded();
     EmptyLists();
     m_parts.document.Begin({dialog.LayerSize(), dialog.LayerSize()},
                            {dialog.WorldSize(), dialog.WorldSize()},
@@ -245,6 +255,7 @@ bool ProjectActions::ReadFrom(QIODevice& file, const MaskSource& masks)
 void ProjectActions::BeginReplacing()
 {
     m_isStopped = false;
+    KeepDiscarded();
     EmptyLists();
     EnableEditing(false);
     m_parts.view.setEnabled(false);
@@ -382,7 +393,12 @@ bool ProjectActions::SaveTo(const QString& path)
                            LogInfo(QStringLiteral("Saving project '%1'...").arg(Settings().Name()));
                        },
                        m_parts.document.Layers(), m_parts.document.Types()};
+    VersionStore versions;
+    const VersionStore::Kept kept = versions.KeepBeforeSave(
+        path, m_parts.document.Layers().NamesForSaving(), m_parts.document.Files());
     const bool isSaved = SaveProjectTo(path, parts);
+    versions.Prune();
+    TellKept(kept, isSaved);
     m_parts.window.SetTitle(Settings().Name());
     if (isSaved) {
         m_parts.document.SetPath(Settings().ProjectFilePath());
@@ -394,6 +410,56 @@ bool ProjectActions::SaveTo(const QString& path)
         m_parts.document.SetSaved();
     }
     return isSaved;
+}
+
+/// Tells what the user should know of the earlier versions after a save.
+void ProjectActions::TellKept(const VersionStore::Kept& kept, bool isSaved)
+{
+    NoticeBar& bar = *m_parts.form.barNotice;
+    if (isSaved && !kept.replaced.isEmpty()) {
+        const QString text = QStringLiteral("The save replaced bitmaps that this project neither "
+                                            "loaded nor wrote: %1.")
+                                 .arg(NameList(kept.replaced));
+        const QString place = QStringLiteral(" The old ones are among the earlier versions.");
+        const NoticeButton show{QStringLiteral("btnNoticeVersions"),
+                                QStringLiteral("Earlier versions…"), [this] {
+                                    ShowVersions();
+                                    return true;
+                                }};
+        bar.Show({ReplacedNotice, kept.isWhole ? text + place : text, {show}});
+    }
+    if (kept.problem.isEmpty()) {
+        bar.Withdraw(UnkeptNotice);
+    } else {
+        bar.Show({UnkeptNotice, kept.problem, {}});
+    }
+}
+
+void ProjectActions::ShowVersions()
+{
+    if (IsBusy()) {
+        return;
+    }
+    DialogVersions dialog(VersionStore(), m_parts.document.Path(), &m_parts.window);
+    if (dialog.exec() != QDialog::Accepted || !dialog.Selected()) {
+        return;
+    }
+    const StoredProject stored = dialog.Selected()->Stored();
+    if (stored.text.isEmpty()) {
+        LogError(QStringLiteral("The earlier version cannot be read any more."));
+    } else {
+        OpenStored(stored, true);
+    }
+}
+
+void ProjectActions::KeepDiscarded()
+{
+    if (m_moveJournal) {
+        VersionStore versions;
+        const QString problem = versions.KeepDiscarded(m_parts.document.Path(), m_moveJournal);
+        versions.Prune();
+        TellKept({problem, {}, false}, false);
+    }
 }
 
 void ProjectActions::SaveAll()
@@ -416,9 +482,10 @@ void ProjectActions::SaveMap()
 void ProjectActions::ExportTypes(bool checkedOnly)
 {
     const Busy saving(*this, Work::Saving);
-    const bool isExported =
+    OutputGroup group;
+    const bool areMade =
         checkedOnly ? m_parts.terTypes.ExportChecked() : m_parts.terTypes.ExportAll();
-    if (!isExported) {
+    if (!group.Commit() || !areMade) {
         LogError(QStringLiteral("Failed to export territory types."));
     } else if (checkedOnly) {
         LogSuccess(QStringLiteral("Selected territory types succesfully exported."));

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "document/versions/VersionStore.h"
 #include "layers/LayerList.h"
 #include "ui/EditorParts.h"
 
 #include <QString>
 
 #include <functional>
+#include <utility>
 
 class DialogNewProject;
 class Document;
@@ -50,6 +52,13 @@ public:
     /// Ends a load, an import or a new project. selected: the row of the layer that becomes the
     /// current one.
     void Finalize(bool isSuccessful, int selected);
+    /// Lists the earlier versions, and opens the one that the user chooses as a copy.
+    void ShowVersions();
+    /// Moves the journal of the open project's unsaved work.
+    void SetJournalMove(VersionStore::MoveJournal move) { m_moveJournal = std::move(move); }
+    /// Keeps the unsaved work, which is about to go, among the earlier versions.
+    void KeepDiscarded();
+
     /// Enables the actions and widgets that need an open project.
     void EnableEditing(bool isEnabled);
 
@@ -80,6 +89,7 @@ private:
     void ReadMap(QFile& file);
     void BeginReplacing();
     void EmptyLists();
+    void TellKept(const VersionStore::Kept& kept, bool isSaved);
     void ShowWorld();
     void ShowProject(int selected);
 
@@ -88,6 +98,7 @@ private:
     InteractionModes& m_modes;
     ProjectReader* m_reader = nullptr;
     QString m_startUpPath;
+    VersionStore::MoveJournal m_moveJournal;
     Work m_work = Work::None;
     bool m_isStopped = false;
 };

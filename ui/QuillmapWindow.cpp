@@ -164,6 +164,11 @@ void QuillmapWindow::SetTitle(const QString& name)
     setWindowTitle(tr("%1 - Tarvo Ledger Tool").arg(name.isEmpty() ? tr("Unsaved") : name));
 }
 
+void QuillmapWindow::SetJournalMove(const std::function<bool(const QString& target)>& move)
+{
+    m_project->SetJournalMove(move);
+}
+
 void QuillmapWindow::QuitApplication()
 {
     close();
@@ -402,6 +407,7 @@ void QuillmapWindow::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
+    m_project->KeepDiscarded();
     m_project->StopLoading();
     WindowState::Store(*this);
     event->accept();

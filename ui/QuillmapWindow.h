@@ -5,6 +5,7 @@
 #include <QMainWindow>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 class BrushDock;
@@ -42,6 +43,8 @@ public:
     Q_DISABLE_COPY(QuillmapWindow)
 
     Document& GetDocument() { return *m_document; }
+    /// As ProjectActions has it.
+    void SetJournalMove(const std::function<bool(const QString& target)>& move);
     /// Shows the project's name; without one "Unsaved".
     void SetTitle(const QString& name);
     /// Ends painting when there is no current layer any more.

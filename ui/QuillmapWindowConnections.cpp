@@ -35,6 +35,7 @@ void QuillmapWindow::ConnectActions()
     connect(ui.actionLoad, &QAction::triggered, this, &QuillmapWindow::LoadProject);
     connect(ui.actionSave, &QAction::triggered, this, &QuillmapWindow::SaveProject);
     connect(ui.actionQuickSave, &QAction::triggered, this, [this] { m_project->QuickSave(); });
+    connect(ui.actionVersions, &QAction::triggered, this, [this] { m_project->ShowVersions(); });
     connect(ui.actionSaveAll, &QAction::triggered, this, &QuillmapWindow::SaveAll);
     connect(ui.actionLoadWorld, &QAction::triggered, this, &QuillmapWindow::LoadWorldImage);
     connect(ui.actionImportAreas, &QAction::triggered, this, &QuillmapWindow::ImportAreaTypes);

@@ -1,6 +1,7 @@
 #include "platform/Files.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -126,6 +127,36 @@ std::error_code Sync(QFile& file)
         return {};
     }
     return LastError();
+}
+
+std::optional<FileIdentity> IdentityOf(const QString& path)
+{
+    struct stat file = {};
+    if (lstat(QFile::encodeName(path).constData(), &file) != 0) {
+        return std::nullopt;
+    }
+    return FileIdentity{file.st_dev, file.st_ino, file.st_nlink};
+}
+
+bool CanBeReplaced(const QString& path)
+{
+    const QByteArray fileName = QFile::encodeName(path);
+    const QByteArray folderName = QFile::encodeName(QFileInfo(path).path());
+    struct statx file = {};
+    struct statx folder = {};
+    if (statx(AT_FDCWD, fileName.constData(), AT_SYMLINK_NOFOLLOW, STATX_BASIC_STATS, &file) != 0 ||
+        statx(AT_FDCWD, folderName.constData(), 0, STATX_BASIC_STATS, &folder) != 0 ||
+        faccessat(AT_FDCWD, folderName.constData(), W_OK | X_OK, AT_EACCESS) != 0) {
+        return false;
+    }
+    constexpr quint64 frozen = STATX_ATTR_APPEND | STATX_ATTR_IMMUTABLE;
+    // In a folder with the sticky bit, such as /tmp, only an owner replaces a file.
+    const bool isForOwners = (folder.stx_mode & S_ISVTX) != 0;
+    const bool isOwner = file.stx_uid == geteuid() || folder.stx_uid == geteuid();
+    // A file that is mounted on its own is on another device.
+    return S_ISREG(file.stx_mode) && file.stx_dev_major == folder.stx_dev_major &&
+           file.stx_dev_minor == folder.stx_dev_minor && (isOwner || !isForOwners) &&
+           ((file.stx_attributes | folder.stx_attributes) & frozen) == 0;
 }
 
 std::error_code OpenDevice(QFile& file)

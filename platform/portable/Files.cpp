@@ -1,5 +1,6 @@
 #include "platform/Files.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
@@ -7,6 +8,24 @@
 #include <algorithm>
 
 namespace platform {
+namespace {
+
+/// Removes a lock file whose maker was killed before it wrote into it who it is. QLockFile would
+/// count it for ever. A living maker writes at once, and a system lock keeps the file from being
+/// removed meanwhile.
+void RemoveUnsigned(QLockFile& lock, const QString& name)
+{
+    qint64 process = 0;
+    QString host;
+    QString program;
+    const QFileInfo file(name);
+    if (file.exists() && file.lastModified().secsTo(QDateTime::currentDateTime()) >= 1 &&
+        !lock.getLockInfo(&process, &host, &program)) {
+        lock.removeStaleLockFile();
+    }
+}
+
+} // namespace
 
 std::filesystem::path ToPath(const QString& path)
 {
@@ -46,14 +65,18 @@ std::error_code NameUnnamed(QFile& /*file*/, const QString& /*path*/)
 std::shared_ptr<void> TryLock(const QString& path)
 {
     const QString name = path + QStringLiteral(".lock");
+    const QString removalName = name + QStringLiteral(".rmlock");
+    QLockFile removal(removalName);
+    RemoveUnsigned(removal, removalName);
     auto lock = std::make_shared<QLockFile>(name);
+    RemoveUnsigned(*lock, name);
     // However old it is, it counts until its process has ended.
     lock->setStaleLockTime(0);
     if (!lock->tryLock(0)) {
         return {};
     }
     // This is left of a process that was killed while it removed the lock of a dead one.
-    QFile::remove(name + QStringLiteral(".rmlock"));
+    QFile::remove(removalName);
     return lock;
 }
 
@@ -72,6 +95,16 @@ std::error_code Reserve(QFile& file, qint64 length)
 std::error_code Sync(QFile& file)
 {
     return file.flush() ? std::error_code() : std::make_error_code(std::errc::io_error);
+}
+
+std::optional<FileIdentity> IdentityOf(const QString& /*path*/)
+{
+    return std::nullopt;
+}
+
+bool CanBeReplaced(const QString& /*path*/)
+{
+    return false;
 }
 
 std::error_code OpenDevice(QFile& file)

@@ -62,6 +62,7 @@ private slots:
     void OutputFolderThatCannotBeCreatedEndsTheRun();
     void MapThatCannotBeWrittenIsReported();
     void FlagTypesAreNotRead();
+    void KilledSavesAreCompletedFirst();
     void KnownFlagTypesFillTheMap();
     void ElementsMayStandAnywhere();
     void ListsBeforeTheSizesUseTheSettings();
@@ -258,6 +259,17 @@ void tst_BatchExport::FlagTypesAreNotRead()
     QCOMPARE(Run("a.xml", "out"), ExitDone);
     QVERIFY(ProjectSettings::Instance().FlagTypes().usages.isEmpty());
     QCOMPARE(ReadBytes("out/a.map"), MapWithoutFlags());
+}
+
+void tst_BatchExport::KilledSavesAreCompletedFirst()
+{
+    WriteBytes("p/a.xml", "<qm-config/>");
+    LeaveKilledSave("p", "a.xml",
+                    Document(QString(Global) + "<layers><layer name=\"left\"/></layers>"));
+    LeaveKilledSave("layers", "left.tga", Targa(4, QByteArray(16, '\0')));
+    QCOMPARE(Run("p/a.xml", Path("out")), ExitDone);
+    QCOMPARE(ReadBytes("out/a.map"), MapWithoutFlags());
+    QCOMPARE(FilesBelow(Path("layers")).keys(), QStringList{"left.tga"});
 }
 
 void tst_BatchExport::KnownFlagTypesFillTheMap()

@@ -6,6 +6,7 @@
 #include "tests/support/FailingDisk.h"
 #include "tests/support/Files.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QTemporaryDir>
 #include <QTest>
@@ -60,6 +61,20 @@ bool ReplaceAll(const QString& folder)
 {
     FileGroup group;
     return AddNew(group, folder) && group.Commit();
+}
+
+/// By files that join the group when they are committed.
+bool ReplaceAllOutputFiles(const QString& folder)
+{
+    OutputGroup group;
+    for (auto it = New().begin(); it != New().end(); ++it) {
+        OutputFile file(folder + '/' + it.key());
+        if (!it.key().endsWith('/') &&
+            (!file.Open() || !file.Write(it.value()) || !file.Commit())) {
+            return false;
+        }
+    }
+    return group.Commit();
 }
 
 /// The last of the files is kept from its place.
@@ -128,7 +143,9 @@ private slots:
     void AKillAtAnyStepIsMended_data();
     void AKillAtAnyStepIsMended();
     void KillsOfTheMenderAreMended();
+    void AKilledOverwritingIsRepeated();
     void WhatALivingProgramMakesIsLeftAlone();
+    void AnEmptyLockFileIsOfADeadProgram();
     void OtherNamesAreLeftAlone();
     void RecordsLeadNowhereElse_data();
     void RecordsLeadNowhereElse();
@@ -149,6 +166,8 @@ void tst_FileGroup::AKillAtAnyStepIsMended_data()
         const char* way = areFilesNamed ? "named" : "unnamed";
         QTest::addRow("one file, %s", way) << Step(ReplaceOne) << areFilesNamed << onlyA;
         QTest::addRow("several, %s", way) << Step(ReplaceAll) << areFilesNamed << New();
+        QTest::addRow("output files, %s", way)
+            << Step(ReplaceAllOutputFiles) << areFilesNamed << New();
         QTest::addRow("failing, %s", way) << Step(FailToReplaceAll) << areFilesNamed << obstructed;
     }
 }
@@ -216,6 +235,21 @@ void tst_FileGroup::KillsOfTheMenderAreMended()
     }
 }
 
+/// Where no other file can take the place of the old one.
+void tst_FileGroup::AKilledOverwritingIsRepeated()
+{
+    if (geteuid() != 0) {
+        QSKIP("Only root can make a file that another user cannot replace.");
+    }
+    const QTemporaryDir folder;
+    WriteBytes(folder.filePath("a"), "new? old?");
+    QVERIFY(QFile::setPermissions(folder.filePath("a"), QFile::Permissions(0x6666)));
+    const StickyFolder sticky(folder.path());
+    LeaveKilledSave(folder.path(), "a", "new a");
+    TidyFolder(folder.path());
+    QCOMPARE(FilesBelow(folder.path()), (Files{{"a", "new a"}}));
+}
+
 void tst_FileGroup::WhatALivingProgramMakesIsLeftAlone()
 {
     const QTemporaryDir folder;
@@ -234,6 +268,32 @@ void tst_FileGroup::WhatALivingProgramMakesIsLeftAlone()
     }
     TidyFolder(folder.path());
     QCOMPARE(FilesBelow(folder.path()), Files());
+}
+
+/// A program may be killed between making its lock file and writing its name into it.
+void tst_FileGroup::AnEmptyLockFileIsOfADeadProgram()
+{
+#ifndef QUILLMAP_PORTABLE
+    QSKIP("Linux has locks without files.");
+#endif
+    const QTemporaryDir folder;
+    const auto makeLock = [&](const QString& name, int age) {
+        WriteBytes(folder.filePath(name), {});
+        QFile lock(folder.filePath(name));
+        QVERIFY(lock.open(QIODevice::ReadWrite));
+        QVERIFY(lock.setFileTime(QDateTime::currentDateTime().addSecs(-age),
+                                 QFileDevice::FileModificationTime));
+    };
+    for (const char* name : {".quillmap-abcdefgh.new", ".quillmap-bcdefghi.new"}) {
+        WriteBytes(folder.filePath(name), "file");
+    }
+    makeLock(".quillmap-abcdefgh.new.lock", 5);
+    makeLock(".quillmap-abcdefgh.new.lock.rmlock", 5);
+    // Its maker may be about to write its name.
+    makeLock(".quillmap-bcdefghi.new.lock", -5);
+    TidyFolder(folder.path());
+    QCOMPARE(FilesBelow(folder.path()).keys(),
+             (QStringList{".quillmap-bcdefghi.new", ".quillmap-bcdefghi.new.lock"}));
 }
 
 void tst_FileGroup::OtherNamesAreLeftAlone()

@@ -251,11 +251,13 @@ void tst_OutputFile::AFileThatCannotBeReplacedIsWrittenInPlace_data()
 {
     QTest::addColumn<Lock>("lock");
     QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<bool>("isInGroup");
     for (const auto& [lock, name] : {std::pair(Lock(LockFolder), "read-only folder"),
                                      std::pair(Lock(MakeSticky), "sticky folder")}) {
-        QTest::addRow("%s, longer", name) << lock << QByteArray(100000, 'x');
-        QTest::addRow("%s, shorter", name) << lock << QByteArray("new");
-        QTest::addRow("%s, empty", name) << lock << QByteArray();
+        QTest::addRow("%s, longer", name) << lock << QByteArray(100000, 'x') << false;
+        QTest::addRow("%s, shorter", name) << lock << QByteArray("new") << false;
+        QTest::addRow("%s, empty", name) << lock << QByteArray() << false;
+        QTest::addRow("%s, in a group", name) << lock << QByteArray("new") << true;
     }
 }
 
@@ -263,6 +265,7 @@ void tst_OutputFile::AFileThatCannotBeReplacedIsWrittenInPlace()
 {
     QFETCH(Lock, lock);
     QFETCH(QByteArray, bytes);
+    QFETCH(bool, isInGroup);
     if (lock == MakeSticky && geteuid() != 0) {
         QSKIP("Only root can make a file that another user cannot replace.");
     }
@@ -273,11 +276,13 @@ void tst_OutputFile::AFileThatCannotBeReplacedIsWrittenInPlace()
     QVERIFY(reader.open(QIODevice::ReadOnly));
     const std::shared_ptr<void> folder = lock(m_folder->path());
 
+    const auto group = isInGroup ? std::make_unique<OutputGroup>() : nullptr;
     OutputFile file(Target());
     QVERIFY2(file.Open(), qPrintable(file.ErrorString()));
     QVERIFY(file.Write(bytes));
     QCOMPARE(ReadBytes(Target()), QByteArray("the old content"));
     QVERIFY2(file.Commit(), qPrintable(file.ErrorString()));
+    QVERIFY(!group || group->Commit());
 
     QCOMPARE(ReadBytes(Target()), bytes);
     QCOMPARE(reader.readAll(), bytes);

@@ -38,6 +38,16 @@ void WriteBytes(const QString& path, const QByteArray& bytes)
     }
 }
 
+void LeaveKilledSave(const QString& folder, const QString& name, const QByteArray& bytes)
+{
+    const QString workplace = QStringLiteral(".quillmap-abcdefgh.group");
+    const QString record = QStringLiteral(
+        "[{\"workplace\":\"%1\",\"name\":\"%2\",\"replaces\":true,\"overwrites\":true}]");
+    WriteBytes(QStringLiteral("%1/%2/new-0").arg(folder, workplace), bytes);
+    WriteBytes(QStringLiteral("%1/%2/record").arg(folder, workplace),
+               record.arg(workplace, name).toUtf8());
+}
+
 QByteArray Ints(const QVector<qint64>& values)
 {
     QByteArray bytes;

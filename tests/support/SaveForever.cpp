@@ -6,6 +6,8 @@
 // begins. USER is the number of the user that it becomes before that.
 
 #include "app/BatchExport.h"
+#include "app/Leftovers.h"
+#include "app/OutputFile.h"
 #include "app/ProjectDocument.h"
 #include "app/ProjectFile.h"
 #include "app/ProjectReader.h"
@@ -33,8 +35,7 @@
 
 namespace {
 
-/// Sets the content regardless of the former one, because an interrupted save leaves a mixture of
-/// old and new files.
+/// Sets the content regardless of the former one, because a killed save may have been either.
 void TurnInsideOut(const LayerList& layers, bool isInsideOut)
 {
     const QVector<Layer*> all = layers.Layers();
@@ -66,11 +67,9 @@ bool SaveAll(const QString& path, int selected, LayerList& layers, const Territo
 {
     bool isSaved = SaveProjectTo(path, {selected, {}, {}, layers, types}) &&
                    layers.SaveMap(ProjectSettings::Instance().MapPath());
-    const QVector<TerritoryType*> all = types.Types();
-    for (const TerritoryType* type : all) {
-        isSaved = type->Export() && isSaved;
-    }
-    return isSaved;
+    OutputGroup group;
+    isSaved = types.ExportAll() && isSaved;
+    return group.Commit() && isSaved;
 }
 
 bool Export(const QFileInfo& project, bool isOther)
@@ -99,6 +98,7 @@ int main(int argc, char* argv[])
     QDir::setCurrent(QFileInfo(path).path());
     LayerList layers;
     TerritoryTypeList types;
+    TidyFolderOf(path);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         return 1;

@@ -6,6 +6,7 @@
 #include "layers/raster/Mask.h"
 #include "tests/support/Files.h"
 
+#include <QFile>
 #include <QSettings>
 #include <QTest>
 #include <QXmlStreamWriter>
@@ -49,6 +50,7 @@ WindowFixture::WindowFixture(const QString& configPath)
 {
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
                        Path(QStringLiteral("settings")));
+    qputenv("XDG_DATA_HOME", QFile::encodeName(m_data.path()));
     ProjectSettings::Instance().SetSizes(0, 0, 0, 0);
     ProjectSettings::Instance().SetFileName({});
     ProjectSettings::Instance().SetName({});

@@ -63,4 +63,6 @@ public:
 
 private:
     ProjectFixture m_project;
+    /// Of the application.
+    QTemporaryDir m_data;
 };

@@ -32,6 +32,7 @@ class tst_ToolInfo : public QObject
 private slots:
     void FilesAreDescribed_data();
     void FilesAreDescribed();
+    void KilledSavesAreCompletedFirst();
     void ProjectAsJson();
     void LargeBitmapsAreCounted();
     void ManyLayersAreCounted();
@@ -156,6 +157,15 @@ void tst_ToolInfo::ManyLayersAreCounted()
     QCOMPARE(run.log, QStringList());
     QVERIFY2(run.output.contains("  A: bit 0, pixels 3,"), qPrintable(run.output));
     QVERIFY2(run.output.contains("  B: bit 1, pixels 2,"), qPrintable(run.output));
+}
+
+void tst_ToolInfo::KilledSavesAreCompletedFirst()
+{
+    const SampleProject project;
+    const QString path = project.Path("sample.xml");
+    LeaveKilledSave(project.Path({}), "sample.xml", ReadBytes(path));
+    WriteBytes(path, "<qm-config/>");
+    QVERIFY(project.Run({"info", "sample.xml"}).output.contains("\nlayers: 2\n"));
 }
 
 void tst_ToolInfo::ProjectAsJson()

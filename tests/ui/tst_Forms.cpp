@@ -1,9 +1,11 @@
 #include "canvas/BrushDock.h"
+#include "document/versions/VersionStore.h"
 #include "tests/support/CustomLayerFixture.h"
 #include "tests/support/Files.h"
 #include "tests/support/Forms.h"
 #include "tests/support/WindowFixture.h"
 #include "ui/DialogNewProject.h"
+#include "ui/DialogVersions.h"
 #include "ui/DockHistory.h"
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
@@ -43,6 +45,11 @@ const struct
          return FormText(DialogCustomLayer(fixture.document, nullptr));
      }},
     {"DialogNewProject", [] { return FormText(DialogNewProject()); }},
+    {"DialogVersions",
+     [] {
+         const QTemporaryDir folder;
+         return FormText(DialogVersions(VersionStore(folder.path()), QString()));
+     }},
     {"DockHistory", [] { return DocumentForm<DockHistory>(); }},
     {"DockLayerProps", [] { return DocumentForm<DockLayerProps>(); }},
     {"DockLayers", [] { return DocumentForm<DockLayers>(nullptr); }},

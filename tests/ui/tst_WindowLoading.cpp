@@ -70,6 +70,7 @@ class tst_WindowLoading : public QObject
 
 private slots:
     void LoadsAProject();
+    void CompletesAKilledSave();
     void PaintsTheListsOnceWhileItLoads();
     void SelectsTheStoredRow();
     void WithoutAStoredRowThereIsNothingToPaint();
@@ -127,6 +128,18 @@ void tst_WindowLoading::LoadsAProject()
     QVERIFY(fixture.window->actions().contains(fixture.Action("actionTogglePaintMode")));
     QVERIFY(fixture.Child<QWidget>("pgrStatus")->isHidden());
     QVERIFY(fixture.Child<QWidget>("BrushDock")->isHidden());
+}
+
+void tst_WindowLoading::CompletesAKilledSave()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    LeaveKilledSave(fixture.Path("small"), "small.xml", ReadBytes(path));
+    WriteBytes(path, "<qm-config/>");
+
+    fixture.Load(path);
+
+    QCOMPARE(Layers(fixture).Layers().size(), 2);
 }
 
 void tst_WindowLoading::PaintsTheListsOnceWhileItLoads()
