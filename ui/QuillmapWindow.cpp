@@ -6,6 +6,7 @@
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
 #include "document/Document.h"
+#include "document/journal/Journal.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "territories/Zone.h"
@@ -25,6 +26,7 @@
 #include "ui/LayerComposition.h"
 #include "ui/ProjectActions.h"
 #include "ui/RecentProjects.h"
+#include "ui/SessionNotices.h"
 #include "ui/StatusTexts.h"
 #include "ui/UnsavedMark.h"
 #include "ui/WindowState.h"
@@ -63,6 +65,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     : QMainWindow(parent)
     , m_ui(std::make_unique<Ui::QuillmapWindowClass>())
     , m_document(std::make_unique<Document>())
+    , m_journal(std::make_unique<Journal>(*m_document))
 {
     m_ui->setupUi(this);
     m_ui->paintView->SetDocument(*m_document);
@@ -72,7 +75,10 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
              m_ui->gboWorldRSteps, m_ui->gboWorldPos, m_ui->gboBgOver}) {
         LimitFont(*widget);
     }
-    m_ui->menuBar->setCornerWidget(new UnsavedMark(m_ui->menuBar));
+    auto* mark = new UnsavedMark(m_ui->menuBar);
+    m_ui->menuBar->setCornerWidget(mark);
+    connect(m_journal.get(), &Journal::UnsavedChanged, mark,
+            [this, mark] { mark->SetSince(m_journal->OldestUnsaved()); });
     ZoneIcons::Load();
     AddDocks();
     const EditorParts parts{
@@ -88,6 +94,8 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
         *m_ui->menuRecent, [this](const QString& path) { m_project->LoadFrom(path); });
     m_drops = std::make_unique<FileDrops>(parts, *m_project);
     m_changes = std::make_unique<ChangeNotice>(parts, *m_project);
+    m_sessions = std::make_unique<SessionNotices>(parts, *m_project, *m_journal);
+    m_project->SetJournalMove([this](const QString& target) { return m_journal->MoveTo(target); });
     ConnectLog();
     ConnectActions();
     ConnectLayers();
@@ -165,7 +173,7 @@ void QuillmapWindow::OrderTabs()
 /// Loads a project for viewing only. File dialogs still start in the folder of the last session.
 void QuillmapWindow::OpenForViewing(const QString& configPath)
 {
-    if (m_project->LoadFrom(configPath)) {
+    if (m_project->StartWith(configPath)) {
         LogInfo(QStringLiteral("Project opened for viewing. Load it (Ctrl+O) to edit."));
     }
 }
@@ -419,6 +427,7 @@ void QuillmapWindow::closeEvent(QCloseEvent* event)
         return;
     }
     m_project->KeepDiscarded();
+    m_journal->End();
     m_project->StopLoading();
     WindowState::Store(*this);
     event->accept();

@@ -21,12 +21,14 @@ class EditActions;
 class FileDrops;
 class Gestures;
 class InteractionModes;
+class Journal;
 class Layer;
 class LayerComposition;
 class LayerList;
 class ProjectActions;
 class QGraphicsItem;
 class RecentProjects;
+class SessionNotices;
 class TerritoryTypeList;
 
 namespace Ui {
@@ -115,6 +117,7 @@ private:
 
     std::unique_ptr<Ui::QuillmapWindowClass> m_ui;
     std::unique_ptr<Document> m_document;
+    std::unique_ptr<Journal> m_journal;
     std::unique_ptr<BrushDock> m_brush;
     std::unique_ptr<DockLayerProps> m_layerProps;
     std::unique_ptr<DockLayers> m_layers;
@@ -130,4 +133,5 @@ private:
     std::unique_ptr<RecentProjects> m_recent;
     std::unique_ptr<FileDrops> m_drops;
     std::unique_ptr<ChangeNotice> m_changes;
+    std::unique_ptr<SessionNotices> m_sessions;
 };
