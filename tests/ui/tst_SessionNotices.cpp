@@ -1,0 +1,358 @@
+#include "document/Document.h"
+#include "document/journal/JournalReader.h"
+#include "document/journal/Recovery.h"
+#include "document/journal/SessionLock.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
+#include "tests/support/Files.h"
+#include "tests/support/JournalSession.h"
+#include "tests/support/WindowFixture.h"
+#include "ui/widgets/NoticeBar.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QDir>
+#include <QLabel>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+const char* const Question = "Discard unsaved work: The unsaved work that was found will be lost."
+                             "\n\nAre you sure you want to discard it?";
+
+QString NoticeOf(const WindowFixture& fixture)
+{
+    const auto* bar = fixture.Child<NoticeBar>("barNotice");
+    return bar->isHidden() ? QString() : bar->findChild<QLabel*>("lblNotice")->text();
+}
+
+void Click(const WindowFixture& fixture, const char* button)
+{
+    auto* widget = fixture.Child<NoticeBar>("barNotice")->findChild<QAbstractButton*>(button);
+    QVERIFY2(widget, button);
+    QTest::mouseClick(widget, Qt::LeftButton);
+}
+
+void RenameFirstLayer(const WindowFixture& fixture, const QString& name)
+{
+    LayerList& layers = fixture.window->GetDocument().Layers();
+    layers.model()->setData(layers.model()->index(0, 0), name, Qt::EditRole);
+}
+
+/// The folders of all journals, of dead and of living sessions.
+QStringList Journals()
+{
+    const QDir folder(Recovery::Folder());
+    QStringList journals;
+    for (const QString& name : folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        journals.append(folder.filePath(name));
+    }
+    return journals;
+}
+
+void CopyFolder(const QString& from, const QString& to)
+{
+    QVERIFY(QDir().mkpath(to));
+    for (const QString& name : QDir(from).entryList(QDir::Files)) {
+        QVERIFY(QFile::copy(from + '/' + name, to + '/' + name));
+    }
+}
+
+} // namespace
+
+/// What a session that died left, in the bar above the map, and other sessions that live.
+class tst_SessionNotices : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void KeepsNothingWithoutAChange();
+    void RestoresWhatADeadSessionLeft();
+    void RestoresUnderNoNameWhatChangedMeanwhile_data();
+    void RestoresUnderNoNameWhatChangedMeanwhile();
+    void AsksBeforeItReplacesUnsavedWork();
+    void LaterLeavesTheWorkForTheNextStart();
+    void DiscardsWhenTheUserAgrees_data();
+    void DiscardsWhenTheUserAgrees();
+    void FindsASessionThatDiesLater();
+    void WithdrawsWhatAnotherSessionTook();
+    void ADiscardedSessionIsAnEarlierVersion();
+    void TellsOfAnotherWindow();
+    void TellsThatWorkCannotBeKept();
+
+private:
+    /// Makes a session that renames the first layer to "green" and dies. Returns the files that a
+    /// save would have written then.
+    static WindowFixture::SavedFiles LeaveWork(WindowFixture& fixture);
+};
+
+WindowFixture::SavedFiles tst_SessionNotices::LeaveWork(WindowFixture& fixture)
+{
+    WindowFixture::SavedFiles saved;
+    QTemporaryDir kept;
+    [&] {
+        fixture.Load(fixture.WriteProject());
+        RenameFirstLayer(fixture, "green");
+        QTRY_COMPARE(Journals().size(), 1);
+        QTRY_VERIFY(JournalReader::Open(Journals().constFirst()));
+        saved = fixture.SavedBytes();
+        CopyFolder(Journals().constFirst(), kept.filePath("journal"));
+        fixture.SetModified(false);
+        fixture.window.reset();
+        QCOMPARE(Journals().size(), 0);
+        CopyFolder(kept.filePath("journal"), Recovery::Folder() + "/dead");
+    }();
+    return saved;
+}
+
+void tst_SessionNotices::KeepsNothingWithoutAChange()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    QTest::qWait(1);
+    QCOMPARE(Journals().size(), 0);
+    auto* mark = fixture.Child<QLabel>("lblUnsaved");
+    QVERIFY(mark->isHidden());
+
+    RenameFirstLayer(fixture, "green");
+    QTRY_COMPARE(Journals().size(), 1);
+    QVERIFY(!mark->isHidden());
+    QCOMPARE(QFileInfo(Journals().constFirst()).permissions() &
+                 (QFileDevice::ReadGroup | QFileDevice::ReadOther | QFileDevice::ExeOther),
+             QFileDevice::Permissions());
+
+    fixture.Trigger("actionQuickSave");
+    QTRY_COMPARE(Journals().size(), 0);
+    QVERIFY(mark->isHidden());
+}
+
+void tst_SessionNotices::RestoresWhatADeadSessionLeft()
+{
+    WindowFixture fixture;
+    const WindowFixture::SavedFiles saved = LeaveWork(fixture);
+    const QString path = fixture.Path("small/small.xml");
+    const QByteArray before = ReadBytes(path);
+
+    fixture.Restart();
+    QTRY_VERIFY(!NoticeOf(fixture).isEmpty());
+    QVERIFY2(
+        QRegularExpression("^Unsaved work on 'small', last change \\d\\d:\\d\\d, was found\\.$")
+            .match(NoticeOf(fixture))
+            .hasMatch(),
+        qPrintable(NoticeOf(fixture)));
+    Click(fixture, "btnNoticeRestore");
+
+    QVERIFY(fixture.SavedBytes() == saved);
+    QVERIFY(fixture.IsModified());
+    QCOMPARE(fixture.window->GetDocument().Path(), path);
+    QCOMPARE(fixture.window->windowTitle(), QString("small - Tarvo Ledger Tool"));
+    QCOMPARE(NoticeOf(fixture), QString());
+    QCOMPARE(ReadBytes(path), before);
+    QVERIFY(!QFileInfo::exists(fixture.Path("small/layers/green.tga")));
+    // The work is in the journal of this session now.
+    QCOMPARE(Recovery::DeadJournals(), QStringList());
+    QCOMPARE(Journals().size(), 1);
+    QVERIFY(!fixture.window->GetDocument().CanUndo());
+
+    fixture.Trigger("actionQuickSave");
+    QVERIFY(ReadBytes(path).contains("green"));
+    QVERIFY(!fixture.IsModified());
+}
+
+void tst_SessionNotices::RestoresUnderNoNameWhatChangedMeanwhile_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<bool>("isRemoved");
+
+    QTest::newRow("the document") << "small/small.xml" << false;
+    QTest::newRow("a bitmap") << "small/layers/red.tga" << false;
+    QTest::newRow("no document") << "small/small.xml" << true;
+    QTest::newRow("no project") << "small" << true;
+}
+
+void tst_SessionNotices::RestoresUnderNoNameWhatChangedMeanwhile()
+{
+    QFETCH(QString, file);
+    QFETCH(bool, isRemoved);
+    WindowFixture fixture;
+    WindowFixture::SavedFiles saved = LeaveWork(fixture);
+    const QString path = fixture.Path(file);
+    if (isRemoved) {
+        QVERIFY(QFileInfo(path).isDir() ? QDir(path).removeRecursively() : QFile::remove(path));
+    } else {
+        WriteBytes(path, "somebody else's");
+    }
+
+    fixture.Restart();
+    QTRY_VERIFY(!NoticeOf(fixture).isEmpty());
+    Click(fixture, "btnNoticeRestore");
+
+    QCOMPARE(NoticeOf(fixture), QString("The files of 'small' changed meanwhile, or are gone. The "
+                                        "restored work has no file yet."));
+    QCOMPARE(fixture.window->GetDocument().Path(), QString());
+    QVERIFY(fixture.window->windowTitle().startsWith("Unsaved"));
+    QVERIFY(fixture.IsModified());
+    const QVector<Layer*> layers = fixture.window->GetDocument().Layers().Layers();
+    QCOMPARE(layers.size(), 2);
+    QCOMPARE(layers[0]->text(), QString("green"));
+    QCOMPARE(layers[1]->text(), QString("blue"));
+    const WindowFixture::SavedFiles restored = fixture.SavedBytes();
+    QCOMPARE(restored.size(), saved.size());
+    for (auto each = saved.cbegin(); each != saved.cend(); ++each) {
+        if (each.key().endsWith(".tga")) {
+            QCOMPARE(restored.value(each.key()), each.value());
+        }
+    }
+    QVERIFY(isRemoved ? !QFileInfo::exists(path) : ReadBytes(path) == "somebody else's");
+}
+
+void tst_SessionNotices::AsksBeforeItReplacesUnsavedWork()
+{
+    WindowFixture fixture;
+    LeaveWork(fixture);
+    fixture.Restart();
+    QTRY_VERIFY(!NoticeOf(fixture).isEmpty());
+    fixture.SetModified(true);
+    fixture.answers.AddButton("No");
+
+    Click(fixture, "btnNoticeRestore");
+
+    QVERIFY(!NoticeOf(fixture).isEmpty());
+    QCOMPARE(Recovery::DeadJournals().size(), 1);
+    QVERIFY(fixture.window->GetDocument().Layers().IsEmpty());
+    fixture.SetModified(false);
+}
+
+void tst_SessionNotices::LaterLeavesTheWorkForTheNextStart()
+{
+    WindowFixture fixture;
+    LeaveWork(fixture);
+    fixture.Restart();
+    QTRY_VERIFY(!NoticeOf(fixture).isEmpty());
+    Click(fixture, "btnNoticeLater");
+    QCOMPARE(NoticeOf(fixture), QString());
+    QCOMPARE(Recovery::DeadJournals().size(), 1);
+
+    fixture.Restart();
+    QTRY_VERIFY(!NoticeOf(fixture).isEmpty());
+}
+
+void tst_SessionNotices::DiscardsWhenTheUserAgrees_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<int>("left");
+
+    QTest::newRow("yes") << "Yes" << 0;
+    QTest::newRow("no") << "No" << 1;
+}
+
+void tst_SessionNotices::DiscardsWhenTheUserAgrees()
+{
+    QFETCH(QString, button);
+    QFETCH(int, left);
+    WindowFixture fixture;
+    LeaveWork(fixture);
+    fixture.Restart();
+    QTRY_VERIFY(!NoticeOf(fixture).isEmpty());
+    fixture.answers.AddButton(button);
+
+    Click(fixture, "btnNoticeDiscard");
+
+    QCOMPARE(fixture.answers.Asked().constLast(), QString(Question));
+    QCOMPARE(Recovery::DeadJournals().size(), left);
+    QCOMPARE(NoticeOf(fixture).isEmpty(), left == 0);
+}
+
+void tst_SessionNotices::FindsASessionThatDiesLater()
+{
+    WindowFixture fixture;
+    LeaveWork(fixture);
+    const QString dead = Recovery::Folder() + "/dead";
+    const QString away = fixture.Path("away");
+    CopyFolder(dead, away);
+    QVERIFY(QDir(dead).removeRecursively());
+    fixture.Restart();
+    QTest::qWait(1);
+    QCOMPARE(NoticeOf(fixture), QString());
+
+    CopyFolder(away, dead);
+
+    QTRY_VERIFY(!NoticeOf(fixture).isEmpty());
+}
+
+void tst_SessionNotices::WithdrawsWhatAnotherSessionTook()
+{
+    WindowFixture fixture;
+    LeaveWork(fixture);
+    fixture.Restart();
+    QTRY_VERIFY(!NoticeOf(fixture).isEmpty());
+
+    QVERIFY(Recovery::Discard(Recovery::DeadJournals().constFirst()));
+
+    QTRY_COMPARE(NoticeOf(fixture), QString());
+}
+
+void tst_SessionNotices::ADiscardedSessionIsAnEarlierVersion()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    RenameFirstLayer(fixture, "green");
+    fixture.answers.AddButton("Yes");
+    fixture.Load(fixture.WriteProject("other"));
+    fixture.Load(fixture.Path("small/small.xml"));
+    fixture.answers.Add([](QWidget& dialog) {
+        auto* list = dialog.findChild<QAbstractItemView*>("viewVersions");
+        list->setCurrentIndex(list->model()->index(0, 0));
+        QTest::mouseClick(dialog.findChild<QAbstractButton*>("btnOpenCopy"), Qt::LeftButton);
+    });
+
+    fixture.Trigger("actionVersions");
+
+    QCOMPARE(fixture.window->GetDocument().Layers().LayerAt(0)->text(), QString("green"));
+    QCOMPARE(fixture.window->GetDocument().Path(), QString());
+    QVERIFY(fixture.IsModified());
+    fixture.SetModified(false);
+}
+
+void tst_SessionNotices::TellsOfAnotherWindow()
+{
+    WindowFixture fixture;
+    const QString path = fixture.WriteProject();
+    auto other = std::make_unique<SessionLock>(path);
+    QCOMPARE(other->GetState(), SessionLock::State::Held);
+
+    fixture.Load(path);
+    QCOMPARE(NoticeOf(fixture),
+             QString("'small' is open in another window, too. The one that saves last replaces "
+                     "what the other one saved."));
+    other.reset();
+    QTRY_COMPARE(NoticeOf(fixture), QString());
+    // Now it is this window's.
+    QCOMPARE(SessionLock(path).GetState(), SessionLock::State::Taken);
+    fixture.Load(fixture.WriteProject("other"));
+    QCOMPARE(SessionLock(path).GetState(), SessionLock::State::Held);
+}
+
+void tst_SessionNotices::TellsThatWorkCannotBeKept()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    WriteBytes(QFileInfo(Recovery::Folder()).path() + "/x", "");
+    QDir(Recovery::Folder()).removeRecursively();
+    WriteBytes(Recovery::Folder(), "no folder");
+
+    RenameFirstLayer(fixture, "green");
+    QTRY_VERIFY(NoticeOf(fixture).startsWith("Unsaved work is not kept safe from a crash: "));
+    RenameFirstLayer(fixture, "yellow");
+    fixture.Trigger("actionQuickSave");
+    QCOMPARE(NoticeOf(fixture), QString());
+    QVERIFY(QFile::remove(Recovery::Folder()));
+    RenameFirstLayer(fixture, "brown");
+    QTRY_COMPARE(Journals().size(), 1);
+    fixture.SetModified(false);
+}
+
+QTEST_MAIN(tst_SessionNotices)
+#include "tst_SessionNotices.moc"
