@@ -239,6 +239,7 @@ int main(int argc, char** argv)
     const QApplication application(argc, argv);
     const QTemporaryDir folder;
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder.path());
+    qputenv("XDG_DATA_HOME", QFile::encodeName(folder.path()));
     const QWidget guiIsRunning;
     for (const int side : {2048, 16384}) {
         RegisterAll(side);

@@ -85,7 +85,7 @@ public:
     void EndGesture() { ++m_gesture; }
     /// While the hand is at work on the map, or files are read or written, nothing can be undone.
     void SetHandBusy(bool isBusy);
-    /// Nor do rows then take what views write into them.
+    /// While files are busy, rows refuse what views write.
     void SetFilesBusy(bool isBusy);
     /// Whether the project may be edited at all.
     void SetEditable(bool isEditable);
@@ -125,15 +125,16 @@ public:
     /// The file that holds the project: the one that it was last loaded from or saved to, with its
     /// folder. Empty while there is none. File dialogs may start elsewhere.
     const QString& Path() const { return m_path; }
-    /// Called when the project was loaded from there or saved there, or to set it to none.
+    /// Called when the project was loaded from there or saved there. An empty path means that no
+    /// file holds it.
     void SetPath(const QString& path);
+    /// Called when the project was restored: only these files are its own.
+    void SetPath(const QString& path, const QStringList& files);
     /// The document at this path holds a part of the project: it was loaded from there, but not as
     /// a whole. Its files are known from now on, but none becomes the project's own by that.
     void NoteFiles(const QString& path);
     /// The document, the bitmaps of its layers and the background picture as they were then.
     const KnownFiles& Files() const { return m_files; }
-    /// Called when the layers' bitmaps were written, but not the document.
-    void NoteBitmaps();
     /// Sets the folder and the file name before a load.
     void SetPlace(const QDir& folder, const QString& fileName);
     /// Sets the name that the title shows.

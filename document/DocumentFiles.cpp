@@ -47,18 +47,23 @@ void Document::SetPath(const QString& path)
 void Document::NoteFiles(const QString& path)
 {
     m_files.Note(path);
-    NoteBitmaps();
+    const QVector<Layer*> layers = m_layers.Layers();
+    for (const Layer* layer : layers) {
+        m_files.Note(Settings().LayerPath(layer->text()));
+    }
     if (!Settings().BackgroundFile().isEmpty()) {
         m_files.Note(Settings().BackgroundPath());
     }
 }
 
-void Document::NoteBitmaps()
+void Document::SetPath(const QString& path, const QStringList& files)
 {
-    const QVector<Layer*> layers = m_layers.Layers();
-    for (const Layer* layer : layers) {
-        m_files.Note(Settings().LayerPath(layer->text()));
+    m_path = path;
+    m_files.ClearStamps();
+    for (const QString& file : files) {
+        m_files.Note(file);
     }
+    emit FilesNoted();
 }
 
 void Document::SetName(const QString& name)

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 /// A state of a project that is kept outside of it: what a journal holds, or an earlier version.
 struct StoredProject
@@ -14,4 +15,8 @@ struct StoredProject
     MaskSource masks;
     /// Where the document was or will be saved; empty for a project that was never saved.
     QString path;
+    /// The folder that the names in the document start from, when it has no path; may be empty.
+    QString folder = {};
+    /// The files on disk that are the project's own, apart from other files beside them.
+    QStringList files = {};
 };

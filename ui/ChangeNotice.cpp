@@ -15,8 +15,8 @@ const QString NoticeKey = QStringLiteral("foreign changes");
 
 bool IsBitmap(const QString& path)
 {
-    const QString name = QFileInfo(path).completeBaseName();
-    return path == ProjectSettings::Instance().LayerPath(name);
+    const QString layers = QStringLiteral("layers");
+    return QFileInfo(path).path() == ProjectSettings::Instance().Dir().filePath(layers);
 }
 
 /// "Forest, Lake", or the first ones of many.
@@ -101,7 +101,7 @@ bool ChangeNotice::Reload()
 {
     const bool isEdited = m_parts.form.actionSave->isEnabled();
     const QString path = m_parts.document.Path();
-    const bool isLoaded = m_actions.LoadFrom(path);
+    const bool isLoaded = isEdited ? m_actions.LoadFrom(path) : m_actions.StartWith(path);
     if (isLoaded && !isEdited) {
         m_actions.EnableEditing(false);
     }

@@ -15,6 +15,7 @@
 #include "document/StoredProject.h"
 #include "document/edits/BackgroundEdits.h"
 #include "document/edits/LayerEdits.h"
+#include "document/journal/Journal.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "territories/TerritoryType.h"
@@ -71,6 +72,15 @@ void FinishRenaming(const EditorParts& parts)
             emit view->itemDelegate()->closeEditor(editor);
         }
     }
+}
+
+/// The folder that the names in a stored document start from.
+QDir FolderOf(const StoredProject& stored)
+{
+    if (!stored.path.isEmpty()) {
+        return QFileInfo(stored.path).absoluteDir();
+    }
+    return stored.folder.isEmpty() ? Settings().Dir() : QDir(stored.folder);
 }
 
 /// Returns whether there are no unsaved changes or the user agrees to lose them. Ends a stroke, a
@@ -134,10 +144,11 @@ private:
 };
 
 ProjectActions::ProjectActions(const EditorParts& parts, LayerComposition& composition,
-                               InteractionModes& modes)
+                               InteractionModes& modes, Journal& journal)
     : m_parts(parts)
     , m_composition(composition)
     , m_modes(modes)
+    , m_journal(journal)
     , m_notices(*parts.form.barNotice)
 {
 }
@@ -225,21 +236,23 @@ bool ProjectActions::OpenStored(const StoredProject& stored, bool asCopy)
     const Busy loading(*this, Work::Loading);
     const bool hasFile = !asCopy && !stored.path.isEmpty();
     const QFileInfo file(stored.path);
-    m_parts.document.SetPlace(stored.path.isEmpty() ? Settings().Dir() : file.absoluteDir(),
-                              hasFile ? file.fileName() : QString());
+    m_parts.document.SetPlace(FolderOf(stored), hasFile ? file.fileName() : QString());
     m_parts.document.SetName(hasFile ? file.baseName() : QString());
     m_parts.window.SetTitle(Settings().Name());
     QByteArray text = stored.text;
     QBuffer device(&text);
     device.open(QIODevice::ReadOnly);
-    const bool isRead = ReadFrom(device, stored.masks, hasFile ? stored.path : QString());
+    const bool isRead = ReadFrom(device, stored.masks, QString());
+    if (isRead && hasFile) {
+        m_parts.document.SetPath(stored.path, stored.files);
+    }
     if (isRead) {
         m_parts.document.BeginHistory(false);
     }
     return isRead;
 }
 
-/// path: the file that the project belongs to; empty for none.
+/// path: the file that is read; empty when it is not the project's own.
 bool ProjectActions::ReadFrom(QIODevice& file, const MaskSource& masks, const QString& path)
 {
     BeginReplacing();
@@ -306,6 +319,8 @@ void ProjectActions::Finalize(bool isSuccessful, int selected)
     m_parts.layerProps.Refresh();
     m_parts.status.SetProgressVisible(false);
     EnableEditing(true);
+    // Not before: what was read may be one of the versions.
+    PruneVersions();
     if (isSuccessful) {
         ShowWorld();
         ShowProject(selected);
@@ -408,11 +423,9 @@ bool ProjectActions::SaveTo(const QString& path)
 {
     const Busy saving(*this, Work::Saving);
     const Layer* current = m_parts.document.CurrentLayer();
-    bool isBegun = false;
     ProjectParts parts{current ? current->row() : -1,
                        [this](QXmlStreamWriter& xml) { m_parts.document.GetBrush().WriteXml(xml); },
-                       [this, &isBegun] {
-                           isBegun = true;
+                       [this] {
                            m_parts.window.SetTitle(Settings().Name());
                            LogInfo(QStringLiteral("Saving project '%1'...").arg(Settings().Name()));
                        },
@@ -427,9 +440,6 @@ bool ProjectActions::SaveTo(const QString& path)
     if (isSaved) {
         m_parts.document.SetPath(Settings().ProjectFilePath());
         m_notices.FollowSave();
-    } else if (isBegun && QFileInfo(path).absoluteFilePath() == m_parts.document.Path()) {
-        // The bitmaps were written before the document.
-        m_parts.document.NoteBitmaps();
     }
     if (isSaved && Settings().IsModified()) {
         // A bitmap could not be written, so the files are those of no state of the history.
@@ -459,11 +469,15 @@ void ProjectActions::ShowVersions()
     if (IsBusy()) {
         return;
     }
-    DialogVersions dialog(VersionStore(), m_parts.document.Path(), &m_parts.window);
-    if (dialog.exec() != QDialog::Accepted || !dialog.Selected()) {
-        return;
+    StoredProject stored;
+    {
+        // Its work on pictures ends with it.
+        DialogVersions dialog(VersionStore(), m_parts.document.Path(), &m_parts.window);
+        if (dialog.exec() != QDialog::Accepted || !dialog.Selected()) {
+            return;
+        }
+        stored = dialog.Selected()->Stored();
     }
-    const StoredProject stored = dialog.Selected()->Stored();
     if (stored.text.isEmpty()) {
         LogError(QStringLiteral("The earlier version cannot be read any more."));
     } else {
@@ -473,11 +487,21 @@ void ProjectActions::ShowVersions()
 
 void ProjectActions::KeepDiscarded()
 {
-    if (m_moveJournal) {
-        VersionStore versions;
-        const QString problem = versions.KeepDiscarded(m_parts.document.Path(), m_moveJournal);
-        versions.Prune();
-        TellKept({problem, {}, false}, false);
+    if (!m_journal.OldestUnsaved().isValid()) {
+        return;
+    }
+    const QString problem =
+        VersionStore().KeepDiscarded(m_parts.document.Path(), [this](const QString& target) {
+            return m_journal.MoveTo(target);
+        });
+    m_hasKeptDiscarded = true;
+    TellKept({problem, {}, false}, false);
+}
+
+void ProjectActions::PruneVersions()
+{
+    if (std::exchange(m_hasKeptDiscarded, false)) {
+        VersionStore().Prune();
     }
 }
 

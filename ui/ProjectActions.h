@@ -13,6 +13,7 @@
 class DialogNewProject;
 class Document;
 class InteractionModes;
+class Journal;
 class LayerComposition;
 class ProjectReader;
 class QFile;
@@ -25,8 +26,8 @@ struct StoredProject;
 class ProjectActions
 {
 public:
-    ProjectActions(const EditorParts& parts, LayerComposition& composition,
-                   InteractionModes& modes);
+    ProjectActions(const EditorParts& parts, LayerComposition& composition, InteractionModes& modes,
+                   Journal& journal);
 
     void New();
     /// Asks for the file. Returns whether a project was loaded.
@@ -56,10 +57,10 @@ public:
     void Finalize(bool isSuccessful, int selected);
     /// Lists the earlier versions, and opens the one that the user chooses as a copy.
     void ShowVersions();
-    /// Moves the journal of the open project's unsaved work.
-    void SetJournalMove(VersionStore::MoveJournal move) { m_moveJournal = std::move(move); }
     /// Keeps the unsaved work, which is about to go, among the earlier versions.
     void KeepDiscarded();
+    /// Removes old versions after KeepDiscarded made a new one.
+    void PruneVersions();
 
     /// Enables the actions and widgets that need an open project.
     void EnableEditing(bool isEnabled);
@@ -100,9 +101,10 @@ private:
     EditorParts m_parts;
     LayerComposition& m_composition;
     InteractionModes& m_modes;
+    Journal& m_journal;
     ProjectNotices m_notices;
     ProjectReader* m_reader = nullptr;
-    VersionStore::MoveJournal m_moveJournal;
+    bool m_hasKeptDiscarded = false;
     bool m_isForViewing = false;
     Work m_work = Work::None;
     bool m_isStopped = false;

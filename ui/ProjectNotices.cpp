@@ -143,7 +143,9 @@ void ProjectNotices::ShowReplaced(const QStringList& layers, bool areKept,
     const QString text =
         isOne ? QStringLiteral("This save replaced 1 bitmap of another project: %1.")
               : QStringLiteral("This save replaced %2 bitmaps of another project: %1.");
-    const QString names = ShortList(layers);
+    QStringList sorted = layers;
+    sorted.sort();
+    const QString names = ShortList(sorted);
     Notice notice{
         ReplacedKey, isOne ? text.arg(names) : text.arg(names, QString::number(layers.size())), {}};
     if (areKept) {

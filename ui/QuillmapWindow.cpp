@@ -87,7 +87,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
         *m_terTypeProps};
     m_composition = std::make_unique<LayerComposition>(*m_document, *m_ui->paintView);
     m_modes = std::make_unique<InteractionModes>(parts);
-    m_project = std::make_unique<ProjectActions>(parts, *m_composition, *m_modes);
+    m_project = std::make_unique<ProjectActions>(parts, *m_composition, *m_modes, *m_journal);
     m_edit = std::make_unique<EditActions>(parts);
     m_gestures = std::make_unique<Gestures>(*m_document);
     m_recent = std::make_unique<RecentProjects>(
@@ -95,7 +95,6 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     m_drops = std::make_unique<FileDrops>(parts, *m_project);
     m_changes = std::make_unique<ChangeNotice>(parts, *m_project);
     m_sessions = std::make_unique<SessionNotices>(parts, *m_project, *m_journal);
-    m_project->SetJournalMove([this](const QString& target) { return m_journal->MoveTo(target); });
     ConnectLog();
     ConnectActions();
     ConnectLayers();
@@ -181,11 +180,6 @@ void QuillmapWindow::OpenForViewing(const QString& configPath)
 void QuillmapWindow::SetTitle(const QString& name)
 {
     setWindowTitle(tr("%1 - Tarvo Ledger Tool").arg(name.isEmpty() ? tr("Unsaved") : name));
-}
-
-void QuillmapWindow::SetJournalMove(const std::function<bool(const QString& target)>& move)
-{
-    m_project->SetJournalMove(move);
 }
 
 void QuillmapWindow::QuitApplication()
@@ -427,6 +421,7 @@ void QuillmapWindow::closeEvent(QCloseEvent* event)
         return;
     }
     m_project->KeepDiscarded();
+    m_project->PruneVersions();
     m_journal->End();
     m_project->StopLoading();
     WindowState::Store(*this);

@@ -48,8 +48,6 @@ public:
     Q_DISABLE_COPY(QuillmapWindow)
 
     Document& GetDocument() { return *m_document; }
-    /// As ProjectActions has it.
-    void SetJournalMove(const std::function<bool(const QString& target)>& move);
     /// Shows the project's name; without one "Unsaved".
     void SetTitle(const QString& name);
     /// Ends painting when there is no current layer any more.

@@ -15,6 +15,7 @@
 #include <QLocale>
 
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -120,9 +121,15 @@ void SessionNotices::Offer(const QString& folder, const JournalReader& journal)
 /// Opens the work of a dead session. Its journal goes when this session has one of its own.
 bool SessionNotices::Restore(const QString& folder)
 {
+    std::shared_ptr<void> lock = Recovery::Lock(folder);
+    if (!lock) {
+        // Another session is at it.
+        return true;
+    }
     QString reason;
     const std::optional<JournalReader> journal = JournalReader::Open(folder, &reason);
-    if (!journal) {
+    const StoredProject stored = journal ? journal->Stored() : StoredProject();
+    if (stored.text.isEmpty()) {
         m_parts.form.barNotice->Show(
             {RestoredKey,
              QStringLiteral("The unsaved work cannot be restored: %1").arg(reason.simplified()),
@@ -130,8 +137,11 @@ bool SessionNotices::Restore(const QString& folder)
         return true;
     }
     const bool hasChanged = !journal->ProjectPath().isEmpty() && journal->HasProjectChanged();
-    const bool isWhole = journal->MissingMasks().isEmpty();
-    if (!m_actions.OpenStored(journal->Stored(), hasChanged)) {
+    // The question would let the timer find the journal locked.
+    m_timer.stop();
+    const bool isOpened = m_actions.OpenStored(stored, hasChanged);
+    m_timer.start();
+    if (!isOpened) {
         return false;
     }
     if (hasChanged) {
@@ -143,8 +153,8 @@ bool SessionNotices::Restore(const QString& folder)
                  .arg(WhoseText(*journal)),
              {}});
     }
-    if (isWhole && m_journal.Flush()) {
-        Recovery::Discard(folder);
+    if (m_parts.document.Layers().LeftOut().isEmpty() && m_journal.Flush()) {
+        Recovery::Discard(folder, std::move(lock));
     }
     return true;
 }
@@ -171,12 +181,16 @@ void SessionNotices::ShowFailure(const QString& reason)
 
 void SessionNotices::FollowPath()
 {
-    const QString path = m_parts.document.Path();
-    if (path != m_lockedPath) {
-        m_lockedPath = path;
-        LockProject();
-        ShowOtherEditor();
-    }
+    // A project that is opened for viewing only is disabled after it was loaded.
+    QTimer::singleShot(0, this, [this] {
+        const bool isEdited = m_parts.form.actionSave->isEnabled();
+        const QString path = isEdited ? m_parts.document.Path() : QString();
+        if (path != m_lockedPath) {
+            m_lockedPath = path;
+            LockProject();
+            ShowOtherEditor();
+        }
+    });
 }
 
 void SessionNotices::LockProject()

@@ -61,9 +61,9 @@ public:
     void SetObserver(Observer observer) { m_observer = std::move(observer); }
 
 signals:
-    /// OldestUnsaved is another.
+    /// OldestUnsaved has changed.
     void UnsavedChanged();
-    /// From now on changes are not kept, until the project is saved or another one begins. Told
+    /// From now on changes are not kept, until the project is saved or another one begins. Sent
     /// once; the reason is in the system's words where it has any.
     void Failed(const QString& reason);
 

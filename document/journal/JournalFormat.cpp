@@ -20,6 +20,7 @@ constexpr int MaxPathLength = 1 << 15;
 
 const QLatin1String FormatKey("format");
 const QLatin1String PathKey("path");
+const QLatin1String FolderKey("folder");
 const QLatin1String NameKey("name");
 const QLatin1String WidthKey("width");
 const QLatin1String HeightKey("height");
@@ -142,12 +143,11 @@ bool IsTextFile(const QString& name)
 
 QByteArray ToBytes(const JournalHeader& header)
 {
-    const QJsonObject object{{FormatKey, FormatVersion},
-                             {PathKey, header.path},
-                             {NameKey, header.name},
-                             {WidthKey, header.layerSize.width()},
-                             {HeightKey, header.layerSize.height()},
-                             {FilesKey, ToObject(header.files)}};
+    const QJsonObject object{
+        {FormatKey, FormatVersion},           {PathKey, header.path},
+        {FolderKey, header.folder},           {NameKey, header.name},
+        {WidthKey, header.layerSize.width()}, {HeightKey, header.layerSize.height()},
+        {FilesKey, ToObject(header.files)}};
     return QJsonDocument(object).toJson();
 }
 
@@ -155,12 +155,14 @@ std::optional<JournalHeader> ToHeader(const QByteArray& bytes)
 {
     const QJsonObject object = QJsonDocument::fromJson(bytes).object();
     const JournalHeader header{object.value(PathKey).toString(),
+                               object.value(FolderKey).toString(),
                                object.value(NameKey).toString(),
                                {object.value(WidthKey).toInt(), object.value(HeightKey).toInt()},
                                ToFiles(object.value(FilesKey).toObject())};
     const bool isSound = object.value(FormatKey).toInt() == FormatVersion &&
                          raster::IsMaskSize(header.layerSize) &&
-                         (header.path.isEmpty() || IsPlainPath(header.path));
+                         (header.path.isEmpty() || IsPlainPath(header.path)) &&
+                         (header.folder.isEmpty() || IsPlainPath(header.folder));
     return isSound ? std::make_optional(header) : std::nullopt;
 }
 

@@ -15,6 +15,8 @@ struct JournalHeader
 {
     /// Where the project is on disk; empty when it was never saved.
     QString path;
+    /// The folder that the names in the document start from; empty when it is not known.
+    QString folder;
     QString name;
     /// In pixels.
     QSize layerSize;

@@ -434,5 +434,6 @@ StoredProject JournalReader::Stored() const
         const bool fits = ProjectSettings::Instance().LayerSize() == reader.LayerSize();
         return fits ? reader.Mask(number) : QImage();
     };
-    return {Text(), masks, ProjectPath()};
+    const JournalHeader& header = m_content->header;
+    return {Text(), masks, header.path, header.folder, header.files.keys()};
 }

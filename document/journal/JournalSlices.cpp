@@ -75,14 +75,18 @@ void Journal::Work()
 }
 
 /// A stroke, a drag, a load or a save begins, and nothing is read until it ends. What is left is
-/// usually little.
+/// usually little; after a fill of a huge layer it takes longer, because it must not get lost.
 void Journal::CatchUp()
 {
     if (m_state != State::Writing || m_document.IsApplying()) {
         return;
     }
     const Timing timing(*this);
-    if (Pack(SliceEnd()) && !IsClean()) {
+    const auto waitForRoom = [this] {
+        m_worker->WaitForRoom();
+        return false;
+    };
+    if (!IsClean() && Pack(waitForRoom)) {
         Commit();
     }
 }
@@ -97,7 +101,8 @@ void Journal::Begin()
         m_worker = std::make_unique<JournalWorker>();
     }
     m_session = std::make_shared<JournalNews>();
-    JournalHeader header{m_document.Path(), Settings().Name(), Settings().LayerSize()};
+    JournalHeader header{m_document.Path(), Settings().Dir().absolutePath(), Settings().Name(),
+                         Settings().LayerSize()};
     const QStringList files = m_document.Files().Paths();
     for (const QString& file : files) {
         header.files.insert(file, m_document.Files().Known(file));

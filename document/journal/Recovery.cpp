@@ -79,26 +79,20 @@ QStringList DeadJournals()
     return sorted;
 }
 
-bool Discard(const QString& folder)
+std::shared_ptr<void> Lock(const QString& folder)
 {
-    std::shared_ptr<void> lock = IsJournalFolder(folder) ? LockOf(folder) : nullptr;
+    return IsJournalFolder(folder) ? LockOf(folder) : nullptr;
+}
+
+bool Discard(const QString& folder, std::shared_ptr<void> lock)
+{
     return lock && journal::RemoveFolder(QDir::cleanPath(folder), std::move(lock));
 }
 
 bool MoveTo(const QString& folder, const QString& target)
 {
-    std::shared_ptr<void> lock = IsJournalFolder(folder) ? LockOf(folder) : nullptr;
+    std::shared_ptr<void> lock = Lock(folder);
     return lock && !journal::MoveFolder(QDir::cleanPath(folder), target, std::move(lock));
-}
-
-bool IsBeingEdited(const QString& projectPath, const QString& ownFolder)
-{
-    const QStringList folders = projectPath.isEmpty() ? QStringList() : Folders();
-    return std::any_of(folders.begin(), folders.end(), [&](const QString& folder) {
-        const auto header = folder == ownFolder ? std::nullopt : journal::ReadHeader(folder);
-        return header && journal::SamePath(header->path) == journal::SamePath(projectPath) &&
-               !LockOf(folder);
-    });
 }
 
 } // namespace Recovery

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
 /// The journals of this user: those of dead sessions, which can be restored, and those of living
 /// ones. Links in the folder are not followed.
 namespace Recovery {
@@ -16,15 +18,18 @@ QString Folder();
 /// removed.
 QStringList DeadJournals();
 
+/// Keeps other sessions from a journal of a dead session. Null when another one holds it, or when
+/// the folder is no journal.
+std::shared_ptr<void> Lock(const QString& folder);
 /// Removes the journal of a dead session. Only files that a journal has are removed, from a folder
-/// directly in Folder(). False when something is left.
-bool Discard(const QString& folder);
+/// directly in Folder(). lock: from Lock(). False when something is left.
+bool Discard(const QString& folder, std::shared_ptr<void> lock);
+inline bool Discard(const QString& folder)
+{
+    return Discard(folder, Lock(folder));
+}
 /// Moves the journal of a dead session to a path where there is nothing yet; folders above it are
 /// made. When it fails, the journal stays.
 bool MoveTo(const QString& folder, const QString& target);
-
-/// Whether a living session has unsaved changes of the project. ownFolder: the caller's journal,
-/// which does not count.
-bool IsBeingEdited(const QString& projectPath, const QString& ownFolder = {});
 
 } // namespace Recovery

@@ -178,13 +178,14 @@ StoredProject Version::StoredJournal() const
     if (!reader) {
         return {{}, [](int, const QString&) { return QImage(); }, m_path};
     }
-    const QByteArray text = reader->Text();
-    const QSize size = OutlineOf(text).layerSize;
+    const QSize size = OutlineOf(reader->Text()).layerSize;
     const auto load = [reader = *reader, size](int number, const QString& /*name*/) {
         // Damaged files may name two sizes.
         return reader.LayerSize() == size ? reader.Mask(number) : QImage();
     };
-    return {text, load, m_path};
+    StoredProject stored = reader->Stored();
+    stored.masks = load;
+    return stored;
 }
 
 QImage Version::Picture() const

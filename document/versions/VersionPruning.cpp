@@ -9,6 +9,7 @@
 #include <QDirIterator>
 #include <QFileInfo>
 
+#include <functional>
 #include <map>
 #include <utility>
 #include <vector>
@@ -86,6 +87,15 @@ struct Holdings
         }
     }
 
+    /// That would be free without the version.
+    qint64 BytesAlone(const QString& version)
+    {
+        const qint64 all = bytes;
+        Holdings without = *this;
+        without.Remove(version);
+        return all - without.bytes;
+    }
+
     static qint64 BytesOf(const File& file)
     {
         return file.ours > 0 && file.ours >= file.names ? file.bytes : 0;
@@ -105,14 +115,19 @@ void PruneBySize(const QStringList& projectFolders, qint64 maxBytes)
             oldestFirst.emplace(id, version);
         }
     }
-    for (const auto& [id, version] : oldestFirst) {
-        if (holdings.bytes <= maxBytes) {
-            break;
+    // One that is too large by itself must not take all others along.
+    const auto removeWhile = [&](const std::function<bool(const QString&)>& isTooMuch) {
+        for (const auto& each : oldestFirst) {
+            const QString& version = each.second;
+            if (isTooMuch(version) && QDir(version).removeRecursively()) {
+                holdings.Remove(version);
+            }
         }
-        if (QDir(version).removeRecursively()) {
-            holdings.Remove(version);
-        }
-    }
+    };
+    removeWhile([&](const QString& version) { return holdings.BytesAlone(version) > maxBytes; });
+    removeWhile([&](const QString& version) {
+        return holdings.bytes > maxBytes && QFileInfo::exists(version);
+    });
 }
 
 } // namespace

@@ -383,9 +383,13 @@ QString VersionStore::KeepDiscarded(const QString& path, const MoveJournal& move
         error = Write(Version::InfoText(VersionKind::Discarded, now, path),
                       unfinished + QLatin1Char('/') + VersionFiles::Info);
     }
-    if (!error && moveJournal(unfinished + QLatin1Char('/') + VersionFiles::Journal)) {
+    if (!error && !moveJournal(unfinished + QLatin1Char('/') + VersionFiles::Journal)) {
+        error = std::make_error_code(std::errc::io_error);
+    }
+    if (!error) {
         error = Rename(unfinished, folder + QLatin1Char('/') + VersionFolders::NewId(now));
-    } else {
+    }
+    if (error) {
         QDir(unfinished).removeRecursively();
         QDir().rmdir(folder);
         QDir().rmdir(m_folder);

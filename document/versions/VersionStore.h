@@ -47,8 +47,7 @@ public:
     /// A version shares the files with the project as long as the save puts new ones in their
     /// places; others are copied.
     Kept KeepBeforeSave(const QString& path, const QStringList& layers, const KnownFiles& known);
-    /// Moves a journal's folder to a path where there is nothing yet. False when there is none to
-    /// be moved, or when that fails; then the journal is where it was.
+    /// Moves a journal's folder to a path where there is nothing yet. False when that fails.
     using MoveJournal = std::function<bool(const QString& target)>;
     /// Keeps the journal of unsaved work. path: the project's; empty if it was never saved. Returns
     /// the problem, for the user; empty for none.

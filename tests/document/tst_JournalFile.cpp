@@ -85,7 +85,7 @@ private:
 
 QByteArray Session()
 {
-    return journal::ToBytes(JournalHeader{"/p/project.xml", "project", Size});
+    return journal::ToBytes(JournalHeader{"/p/project.xml", "/p", "project", Size});
 }
 
 QByteArray BlankBase(int layerId)
@@ -337,7 +337,7 @@ void tst_JournalFile::TellsWhetherTheProjectChanged()
     const QString document = File("p.xml");
     const QString bitmap = File("a.tga");
     WriteBytes(document, "<root/>");
-    JournalHeader header{document, "p", Size};
+    JournalHeader header{document, "", "p", Size};
     for (const QString& path : {document, bitmap}) {
         header.files.insert(path, KnownFiles::StampOf(path));
     }
@@ -535,7 +535,7 @@ void tst_JournalFile::WrongUseIsRefused()
     QFETCH(std::function<bool(JournalWriter&)>, use);
     JournalWriter writer;
     QVERIFY(!use(writer));
-    QVERIFY(writer.Begin({{}, "project", Size}));
+    QVERIFY(writer.Begin({{}, {}, "project", Size}));
     QVERIFY(writer.IsReady() && writer.AddBlankBase(1));
     QVERIFY(!use(writer));
     QVERIFY(!writer.Error().isEmpty() && !writer.IsReady());

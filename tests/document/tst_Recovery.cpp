@@ -94,7 +94,6 @@ private slots:
     void AMoveThatFailsLeavesTheJournal_data();
     void AMoveThatFailsLeavesTheJournal();
     void ASessionMovesItsOwnJournal();
-    void TellsWhichProjectsAreBeingEdited();
     void AProjectIsOpenInOneSession();
     void ALockIsGoneWithItsProcess();
     void ALockIsImpossibleWithoutAFolder();
@@ -359,26 +358,6 @@ void tst_Recovery::ASessionMovesItsOwnJournal()
     QVERIFY(session.Writer().Folder().isEmpty() && !session.Writer().IsReady());
     QVERIFY(!session.Writer().MoveTo(File("versions/b")));
     QVERIFY(session.Begin());
-}
-
-void tst_Recovery::TellsWhichProjectsAreBeingEdited()
-{
-    const QString project = File("p/project.xml");
-    WriteBytes(project, "<root/>");
-    QVERIFY(QFile::link(File("p"), File("link")));
-    QVERIFY(QFileInfo::exists(MakeDead(project)));
-    QVERIFY(!Recovery::IsBeingEdited(project));
-    JournalSession session(Size, project);
-    QVERIFY(RunSession(session));
-    QVERIFY(Recovery::IsBeingEdited(project));
-    QVERIFY(Recovery::IsBeingEdited(File("link/project.xml")));
-    QVERIFY(!Recovery::IsBeingEdited(project, session.Writer().Folder()));
-    QVERIFY(!Recovery::IsBeingEdited(File("p/other.xml")));
-    JournalSession unsaved(Size, QString());
-    QVERIFY(RunSession(unsaved));
-    QVERIFY(!Recovery::IsBeingEdited(QString()));
-    session.Writer().End();
-    QVERIFY(!Recovery::IsBeingEdited(project));
 }
 
 void tst_Recovery::AProjectIsOpenInOneSession()

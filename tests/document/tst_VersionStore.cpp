@@ -367,7 +367,7 @@ void tst_VersionStore::KeepsAJournal()
         WriteBytes(version.Folder() + "/journal/log", "damaged");
         QCOMPARE(version.Stored().text, QByteArray());
     }
-    QCOMPARE(Store().KeepDiscarded({}, [](const QString&) { return false; }), QString());
+    QVERIFY(!Store().KeepDiscarded({}, [](const QString&) { return false; }).isEmpty());
     QCOMPARE(Store().Versions().size(), 2);
 }
 

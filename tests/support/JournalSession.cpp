@@ -42,7 +42,7 @@ QByteArray StateOf(const JournalReader& reader)
     for (int row = 0; row < reader.LayerCount(); ++row) {
         masks.append(reader.Mask(row));
     }
-    return StateBytes({reader.ProjectPath(), reader.ProjectName(), reader.LayerSize()},
+    return StateBytes({reader.ProjectPath(), {}, reader.ProjectName(), reader.LayerSize()},
                       reader.Text(), masks);
 }
 
@@ -53,7 +53,7 @@ std::optional<QByteArray> RestoredState(const QString& folder)
 }
 
 JournalSession::JournalSession(QSize layerSize, const QString& path)
-    : m_header{path, QStringLiteral("highlands"), layerSize}
+    : m_header{path, {}, QStringLiteral("highlands"), layerSize}
 {
 }
 

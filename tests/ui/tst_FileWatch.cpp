@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
+#include <QToolButton>
 
 /// What the window tells when other programs change the files of the open project.
 class tst_FileWatch : public QObject
@@ -218,6 +219,8 @@ void tst_FileWatch::IsSilentAboutTheProgramsOwnFiles()
         types->setData(types->index(0, 0), QString(6000, 'x'), Qt::EditRole);
         const FileSizeLimit limit(5000);
         fixture.Trigger("actionQuickSave");
+        // The journal does not fit either, which is told first.
+        fixture.Child<NoticeBar>("barNotice")->Withdraw("unsafe");
     } else {
         folder = "copy/";
         QDir().mkpath(fixture.Path("copy"));
@@ -332,6 +335,8 @@ void tst_FileWatch::AReloadKeepsAViewedProjectReadOnly()
     WindowFixture fixture;
     const QString path = fixture.WriteProject();
     fixture.Restart(path);
+    // That the project is open for viewing.
+    QTest::mouseClick(fixture.Child<QToolButton>("btnNoticeClose"), Qt::LeftButton);
     WriteBytes(path, ReadBytes(path).replace("Deer", "Roe deer"));
     QTRY_VERIFY(OffersReload(fixture));
     QTest::mouseClick(fixture.Child<QPushButton>("btnNoticeReload"), Qt::LeftButton);

@@ -324,15 +324,15 @@ void tst_SessionNotices::TellsOfAnotherWindow()
     QCOMPARE(other->GetState(), SessionLock::State::Held);
 
     fixture.Load(path);
-    QCOMPARE(NoticeOf(fixture),
-             QString("'small' is open in another window, too. The one that saves last replaces "
-                     "what the other one saved."));
+    QTRY_COMPARE(NoticeOf(fixture),
+                 QString("'small' is open in another window, too. The one that saves last replaces "
+                         "what the other one saved."));
     other.reset();
     QTRY_COMPARE(NoticeOf(fixture), QString());
     // Now it is this window's.
     QCOMPARE(SessionLock(path).GetState(), SessionLock::State::Taken);
     fixture.Load(fixture.WriteProject("other"));
-    QCOMPARE(SessionLock(path).GetState(), SessionLock::State::Held);
+    QTRY_COMPARE(SessionLock(path).GetState(), SessionLock::State::Held);
 }
 
 void tst_SessionNotices::TellsThatWorkCannotBeKept()

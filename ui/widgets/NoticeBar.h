@@ -65,6 +65,6 @@ private:
     QHBoxLayout* m_buttons;
     QToolButton* m_close;
     QWidget* m_roomGiver = nullptr;
-    /// Of that widget, in pixels.
+    /// The minimum height that widget had, in pixels.
     int m_fullMinimum = 0;
 };
