@@ -19,7 +19,6 @@
 #include <QXmlStreamWriter>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <iterator>
@@ -62,12 +61,11 @@ std::error_code Copy(const QString& from, const QString& to)
 std::error_code Write(const QByteArray& bytes, const QString& to)
 {
     QFile file(to);
-    errno = 0;
-    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly) ||
-        file.write(bytes) != bytes.size() || !file.flush()) {
-        return {errno == 0 ? EIO : errno, std::generic_category()};
+    if (const std::error_code error = platform::OpenNew(file)) {
+        return error;
     }
-    return platform::Sync(file);
+    const bool isWritten = file.write(bytes) == bytes.size() && file.flush();
+    return isWritten ? platform::Sync(file) : platform::ErrorOf(file);
 }
 
 QByteArray ReadFile(const QString& path)
