@@ -81,6 +81,11 @@ void Journal::CatchUp()
     if (m_state != State::Writing || m_document.IsApplying()) {
         return;
     }
+    if (m_document.AreFilesBusy()) {
+        // A save may take long, and it replaces bitmaps that the journal may refer to.
+        Flush();
+        return;
+    }
     const Timing timing(*this);
     const auto waitForRoom = [this] {
         m_worker->WaitForRoom();

@@ -58,6 +58,7 @@ private slots:
     void AStrokeUnderWayIsNotKept();
     void TheStateBeforeAStrokeIsKept();
     void NothingIsReadDuringALoad();
+    void SavesMayReplaceBitmaps();
     void BitmapsMayGoAway();
     void ReplacedBitmapsAreNoBase();
     void EndsWithTheReason_data();
@@ -495,6 +496,15 @@ void tst_Journal::NothingIsReadDuringALoad()
     m_document->SetFilesBusy(false);
     QTRY_VERIFY(IsAnythingWritten());
     VERIFY_KEPT();
+}
+
+/// A kill between the last bitmap's replacement and the end of the journal must lose nothing.
+void tst_Journal::SavesMayReplaceBitmaps()
+{
+    Fill(*LayerAt(0), {0, 0, 5, 5}, 1);
+    m_document->SetFilesBusy(true);
+    QVERIFY(QDir(m_project->Path("layers")).removeRecursively());
+    QCOMPARE(Difference(m_journal->Folder()), QString());
 }
 
 void tst_Journal::BitmapsMayGoAway()
