@@ -311,9 +311,10 @@ void DialogCustomLayer::FinalizeLayerComputation(const QImage& image)
     } else if (m_layerToModify && isComputed) {
         // Without a result the layer stays what it was, name included.
         auto edit = Edits::ModifyLayer(*m_layerToModify, name, m_runningCode, image);
-        isComputed = edit != nullptr;
-        if (isComputed) {
+        if (edit) {
             m_document.Do(std::move(edit));
+        } else {
+            isComputed = false;
         }
     }
     accept();
