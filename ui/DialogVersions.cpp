@@ -46,7 +46,8 @@ QString NameText(const Version& version)
 QString Description(const Version& version)
 {
     const QString time = TimeText(version, QStringLiteral("HH:mm"));
-    const QRegularExpression suffix(QStringLiteral("\\.tga$"));
+    QStringList bitmaps = version.Bitmaps();
+    bitmaps.replaceInStrings(QRegularExpression(QStringLiteral("\\.tga$")), QString());
     switch (version.Kind()) {
     case VersionKind::Saved:
         return DialogVersions::tr("The project on disk until the save at %1.").arg(time);
@@ -54,7 +55,7 @@ QString Description(const Version& version)
         return DialogVersions::tr("Unsaved work that was discarded at %1.").arg(time);
     case VersionKind::Replaced:
         return DialogVersions::tr("Bitmaps that a save replaced at %1: %2.")
-            .arg(time, NameList(version.Bitmaps().replaceInStrings(suffix, {})));
+            .arg(time, NameList(bitmaps));
     }
     Q_UNREACHABLE();
 }
@@ -93,14 +94,16 @@ DialogVersions::~DialogVersions() = default;
 void DialogVersions::AddRow(const Version& version)
 {
     auto* size = new QStandardItem(QLocale::c().formattedDataSize(version.Bytes(), 1));
-    size->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    // The rows of this list are no part of the project.
+    size->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter); // NOLINT
     const QList<QStandardItem*> row{
         new QStandardItem(TimeText(version, QStringLiteral("yyyy-MM-dd HH:mm:ss"))),
         new QStandardItem(KindText(version.Kind())), size, new QStandardItem(NameText(version))};
     for (QStandardItem* item : row) {
-        item->setEditable(false);
+        item->setEditable(false); // NOLINT
         // A path may look like markup.
-        item->setToolTip(QStringLiteral("<span>%1</span>").arg(version.Path().toHtmlEscaped()));
+        const QString tip = QStringLiteral("<span>%1</span>").arg(version.Path().toHtmlEscaped());
+        item->setToolTip(tip); // NOLINT
     }
     static_cast<QStandardItemModel*>(m_ui->viewVersions->model())->appendRow(row);
 }

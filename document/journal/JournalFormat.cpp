@@ -50,7 +50,7 @@ public:
     /// The next bytes; none, and no longer whole, when there are fewer.
     QByteArray Take(qint64 count)
     {
-        const QByteArray taken = device()->read(count);
+        QByteArray taken = device()->read(count);
         if (taken.size() != count) {
             setStatus(QDataStream::ReadPastEnd);
         }

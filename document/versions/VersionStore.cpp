@@ -152,8 +152,9 @@ QVector<OtherProject> ProjectsWith(const QStringList& layers, const QString& fol
     // Somebody's folder may hold any number of other files.
     constexpr int maxDocuments = 100;
     QVector<OtherProject> projects;
-    const QStringList names = QDir(folder).entryList({QStringLiteral("*.xml")}, QDir::Files);
-    for (const QString& name : names.mid(0, maxDocuments)) {
+    const QStringList names =
+        QDir(folder).entryList({QStringLiteral("*.xml")}, QDir::Files).mid(0, maxDocuments);
+    for (const QString& name : names) {
         OtherProject other{QDir(folder).filePath(name), {}, {}};
         if (FollowedPath(other.path) == FollowedPath(exceptPath)) {
             continue;
