@@ -47,9 +47,11 @@ std::error_code OpenNew(QFile& file)
     return error ? error : ErrorOf(file);
 }
 
-std::error_code ErrorOf(const QFileDevice& /*file*/)
+std::error_code ErrorOf(const QFileDevice& file)
 {
-    return std::make_error_code(std::errc::io_error);
+    // Qt has a code of its own for a full disk only.
+    const bool isFull = file.error() == QFileDevice::ResourceError;
+    return std::make_error_code(isFull ? std::errc::no_space_on_device : std::errc::io_error);
 }
 
 std::error_code OpenUnnamed(QFile& /*file*/, const QString& /*folder*/)
