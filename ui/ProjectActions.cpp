@@ -421,6 +421,8 @@ bool ProjectActions::QuickSave()
 
 bool ProjectActions::SaveTo(const QString& path)
 {
+    // Half a stroke in the files would belong to no state of the history.
+    m_parts.scene.LoseMouse();
     const Busy saving(*this, Work::Saving);
     const Layer* current = m_parts.document.CurrentLayer();
     ProjectParts parts{current ? current->row() : -1,

@@ -166,7 +166,9 @@ QString RandomUser::LostBySaving()
 
 void RandomUser::NoteLoad()
 {
-    if (window->GetDocument().History().count() == 0) {
+    Document& document = window->GetDocument();
+    // Of a stroke under way there is no step yet.
+    if (document.History().count() == 0 && !document.IsHandBusy()) {
         m_loaded = SavedBytes();
     }
 }

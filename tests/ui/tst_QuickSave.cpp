@@ -16,6 +16,7 @@ class tst_QuickSave : public QObject
 private slots:
     void WritesTheProjectsOwnFileWithoutADialog();
     void FollowsASaveElsewhere();
+    void EndsTheStrokeUnderWay();
     void AsksWhereNoFileHoldsTheProject_data();
     void AsksWhereNoFileHoldsTheProject();
     void IsDisabledWithoutAProject();
@@ -63,6 +64,32 @@ void tst_QuickSave::FollowsASaveElsewhere()
 
     QVERIFY(ReadBytes(fixture.Path("other.xml")).contains("green"));
     QCOMPARE(ReadBytes(path), before);
+}
+
+void tst_QuickSave::EndsTheStrokeUnderWay()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    fixture.Trigger("actionTogglePaintMode");
+    const Document& document = fixture.window->GetDocument();
+    QWidget* map = fixture.View().viewport();
+    const QPoint place = fixture.View().mapFromScene(40, 40);
+    QTest::mouseMove(map, place);
+    QTest::mousePress(map, Qt::LeftButton, {}, place);
+    QVERIFY(document.IsHandBusy());
+
+    fixture.Trigger("actionQuickSave");
+    QTest::mouseRelease(map, Qt::LeftButton, {}, place);
+
+    QVERIFY(!document.IsHandBusy());
+    QVERIFY(!fixture.IsModified());
+    const WindowFixture::SavedFiles saved = fixture.SavedBytes();
+    QCOMPARE(ReadBytes(fixture.Path("small/layers/blue.tga")), saved["layers/blue.tga"]);
+    fixture.Trigger("actionUndo");
+    QVERIFY(fixture.IsModified());
+    QVERIFY(fixture.SavedBytes()["layers/blue.tga"] != saved["layers/blue.tga"]);
+    fixture.Trigger("actionRedo");
+    QVERIFY(!fixture.IsModified());
 }
 
 void tst_QuickSave::AsksWhereNoFileHoldsTheProject_data()
