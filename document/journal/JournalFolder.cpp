@@ -37,15 +37,16 @@ bool IsLock(const QString& folder, const QString& path)
 
 void RemoveLock(const QString& folder, std::shared_ptr<void> lock)
 {
-    QFile::remove(LockPath(folder));
+    // The file that is locked goes last: a folder without it is not looked at any more. Where a
+    // lock is a file of its own, it is there still when the folder was moved.
     lock.reset();
-    // Where a lock is a file of its own, it is there still when the folder was moved.
     const QStringList paths = JournalFiles(folder);
     for (const QString& path : paths) {
-        if (IsLock(folder, path)) {
+        if (IsLock(folder, path) && path != LockPath(folder)) {
             QFile::remove(path);
         }
     }
+    QFile::remove(LockPath(folder));
 }
 
 std::error_code CopyFile(const QString& from, const QString& folder)

@@ -337,10 +337,10 @@ void tst_Recovery::AMoveThatFailsLeavesTheJournal()
         QVERIFY(!Recovery::MoveTo(dead, target));
         QMap<QString, QByteArray> after = FilesBelow(m_folder->path());
         if (before.isEmpty()) {
-            QCOMPARE(after.keys(), QStringList{"key/"});
-        } else {
-            QCOMPARE(after, before);
+            // The folder above the target may have been made.
+            after.remove("key/");
         }
+        QCOMPARE(after, before);
     }
     QCOMPARE(*RestoredState(dead) == state, true);
     QCOMPARE(Recovery::DeadJournals(), QStringList{dead});
