@@ -147,6 +147,7 @@ void tst_KilledSaves::FilesOfOneRunBelongTogether()
     MakeProject(folder.path());
     const QVector<Files> states = {FilesBelow(folder.path()), first, second};
     Random random;
+    const QStringList allNames = first.keys();
     int interrupted = 0;
     for (int i = 0; i < kills || (interrupted == 0 && i < 10 * kills); ++i) {
         // The program ends at once if it cannot load the files of the run before.
@@ -155,13 +156,13 @@ void tst_KilledSaves::FilesOfOneRunBelongTogether()
         const Files left = FilesBelow(folder.path());
         const QStringList names = left.keys();
         interrupted += names.filter(".quillmap-").isEmpty() ? 0 : 1;
-        for (const QString& name : first.keys()) {
+        for (const QString& name : allNames) {
             QVERIFY2(IsOfOneState(left, {name}, states), qPrintable(name));
         }
         for (const Part& part : parts) {
             // This file may be missing at first.
             RunTool({"info", "--quiet", folder.filePath(part.read)});
-            const QStringList written = first.keys().filter(
+            const QStringList written = allNames.filter(
                 QRegularExpression(QStringLiteral("^(%1)[^/]*$").arg(part.folders.join('|'))));
             QVERIFY(written.size() > 1 || part.read.startsWith("map/"));
             QVERIFY2(IsOfOneState(FilesBelow(folder.path()), written, states),

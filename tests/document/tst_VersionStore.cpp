@@ -205,8 +205,9 @@ void tst_VersionStore::SharesOnlyWhatIsReplaced()
     QFETCH(QStringList, saved);
     QFETCH(QStringList, shared);
     WriteProject();
+    const QStringList layers{"red", "blue"};
     QVERIFY(QFile::setPermissions(Path(""), QFile::Permissions(0x7777)));
-    for (const QString& layer : QStringList{"red", "blue"}) {
+    for (const QString& layer : layers) {
         QVERIFY(QFile::setPermissions(Path("project/layers/" + layer + ".tga"),
                                       QFile::Permissions(0x6666)));
     }
@@ -216,7 +217,7 @@ void tst_VersionStore::SharesOnlyWhatIsReplaced()
         QCOMPARE(kept.problem, QString());
     }
     QCOMPARE(MapVersions().size(), 1);
-    for (const QString& layer : QStringList{"red", "blue"}) {
+    for (const QString& layer : layers) {
         const QString kept = MapVersions().constFirst().Folder() + "/layers/" + layer + ".tga";
         const QString path = Path("project/layers/" + layer + ".tga");
         QCOMPARE(ReadBytes(kept), ReadBytes(path));
@@ -237,11 +238,12 @@ void tst_VersionStore::KeepsNothingThatIsKept()
     Put("project/layers/blue.tga", Bitmap('3'));
     Store().KeepBeforeSave(path, {"red", "blue"}, OwnProject());
     QCOMPARE(MapVersions().size(), 2);
-    QCOMPARE(Rows(MapVersions()[0], "blue"), Column('3'));
-    QCOMPARE(Rows(MapVersions()[1], "blue"), Column('1'));
+    QCOMPARE(Rows(MapVersions().at(0), "blue"), Column('3'));
+    QCOMPARE(Rows(MapVersions().at(1), "blue"), Column('1'));
 #ifndef QUILLMAP_PORTABLE
     const QString red = "/layers/red.tga";
-    QCOMPARE(IsOneFile(MapVersions()[0].Folder() + red, MapVersions()[1].Folder() + red), true);
+    QCOMPARE(IsOneFile(MapVersions().at(0).Folder() + red, MapVersions().at(1).Folder() + red),
+             true);
 #endif
 
     // A layer less is another state.
@@ -532,7 +534,7 @@ void tst_VersionStore::LimitsAreTheUsers()
         store.Prune();
     }
     QCOMPARE(MapVersions().size(), 2);
-    QCOMPARE(Rows(MapVersions()[1], "red"), Column('2'));
+    QCOMPARE(Rows(MapVersions().at(1), "red"), Column('2'));
 
     VersionStore off(Path("off"), {20, 30, 0});
     const auto kept = off.KeepBeforeSave(Path("project/map.xml"), {"red"}, {});
@@ -633,7 +635,8 @@ void tst_VersionStore::NoNameLeadsOutOfAVersion()
     QVERIFY(QFile::remove(version.Folder() + "/layers/red.tga"));
     QVERIFY(QFile::link(Path("secret.tga"), version.Folder() + "/layers/red.tga"));
     WriteBytes(version.Folder() + "/layers/blue.tga", "no bitmap");
-    for (const QString& name : QStringList{"red", "blue", "../../secret", "..", "", "nothing"}) {
+    const QStringList names{"red", "blue", "../../secret", "..", "", "nothing"};
+    for (const QString& name : names) {
         QVERIFY(version.Stored().masks(0, name).isNull());
     }
     QVERIFY(QDir(version.Folder()).rename("layers", "../layers"));

@@ -61,7 +61,8 @@ private:
     static QStringList LayerNames(const WindowFixture& fixture)
     {
         QStringList names;
-        for (const Layer* layer : Layers(fixture).Layers()) {
+        const QVector<Layer*> layers = Layers(fixture).Layers();
+        for (const Layer* layer : layers) {
             names.append(layer->text());
         }
         return names;
@@ -208,8 +209,8 @@ void tst_DialogVersions::BringsBackAReplacedBitmap()
         Answer(fixture, [&name](DialogVersions& dialog) {
             QTreeView& view = View(dialog);
             int row = 0;
-            while (RowTexts(*view.model(), row)[1] != "replaced" ||
-                   RowTexts(*view.model(), row)[3] != name) {
+            while (RowTexts(*view.model(), row).at(1) != "replaced" ||
+                   RowTexts(*view.model(), row).at(3) != name) {
                 QVERIFY(++row < view.model()->rowCount());
             }
             view.setCurrentIndex(view.model()->index(row, 0));
@@ -258,7 +259,7 @@ void tst_DialogVersions::ListsThePresentProjectFirst()
         QStringList names;
         Answer(fixture, [&names](DialogVersions& dialog) {
             for (int row = 0; row < View(dialog).model()->rowCount(); ++row) {
-                names.append(RowTexts(*View(dialog).model(), row)[3]);
+                names.append(RowTexts(*View(dialog).model(), row).at(3));
             }
         });
         return names;
@@ -421,7 +422,7 @@ void tst_DialogVersions::KeepsTheJournalOfWhatIsDiscarded()
     QCOMPARE(versions.constFirst().Kind(), VersionKind::Discarded);
     fixture.SetModified(false);
     Answer(fixture, [](DialogVersions& dialog) {
-        QCOMPARE(RowTexts(*View(dialog).model(), 0)[1], QString("discarded"));
+        QCOMPARE(RowTexts(*View(dialog).model(), 0).at(1), QString("discarded"));
         QVERIFY(!dialog.findChild<QPushButton*>("btnCopyFiles")->isEnabled());
         QTest::mouseClick(dialog.findChild<QPushButton*>("btnOpenCopy"), Qt::LeftButton);
     });

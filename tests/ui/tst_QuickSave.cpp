@@ -87,7 +87,7 @@ void tst_QuickSave::EndsTheStrokeUnderWay()
     QCOMPARE(ReadBytes(fixture.Path("small/layers/blue.tga")), saved["layers/blue.tga"]);
     fixture.Trigger("actionUndo");
     QVERIFY(fixture.IsModified());
-    QVERIFY(fixture.SavedBytes()["layers/blue.tga"] != saved["layers/blue.tga"]);
+    QVERIFY(fixture.SavedBytes().value("layers/blue.tga") != saved["layers/blue.tga"]);
     fixture.Trigger("actionRedo");
     QVERIFY(!fixture.IsModified());
 }

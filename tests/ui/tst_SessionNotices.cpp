@@ -45,8 +45,9 @@ void RenameFirstLayer(const WindowFixture& fixture, const QString& name)
 QStringList Journals()
 {
     const QDir folder(Recovery::Folder());
+    const QStringList names = folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot);
     QStringList journals;
-    for (const QString& name : folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+    for (const QString& name : names) {
         journals.append(folder.filePath(name));
     }
     return journals;
@@ -55,7 +56,8 @@ QStringList Journals()
 void CopyFolder(const QString& from, const QString& to)
 {
     QVERIFY(QDir().mkpath(to));
-    for (const QString& name : QDir(from).entryList(QDir::Files)) {
+    const QStringList names = QDir(from).entryList(QDir::Files);
+    for (const QString& name : names) {
         QVERIFY(QFile::copy(from + '/' + name, to + '/' + name));
     }
 }
@@ -137,11 +139,9 @@ void tst_SessionNotices::RestoresWhatADeadSessionLeft()
 
     fixture.Restart();
     QTRY_VERIFY(!NoticeOf(fixture).isEmpty());
-    QVERIFY2(
-        QRegularExpression("^Unsaved work on 'small', last change \\d\\d:\\d\\d, was found\\.$")
-            .match(NoticeOf(fixture))
-            .hasMatch(),
-        qPrintable(NoticeOf(fixture)));
+    static const QRegularExpression expected(
+        "^Unsaved work on 'small', last change \\d\\d:\\d\\d, was found\\.$");
+    QVERIFY2(expected.match(NoticeOf(fixture)).hasMatch(), qPrintable(NoticeOf(fixture)));
     Click(fixture, "btnNoticeRestore");
 
     QVERIFY(fixture.SavedBytes() == saved);
