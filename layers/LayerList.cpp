@@ -266,7 +266,7 @@ QStringList LayerList::NamesForSaving() const
     return names;
 }
 
-void LayerList::RenameForSaving()
+void LayerList::RenameForSaving(const std::function<void(Layer&, const QString&)>& rename)
 {
     const QVector<Layer*> layers = Layers();
     const QStringList names = NamesForSaving();
@@ -274,7 +274,7 @@ void LayerList::RenameForSaving()
     for (int i = 0; i < layers.size(); ++i) {
         const QString oldName = layers[i]->text();
         if (names[i] != oldName) {
-            layers[i]->setText(names[i]);
+            rename(*layers[i], names[i]);
             messages.append(
                 QStringLiteral(
                     "Layer '%1' cannot be saved under this name, it was renamed to '%2'.")
@@ -325,7 +325,7 @@ std::vector<LayerRecord> LayerList::Records() const
 
 int LayerList::WriteXml(QXmlStreamWriter& xml)
 {
-    RenameForSaving();
+    RenameForSaving([](Layer& layer, const QString& name) { layer.setText(name); });
     if (IsEmpty()) {
         return 0;
     }

@@ -83,11 +83,13 @@ public:
     /// The names that a save gives to the layers and to their bitmaps, in row order: layers whose
     /// bitmaps would overwrite one another or lie outside of the folder get new ones.
     QStringList NamesForSaving() const;
+    /// Calls rename(layer, name) for each layer that a save gives another name, with a logged
+    /// error.
+    void RenameForSaving(const std::function<void(Layer&, const QString&)>& rename);
     /// The names of the layers that were left out since the list was cleared.
     const QStringList& LeftOut() const { return m_leftOut; }
     /// Writes the "layers" element and every layer's bitmap. Writes nothing for an empty list.
-    /// Layers first get the names of NamesForSaving, each with a logged error. Returns how many
-    /// bitmaps could not be written.
+    /// Layers first get the names of NamesForSaving. Returns how many bitmaps could not be written.
     int WriteXml(QXmlStreamWriter& xml);
 
     /// Writes the binary area map of all layers, visible or not. Logs its progress and its result,
@@ -107,7 +109,6 @@ private slots:
 
 private:
     bool Insert(int row, Layer* layer);
-    void RenameForSaving();
 
     RowModel* m_model;
     QStringList m_leftOut;

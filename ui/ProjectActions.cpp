@@ -430,6 +430,10 @@ bool ProjectActions::SaveTo(const QString& path)
                        [this] {
                            m_parts.window.SetTitle(Settings().Name());
                            LogInfo(QStringLiteral("Saving project '%1'...").arg(Settings().Name()));
+                           m_parts.document.Layers().RenameForSaving(
+                               [this](Layer& layer, const QString& name) {
+                                   m_parts.document.Do(Edits::Rename(layer, name));
+                               });
                        },
                        m_parts.document.Layers(), m_parts.document.Types()};
     VersionStore versions;

@@ -2,9 +2,12 @@
 
 #include "app/ProjectDocument.h"
 #include "document/Document.h"
+#include "layers/Layer.h"
+#include "layers/LayerList.h"
 #include "layers/Targa.h"
 #include "layers/raster/Mask.h"
 #include "tests/support/Files.h"
+#include "tests/support/Models.h"
 
 #include <QFile>
 #include <QSettings>
@@ -118,16 +121,24 @@ WindowFixture::SavedFiles WindowFixture::SavedBytes() const
     const QString folder = Path(QStringLiteral("elsewhere"));
     QDir(folder).removeRecursively();
     QDir().mkpath(folder);
-    // A save takes the picture along.
-    const QString picture =
-        settings.BackgroundFile().isEmpty() ? QString() : settings.BackgroundPath();
+    // A save takes the picture along. A path through a folder that does not exist leads nowhere as
+    // it is.
+    const QString picture = settings.BackgroundFile().isEmpty()
+                                ? QString()
+                                : QDir::cleanPath(settings.BackgroundPath());
     const QString pictureName = QFileInfo(picture).fileName();
     ProjectSettings::Instance().SetBackgroundFile(pictureName);
     ProjectSettings::Instance().SetDir(QDir(folder));
     QByteArray text;
     QXmlStreamWriter xml(&text);
     xml.setAutoFormatting(true);
+    const QVector<Layer*> layers = document.Layers().Layers();
+    const QStringList names = RowTexts(*document.Layers().model());
     WriteProjectDocument(xml, {-1, {}, [] {}, document.Layers(), document.Types()});
+    // Layers may have got other names for saving.
+    for (int i = 0; i < layers.size(); ++i) {
+        layers[i]->setText(names[i]);
+    }
     if (shown) {
         shown->SetVisible(wasVisible);
     }

@@ -2,6 +2,7 @@
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "tests/support/Files.h"
+#include "tests/support/Models.h"
 #include "tests/support/WindowFixture.h"
 
 #include <QFileDialog>
@@ -17,6 +18,7 @@ private slots:
     void WritesTheProjectsOwnFileWithoutADialog();
     void FollowsASaveElsewhere();
     void EndsTheStrokeUnderWay();
+    void UndoesTheNamesThatASaveGives();
     void AsksWhereNoFileHoldsTheProject_data();
     void AsksWhereNoFileHoldsTheProject();
     void IsDisabledWithoutAProject();
@@ -90,6 +92,24 @@ void tst_QuickSave::EndsTheStrokeUnderWay()
     QVERIFY(fixture.SavedBytes().value("layers/blue.tga") != saved["layers/blue.tga"]);
     fixture.Trigger("actionRedo");
     QVERIFY(!fixture.IsModified());
+}
+
+void tst_QuickSave::UndoesTheNamesThatASaveGives()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    const LayerList& layers = fixture.window->GetDocument().Layers();
+    RenameFirstLayer(fixture, "blue");
+    QCOMPARE(RowTexts(*layers.model()), (QStringList{"blue", "blue"}));
+
+    fixture.Trigger("actionQuickSave");
+    QCOMPARE(RowTexts(*layers.model()), (QStringList{"blue", "blue (2)"}));
+    QVERIFY(!fixture.IsModified());
+
+    fixture.Trigger("actionUndo");
+    fixture.Trigger("actionUndo");
+    QCOMPARE(RowTexts(*layers.model()), (QStringList{"red", "blue"}));
+    QVERIFY(fixture.IsModified());
 }
 
 void tst_QuickSave::AsksWhereNoFileHoldsTheProject_data()
