@@ -382,6 +382,7 @@ void RandomUser::ProjectAction()
     Trigger(action.data());
     if (action.startsWith(QLatin1String("actionSave")) &&
         window->GetDocument().History().isClean()) {
+        LetGo();
         m_saved = SavedBytes();
     }
 }

@@ -72,6 +72,8 @@ private:
     void PressDelete();
     void ClickHistory();
 
+    /// Releases the buttons and keys that are held.
+    void LetGo();
     /// Remembers what was loaded, once the history begins anew.
     void NoteLoad();
     void Mouse(QEvent::Type type, QPoint position, Qt::MouseButton button,

@@ -1,5 +1,6 @@
 #include "tests/support/RandomUser.h"
 
+#include "canvas/HeldKeys.h"
 #include "document/Document.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
@@ -139,7 +140,7 @@ QString RandomUser::LostBySaving()
         return FilesBelow(Path(folder));
     };
     // The load would ask because of a stroke that is under way.
-    Scene().LoseMouse();
+    LetGo();
     const QMap<QString, QByteArray> saved = save(QStringLiteral("once"));
     SetModified(false);
     answers.AddFile(Path(QStringLiteral("once/saved.xml")));
@@ -164,18 +165,26 @@ QString RandomUser::LostBySaving()
     return {};
 }
 
+/// Zones move on while arrow keys are held, also while a state is looked at.
+void RandomUser::LetGo()
+{
+    Scene().LoseMouse();
+    HeldKeys::Instance().ReleaseAll();
+}
+
 void RandomUser::NoteLoad()
 {
     Document& document = window->GetDocument();
     // Of a stroke under way there is no step yet.
     if (document.History().count() == 0 && !document.IsHandBusy()) {
+        HeldKeys::Instance().ReleaseAll();
         m_loaded = SavedBytes();
     }
 }
 
 QString RandomUser::LostByUndoing()
 {
-    Scene().LoseMouse();
+    LetGo();
     const QUndoStack& history = window->GetDocument().History();
     NoteLoad();
     const SavedFiles present = SavedBytes();
