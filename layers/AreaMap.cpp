@@ -27,20 +27,15 @@ bool WriteInt(OutputFile& file, qint32 value)
     return file.Write(reinterpret_cast<const char*>(&bytes), sizeof bytes);
 }
 
-int BitCount(int flagTypeCount)
-{
-    return static_cast<int>(raster::NextPowerOfTwo(static_cast<quint32>(flagTypeCount)));
-}
-
 BitFieldRaster SectionRaster(int flagTypeCount)
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    return {BitCount(flagTypeCount), settings.LayerWidth(), settings.LayerHeight()};
+    return {raster::FieldBits(flagTypeCount), settings.LayerWidth(), settings.LayerHeight()};
 }
 
 bool WriteSection(OutputFile& file, int flagTypeCount, BitFieldRaster& fields)
 {
-    if (!WriteInt(file, BitCount(flagTypeCount))) {
+    if (!WriteInt(file, raster::FieldBits(flagTypeCount))) {
         return false;
     }
     const qint64 wordCount = fields.WordCount();

@@ -27,11 +27,6 @@ void AddWords(BitFieldRaster& fields, const BitFieldRaster& more)
 
 } // namespace
 
-int MapBits(int flagTypeCount)
-{
-    return static_cast<int>(raster::NextPowerOfTwo(static_cast<quint32>(flagTypeCount)));
-}
-
 int FieldBands::BandCount() const
 {
     const bool hasFields = m_usageBits != 0 || m_valueBits != 0;
@@ -79,8 +74,8 @@ bool ProjectFields::Open(const ProjectData& project, CutOffBitmaps cutOff)
                         .arg(AreaFlagTypes::MaxCount));
         return false;
     }
-    m_usageBits = MapBits(project.flagTypes.usages.size());
-    m_valueBits = MapBits(project.flagTypes.values.size());
+    m_usageBits = raster::FieldBits(project.flagTypes.usages.size());
+    m_valueBits = raster::FieldBits(project.flagTypes.values.size());
     return AddBitmaps(project, cutOff);
 }
 

@@ -12,9 +12,6 @@
 #include <optional>
 #include <vector>
 
-/// The bits of each field in a map section with so many flag types.
-int MapBits(int flagTypeCount);
-
 /// The fields of some rows of an area map, with words in the machine's order.
 struct FieldBand
 {
