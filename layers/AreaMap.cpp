@@ -62,12 +62,7 @@ bool WriteMap(OutputFile& file, const LayerList& layers)
     if (!usages.IsValid() || !values.IsValid()) {
         return false;
     }
-    QVector<raster::FlaggedMask> masks;
-    const QVector<Layer*> all = layers.Layers();
-    for (const Layer* layer : all) {
-        masks.append({layer->Image(), layer->UsageFlags(), layer->ValueFlags()});
-    }
-    raster::ComposeFields(masks, usages, values);
+    raster::ComposeFields(FlaggedMasks(layers), usages, values);
     return WriteSection(file, usageCount, usages) && WriteSection(file, valueCount, values);
 }
 
@@ -202,6 +197,17 @@ void ImportSection(LayerList& layers, QIODevice& device, FlagKind kind,
 }
 
 } // namespace
+
+QVector<raster::FlaggedMask> FlaggedMasks(const LayerList& layers)
+{
+    QVector<raster::FlaggedMask> masks;
+    const QVector<Layer*> all = layers.Layers();
+    masks.reserve(all.size());
+    for (const Layer* layer : all) {
+        masks.append({layer->Image(), layer->UsageFlags(), layer->ValueFlags()});
+    }
+    return masks;
+}
 
 bool SaveAreaMap(const LayerList& layers, const QString& path)
 {

@@ -91,7 +91,7 @@ QVector<Report> FlagReports(const FieldCounts* counts, int bits, const QVector<Q
             continue;
         }
         Report report;
-        report.Add(QStringLiteral("name"), names.value(bit, QStringLiteral("bit %1").arg(bit)));
+        report.Add(QStringLiteral("name"), AreaFlagTypes::BitName(bit, names));
         if (bit < names.size()) {
             report.Add(QStringLiteral("bit"), bit);
         }
@@ -128,13 +128,7 @@ Report TerritoriesReport(const QVector<TerritoryData>& territories)
 
 QJsonArray FlagNames(quint32 flags, const QVector<QString>& names)
 {
-    QJsonArray array;
-    for (int bit = 0; bit < AreaFlagTypes::MaxCount; ++bit) {
-        if ((flags >> bit & 1U) != 0) {
-            array.append(names.value(bit, QStringLiteral("bit %1").arg(bit)));
-        }
-    }
-    return array;
+    return QJsonArray::fromStringList(AreaFlagTypes::BitNames(flags, names));
 }
 
 /// Entries of layers whose bitmap cannot be read have no counts. fields is null if not all bitmaps
