@@ -1,5 +1,7 @@
 #include "layers/MapProbe.h"
 
+#include "layers/raster/Mask.h"
+
 #include <algorithm>
 
 MapProbe::MapProbe(QSize layerSize, QSize worldSize, int usageBits, int valueBits)
@@ -42,32 +44,44 @@ std::optional<QPoint> MapProbe::PixelAt(double sceneX, double sceneY) const
                   std::min(static_cast<int>(sceneY), m_layerSize.height() - 1));
 }
 
-LayersHere MapProbe::Layers(const QVector<raster::FlaggedMask>& masks, const MapPlace& place,
-                            int firstRow) const
+LayersHere MapProbe::Layers(const QVector<raster::FlaggedMask>& masks, const MapPlace& place) const
 {
-    LayersHere here;
-    if (!place.pixel) {
-        return here;
-    }
-    const int x = place.pixel->x();
-    const int y = place.pixel->y() - firstRow;
-    quint32 usageFlags = 0;
-    quint32 valueFlags = 0;
+    LayersHere here = NoLayers(place);
     for (int row = 0; row < masks.size(); ++row) {
-        const raster::FlaggedMask& flagged = masks.at(row);
-        const bool isThere = flagged.mask.depth() == 8 && flagged.mask.valid(x, y);
-        const int grey = isThere ? flagged.mask.constScanLine(y)[x] : 0;
-        if (grey != 0) {
-            here.layers.push_back({row, grey});
-            usageFlags |= flagged.usageFlags;
-            valueFlags |= flagged.valueFlags;
-        }
-    }
-    if (m_usages.Holds(x)) {
-        here.usage = m_usages.Kept(usageFlags);
-    }
-    if (m_values.Holds(x)) {
-        here.value = m_values.Kept(valueFlags);
+        AddLayer(row, masks.at(row), 0, place, here);
     }
     return here;
+}
+
+LayersHere MapProbe::NoLayers(const MapPlace& place) const
+{
+    LayersHere here;
+    if (place.pixel && m_usages.Holds(place.pixel->x())) {
+        here.usage = 0;
+    }
+    if (place.pixel && m_values.Holds(place.pixel->x())) {
+        here.value = 0;
+    }
+    return here;
+}
+
+void MapProbe::AddLayer(int row, const raster::FlaggedMask& flagged, int firstRow,
+                        const MapPlace& place, LayersHere& here) const
+{
+    const QPoint pixel = place.pixel.value_or(QPoint(-1, -1)) - QPoint(0, firstRow);
+    const QImage& mask = flagged.mask;
+    if (mask.depth() != 8 || !mask.valid(pixel)) {
+        return;
+    }
+    const int grey = mask.constScanLine(pixel.y())[pixel.x()];
+    if (grey == raster::MaskClear) {
+        return;
+    }
+    here.layers.push_back({row, grey});
+    if (here.usage) {
+        *here.usage |= m_usages.Kept(flagged.usageFlags);
+    }
+    if (here.value) {
+        *here.value |= m_values.Kept(flagged.valueFlags);
+    }
 }

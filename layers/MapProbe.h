@@ -62,10 +62,14 @@ public:
     /// Scene units, i.e. layer pixels with fractions, y downward.
     MapPlace AtScene(QPointF place) const;
 
-    /// What the masks, with row firstRow of the map as their topmost, give the place. Pixels
-    /// outside a mask are clear. Masks that have no 8 bits a pixel are passed over.
-    LayersHere Layers(const QVector<raster::FlaggedMask>& masks, const MapPlace& place,
-                      int firstRow = 0) const;
+    /// What the masks give the place.
+    LayersHere Layers(const QVector<raster::FlaggedMask>& masks, const MapPlace& place) const;
+    /// The same one mask after the other: what no layer gives, and what the mask with this index
+    /// adds to it. firstRow: the row of the map that is the mask's topmost one. Pixels outside a
+    /// mask are clear. Without 8 bits a pixel it is no mask and adds nothing.
+    LayersHere NoLayers(const MapPlace& place) const;
+    void AddLayer(int row, const raster::FlaggedMask& flagged, int firstRow, const MapPlace& place,
+                  LayersHere& here) const;
 
 private:
     std::optional<QPoint> PixelAt(double sceneX, double sceneY) const;

@@ -179,10 +179,13 @@ void tst_MapProbe::EveryLayerThatIsSetIsThere()
 
 void tst_MapProbe::BandsOfMasksCountFromTheirFirstRow()
 {
-    const QVector<FlaggedMask> band = {{MaskFromArt({"..#."}), 1, 1}};
     const MapProbe probe = SmallProbe();
-    QCOMPARE(RowsOf(probe.Layers(band, probe.AtPixel({2, 2}), 2)), QVector<int>{0});
-    QCOMPARE(RowsOf(probe.Layers(band, probe.AtPixel({2, 1}), 2)), QVector<int>());
+    for (const int y : {0, 1, 2}) {
+        const MapPlace place = probe.AtPixel({2, y});
+        LayersHere here = probe.NoLayers(place);
+        probe.AddLayer(7, {MaskFromArt({"..#."}), 1, 1}, 2, place, here);
+        QCOMPARE(RowsOf(here), y == 2 ? QVector<int>{7} : QVector<int>());
+    }
 }
 
 void tst_MapProbe::NothingIsOutsideOfTheWorld()
