@@ -4,7 +4,7 @@ namespace raster {
 
 BitFieldRaster::BitFieldRaster(int bits, int width, int height)
     : m_layout(bits, width)
-    , m_height(IsFieldSize(bits) ? qMax(height, 0) : 0)
+    , m_height(m_layout.HasFields() ? qMax(height, 0) : 0)
 {
     if (WordCount() > 0) {
         m_words = PixelMemory::Zeroed(static_cast<std::size_t>(WordCount()) * sizeof(quint32));

@@ -29,12 +29,16 @@ public:
     /// width: the pixels of a row. Without a field size, and with a width of 0 or below, rows have
     /// no words.
     FieldLayout(int bits, int width)
-        : m_bits(IsFieldSize(bits) ? bits : 32)
-        , m_wordsPerRow(IsFieldSize(bits) ? qMax(width, 0) / (32 / bits) : 0)
+        : m_hasFields(IsFieldSize(bits))
+        , m_bits(m_hasFields ? bits : 32)
+        , m_wordsPerRow(m_hasFields ? qMax(width, 0) / (32 / bits) : 0)
     {
     }
 
-    /// 32 if there is no field size.
+    /// False without a field size, as in a section without types.
+    bool HasFields() const { return m_hasFields; }
+
+    /// 32 without a field size.
     int Bits() const { return m_bits; }
     int PixelsPerWord() const { return 32 / m_bits; }
     qint64 WordsPerRow() const { return m_wordsPerRow; }
@@ -54,6 +58,7 @@ public:
     quint32 Kept(quint32 flags) const { return flags & FieldMask(m_bits); }
 
 private:
+    bool m_hasFields;
     int m_bits;
     qint64 m_wordsPerRow;
 };
