@@ -7,6 +7,22 @@
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
+QString AreaFlagTypes::BitName(int bit, const QVector<QString>& names)
+{
+    return names.value(bit, QStringLiteral("bit %1").arg(bit));
+}
+
+QStringList AreaFlagTypes::BitNames(quint32 flags, const QVector<QString>& names)
+{
+    QStringList texts;
+    for (int bit = 0; bit < MaxCount; ++bit) {
+        if ((flags >> bit & 1U) != 0) {
+            texts.append(BitName(bit, names));
+        }
+    }
+    return texts;
+}
+
 bool AreaFlagTypes::ReadXml(QXmlStreamReader& xml)
 {
     ReadNames(xml, QLatin1String("areas"));

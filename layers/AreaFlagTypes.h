@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 class QXmlStreamReader;
@@ -21,6 +22,11 @@ public:
 
     /// False if there are more types of a kind than a map can hold.
     bool FitMap() const { return usages.size() <= MaxCount && values.size() <= MaxCount; }
+
+    /// What a bit is called: the name of its type, or such as "bit 5" if it has none.
+    static QString BitName(int bit, const QVector<QString>& names);
+    /// The same for all bits of the flags, the lowest first.
+    static QStringList BitNames(quint32 flags, const QVector<QString>& names);
 
     /// Reads the "areas" element; the reader must be on its start tag. Returns false if the reader
     /// has an error; the types before the error are kept.

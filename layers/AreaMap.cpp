@@ -27,20 +27,15 @@ bool WriteInt(OutputFile& file, qint32 value)
     return file.Write(reinterpret_cast<const char*>(&bytes), sizeof bytes);
 }
 
-int BitCount(int flagTypeCount)
-{
-    return static_cast<int>(raster::NextPowerOfTwo(static_cast<quint32>(flagTypeCount)));
-}
-
 BitFieldRaster SectionRaster(int flagTypeCount)
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    return {BitCount(flagTypeCount), settings.LayerWidth(), settings.LayerHeight()};
+    return {raster::FieldBits(flagTypeCount), settings.LayerWidth(), settings.LayerHeight()};
 }
 
 bool WriteSection(OutputFile& file, int flagTypeCount, BitFieldRaster& fields)
 {
-    if (!WriteInt(file, BitCount(flagTypeCount))) {
+    if (!WriteInt(file, raster::FieldBits(flagTypeCount))) {
         return false;
     }
     const qint64 wordCount = fields.WordCount();
@@ -67,12 +62,7 @@ bool WriteMap(OutputFile& file, const LayerList& layers)
     if (!usages.IsValid() || !values.IsValid()) {
         return false;
     }
-    QVector<raster::FlaggedMask> masks;
-    const QVector<Layer*> all = layers.Layers();
-    for (const Layer* layer : all) {
-        masks.append({layer->Image(), layer->UsageFlags(), layer->ValueFlags()});
-    }
-    raster::ComposeFields(masks, usages, values);
+    raster::ComposeFields(FlaggedMasks(layers), usages, values);
     return WriteSection(file, usageCount, usages) && WriteSection(file, valueCount, values);
 }
 
@@ -207,6 +197,17 @@ void ImportSection(LayerList& layers, QIODevice& device, FlagKind kind,
 }
 
 } // namespace
+
+QVector<raster::FlaggedMask> FlaggedMasks(const LayerList& layers)
+{
+    QVector<raster::FlaggedMask> masks;
+    const QVector<Layer*> all = layers.Layers();
+    masks.reserve(all.size());
+    for (const Layer* layer : all) {
+        masks.append({layer->Image(), layer->UsageFlags(), layer->ValueFlags()});
+    }
+    return masks;
+}
 
 bool SaveAreaMap(const LayerList& layers, const QString& path)
 {

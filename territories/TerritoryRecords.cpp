@@ -10,7 +10,7 @@ namespace {
 /// World metres as files hold them: six significant digits of a 32-bit number.
 QString MetresText(double metres)
 {
-    return QString::number(InSinglePrecision(metres), 'g', 6);
+    return QString::number(metres, 'g', 6);
 }
 
 } // namespace
@@ -29,22 +29,28 @@ WorldScale::WorldScale(const ProjectSettings& settings)
 {
 }
 
+WorldCircle InWorld(const ZoneRecord& zone, const WorldScale& scale)
+{
+    const auto metresX = static_cast<double>(scale.metresPerPixelX);
+    const auto metresZ = static_cast<double>(scale.metresPerPixelZ);
+    return {InSinglePrecision(metresX * zone.place.x()),
+            InSinglePrecision(scale.worldHeight - metresZ * zone.place.y()),
+            static_cast<double>(scale.metresPerPixelX * zone.radius)};
+}
+
 void Write(QXmlStreamWriter& xml, const ZoneRecord& zone, const WorldScale& scale, bool exportMode)
 {
     const SpawnCounts& counts = zone.values.counts;
-    const auto metresX = static_cast<double>(scale.metresPerPixelX);
-    const auto metresZ = static_cast<double>(scale.metresPerPixelZ);
+    const WorldCircle circle = InWorld(zone, scale);
     xml.writeEmptyElement(QStringLiteral("zone"));
     WriteTextAttribute(xml, QLatin1String("name"), zone.values.Name());
     xml.writeAttribute(QStringLiteral("smin"), QString::number(counts.staticMin));
     xml.writeAttribute(QStringLiteral("smax"), QString::number(counts.staticMax));
     xml.writeAttribute(QStringLiteral("dmin"), QString::number(counts.dynamicMin));
     xml.writeAttribute(QStringLiteral("dmax"), QString::number(counts.dynamicMax));
-    xml.writeAttribute(QStringLiteral("x"), MetresText(metresX * zone.place.x()));
-    xml.writeAttribute(QStringLiteral("z"),
-                       MetresText(scale.worldHeight - metresZ * zone.place.y()));
-    xml.writeAttribute(QStringLiteral("r"),
-                       MetresText(static_cast<double>(scale.metresPerPixelX * zone.radius)));
+    xml.writeAttribute(QStringLiteral("x"), MetresText(circle.x));
+    xml.writeAttribute(QStringLiteral("z"), MetresText(circle.z));
+    xml.writeAttribute(QStringLiteral("r"), MetresText(circle.radius));
     if (!exportMode) {
         xml.writeAttribute(QStringLiteral("d"), QString::number(zone.values.depth));
     }

@@ -34,6 +34,16 @@ struct ZoneRecord
     float radius = 0;
 };
 
+/// The circle of a zone as files hold it, before its numbers become text: 32-bit numbers, world
+/// metres.
+struct WorldCircle
+{
+    double x = 0;
+    double z = 0;
+    double radius = 0;
+};
+WorldCircle InWorld(const ZoneRecord& zone, const WorldScale& scale);
+
 struct TerritoryRecord
 {
     QString name;

@@ -44,7 +44,7 @@ void CheckFlagTypeCount(const QString& kind, int count, Findings& findings)
 /// Reports columns that a map section does not hold.
 void CheckMapColumns(const QString& kind, int flagCount, int width, Findings& findings)
 {
-    const int bits = MapBits(flagCount);
+    const int bits = raster::FieldBits(flagCount);
     if (!raster::IsFieldSize(bits) || width <= 0) {
         return;
     }

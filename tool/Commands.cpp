@@ -1,5 +1,7 @@
 #include "tool/Commands.h"
 
+#include "tool/ProjectData.h"
+
 #include <QCommandLineParser>
 
 #include <algorithm>
@@ -86,6 +88,22 @@ QString CommandHelp(const Command& command)
            OptionTable(WithCommonOptions(command.options));
 }
 
+bool IsNegativeNumber(const QString& argument)
+{
+    return argument.size() > 1 && argument.at(0) == QLatin1Char('-') &&
+           (argument.at(1).isDigit() || argument.at(1) == QLatin1Char('.'));
+}
+
+/// Hides negative numbers from Qt, which would take them for options, behind a blank.
+QStringList WithHiddenNumbers(const QStringList& arguments)
+{
+    QStringList hidden;
+    for (const QString& argument : arguments) {
+        hidden.append(IsNegativeNumber(argument) ? QLatin1Char(' ') + argument : argument);
+    }
+    return hidden;
+}
+
 ToolExit RunCommand(const Command& command, const QStringList& arguments)
 {
     QCommandLineParser parser;
@@ -93,7 +111,7 @@ ToolExit RunCommand(const Command& command, const QStringList& arguments)
     for (const QCommandLineOption& option : options) {
         parser.addOption(option);
     }
-    if (!parser.parse(arguments)) {
+    if (!parser.parse(command.numberCount > 0 ? WithHiddenNumbers(arguments) : arguments)) {
         return UsageError(command.name, parser.errorText());
     }
     if (parser.isSet(QStringLiteral("help"))) {
@@ -101,7 +119,8 @@ ToolExit RunCommand(const Command& command, const QStringList& arguments)
         return ToolExit::Done;
     }
     const QStringList files = parser.positionalArguments();
-    if (files.size() != command.fileCount) {
+    if (files.size() != command.fileCount &&
+        files.size() != command.fileCount + command.numberCount) {
         return UsageError(command.name,
                           QStringLiteral("%1 is needed, and nothing else.").arg(command.files));
     }
@@ -144,10 +163,30 @@ ToolExit UsageError(const QString& command, const QString& error)
     return ToolExit::BadArguments;
 }
 
+QCommandLineOption TypesOption()
+{
+    return {QStringLiteral("types"),
+            QStringLiteral("Name the flags of a map as in an area types file or a project."),
+            QStringLiteral("FILE")};
+}
+
+std::optional<ToolExit> ReadTypesOption(const QString& command, const QCommandLineParser& options,
+                                        bool isMap, AreaFlagTypes& types)
+{
+    if (!options.isSet(QStringLiteral("types"))) {
+        return {};
+    }
+    if (!isMap) {
+        return UsageError(command, QStringLiteral("--types is for maps."));
+    }
+    const QString path = options.value(QStringLiteral("types"));
+    return ReadFlagTypes(path, types) ? std::optional<ToolExit>() : ToolExit::Unreadable;
+}
+
 const QVector<Command>& Commands()
 {
-    static const QVector<Command> commands = {CheckCommand(), InfoCommand(), ExportCommand(),
-                                              CompareCommand(), RenderCommand()};
+    static const QVector<Command> commands = {CheckCommand(),  InfoCommand(),    AtCommand(),
+                                              ExportCommand(), CompareCommand(), RenderCommand()};
     return commands;
 }
 

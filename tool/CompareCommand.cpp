@@ -71,7 +71,7 @@ ToolExit Finish(const QStringList& files, FieldBands& a, FieldBands& b, const Ar
     return differences.isEmpty() ? ToolExit::Done : ToolExit::Found;
 }
 
-ToolExit CompareMaps(const QStringList& files, const Options& options)
+ToolExit CompareMaps(const QStringList& files, const AreaFlagTypes& types, const Options& options)
 {
     if (!options.picture.isEmpty() && IsInput(options.picture, files)) {
         return ToolExit::BadArguments;
@@ -91,7 +91,7 @@ ToolExit CompareMaps(const QStringList& files, const Options& options)
                   QString::number(b.UsageBits()), differences);
     AddDifference(QStringLiteral("value bits"), QString::number(a.ValueBits()),
                   QString::number(b.ValueBits()), differences);
-    return Finish(files, a, b, {}, differences, options);
+    return Finish(files, a, b, types, differences, options);
 }
 
 ToolExit CompareProjects(const QStringList& files, const Options& options)
@@ -127,8 +127,13 @@ ToolExit Compare(const QStringList& files, const QCommandLineParser& parser)
     if (!FindKind(files.at(1), b) || !isGood) {
         return ToolExit::Unreadable;
     }
-    if (a == FileKind::Map && b == FileKind::Map) {
-        return CompareMaps(files, options);
+    const bool areMaps = a == FileKind::Map && b == FileKind::Map;
+    AreaFlagTypes types;
+    if (const auto error = ReadTypesOption(QStringLiteral("compare"), parser, areMaps, types)) {
+        return *error;
+    }
+    if (areMaps) {
+        return CompareMaps(files, types, options);
     }
     if (a == FileKind::Project && b == FileKind::Project) {
         return CompareProjects(files, options);
@@ -151,6 +156,7 @@ Command CompareCommand()
               QStringLiteral("Write a PNG picture: red is only in A, blue only in B, magenta "
                              "differs."),
               QStringLiteral("PICTURE")},
+             TypesOption(),
              {QStringLiteral("json"), QStringLiteral("Print the differences as JSON.")}},
             Compare};
 }

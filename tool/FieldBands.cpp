@@ -27,11 +27,6 @@ void AddWords(BitFieldRaster& fields, const BitFieldRaster& more)
 
 } // namespace
 
-int MapBits(int flagTypeCount)
-{
-    return static_cast<int>(raster::NextPowerOfTwo(static_cast<quint32>(flagTypeCount)));
-}
-
 int FieldBands::BandCount() const
 {
     const bool hasFields = m_usageBits != 0 || m_valueBits != 0;
@@ -79,8 +74,8 @@ bool ProjectFields::Open(const ProjectData& project, CutOffBitmaps cutOff)
                         .arg(AreaFlagTypes::MaxCount));
         return false;
     }
-    m_usageBits = MapBits(project.flagTypes.usages.size());
-    m_valueBits = MapBits(project.flagTypes.values.size());
+    m_usageBits = raster::FieldBits(project.flagTypes.usages.size());
+    m_valueBits = raster::FieldBits(project.flagTypes.values.size());
     return AddBitmaps(project, cutOff);
 }
 
@@ -139,8 +134,8 @@ bool ProjectFields::Fill(int band, FieldBand& fields)
 
 qint64 MapFields::SectionBytes(int bits) const
 {
-    const qint64 wordsPerRow = bits == 0 ? 0 : m_size.width() / (32 / bits);
-    return 4 + 4 * wordsPerRow * m_size.height();
+    const raster::FieldLayout layout(bits, m_size.width());
+    return 4 + 4 * layout.WordsPerRow() * m_size.height();
 }
 
 bool MapFields::Open(const QString& path)
@@ -198,6 +193,29 @@ QString MapFields::SectionError(int bits) const
         return QStringLiteral("is no area map: %1 pixels.").arg(SizeText(m_size));
     }
     return {};
+}
+
+bool MapFields::ReadPixel(QPoint pixel, std::optional<quint32>& usage,
+                          std::optional<quint32>& value)
+{
+    const qint64 valueOffset = MapHeaderBytes + SectionBytes(m_usageBits);
+    return !Interruption::HasCome() &&
+           (!usage || ReadField(MapHeaderBytes, m_usageBits, pixel, *usage)) &&
+           (!value || ReadField(valueOffset, m_valueBits, pixel, *value));
+}
+
+bool MapFields::ReadField(qint64 offset, int bits, QPoint pixel, quint32& field)
+{
+    const raster::FieldLayout layout(bits, m_size.width());
+    const qint64 row = m_size.height() - 1 - pixel.y();
+    quint32 word = 0;
+    m_file.seek(offset + 4 + 4 * (row * layout.WordsPerRow() + layout.WordAt(pixel.x())));
+    if (m_file.read(reinterpret_cast<char*>(&word), sizeof word) != qint64(sizeof word)) {
+        Console::PrintError(m_file.fileName(), QStringLiteral("cannot be read."));
+        return false;
+    }
+    field = layout.FieldIn(qFromLittleEndian(word), pixel.x());
+    return true;
 }
 
 bool MapFields::ReadSection(qint64 offset, int band, BitFieldRaster& fields)

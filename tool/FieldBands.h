@@ -5,15 +5,13 @@
 #include "tool/ProjectData.h"
 
 #include <QFile>
+#include <QPoint>
 #include <QSize>
 #include <QString>
 
 #include <memory>
 #include <optional>
 #include <vector>
-
-/// The bits of each field in a map section with so many flag types.
-int MapBits(int flagTypeCount);
 
 /// The fields of some rows of an area map, with words in the machine's order.
 struct FieldBand
@@ -107,6 +105,10 @@ public:
     /// Returns what is wrong with the map; empty if it was opened.
     QString TryOpen(const QString& path);
 
+    /// Replaces each value that there is by the field of a layer pixel in that section, which must
+    /// hold the pixel. Returns false after printing an error, and after an interruption.
+    bool ReadPixel(QPoint pixel, std::optional<quint32>& usage, std::optional<quint32>& value);
+
 protected:
     bool Fill(int band, FieldBand& fields) override;
 
@@ -114,6 +116,7 @@ private:
     /// Returns what is wrong with a section of so many bits per pixel; empty if nothing is.
     QString SectionError(int bits) const;
     qint64 SectionBytes(int bits) const;
+    bool ReadField(qint64 offset, int bits, QPoint pixel, quint32& field);
     bool ReadSection(qint64 offset, int band, raster::BitFieldRaster& fields);
 
     QFile m_file;

@@ -91,7 +91,7 @@ QVector<Report> FlagReports(const FieldCounts* counts, int bits, const QVector<Q
             continue;
         }
         Report report;
-        report.Add(QStringLiteral("name"), names.value(bit, QStringLiteral("bit %1").arg(bit)));
+        report.Add(QStringLiteral("name"), AreaFlagTypes::BitName(bit, names));
         if (bit < names.size()) {
             report.Add(QStringLiteral("bit"), bit);
         }
@@ -128,13 +128,7 @@ Report TerritoriesReport(const QVector<TerritoryData>& territories)
 
 QJsonArray FlagNames(quint32 flags, const QVector<QString>& names)
 {
-    QJsonArray array;
-    for (int bit = 0; bit < AreaFlagTypes::MaxCount; ++bit) {
-        if ((flags >> bit & 1U) != 0) {
-            array.append(names.value(bit, QStringLiteral("bit %1").arg(bit)));
-        }
-    }
-    return array;
+    return QJsonArray::fromStringList(AreaFlagTypes::BitNames(flags, names));
 }
 
 /// Entries of layers whose bitmap cannot be read have no counts. fields is null if not all bitmaps
@@ -205,7 +199,7 @@ ToolExit DescribeProject(const QString& path, bool asJson)
     return areCounted ? ToolExit::Done : ToolExit::Unreadable;
 }
 
-ToolExit DescribeMap(const QString& path, bool asJson)
+ToolExit DescribeMap(const QString& path, const AreaFlagTypes& types, bool asJson)
 {
     MapFields fields;
     MapCounts counts;
@@ -220,9 +214,9 @@ ToolExit DescribeMap(const QString& path, bool asJson)
     report.Add(QStringLiteral("usage-bits"), fields.UsageBits());
     report.Add(QStringLiteral("value-bits"), fields.ValueBits());
     report.Add(QStringLiteral("usage-flags"),
-               FlagReports(&counts.usages, fields.UsageBits(), {}, scale));
+               FlagReports(&counts.usages, fields.UsageBits(), types.usages, scale));
     report.Add(QStringLiteral("value-flags"),
-               FlagReports(&counts.values, fields.ValueBits(), {}, scale));
+               FlagReports(&counts.values, fields.ValueBits(), types.values, scale));
     report.Print(asJson);
     return ToolExit::Done;
 }
@@ -292,26 +286,22 @@ ToolExit DescribeType(const QString& path, bool asJson)
     return ToolExit::Done;
 }
 
+QJsonArray NameArray(const QVector<QString>& names)
+{
+    return QJsonArray::fromStringList(names.toList());
+}
+
 ToolExit DescribeAreaTypes(const QString& path, bool asJson)
 {
-    QJsonArray usages;
-    QJsonArray values;
-    const auto read = [&](const QXmlStreamReader& xml) {
-        const QString name = xml.attributes().value(QLatin1String("name")).toString();
-        if (xml.name() == QLatin1String("usage")) {
-            usages.append(name);
-        } else if (xml.name() == QLatin1String("value")) {
-            values.append(name);
-        }
-    };
-    if (!ReadElements(path, read)) {
+    AreaFlagTypes types;
+    if (!ReadFlagTypes(path, types)) {
         return ToolExit::Unreadable;
     }
     Report report;
     report.Add(QStringLiteral("file"), path);
     report.Add(QStringLiteral("kind"), QStringLiteral("area types"));
-    report.Add(QStringLiteral("usages"), usages);
-    report.Add(QStringLiteral("values"), values);
+    report.Add(QStringLiteral("usages"), NameArray(types.usages));
+    report.Add(QStringLiteral("values"), NameArray(types.values));
     report.Print(asJson);
     return ToolExit::Done;
 }
@@ -324,6 +314,11 @@ ToolExit Info(const QStringList& files, const QCommandLineParser& options)
     if (!FindKind(path, kind)) {
         return ToolExit::Unreadable;
     }
+    AreaFlagTypes types;
+    const bool isMap = kind == FileKind::Map;
+    if (const auto error = ReadTypesOption(QStringLiteral("info"), options, isMap, types)) {
+        return *error;
+    }
     switch (kind) {
     case FileKind::Project:
         return DescribeProject(path, asJson);
@@ -332,7 +327,7 @@ ToolExit Info(const QStringList& files, const QCommandLineParser& options)
     case FileKind::AreaTypes:
         return DescribeAreaTypes(path, asJson);
     case FileKind::Map:
-        return DescribeMap(path, asJson);
+        return DescribeMap(path, types, asJson);
     case FileKind::Bitmap:
         break;
     }
@@ -349,6 +344,6 @@ Command InfoCommand()
         1,
         QStringLiteral("Show what a project, map, layer bitmap, territory type or area types file "
                        "holds."),
-        {{QStringLiteral("json"), QStringLiteral("Print the content as JSON.")}},
+        {TypesOption(), {QStringLiteral("json"), QStringLiteral("Print the content as JSON.")}},
         Info};
 }

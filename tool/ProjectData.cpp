@@ -210,3 +210,22 @@ bool ReadTypeList(const QString& path, TerritoryTypeList& types)
                  [&types](QXmlStreamReader& xml) { return types.Read(xml, nullptr); }});
     return true;
 }
+
+bool ReadFlagTypes(const QString& path, AreaFlagTypes& types)
+{
+    QFile file(path);
+    QString error = OpenInput(file);
+    if (error.isEmpty()) {
+        error = WalkDocument(file, [&types](const QXmlStreamReader& xml) {
+            if (xml.name() == QLatin1String("usage")) {
+                types.usages.append(TextAttribute(xml, QLatin1String("name")));
+            } else if (xml.name() == QLatin1String("value")) {
+                types.values.append(TextAttribute(xml, QLatin1String("name")));
+            }
+        });
+    }
+    if (!error.isEmpty()) {
+        Console::PrintError(path, error);
+    }
+    return error.isEmpty();
+}

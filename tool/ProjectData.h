@@ -96,6 +96,10 @@ bool ReadProject(const QString& path, ProjectData& project);
 /// Returns false after printing an error.
 bool ReadTypeList(const QString& path, TerritoryTypeList& types);
 
+/// Reads the names of flags from an area types file, a project or any other document that holds
+/// them. Returns false after printing an error.
+bool ReadFlagTypes(const QString& path, AreaFlagTypes& types);
+
 /// Reads the territory types of a document, or a single type as an exported file holds it. The
 /// reader must be on the start tag of "territory-type-list" or "territory-type".
 QVector<TerritoryTypeData> ReadTerritoryTypes(QXmlStreamReader& xml);

@@ -247,8 +247,8 @@ ToolExit RenderProject(const QString& path, const RenderOptions& options)
     }
     Drawing drawing;
     QString unknown;
-    const KnownFlags known{project.flagTypes, MapBits(project.flagTypes.usages.size()),
-                           MapBits(project.flagTypes.values.size())};
+    const KnownFlags known{project.flagTypes, raster::FieldBits(project.flagTypes.usages.size()),
+                           raster::FieldBits(project.flagTypes.values.size())};
     if (!FindFlags(options.flags, known, drawing.flags, unknown)) {
         return WrongOption(QStringLiteral("there is no flag %1.").arg(Console::Quoted(unknown)));
     }

@@ -147,7 +147,7 @@ public:
 
 private:
     using FieldType = Field<Bits>;
-    static constexpr quint32 Mask = 0xFFFFFFFFU >> (32 - Bits);
+    static constexpr quint32 Mask = FieldMask(Bits);
     static constexpr int PixelsPerWord = 32 / Bits;
 
     bool IsWanted(int chunk, quint32 flags) const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "layers/raster/FieldLayout.h"
+
 #include <QtEndian>
 #include <QtGlobal>
 
@@ -65,10 +67,9 @@ void PackFields(const Field<Bits>* fields, quint32* words, qint64 wordCount)
 template <int Bits>
 void UnpackFields(const quint32* words, qint64 wordCount, Field<Bits>* fields)
 {
-    constexpr quint32 fieldMask = 0xFFFFFFFFU >> (32 - Bits);
     for (qint64 w = 0; w < wordCount; ++w) {
         for (int shift = 32 - Bits; shift >= 0; shift -= Bits) {
-            *fields++ = static_cast<Field<Bits>>((words[w] >> shift) & fieldMask);
+            *fields++ = static_cast<Field<Bits>>((words[w] >> shift) & FieldMask(Bits));
         }
     }
 }

@@ -38,6 +38,7 @@ class tst_ToolCompare : public QObject
 private slots:
     void EqualMapsEndWithZero();
     void MapsDifferByFlag();
+    void FlagsOfMapsAreNamed();
     void MapsOfOtherBitsAreCompared();
     void MapsOfOtherSizesAreNotCompared();
     void ProjectsDiffer_data();
@@ -76,6 +77,22 @@ void tst_ToolCompare::MapsDifferByFlag()
                      "  usage flag 2: only-a 0, only-b 2, left 3, top 10, right 8, bottom 90\n"
                      "  value flag 0: only-a 0, only-b 2, left 3, top 10, right 8, bottom 90\n"));
     QCOMPARE(run.exitCode, 1);
+}
+
+void tst_ToolCompare::FlagsOfMapsAreNamed()
+{
+    const SampleProject project;
+    WriteBytes(project.Path("a.map"), Map({QString(32, '.')}, 5, 6));
+    WriteBytes(project.Path("b.map"), Map({QString(32, '#')}, 9, 6));
+    const ProgramRun run = project.Run({"compare", "--types", "sample.xml", "a.map", "b.map"});
+    QVERIFY2(run.output.contains("\n  usage flag 0 'Coast': only-a 0, only-b 32,"),
+             qPrintable(run.output));
+    QVERIFY2(run.output.contains("\n  usage flag 3: only-a 0, only-b 32,"), qPrintable(run.output));
+    QCOMPARE(run.log, QStringList());
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(project.Run({"compare", "--types", "x.xml", "a.map", "b.map"}).exitCode, 3);
+    QCOMPARE(project.Run({"compare", "--types", "sample.xml", "sample.xml", "sample.xml"}).exitCode,
+             2);
 }
 
 void tst_ToolCompare::MapsOfOtherBitsAreCompared()

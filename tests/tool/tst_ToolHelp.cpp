@@ -26,6 +26,7 @@ Checks, shows and exports the projects and maps of Quillmap.
 Commands:
   check    Look for what makes a project's output wrong or surprising.
   info     Show what a project, map, layer bitmap, territory type or area types file holds.
+  at       Show what is at a place: flags, layers and zones.
   export   Write the area map and the territory type files of a project.
   compare  Show where two maps or two projects differ.
   render   Make a PNG picture of a project, map or layer bitmap.
@@ -59,9 +60,25 @@ Options:
 Show what a project, map, layer bitmap, territory type or area types file holds.
 
 Options:
-  --json       Print the content as JSON.
-  -q, --quiet  Print only errors, and JSON if --json asks for it.
-  -h, --help   Show this help.
+  --types FILE  Name the flags of a map as in an area types file or a project.
+  --json        Print the content as JSON.
+  -q, --quiet   Print only errors, and JSON if --json asks for it.
+  -h, --help    Show this help.
+)";
+    QTest::newRow("at") << QStringList{"at", "--help"}
+                        << R"(Usage: quillmap-tool at [OPTION]... PROJECT|MAP [X Z]
+
+Show what is at a place: flags, layers and zones.
+X and Z are metres from the bottom left corner of the world. Without them,
+places are read from the standard input, one 'X Z' a line. The words are the
+fields of the area map.
+
+Options:
+  --pixel       X and Z are column and row of a layer pixel, from the top left.
+  --types FILE  Name the flags of a map as in an area types file or a project.
+  --json        Print the places as JSON.
+  -q, --quiet   Print only errors, and JSON if --json asks for it.
+  -h, --help    Show this help.
 )";
     QTest::newRow("export") << QStringList{"export", "-h", "x"}
                             << R"(Usage: quillmap-tool export [OPTION]... PROJECT
@@ -85,6 +102,7 @@ corner.
 
 Options:
   -o, --output PICTURE  Write a PNG picture: red is only in A, blue only in B, magenta differs.
+  --types FILE          Name the flags of a map as in an area types file or a project.
   --json                Print the differences as JSON.
   -q, --quiet           Print only errors, and JSON if --json asks for it.
   -h, --help            Show this help.

@@ -32,6 +32,8 @@ class tst_ToolInfo : public QObject
 private slots:
     void FilesAreDescribed_data();
     void FilesAreDescribed();
+    void FlagsOfMapsAreNamed();
+    void OnlyMapsNeedNames();
     void KilledSavesAreCompletedFirst();
     void ProjectAsJson();
     void LargeBitmapsAreCounted();
@@ -107,6 +109,38 @@ void tst_ToolInfo::FilesAreDescribed()
     QCOMPARE(run.log, QStringList());
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(project.Run({"info", "--quiet", file}).output, QString());
+}
+
+void tst_ToolInfo::FlagsOfMapsAreNamed()
+{
+    const EveryKindOfFile project;
+    const ProgramRun run = project.Run({"info", "sample.map", "--types", "types.xml"});
+    const QString named = "usage-flags: 3\n"
+                          "  A: bit 0, pixels 5, km2 0.05, percent 7.81\n"
+                          "  B: bit 1, pixels 3, km2 0.03, percent 4.69\n"
+                          "  bit 2: pixels 3, km2 0.03, percent 4.69\n"
+                          "value-flags: 3\n"
+                          "  bit 0: pixels 5, km2 0.05, percent 7.81\n";
+    QVERIFY2(run.output.contains(named), qPrintable(run.output));
+    QCOMPARE(run.log, QStringList());
+    QCOMPARE(run.exitCode, 0);
+    const ProgramRun ofProject = project.Run({"info", "sample.map", "--types", "sample.xml"});
+    QVERIFY(ofProject.output.contains("  Tier3: bit 2, pixels 0, km2 0, percent 0\n"));
+    const ProgramRun missing = project.Run({"info", "sample.map", "--types", "x.xml"});
+    QCOMPARE(missing.log, QStringList{"x.xml: does not exist."});
+    QCOMPARE(missing.exitCode, 3);
+}
+
+void tst_ToolInfo::OnlyMapsNeedNames()
+{
+    const EveryKindOfFile project;
+    for (const char* file : {"sample.xml", "types.xml", "layers/Shore.tga"}) {
+        const ProgramRun run = project.Run({"info", file, "--types", "types.xml"});
+        QCOMPARE(run.log, (QStringList{"quillmap-tool: --types is for maps.",
+                                       "quillmap-tool: try 'quillmap-tool info --help'."}));
+        QCOMPARE(run.output, QString());
+        QCOMPARE(run.exitCode, 2);
+    }
 }
 
 /// A bitmap larger than the tool keeps in memory, so that the tool reads it again for each band.
