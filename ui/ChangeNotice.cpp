@@ -101,9 +101,5 @@ bool ChangeNotice::Reload()
 {
     const bool isEdited = m_parts.form.actionSave->isEnabled();
     const QString path = m_parts.document.Path();
-    const bool isLoaded = isEdited ? m_actions.LoadFrom(path) : m_actions.StartWith(path);
-    if (isLoaded && !isEdited) {
-        m_actions.EnableEditing(false);
-    }
-    return isLoaded;
+    return isEdited ? m_actions.LoadFrom(path) : m_actions.StartWith(path);
 }

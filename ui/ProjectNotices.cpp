@@ -13,6 +13,7 @@ const QString DocumentKey = QStringLiteral("document");
 const QString LeftOutKey = QStringLiteral("left out");
 const QString ReplacedKey = QStringLiteral("replaced");
 const QString ViewingKey = QStringLiteral("viewing");
+const QString UnkeptKey = QStringLiteral("unkept version");
 const QString ExportKey = QStringLiteral("export");
 const QString SaveAllKey = QStringLiteral("save all");
 
@@ -159,6 +160,15 @@ void ProjectNotices::ShowReplaced(const QStringList& layers, bool areKept,
                                   }});
     }
     m_bar.Show(notice);
+}
+
+void ProjectNotices::ShowUnkept(const QString& problem)
+{
+    if (problem.isEmpty()) {
+        m_bar.Withdraw(UnkeptKey);
+    } else {
+        m_bar.Show({UnkeptKey, problem, {}});
+    }
 }
 
 void ProjectNotices::FollowExport(bool tickedOnly, int ticked, int all)
