@@ -6,6 +6,7 @@
 #include "document/journal/JournalReader.h"
 #include "document/journal/Recovery.h"
 #include "ui/FileDialogs.h"
+#include "ui/NameList.h"
 #include "ui/ProjectActions.h"
 #include "ui/QuillmapWindow.h"
 #include "ui/widgets/NoticeBar.h"
@@ -40,11 +41,9 @@ QString TimeText(const QDateTime& time)
                                                : QStringLiteral("d MMM yyyy HH:mm"));
 }
 
-/// A name comes from a file and may hold anything.
 QString NameText(const QString& name)
 {
-    constexpr int maxLength = 40;
-    return QStringLiteral("'%1'").arg(name.simplified().left(maxLength));
+    return QStringLiteral("'%1'").arg(ShortText(name));
 }
 
 QString WhoseText(const JournalReader& journal)
