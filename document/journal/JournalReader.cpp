@@ -1,6 +1,5 @@
 #include "document/journal/JournalReader.h"
 
-#include "app/ProjectSettings.h"
 #include "document/KnownFiles.h"
 #include "document/journal/JournalFolder.h"
 #include "layers/Targa.h"
@@ -428,11 +427,8 @@ QByteArray JournalReader::Text() const
 
 StoredProject JournalReader::Stored() const
 {
-    const JournalReader reader = *this;
-    const auto masks = [reader](int number, const QString& /*name*/) {
-        // Damaged files may name two sizes.
-        const bool fits = ProjectSettings::Instance().LayerSize() == reader.LayerSize();
-        return fits ? reader.Mask(number) : QImage();
+    const auto masks = [reader = *this](int number, const QString& /*name*/) {
+        return reader.Mask(number);
     };
     const JournalHeader& header = m_content->header;
     return {Text(), masks, header.path, header.folder, header.files.keys()};

@@ -42,7 +42,7 @@ public:
     /// Null when it is no longer as it was at Open.
     QByteArray Text() const;
 
-    /// Text and masks. The masks are null while the project has another layer size.
+    /// Text and masks, which have the layer size of the header, whatever the text says.
     StoredProject Stored() const;
 
 private:

@@ -1,4 +1,3 @@
-#include "app/ProjectSettings.h"
 #include "document/journal/RecordLog.h"
 #include "document/journal/Recovery.h"
 #include "layers/raster/MaskTile.h"
@@ -198,14 +197,11 @@ void tst_JournalFile::GivesAProjectToOpen()
     const StoredProject stored = reader->Stored();
     QCOMPARE(stored.path, "/p/äöü 'x'.xml");
     QCOMPARE(stored.text, "<two>");
-    ProjectSettings::Instance().SetSizes(Size.width(), Size.height(), 10, 10);
     QCOMPARE(stored.masks(2, "any name"), FullMask(Size));
     QCOMPARE(stored.masks(1, {}), Mask(7));
     QCOMPARE(stored.masks(0, {}), Mask(9));
     QVERIFY(stored.masks(3, {}).isNull());
     QVERIFY(stored.masks(-1, {}).isNull());
-    ProjectSettings::Instance().SetSizes(Size.height(), Size.width(), 10, 10);
-    QVERIFY(stored.masks(0, {}).isNull());
 }
 
 void tst_JournalFile::ACutLogGivesTheLastWholeCommit()
