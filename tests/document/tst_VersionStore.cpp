@@ -463,18 +463,21 @@ void tst_VersionStore::KeepsTheNewestAndOneADay()
 
 void tst_VersionStore::RemovesTheOldestBeyondASize_data()
 {
+    QTest::addColumn<int>("newestBytes");
     QTest::addColumn<bool>("isShared");
     QTest::addColumn<qint64>("maxBytes");
     QTest::addColumn<QStringList>("left");
 
-    // Three versions of 1000 bytes; the two older ones are the same file.
-    QTest::newRow("enough") << false << qint64(2000) << QStringList{"c", "b", "a"};
+    // Three versions; the two older ones are the same file of 1000 bytes.
+    const QStringList all{"c", "b", "a"};
+    QTest::newRow("enough") << 1000 << false << qint64(2000) << all;
     QTest::newRow("a shared file goes with its last name")
-        << false << qint64(1999) << QStringList{"c"};
-    QTest::newRow("too small for one") << false << qint64(999) << QStringList{};
-    QTest::newRow("the newest is still the project's")
-        << true << qint64(1000) << QStringList{"c", "b", "a"};
-    QTest::newRow("which costs nothing") << true << qint64(999) << QStringList{"c"};
+        << 1000 << false << qint64(1999) << QStringList{"c"};
+    QTest::newRow("too small for one") << 1000 << false << qint64(999) << QStringList{"c"};
+    QTest::newRow("too small for the newest") << 5000 << false << qint64(1000) << all;
+    QTest::newRow("nothing is kept") << 1000 << false << qint64(0) << QStringList{};
+    QTest::newRow("the newest is still the project's") << 1000 << true << qint64(1000) << all;
+    QTest::newRow("which costs nothing") << 1000 << true << qint64(999) << QStringList{"c"};
 }
 
 void tst_VersionStore::RemovesTheOldestBeyondASize()
@@ -482,6 +485,7 @@ void tst_VersionStore::RemovesTheOldestBeyondASize()
 #ifdef QUILLMAP_PORTABLE
     QSKIP("Only Linux tells whether files are shared.");
 #endif
+    QFETCH(int, newestBytes);
     QFETCH(bool, isShared);
     QFETCH(qint64, maxBytes);
     QFETCH(QStringList, left);
@@ -493,7 +497,7 @@ void tst_VersionStore::RemovesTheOldestBeyondASize()
         QVERIFY(QDir().mkpath(folders.constLast()));
     }
     WriteBytes(folders[0] + "/file", QByteArray(1000, 'x'));
-    WriteBytes(folders[2] + "/file", QByteArray(1000, 'x'));
+    WriteBytes(folders[2] + "/file", QByteArray(newestBytes, 'x'));
     const auto link = [](const QString& from, const QString& to) {
         std::filesystem::create_hard_link(platform::ToPath(from), platform::ToPath(to));
     };
