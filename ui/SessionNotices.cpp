@@ -66,6 +66,7 @@ SessionNotices::SessionNotices(const EditorParts& parts, ProjectActions& actions
     connect(&parts.document, &Document::AboutToClear, this,
             [this] { m_parts.form.barNotice->Withdraw(RestoredKey); });
     connect(&parts.document, &Document::FilesNoted, this, &SessionNotices::FollowPath);
+    m_checks.setMaxThreadCount(1);
     connect(&m_timer, &QTimer::timeout, this, &SessionNotices::Look);
     m_timer.start(LookMilliseconds);
     QTimer::singleShot(0, this, &SessionNotices::Look);
@@ -97,14 +98,28 @@ void SessionNotices::LookForDeadSessions()
             continue;
         }
         m_seen.insert(folder);
-        if (const std::optional<JournalReader> journal = JournalReader::Open(folder)) {
-            Offer(folder, *journal);
-        }
+        // A log may be so long that the window would not answer meanwhile.
+        m_checks.start([this, folder] {
+            const std::optional<JournalReader> journal = JournalReader::Open(folder);
+            const bool isEmpty = !journal && JournalReader::IsUncommitted(folder);
+            const auto follow = [this, folder, journal, isEmpty] {
+                if (journal) {
+                    Offer(folder, *journal);
+                } else if (isEmpty) {
+                    Recovery::Discard(folder);
+                }
+            };
+            QMetaObject::invokeMethod(this, follow, Qt::QueuedConnection);
+        });
     }
 }
 
 void SessionNotices::Offer(const QString& folder, const JournalReader& journal)
 {
+    if (!m_seen.contains(folder)) {
+        // Another session took it during the check.
+        return;
+    }
     Notice notice;
     notice.key = KeyOf(folder);
     notice.text = QStringLiteral("Unsaved work on %1, last change %2, was found.")

@@ -116,11 +116,14 @@ public:
                 hash.addData(m_session);
             }
         }
+        isReadToEnd = m_file.atEnd();
     }
 
     std::vector<TilePlace> tiles;
     std::vector<BasePlace> bases;
     std::vector<CommitPlace> commits;
+    /// Whether there is no fault, but for a record that is cut off.
+    bool isReadToEnd = false;
 
 private:
     bool Take(const Record& record, qint64 offset)
@@ -366,6 +369,20 @@ std::optional<JournalReader> JournalReader::Open(const QString& folder, QString*
         *reason = fault;
     }
     return fault.isEmpty() ? std::make_optional(JournalReader(content)) : std::nullopt;
+}
+
+bool JournalReader::IsUncommitted(const QString& folder)
+{
+    const auto session =
+        journal::ReadPlain(journal::SessionPath(folder), journal::MaxSessionLength);
+    const auto header = session ? journal::ToHeader(*session) : std::nullopt;
+    QFile log(journal::LogPath(folder));
+    if (!header || !journal::OpenPlain(log)) {
+        return false;
+    }
+    LogScan scan(log, *session, header->layerSize);
+    scan.Run();
+    return scan.isReadToEnd && scan.commits.empty();
 }
 
 const QString& JournalReader::ProjectPath() const

@@ -23,6 +23,10 @@ public:
     /// Nothing when no commit can be restored; then the reason tells why.
     static std::optional<JournalReader> Open(const QString& folder, QString* reason = nullptr);
 
+    /// Whether the session ended before its first commit, so that its journal restores nothing.
+    /// False for a journal that is damaged or of another version of the program.
+    static bool IsUncommitted(const QString& folder);
+
     /// Where the project was on disk; empty when it was never saved.
     const QString& ProjectPath() const;
     const QString& ProjectName() const;

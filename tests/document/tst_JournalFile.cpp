@@ -218,6 +218,7 @@ void tst_JournalFile::ACutLogGivesTheLastWholeCommit()
         const auto whole = static_cast<int>(after - session.Lengths().begin());
         const std::optional<QByteArray> state = RestoredState(folder);
         QCOMPARE(state.has_value(), whole > 0);
+        QCOMPARE(JournalReader::IsUncommitted(folder), whole == 0);
         if (state) {
             QCOMPARE(*state == session.States()[whole - 1], true);
         }
@@ -291,6 +292,7 @@ void tst_JournalFile::FilesThatAreNotThereAreRefused()
     const auto reader = JournalReader::Open(folder, &reason);
     QCOMPARE(reader.has_value(), commit >= 0);
     QCOMPARE(reason.isEmpty(), commit >= 0);
+    QVERIFY(!JournalReader::IsUncommitted(folder));
     if (!reader) {
         return;
     }
