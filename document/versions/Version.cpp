@@ -63,7 +63,7 @@ qint64 BytesBelow(const QString& folder)
 QImage LoadMask(const QString& path, QSize size)
 {
     QFile file(path);
-    if (!IsPlainFile(path) || !file.open(QIODevice::ReadOnly)) {
+    if (!journal::OpenPlain(file)) {
         return {};
     }
     const uchar* bytes = file.map(0, file.size());
