@@ -31,6 +31,11 @@ const QLatin1String OnceOption("--once");
 
 void Quiet(QtMsgType, const QMessageLogContext&, const QString&) {}
 
+QString ProjectIn(const QString& folder)
+{
+    return folder + QStringLiteral("/bench.xml");
+}
+
 double ReadSeconds(const QString& folder)
 {
     const auto begin = std::chrono::steady_clock::now();
@@ -95,7 +100,7 @@ int RunOnce(const QString& work, const QString& folder)
         QuillmapWindow window{QString()};
         Appear(window);
         if (work == QLatin1String("load")) {
-            seconds = LoadSeconds(window, folder + QStringLiteral("/bench.xml"));
+            seconds = LoadSeconds(window, ProjectIn(folder));
         }
     }
     std::printf("%.9f\n", seconds);
@@ -140,6 +145,54 @@ void RegisterProcess(const char* name, const QString& work, const QString& folde
     })->UseManualTime();
 }
 
+void RegisterLoads(QuillmapWindow& window, const QString& folder)
+{
+    RegisterProcess("load/32 layers/ours", QStringLiteral("load"), folder, &ProcessTimes::own);
+    RegisterProcess("load/32 layers/codec", QStringLiteral("codec"), folder, &ProcessTimes::own);
+    Register("load/32 layers, again/ours", [&window, folder](State& state) {
+        for (auto _ : state) {
+            state.SetIterationTime(LoadSeconds(window, ProjectIn(folder)));
+        }
+    })->UseManualTime();
+    Register("load/32 layers, again/codec", [folder](State& state) {
+        for (auto _ : state) {
+            state.SetIterationTime(ReadSeconds(folder));
+        }
+    })->UseManualTime();
+}
+
+void RegisterSaves(QuillmapWindow& window, const QString& folder)
+{
+    const QString path = ProjectIn(folder);
+    Register("save/32 layers/ours", [&window, path](State& state) {
+        for (auto _ : state) {
+            window.SaveProjectFile(path);
+        }
+    })->UseRealTime();
+    for (const bool areKept : {true, false}) {
+        const char* name = areKept ? "save/32 layers, one changed/ours"
+                                   : "save/32 layers, one changed/without-versions";
+        Register(name, [&window, path, areKept](State& state) {
+            KeepVersions(areKept);
+            for (auto _ : state) {
+                SaveChanged(window, path, state);
+            }
+            KeepVersions(true);
+        })->UseRealTime();
+    }
+    std::vector<QImage> masks;
+    for (int i = 0; i < LayerCount; ++i) {
+        masks.push_back(NaturalMask({Side, Side}, 100U + static_cast<quint32>(i)));
+    }
+    const QString copy = folder + QStringLiteral("/copy");
+    QDir().mkpath(copy);
+    Register("save/32 layers/codec", [masks, copy](State& state) {
+        for (auto _ : state) {
+            WriteLayers(masks, copy);
+        }
+    })->UseRealTime();
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -158,7 +211,7 @@ int main(int argc, char** argv)
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder.path());
     qputenv("XDG_DATA_HOME", QFile::encodeName(folder.filePath(QStringLiteral("data"))));
     ProjectSettings::Instance().SetDir(QDir(folder.path()));
-    const QString path = folder.filePath(QStringLiteral("bench.xml"));
+    const QString path = ProjectIn(folder.path());
     const QWidget guiIsRunning;
     if (!MakeProject(path, LayerCount)) {
         return 1;
@@ -175,50 +228,11 @@ int main(int argc, char** argv)
                 static_cast<long long>(deafWhileLoading),
                 static_cast<long long>(pulse.LongestMilliseconds()));
 
-    std::vector<QImage> masks;
-    for (int i = 0; i < LayerCount; ++i) {
-        masks.push_back(NaturalMask({Side, Side}, 100U + static_cast<quint32>(i)));
-    }
-    const QString home = folder.path();
-    RegisterProcess("load/32 layers/ours", QStringLiteral("load"), home, &ProcessTimes::own);
-    RegisterProcess("load/32 layers/codec", QStringLiteral("codec"), home, &ProcessTimes::own);
-    Register("load/32 layers, again/ours", [&](State& state) {
-        for (auto _ : state) {
-            state.SetIterationTime(LoadSeconds(window, path));
-        }
-    })->UseManualTime();
-    Register("load/32 layers, again/codec", [&](State& state) {
-        for (auto _ : state) {
-            state.SetIterationTime(ReadSeconds(home));
-        }
-    })->UseManualTime();
-    Register("save/32 layers/ours", [&](State& state) {
-        for (auto _ : state) {
-            window.SaveProjectFile(path);
-        }
-    })->UseRealTime();
-    Register("save/32 layers, one changed/ours", [&](State& state) {
-        KeepVersions(true);
-        for (auto _ : state) {
-            SaveChanged(window, path, state);
-        }
-    })->UseRealTime();
-    Register("save/32 layers, one changed/without-versions", [&](State& state) {
-        KeepVersions(false);
-        for (auto _ : state) {
-            SaveChanged(window, path, state);
-        }
-        KeepVersions(true);
-    })->UseRealTime();
-    QDir().mkpath(folder.filePath(QStringLiteral("copy")));
-    Register("save/32 layers/codec", [&](State& state) {
-        for (auto _ : state) {
-            WriteLayers(masks, folder.filePath(QStringLiteral("copy")));
-        }
-    })->UseRealTime();
-    RegisterProcess("start/first picture/ours", QStringLiteral("window"), home,
+    RegisterLoads(window, folder.path());
+    RegisterSaves(window, folder.path());
+    RegisterProcess("start/first picture/ours", QStringLiteral("window"), folder.path(),
                     &ProcessTimes::untilAnswer);
-    RegisterProcess("start/first picture/empty-window", QStringLiteral("empty-window"), home,
-                    &ProcessTimes::untilAnswer);
+    RegisterProcess("start/first picture/empty-window", QStringLiteral("empty-window"),
+                    folder.path(), &ProcessTimes::untilAnswer);
     return RunBenchmarks(argc, argv);
 }

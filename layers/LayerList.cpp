@@ -217,7 +217,7 @@ std::unique_ptr<Layer> ReadLayer(const QXmlStreamReader& xml, LayerList* list, i
 
     LogInfo(QStringLiteral("Loading layer \"%1\"...").arg(name));
     const QImage image = masks(number, name);
-    if (image.isNull()) {
+    if (image.isNull() || image.size() != ProjectSettings::Instance().LayerSize()) {
         return nullptr;
     }
     auto layer = std::make_unique<Layer>(usageFlags, valueFlags, list, name);

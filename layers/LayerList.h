@@ -20,7 +20,8 @@ class QXmlStreamReader;
 class QXmlStreamWriter;
 
 /// Gives the mask of a layer that is read: that of the layer's "layer" element, counted from 0,
-/// with the layer's name. Null when there is none, and then the layer is left out.
+/// with the layer's name. Null when there is none. A layer without a mask of the layer size is left
+/// out.
 using MaskSource = std::function<QImage(int number, const QString& name)>;
 
 /// The mask in the bitmap of that name in the project's "layers" folder. Logs errors in the file,

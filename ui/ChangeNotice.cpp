@@ -2,6 +2,7 @@
 
 #include "app/ProjectSettings.h"
 #include "document/Document.h"
+#include "ui/NameList.h"
 #include "ui/ProjectActions.h"
 #include "ui_QuillmapWindow.h"
 
@@ -19,21 +20,14 @@ bool IsBitmap(const QString& path)
     return QFileInfo(path).path() == ProjectSettings::Instance().Dir().filePath(layers);
 }
 
-/// "Forest, Lake", or the first ones of many.
 QString NamesOf(const QStringList& bitmaps)
 {
-    constexpr int mostNames = 8;
     QStringList names;
     for (const QString& path : bitmaps) {
         names.append(QFileInfo(path).completeBaseName());
     }
     names.sort();
-    if (names.size() <= mostNames) {
-        return names.join(QStringLiteral(", "));
-    }
-    return ChangeNotice::tr("%1 and %2 more")
-        .arg(names.mid(0, mostNames).join(QStringLiteral(", ")),
-             QString::number(names.size() - mostNames));
+    return NameList(names);
 }
 
 /// One sentence for each document and picture, and one for all bitmaps. verb: "changed".
@@ -46,7 +40,7 @@ QStringList Sentences(const QStringList& paths, const QString& verb)
             bitmaps.append(path);
         } else {
             sentences.append(ChangeNotice::tr("'%1' was %2 by another program.")
-                                 .arg(QFileInfo(path).fileName(), verb));
+                                 .arg(ShortText(QFileInfo(path).fileName()), verb));
         }
     }
     sentences.sort();
@@ -101,9 +95,5 @@ bool ChangeNotice::Reload()
 {
     const bool isEdited = m_parts.form.actionSave->isEnabled();
     const QString path = m_parts.document.Path();
-    const bool isLoaded = isEdited ? m_actions.LoadFrom(path) : m_actions.StartWith(path);
-    if (isLoaded && !isEdited) {
-        m_actions.EnableEditing(false);
-    }
-    return isLoaded;
+    return isEdited ? m_actions.LoadFrom(path) : m_actions.StartWith(path);
 }

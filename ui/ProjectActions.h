@@ -1,33 +1,35 @@
 #pragma once
 
-#include "document/versions/VersionStore.h"
 #include "layers/LayerList.h"
 #include "ui/EditorParts.h"
 #include "ui/ProjectNotices.h"
+#include "ui/ProjectSaving.h"
+#include "ui/ProjectWork.h"
 
 #include <QString>
-
-#include <functional>
-#include <utility>
 
 class DialogNewProject;
 class Document;
 class InteractionModes;
 class Journal;
-class LayerComposition;
+class ProjectDisplay;
 class ProjectReader;
 class QFile;
 class QIODevice;
 struct StoredProject;
 
-/// The actions on whole projects: new, load, save, export and import. They ask the user all
-/// necessary questions. Logging processes events, so an action may be requested while another one
-/// runs; such a request is ignored.
+/// The actions that put another project in the place of the open one, or read files into it: new,
+/// load, import and earlier versions. They ask the user all necessary questions. An action that is
+/// requested while another one runs does nothing.
 class ProjectActions
 {
 public:
-    ProjectActions(const EditorParts& parts, LayerComposition& composition, InteractionModes& modes,
+    ProjectActions(const EditorParts& parts, ProjectDisplay& display, InteractionModes& modes,
                    Journal& journal);
+
+    /// Saves and exports.
+    ProjectSaving& Saving() { return m_saving; }
+    bool IsSaving() const { return m_work.IsSaving(); }
 
     void New();
     /// Asks for the file. Returns whether a project was loaded.
@@ -38,13 +40,6 @@ public:
     /// place and file name, or with asCopy no file name. Asks before it discards unsaved work, and
     /// returns whether the state was opened.
     bool OpenStored(const StoredProject& stored, bool asCopy);
-    bool Save();
-    /// Saves to the project's own file without a dialog, or asks for a file when there is none.
-    bool QuickSave();
-    bool SaveTo(const QString& path);
-    void SaveAll();
-    void SaveMap();
-    void ExportTypes(bool checkedOnly);
 
     void LoadWorldImage();
     void LoadWorldImageFile(const QString& path, bool setsModified = false);
@@ -62,31 +57,14 @@ public:
     /// Removes old versions after KeepDiscarded made a new one.
     void PruneVersions();
 
-    /// Enables the actions and widgets that need an open project.
-    void EnableEditing(bool isEnabled);
-
-    /// LoadFrom for viewing: the window then disables what edits. A notice offers to load it for
-    /// editing.
+    /// LoadFrom for viewing: what edits is disabled then. A notice offers to load it for editing.
     bool StartWith(const QString& configPath);
-    bool IsSaving() const { return m_work == Work::Saving; }
     /// Ends a running load early, because the window was closed.
     void StopLoading();
 
-    /// Shows the project's picture, or none.
-    void ShowBackground();
-    void ShowBackgroundColor();
-
 private:
-    enum class Work
-    {
-        None,
-        Loading,
-        Saving,
-    };
-    class Busy;
-
-    bool IsBusy() const { return m_work != Work::None; }
-
+    bool MayDiscard(const QString& title, const QString& action);
+    bool MayLoad();
     void Create(const DialogNewProject& dialog);
     bool OpenFile(const QString& path);
     bool ReadFrom(QIODevice& file, const MaskSource& masks, const QString& path);
@@ -94,18 +72,16 @@ private:
     void ShowViewing(const QString& path);
     void BeginReplacing();
     void EmptyLists();
-    void TellKept(const VersionStore::Kept& kept, bool isSaved);
-    void ShowWorld();
-    void ShowProject(int selected);
 
     EditorParts m_parts;
-    LayerComposition& m_composition;
+    ProjectDisplay& m_display;
     InteractionModes& m_modes;
     Journal& m_journal;
+    ProjectWork m_work;
     ProjectNotices m_notices;
+    ProjectSaving m_saving;
     ProjectReader* m_reader = nullptr;
     bool m_hasKeptDiscarded = false;
     bool m_isForViewing = false;
-    Work m_work = Work::None;
     bool m_isStopped = false;
 };

@@ -1,5 +1,6 @@
 #include "ui/ProjectNotices.h"
 
+#include "ui/NameList.h"
 #include "ui/widgets/NoticeBar.h"
 
 #include <QDialog>
@@ -13,39 +14,16 @@ const QString DocumentKey = QStringLiteral("document");
 const QString LeftOutKey = QStringLiteral("left out");
 const QString ReplacedKey = QStringLiteral("replaced");
 const QString ViewingKey = QStringLiteral("viewing");
+const QString UnkeptKey = QStringLiteral("unkept version");
 const QString ExportKey = QStringLiteral("export");
 const QString SaveAllKey = QStringLiteral("save all");
 
-constexpr int MostNames = 5;
-/// Characters of a name, and of a parser's reason, in the bar. A long word makes the bar, and with
-/// it the window, wide.
-constexpr int NameLength = 40;
+/// Characters of a parser's reason in the bar.
 constexpr int ReasonLength = 80;
 
 /// In a list that scrolls. A reason names a path.
 constexpr int ListedNameLength = 200;
 constexpr int ListedReasonLength = 5000;
-
-/// In one line. What comes from a file may hold line ends, and any number of characters.
-QString Shortened(const QString& text, int length)
-{
-    const QString line = text.left(length + 1).simplified();
-    return line.size() <= length ? line : line.left(length - 1) + QChar(0x2026);
-}
-
-/// "Lake, Coast" or "Lake, Coast, Moor, Heath, Fen and 12 more".
-QString ShortList(const QStringList& names)
-{
-    const QStringList first = names.mid(0, MostNames);
-    QStringList shown;
-    for (const QString& name : first) {
-        shown.append(Shortened(name, NameLength));
-    }
-    const QString list = shown.join(QStringLiteral(", "));
-    return names.size() <= MostNames ? list
-                                     : QStringLiteral("%1 and %2 more")
-                                           .arg(list, QString::number(names.size() - MostNames));
-}
 
 /// "in line 3: Premature end of document".
 QString PlaceOf(const DocumentFault& fault)
@@ -55,16 +33,15 @@ QString PlaceOf(const DocumentFault& fault)
         reason.chop(1);
     }
     return QStringLiteral("in line %1: %2")
-        .arg(QString::number(fault.line), Shortened(reason, ReasonLength));
+        .arg(QString::number(fault.line), ShortText(reason, ReasonLength));
 }
 
 /// Empty for a document that was read as a whole.
 QString DocumentText(const ReadReport& report)
 {
     const bool hasFile = !report.fileName.isEmpty();
-    const QString name = hasFile
-                             ? QStringLiteral("'%1'").arg(Shortened(report.fileName, NameLength))
-                             : QStringLiteral("The document");
+    const QString name = hasFile ? QStringLiteral("'%1'").arg(ShortText(report.fileName))
+                                 : QStringLiteral("The document");
     const QString loss =
         hasFile ? QStringLiteral(" Saving over it would remove what it holds.") : QString();
     if (!report.isRead) {
@@ -118,7 +95,7 @@ void ProjectNotices::ShowRead(const ReadReport& report)
 void ProjectNotices::ShowViewing(const QString& name, const std::function<void()>& edit)
 {
     m_bar.Show({ViewingKey,
-                QStringLiteral("'%1' is open for viewing.").arg(Shortened(name, NameLength)),
+                QStringLiteral("'%1' is open for viewing.").arg(ShortText(name)),
                 {{QStringLiteral("btnNoticeEdit"), QStringLiteral("Edit"), [edit] {
                       // The load withdraws the notice when it takes place.
                       edit();
@@ -145,7 +122,7 @@ void ProjectNotices::ShowReplaced(const QStringList& layers, bool areKept,
               : QStringLiteral("This save replaced %2 bitmaps of another project: %1.");
     QStringList sorted = layers;
     sorted.sort();
-    const QString names = ShortList(sorted);
+    const QString names = NameList(sorted);
     Notice notice{
         ReplacedKey, isOne ? text.arg(names) : text.arg(names, QString::number(layers.size())), {}};
     if (areKept) {
@@ -159,6 +136,15 @@ void ProjectNotices::ShowReplaced(const QStringList& layers, bool areKept,
                                   }});
     }
     m_bar.Show(notice);
+}
+
+void ProjectNotices::ShowUnkept(const QString& problem)
+{
+    if (problem.isEmpty()) {
+        m_bar.Withdraw(UnkeptKey);
+    } else {
+        m_bar.Show({UnkeptKey, problem, {}});
+    }
 }
 
 void ProjectNotices::FollowExport(bool tickedOnly, int ticked, int all)
@@ -201,7 +187,7 @@ void ProjectNotices::ShowLeftOut(const ReadReport& report)
                                                 "remove them from the project.");
     m_bar.Show({LeftOutKey,
                 text.arg(QString::number(layers.size()), QString::number(report.layerCount),
-                         ShortList(names)),
+                         NameList(names)),
                 {{QStringLiteral("btnNoticeShow"), QStringLiteral("Show"), [this, layers] {
                       ListLeftOut(layers);
                       return false;
@@ -217,8 +203,8 @@ void ProjectNotices::ListLeftOut(const QVector<ReadReport::LeftOutLayer>& layers
     }
     QStringList lines;
     for (const ReadReport::LeftOutLayer& layer : layers) {
-        const QString name = Shortened(layer.name, ListedNameLength);
-        const QString reason = Shortened(layer.reason, ListedReasonLength);
+        const QString name = ShortText(layer.name, ListedNameLength);
+        const QString reason = ShortText(layer.reason, ListedReasonLength);
         lines.append(reason.isEmpty() ? name : QStringLiteral("%1: %2").arg(name, reason));
     }
     m_list = new QDialog(m_bar.window());

@@ -57,6 +57,8 @@ public:
     /// the old ones are among the earlier versions.
     void ShowReplaced(const QStringList& layers, bool areKept,
                       const std::function<void()>& showVersions);
+    /// Why an earlier version could not be kept; empty when all is well.
+    void ShowUnkept(const QString& problem);
     /// Territory types are exported: all, or only those that are ticked.
     void FollowExport(bool tickedOnly, int ticked, int all);
     /// "Save and export all" was chosen, which does nothing without layers.

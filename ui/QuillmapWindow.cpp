@@ -25,6 +25,7 @@
 #include "ui/InteractionModes.h"
 #include "ui/LayerComposition.h"
 #include "ui/ProjectActions.h"
+#include "ui/ProjectDisplay.h"
 #include "ui/RecentProjects.h"
 #include "ui/SessionNotices.h"
 #include "ui/StatusTexts.h"
@@ -87,7 +88,8 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
         *m_terTypeProps};
     m_composition = std::make_unique<LayerComposition>(*m_document, *m_ui->paintView);
     m_modes = std::make_unique<InteractionModes>(parts);
-    m_project = std::make_unique<ProjectActions>(parts, *m_composition, *m_modes, *m_journal);
+    m_display = std::make_unique<ProjectDisplay>(parts, *m_composition, *m_modes);
+    m_project = std::make_unique<ProjectActions>(parts, *m_display, *m_modes, *m_journal);
     m_edit = std::make_unique<EditActions>(parts);
     m_gestures = std::make_unique<Gestures>(*m_document);
     m_recent = std::make_unique<RecentProjects>(
@@ -110,7 +112,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
         OpenForViewing(configPath);
     }
     WindowState::Restore(*this);
-    m_project->EnableEditing(false);
+    m_display->EnableEditing(false);
     m_brush->setVisible(m_ui->gboPaintMode->isChecked());
     ShowDockStates();
     WindowState::MaximizeIfTooLarge(*this);
@@ -199,17 +201,17 @@ void QuillmapWindow::LoadProject()
 
 bool QuillmapWindow::SaveProject()
 {
-    return m_project->Save();
+    return m_project->Saving().Save();
 }
 
 void QuillmapWindow::SaveAll()
 {
-    m_project->SaveAll();
+    m_project->Saving().SaveAll();
 }
 
 void QuillmapWindow::SaveAreaMap()
 {
-    m_project->SaveMap();
+    m_project->Saving().SaveMap();
 }
 
 void QuillmapWindow::LoadWorldImage()
@@ -229,7 +231,7 @@ void QuillmapWindow::ImportAreaMap()
 
 bool QuillmapWindow::SaveProjectFile(const QString& filepath)
 {
-    return m_project->SaveTo(filepath);
+    return m_project->Saving().SaveTo(filepath);
 }
 
 bool QuillmapWindow::LoadAreaTypesFile(const QString& filepath)
@@ -249,12 +251,12 @@ void QuillmapWindow::FinalizeConfigurationLoad(bool isSuccessful, int selected)
 
 void QuillmapWindow::ExportSelectedTerritoryTypes()
 {
-    m_project->ExportTypes(true);
+    m_project->Saving().ExportTypes(true);
 }
 
 void QuillmapWindow::ExportAllTerritoryTypes()
 {
-    m_project->ExportTypes(false);
+    m_project->Saving().ExportTypes(false);
 }
 
 void QuillmapWindow::ShowLayers(bool checked)

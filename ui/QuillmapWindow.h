@@ -26,6 +26,7 @@ class Layer;
 class LayerComposition;
 class LayerList;
 class ProjectActions;
+class ProjectDisplay;
 class QGraphicsItem;
 class RecentProjects;
 class SessionNotices;
@@ -125,6 +126,7 @@ private:
     std::unique_ptr<DockHistory> m_history;
     std::unique_ptr<LayerComposition> m_composition;
     std::unique_ptr<InteractionModes> m_modes;
+    std::unique_ptr<ProjectDisplay> m_display;
     std::unique_ptr<ProjectActions> m_project;
     std::unique_ptr<EditActions> m_edit;
     std::unique_ptr<Gestures> m_gestures;

@@ -15,6 +15,7 @@
 #include "ui/DockTerTypes.h"
 #include "ui/LayerComposition.h"
 #include "ui/ProjectActions.h"
+#include "ui/ProjectDisplay.h"
 #include "ui/QuillmapWindow.h"
 #include "ui/RecentProjects.h"
 #include "ui_QuillmapWindow.h"
@@ -35,7 +36,8 @@ void QuillmapWindow::ConnectActions()
     connect(ui.actionNew, &QAction::triggered, this, &QuillmapWindow::NewProject);
     connect(ui.actionLoad, &QAction::triggered, this, &QuillmapWindow::LoadProject);
     connect(ui.actionSave, &QAction::triggered, this, &QuillmapWindow::SaveProject);
-    connect(ui.actionQuickSave, &QAction::triggered, this, [this] { m_project->QuickSave(); });
+    connect(ui.actionQuickSave, &QAction::triggered, this,
+            [this] { m_project->Saving().QuickSave(); });
     connect(ui.actionVersions, &QAction::triggered, this, [this] { m_project->ShowVersions(); });
     connect(ui.actionSaveAll, &QAction::triggered, this, &QuillmapWindow::SaveAll);
     connect(ui.actionLoadWorld, &QAction::triggered, this, &QuillmapWindow::LoadWorldImage);
@@ -115,12 +117,12 @@ void QuillmapWindow::ConnectDocument()
     });
     connect(m_document.get(), &Document::BackgroundPictureChanged, this, [this] {
         if (m_document->IsTravelling()) {
-            m_project->ShowBackground();
+            m_display->ShowBackground();
         }
     });
     connect(m_document.get(), &Document::BackgroundColorChanged, this, [this] {
         if (m_document->IsTravelling()) {
-            m_project->ShowBackgroundColor();
+            m_display->ShowBackgroundColor();
         }
     });
     connect(m_document.get(), &Document::LayerChanged, this,

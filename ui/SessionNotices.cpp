@@ -6,6 +6,7 @@
 #include "document/journal/JournalReader.h"
 #include "document/journal/Recovery.h"
 #include "ui/FileDialogs.h"
+#include "ui/NameList.h"
 #include "ui/ProjectActions.h"
 #include "ui/QuillmapWindow.h"
 #include "ui/widgets/NoticeBar.h"
@@ -40,11 +41,9 @@ QString TimeText(const QDateTime& time)
                                                : QStringLiteral("d MMM yyyy HH:mm"));
 }
 
-/// A name comes from a file and may hold anything.
 QString NameText(const QString& name)
 {
-    constexpr int maxLength = 40;
-    return QStringLiteral("'%1'").arg(name.simplified().left(maxLength));
+    return QStringLiteral("'%1'").arg(ShortText(name));
 }
 
 QString WhoseText(const JournalReader& journal)
@@ -67,6 +66,7 @@ SessionNotices::SessionNotices(const EditorParts& parts, ProjectActions& actions
     connect(&parts.document, &Document::AboutToClear, this,
             [this] { m_parts.form.barNotice->Withdraw(RestoredKey); });
     connect(&parts.document, &Document::FilesNoted, this, &SessionNotices::FollowPath);
+    m_checks.setMaxThreadCount(1);
     connect(&m_timer, &QTimer::timeout, this, &SessionNotices::Look);
     m_timer.start(LookMilliseconds);
     QTimer::singleShot(0, this, &SessionNotices::Look);
@@ -98,14 +98,28 @@ void SessionNotices::LookForDeadSessions()
             continue;
         }
         m_seen.insert(folder);
-        if (const std::optional<JournalReader> journal = JournalReader::Open(folder)) {
-            Offer(folder, *journal);
-        }
+        // A log may be so long that the window would not answer meanwhile.
+        m_checks.start([this, folder] {
+            const std::optional<JournalReader> journal = JournalReader::Open(folder);
+            const bool isEmpty = !journal && JournalReader::IsUncommitted(folder);
+            const auto follow = [this, folder, journal, isEmpty] {
+                if (journal) {
+                    Offer(folder, *journal);
+                } else if (isEmpty) {
+                    Recovery::Discard(folder);
+                }
+            };
+            QMetaObject::invokeMethod(this, follow, Qt::QueuedConnection);
+        });
     }
 }
 
 void SessionNotices::Offer(const QString& folder, const JournalReader& journal)
 {
+    if (!m_seen.contains(folder)) {
+        // Another session took it during the check.
+        return;
+    }
     Notice notice;
     notice.key = KeyOf(folder);
     notice.text = QStringLiteral("Unsaved work on %1, last change %2, was found.")

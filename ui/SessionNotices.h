@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QSet>
 #include <QString>
+#include <QThreadPool>
 #include <QTimer>
 
 #include <memory>
@@ -40,8 +41,10 @@ private:
     ProjectActions& m_actions;
     Journal& m_journal;
     QTimer m_timer;
-    /// The journals that were offered or cannot be read.
+    /// The journals that were offered, are being checked, or cannot be read.
     QSet<QString> m_seen;
     std::unique_ptr<SessionLock> m_lock;
     QString m_lockedPath;
+    /// Reads the journals that were found. Its end waits for that, so it is the last member.
+    QThreadPool m_checks;
 };

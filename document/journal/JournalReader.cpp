@@ -1,6 +1,5 @@
 #include "document/journal/JournalReader.h"
 
-#include "app/ProjectSettings.h"
 #include "document/KnownFiles.h"
 #include "document/journal/JournalFolder.h"
 #include "layers/Targa.h"
@@ -117,11 +116,14 @@ public:
                 hash.addData(m_session);
             }
         }
+        isReadToEnd = m_file.atEnd();
     }
 
     std::vector<TilePlace> tiles;
     std::vector<BasePlace> bases;
     std::vector<CommitPlace> commits;
+    /// Whether there is no fault, but for a record that is cut off.
+    bool isReadToEnd = false;
 
 private:
     bool Take(const Record& record, qint64 offset)
@@ -369,6 +371,20 @@ std::optional<JournalReader> JournalReader::Open(const QString& folder, QString*
     return fault.isEmpty() ? std::make_optional(JournalReader(content)) : std::nullopt;
 }
 
+bool JournalReader::IsUncommitted(const QString& folder)
+{
+    const auto session =
+        journal::ReadPlain(journal::SessionPath(folder), journal::MaxSessionLength);
+    const auto header = session ? journal::ToHeader(*session) : std::nullopt;
+    QFile log(journal::LogPath(folder));
+    if (!header || !journal::OpenPlain(log)) {
+        return false;
+    }
+    LogScan scan(log, *session, header->layerSize);
+    scan.Run();
+    return scan.isReadToEnd && scan.commits.empty();
+}
+
 const QString& JournalReader::ProjectPath() const
 {
     return m_content->header.path;
@@ -428,11 +444,8 @@ QByteArray JournalReader::Text() const
 
 StoredProject JournalReader::Stored() const
 {
-    const JournalReader reader = *this;
-    const auto masks = [reader](int number, const QString& /*name*/) {
-        // Damaged files may name two sizes.
-        const bool fits = ProjectSettings::Instance().LayerSize() == reader.LayerSize();
-        return fits ? reader.Mask(number) : QImage();
+    const auto masks = [reader = *this](int number, const QString& /*name*/) {
+        return reader.Mask(number);
     };
     const JournalHeader& header = m_content->header;
     return {Text(), masks, header.path, header.folder, header.files.keys()};

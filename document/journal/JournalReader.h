@@ -23,6 +23,10 @@ public:
     /// Nothing when no commit can be restored; then the reason tells why.
     static std::optional<JournalReader> Open(const QString& folder, QString* reason = nullptr);
 
+    /// Whether the session ended before its first commit, so that its journal restores nothing.
+    /// False for a journal that is damaged or of another version of the program.
+    static bool IsUncommitted(const QString& folder);
+
     /// Where the project was on disk; empty when it was never saved.
     const QString& ProjectPath() const;
     const QString& ProjectName() const;
@@ -42,7 +46,7 @@ public:
     /// Null when it is no longer as it was at Open.
     QByteArray Text() const;
 
-    /// Text and masks. The masks are null while the project has another layer size.
+    /// Text and masks, which have the layer size of the header, whatever the text says.
     StoredProject Stored() const;
 
 private:

@@ -61,8 +61,8 @@ public:
 
     /// Closes the journal and removes its folder.
     void End();
-    /// Closes the journal and moves its folder; see Recovery::MoveTo. When that fails, the folder
-    /// stays as that of a session that has ended.
+    /// Closes the journal and moves its folder to a path where there is nothing yet; folders above
+    /// it are made. When that fails, the folder stays as that of a session that has ended.
     bool MoveTo(const QString& target);
 
 private:

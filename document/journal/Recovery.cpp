@@ -89,10 +89,4 @@ bool Discard(const QString& folder, std::shared_ptr<void> lock)
     return lock && journal::RemoveFolder(QDir::cleanPath(folder), std::move(lock));
 }
 
-bool MoveTo(const QString& folder, const QString& target)
-{
-    std::shared_ptr<void> lock = Lock(folder);
-    return lock && !journal::MoveFolder(QDir::cleanPath(folder), target, std::move(lock));
-}
-
 } // namespace Recovery

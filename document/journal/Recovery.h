@@ -28,8 +28,5 @@ inline bool Discard(const QString& folder)
 {
     return Discard(folder, Lock(folder));
 }
-/// Moves the journal of a dead session to a path where there is nothing yet; folders above it are
-/// made. When it fails, the journal stays.
-bool MoveTo(const QString& folder, const QString& target);
 
 } // namespace Recovery

@@ -1,6 +1,7 @@
 #include "document/versions/Version.h"
 
 #include "document/StoredProject.h"
+#include "document/journal/JournalFolder.h"
 #include "document/journal/JournalReader.h"
 #include "document/versions/ProjectOutline.h"
 #include "layers/raster/TargaCodec.h"
@@ -47,12 +48,6 @@ bool IsPlainFolder(const QString& path)
     return !folder.isSymLink() && folder.isDir();
 }
 
-QByteArray ReadFile(const QString& path)
-{
-    QFile file(path);
-    return IsPlainFile(path) && file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 qint64 BytesBelow(const QString& folder)
 {
     qint64 bytes = 0;
@@ -68,21 +63,21 @@ qint64 BytesBelow(const QString& folder)
 QImage LoadMask(const QString& path, QSize size)
 {
     QFile file(path);
-    if (!IsPlainFile(path) || !file.open(QIODevice::ReadOnly)) {
+    if (!journal::OpenPlain(file)) {
         return {};
     }
     const uchar* bytes = file.map(0, file.size());
     return bytes ? raster::DecodeTarga(bytes, file.size(), size).mask : QImage();
 }
 
-std::error_code Copy(const QString& from, const QString& to)
+} // namespace
+
+std::error_code VersionFiles::Copy(const QString& from, const QString& to)
 {
     std::error_code error;
     std::filesystem::copy_file(platform::ToPath(from), platform::ToPath(to), error);
     return error;
 }
-
-} // namespace
 
 Version::Version(const QString& folder)
     : m_folder(folder)
@@ -91,12 +86,12 @@ Version::Version(const QString& folder)
 
 std::optional<Version> Version::Read(const QString& folder)
 {
-    const QFileInfo info(Version(folder).PathOf(VersionFiles::Info));
-    if (!IsPlainFolder(folder) || info.size() > MaxInfoBytes) {
+    if (!IsPlainFolder(folder)) {
         return std::nullopt;
     }
-    const QJsonObject object = QJsonDocument::fromJson(ReadFile(info.filePath())).object();
     Version version(folder);
+    const auto info = journal::ReadPlain(version.PathOf(VersionFiles::Info), MaxInfoBytes);
+    const QJsonObject object = QJsonDocument::fromJson(info.value_or(QByteArray())).object();
     version.m_path = object[QLatin1String("path")].toString();
     version.m_time =
         QDateTime::fromString(object[QLatin1String("time")].toString(), Qt::ISODateWithMs);
@@ -159,9 +154,12 @@ QString Version::PathOf(QLatin1String file) const
 StoredProject Version::Stored() const
 {
     if (m_kind == VersionKind::Discarded) {
-        return StoredJournal();
+        const auto reader = JournalReader::Open(PathOf(VersionFiles::Journal));
+        return reader ? reader->Stored() : StoredProject();
     }
-    const QByteArray text = UpToFault(ReadFile(PathOf(VersionFiles::Document)));
+    const QString document = PathOf(VersionFiles::Document);
+    const QByteArray text =
+        UpToFault(journal::ReadPlain(document, journal::MaxTextLength).value_or(QByteArray()));
     const QSize size = OutlineOf(text).layerSize;
     const QString folder = IsPlainFolder(PathOf(VersionFiles::Layers)) ? m_folder : QString();
     const auto load = [folder, size](int /*number*/, const QString& name) {
@@ -169,23 +167,6 @@ StoredProject Version::Stored() const
                                 : LoadMask(folder + QLatin1Char('/') + BitmapFile(name), size);
     };
     return {text, load, m_path};
-}
-
-/// The journal's masks, also while a project of another layer size is open.
-StoredProject Version::StoredJournal() const
-{
-    const auto reader = JournalReader::Open(PathOf(VersionFiles::Journal));
-    if (!reader) {
-        return {{}, [](int, const QString&) { return QImage(); }, m_path};
-    }
-    const QSize size = OutlineOf(reader->Text()).layerSize;
-    const auto load = [reader = *reader, size](int number, const QString& /*name*/) {
-        // Damaged files may name two sizes.
-        return reader.LayerSize() == size ? reader.Mask(number) : QImage();
-    };
-    StoredProject stored = reader->Stored();
-    stored.masks = load;
-    return stored;
 }
 
 QImage Version::Picture() const
@@ -220,14 +201,15 @@ QString Version::CopyFilesTo(const QString& folder) const
     make(folder + QLatin1Char('/') + VersionFiles::Layers);
     if (!error) {
         const QString name = Name().isEmpty() ? QStringLiteral("document") : Name();
-        error = Copy(PathOf(VersionFiles::Document), folder + QStringLiteral("/%1.xml").arg(name));
+        error = VersionFiles::Copy(PathOf(VersionFiles::Document),
+                                   folder + QStringLiteral("/%1.xml").arg(name));
     }
     const QStringList bitmaps = Bitmaps();
     for (const QString& bitmap : bitmaps) {
         if (!error) {
             const QString to = folder + QLatin1Char('/') + VersionFiles::Layers;
-            error = Copy(PathOf(VersionFiles::Layers) + QLatin1Char('/') + bitmap,
-                         to + QLatin1Char('/') + bitmap);
+            error = VersionFiles::Copy(PathOf(VersionFiles::Layers) + QLatin1Char('/') + bitmap,
+                                       to + QLatin1Char('/') + bitmap);
         }
     }
     return error ? QString::fromLocal8Bit(error.message().c_str()) : QString();

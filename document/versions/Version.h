@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include <optional>
+#include <system_error>
 
 struct StoredProject;
 
@@ -28,6 +29,9 @@ inline const QLatin1String Document("document.xml");
 inline const QLatin1String Layers("layers");
 inline const QLatin1String Journal("journal");
 inline const QLatin1String Picture("picture.png");
+
+/// Fails with file_exists when there is something at the new path.
+std::error_code Copy(const QString& from, const QString& to);
 } // namespace VersionFiles
 
 /// An earlier state of a project: a folder with "document.xml", the bitmaps of its layers as plain
@@ -71,7 +75,6 @@ public:
 private:
     explicit Version(const QString& folder);
     QString PathOf(QLatin1String file) const;
-    StoredProject StoredJournal() const;
 
     QString m_folder;
     VersionKind m_kind = VersionKind::Saved;

@@ -10,7 +10,8 @@ struct VersionLimits
     int keep = 20;
     /// Of older ones, the last of each day, for so many days.
     int days = 30;
-    /// What all versions of all projects together may take on the disk.
+    /// What all versions of all projects together may take on the disk. The newest one may take
+    /// more by itself.
     qint64 maxBytes = qint64(1) << 30;
 
     /// The user's: the keys "keep", "days" and "maxBytes" of the group "Versions" in the

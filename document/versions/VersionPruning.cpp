@@ -10,6 +10,7 @@
 #include <QFileInfo>
 
 #include <functional>
+#include <iterator>
 #include <map>
 #include <utility>
 #include <vector>
@@ -115,7 +116,12 @@ void PruneBySize(const QStringList& projectFolders, qint64 maxBytes)
             oldestFirst.emplace(id, version);
         }
     }
-    // One that is too large by itself must not take all others along.
+    // What was replaced or discarded just now stays, whatever its size, unless nothing is kept.
+    QString newest;
+    if (maxBytes > 0 && !oldestFirst.empty()) {
+        newest = std::prev(oldestFirst.end())->second;
+        oldestFirst.erase(std::prev(oldestFirst.end()));
+    }
     const auto removeWhile = [&](const std::function<bool(const QString&)>& isTooMuch) {
         for (const auto& each : oldestFirst) {
             const QString& version = each.second;
@@ -124,9 +130,12 @@ void PruneBySize(const QStringList& projectFolders, qint64 maxBytes)
             }
         }
     };
+    // One that is too large by itself must not take all others along.
     removeWhile([&](const QString& version) { return holdings.BytesAlone(version) > maxBytes; });
+    const qint64 newestBytes = newest.isEmpty() ? 0 : holdings.BytesAlone(newest);
+    const qint64 most = newestBytes > maxBytes ? newestBytes + maxBytes : maxBytes;
     removeWhile([&](const QString& version) {
-        return holdings.bytes > maxBytes && QFileInfo::exists(version);
+        return holdings.bytes > most && QFileInfo::exists(version);
     });
 }
 

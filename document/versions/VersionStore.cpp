@@ -51,13 +51,6 @@ std::error_code Link(const QString& from, const QString& to)
     return error;
 }
 
-std::error_code Copy(const QString& from, const QString& to)
-{
-    std::error_code error;
-    std::filesystem::copy_file(platform::ToPath(from), platform::ToPath(to), error);
-    return error;
-}
-
 std::error_code Write(const QByteArray& bytes, const QString& to)
 {
     QFile file(to);
@@ -194,7 +187,7 @@ std::error_code Put(const Source& source, const QString& previous, const QString
     }
     // Nobody waits until a copy is on the disk. It is one more net, and saves would take twice as
     // long.
-    return Copy(source.from, to);
+    return VersionFiles::Copy(source.from, to);
 }
 
 } // namespace

@@ -14,7 +14,6 @@
 #include <functional>
 
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -98,26 +97,6 @@ bool Tidy(const QString& folder)
     return true;
 }
 
-/// Runs a step in a process that ends before the number-th change of a name; false when it came to
-/// its end before that.
-bool IsKilled(const Step& step, const QString& folder, int number)
-{
-    const pid_t child = fork();
-    if (child == 0) {
-        DieBeforeStep(number);
-        const bool isDone = step(folder);
-        DieBeforeStep(-1);
-        _exit(isDone ? 0 : 1);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    if (code != 0 && code != DeadExitCode) {
-        qFatal("A step failed.");
-    }
-    return code == DeadExitCode;
-}
-
 /// What a reader of a name finds is always a whole file.
 bool AreWhole(const Files& files)
 {
@@ -184,7 +163,7 @@ void tst_FileGroup::AKillAtAnyStepIsMended()
     for (; isKilled; ++number) {
         const QTemporaryDir folder;
         MakeOld(folder.path());
-        isKilled = IsKilled(step, folder.path(), number);
+        isKilled = IsKilled(number, [&] { return step(folder.path()); });
         if (!after.contains("c/e/")) {
             QVERIFY2(AreWhole(FilesBelow(folder.path())), qPrintable(QString::number(number)));
         }
@@ -220,8 +199,8 @@ void tst_FileGroup::KillsOfTheMenderAreMended()
             for (int second = 0; isSecondKilled; second += stride) {
                 const QTemporaryDir folder;
                 MakeOld(folder.path());
-                isFirstKilled = IsKilled(step, folder.path(), first);
-                isSecondKilled = IsKilled(Tidy, folder.path(), second);
+                isFirstKilled = IsKilled(first, [&] { return step(folder.path()); });
+                isSecondKilled = IsKilled(second, [&] { return Tidy(folder.path()); });
                 Tidy(folder.path());
                 const Files files = FilesBelow(folder.path());
                 const bool isOld = files.value("a") == Old()["a"] && files["c/d"] == Old()["c/d"] &&

@@ -2,30 +2,24 @@
 
 #include "app/ProjectSettings.h"
 #include "document/edits/LayerEdits.h"
-#include "document/edits/PaintMask.h"
 #include "document/edits/TerritoryEdits.h"
-#include "layers/raster/Mask.h"
 #include "territories/TerritoryType.h"
 #include "territories/Zone.h"
+#include "tests/support/DocumentFixture.h"
 #include "tests/support/FailingDisk.h"
 #include "tests/support/LogSpy.h"
 #include "tests/support/Masks.h"
-#include "tests/support/ProjectFixture.h"
 #include "tests/support/Random.h"
 
 #include <QDir>
-#include <QGraphicsScene>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QWidget>
-
-#include <algorithm>
 
 #include <unistd.h>
 
 namespace {
 
-constexpr int Side = 200;
+constexpr int Side = DocumentFixture::Side;
 
 bool IsModified()
 {
@@ -89,56 +83,26 @@ private slots:
     void TenThousandStepsComeBack();
 
 private:
-    Layer* AddLayer();
-    /// Fills the rectangle with the value, as a step.
-    void Fill(Layer& layer, const QRect& rect, uchar value);
+    Layer* AddLayer() { return m_fixture->AddLayer(); }
+    void Fill(Layer& layer, const QRect& rect, uchar value) { m_fixture->Fill(layer, rect, value); }
 
-    std::unique_ptr<QWidget> m_window;
-    std::unique_ptr<ProjectFixture> m_project;
-    std::unique_ptr<QGraphicsScene> m_scene;
-    std::unique_ptr<Document> m_document;
+    std::unique_ptr<DocumentFixture> m_fixture;
+    Document* m_document = nullptr;
     TerritoryType* m_type = nullptr;
     Territory* m_territory = nullptr;
 };
 
 void tst_Document::init()
 {
-    // Layers and territories have check boxes and names while there is a window.
-    m_window = std::make_unique<QWidget>();
-    m_project = std::make_unique<ProjectFixture>(QSize(Side, Side), QSize(Side, Side));
-    m_scene = std::make_unique<QGraphicsScene>(0, 0, Side, Side);
-    m_document = std::make_unique<Document>();
-    m_document->SetZoneScene(m_scene.get());
-    m_document->SetEditable(true);
-    auto type = std::make_unique<TerritoryType>("Deer");
-    m_type = type.get();
-    m_document->Do(Edits::AddType(m_document->Types(), std::move(type)));
-    m_document->Do(Edits::AddTerritory(*m_type, std::make_unique<Territory>("North")));
-    m_territory = dynamic_cast<Territory*>(m_type->child(0));
-    m_document->BeginHistory(true);
+    m_fixture = std::make_unique<DocumentFixture>();
+    m_document = &m_fixture->document;
+    m_type = m_fixture->type;
+    m_territory = m_fixture->territory;
 }
 
 void tst_Document::cleanup()
 {
-    m_document.reset();
-    m_scene.reset();
-    m_project.reset();
-    m_window.reset();
-}
-
-Layer* tst_Document::AddLayer()
-{
-    m_document->Do(Edits::AddPaintedLayer(m_document->Layers(), raster::BlankMask({Side, Side})));
-    return m_document->Layers().LayerAt(m_document->Layers().model()->rowCount() - 1);
-}
-
-void tst_Document::Fill(Layer& layer, const QRect& rect, uchar value)
-{
-    QImage mask = layer.Image().copy();
-    for (int y = rect.top(); y <= rect.bottom(); ++y) {
-        std::fill_n(mask.scanLine(y) + rect.left(), rect.width(), value);
-    }
-    m_document->Do(std::make_unique<PaintMask>("Fill", layer, mask));
+    m_fixture.reset();
 }
 
 void tst_Document::StepsAreUndoneAndDoneAgain()
@@ -287,7 +251,7 @@ void tst_Document::RemovedTerritoriesComeBackWithTheirZones()
         QCOMPARE(zone->scene(), nullptr);
         QCOMPARE(m_document->CurrentTerritory(), nullptr);
         m_document->Undo();
-        QCOMPARE(zone->scene(), m_scene.get());
+        QCOMPARE(zone->scene(), &m_fixture->scene);
         QVERIFY(!zone->isSelected());
         QCOMPARE(m_territory->GetType(), m_type);
     }

@@ -11,9 +11,6 @@
 #include <QFileInfo>
 #include <QTest>
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <functional>
 #include <memory>
 
@@ -29,38 +26,22 @@ bool RunSession(JournalSession& session)
            session.Commit("<three/>") && session.Writer().Compact();
 }
 
+/// When the journal was written last.
+void SetMinutesAgo(const QString& folder, int minutes)
+{
+    QFile log(journal::LogPath(folder));
+    QVERIFY(log.open(QIODevice::ReadWrite));
+    QVERIFY(log.setFileTime(QDateTime::currentDateTime().addSecs(-60 * minutes),
+                            QFileDevice::FileModificationTime));
+}
+
 /// The journal of a session that has ended without its end, as after a kill.
 QString MakeDead(const QString& projectPath, int minutesAgo = 0)
 {
     JournalSession session(Size, projectPath);
     [&] { QVERIFY(RunSession(session)); }();
-    QFile log(journal::LogPath(session.Writer().Folder()));
-    [&] {
-        QVERIFY(log.open(QIODevice::ReadWrite));
-        QVERIFY(log.setFileTime(QDateTime::currentDateTime().addSecs(-60 * minutesAgo),
-                                QFileDevice::FileModificationTime));
-    }();
+    SetMinutesAgo(session.Writer().Folder(), minutesAgo);
     return session.Writer().Folder();
-}
-
-/// Runs the function in a process that ends before the number-th change of a name; false when it
-/// came to its end before that.
-bool IsKilled(int number, const std::function<bool()>& run)
-{
-    const pid_t child = fork();
-    if (child == 0) {
-        DieBeforeStep(number);
-        const bool isDone = run();
-        DieBeforeStep(-1);
-        _exit(isDone ? 0 : 1);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    if (code != 0 && code != DeadExitCode) {
-        qFatal("A step failed.");
-    }
-    return code == DeadExitCode;
 }
 
 /// Copying is what a move to another disk is.
@@ -93,7 +74,6 @@ private slots:
     void MovesAJournal();
     void AMoveThatFailsLeavesTheJournal_data();
     void AMoveThatFailsLeavesTheJournal();
-    void ASessionMovesItsOwnJournal();
     void AProjectIsOpenInOneSession();
     void ALockIsGoneWithItsProcess();
     void ALockIsImpossibleWithoutAFolder();
@@ -131,7 +111,6 @@ void tst_Recovery::AJournalIsAliveAsLongAsItsWriter()
     const QString folder = living.Writer().Folder();
     QVERIFY(Recovery::DeadJournals().isEmpty());
     QVERIFY(!Recovery::Discard(folder));
-    QVERIFY(!Recovery::MoveTo(folder, File("target")));
     QCOMPARE(*RestoredState(folder) == living.States().last(), true);
     // Looking at it has not taken its lock.
     QVERIFY(living.Commit("<four/>"));
@@ -258,8 +237,6 @@ void tst_Recovery::DiscardsOnlyJournals()
     QCOMPARE(QFileInfo::exists(dead), !isDiscarded);
     if (!isDiscarded) {
         QCOMPARE(FilesBelow(m_data->Path()), before);
-        QVERIFY(!Recovery::MoveTo(path, File("target")));
-        QCOMPARE(FilesBelow(m_data->Path()), before);
     }
 }
 
@@ -285,22 +262,27 @@ void tst_Recovery::MovesAJournal_data()
 void tst_Recovery::MovesAJournal()
 {
     QFETCH(bool, isOtherDisk);
-    const QString dead = MakeDead("/p/a.xml", 90);
-    const QByteArray state = RestoredState(dead).value();
-    const QDateTime time = JournalReader::Open(dead)->LastChange();
+    JournalSession session(Size);
+    QVERIFY(RunSession(session));
+    const QString folder = session.Writer().Folder();
+    SetMinutesAgo(folder, 90);
+    const QDateTime time = JournalReader::Open(folder)->LastChange();
     const QString target = File("versions/key/id");
     {
         const auto fault = isOtherDisk ? std::make_unique<RenamesFail>() : nullptr;
-        QVERIFY(Recovery::MoveTo(dead, target));
+        QVERIFY(session.Writer().MoveTo(target));
     }
-    QVERIFY(!QFileInfo::exists(dead));
+    QVERIFY(!QFileInfo::exists(folder));
     QVERIFY(!QFileInfo::exists(target + "/lock"));
-    QCOMPARE(*RestoredState(target) == state, true);
+    QCOMPARE(*RestoredState(target) == session.States().last(), true);
     QCOMPARE(JournalReader::Open(target)->LastChange(), time);
     const QFile::Permissions others =
         QFile::ReadGroup | QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther;
     QVERIFY((QFile::permissions(target) & others) == 0);
     QVERIFY((QFile::permissions(journal::LogPath(target)) & others) == 0);
+    QVERIFY(session.Writer().Folder().isEmpty() && !session.Writer().IsReady());
+    QVERIFY(!session.Writer().MoveTo(File("versions/b")));
+    QVERIFY(session.Begin());
 }
 
 void tst_Recovery::AMoveThatFailsLeavesTheJournal_data()
@@ -328,13 +310,14 @@ void tst_Recovery::AMoveThatFailsLeavesTheJournal_data()
 void tst_Recovery::AMoveThatFailsLeavesTheJournal()
 {
     QFETCH(std::function<std::shared_ptr<void>(const QString&)>, fault);
-    const QString dead = MakeDead("/p/a.xml");
-    const QByteArray state = RestoredState(dead).value();
+    JournalSession session(Size);
+    QVERIFY(RunSession(session));
+    const QString folder = session.Writer().Folder();
     const QString target = File("key/id");
     {
         const std::shared_ptr<void> there = fault(target);
         const QMap<QString, QByteArray> before = FilesBelow(m_folder->path());
-        QVERIFY(!Recovery::MoveTo(dead, target));
+        QVERIFY(!session.Writer().MoveTo(target));
         QMap<QString, QByteArray> after = FilesBelow(m_folder->path());
         if (before.isEmpty()) {
             // The folder above the target may have been made.
@@ -342,22 +325,9 @@ void tst_Recovery::AMoveThatFailsLeavesTheJournal()
         }
         QCOMPARE(after, before);
     }
-    QCOMPARE(*RestoredState(dead) == state, true);
-    QCOMPARE(Recovery::DeadJournals(), QStringList{dead});
-    QVERIFY(Recovery::Discard(dead));
-}
-
-void tst_Recovery::ASessionMovesItsOwnJournal()
-{
-    JournalSession session(Size);
-    QVERIFY(RunSession(session));
-    const QString folder = session.Writer().Folder();
-    QVERIFY(session.Writer().MoveTo(File("versions/a")));
-    QVERIFY(!QFileInfo::exists(folder));
-    QCOMPARE(*RestoredState(File("versions/a")) == session.States().last(), true);
-    QVERIFY(session.Writer().Folder().isEmpty() && !session.Writer().IsReady());
-    QVERIFY(!session.Writer().MoveTo(File("versions/b")));
-    QVERIFY(session.Begin());
+    QCOMPARE(*RestoredState(folder) == session.States().last(), true);
+    QCOMPARE(Recovery::DeadJournals(), QStringList{folder});
+    QVERIFY(Recovery::Discard(folder));
 }
 
 void tst_Recovery::AProjectIsOpenInOneSession()

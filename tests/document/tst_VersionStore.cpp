@@ -3,7 +3,6 @@
 #include "document/StoredProject.h"
 #include "document/journal/Recovery.h"
 #include "document/versions/ProjectOutline.h"
-#include "document/versions/VersionFolders.h"
 #include "document/versions/VersionStore.h"
 #include "platform/Files.h"
 #include "tests/support/FailingDisk.h"
@@ -63,8 +62,6 @@ bool IsOneFile(const QString& path, const QString& other)
 
 } // namespace
 
-Q_DECLARE_METATYPE(VersionLimits)
-
 class tst_VersionStore : public QObject
 {
     Q_OBJECT
@@ -83,12 +80,7 @@ private slots:
     void KeepsAJournal();
     void TellsWhyNothingWasKept_data();
     void TellsWhyNothingWasKept();
-    void KeepsTheNewestAndOneADay_data();
-    void KeepsTheNewestAndOneADay();
-    void RemovesTheOldestBeyondASize_data();
-    void RemovesTheOldestBeyondASize();
     void LimitsAreTheUsers();
-    void RemovesWhatKilledProgramsLeft();
     void SkipsDamagedVersions_data();
     void SkipsDamagedVersions();
     void NoNameLeadsOutOfAVersion();
@@ -411,104 +403,6 @@ void tst_VersionStore::TellsWhyNothingWasKept()
     QVERIFY(!isMoved);
 }
 
-void tst_VersionStore::KeepsTheNewestAndOneADay_data()
-{
-    QTest::addColumn<VersionLimits>("limits");
-    QTest::addColumn<QVector<int>>("hoursAgo");
-    QTest::addColumn<QVector<bool>>("stays");
-
-    // Now is noon.
-    const VersionLimits two{2, 3, 1 << 20};
-    QTest::newRow("none") << two << QVector<int>{} << QVector<bool>{};
-    QTest::newRow("few") << two << QVector<int>{0, 1} << QVector<bool>{true, true};
-    QTest::newRow("too many of a day")
-        << two << QVector<int>{0, 1, 2} << QVector<bool>{true, true, false};
-    QTest::newRow("the last of each day")
-        << two << QVector<int>{0, 1, 2, 13, 14, 37, 38}
-        << QVector<bool>{true, true, false, true, false, true, false};
-    QTest::newRow("days end") << two << QVector<int>{0, 1, 60, 61, 84}
-                              << QVector<bool>{true, true, true, false, false};
-    QTest::newRow("the newest, however old")
-        << two << QVector<int>{1000, 2000, 3000} << QVector<bool>{true, true, false};
-    QTest::newRow("no days") << VersionLimits{1, 0, 1} << QVector<int>{0, 24}
-                             << QVector<bool>{true, false};
-    QVector<int> hourly;
-    QVector<bool> newest;
-    for (int i = 0; i < 12; ++i) {
-        hourly << i << i;
-        newest << (i < 10) << (i < 10);
-    }
-    QTest::newRow("twenty") << VersionLimits() << hourly << newest;
-    QVector<int> daily;
-    QVector<bool> month;
-    for (int i = 0; i < 40; ++i) {
-        daily << 24 * i;
-        month << (i < 30);
-    }
-    QTest::newRow("thirty days") << VersionLimits() << daily << month;
-}
-
-void tst_VersionStore::KeepsTheNewestAndOneADay()
-{
-    QFETCH(VersionLimits, limits);
-    QFETCH(QVector<int>, hoursAgo);
-    QFETCH(QVector<bool>, stays);
-    const QDateTime now(QDate(2026, 6, 15), QTime(12, 0));
-    QVector<QDateTime> times;
-    for (const int hours : hoursAgo) {
-        times.append(now.addSecs(-3600 * hours).toUTC());
-    }
-    QCOMPARE(limits.Stays(times, now.toUTC()), stays);
-}
-
-void tst_VersionStore::RemovesTheOldestBeyondASize_data()
-{
-    QTest::addColumn<bool>("isShared");
-    QTest::addColumn<qint64>("maxBytes");
-    QTest::addColumn<QStringList>("left");
-
-    // Three versions of 1000 bytes; the two older ones are the same file.
-    QTest::newRow("enough") << false << qint64(2000) << QStringList{"c", "b", "a"};
-    QTest::newRow("a shared file goes with its last name")
-        << false << qint64(1999) << QStringList{"c"};
-    QTest::newRow("too small for one") << false << qint64(999) << QStringList{};
-    QTest::newRow("the newest is still the project's")
-        << true << qint64(1000) << QStringList{"c", "b", "a"};
-    QTest::newRow("which costs nothing") << true << qint64(999) << QStringList{"c"};
-}
-
-void tst_VersionStore::RemovesTheOldestBeyondASize()
-{
-#ifdef QUILLMAP_PORTABLE
-    QSKIP("Only Linux tells whether files are shared.");
-#endif
-    QFETCH(bool, isShared);
-    QFETCH(qint64, maxBytes);
-    QFETCH(QStringList, left);
-    const QDateTime now = QDateTime::currentDateTimeUtc();
-    const QStringList names{"a", "b", "c"};
-    QStringList folders;
-    for (int i = 0; i < names.size(); ++i) {
-        folders.append(Path("versions/%1/%2").arg(names[i], VersionFolders::NewId(now.addSecs(i))));
-        QVERIFY(QDir().mkpath(folders.constLast()));
-    }
-    WriteBytes(folders[0] + "/file", QByteArray(1000, 'x'));
-    WriteBytes(folders[2] + "/file", QByteArray(1000, 'x'));
-    const auto link = [](const QString& from, const QString& to) {
-        std::filesystem::create_hard_link(platform::ToPath(from), platform::ToPath(to));
-    };
-    link(folders[0] + "/file", folders[1] + "/file");
-    if (isShared) {
-        // The project has the file too.
-        link(folders[2] + "/file", Path("file"));
-    }
-    Store({20, 30, maxBytes}).Prune();
-
-    QCOMPARE(QDir(Path("versions"))
-                 .entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name | QDir::Reversed),
-             left);
-}
-
 void tst_VersionStore::LimitsAreTheUsers()
 {
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, Path("settings"));
@@ -541,21 +435,6 @@ void tst_VersionStore::LimitsAreTheUsers()
     QCOMPARE(kept.isWhole, false);
     QCOMPARE(kept.replaced, QStringList("red"));
     QVERIFY(!QFileInfo::exists(Path("off")));
-}
-
-void tst_VersionStore::RemovesWhatKilledProgramsLeft()
-{
-    const QString old = Path("versions/key/" + VersionFolders::NewUnfinished());
-    const QString young = Path("versions/other/" + VersionFolders::NewUnfinished());
-    for (const QString& folder : {old, young}) {
-        QVERIFY(QDir().mkpath(folder));
-    }
-    std::filesystem::last_write_time(platform::ToPath(old),
-                                     std::filesystem::file_time_type::clock::now() -
-                                         std::chrono::hours(2));
-    Store().Prune();
-    QVERIFY(!QFileInfo::exists(Path("versions/key")));
-    QVERIFY(QFileInfo::exists(young));
 }
 
 using Damage = std::function<void(const QString& folder)>;

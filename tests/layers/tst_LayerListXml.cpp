@@ -282,6 +282,14 @@ void tst_LayerListXml::ABitmapOfAnotherSizeDropsTheLayer()
     QVERIFY(layers.IsEmpty());
     QCOMPARE(m_log.Messages(), (QStringList{"Info: Loading layer \"small\"...",
                                             "Error: TARGA : Wrong size of the image."}));
+    // A mask that comes from elsewhere, too.
+    QXmlStreamReader xml("<layers><layer name='a'/><layer name='b'/></layers>");
+    xml.readNextStartElement();
+    const auto masks = [](int number, const QString&) {
+        return raster::BlankMask(number == 0 ? QSize(1024, 2048) : QSize(2048, 2048));
+    };
+    QVERIFY(layers.ReadXml(xml, masks));
+    QCOMPARE(NamesOf(layers), QStringList{"b"});
 }
 
 void tst_LayerListXml::LayersOfOneNameReadTheSameBitmap()

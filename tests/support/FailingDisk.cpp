@@ -13,6 +13,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -93,6 +94,24 @@ extern "C" int fsync(int /*file*/)
 void DieBeforeStep(int number)
 {
     stepsLeft = number;
+}
+
+bool IsKilled(int number, const std::function<bool()>& run)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        DieBeforeStep(number);
+        const bool isDone = run();
+        DieBeforeStep(-1);
+        _exit(isDone ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    const int code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    if (code != 0 && code != DeadExitCode) {
+        qFatal("A step failed.");
+    }
+    return code == DeadExitCode;
 }
 
 NoUnnamedFiles::NoUnnamedFiles()

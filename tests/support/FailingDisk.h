@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
+
 #include <sys/types.h>
 
 /// While this object exists, files of this process cannot exceed this many bytes. Writes beyond are
@@ -33,6 +35,9 @@ public:
 void DieBeforeStep(int number);
 /// What it then ends with.
 constexpr int DeadExitCode = 99;
+/// Runs the function in a process of its own that ends like that. False when it came to its end
+/// before; then it must have returned true.
+bool IsKilled(int number, const std::function<bool()>& run);
 
 /// While it lives, no file can be made without a name, as on some file systems.
 class NoUnnamedFiles

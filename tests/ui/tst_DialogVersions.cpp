@@ -7,7 +7,6 @@
 #include "tests/support/TargaFiles.h"
 #include "tests/support/WindowFixture.h"
 #include "ui/DialogVersions.h"
-#include "ui/NameList.h"
 #include "ui/widgets/NoticeBar.h"
 
 #include <QDir>
@@ -48,7 +47,6 @@ private slots:
     void CopiesFiles();
     void LeavesUnsavedWorkToTheUser();
     void LeavesTheProjectWhenAVersionIsGone();
-    void NamesTheFirstOfMany();
     void KeepsTheJournalOfWhatIsDiscarded_data();
     void KeepsTheJournalOfWhatIsDiscarded();
     void TellsWhenNothingCanBeKept();
@@ -357,13 +355,6 @@ void tst_DialogVersions::LeavesTheProjectWhenAVersionIsGone()
     QCOMPARE(LayerNames(fixture), QStringList({"green", "blue"}));
     QCOMPARE(fixture.log.Messages().constLast(),
              QString("Error: The earlier version cannot be read any more."));
-}
-
-void tst_DialogVersions::NamesTheFirstOfMany()
-{
-    QCOMPARE(NameList({"a", "b"}), QString("a, b"));
-    QCOMPARE(NameList({"a", "b", "c", "d", "e"}), QString("a, b, c, d, e"));
-    QCOMPARE(NameList({"a", "b", "c", "d", "e", "f"}), QString("a, b, c, d, e and 1 more"));
 }
 
 using Discarding = std::function<void(WindowFixture&)>;

@@ -78,6 +78,8 @@ private slots:
     void LaterLeavesTheWorkForTheNextStart();
     void DiscardsWhenTheUserAgrees_data();
     void DiscardsWhenTheUserAgrees();
+    void RemovesWhatRestoresNothing_data();
+    void RemovesWhatRestoresNothing();
     void FindsASessionThatDiesLater();
     void WithdrawsWhatAnotherSessionTook();
     void ADiscardedSessionIsAnEarlierVersion();
@@ -263,6 +265,34 @@ void tst_SessionNotices::DiscardsWhenTheUserAgrees()
     QCOMPARE(fixture.answers.Asked().constLast(), QString(Question));
     QCOMPARE(Recovery::DeadJournals().size(), left);
     QCOMPARE(NoticeOf(fixture).isEmpty(), left == 0);
+}
+
+void tst_SessionNotices::RemovesWhatRestoresNothing_data()
+{
+    QTest::addColumn<bool>("isDamaged");
+
+    QTest::newRow("killed before its first commit") << false;
+    QTest::newRow("damaged") << true;
+}
+
+void tst_SessionNotices::RemovesWhatRestoresNothing()
+{
+    QFETCH(bool, isDamaged);
+    WindowFixture fixture;
+    LeaveWork(fixture);
+    const QString dead = Recovery::Folder() + "/dead";
+    CopyFolder(dead, Recovery::Folder() + "/older");
+    const QByteArray log = ReadBytes(dead + "/log");
+    // The first record is that of a layer.
+    WriteBytes(dead + "/log", isDamaged ? 'x' + log : log.left(10));
+    QCOMPARE(Recovery::DeadJournals().size(), 2);
+
+    fixture.Restart();
+    // The older one comes last.
+    QTRY_VERIFY(!NoticeOf(fixture).isEmpty());
+    QCOMPARE(QFileInfo::exists(dead), isDamaged);
+    Click(fixture, "btnNoticeLater");
+    QCOMPARE(NoticeOf(fixture), QString());
 }
 
 void tst_SessionNotices::FindsASessionThatDiesLater()

@@ -26,6 +26,8 @@
 #include <QTest>
 #include <QTreeView>
 
+#include <functional>
+
 namespace {
 
 /// A window with the small project, which can be edited.
@@ -96,10 +98,8 @@ private slots:
     void HidesAllLayers();
     void ColorsTheCurrentLayer();
     void FadesTheCurrentLayer();
-    void ZoneButtonsSwitchTheMode_data();
-    void ZoneButtonsSwitchTheMode();
-    void KeysPressTheZoneButtons_data();
-    void KeysPressTheZoneButtons();
+    void ButtonsAndKeysSwitchTheZoneMode_data();
+    void ButtonsAndKeysSwitchTheZoneMode();
     void PlacesAZone();
     void PlacesAZoneLikeTheLastOne();
     void SelectsAndRemovesAZone();
@@ -122,18 +122,15 @@ void tst_WindowEditing::TogglesPaintMode()
     QCOMPARE(editor.Scene().Mode(), SceneMode::Insert);
 
     editor.Trigger("actionTogglePaintMode");
-
     QCOMPARE(editor.Scene().Mode(), SceneMode::Paint);
     QVERIFY(editor.IsPaintShown());
     QVERIFY(!editor.Button("btnToggleZoneInsert")->isChecked());
 
     editor.Trigger("actionTogglePaintMode");
-
     QCOMPARE(editor.Scene().Mode(), SceneMode::None);
     QVERIFY(!editor.IsPaintShown());
 
     emit editor.Child<QGroupBox>("gboPaintMode")->clicked(true);
-
     QCOMPARE(editor.Scene().Mode(), SceneMode::Paint);
     QVERIFY(editor.IsPaintShown());
 }
@@ -372,34 +369,7 @@ void tst_WindowEditing::FadesTheCurrentLayer()
     }));
 }
 
-void tst_WindowEditing::ZoneButtonsSwitchTheMode_data()
-{
-    QTest::addColumn<int>("mode");
-
-    QTest::newRow("btnToggleZoneInsert") << int(SceneMode::Insert);
-    QTest::newRow("btnToggleZoneSelect") << int(SceneMode::Select);
-    QTest::newRow("btnToggleQueryTer") << int(SceneMode::Query);
-}
-
-void tst_WindowEditing::ZoneButtonsSwitchTheMode()
-{
-    QFETCH(int, mode);
-    const Editor editor;
-    editor.SelectTerritory();
-
-    editor.Click(QTest::currentDataTag());
-
-    QCOMPARE(int(editor.Scene().Mode()), mode);
-    for (const char* name : {"btnToggleZoneInsert", "btnToggleZoneSelect", "btnToggleQueryTer"}) {
-        QCOMPARE(editor.Button(name)->isChecked(), QLatin1String(name) == QTest::currentDataTag());
-    }
-
-    editor.Click(QTest::currentDataTag());
-
-    QCOMPARE(editor.Scene().Mode(), SceneMode::None);
-}
-
-void tst_WindowEditing::KeysPressTheZoneButtons_data()
+void tst_WindowEditing::ButtonsAndKeysSwitchTheZoneMode_data()
 {
     QTest::addColumn<int>("key");
     QTest::addColumn<int>("mode");
@@ -409,20 +379,29 @@ void tst_WindowEditing::KeysPressTheZoneButtons_data()
     QTest::newRow("btnToggleQueryTer") << int(Qt::Key_Q) << int(SceneMode::Query);
 }
 
-void tst_WindowEditing::KeysPressTheZoneButtons()
+void tst_WindowEditing::ButtonsAndKeysSwitchTheZoneMode()
 {
     QFETCH(int, key);
     QFETCH(int, mode);
     const Editor editor;
     editor.SelectTerritory();
-    for (int i = 0; i < 2; ++i) {
+    const auto click = [&] { editor.Click(QTest::currentDataTag()); };
+    const auto press = [&] {
         QTest::keyPress(&editor.View(), Qt::Key_Shift, Qt::ShiftModifier);
         QTest::keyClick(&editor.View(), Qt::Key(key), Qt::ShiftModifier);
         QTest::keyRelease(&editor.View(), Qt::Key_Shift);
-
-        const bool isOn = i == 0;
-        QCOMPARE(int(editor.Scene().Mode()), isOn ? mode : int(SceneMode::None));
-        QCOMPARE(editor.Button(QTest::currentDataTag())->isChecked(), isOn);
+    };
+    for (const auto& toggle : {std::function<void()>(click), std::function<void()>(press)}) {
+        toggle();
+        QCOMPARE(int(editor.Scene().Mode()), mode);
+        for (const char* name :
+             {"btnToggleZoneInsert", "btnToggleZoneSelect", "btnToggleQueryTer"}) {
+            QCOMPARE(editor.Button(name)->isChecked(),
+                     QLatin1String(name) == QTest::currentDataTag());
+        }
+        toggle();
+        QCOMPARE(editor.Scene().Mode(), SceneMode::None);
+        QVERIFY(!editor.Button(QTest::currentDataTag())->isChecked());
     }
 }
 

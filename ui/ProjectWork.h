@@ -1,0 +1,48 @@
+#pragma once
+
+#include "ui/EditorParts.h"
+#include "ui/InputBlock.h"
+
+/// Tells whether the project's files are being read or written. Logging processes events, so an
+/// action may be requested meanwhile; it must not begin then.
+class ProjectWork
+{
+public:
+    enum class Kind
+    {
+        None,
+        Loading,
+        Saving,
+    };
+    class Scope;
+
+    explicit ProjectWork(const EditorParts& parts);
+
+    bool IsBusy() const { return m_kind != Kind::None; }
+    bool IsSaving() const { return m_kind == Kind::Saving; }
+
+    /// Takes over a name that is being typed into a tree. Later it would be changed unseen, as when
+    /// the window loses the focus in the middle of a save.
+    void FinishRenaming();
+
+private:
+    void Begin(Kind kind);
+
+    EditorParts m_parts;
+    Kind m_kind = Kind::None;
+};
+
+/// While this object exists, no other work begins and no input changes the project. Scopes may lie
+/// within each other.
+class ProjectWork::Scope
+{
+public:
+    Scope(ProjectWork& work, Kind kind);
+    ~Scope();
+    Q_DISABLE_COPY(Scope)
+
+private:
+    ProjectWork& m_work;
+    Kind m_before;
+    InputBlock m_inputBlock;
+};
