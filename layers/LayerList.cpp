@@ -266,7 +266,7 @@ QStringList LayerList::NamesForSaving() const
     return names;
 }
 
-void LayerList::RenameForSaving(const std::function<void(Layer&, const QString&)>& rename)
+void LayerList::RenameForSaving(const std::function<void(Layer&, const QString&)>& rename) const
 {
     const QVector<Layer*> layers = Layers();
     const QStringList names = NamesForSaving();

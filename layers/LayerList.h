@@ -86,7 +86,7 @@ public:
     QStringList NamesForSaving() const;
     /// Calls rename(layer, name) for each layer that a save gives another name, with a logged
     /// error.
-    void RenameForSaving(const std::function<void(Layer&, const QString&)>& rename);
+    void RenameForSaving(const std::function<void(Layer&, const QString&)>& rename) const;
     /// The names of the layers that were left out since the list was cleared.
     const QStringList& LeftOut() const { return m_leftOut; }
     /// Writes the "layers" element and every layer's bitmap. Writes nothing for an empty list.
