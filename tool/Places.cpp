@@ -53,7 +53,7 @@ QString TakeLine(const QByteArray& line, PlaceUnit unit, std::vector<PlaceNumber
         return QStringLiteral("two numbers are needed, and nothing else.");
     }
     PlaceNumbers place;
-    const QString error = ParsePlace(texts, unit, place);
+    QString error = ParsePlace(texts, unit, place);
     if (error.isEmpty()) {
         places.push_back(place);
     }

@@ -22,7 +22,12 @@ private slots:
 
 namespace {
 
+// With a sanitizer each of the three runs of the tool a project takes many times as long.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int Projects = 40;
+#else
 constexpr int Projects = 200;
+#endif
 constexpr int PlacesOfProject = 500;
 
 struct RandomZone
