@@ -4,6 +4,8 @@
 #include "canvas/BrushDock.h"
 #include "canvas/HeldKeys.h"
 #include "canvas/MainScene.h"
+#include "canvas/PlaceMark.h"
+#include "canvas/ViewMoves.h"
 #include "canvas/WidgetRuler.h"
 #include "canvas/tools/MapTool.h"
 
@@ -13,18 +15,13 @@
 #include <QKeyEvent>
 #include <QPainterPath>
 #include <QRubberBand>
-#include <QScopedValueRollback>
 #include <QScrollBar>
-#include <QWheelEvent>
 
 namespace {
 
 constexpr float DefaultSceneSize = 2048.0F;
 constexpr int RulerThickness = 32;
 constexpr float DefaultUnit = 7.5F;
-constexpr float ZoomStep = 0.25F;
-constexpr float MinZoom = 0.25F;
-constexpr float MaxZoom = 12.5F;
 constexpr int KeyRepeatMilliseconds = 60;
 
 bool IsTextBeingEdited()
@@ -34,14 +31,6 @@ bool IsTextBeingEdited()
     // widget.
     return focus && focus->testAttribute(Qt::WA_InputMethodEnabled) &&
            !qobject_cast<const QAbstractItemView*>(focus);
-}
-
-/// Rounds toward zero. The edges of very large maps lie beyond the range of int.
-int WholePixels(float pixels)
-{
-    constexpr float lowest = -2147483648.0F;
-    constexpr float highest = 2147483520.0F;
-    return static_cast<int>(qBound(lowest, pixels, highest));
 }
 
 /// The fraction of a pixel by which the mouse differs from event.pos(). On dense screens Qt keeps
@@ -65,6 +54,8 @@ MainView::MainView(QWidget* parent)
     , m_verticalRuler(new WidgetRuler(1, this))
 {
     setScene(m_scene.get());
+    m_moves = std::make_unique<ViewMoves>(*this);
+    m_mark = std::make_unique<PlaceMark>(*this);
     setFocusPolicy(Qt::WheelFocus);
     setMouseTracking(true);
     setDragMode(NoDrag);
@@ -134,51 +125,10 @@ void MainView::resizeEvent(QResizeEvent* event)
     UpdateRulers();
 }
 
-void MainView::scrollContentsBy(int dx, int dy)
+void MainView::drawForeground(QPainter* painter, const QRectF& rect)
 {
-    const QScopedValueRollback<bool> moving(m_isMapMoving, true);
-    QGraphicsView::scrollContentsBy(dx, dy);
-}
-
-void MainView::UpdateRulers()
-{
-    const QScrollBar* horizontal = horizontalScrollBar();
-    const QScrollBar* vertical = verticalScrollBar();
-    const QPoint center = viewport()->rect().center();
-    auto x = static_cast<float>(-qint64{horizontal->value()});
-    // The sizes of an imported map may make the scroll range as large as an int allows.
-    auto y =
-        static_cast<float>(qint64{vertical->maximum()} - vertical->value() + vertical->pageStep());
-    if (horizontal->minimum() == horizontal->maximum()) {
-        x = static_cast<float>(center.x()) - static_cast<float>(m_scene->width()) * m_zoom * 0.5F;
-    }
-    if (vertical->minimum() == vertical->maximum()) {
-        y = static_cast<float>(center.y()) + static_cast<float>(m_scene->height()) * m_zoom * 0.5F;
-    }
-    m_horizontalRuler->SetOrigin(x);
-    m_verticalRuler->SetOrigin(y);
-}
-
-void MainView::wheelEvent(QWheelEvent* event)
-{
-    if (event->modifiers() != Qt::ControlModifier) {
-        QGraphicsView::wheelEvent(event);
-        return;
-    }
-    const float direction = event->angleDelta().y() < 0 ? -1.0F : 1.0F;
-    const QPointF center = mapToScene(event->position().toPoint());
-    m_zoom = qBound(MinZoom, m_zoom + ZoomStep * direction, MaxZoom);
-    const auto scale = static_cast<qreal>(m_zoom);
-    {
-        const QScopedValueRollback<bool> moving(m_isMapMoving, true);
-        setTransform(QTransform::fromScale(scale, scale));
-        centerOn(center);
-    }
-    m_horizontalRuler->SetZoom(m_zoom);
-    m_verticalRuler->SetZoom(m_zoom);
-    UpdateRulers();
-    event->accept();
-    emit ZoomChanged(m_zoom);
+    QGraphicsView::drawForeground(painter, rect);
+    m_mark->Draw(*painter);
 }
 
 void MainView::keyPressEvent(QKeyEvent* event)
@@ -264,19 +214,6 @@ void MainView::SelectAllZones()
     m_scene->setSelectionArea(map, Qt::IntersectsItemShape, QTransform());
 }
 
-void MainView::ResetZoom()
-{
-    m_zoom = 1.0F;
-    {
-        const QScopedValueRollback<bool> moving(m_isMapMoving, true);
-        resetTransform();
-    }
-    if (m_scene->Mode() == SceneMode::Paint) {
-        m_scene->LoseMouse();
-    }
-    emit ZoomChanged(m_zoom);
-}
-
 void MainView::keyReleaseEvent(QKeyEvent* event)
 {
     if (event->isAutoRepeat()) {
@@ -298,11 +235,37 @@ void MainView::timerEvent(QTimerEvent* event)
     }
 }
 
+/// Keeps where the mouse is.
+void MainView::NoteEvent(const QEvent& event)
+{
+    switch (event.type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseMove:
+        NoteMouse(static_cast<const QMouseEvent&>(event));
+        break;
+    case QEvent::Enter: {
+        const QPoint mouse = viewport()->mapFromGlobal(QCursor::pos());
+        if (viewport()->rect().contains(mouse)) {
+            m_mouse = mouse;
+        }
+        break;
+    }
+    case QEvent::Leave:
+        m_mouse.reset();
+        break;
+    default:
+        break;
+    }
+}
+
 void MainView::NoteMouse(const QMouseEvent& event)
 {
     // The map may have moved below the mouse since.
     m_scene->ContinueStrokeFrom(mapToScene(m_mousePixel) + MouseFraction());
     m_mousePixel = event.pos();
+    m_mouse = event.pos();
     m_mouseFraction = FractionOf(event, *viewport());
 }
 
@@ -325,8 +288,7 @@ void MainView::mouseMoveEvent(QMouseEvent* event)
     } else {
         m_band->setGeometry(0, 0, 0, 0);
     }
-    emit MouseMoved(WholePixels(static_cast<float>(event->x()) - m_horizontalRuler->Origin()),
-                    WholePixels(m_verticalRuler->Origin() - static_cast<float>(event->y())));
+    TellMouse();
     QGraphicsView::mouseMoveEvent(event);
 }
 
@@ -392,15 +354,9 @@ void MainView::focusOutEvent(QFocusEvent* event)
 
 bool MainView::viewportEvent(QEvent* event)
 {
-    switch (event->type()) {
-    case QEvent::MouseButtonPress:
-    case QEvent::MouseButtonRelease:
-    case QEvent::MouseButtonDblClick:
-    case QEvent::MouseMove:
-        NoteMouse(*static_cast<QMouseEvent*>(event));
-        break;
-    default:
-        break;
+    NoteEvent(*event);
+    if (m_moves->TakeEvent(*event)) {
+        return true;
     }
     const bool isLost = event->type() == QEvent::UngrabMouse || event->type() == QEvent::Hide ||
                         (event->type() == QEvent::EnabledChange && !viewport()->isEnabled());
@@ -413,5 +369,6 @@ bool MainView::viewportEvent(QEvent* event)
 void MainView::LoseMouse()
 {
     m_band->hide();
+    m_moves->EndDrag();
     m_scene->LoseMouse();
 }

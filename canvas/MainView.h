@@ -4,12 +4,15 @@
 #include <QPoint>
 
 #include <memory>
+#include <optional>
 
 class BrushDock;
 class Document;
 class MainScene;
+class PlaceMark;
 class QRubberBand;
 class Territory;
+class ViewMoves;
 class WidgetRuler;
 
 /// Shows the map between two rulers: zooms, pans, selects with a rubber band, copies and nudges
@@ -23,7 +26,22 @@ public:
     ~MainView() override;
 
     MainScene* Scene() const { return m_scene.get(); }
+    /// View pixels for each layer pixel.
     float Zoom() const { return m_zoom; }
+    /// The ways of moving the map.
+    ViewMoves& Moves() { return *m_moves; }
+    /// The ring that points at a place.
+    PlaceMark& Mark() { return *m_mark; }
+
+    /// Zooms and scrolls so that the scene position comes to the view pixel, as far as the map's
+    /// edges allow. Rulers, label and markers follow.
+    void ShowAt(float zoom, QPointF place, QPointF pixel);
+    /// Zooms and brings the scene position to the middle. Always emits ZoomChanged.
+    void CenterAt(float zoom, QPointF place);
+    /// The scene position at a view pixel and its fraction.
+    QPointF PlaceAt(QPointF pixel) const;
+    /// Where the mouse is over the map, in view pixels; nothing while it is elsewhere.
+    std::optional<QPointF> MousePixel() const;
 
     /// The project that is shown and edited; it outlives the view.
     void SetDocument(Document& document);
@@ -71,6 +89,7 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
+    void drawForeground(QPainter* painter, const QRectF& rect) override;
     bool viewportEvent(QEvent* event) override;
 
 private:
@@ -79,12 +98,20 @@ private:
     bool PressShortcut(QKeyEvent* event);
     void PressA();
     void ResetZoom();
+    void Scroll(QWheelEvent& event);
+    void TellRulers();
+    void FollowMouse();
+    void TellMouse();
+    QPointF MapCorner() const;
+    void NoteEvent(const QEvent& event);
     void NoteMouse(const QMouseEvent& event);
     void StartBand(QPoint position);
     void LoseMouse();
     QPoint RulerMargin() const;
 
     std::unique_ptr<MainScene> m_scene;
+    std::unique_ptr<ViewMoves> m_moves;
+    std::unique_ptr<PlaceMark> m_mark;
     QRubberBand* m_band;
     QPoint m_bandOrigin;
     BrushDock* m_brushDock = nullptr;
@@ -95,5 +122,7 @@ private:
     /// The position of the last mouse event in view pixels: its whole pixel, and the fraction.
     QPoint m_mousePixel;
     QPointF m_mouseFraction;
+    /// Where mouse or wheel were last seen over the viewport; nothing once the mouse left it.
+    std::optional<QPoint> m_mouse;
     int m_keyTimer = 0;
 };

@@ -1,5 +1,6 @@
 #include "canvas/RulerTicks.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -17,10 +18,28 @@ using TickSets = std::vector<TickSet>;
 
 /// The smallest distance of ticks in pixels. It also limits their number.
 constexpr double ClosestSpacing = 1;
+/// Room for a label in pixels: for each character of the ruler's font, and beside it.
+constexpr double CharacterWidth = 7;
+constexpr double LabelMargin = 4;
+/// Below this zoom labels may be wider than the steps between them.
+constexpr float FarZoom = 0.25F;
 /// Ticks farther away are left out, because their labels' positions might not fit an int.
 constexpr double FarthestPosition = 1e6;
 /// The largest number of steps from the origin that can be counted.
 constexpr double MostSteps = 1e9;
+
+/// How many times as wide the steps must be from far away, so that the ticks do not become a grey
+/// area: a power of two.
+int Coarseness(float zoom)
+{
+    constexpr float closest = FarZoom / 2;
+    constexpr int most = 1 << 16;
+    int by = 1;
+    while (zoom * static_cast<float>(by) <= closest && by < most) {
+        by *= 2;
+    }
+    return by;
+}
 
 TickSets TickSetsFor(float zoom)
 {
@@ -33,8 +52,12 @@ TickSets TickSetsFor(float zoom)
     if (zoom > 0.5F) {
         return {{25, 0.5, false}, {50, 0.25, false}, {100, 0, true}};
     }
-    const int farStep = zoom > 0.25F ? 200 : 400;
-    return {{25, 0.5, false}, {50, 0.25, false}, {100, 0, false}, {farStep, 0, true}};
+    if (zoom > FarZoom) {
+        return {{25, 0.5, false}, {50, 0.25, false}, {100, 0, false}, {200, 0, true}};
+    }
+    const int by = Coarseness(zoom);
+    return {
+        {25 * by, 0.5, false}, {50 * by, 0.25, false}, {100 * by, 0, false}, {400 * by, 0, true}};
 }
 
 /// Goes through one set of ticks along a ruler.
@@ -110,6 +133,31 @@ private:
     double m_spacing;
 };
 
+bool DoLabelsFit(const std::vector<RulerTick>& ticks, double spacing)
+{
+    return std::all_of(ticks.begin(), ticks.end(), [spacing](const RulerTick& tick) {
+        return tick.label.size() * CharacterWidth + LabelMargin <= spacing;
+    });
+}
+
+/// Doubles the step until the labels do not overlap.
+std::vector<RulerTick> FarLabels(const RulerScale& scale, TickSet set, double length,
+                                 double thickness)
+{
+    constexpr int longestStep = 1 << 28;
+    std::vector<RulerTick> ticks;
+    do {
+        ticks.clear();
+        TickWalk(scale, set, thickness, ticks).Run(length);
+        const double spacing = set.step * static_cast<double>(scale.zoom);
+        if (!ticks.empty() && DoLabelsFit(ticks, spacing)) {
+            break;
+        }
+        set.step *= 2;
+    } while (set.step < longestStep);
+    return ticks;
+}
+
 } // namespace
 
 std::vector<RulerTick> RulerTicks(const RulerScale& scale, double length, double thickness)
@@ -119,7 +167,12 @@ std::vector<RulerTick> RulerTicks(const RulerScale& scale, double length, double
         return ticks;
     }
     for (const TickSet& set : TickSetsFor(scale.zoom)) {
-        TickWalk(scale, set, thickness, ticks).Run(length);
+        if (set.isLabelled && scale.zoom < FarZoom) {
+            const std::vector<RulerTick> labels = FarLabels(scale, set, length, thickness);
+            ticks.insert(ticks.end(), labels.begin(), labels.end());
+        } else {
+            TickWalk(scale, set, thickness, ticks).Run(length);
+        }
     }
     return ticks;
 }

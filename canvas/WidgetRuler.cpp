@@ -3,6 +3,8 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include <cmath>
+
 namespace {
 
 constexpr int Thickness = 32;
@@ -86,8 +88,7 @@ void WidgetRuler::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::TextAntialiasing);
-    // A cosmetic pen is one device pixel wide at any density.
-    painter.setPen(QPen(Qt::black, 0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
+    painter.setPen(Qt::black);
     painter.fillRect(rect(), Qt::white);
     for (const RulerTick& tick : Ticks()) {
         DrawTick(painter, tick);
@@ -99,11 +100,15 @@ void WidgetRuler::paintEvent(QPaintEvent* /*event*/)
 
 void WidgetRuler::DrawAcross(QPainter& painter, double along, double gap) const
 {
-    if (IsHorizontal()) {
-        painter.drawLine(QPointF(along, gap), QPointF(along, height()));
-    } else {
-        painter.drawLine(QPointF(gap, along), QPointF(width(), along));
-    }
+    // A filled rectangle of one device pixel's width: with hundreds of ticks, lines of a cosmetic
+    // pen take longer than the map.
+    const QTransform toDevice = painter.deviceTransform();
+    const QPointF start = toDevice.map(IsHorizontal() ? QPointF(along, gap) : QPointF(gap, along));
+    const QPointF end = toDevice.map(QPointF(width(), height()));
+    const QPointF corner(std::floor(start.x()), std::floor(start.y()));
+    const QRectF line(corner, IsHorizontal() ? QSizeF(1, end.y() - corner.y())
+                                             : QSizeF(end.x() - corner.x(), 1));
+    painter.fillRect(toDevice.inverted().mapRect(line), Qt::black);
 }
 
 void WidgetRuler::DrawTick(QPainter& painter, const RulerTick& tick) const

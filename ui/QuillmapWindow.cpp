@@ -22,6 +22,7 @@
 #include "ui/FileDialogs.h"
 #include "ui/FileDrops.h"
 #include "ui/Gestures.h"
+#include "ui/GoActions.h"
 #include "ui/InteractionModes.h"
 #include "ui/LayerComposition.h"
 #include "ui/ProjectActions.h"
@@ -92,6 +93,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     m_project = std::make_unique<ProjectActions>(parts, *m_display, *m_modes, *m_journal);
     m_edit = std::make_unique<EditActions>(parts);
     m_gestures = std::make_unique<Gestures>(*m_document);
+    m_go = std::make_unique<GoActions>(parts);
     m_recent = std::make_unique<RecentProjects>(
         *m_ui->menuRecent, [this](const QString& path) { m_project->LoadFrom(path); });
     m_drops = std::make_unique<FileDrops>(parts, *m_project);

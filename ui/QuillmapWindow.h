@@ -20,6 +20,7 @@ class Document;
 class EditActions;
 class FileDrops;
 class Gestures;
+class GoActions;
 class InteractionModes;
 class Journal;
 class Layer;
@@ -130,6 +131,7 @@ private:
     std::unique_ptr<ProjectActions> m_project;
     std::unique_ptr<EditActions> m_edit;
     std::unique_ptr<Gestures> m_gestures;
+    std::unique_ptr<GoActions> m_go;
     std::unique_ptr<RecentProjects> m_recent;
     std::unique_ptr<FileDrops> m_drops;
     std::unique_ptr<ChangeNotice> m_changes;

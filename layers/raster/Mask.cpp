@@ -6,6 +6,7 @@
 #include <QVector>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <utility>
 
@@ -29,6 +30,18 @@ bool IsMaskSize(QSize size)
 }
 
 namespace {
+
+bool IsNotClear(uchar pixel)
+{
+    return pixel != MaskClear;
+}
+
+bool IsClear(const uchar* pixels, int count)
+{
+    // Clear, and each like the next one.
+    return count <= 0 || (pixels[0] == MaskClear &&
+                          memcmp(pixels, pixels + 1, static_cast<std::size_t>(count - 1)) == 0);
+}
 
 int BytesPerLine(int width)
 {
@@ -156,6 +169,41 @@ bool IsBinary(const uchar* pixels, int count)
         others |= static_cast<uchar>(pixels[x] + 1);
     }
     return others <= 1;
+}
+
+QRect SetBounds(const QImage& mask)
+{
+    if (mask.format() != QImage::Format_Indexed8) {
+        return {};
+    }
+    const int width = mask.width();
+    int top = 0;
+    int bottom = mask.height() - 1;
+    while (top <= bottom && IsClear(mask.constScanLine(top), width)) {
+        ++top;
+    }
+    while (bottom > top && IsClear(mask.constScanLine(bottom), width)) {
+        --bottom;
+    }
+    if (top > bottom) {
+        return {};
+    }
+    int left = width;
+    int right = -1;
+    for (int y = top; y <= bottom; ++y) {
+        // Only what is outside of the bounds so far can widen them.
+        const uchar* row = mask.constScanLine(y);
+        if (!IsClear(row, left)) {
+            left = static_cast<int>(std::find_if(row, row + left, IsNotClear) - row);
+        }
+        if (!IsClear(row + right + 1, width - right - 1)) {
+            right = width - 1;
+            while (row[right] == MaskClear) {
+                --right;
+            }
+        }
+    }
+    return {QPoint(left, top), QPoint(right, bottom)};
 }
 
 } // namespace raster

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QRect>
 #include <QSize>
 
 /// Pure raster code: images and numbers in, images and error codes out.
@@ -42,5 +43,9 @@ bool SameGeometry(const QImage& a, const QImage& b);
 bool IsBinary(const QImage& mask);
 /// The same for count pixels.
 bool IsBinary(const uchar* pixels, int count);
+
+/// The smallest rectangle that holds all pixels of a Format_Indexed8 image that are not MaskClear.
+/// Empty if there is none, and for other formats.
+QRect SetBounds(const QImage& mask);
 
 } // namespace raster

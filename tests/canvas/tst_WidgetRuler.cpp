@@ -8,6 +8,7 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <map>
 #include <utility>
 #include <vector>
 
@@ -108,6 +109,8 @@ private slots:
     void HasItsSlotsInOrder();
     void ChoosesTickSetsByZoom_data();
     void ChoosesTickSetsByZoom();
+    void StaysReadableFromFarAway_data();
+    void StaysReadableFromFarAway();
     void LabelsEveryHundredPixelsInMetres();
     void WalksFromWhereTheOriginLies_data();
     void WalksFromWhereTheOriginLies();
@@ -166,11 +169,15 @@ void tst_WidgetRuler::ChoosesTickSetsByZoom_data()
         {25, 0.5, false}, {50, 0.25, false}, {100, 0, false}, {200, 0, true}};
     const std::vector<Set> farthest = {
         {25, 0.5, false}, {50, 0.25, false}, {100, 0, false}, {400, 0, true}};
+    const std::vector<Set> eighth = {
+        {50, 0.5, false}, {100, 0.25, false}, {200, 0, false}, {800, 0, true}};
+    const std::vector<Set> sixteenth = {
+        {100, 0.5, false}, {200, 0.25, false}, {400, 0, false}, {1600, 0, true}};
     const std::pair<float, std::vector<Set>> rows[] = {
-        {12.5F, near},     {6.25F, near},       {6.0F, near},   {5.75F, middle},
-        {3.25F, middle},   {3.0F, middle},      {2.75F, usual}, {1.0F, usual},
-        {0.75F, usual},    {0.5078125F, usual}, {0.5F, far},    {0.2578125F, far},
-        {0.25F, farthest}, {0.125F, farthest}};
+        {12.5F, near},     {6.25F, near},       {6.0F, near},     {5.75F, middle},
+        {3.25F, middle},   {3.0F, middle},      {2.75F, usual},   {1.0F, usual},
+        {0.75F, usual},    {0.5078125F, usual}, {0.5F, far},      {0.2578125F, far},
+        {0.25F, farthest}, {0.1875F, farthest}, {0.125F, eighth}, {0.0625F, sixteenth}};
     QTest::addColumn<float>("zoom");
     QTest::addColumn<std::vector<Set>>("sets");
     for (const auto& [zoom, sets] : rows) {
@@ -185,6 +192,46 @@ void tst_WidgetRuler::ChoosesTickSetsByZoom()
     const RulerScale scale = {0, 7.5F, zoom, false};
     CompareTicks(RulerTicks(scale, 1200, 32),
                  TicksFromStart(sets, static_cast<double>(zoom), 7.5, 1200, 32));
+}
+
+void tst_WidgetRuler::StaysReadableFromFarAway_data()
+{
+    QTest::addColumn<float>("zoom");
+    QTest::addColumn<float>("unit");
+    for (const float zoom : {0.2F, 0.125F, 0.0625F}) {
+        for (const float unit : {0.01F, 0.9375F, 4.0F, 7.32421875F, 12345.67F}) {
+            QTest::addRow("%g, %g m", static_cast<double>(zoom), static_cast<double>(unit))
+                << zoom << unit;
+        }
+    }
+}
+
+void tst_WidgetRuler::StaysReadableFromFarAway()
+{
+    QFETCH(float, zoom);
+    QFETCH(float, unit);
+    WidgetRuler ruler(0, nullptr);
+    ruler.resize(1200, 32);
+    ruler.SetZoom(zoom);
+    ruler.SetUnit(unit);
+    ruler.SetOrigin(-40);
+    const QFontMetrics metrics(ruler.font());
+    double freeFrom = -1000;
+    int labelCount = 0;
+    std::map<double, double> lastOfGap;
+    for (const RulerTick& tick : ruler.Ticks()) {
+        if (tick.label.isEmpty()) {
+            const auto last = lastOfGap.find(tick.gap);
+            QVERIFY(last == lastOfGap.end() || tick.position - last->second >= 3);
+            lastOfGap[tick.gap] = tick.position;
+        } else {
+            QVERIFY2(tick.position > freeFrom, qPrintable(tick.label));
+            freeFrom = tick.position + 1 + metrics.horizontalAdvance(tick.label);
+            ++labelCount;
+        }
+    }
+    QVERIFY(labelCount >= 4);
+    QVERIFY(!lastOfGap.empty());
 }
 
 void tst_WidgetRuler::LabelsEveryHundredPixelsInMetres()

@@ -89,6 +89,7 @@ const std::vector<RandomUser::Deed>& RandomUser::Deeds()
         {"drag on the map", 60, &RandomUser::DragOnMap},
         {"double click on the map", 20, &RandomUser::DoubleClickMap},
         {"wheel", 50, &RandomUser::TurnWheel},
+        {"move of the map", 40, &RandomUser::MoveMap},
         {"key", 150, &RandomUser::PressKey},
         {"paint mode", 40, &RandomUser::PaintMode},
         {"button", 100, &RandomUser::ClickButton},

@@ -50,6 +50,7 @@ private:
     void DragOnMap();
     void DoubleClickMap();
     void TurnWheel();
+    void MoveMap();
     void PressKey();
     void PaintMode();
     void ClickButton();

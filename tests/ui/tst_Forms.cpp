@@ -12,6 +12,7 @@
 #include "ui/DockStatus.h"
 #include "ui/DockTerTypeProps.h"
 #include "ui/DockTerTypes.h"
+#include "ui/dialogs/DialogGoTo.h"
 #include "ui/widgets/GroupBoxColor.h"
 
 #include <QDir>
@@ -44,6 +45,7 @@ const struct
          CustomLayerFixture fixture;
          return FormText(DialogCustomLayer(fixture.document, nullptr));
      }},
+    {"DialogGoTo", [] { return FormText(DialogGoTo(WorldScale(QSizeF()), {}, {})); }},
     {"DialogNewProject", [] { return FormText(DialogNewProject()); }},
     {"DialogVersions",
      [] {

@@ -218,6 +218,19 @@ void ShowNewProject(EditorUser& user, const QDir& pictures)
     });
 }
 
+void ShowGoTo(EditorUser& user, const QDir& pictures)
+{
+    user.Choose("actionGoTo", [&](QDialog& dialog) {
+        QTest::keyClicks(&Part<QLineEdit>(dialog, "txtGoX"), QStringLiteral("4200"));
+        QTest::keyClicks(&Part<QLineEdit>(dialog, "txtGoZ"), QStringLiteral("9800"));
+        auto& zoom = Part<QComboBox>(dialog, "cboGoZoom");
+        zoom.setFocus();
+        QTest::keyClicks(&zoom, QStringLiteral("300"));
+        Picture(dialog).Save(pictures, QStringLiteral("go-to"));
+        dialog.reject();
+    });
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -239,6 +252,7 @@ int main(int argc, char* argv[])
     user.Window().resize(WindowSize);
     Load(user, example);
     ShowNewProject(user, pictures);
+    ShowGoTo(user, pictures);
     ShowOverview(user, example, pictures);
     ShowPainting(user, example, pictures);
     ShowComputedLayer(user, pictures);

@@ -25,6 +25,8 @@ private slots:
     void ThePictureOfNoMaskIsNull_data();
     void ThePictureOfNoMaskIsNull();
     void PictureAndMaskAreInverse();
+    void BoundsHoldWhatIsSet_data();
+    void BoundsHoldWhatIsSet();
     void GeometryIsFormatAndSize_data();
     void GeometryIsFormatAndSize();
 };
@@ -172,6 +174,30 @@ void tst_Mask::PictureAndMaskAreInverse()
     for (const QRgb colour : {0xFF000000U, 0xFFFFFFFFU, 0xFF00FF01U}) {
         QCOMPARE(raster::ImageToMask(raster::MaskToDisplay(mask, colour), colour), mask);
     }
+}
+
+void tst_Mask::BoundsHoldWhatIsSet_data()
+{
+    QTest::addColumn<QStringList>("art");
+    QTest::addColumn<QRect>("bounds");
+    QTest::newRow("clear") << QStringList{".....", "....."} << QRect();
+    QTest::newRow("set") << QStringList{"##", "##"} << QRect(0, 0, 2, 2);
+    QTest::newRow("one pixel") << QStringList{".....", "...#.", "....."} << QRect(3, 1, 1, 1);
+    QTest::newRow("corners") << QStringList{"....#", ".....", "#...."} << QRect(0, 0, 5, 3);
+    QTest::newRow("narrow to wide")
+        << QStringList{".....", "..#..", ".#...", "...#.", "....."} << QRect(1, 1, 3, 3);
+    QTest::newRow("wide to narrow") << QStringList{".#.#.", "..#..", "....."} << QRect(1, 0, 3, 2);
+}
+
+void tst_Mask::BoundsHoldWhatIsSet()
+{
+    QFETCH(QStringList, art);
+    QTEST(raster::SetBounds(MaskFromArt(art)), "bounds");
+    QImage grey = raster::BlankMask({9, 7});
+    grey.setPixel(8, 6, 1);
+    QCOMPARE(raster::SetBounds(grey), QRect(8, 6, 1, 1));
+    QVERIFY(raster::SetBounds(QImage()).isEmpty());
+    QVERIFY(raster::SetBounds(QImage(4, 3, QImage::Format_Grayscale8)).isEmpty());
 }
 
 void tst_Mask::GeometryIsFormatAndSize_data()

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QPointF>
+#include <QSizeF>
+
+/// Turns scene positions of the map (layer pixels, y grows downward) into world metres (X to the
+/// right, Z upward from the lower edge), and back. The factors are those of the project, as the
+/// label below the map uses them.
+class WorldScale
+{
+public:
+    /// map: the size of the scene.
+    explicit WorldScale(QSizeF map);
+
+    /// False without a project, and for a project whose sizes are of no use. Nothing else may be
+    /// asked then.
+    bool IsUsable() const;
+    /// In metres.
+    QSizeF World() const;
+    QPointF ToScene(QPointF metres) const;
+    QPointF ToWorld(QPointF scene) const;
+
+private:
+    QSizeF m_map;
+    double m_metresX;
+    double m_metresZ;
+};
