@@ -1,6 +1,7 @@
 // The speed that a user notices: brush moves, showing and hiding layers, panning and many zones.
 // Each is measured in a real view of 1200 x 800 pixels, offscreen, including the repaint.
 
+#include "benchmarks/support/Canvas.h"
 #include "app/ProjectSettings.h"
 #include "benchmarks/support/RatioReporter.h"
 #include "benchmarks/support/Shapes.h"
@@ -30,68 +31,7 @@ using benchmark::State;
 
 namespace {
 
-constexpr int ViewWidth = 1200;
-constexpr int ViewHeight = 800;
 constexpr int LayerCount = 32;
-
-/// A view with a project of one size.
-struct Canvas
-{
-    explicit Canvas(int side)
-    {
-        ProjectSettings::Instance().SetSizes(side, side, 15360, 15360);
-        view.resize(ViewWidth, ViewHeight);
-        view.SetDocument(document);
-        view.SetBrushDock(&dock);
-        view.SetSceneSize(side, side);
-        view.show();
-        QCoreApplication::processEvents();
-    }
-
-    void AddLayers(int count)
-    {
-        const ProjectSettings& settings = ProjectSettings::Instance();
-        const QImage first = NaturalMask(settings.LayerSize(), 7);
-        for (int i = 0; i < count; ++i) {
-            auto layer = std::make_unique<Layer>(1, 1, &layers, QStringLiteral("%1").arg(i));
-            // Each layer has a mask of its own, but with the same shapes, because making shapes
-            // takes longer than the measured work.
-            layer->SetImage(i == 0 ? first : first.copy(), QColor::fromHsv(i * 11, 200, 200, 128));
-            layers.AddLayer(std::move(layer));
-        }
-    }
-
-    void ShowLayers(int first)
-    {
-        scene()->ClearLayers();
-        const QVector<Layer*> all = layers.Layers();
-        for (int i = first; i < all.size(); ++i) {
-            scene()->AddLayer(all.at(i));
-        }
-    }
-
-    void SetZoom(double zoom)
-    {
-        view.setTransform(QTransform::fromScale(zoom, zoom));
-        view.centerOn(view.sceneRect().center());
-        QCoreApplication::processEvents();
-    }
-
-    void Mouse(QEvent::Type type, QPoint position, Qt::MouseButtons buttons)
-    {
-        const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
-        QMouseEvent event(type, position, view.viewport()->mapToGlobal(position), button, buttons,
-                          Qt::NoModifier);
-        QCoreApplication::sendEvent(view.viewport(), &event);
-    }
-
-    MainScene* scene() { return view.Scene(); }
-
-    Document document;
-    LayerList& layers = document.Layers();
-    BrushDock dock{document.GetBrush()};
-    MainView view;
-};
 
 /// Only one canvas exists at a time, and none outlives the application.
 std::unique_ptr<Canvas> paintedCanvas;

@@ -25,7 +25,9 @@
 #include <QGraphicsSceneMouseEvent>
 #include <QImage>
 #include <QMap>
+#include <QPainter>
 #include <QPen>
+#include <QStyleOptionGraphicsItem>
 
 #include <algorithm>
 #include <utility>
@@ -147,17 +149,40 @@ void MainScene::ChangeWorld(QString file)
         return;
     }
     m_overlayItem->Show(m_overlayItem->Color(), size);
+    TellWorldChanged();
+}
+
+void MainScene::TellWorldChanged() const
+{
+    if (m_worldChanged) {
+        m_worldChanged();
+    }
+}
+
+void MainScene::PaintWorld(QPainter& painter)
+{
+    for (QGraphicsItem* item :
+         std::initializer_list<QGraphicsItem*>{m_worldItem.get(), m_overlayItem.get()}) {
+        QStyleOptionGraphicsItem option;
+        option.exposedRect = item->boundingRect();
+        painter.setOpacity(item->opacity());
+        if (item->isVisible()) {
+            item->paint(&painter, &option, nullptr);
+        }
+    }
 }
 
 void MainScene::ClearWorld()
 {
     m_worldItem->Clear();
+    TellWorldChanged();
 }
 
 void MainScene::ChangeWorldRGBA(QColor c)
 {
     m_overlayItem->Show(QColor(c.rgb()), sceneRect().size().toSize());
     m_overlayItem->setOpacity(c.alphaF());
+    TellWorldChanged();
 }
 
 void MainScene::ChangeWorldColor(QColor c)
@@ -166,6 +191,7 @@ void MainScene::ChangeWorldColor(QColor c)
         m_document->Do(Edits::SetBackgroundColor(c));
     }
     m_overlayItem->Show(c, sceneRect().size().toSize());
+    TellWorldChanged();
 }
 
 void MainScene::ChangeWorldAlpha(int alpha, float opacity)
@@ -174,12 +200,14 @@ void MainScene::ChangeWorldAlpha(int alpha, float opacity)
         m_document->Do(Edits::SetBackgroundOpacity(alpha));
     }
     m_overlayItem->setOpacity(static_cast<qreal>(opacity));
+    TellWorldChanged();
 }
 
 void MainScene::ChangeWorldVisibility(bool visible)
 {
     m_worldItem->setVisible(visible);
     m_overlayItem->setVisible(visible);
+    TellWorldChanged();
 }
 
 void MainScene::AddLayer(Layer* layer)

@@ -75,6 +75,10 @@ public:
     void EndPan();
     /// Is called at the end of panning with the mode that was restored; may be empty.
     void SetPanEnded(std::function<void(SceneMode)> callback) { m_panEnded = std::move(callback); }
+    /// Paints the world picture and the colour over it, in scene units.
+    void PaintWorld(QPainter& painter);
+    /// Is called when PaintWorld would paint something else; may be empty.
+    void SetWorldChanged(std::function<void()> callback) { m_worldChanged = std::move(callback); }
     /// No world picture; the overlay stays.
     void ClearWorld();
     /// The map has moved below the mouse, which is at the position now.
@@ -136,6 +140,7 @@ protected:
 
 private:
     void ForgetDocument();
+    void TellWorldChanged() const;
 
     LayerPainter m_painter;
     MainView* m_view;
@@ -154,4 +159,5 @@ private:
     SceneMode m_savedMode = SceneMode::None;
     bool m_isPanning = false;
     std::function<void(SceneMode)> m_panEnded;
+    std::function<void()> m_worldChanged;
 };

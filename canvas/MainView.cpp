@@ -13,6 +13,8 @@
 #include <QApplication>
 #include <QGridLayout>
 #include <QKeyEvent>
+#include <QPaintEvent>
+#include <QPainter>
 #include <QPainterPath>
 #include <QRubberBand>
 #include <QScrollBar>
@@ -123,6 +125,34 @@ void MainView::resizeEvent(QResizeEvent* event)
     // A map that fits into the view is centred without scroll bars, so their signals do not report
     // the move.
     UpdateRulers();
+}
+
+/// Scrolling exposes a strip at each of two edges. Qt looks at all items within the bounds of what
+/// is exposed, which are nearly all of the view, so each strip is painted by itself.
+void MainView::paintEvent(QPaintEvent* event)
+{
+    constexpr int mostStrips = 3;
+    const QRegion& region = event->region();
+    if (region.rectCount() > mostStrips) {
+        m_painted = region.boundingRect();
+        QGraphicsView::paintEvent(event);
+        return;
+    }
+    for (const QRect& rect : region) {
+        m_painted = rect;
+        QPaintEvent strip(rect);
+        QGraphicsView::paintEvent(&strip);
+    }
+}
+
+void MainView::drawBackground(QPainter* painter, const QRectF& rect)
+{
+    // The view does not save the painter's state, so the items are clipped too.
+    const QTransform toView = painter->worldTransform();
+    painter->setWorldTransform({});
+    painter->setClipRect(m_painted);
+    painter->setWorldTransform(toView);
+    QGraphicsView::drawBackground(painter, rect);
 }
 
 void MainView::drawForeground(QPainter* painter, const QRectF& rect)

@@ -88,6 +88,8 @@ protected:
     void enterEvent(QEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void drawBackground(QPainter* painter, const QRectF& rect) override;
     void scrollContentsBy(int dx, int dy) override;
     void drawForeground(QPainter* painter, const QRectF& rect) override;
     bool viewportEvent(QEvent* event) override;
@@ -119,6 +121,8 @@ private:
     WidgetRuler* m_verticalRuler;
     float m_zoom = 1.0F;
     bool m_isMapMoving = false;
+    /// The view pixels that are being painted.
+    QRect m_painted;
     /// The position of the last mouse event in view pixels: its whole pixel, and the fraction.
     QPoint m_mousePixel;
     QPointF m_mouseFraction;

@@ -105,11 +105,11 @@ MaskSampler::MaskSampler(const QTransform& toDevice, QSize size, const QRect& de
                       isScaled, format);
 }
 
-void MaskSampler::GatherRow(uchar* target, const QImage& mask, int row) const
+void MaskSampler::GatherRow(uchar* target, const QImage& mask, int row, int begin, int end) const
 {
     const uchar* pixels = mask.constScanLine(row);
     const int width = mask.width();
-    std::transform(m_columns.pixels.begin(), m_columns.pixels.end(), target,
+    std::transform(m_columns.pixels.begin() + begin, m_columns.pixels.begin() + end, target,
                    [pixels, width](int column) {
                        return column < width ? pixels[column] : raster::MaskClear;
                    });
@@ -130,7 +130,7 @@ void MaskSampler::DrawBeneath(QImage& target, const QImage& mask, QRgb color) co
             continue;
         }
         if (!isAsItIs && row != gatheredRow) {
-            GatherRow(gathered.data(), mask, row);
+            GatherRow(gathered.data(), mask, row, 0, columns);
             gatheredRow = row;
         }
         const uchar* pixels =
@@ -155,16 +155,27 @@ void MaskSampler::DrawRowBeneath(QRgb* target, const uchar* mask, QRgb color) co
 QImage MaskSampler::Sampled(const QImage& mask) const
 {
     QImage sampled = raster::BlankMask(m_deviceSize);
-    if (sampled.isNull()) {
-        return {};
-    }
-    for (std::size_t i = 0; i < m_rows.pixels.size(); ++i) {
-        if (m_rows.pixels[i] < mask.height()) {
-            uchar* line = sampled.scanLine(m_rows.first + static_cast<int>(i));
-            GatherRow(line + m_columns.first, mask, m_rows.pixels[i]);
-        }
+    if (!sampled.isNull()) {
+        SampleInto(sampled, mask, sampled.rect());
     }
     return sampled;
+}
+
+void MaskSampler::SampleInto(QImage& target, const QImage& mask, const QRect& part) const
+{
+    const QSize sampled(static_cast<int>(m_columns.pixels.size()),
+                        static_cast<int>(m_rows.pixels.size()));
+    const QRect within = part & QRect({m_columns.first, m_rows.first}, sampled);
+    const int begin = within.left() - m_columns.first;
+    for (int y = within.top(); y <= within.bottom(); ++y) {
+        const int row = m_rows.pixels[static_cast<std::size_t>(y - m_rows.first)];
+        uchar* line = target.scanLine(y) + within.left();
+        if (row < mask.height()) {
+            GatherRow(line, mask, row, begin, begin + within.width());
+        } else {
+            std::fill_n(line, within.width(), raster::MaskClear);
+        }
+    }
 }
 
 QImage MaskSampler::SampledPicture(const QImage& picture, const std::vector<int>& columns,

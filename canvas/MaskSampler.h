@@ -34,6 +34,8 @@ public:
     void DrawBeneath(QImage& target, const QImage& mask, QRgb color) const;
     /// Returns a mask of the device rectangle's size; null without memory.
     QImage Sampled(const QImage& mask) const;
+    /// Samples a part of the device rectangle anew. target is what Sampled returns.
+    void SampleInto(QImage& target, const QImage& mask, const QRect& part) const;
 
     /// A picture of the device rectangle's size, in Format_ARGB32_Premultiplied and transparent
     /// beside the picture; null when there is no memory. The 32-bit picture may have any size:
@@ -43,8 +45,8 @@ public:
                           const std::vector<int>& rows) const;
 
 private:
-    /// The mask's pixels for all device columns.
-    void GatherRow(uchar* target, const QImage& mask, int row) const;
+    /// The mask's pixels for these places of m_columns.
+    void GatherRow(uchar* target, const QImage& mask, int row, int begin, int end) const;
     void DrawRowBeneath(QRgb* target, const uchar* mask, QRgb color) const;
 
     /// The layer pixel for each device column and row. Device pixels outside the picture are left

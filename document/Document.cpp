@@ -51,6 +51,14 @@ bool Document::EditRow(QStandardItem& item, const QVariant& value, int role)
     return Do(Edits::Rename(item, name));
 }
 
+void Document::SetCurrentLayer(Layer* layer)
+{
+    if (layer != m_currentLayer) {
+        m_currentLayer = layer;
+        emit CurrentLayerChanged();
+    }
+}
+
 void Document::FollowCheckMark(QStandardItem& row)
 {
     // Setting a type's mark sets its territories' marks; those changes are handled already.

@@ -62,7 +62,7 @@ public:
 
     /// The layer that is painted, and the territory whose zones are edited; null for none.
     Layer* CurrentLayer() const { return m_currentLayer; }
-    void SetCurrentLayer(Layer* layer) { m_currentLayer = layer; }
+    void SetCurrentLayer(Layer* layer);
     Territory* CurrentTerritory() const { return m_currentTerritory; }
     void SetCurrentTerritory(Territory* territory) { m_currentTerritory = territory; }
 
@@ -152,6 +152,10 @@ public:
 signals:
     /// rect: the layer pixels that changed, for Pixels.
     void LayerChanged(Layer* layer, Document::LayerAspect aspect, const QRect& rect);
+    /// A stroke under way changed these layer pixels. LayerChanged follows when it ends, unless it
+    /// is taken back.
+    void Painted(Layer* layer, const QRect& rect);
+    void CurrentLayerChanged();
     /// Places or values of zones of the territory changed, or zones came or went.
     void ZonesChanged(Territory* territory);
     /// Name, colour, opacity or visibility of the territory changed, or it came or went.

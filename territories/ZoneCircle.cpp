@@ -107,16 +107,26 @@ struct Place
     QSize Size() const { return {2 * reach.x() + 1, 2 * reach.y() + 1}; }
 };
 
-/// False if QPainter does not draw an ellipse as a disc plus an outline. Ellipses of up to a pixel
-/// are translucent and rounded in another way.
-bool IsMadeOfPaths(const QPainter& painter, qreal radius)
+/// Of those below, the one that draws the circle's pixels again wherever it is moved by whole
+/// pixels.
+using Draw = void (*)(QPainter& painter, const ZoneCircle& circle);
+
+/// Null if the circle must be drawn each time. Outlines of less than a pixel are translucent, and
+/// the ends of their parts lie over one another.
+Draw RepeatableDraw(const QPainter& painter, qreal radius)
 {
     const QTransform& toDevice = painter.deviceTransform();
-    return painter.paintEngine()->type() == QPaintEngine::Raster && radius > 0 &&
-           toDevice.type() <= QTransform::TxScale &&
-           !painter.testRenderHint(QPainter::Antialiasing) &&
-           OutlineWidth * std::abs(toDevice.m11()) > 1 &&
-           OutlineWidth * std::abs(toDevice.m22()) > 1;
+    if (painter.paintEngine()->type() != QPaintEngine::Raster || !(radius > 0) ||
+        toDevice.type() > QTransform::TxScale || painter.testRenderHint(QPainter::Antialiasing)) {
+        return nullptr;
+    }
+    const qreal across = OutlineWidth * std::abs(toDevice.m11());
+    const qreal down = OutlineWidth * std::abs(toDevice.m22());
+    if (across > 1 && down > 1) {
+        return DrawPaths;
+    }
+    // QPainter draws an outline of one pixel in another way.
+    return across == 1 && down == 1 ? DrawEllipse : nullptr;
 }
 
 /// False for circles that are not kept as pictures: large ones, and those whose colours would blend
@@ -148,7 +158,7 @@ Key KeyOf(const ZoneCircle& circle, const Place& place)
             circle.grey};
 }
 
-QImage Picture(const ZoneCircle& circle, const Place& place)
+QImage Picture(const ZoneCircle& circle, const Place& place, Draw draw)
 {
     QImage picture(place.Size(), QImage::Format_ARGB32_Premultiplied);
     if (!picture.isNull()) {
@@ -157,9 +167,23 @@ QImage Picture(const ZoneCircle& circle, const Place& place)
         QPainter painter(&picture);
         painter.setTransform(place.toDevice *
                              QTransform::fromTranslate(-topLeft.x(), -topLeft.y()));
-        DrawPaths(painter, circle);
+        draw(painter, circle);
     }
     return picture;
+}
+
+/// Whether the circle lies on the device as a whole. Lines of one pixel are shortened at its edges.
+bool IsOnDevice(const QPainter& painter, const Place& place)
+{
+    const QPaintDevice* device = painter.paintEngine()->paintDevice();
+    return QRect(0, 0, device->width(), device->height()).contains({place.TopLeft(), place.Size()});
+}
+
+/// Whether only a part of the circle is painted, as where scrolling exposes the edge of the view.
+bool IsCut(const QPainter& painter, qreal radius)
+{
+    const QRectF bounds(-radius, -radius, 2 * radius, 2 * radius);
+    return painter.hasClipping() && !painter.clipBoundingRect().contains(bounds);
 }
 
 void DrawPicture(QPainter& painter, const QImage& picture, const Place& place)
@@ -175,29 +199,32 @@ void DrawPicture(QPainter& painter, const QImage& picture, const Place& place)
 void DrawZoneCircle(QPainter& painter, const ZoneCircle& circle)
 {
     static QCache<Key, QImage> cache(CacheBytes);
-    if (!IsMadeOfPaths(painter, circle.radius)) {
+    const Draw draw = RepeatableDraw(painter, circle.radius);
+    if (!draw) {
         DrawEllipse(painter, circle);
         return;
     }
     Place place;
-    if (!FindPlace(place, painter, circle.radius)) {
-        DrawPaths(painter, circle);
+    if (!FindPlace(place, painter, circle.radius) ||
+        (draw == DrawEllipse && !IsOnDevice(painter, place))) {
+        draw(painter, circle);
         return;
     }
     const Key key = KeyOf(circle, place);
     const QImage* known = cache.object(key);
     QImage picture = known ? *known : QImage();
     // Making a picture takes longer than drawing, so a circle must be drawn repeatedly before it
-    // pays.
-    if (known && known->isNull()) {
-        picture = Picture(circle, place);
+    // pays. While the view is scrolled, the other parts of the circle are exposed next.
+    const bool pays = known || IsCut(painter, circle.radius);
+    if (picture.isNull() && pays) {
+        picture = Picture(circle, place, draw);
     }
     if (!known || known->isNull()) {
         const int bytes = EntryBytes + static_cast<int>(picture.sizeInBytes());
         cache.insert(key, new QImage(picture), bytes);
     }
     if (picture.isNull()) {
-        DrawPaths(painter, circle);
+        draw(painter, circle);
     } else {
         DrawPicture(painter, picture, place);
     }

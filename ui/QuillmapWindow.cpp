@@ -15,6 +15,7 @@
 #include "ui/DockHistory.h"
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
+#include "ui/DockOverview.h"
 #include "ui/DockStatus.h"
 #include "ui/DockTerTypeProps.h"
 #include "ui/DockTerTypes.h"
@@ -145,6 +146,7 @@ void QuillmapWindow::AddDocks()
     m_terTypes = std::make_unique<DockTerTypes>(*m_document, m_ui->paintView->Scene(),
                                                 m_terTypeProps.get(), this);
     m_history = std::make_unique<DockHistory>(*m_document, this);
+    m_overview = std::make_unique<DockOverview>(*m_document, *m_ui->paintView, this);
     addDockWidget(Qt::LeftDockWidgetArea, m_layers.get());
     addDockWidget(Qt::LeftDockWidgetArea, m_layerProps.get());
     addDockWidget(Qt::BottomDockWidgetArea, m_status.get());
@@ -152,7 +154,9 @@ void QuillmapWindow::AddDocks()
     addDockWidget(Qt::RightDockWidgetArea, m_terTypeProps.get());
     addDockWidget(Qt::RightDockWidgetArea, m_brush.get());
     addDockWidget(Qt::RightDockWidgetArea, m_history.get());
+    addDockWidget(Qt::RightDockWidgetArea, m_overview.get());
     m_history->hide();
+    m_overview->hide();
     m_terTypes->hide();
     m_terTypeProps->hide();
     m_brush->hide();

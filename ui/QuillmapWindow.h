@@ -15,6 +15,7 @@ class DockLayers;
 class DockStatus;
 class DockTerTypeProps;
 class DockHistory;
+class DockOverview;
 class DockTerTypes;
 class Document;
 class EditActions;
@@ -125,6 +126,7 @@ private:
     std::unique_ptr<DockTerTypeProps> m_terTypeProps;
     std::unique_ptr<DockTerTypes> m_terTypes;
     std::unique_ptr<DockHistory> m_history;
+    std::unique_ptr<DockOverview> m_overview;
     std::unique_ptr<LayerComposition> m_composition;
     std::unique_ptr<InteractionModes> m_modes;
     std::unique_ptr<ProjectDisplay> m_display;

@@ -10,9 +10,11 @@
 #include "ui/DockHistory.h"
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
+#include "ui/DockOverview.h"
 #include "ui/DockStatus.h"
 #include "ui/DockTerTypeProps.h"
 #include "ui/DockTerTypes.h"
+#include "ui/GoActions.h"
 #include "ui/LayerComposition.h"
 #include "ui/ProjectActions.h"
 #include "ui/ProjectDisplay.h"
@@ -50,8 +52,8 @@ void QuillmapWindow::ConnectActions()
     connect(ui.actionViewTerritoryTypes, &QAction::triggered, this,
             &QuillmapWindow::ShowTerritoryTypes);
     connect(ui.actionViewStatus, &QAction::triggered, this, &QuillmapWindow::ShowStatus);
-    for (QDockWidget* dock : std::initializer_list<QDockWidget*>{m_layers.get(), m_terTypes.get(),
-                                                                 m_status.get(), m_history.get()}) {
+    for (QDockWidget* dock : std::initializer_list<QDockWidget*>{
+             m_layers.get(), m_terTypes.get(), m_status.get(), m_history.get(), m_overview.get()}) {
         dock->installEventFilter(this);
     }
 }
@@ -101,6 +103,8 @@ void QuillmapWindow::ConnectMap()
     connect(scene, &MainScene::ZoomChanged, this, &QuillmapWindow::SetZoomLevel);
     connect(ui.paintView, &MainView::ZoomChanged, this, &QuillmapWindow::SetZoomLevel);
     connect(ui.paintView, &MainView::MouseMoved, this, &QuillmapWindow::UpdateWorldPos);
+    connect(ui.actionOverview, &QAction::triggered, m_overview.get(), &QWidget::setVisible);
+    connect(m_overview.get(), &DockOverview::AboutToJump, this, [this] { m_go->NoteJump(); });
     connect(m_brush.get(), &BrushDock::Changed, scene, &MainScene::RefreshBrush);
     connect(ui.gboBgOver, &GroupBoxColor::ColorChanged, scene, &MainScene::ChangeWorldColor);
     connect(ui.gboBgOver, &GroupBoxColor::AlphaChanged, scene, &MainScene::ChangeWorldAlpha);
@@ -149,4 +153,5 @@ void QuillmapWindow::ShowDockStates()
     m_ui->actionViewTerritoryTypes->setChecked(!m_terTypes->isHidden());
     m_ui->actionViewStatus->setChecked(!m_status->isHidden());
     m_ui->actionHistory->setChecked(!m_history->isHidden());
+    m_ui->actionOverview->setChecked(!m_overview->isHidden());
 }

@@ -70,6 +70,9 @@ void PaintTool::Show(const QRect& changed)
 {
     m_changed |= changed;
     Parts().scene.ShowPainted(changed);
+    if (Layer* layer = Parts().scene.Painter().GetLayer()) {
+        emit Parts().document.Painted(layer, changed);
+    }
 }
 
 void PaintTool::Finish()
@@ -103,6 +106,7 @@ void PaintTool::Cancel()
     Parts().document.SetHandBusy(false);
     LayerPainter& painter = Parts().scene.Painter();
     painter.CancelStroke();
+    Show(m_changed);
     // The picture was made anew from the mask, and may differ anywhere.
     Parts().scene.ShowPainted(QRect(QPoint(), painter.Size()));
 }

@@ -9,6 +9,7 @@
 #include "tests/support/LiteralCanvas.h"
 #include "tests/support/LogSpy.h"
 #include "tests/support/MemoryLimit.h"
+#include "tests/support/Random.h"
 
 #include <QGraphicsScene>
 #include <QPainter>
@@ -22,6 +23,7 @@ class tst_ScenePictures : public QObject
     Q_OBJECT
 
 private slots:
+    void PaintsEachPartAsTheWhole();
     void LoadsTheWorldPicture();
     void ScalesTheWorldToTheLayerSize();
     void KeepsTheWorldPictureWhenAnotherCannotBeLoaded();
@@ -355,6 +357,44 @@ void tst_ScenePictures::IgnoresTheColorUntilTheNextLayerChange()
     canvas.Scene().ChangeLayer(layer);
     QCOMPARE(Shown(canvas.Scene(), {200, 160}).pixelColor(30, 30), QColor(Qt::blue));
     QCOMPARE(Area(*layer), 2500);
+}
+
+/// Scrolling exposes strips at the edges, and items that change expose other parts.
+void tst_ScenePictures::PaintsEachPartAsTheWhole()
+{
+    CanvasFixture canvas({1000, 900});
+    Random random;
+    canvas.territory->SetRgba(0x80FF8040U);
+    canvas.territory->SetVisible(true);
+    for (int i = 0; i < 200; ++i) {
+        canvas.AddZone({random.Below(9000) / 9.0, random.Below(9000) / 10.0}, 20);
+    }
+    canvas.territory->SetRgba(0x80FF8040U);
+    canvas.Edit(canvas.AddLayer(QColor(9, 200, 3, 100), {30, 40, 800, 700}));
+    QWidget& viewport = *canvas.view.viewport();
+    for (const double zoom : {0.5, 1.0, 2.0}) {
+        canvas.view.setTransform(QTransform::fromScale(zoom, zoom));
+        for (int round = 0; round < 30; ++round) {
+            canvas.view.centerOn(random.Below(1000), random.Below(900));
+            QImage whole(viewport.size(), QImage::Format_RGB32);
+            viewport.render(&whole);
+            const QPoint corner(random.Below(200), random.Below(200));
+            // What was not scrolled into place.
+            QRegion exposed = QRegion(viewport.rect()) - viewport.rect().translated(corner);
+            for (int rects = random.Below(5); rects > 0; --rects) {
+                exposed |= QRect(random.Below(300), random.Below(300), 40, 30);
+            }
+            QImage expected(viewport.size(), QImage::Format_RGB32);
+            expected.fill(Qt::magenta);
+            QImage painted = expected;
+            QPainter painter(&expected);
+            painter.setClipRegion(exposed);
+            painter.drawImage(0, 0, whole);
+            painter.end();
+            viewport.render(&painted, exposed.boundingRect().topLeft(), exposed);
+            QVERIFY(painted == expected);
+        }
+    }
 }
 
 QTEST_MAIN(tst_ScenePictures)

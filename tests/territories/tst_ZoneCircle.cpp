@@ -95,6 +95,7 @@ private slots:
     void LooksTheSameWheneverItIsRepainted();
     void LooksTheSameForOtherPainters_data();
     void LooksTheSameForOtherPainters();
+    void LooksTheSameWhereItIsCut();
     void LooksTheSameWhereItIsTurned();
     void LooksTheSameInAnyColor();
     void LooksTheSameAfterManyOthers();
@@ -169,6 +170,23 @@ void tst_ZoneCircle::LooksTheSameForOtherPainters()
         Shown(
             background, drawings, [](QPainter&) {}, DrawZoneCircle);
         CompareRepaints(background, drawings, prepare);
+    }
+}
+
+void tst_ZoneCircle::LooksTheSameWhereItIsCut()
+{
+    Random random;
+    const QImage background = Noise(random, QImage::Format_RGB32);
+    for (const double zoom : {0.25, 0.5, 1.0, 2.0}) {
+        for (int round = 0; round < 100; ++round) {
+            const QVector<Drawing> drawings{RandomDrawing(random, zoom),
+                                            RandomDrawing(random, zoom)};
+            const QRect strip(random.Below(DeviceSize.width()), random.Below(DeviceSize.height()),
+                              1 + random.Below(40), 1 + random.Below(40));
+            CompareRepaints(background, drawings,
+                            [strip](QPainter& painter) { painter.setClipRect(strip); });
+            CompareRepaints(background, drawings);
+        }
     }
 }
 

@@ -9,6 +9,7 @@
 #include "ui/DockHistory.h"
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
+#include "ui/DockOverview.h"
 #include "ui/DockStatus.h"
 #include "ui/DockTerTypeProps.h"
 #include "ui/DockTerTypes.h"
@@ -55,6 +56,12 @@ const struct
     {"DockHistory", [] { return DocumentForm<DockHistory>(); }},
     {"DockLayerProps", [] { return DocumentForm<DockLayerProps>(); }},
     {"DockLayers", [] { return DocumentForm<DockLayers>(nullptr); }},
+    {"DockOverview",
+     [] {
+         Document document;
+         MainView view;
+         return FormText(DockOverview(document, view));
+     }},
     {"DockStatus", [] { return FormText(DockStatus()); }},
     {"DockTerTypeProps", [] { return DocumentForm<DockTerTypeProps>(); }},
     {"DockTerTypes", [] { return DocumentForm<DockTerTypes>(nullptr, nullptr); }},

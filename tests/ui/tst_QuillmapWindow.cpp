@@ -91,6 +91,7 @@ void tst_QuillmapWindow::StartsWithoutAProject()
     QVERIFY(!fixture.window->actions().contains(fixture.Action("actionTogglePaintMode")));
     QVERIFY(fixture.Child<QWidget>("lblZoom")->isEnabled());
     QVERIFY(fixture.Child<QWidget>("pgrStatus")->isHidden());
+    QVERIFY(fixture.Child<QWidget>("DockOverview")->isHidden());
 }
 
 void tst_QuillmapWindow::ShowsDocksByTheirActions_data()
@@ -101,6 +102,7 @@ void tst_QuillmapWindow::ShowsDocksByTheirActions_data()
     QTest::newRow("actionViewTerritoryTypes") << QStringList{"DockTerTypes", "DockTerTypeProps"};
     QTest::newRow("actionViewStatus") << QStringList{"DockStatus"};
     QTest::newRow("actionHistory") << QStringList{"DockHistory"};
+    QTest::newRow("actionOverview") << QStringList{"DockOverview"};
 }
 
 void tst_QuillmapWindow::ShowsDocksByTheirActions()
