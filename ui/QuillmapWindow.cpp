@@ -16,6 +16,7 @@
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
 #include "ui/DockOverview.h"
+#include "ui/DockProbe.h"
 #include "ui/DockStatus.h"
 #include "ui/DockTerTypeProps.h"
 #include "ui/DockTerTypes.h"
@@ -106,6 +107,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     ConnectTerritories();
     ConnectMap();
     ConnectDocument();
+    ConnectMapDocks();
     m_ui->paintView->Scene()->ChangeWorldVisibility(true);
     m_status->SetProgressVisible(false);
     SetTitle(QString());
@@ -146,6 +148,11 @@ void QuillmapWindow::AddDocks()
     m_terTypes = std::make_unique<DockTerTypes>(*m_document, m_ui->paintView->Scene(),
                                                 m_terTypeProps.get(), this);
     m_history = std::make_unique<DockHistory>(*m_document, this);
+    m_probe =
+        std::make_unique<DockProbe>(*m_document,
+                                    DockProbe::Callbacks{[this](Layer& layer) { EditLayer(layer); },
+                                                         [this](Zone& zone) { SelectZone(zone); }},
+                                    this);
     m_overview = std::make_unique<DockOverview>(*m_document, *m_ui->paintView, this);
     addDockWidget(Qt::LeftDockWidgetArea, m_layers.get());
     addDockWidget(Qt::LeftDockWidgetArea, m_layerProps.get());
@@ -154,8 +161,10 @@ void QuillmapWindow::AddDocks()
     addDockWidget(Qt::RightDockWidgetArea, m_terTypeProps.get());
     addDockWidget(Qt::RightDockWidgetArea, m_brush.get());
     addDockWidget(Qt::RightDockWidgetArea, m_history.get());
+    addDockWidget(Qt::RightDockWidgetArea, m_probe.get());
     addDockWidget(Qt::RightDockWidgetArea, m_overview.get());
     m_history->hide();
+    m_probe->hide();
     m_overview->hide();
     m_terTypes->hide();
     m_terTypeProps->hide();

@@ -10,12 +10,13 @@
 
 class BrushDock;
 class ChangeNotice;
+class DockHistory;
 class DockLayerProps;
 class DockLayers;
+class DockOverview;
+class DockProbe;
 class DockStatus;
 class DockTerTypeProps;
-class DockHistory;
-class DockOverview;
 class DockTerTypes;
 class Document;
 class EditActions;
@@ -33,6 +34,7 @@ class QGraphicsItem;
 class RecentProjects;
 class SessionNotices;
 class TerritoryTypeList;
+class Zone;
 
 namespace Ui {
 class QuillmapWindowClass;
@@ -110,6 +112,11 @@ private:
     void ConnectTerritories();
     void ConnectMap();
     void ConnectDocument();
+    void ConnectMapDocks();
+    /// As a click on its row does.
+    void EditLayer(Layer& layer);
+    /// Makes its territory the current one.
+    void SelectZone(Zone& zone);
     void OpenForViewing(const QString& configPath);
     void LayerModified(Layer* layer);
     void RecomposeChanged();
@@ -126,6 +133,7 @@ private:
     std::unique_ptr<DockTerTypeProps> m_terTypeProps;
     std::unique_ptr<DockTerTypes> m_terTypes;
     std::unique_ptr<DockHistory> m_history;
+    std::unique_ptr<DockProbe> m_probe;
     std::unique_ptr<DockOverview> m_overview;
     std::unique_ptr<LayerComposition> m_composition;
     std::unique_ptr<InteractionModes> m_modes;

@@ -11,6 +11,7 @@
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
 #include "ui/DockOverview.h"
+#include "ui/DockProbe.h"
 #include "ui/DockStatus.h"
 #include "ui/DockTerTypeProps.h"
 #include "ui/DockTerTypes.h"
@@ -52,8 +53,9 @@ void QuillmapWindow::ConnectActions()
     connect(ui.actionViewTerritoryTypes, &QAction::triggered, this,
             &QuillmapWindow::ShowTerritoryTypes);
     connect(ui.actionViewStatus, &QAction::triggered, this, &QuillmapWindow::ShowStatus);
-    for (QDockWidget* dock : std::initializer_list<QDockWidget*>{
-             m_layers.get(), m_terTypes.get(), m_status.get(), m_history.get(), m_overview.get()}) {
+    for (QDockWidget* dock :
+         std::initializer_list<QDockWidget*>{m_layers.get(), m_terTypes.get(), m_status.get(),
+                                             m_history.get(), m_overview.get(), m_probe.get()}) {
         dock->installEventFilter(this);
     }
 }
@@ -104,7 +106,6 @@ void QuillmapWindow::ConnectMap()
     connect(ui.paintView, &MainView::ZoomChanged, this, &QuillmapWindow::SetZoomLevel);
     connect(ui.paintView, &MainView::MouseMoved, this, &QuillmapWindow::UpdateWorldPos);
     connect(ui.actionOverview, &QAction::triggered, m_overview.get(), &QWidget::setVisible);
-    connect(m_overview.get(), &DockOverview::AboutToJump, this, [this] { m_go->NoteJump(); });
     connect(m_brush.get(), &BrushDock::Changed, scene, &MainScene::RefreshBrush);
     connect(ui.gboBgOver, &GroupBoxColor::ColorChanged, scene, &MainScene::ChangeWorldColor);
     connect(ui.gboBgOver, &GroupBoxColor::AlphaChanged, scene, &MainScene::ChangeWorldAlpha);
@@ -138,6 +139,38 @@ void QuillmapWindow::ConnectDocument()
             });
 }
 
+void QuillmapWindow::ConnectMapDocks()
+{
+    // Plain letters are shortcuts while the map has the focus.
+    m_probe->HoldAction()->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    m_ui->paintView->addAction(m_ui->actionProbe);
+    m_ui->paintView->addAction(m_probe->HoldAction());
+    connect(m_ui->actionProbe, &QAction::triggered, m_probe.get(), &QWidget::setVisible);
+    connect(m_ui->paintView, &MainView::MouseMoved, m_probe.get(), [this] {
+        const MainView& view = *m_ui->paintView;
+        if (const std::optional<QPointF> pixel = view.MousePixel()) {
+            m_probe->Follow(view.PlaceAt(*pixel));
+        }
+    });
+    connect(m_overview.get(), &DockOverview::AboutToJump, this, [this] { m_go->NoteJump(); });
+}
+
+void QuillmapWindow::EditLayer(Layer& layer)
+{
+    m_layers->SelectItem(&layer);
+    LayerSelected(&layer);
+}
+
+void QuillmapWindow::SelectZone(Zone& zone)
+{
+    // This unlocks the territory's zones and clears the selection.
+    const Tracked<Zone> tracked(&zone);
+    emit m_ui->paintView->TerritorySelected(zone.Holder());
+    if (tracked) {
+        tracked->setSelected(true);
+    }
+}
+
 bool QuillmapWindow::eventFilter(QObject* watched, QEvent* event)
 {
     // A dock that is tabbed behind another one is not hidden, so isVisible() does not tell.
@@ -153,5 +186,6 @@ void QuillmapWindow::ShowDockStates()
     m_ui->actionViewTerritoryTypes->setChecked(!m_terTypes->isHidden());
     m_ui->actionViewStatus->setChecked(!m_status->isHidden());
     m_ui->actionHistory->setChecked(!m_history->isHidden());
+    m_ui->actionProbe->setChecked(!m_probe->isHidden());
     m_ui->actionOverview->setChecked(!m_overview->isHidden());
 }

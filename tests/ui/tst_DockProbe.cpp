@@ -1,0 +1,239 @@
+#include "document/Document.h"
+#include "layers/Layer.h"
+#include "territories/TerritoryType.h"
+#include "territories/Zone.h"
+#include "tests/support/Files.h"
+#include "tests/support/WindowFixture.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QLabel>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
+
+/// The dock that tells what is under the mouse.
+class tst_DockProbe : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void ShowsFlagsLayersAndZones();
+    void SaysWhenThePlaceIsOutside();
+    void SaysWhereTheMapHoldsNothing();
+    void MarksHiddenLayersAndGreys();
+    void FollowsAStrokeAndItsUndo();
+    void HoldsThePlace();
+    void AClickOnALayerMakesItCurrent();
+    void AClickOnAZoneSelectsIt();
+    void CopiesAsText();
+    void LettersAreKeysOfTheMapOnly();
+    void IsHiddenAtFirst();
+};
+
+namespace {
+
+/// The small project: both layers are from (8, 8) to (23, 23), the zone's centre is at (10, 10) and
+/// its radius 6 pixels. A pixel is 10 m wide.
+struct Probed
+{
+    explicit Probed(const std::function<QByteArray(QByteArray)>& edit = {})
+    {
+        const QString path = fixture.WriteProject();
+        if (edit) {
+            WriteBytes(path, edit(ReadBytes(path)));
+        }
+        fixture.Load(path);
+        fixture.window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(fixture.window.get()));
+        // A move to the place where the cursor is would be none.
+        QTest::mouseMove(fixture.window.get(), {1, 1});
+        fixture.Trigger("actionProbe");
+    }
+
+    void MoveTo(int x, int y) const
+    {
+        const MainView& view = fixture.View();
+        QTest::mouseMove(view.viewport(), view.mapFromScene(QPointF(x, y)));
+    }
+    QTreeWidget& Tree() const { return *fixture.Child<QTreeWidget>("treeProbe"); }
+    QString Place() const { return fixture.Child<QLabel>("lblProbePlace")->text(); }
+    /// Each row of the tree, indented by its depth.
+    QStringList Rows() const
+    {
+        QCoreApplication::processEvents();
+        QStringList rows;
+        for (QTreeWidgetItemIterator it(&Tree()); *it; ++it) {
+            int depth = 0;
+            for (const QTreeWidgetItem* above = (*it)->parent(); above; above = above->parent()) {
+                ++depth;
+            }
+            rows.append(QString(depth, ' ') + (*it)->text(0));
+        }
+        return rows;
+    }
+    void Click(const QString& text) const
+    {
+        const QList<QTreeWidgetItem*> items =
+            Tree().findItems(text, Qt::MatchStartsWith | Qt::MatchRecursive);
+        QVERIFY(!items.isEmpty());
+        Tree().scrollToItem(items.constFirst());
+        QTest::mouseClick(Tree().viewport(), Qt::LeftButton, {},
+                          Tree().visualItemRect(items.constFirst()).center());
+    }
+
+    WindowFixture fixture;
+};
+
+} // namespace
+
+void tst_DockProbe::ShowsFlagsLayersAndZones()
+{
+    const Probed probed;
+    probed.MoveTo(12, 10);
+    QCOMPARE(probed.Place(), QString("X 120, Z 540 (pixel 12, 10)"));
+    QCOMPARE(probed.Rows(),
+             (QStringList{"Usage: 3", " Town", "  red", " Farm", "  blue", "Value: 1", " Rich",
+                          "  blue", "Zones", " Deer / North: zone 1, 20 m from its centre"}));
+    probed.MoveTo(22, 22);
+    QCOMPARE(probed.Rows(), (QStringList{"Usage: 3", " Town", "  red", " Farm", "  blue",
+                                         "Value: 1", " Rich", "  blue"}));
+    probed.MoveTo(40, 40);
+    QCOMPARE(probed.Rows(), (QStringList{"Usage: 0", "Value: 0"}));
+}
+
+void tst_DockProbe::SaysWhenThePlaceIsOutside()
+{
+    const Probed probed;
+    QCOMPARE(probed.Place(), QString("Move the mouse over the map."));
+    // Beside a map that is smaller than the view.
+    probed.MoveTo(70, 10);
+    QCOMPARE(probed.Place(), QString("X 700, Z 540: outside of the world"));
+    QCOMPARE(probed.Rows(), QStringList());
+}
+
+void tst_DockProbe::SaysWhereTheMapHoldsNothing()
+{
+    // Three types take 4 bits each, so 8 pixels make a word; the width is no multiple of 8.
+    const Probed probed([](QByteArray text) {
+        text.replace(R"(<usage name="Farm"/>)", R"(<usage name="Farm"/><usage name="Mine"/>)");
+        text.replace(R"(<values><value name="Rich"/></values>)", "<values/>");
+        return text.replace(R"(layer size="64")", R"(layer size="60")");
+    });
+    probed.MoveTo(57, 10);
+    QCOMPARE(probed.Rows(), (QStringList{"Usage: the map holds nothing here",
+                                         "Value: the project has no flags of this kind"}));
+    probed.MoveTo(55, 10);
+    QCOMPARE(probed.Rows().value(0), QString("Usage: 0"));
+}
+
+void tst_DockProbe::MarksHiddenLayersAndGreys()
+{
+    const Probed probed(
+        [](QByteArray text) { return text.replace(R"(usage_flags="1")", R"(usage_flags="0")"); });
+    Layer& red = *probed.fixture.window->GetDocument().Layers().LayerAt(0);
+    QImage mask = red.Image();
+    mask.setPixel(20, 20, 128);
+    red.SetImage(mask, red.Color());
+    red.SetVisible(false);
+    probed.MoveTo(20, 20);
+    QCOMPARE(probed.Rows(), (QStringList{"Usage: 2", " Farm", "  blue", "Value: 1", " Rich",
+                                         "  blue", "Layers without a flag in the map",
+                                         " red (hidden) (grey 128, not drawn)"}));
+}
+
+void tst_DockProbe::FollowsAStrokeAndItsUndo()
+{
+    const Probed probed;
+    const WindowFixture& fixture = probed.fixture;
+    fixture.Trigger("actionTogglePaintMode");
+    probed.MoveTo(40, 40);
+    QCOMPARE(probed.Rows(), (QStringList{"Usage: 0", "Value: 0"}));
+    const QStringList painted{"Usage: 2", " Farm", "  blue", "Value: 1", " Rich", "  blue"};
+    const QPoint place = fixture.View().mapFromScene(QPointF(40, 40));
+    QTest::mousePress(fixture.View().viewport(), Qt::LeftButton, {}, place);
+    QCOMPARE(probed.Rows(), painted);
+    QTest::mouseRelease(fixture.View().viewport(), Qt::LeftButton, {}, place);
+    QCOMPARE(probed.Rows(), painted);
+    fixture.Trigger("actionUndo");
+    QCOMPARE(probed.Rows(), (QStringList{"Usage: 0", "Value: 0"}));
+    fixture.Trigger("actionRedo");
+    QCOMPARE(probed.Rows(), painted);
+}
+
+void tst_DockProbe::HoldsThePlace()
+{
+    const Probed probed;
+    const WindowFixture& fixture = probed.fixture;
+    probed.MoveTo(12, 10);
+    const QString held = probed.Place();
+    fixture.View().setFocus();
+    QTest::keyClick(&fixture.View(), Qt::Key_H);
+    QVERIFY(fixture.Action("actionProbeHold")->isChecked());
+    probed.MoveTo(40, 40);
+    QCOMPARE(probed.Place(), held);
+    QTest::keyClick(&fixture.View(), Qt::Key_H);
+    QCOMPARE(probed.Place(), QString("X 400, Z 240 (pixel 40, 40)"));
+}
+
+void tst_DockProbe::AClickOnALayerMakesItCurrent()
+{
+    const Probed probed;
+    probed.MoveTo(12, 10);
+    const Document& document = probed.fixture.window->GetDocument();
+    QCOMPARE(document.CurrentLayer()->text(), QString("blue"));
+    probed.Click("red");
+    QCOMPARE(document.CurrentLayer()->text(), QString("red"));
+    QCOMPARE(probed.fixture.Scene().CurrentLayer(), document.CurrentLayer());
+}
+
+void tst_DockProbe::AClickOnAZoneSelectsIt()
+{
+    const Probed probed;
+    probed.MoveTo(12, 10);
+    probed.Click("Deer / North");
+    const QVector<Zone*> selected = probed.fixture.Scene().SelectedZones();
+    QCOMPARE(selected.size(), 1);
+    QCOMPARE(selected.constFirst()->Holder()->text(), QString("North"));
+    QCOMPARE(probed.fixture.Scene().CurrentTerritory(), selected.constFirst()->Holder());
+}
+
+void tst_DockProbe::CopiesAsText()
+{
+    const Probed probed;
+    probed.MoveTo(22, 22);
+    QTest::mouseClick(probed.fixture.Child<QPushButton>("btnProbeCopy"), Qt::LeftButton);
+    QCOMPARE(QApplication::clipboard()->text(),
+             QString("X 220, Z 420 (pixel 22, 22)\nUsage: 3\n  Town\n    red\n  Farm\n    blue\n"
+                     "Value: 1\n  Rich\n    blue"));
+}
+
+void tst_DockProbe::LettersAreKeysOfTheMapOnly()
+{
+    WindowFixture fixture;
+    fixture.Load(fixture.WriteProject());
+    const QWidget* dock = fixture.Child<QWidget>("DockProbe");
+    fixture.window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(fixture.window.get()));
+    fixture.View().setFocus();
+    QTest::keyClick(&fixture.View(), Qt::Key_I);
+    QVERIFY(dock->isVisible());
+    QVERIFY(fixture.Action("actionProbe")->isChecked());
+    auto* tree = fixture.Child<QTreeWidget>("treeProbe");
+    tree->setFocus();
+    QTest::keyClick(tree, Qt::Key_I);
+    QTest::keyClick(tree, Qt::Key_H);
+    QVERIFY(dock->isVisible());
+    QVERIFY(!fixture.Action("actionProbeHold")->isChecked());
+}
+
+void tst_DockProbe::IsHiddenAtFirst()
+{
+    const WindowFixture fixture;
+    QVERIFY(fixture.Child<QWidget>("DockProbe")->isHidden());
+    QVERIFY(!fixture.Action("actionProbe")->isChecked());
+}
+
+QTEST_MAIN(tst_DockProbe)
+#include "tst_DockProbe.moc"
