@@ -127,8 +127,10 @@ void tst_JournalFile::IsPrivate()
         QCOMPARE(QFile::permissions(above), ForUserOnly | QFile::ExeOwner | QFile::ExeUser);
     }
     const QFileInfoList files = QDir(folder).entryInfoList(QDir::Files);
-    QCOMPARE(QDir(folder).entryList(QDir::Files).join(' '),
-             "base-5.tga lock log session text-1.xml text-2.xml");
+    QStringList names = QDir(folder).entryList(QDir::Files);
+    // The portable build tells the lock's owner there.
+    names.removeAll("lock.lock");
+    QCOMPARE(names.join(' '), "base-5.tga lock log session text-1.xml text-2.xml");
     for (const QFileInfo& file : files) {
         QCOMPARE(file.permissions(), ForUserOnly);
     }
@@ -304,7 +306,14 @@ void tst_JournalFile::AFullDiskLeavesTheCommitsBefore()
 {
     JournalSession whole(Size);
     QVERIFY(RunManyCommits(whole));
-    for (qint64 limit = 0; limit < whole.Lengths().last(); limit += 13) {
+#ifdef QUILLMAP_PORTABLE
+    // The lock is a file with a text, and fails before the log does.
+    constexpr qint64 least = 512;
+#else
+    constexpr qint64 least = 0;
+#endif
+    QVERIFY(least < whole.Lengths().last());
+    for (qint64 limit = least; limit < whole.Lengths().last(); limit += 13) {
         JournalSession session(Size);
         {
             const FileSizeLimit disk(static_cast<quint64>(limit));
