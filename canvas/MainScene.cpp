@@ -161,15 +161,16 @@ void MainScene::TellWorldChanged() const
 
 void MainScene::PaintWorld(QPainter& painter)
 {
-    for (QGraphicsItem* item :
-         std::initializer_list<QGraphicsItem*>{m_worldItem.get(), m_overlayItem.get()}) {
-        QStyleOptionGraphicsItem option;
-        option.exposedRect = item->boundingRect();
-        painter.setOpacity(item->opacity());
-        if (item->isVisible()) {
-            item->paint(&painter, &option, nullptr);
+    const auto paint = [&painter](auto& item) {
+        if (item.isVisible()) {
+            QStyleOptionGraphicsItem option;
+            option.exposedRect = item.boundingRect();
+            painter.setOpacity(item.opacity());
+            item.paint(&painter, &option, nullptr);
         }
-    }
+    };
+    paint(*m_worldItem);
+    paint(*m_overlayItem);
 }
 
 void MainScene::ClearWorld()

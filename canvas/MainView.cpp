@@ -19,6 +19,8 @@
 #include <QRubberBand>
 #include <QScrollBar>
 
+#include <cmath>
+
 namespace {
 
 constexpr float DefaultSceneSize = 2048.0F;
@@ -133,25 +135,28 @@ void MainView::paintEvent(QPaintEvent* event)
 {
     constexpr int mostStrips = 3;
     const QRegion& region = event->region();
-    if (region.rectCount() > mostStrips) {
-        m_painted = region.boundingRect();
+    // Where view pixels have fractions of device pixels, strips would not end where Qt ends them.
+    const bool isExact = devicePixelRatioF() == std::floor(devicePixelRatioF());
+    if (region.rectCount() > mostStrips || !isExact) {
         QGraphicsView::paintEvent(event);
         return;
     }
     for (const QRect& rect : region) {
-        m_painted = rect;
-        QPaintEvent strip(rect);
-        QGraphicsView::paintEvent(&strip);
+        const QScopedValueRollback<QRect> strip(m_strip, rect);
+        QPaintEvent part(rect);
+        QGraphicsView::paintEvent(&part);
     }
 }
 
 void MainView::drawBackground(QPainter* painter, const QRectF& rect)
 {
-    // The view does not save the painter's state, so the items are clipped too.
-    const QTransform toView = painter->worldTransform();
-    painter->setWorldTransform({});
-    painter->setClipRect(m_painted);
-    painter->setWorldTransform(toView);
+    if (!m_strip.isEmpty()) {
+        // The view does not save the painter's state, so the items are clipped too.
+        const QTransform toView = painter->worldTransform();
+        painter->setWorldTransform({});
+        painter->setClipRect(m_strip);
+        painter->setWorldTransform(toView);
+    }
     QGraphicsView::drawBackground(painter, rect);
 }
 

@@ -121,8 +121,8 @@ private:
     WidgetRuler* m_verticalRuler;
     float m_zoom = 1.0F;
     bool m_isMapMoving = false;
-    /// The view pixels that are being painted.
-    QRect m_painted;
+    /// The view pixels that are painted by themselves at present; empty if there are none.
+    QRect m_strip;
     /// The position of the last mouse event in view pixels: its whole pixel, and the fraction.
     QPoint m_mousePixel;
     QPointF m_mouseFraction;

@@ -213,7 +213,7 @@ bool OverviewPicture::ListLayers()
         }
         const auto known = m_masks.find(layer->Id());
         if (known != m_masks.end()) {
-            masks.insert(layer->Id(), std::move(*known));
+            masks.insert(layer->Id(), *known);
         }
     }
     m_masks = std::move(masks);
