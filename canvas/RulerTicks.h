@@ -30,6 +30,6 @@ struct RulerTick
 
 /// The ticks of a ruler of this length and thickness in pixels, in the order of painting. There are
 /// no ticks if their spacing would be less than a pixel or not finite, and no labels if their
-/// values would not be finite. From a zoom of 1/8 downward the steps are wider, and below 1/4 labels
-/// are so far apart that none reaches the next.
+/// values would not be finite. From a zoom of 1/8 downward the steps are wider, and below 1/4
+/// labels are so far apart that none reaches the next.
 std::vector<RulerTick> RulerTicks(const RulerScale& scale, double length, double thickness);
