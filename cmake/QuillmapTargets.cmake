@@ -176,6 +176,11 @@ function(quillmap_test path)
   # Tests use plain literals, which are UTF-8 here, because expected texts are easier to read that
   # way.
   target_compile_options(${name} PRIVATE -UQT_NO_CAST_FROM_ASCII)
+  # What only Linux does is left out. Other tests are compiled alike for every platform.
+  file(STRINGS ${path}.cpp has_portable_form REGEX QUILLMAP_PORTABLE)
+  if(has_portable_form AND QUILLMAP_PLATFORM STREQUAL portable)
+    target_compile_definitions(${name} PRIVATE QUILLMAP_PORTABLE)
+  endif()
   quillmap_precompile(${name} -UQT_NO_CAST_FROM_ASCII)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300 ENVIRONMENT "${QUILLMAP_TEST_ENVIRONMENT}")

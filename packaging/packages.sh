@@ -32,13 +32,16 @@ ensure_packages() {
     apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
+# Options of the build beside those of its preset, such as -DNAME=VALUE.
+build_options=()
+
 # build_preset PRESET [TARGET...]
 # Configures and builds quietly. Shows the output of the tools only if they fail, for all files.
 build_preset() {
   local preset=$1 log
   shift
   log=$(mktemp)
-  if ! { cmake --preset "$preset" && cmake --build --preset "$preset" ${1:+--target "$@"} -- -k 0; } \
+  if ! { cmake --preset "$preset" "${build_options[@]}" && cmake --build --preset "$preset" ${1:+--target "$@"} -- -k 0; } \
     >"$log" 2>&1; then
     cat "$log" >&2
     rm -f "$log"
