@@ -17,6 +17,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QRubberBand>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 
 #include <cmath>
