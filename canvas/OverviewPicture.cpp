@@ -69,6 +69,7 @@ void OverviewPicture::SetActive(bool isActive)
     }
     m_document.disconnect(this);
     m_document.Layers().model()->disconnect(this);
+    m_document.Types().model()->disconnect(this);
     m_scene.disconnect(this);
     m_scene.SetWorldChanged({});
     m_timer.stop();

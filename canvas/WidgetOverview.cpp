@@ -91,19 +91,15 @@ QRect WidgetOverview::FrameRect() const
     return frame.toRect().adjusted(0, 0, -1, -1);
 }
 
-void WidgetOverview::showEvent(QShowEvent* event)
+void WidgetOverview::SetSeen(bool isSeen)
 {
-    QWidget::showEvent(event);
-    m_overview.SetActive(true);
-    m_view.viewport()->installEventFilter(this);
-    m_frame = FrameRect();
-}
-
-void WidgetOverview::hideEvent(QHideEvent* event)
-{
-    QWidget::hideEvent(event);
-    m_view.viewport()->removeEventFilter(this);
-    m_overview.SetActive(false);
+    m_overview.SetActive(isSeen);
+    if (isSeen) {
+        m_view.viewport()->installEventFilter(this);
+        m_frame = FrameRect();
+    } else {
+        m_view.viewport()->removeEventFilter(this);
+    }
 }
 
 bool WidgetOverview::eventFilter(QObject* watched, QEvent* event)

@@ -9,8 +9,8 @@ class Document;
 class MainView;
 
 /// Shows the whole map small, as large as it fits, with a frame around the part that the view
-/// shows. Pressing and dragging the left button centres the view at the mouse. While the widget is
-/// hidden, nothing is computed.
+/// shows. Pressing and dragging the left button centres the view at the mouse. While the widget
+/// is not seen, nothing is computed.
 class WidgetOverview : public QWidget
 {
     Q_OBJECT
@@ -19,6 +19,8 @@ public:
     /// Both outlive the widget.
     WidgetOverview(Document& document, MainView& view, QWidget* parent);
 
+    /// Whether the widget can be seen. A dock behind another tab cannot, and Qt calls it visible.
+    void SetSeen(bool isSeen);
     const OverviewPicture& Overview() const { return m_overview; }
     /// Where the map is, in the widget's coordinates; empty when there is none.
     QRectF MapRect() const;
@@ -32,8 +34,6 @@ signals:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
-    void showEvent(QShowEvent* event) override;
-    void hideEvent(QHideEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;

@@ -42,7 +42,7 @@ void ProjectProbe::ListZones()
             for (Zone* zone : territory->Zones()) {
                 const int index = static_cast<int>(m_zones.size());
                 m_circles.push_back(ProbedZoneOf(zone->Record(), scale, index, ++number));
-                m_zones.push_back(zone);
+                m_zones.emplace_back(zone);
             }
         }
     }
@@ -77,7 +77,9 @@ ProjectProbe::Found ProjectProbe::Find(QPointF place)
     }
     for (const ZoneHere& zone : ZonesAt(m_circles, found.place.x, found.place.z)) {
         const auto index = static_cast<std::size_t>(zone.index);
-        found.zones.push_back({m_zones[index], m_circles[index].number, zone.distance});
+        if (Zone* covering = m_zones[index]) {
+            found.zones.push_back({covering, m_circles[index].number, zone.distance});
+        }
     }
     return found;
 }

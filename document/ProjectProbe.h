@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/Tracked.h"
 #include "layers/MapProbe.h"
 #include "territories/ZoneProbe.h"
 
@@ -66,5 +67,5 @@ private:
     bool m_areZonesListed = false;
     ProbedZones m_circles;
     /// The zones of m_circles.
-    std::vector<Zone*> m_zones;
+    std::vector<Tracked<Zone>> m_zones;
 };

@@ -10,5 +10,6 @@ DockOverview::DockOverview(Document& document, MainView& view, QWidget* parent)
     overview->setObjectName(QStringLiteral("viewOverview"));
     overview->setToolTip(tr("Click or drag to move the map"));
     setWidget(overview);
+    connect(this, &QDockWidget::visibilityChanged, overview, &WidgetOverview::SetSeen);
     connect(overview, &WidgetOverview::AboutToJump, this, &DockOverview::AboutToJump);
 }

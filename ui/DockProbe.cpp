@@ -91,6 +91,9 @@ DockProbe::DockProbe(Document& document, Callbacks callbacks, QWidget* parent)
     m_hold->setCheckable(true);
     m_hold->setShortcut(Qt::Key_H);
     m_hold->setToolTip(tr("Hold the place while the mouse goes elsewhere (H)"));
+    m_hold->setEnabled(false);
+    connect(this, &QDockWidget::visibilityChanged, this, &DockProbe::SetSeen);
+    connect(&document, &Document::AboutToClear, this, &DockProbe::ForgetPlace);
     connect(m_hold, &QAction::toggled, this, &DockProbe::SetHeld);
 
     setWidget(MakeContents());
@@ -143,10 +146,20 @@ QWidget* DockProbe::MakeContents()
     return contents;
 }
 
-void DockProbe::showEvent(QShowEvent* event)
+void DockProbe::SetSeen(bool isSeen)
 {
-    QDockWidget::showEvent(event);
+    m_isSeen = isSeen;
+    m_hold->setEnabled(isSeen);
     Refresh();
+}
+
+/// The place is one of a project that goes.
+void DockProbe::ForgetPlace()
+{
+    m_mouse.reset();
+    m_place.reset();
+    m_hold->setChecked(false);
+    m_refresh.start();
 }
 
 void DockProbe::Follow(QPointF place)
@@ -169,7 +182,7 @@ void DockProbe::SetHeld(bool isHeld)
 void DockProbe::Refresh()
 {
     m_refresh.stop();
-    if (!isVisible()) {
+    if (!m_isSeen) {
         return;
     }
     if (!m_place) {

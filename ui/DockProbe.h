@@ -37,9 +37,6 @@ public:
     /// Holds the place, and lets it go.
     QAction* HoldAction() const { return m_hold; }
 
-protected:
-    void showEvent(QShowEvent* event) override;
-
 private:
     /// A row of the tree.
     struct Row
@@ -63,7 +60,9 @@ private:
 
     QWidget* MakeContents();
     void Refresh();
+    void SetSeen(bool isSeen);
     void SetHeld(bool isHeld);
+    void ForgetPlace();
     void Choose(const QTreeWidgetItem& item);
     void CopyText() const;
     void ShowRows(const Rows& rows);
@@ -81,6 +80,8 @@ private:
     QAction* m_hold;
     QLabel* m_placeLabel = nullptr;
     QTreeWidget* m_tree = nullptr;
+    /// A dock behind another tab is not, and Qt calls it visible.
+    bool m_isSeen = false;
     /// The place that is shown, in scene units, and where the mouse is.
     std::optional<QPointF> m_place;
     std::optional<QPointF> m_mouse;

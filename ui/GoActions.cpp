@@ -3,13 +3,15 @@
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
 #include "canvas/PlaceMark.h"
+#include "canvas/ZoomSteps.h"
 #include "document/Document.h"
 #include "layers/Layer.h"
 #include "layers/raster/Mask.h"
 #include "territories/Zone.h"
 #include "ui/GoTargets.h"
+#include "ui/NameList.h"
 #include "ui/QuillmapWindow.h"
-#include "ui/WorldScale.h"
+#include "ui/SceneScale.h"
 #include "ui/dialogs/DialogGoTo.h"
 #include "ui_QuillmapWindow.h"
 
@@ -17,6 +19,7 @@
 #include <QInputDialog>
 #include <QSettings>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -99,7 +102,9 @@ void GoActions::FitSelection()
         area = raster::SetBounds(layer->Image());
     }
     if (!area.isEmpty()) {
-        Jump(m_parts.view.Moves().PlaceToFit(area));
+        ViewPlace place = m_parts.view.Moves().PlaceToFit(area);
+        place.zoom = std::max(place.zoom, ZoomSteps::LowestOfWheel);
+        Jump(place);
     }
 }
 
@@ -109,7 +114,7 @@ void GoActions::GoTo()
     if (m_parts.document.IsBusy()) {
         return;
     }
-    const WorldScale scale(m_parts.scene.sceneRect().size());
+    const SceneScale scale(m_parts.scene.sceneRect().size());
     QVector<GoTarget> targets;
     if (scale.IsUsable()) {
         targets = FindGoTargets(m_parts.document, m_bookmarks, scale);
@@ -145,7 +150,7 @@ bool GoActions::eventFilter(QObject* watched, QEvent* event)
 
 void GoActions::AddBookmark()
 {
-    const WorldScale scale(m_parts.scene.sceneRect().size());
+    const SceneScale scale(m_parts.scene.sceneRect().size());
     if (m_parts.document.IsBusy() || !scale.IsUsable()) {
         return;
     }
@@ -174,10 +179,10 @@ void GoActions::FillBookmarks()
     m_listed.clear();
     const QVector<Bookmark> bookmarks = m_bookmarks.All();
     for (const Bookmark& bookmark : bookmarks) {
-        auto* go = new QAction(MenuText(bookmark.name), this);
+        auto* go = new QAction(MenuText(ShortText(bookmark.name)), this);
         connect(go, &QAction::triggered, this, [this, bookmark] { GoToBookmark(bookmark); });
         m_parts.form.menuGo->addAction(go);
-        auto* remove = new QAction(MenuText(bookmark.name), this);
+        auto* remove = new QAction(MenuText(ShortText(bookmark.name)), this);
         connect(remove, &QAction::triggered, this, [this, name = bookmark.name] {
             m_bookmarks.Remove(name);
             FillBookmarks();
@@ -190,7 +195,7 @@ void GoActions::FillBookmarks()
 
 void GoActions::GoToBookmark(const Bookmark& bookmark)
 {
-    const WorldScale scale(m_parts.scene.sceneRect().size());
+    const SceneScale scale(m_parts.scene.sceneRect().size());
     if (scale.IsUsable()) {
         Jump({scale.ToScene(bookmark.place), bookmark.zoom});
     }

@@ -9,7 +9,7 @@
 #include "territories/TerritoryTypeList.h"
 #include "territories/Zone.h"
 #include "ui/Bookmarks.h"
-#include "ui/WorldScale.h"
+#include "ui/SceneScale.h"
 
 #include <QCoreApplication>
 #include <QMap>
@@ -85,7 +85,7 @@ void LabelThem(QVector<GoTarget>& targets)
 } // namespace
 
 QVector<GoTarget> FindGoTargets(const Document& document, const Bookmarks& bookmarks,
-                                const WorldScale& scale)
+                                const SceneScale& scale)
 {
     QVector<GoTarget> targets;
     AddTerritories(document, targets);

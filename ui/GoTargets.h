@@ -9,7 +9,7 @@
 
 class Bookmarks;
 class Document;
-class WorldScale;
+class SceneScale;
 
 /// Something with a name that the map can go to.
 struct GoTarget
@@ -28,4 +28,4 @@ struct GoTarget
 
 /// The territories, layers and bookmarks of the project. scale must be usable.
 QVector<GoTarget> FindGoTargets(const Document& document, const Bookmarks& bookmarks,
-                                const WorldScale& scale);
+                                const SceneScale& scale);

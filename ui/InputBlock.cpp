@@ -34,6 +34,8 @@ bool InputBlock::eventFilter(QObject* watched, QEvent* event)
     case QEvent::TouchUpdate:
     case QEvent::TabletPress:
     case QEvent::TabletMove:
+    case QEvent::NativeGesture:
+    case QEvent::Gesture:
         return true;
     default:
         return false;

@@ -157,12 +157,19 @@ void QuillmapWindow::ConnectMapDocks()
 
 void QuillmapWindow::EditLayer(Layer& layer)
 {
+    // Not in a project that is opened for viewing.
+    if (!m_document->CanTravel()) {
+        return;
+    }
     m_layers->SelectItem(&layer);
     LayerSelected(&layer);
 }
 
 void QuillmapWindow::SelectZone(Zone& zone)
 {
+    if (!m_document->CanTravel()) {
+        return;
+    }
     // This unlocks the territory's zones and clears the selection.
     const Tracked<Zone> tracked(&zone);
     emit m_ui->paintView->TerritorySelected(zone.Holder());

@@ -369,6 +369,10 @@ void tst_DockOverview::DoesNothingWhileHidden()
     canvas.view.SetSceneSize(LayerSize.width(), LayerSize.height());
     canvas.document.BeginHistory(true);
     QVERIFY(isIdle());
+    canvas.territory->setCheckState(Qt::Unchecked);
+    canvas.territory->setCheckState(Qt::Checked);
+    QTest::qWait(50);
+    QVERIFY(isIdle());
     canvas.document.Do(Edits::RemoveZones({canvas.territory->Zones().first()}));
 
     canvas.overview.show();

@@ -4,6 +4,7 @@
 #include "territories/Zone.h"
 #include "tests/support/Files.h"
 #include "tests/support/WindowFixture.h"
+#include "ui/DockProbe.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -30,6 +31,9 @@ private slots:
     void CopiesAsText();
     void LettersAreKeysOfTheMapOnly();
     void IsHiddenAtFirst();
+    void ChoosesNothingInAProjectThatIsOnlyViewed();
+    void AnotherProjectEndsTheHold();
+    void IsIdleBehindAnotherTab();
 };
 
 namespace {
@@ -233,6 +237,47 @@ void tst_DockProbe::IsHiddenAtFirst()
     const WindowFixture fixture;
     QVERIFY(fixture.Child<QWidget>("DockProbe")->isHidden());
     QVERIFY(!fixture.Action("actionProbe")->isChecked());
+}
+
+void tst_DockProbe::ChoosesNothingInAProjectThatIsOnlyViewed()
+{
+    Probed probed;
+    probed.fixture.Restart(probed.fixture.Path("small/small.xml"));
+    probed.fixture.Trigger("actionProbe");
+    probed.fixture.Child<DockProbe>("DockProbe")->Follow({12, 10});
+    probed.Click("red");
+    probed.Click("Deer / North");
+    QVERIFY(!probed.fixture.IsModified());
+    QVERIFY(probed.fixture.Scene().SelectedZones().isEmpty());
+}
+
+void tst_DockProbe::AnotherProjectEndsTheHold()
+{
+    Probed probed;
+    probed.MoveTo(12, 10);
+    probed.fixture.Trigger("actionProbeHold");
+    probed.fixture.Load(probed.fixture.Path("small/small.xml"));
+    QVERIFY(!probed.fixture.Action("actionProbeHold")->isChecked());
+    QCOMPARE(probed.Rows(), QStringList());
+}
+
+void tst_DockProbe::IsIdleBehindAnotherTab()
+{
+    const Probed probed;
+    probed.MoveTo(12, 10);
+    const QString before = probed.Place();
+    auto* dock = probed.fixture.Child<DockProbe>("DockProbe");
+    auto* overview = probed.fixture.Child<QDockWidget>("DockOverview");
+    overview->show();
+    probed.fixture.window->tabifyDockWidget(dock, overview);
+    overview->raise();
+    QCoreApplication::processEvents();
+    probed.MoveTo(40, 40);
+    QCOMPARE(probed.Place(), before);
+    QVERIFY(!probed.fixture.Action("actionProbeHold")->isEnabled());
+    dock->raise();
+    QCoreApplication::processEvents();
+    QCOMPARE(probed.Place(), QString("X 400, Z 240 (pixel 40, 40)"));
 }
 
 QTEST_MAIN(tst_DockProbe)

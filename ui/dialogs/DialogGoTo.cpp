@@ -33,7 +33,7 @@ QString ProblemOf(const QString& text, const QString& axis, double most, double&
 
 } // namespace
 
-DialogGoTo::DialogGoTo(const WorldScale& scale, const ViewPlace& present, QVector<GoTarget> targets,
+DialogGoTo::DialogGoTo(const SceneScale& scale, const ViewPlace& present, QVector<GoTarget> targets,
                        QWidget* parent)
     : QDialog(parent)
     , m_ui(std::make_unique<Ui::DialogGoTo>())

@@ -2,7 +2,7 @@
 
 #include "canvas/ViewMoves.h"
 #include "ui/GoTargets.h"
-#include "ui/WorldScale.h"
+#include "ui/SceneScale.h"
 
 #include <QDialog>
 #include <QVector>
@@ -25,7 +25,7 @@ class DialogGoTo : public QDialog
 public:
     /// present: what the view shows; its zoom is kept unless the user chooses one. targets: their
     /// labels are offered while a name is typed.
-    DialogGoTo(const WorldScale& scale, const ViewPlace& present, QVector<GoTarget> targets,
+    DialogGoTo(const SceneScale& scale, const ViewPlace& present, QVector<GoTarget> targets,
                QWidget* parent = nullptr);
     ~DialogGoTo() override;
     Q_DISABLE_COPY(DialogGoTo)
@@ -57,7 +57,7 @@ private:
     QVector<const GoTarget*> TargetsNamed(const QString& name) const;
 
     std::unique_ptr<Ui::DialogGoTo> m_ui;
-    WorldScale m_scale;
+    SceneScale m_scale;
     ViewPlace m_present;
     QVector<GoTarget> m_targets;
     ViewPlace m_place;

@@ -6,11 +6,11 @@
 /// Turns scene positions of the map (layer pixels, y grows downward) into world metres (X to the
 /// right, Z upward from the lower edge), and back. The factors are those of the project, as the
 /// label below the map uses them.
-class WorldScale
+class SceneScale
 {
 public:
     /// map: the size of the scene.
-    explicit WorldScale(QSizeF map);
+    explicit SceneScale(QSizeF map);
 
     /// False without a project, and for a project whose sizes are of no use. Nothing else may be
     /// asked then.
