@@ -86,9 +86,13 @@ bool ReadPlaces(PlaceUnit unit, std::vector<PlaceNumbers>& places)
             return false;
         }
     }
+    // An interruption also ends the reading with an error.
+    if (Interruption::HasCome()) {
+        return false;
+    }
     if (std::ferror(stdin) != 0) {
         Console::PrintError(input, QStringLiteral("cannot be read."));
         return false;
     }
-    return !Interruption::HasCome();
+    return true;
 }

@@ -59,8 +59,13 @@ void Jumps::Forward()
 
 void Jumps::Go(QVector<ViewPlace>& from, QVector<ViewPlace>& to)
 {
+    const ViewPlace present = m_view.Moves().Place();
+    // A click in the overview may have led nowhere else.
+    while (!from.isEmpty() && IsSame(from.constLast(), present)) {
+        from.removeLast();
+    }
     if (!from.isEmpty()) {
-        to.append(m_view.Moves().Place());
+        to.append(present);
         m_view.Moves().Show(from.takeLast());
     }
 }

@@ -172,7 +172,7 @@ void QuillmapWindow::SelectZone(Zone& zone)
     }
     // This unlocks the territory's zones and clears the selection.
     const Tracked<Zone> tracked(&zone);
-    emit m_ui->paintView->TerritorySelected(zone.Holder());
+    m_terTypes->Select(zone.Holder());
     if (tracked) {
         tracked->setSelected(true);
     }

@@ -10,9 +10,11 @@
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
 #include "ui/DockOverview.h"
+#include "ui/DockProbe.h"
 #include "ui/DockStatus.h"
 #include "ui/DockTerTypeProps.h"
 #include "ui/DockTerTypes.h"
+#include "ui/SceneScale.h"
 #include "ui/dialogs/DialogGoTo.h"
 #include "ui/widgets/GroupBoxColor.h"
 
@@ -46,7 +48,7 @@ const struct
          CustomLayerFixture fixture;
          return FormText(DialogCustomLayer(fixture.document, nullptr));
      }},
-    {"DialogGoTo", [] { return FormText(DialogGoTo(WorldScale(QSizeF()), {}, {})); }},
+    {"DialogGoTo", [] { return FormText(DialogGoTo(SceneScale(QSizeF()), {}, {})); }},
     {"DialogNewProject", [] { return FormText(DialogNewProject()); }},
     {"DialogVersions",
      [] {
@@ -61,6 +63,11 @@ const struct
          Document document;
          MainView view;
          return FormText(DockOverview(document, view));
+     }},
+    {"DockProbe",
+     [] {
+         Document document;
+         return FormText(DockProbe(document, DockProbe::Callbacks()));
      }},
     {"DockStatus", [] { return FormText(DockStatus()); }},
     {"DockTerTypeProps", [] { return DocumentForm<DockTerTypeProps>(); }},
