@@ -33,7 +33,8 @@ public:
     {
         AddLayer(QColor(0, 0, 250, 77), {300, 50, 500, 800});
         AddLayer(QColor(10, 210, 0, 255), {0, 700, 1200, 150});
-        for (Layer* visible : layers.Layers()) {
+        const QVector<Layer*> all = layers.Layers();
+        for (Layer* visible : all) {
             visible->SetVisible(true);
         }
         document.BeginHistory(true);
@@ -304,11 +305,11 @@ void tst_DockOverview::DotsZones()
 {
     Overview canvas;
     const QImage without = canvas.Picture();
-    const QRgb color = qRgb(1, 2, 3);
+    constexpr QRgb color = qRgb(1, 2, 3);
     canvas.territory->SetRgba(0x40000000U | (color & 0xFFFFFFU));
     canvas.territory->SetVisible(true);
     canvas.document.Do(Edits::InsertZone(*canvas.territory, {650, 450}, ZoneValues()));
-    const auto dots = [&canvas, color] {
+    const auto dots = [&canvas] {
         QRect found;
         const QImage picture = canvas.Picture();
         for (int y = 0; y < picture.height(); ++y) {
