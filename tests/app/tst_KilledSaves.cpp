@@ -99,7 +99,7 @@ int tst_KilledSaves::Kills()
 {
     bool isSet = false;
     const int wanted = qEnvironmentVariableIntValue("QUILLMAP_KILLS", &isSet);
-    constexpr int few = 12;
+    constexpr int few = 6;
     return isSet ? wanted : few;
 }
 
