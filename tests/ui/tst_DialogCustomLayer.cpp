@@ -19,9 +19,13 @@
 #include <QSpinBox>
 #include <QTest>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <numeric>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -275,6 +279,31 @@ void tst_DialogCustomLayer::ALayerThatIsRefusedIsNotCreated()
     QCOMPARE(m_document->Layers().Layers().size(), 2);
 }
 
+namespace {
+
+using HeapBlocks = std::vector<std::unique_ptr<char[]>>;
+
+/// Takes the memory that the heap can give, but for so many bytes: what was freed before needs no
+/// more address space. Room for the blocks must be reserved.
+void FillHeap(HeapBlocks& heap, quint64 bytesLeft)
+{
+    constexpr std::size_t large = 1 << 16;
+    constexpr std::size_t small = 1 << 10;
+    for (const std::size_t size : {large, small}) {
+        while (heap.size() < heap.capacity()) {
+            std::unique_ptr<char[]> block(new (std::nothrow) char[size]);
+            if (!block) {
+                break;
+            }
+            heap.push_back(std::move(block));
+        }
+    }
+    const auto count = std::min(heap.size(), static_cast<std::size_t>(bytesLeft / large));
+    heap.erase(heap.begin(), heap.begin() + static_cast<std::ptrdiff_t>(count));
+}
+
+} // namespace
+
 void tst_DialogCustomLayer::ALayerStaysAsItWasWithoutMemory()
 {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -292,8 +321,11 @@ void tst_DialogCustomLayer::ALayerStaysAsItWasWithoutMemory()
     opened.Child<QLineEdit>("txtOutputName")->setText("another");
     opened.Choose("cboOperation", OperationErosion);
     LogSpy log;
+    HeapBlocks heap;
+    heap.reserve(1 << 18);
     {
         const MemoryLimit limit(8 * AMebibyte);
+        FillHeap(heap, 8 * AMebibyte);
         opened.dialog.FinalizeLayerComputation(result);
     }
     QCOMPARE(log.Messages(), QStringList("Error: Layer 'another' could not be computed."));
