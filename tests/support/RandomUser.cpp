@@ -150,8 +150,13 @@ QPoint RandomUser::SomewhereOnMap()
     // Mostly on the layers, sometimes beside them.
     const int side = ProjectSettings::Instance().LayerWidth();
     const int margin = m_random.Below(4) == 0 ? 40 : 0;
-    return View().mapFromScene(QPointF(m_random.Between(-margin, side + margin),
-                                       m_random.Between(-margin, side + margin)));
+    const QPoint position = View().mapFromScene(QPointF(m_random.Between(-margin, side + margin),
+                                                        m_random.Between(-margin, side + margin)));
+    // A mouse stays near the window, however large the sizes in a broken map are.
+    constexpr int away = 2000;
+    const QRect near = View().viewport()->rect().adjusted(-away, -away, away, away);
+    return {qBound(near.left(), position.x(), near.right()),
+            qBound(near.top(), position.y(), near.bottom())};
 }
 
 void RandomUser::Stroke()
