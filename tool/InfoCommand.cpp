@@ -126,11 +126,6 @@ Report TerritoriesReport(const QVector<TerritoryData>& territories)
     return report;
 }
 
-QJsonArray FlagNames(quint32 flags, const QVector<QString>& names)
-{
-    return QJsonArray::fromStringList(AreaFlagTypes::BitNames(flags, names));
-}
-
 /// Entries of layers whose bitmap cannot be read have no counts. fields is null if not all bitmaps
 /// can be read.
 QVector<Report> LayerReports(const ProjectData& project, const ProjectFields* fields,

@@ -94,13 +94,8 @@ private:
     {
         Report report;
         report.Add(QStringLiteral("word"), field ? QJsonValue(qint64(*field)) : QJsonValue());
-        report.Add(QStringLiteral("flags"), FlagArray(field.value_or(0), names));
+        report.Add(QStringLiteral("flags"), FlagNames(field.value_or(0), names));
         return report;
-    }
-
-    static QJsonArray FlagArray(quint32 flags, const QVector<QString>& names)
-    {
-        return QJsonArray::fromStringList(AreaFlagTypes::BitNames(flags, names));
     }
 
     static QString FlagText(quint32 flags, const QVector<QString>& names)
@@ -134,9 +129,9 @@ private:
             report.Add(QStringLiteral("grey"), here.grey);
             report.Add(QStringLiteral("visible"), layer.isVisible);
             report.Add(QStringLiteral("usages"),
-                       FlagArray(layer.usageFlags, m_project.flagTypes.usages));
+                       FlagNames(layer.usageFlags, m_project.flagTypes.usages));
             report.Add(QStringLiteral("values"),
-                       FlagArray(layer.valueFlags, m_project.flagTypes.values));
+                       FlagNames(layer.valueFlags, m_project.flagTypes.values));
             reports.append(report);
         }
         return reports;

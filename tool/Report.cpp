@@ -1,5 +1,6 @@
 #include "tool/Report.h"
 
+#include "layers/AreaFlagTypes.h"
 #include "tool/Console.h"
 
 #include <QJsonArray>
@@ -95,4 +96,9 @@ void Report::Print(bool asJson) const
     } else {
         PrintText();
     }
+}
+
+QJsonArray FlagNames(quint32 flags, const QVector<QString>& names)
+{
+    return QJsonArray::fromStringList(AreaFlagTypes::BitNames(flags, names));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QString>
@@ -37,3 +38,6 @@ private:
 
     QVector<Fact> m_facts;
 };
+
+/// What the flags are called (AreaFlagTypes::BitNames), as a fact.
+QJsonArray FlagNames(quint32 flags, const QVector<QString>& names);
