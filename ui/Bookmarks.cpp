@@ -50,6 +50,7 @@ Bookmark FromText(const QString& text)
 
 void Bookmarks::Follow(const QString& path)
 {
+    m_isFound = false;
     if (path.isEmpty() || path == m_path) {
         return;
     }
@@ -59,6 +60,15 @@ void Bookmarks::Follow(const QString& path)
     m_unsaved.clear();
     if (isMoved) {
         Store(bookmarks);
+    }
+    m_isFound = !isMoved;
+}
+
+void Bookmarks::NoteSave()
+{
+    if (m_isFound) {
+        Store({});
+        m_isFound = false;
     }
 }
 

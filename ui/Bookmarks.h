@@ -23,6 +23,9 @@ public:
     /// The project's document, or an empty path when no file holds the project. Another path that
     /// follows a path takes the bookmarks along, as a save elsewhere does.
     void Follow(const QString& path);
+    /// The project was saved. One that is new begins without bookmarks, even where a file of another
+    /// project was.
+    void NoteSave();
     /// The project goes.
     void Forget();
 
@@ -37,4 +40,6 @@ private:
 
     QString m_path;
     QVector<Bookmark> m_unsaved;
+    /// The bookmarks are those that the path had before this project came.
+    bool m_isFound = false;
 };

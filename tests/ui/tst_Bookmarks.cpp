@@ -4,7 +4,9 @@
 #include "tests/support/Files.h"
 #include "tests/support/WideFixture.h"
 
+#include <QAbstractButton>
 #include <QDir>
+#include <QLineEdit>
 #include <QMenu>
 #include <QSettings>
 #include <QTest>
@@ -17,6 +19,7 @@ private slots:
     void ListsBookmarks();
     void KeepsBookmarksOutOfTheProject();
     void BookmarksGoAlongWithASaveElsewhere();
+    void NewProjectBeginsWithoutBookmarks();
     void SkipsDamagedBookmarks();
 };
 
@@ -75,6 +78,21 @@ void tst_Bookmarks::BookmarksGoAlongWithASaveElsewhere()
     QCOMPARE(editor.Bookmarks(), QStringList{"Harbour"});
     editor.Load(editor.Path("copy/copy.xml"));
     QCOMPARE(editor.Bookmarks(), QStringList({"Harbour", "Ford"}));
+}
+
+/// Its file takes the place of a project that has some.
+void tst_Bookmarks::NewProjectBeginsWithoutBookmarks()
+{
+    WideFixture editor;
+    editor.AddBookmark("Harbour");
+    editor.Trigger("actionQuickSave");
+    QCOMPARE(editor.Bookmarks(), QStringList{"Harbour"});
+    editor.answers.Add([&editor](QWidget& dialog) {
+        dialog.findChild<QLineEdit*>("txtProjectName")->setText(editor.Path("wide/wide.xml"));
+        QTest::mouseClick(dialog.findChild<QAbstractButton*>("btnOk"), Qt::LeftButton);
+    });
+    editor.Trigger("actionNew");
+    QCOMPARE(editor.Bookmarks(), QStringList());
 }
 
 void tst_Bookmarks::SkipsDamagedBookmarks()
