@@ -196,6 +196,8 @@ bool MainView::PressShortcut(QKeyEvent* event)
     const bool hasTerritory = m_scene->CurrentTerritory() != nullptr;
     switch (event->key()) {
     case Qt::Key_Space:
+        // Both ways of panning have a cursor.
+        Moves().EndDrag();
         m_scene->BeginPan();
         return true;
     case Qt::Key_0:

@@ -44,6 +44,7 @@ private slots:
     void PansFromAQuickSecondPress();
     void EndsPanning_data();
     void EndsPanning();
+    void SpaceTakesOverFromTheMiddleButton();
     void LeavesAStrokeAlone();
     void LeavesADragOfZonesAlone();
     void LeavesABandAlone();
@@ -140,6 +141,22 @@ void tst_ViewGestures::EndsPanning()
     const QTransform shown = canvas.view.viewportTransform();
     canvas.MoveTo(MovedCanvas::MousePixel + QPoint(20, 30), Qt::MiddleButton);
     QCOMPARE(canvas.view.viewportTransform(), shown);
+}
+
+void tst_ViewGestures::SpaceTakesOverFromTheMiddleButton()
+{
+    MovedCanvas canvas;
+    QWidget* viewport = canvas.view.viewport();
+    const Qt::CursorShape before = viewport->cursor().shape();
+    canvas.Mouse(QEvent::MouseButtonPress, MovedCanvas::MousePixel, Qt::MiddleButton,
+                 Qt::MiddleButton);
+    QTest::keyPress(&canvas.view, Qt::Key_Space);
+    QCOMPARE(viewport->cursor().shape(), Qt::OpenHandCursor);
+    canvas.Mouse(QEvent::MouseButtonRelease, MovedCanvas::MousePixel, Qt::MiddleButton,
+                 Qt::NoButton);
+    QCOMPARE(viewport->cursor().shape(), Qt::OpenHandCursor);
+    QTest::keyRelease(&canvas.view, Qt::Key_Space);
+    QCOMPARE(viewport->cursor().shape(), before);
 }
 
 void tst_ViewGestures::LeavesAStrokeAlone()
