@@ -14,6 +14,8 @@ namespace {
 
 /// Bytes. No two numbers need more.
 constexpr int MaxLineLength = 1000;
+/// All places are kept until the last is read, and an input may be endless.
+constexpr std::size_t MaxPlaces = 1000000;
 
 bool ParseNumber(const QString& text, PlaceUnit unit, double& number)
 {
@@ -51,6 +53,9 @@ QString TakeLine(const QByteArray& line, PlaceUnit unit, std::vector<PlaceNumber
     const QStringList texts = text.split(blanks);
     if (texts.size() != 2) {
         return QStringLiteral("two numbers are needed, and nothing else.");
+    }
+    if (places.size() == MaxPlaces) {
+        return QStringLiteral("there are more than %1 places.").arg(MaxPlaces);
     }
     PlaceNumbers place;
     QString error = ParsePlace(texts, unit, place);

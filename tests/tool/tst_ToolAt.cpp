@@ -28,6 +28,7 @@ private slots:
     void PlacesComeFromTheStandardInput();
     void WrongLinesEndWithThree_data();
     void WrongLinesEndWithThree();
+    void TooManyPlacesEndWithThree();
     void ClosedInputEndsWithThree();
     void WrongArgumentsEndWithTwo_data();
     void WrongArgumentsEndWithTwo();
@@ -280,6 +281,16 @@ void tst_ToolAt::WrongLinesEndWithThree()
     const ProgramRun run = project.RunLimited(FromFile, QStringList{"at", "sample.xml"} + options);
     QCOMPARE(run.log, QStringList{"standard input: line 3: " + error});
     QCOMPARE(run.output, QString());
+    QCOMPARE(run.exitCode, 3);
+}
+
+void tst_ToolAt::TooManyPlacesEndWithThree()
+{
+    const SampleProject project;
+    WriteBytes(project.Path("places.txt"), QByteArray("1 2\n").repeated(1000001));
+    const ProgramRun run = project.RunLimited(FromFile, {"at", "sample.xml"});
+    QCOMPARE(run.log,
+             QStringList{"standard input: line 1000001: there are more than 1000000 places."});
     QCOMPARE(run.exitCode, 3);
 }
 
