@@ -1,4 +1,5 @@
 #include "document/Document.h"
+#include "document/edits/LayerEdits.h"
 #include "layers/Layer.h"
 #include "territories/TerritoryType.h"
 #include "territories/Zone.h"
@@ -25,6 +26,7 @@ private slots:
     void SaysWhereTheMapHoldsNothing();
     void MarksHiddenLayersAndGreys();
     void FollowsAStrokeAndItsUndo();
+    void FollowsZonesAndNames();
     void HoldsThePlace();
     void AClickOnALayerMakesItCurrent();
     void AClickOnAZoneSelectsIt();
@@ -164,6 +166,32 @@ void tst_DockProbe::FollowsAStrokeAndItsUndo()
     QCOMPARE(probed.Rows(), (QStringList{"Usage: 0", "Value: 0"}));
     fixture.Trigger("actionRedo");
     QCOMPARE(probed.Rows(), painted);
+}
+
+/// The place is held, so the mouse changes nothing.
+void tst_DockProbe::FollowsZonesAndNames()
+{
+    const Probed probed;
+    const WindowFixture& fixture = probed.fixture;
+    probed.MoveTo(12, 10);
+    fixture.Trigger("actionProbeHold");
+    probed.Click("Deer / North");
+    const auto zones = [&probed] {
+        const QStringList rows = probed.Rows();
+        return rows.filter(" Deer / ");
+    };
+    fixture.View().setFocus();
+    QTest::keyClick(&fixture.View(), Qt::Key_Right);
+    QCOMPARE(zones(), QStringList{" Deer / North: zone 1, 10 m from its centre"});
+    QTest::keyClick(&fixture.View(), Qt::Key_Delete);
+    QCOMPARE(zones(), QStringList());
+    fixture.Trigger("actionUndo");
+    QCOMPARE(zones(), QStringList{" Deer / North: zone 1, 10 m from its centre"});
+    fixture.Trigger("actionUndo");
+    QCOMPARE(zones(), QStringList{" Deer / North: zone 1, 20 m from its centre"});
+    Document& document = fixture.window->GetDocument();
+    document.Do(Edits::Rename(*document.Layers().LayerAt(0), "crimson"));
+    QVERIFY(probed.Rows().contains("  crimson"));
 }
 
 void tst_DockProbe::HoldsThePlace()
