@@ -246,8 +246,9 @@ int main(int argc, char** argv)
     }
     for (const char* version : {"ours", "1000 steps"}) {
         const int steps = version[0] == 'o' ? 10000 : 1000;
-        Register(std::string("a step of 10000 undone and done again/") + version,
-                 [steps](State& s) { TravelAll(s, steps); })
+        const std::string name = std::string("a step of 10000 undone and done again/") + version;
+        benchmark::RegisterBenchmark(name.c_str(), [steps](State& s) { TravelAll(s, steps); })
+            ->Unit(benchmark::kMillisecond)
             ->UseManualTime()
             ->Iterations(1);
     }

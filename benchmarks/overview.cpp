@@ -99,6 +99,7 @@ void WithOverview(State& state, double zoom)
     WidgetOverview overview(canvas->document, canvas->view, nullptr);
     overview.resize(OverviewSize);
     overview.show();
+    overview.SetSeen(true);
     WaitFor(overview);
     MoveBrush(state, zoom);
 }
@@ -145,6 +146,7 @@ void PrintAppearance()
     time.start();
     qint64 longest = 0;
     overview.show();
+    overview.SetSeen(true);
     while (!overview.Overview().IsUpToDate()) {
         QElapsedTimer slice;
         slice.start();
