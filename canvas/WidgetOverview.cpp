@@ -55,7 +55,7 @@ QSize WidgetOverview::sizeHint() const
 
 QSize WidgetOverview::minimumSizeHint() const
 {
-    constexpr QSize smallest(80, 80);
+    constexpr QSize smallest(200, 120);
     return smallest;
 }
 
@@ -67,7 +67,8 @@ QRectF WidgetOverview::MapRect() const
         return {};
     }
     const QSizeF shown = map.scaled(room, Qt::KeepAspectRatio);
-    return {QPointF((width() - shown.width()) / 2, (height() - shown.height()) / 2), shown};
+    // At the top: docks are often higher than wide.
+    return {QPointF((width() - shown.width()) / 2, Margin), shown};
 }
 
 QTransform WidgetOverview::FromMap() const

@@ -119,6 +119,10 @@ QWidget* DockProbe::MakeContents()
 
     m_tree = new QTreeWidget;
     m_tree->setObjectName(QStringLiteral("treeProbe"));
+    // A dock that is shown gets the least width.
+    constexpr int widthOfZones = 220;
+    m_tree->setMinimumWidth(widthOfZones);
+    m_tree->setTextElideMode(Qt::ElideMiddle);
     m_tree->setHeaderHidden(true);
     m_tree->setUniformRowHeights(true);
     m_tree->setItemsExpandable(false);

@@ -27,10 +27,12 @@
 namespace {
 
 constexpr QSize WindowSize(1060, 740);
+constexpr QSize WideWindow(1200, 740);
 constexpr QSize MessagesSize(640, 190);
 constexpr int WestOfTheZones = 260;
 constexpr int AboveTheDocks = 54;
 constexpr int TreeHeight = 300;
+constexpr int DockHeight = 330;
 constexpr QSize TallWindow(980, 1010);
 const QColor OrchardColor(224, 130, 20);
 constexpr int OrchardAlpha = 170;
@@ -92,6 +94,20 @@ void ShowOverview(EditorUser& user, const QDir& example, const QDir& pictures)
     picture.Number(user.Widget<QWidget>("gboPaintMode"), {-6, 26});
     picture.Number(user.Widget<QWidget>("messageListView"), {-30, 2});
     picture.Save(pictures, QStringLiteral("overview"));
+}
+
+void ShowMapDock(EditorUser& user, const char* action, const char* name, const QDir& pictures,
+                 const QString& picture)
+{
+    user.Window().resize(WideWindow);
+    user.Choose(action);
+    user.PointAt(Place(7250, 8150));
+    auto& dock = user.Widget<QDockWidget>(name);
+    Picture shown(dock);
+    shown.Crop(QRect(0, 0, dock.width(), DockHeight));
+    shown.Save(pictures, picture);
+    user.Choose(action);
+    user.Window().resize(WindowSize);
 }
 
 void ChooseLayerColor(EditorUser& user)
@@ -254,6 +270,8 @@ int main(int argc, char* argv[])
     ShowNewProject(user, pictures);
     ShowGoTo(user, pictures);
     ShowOverview(user, example, pictures);
+    ShowMapDock(user, "actionOverview", "DockOverview", pictures, QStringLiteral("dock-overview"));
+    ShowMapDock(user, "actionProbe", "DockProbe", pictures, QStringLiteral("dock-probe"));
     ShowPainting(user, example, pictures);
     ShowComputedLayer(user, pictures);
     ShowZones(user, pictures);
