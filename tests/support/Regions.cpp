@@ -38,7 +38,7 @@ raster::Region RandomRegion(Random& random, QSize size)
 
 QSize RandomSize(Random& random)
 {
-    return {random.Between(1, 150), random.Between(1, 12)};
+    return {random.Between(1, 150), random.Between(1, 30)};
 }
 
 QString Difference(const raster::Region& actual, const raster::Region& expected)

@@ -14,7 +14,7 @@ raster::Region RegionWhere(QSize size, const std::function<bool(int, int)>& isIn
 raster::Region RegionOf(const QImage& mask);
 /// Runs of any length in a mask of that size.
 raster::Region RandomRegion(Random& random, QSize size);
-/// 1 to 150 pixels wide, so that rows have one to three words of bits, and 1 to 12 high.
+/// Up to 150 pixels wide, so that rows have one to three words of bits, and up to 30 high.
 QSize RandomSize(Random& random);
 /// What differs between two regions, in words; empty when they are equal.
 QString Difference(const raster::Region& actual, const raster::Region& expected);
