@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 
 namespace raster {
 namespace {
@@ -73,11 +72,7 @@ qint64 PixelCount(const Region& region)
 
 Region Restricted(const Region& region, const QImage& mask, bool isInside)
 {
-    try {
-        return Selected(region, mask, isInside);
-    } catch (const std::bad_alloc&) {
-        return {};
-    }
+    return RegionOrNone([&] { return Selected(region, mask, isInside); });
 }
 
 void Fill(QImage& mask, const Region& region, uchar value)

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <new>
 
 namespace raster {
 namespace {
@@ -49,14 +48,7 @@ bool IsUsable(const QRectF& rectangle)
 template <typename Make>
 Region RegionIn(QSize mask, Make make)
 {
-    if (!IsMaskSize(mask)) {
-        return {};
-    }
-    try {
-        return make();
-    } catch (const std::bad_alloc&) {
-        return {};
-    }
+    return IsMaskSize(mask) ? RegionOrNone(make) : Region();
 }
 
 /// Columns of a row, from begin to before end; none if end is not beyond begin.

@@ -5,7 +5,20 @@
 
 #include <QtAlgorithms>
 
+#include <new>
+
 namespace raster {
+
+/// What make() returns; an empty region when there is no memory for it.
+template <typename Make>
+Region RegionOrNone(Make make)
+{
+    try {
+        return make();
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
 
 /// Adds pixels to the end of a region, row by row and from left to right.
 class SpanWriter
