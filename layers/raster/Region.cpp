@@ -9,13 +9,41 @@
 namespace raster {
 namespace {
 
-/// The part of a row that the mask has; empty for all rows of an image that is no mask.
-Span Clipped(const Span& span, const QImage& mask)
+/// The size of a mask; none for other images.
+QSize MaskSize(const QImage& mask)
 {
-    const bool hasRow =
-        mask.format() == QImage::Format_Indexed8 && span.y >= 0 && span.y < mask.height();
+    return mask.format() == QImage::Format_Indexed8 ? mask.size() : QSize(0, 0);
+}
+
+/// The part of a row that a mask of that size has.
+Span Clipped(const Span& span, QSize mask)
+{
     const int begin = std::max(span.begin, 0);
-    return {span.y, begin, std::max(begin, hasRow ? std::min(span.end, mask.width()) : 0)};
+    const int end = span.y >= 0 && span.y < mask.height() ? std::min(span.end, mask.width()) : 0;
+    return {span.y, begin, std::max(begin, end)};
+}
+
+/// Sets the pixels of a run. In regions of many runs most are short.
+void FillRun(uchar* to, int count, uchar value)
+{
+    constexpr int block = 16;
+    constexpr int longRun = 256;
+    if (count > longRun) {
+        std::memset(to, value, static_cast<std::size_t>(count));
+    } else if (count >= block) {
+        uchar values[block];
+        std::memset(values, value, block);
+        // The last block may overlap the one before.
+        uchar* const last = to + count - block;
+        for (; to < last; to += block) {
+            std::memcpy(to, values, block);
+        }
+        std::memcpy(last, values, block);
+    } else {
+        for (int i = 0; i < count; ++i) {
+            to[i] = value;
+        }
+    }
 }
 
 /// The lowest bits.
@@ -26,10 +54,11 @@ quint64 LowBits(int count)
 
 Region Selected(const Region& region, const QImage& mask, bool isInside)
 {
+    const QSize size = MaskSize(mask);
     Region selected;
     SpanWriter writer(selected);
     for (const Span& span : region) {
-        const Span part = Clipped(span, mask);
+        const Span part = Clipped(span, size);
         const uchar* row = part.begin < part.end ? mask.constScanLine(part.y) : nullptr;
         writer.BeginRow(span.y);
         for (int x = std::max(span.begin, 0); x < span.end; x += WordLength) {
@@ -77,16 +106,16 @@ Region Restricted(const Region& region, const QImage& mask, bool isInside)
 
 void Fill(QImage& mask, const Region& region, uchar value)
 {
-    uchar* const pixels = mask.format() == QImage::Format_Indexed8 ? mask.bits() : nullptr;
+    const QSize size = MaskSize(mask);
+    uchar* const pixels = size.isEmpty() ? nullptr : mask.bits();
     if (!pixels) {
         return;
     }
     const qint64 stride = mask.bytesPerLine();
     for (const Span& span : region) {
-        const Span part = Clipped(span, mask);
+        const Span part = Clipped(span, size);
         if (part.begin < part.end) {
-            std::memset(pixels + part.y * stride + part.begin, value,
-                        static_cast<std::size_t>(part.end - part.begin));
+            FillRun(pixels + part.y * stride + part.begin, part.end - part.begin, value);
         }
     }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "layers/raster/PageAllocator.h"
+
 #include <QImage>
 #include <QRect>
 
@@ -23,7 +25,7 @@ inline bool operator==(const Span& a, const Span& b)
 /// Some pixels of a mask: a shape, or what a fill covers. The rows ascend; the spans of a row
 /// ascend too and neither overlap nor touch. No span is empty, and all lie inside of the mask.
 /// Functions that return a region return an empty one when there is no memory for it.
-using Region = std::vector<Span>;
+using Region = std::vector<Span, PageAllocator<Span>>;
 
 /// The smallest rectangle around the pixels; empty for an empty region.
 QRect Bounds(const Region& region);
