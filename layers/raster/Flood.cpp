@@ -14,7 +14,6 @@ namespace raster {
 namespace {
 
 constexpr quint64 AllBits = ~quint64(0);
-constexpr quint64 HighestBit = quint64(1) << (WordLength - 1);
 
 /// What is known of the pixels of a word.
 struct PixelWord
@@ -23,6 +22,19 @@ struct PixelWord
     quint64 open;
     quint64 filled;
 };
+
+QUILLMAP_WIDE_VECTORS
+std::size_t FilledRuns(const PixelWord* words, int count)
+{
+    std::size_t runs = 0;
+    quint64 wasFilled = 0;
+    for (int i = 0; i < count; ++i) {
+        const quint64 filled = words[i].filled;
+        runs += qPopulationCount(filled & ~(filled << 1 | wasFilled));
+        wasFilled = filled >> (WordLength - 1);
+    }
+    return runs;
+}
 
 /// The words of a mask, all 0 at first. They take memory only where something is written.
 class PixelWords
@@ -50,13 +62,16 @@ public:
         Region region;
         region.reserve(RunCount(first, last));
         SpanWriter writer(region);
+        std::vector<quint64> edges(static_cast<std::size_t>(m_countInRow));
         for (int y = first; y <= last; ++y) {
-            const PixelWord* row = Row(y);
-            writer.BeginRow(y);
-            for (int i = 0; i < m_countInRow; ++i) {
-                writer.AddPixels(i * WordLength, row[i].filled);
+            const PixelWord* word = Row(y);
+            quint64 wasFilled = 0;
+            for (quint64& bits : edges) {
+                bits = EdgeBits(word++->filled, wasFilled);
             }
-            writer.EndRow();
+            writer.BeginRow(y);
+            writer.AddEdges(0, edges.data(), m_countInRow);
+            writer.EndRun(m_countInRow * WordLength);
         }
         return region;
     }
@@ -66,13 +81,7 @@ private:
     {
         std::size_t count = 0;
         for (int y = first; y <= last; ++y) {
-            const PixelWord* row = Row(y);
-            quint64 before = 0;
-            for (int i = 0; i < m_countInRow; ++i) {
-                const quint64 begins = row[i].filled & ~(row[i].filled << 1 | before);
-                count += begins != 0 ? qPopulationCount(begins) : 0;
-                before = row[i].filled >> (WordLength - 1);
-            }
+            count += FilledRuns(Row(y), m_countInRow);
         }
         return count;
     }
@@ -239,6 +248,7 @@ private:
     {
         while (m_filledCount > 0 && y + direction >= 0 && y + direction < m_size.height()) {
             const PixelWord* before = m_words.Row(y);
+            PrefetchRow(y + 16 * direction);
             y += direction;
             Fill(y);
             const std::size_t begin = m_waiting.size();
@@ -250,6 +260,14 @@ private:
             if (m_waiting.size() > begin) {
                 m_turns.push_back({y, -direction, begin});
             }
+        }
+    }
+
+    /// The processor does not foresee the rows of a narrow path.
+    void PrefetchRow(int y) const
+    {
+        if (m_filledCount <= 2 && y >= 0 && y < m_size.height()) {
+            Prefetch(m_words.Row(y) + m_filled[0].word);
         }
     }
 

@@ -1,6 +1,7 @@
 #include "layers/raster/Region.h"
 
 #include "layers/raster/Mask.h"
+#include "layers/raster/PixelBits.h"
 #include "layers/raster/SpanWriter.h"
 
 #include <algorithm>
@@ -15,35 +16,10 @@ QSize MaskSize(const QImage& mask)
     return mask.format() == QImage::Format_Indexed8 ? mask.size() : QSize(0, 0);
 }
 
-/// The part of a row that a mask of that size has.
-Span Clipped(const Span& span, QSize mask)
+/// Where the part of a run ends that a mask of that size has; may be before it begins.
+int EndWithin(QSize mask, const Span& span)
 {
-    const int begin = std::max(span.begin, 0);
-    const int end = span.y >= 0 && span.y < mask.height() ? std::min(span.end, mask.width()) : 0;
-    return {span.y, begin, std::max(begin, end)};
-}
-
-/// Sets the pixels of a run. In regions of many runs most are short.
-void FillRun(uchar* to, int count, uchar value)
-{
-    constexpr int block = 16;
-    constexpr int longRun = 256;
-    if (count > longRun) {
-        std::memset(to, value, static_cast<std::size_t>(count));
-    } else if (count >= block) {
-        uchar values[block];
-        std::memset(values, value, block);
-        // The last block may overlap the one before.
-        uchar* const last = to + count - block;
-        for (; to < last; to += block) {
-            std::memcpy(to, values, block);
-        }
-        std::memcpy(last, values, block);
-    } else {
-        for (int i = 0; i < count; ++i) {
-            to[i] = value;
-        }
-    }
+    return span.y < mask.height() ? std::min<int>(span.end, mask.width()) : 0;
 }
 
 /// The lowest bits.
@@ -58,18 +34,20 @@ Region Selected(const Region& region, const QImage& mask, bool isInside)
     Region selected;
     SpanWriter writer(selected);
     for (const Span& span : region) {
-        const Span part = Clipped(span, size);
-        const uchar* row = part.begin < part.end ? mask.constScanLine(part.y) : nullptr;
+        const int knownEnd = EndWithin(size, span);
+        quint64 wasIn = 0;
         writer.BeginRow(span.y);
-        for (int x = std::max(span.begin, 0); x < span.end; x += WordLength) {
+        for (int x = span.begin; x < span.end; x += WordLength) {
             const int count = std::min(span.end - x, WordLength);
-            const int known = std::min(part.end - x, count);
-            const quint64 all = LowBits(count);
-            const quint64 clear =
-                known > 0 ? EqualBits(row + x, known, MaskClear) | (all & ~LowBits(known)) : all;
-            writer.AddPixels(x, isInside ? all & ~clear : clear);
+            const int known = std::clamp(knownEnd - x, 0, count);
+            const quint64 set =
+                known > 0
+                    ? LowBits(known) & ~EqualBits(mask.constScanLine(span.y) + x, known, MaskClear)
+                    : 0;
+            const quint64 edges = EdgeBits(isInside ? set : LowBits(count) & ~set, wasIn);
+            writer.AddEdges(x, &edges, 1);
         }
-        writer.EndRow();
+        writer.EndRun(span.end);
     }
     return selected;
 }
@@ -81,8 +59,8 @@ QRect Bounds(const Region& region)
     if (region.empty()) {
         return {};
     }
-    int left = region.front().begin;
-    int right = region.front().end;
+    quint16 left = region.front().begin;
+    quint16 right = region.front().end;
     for (const Span& span : region) {
         left = std::min(left, span.begin);
         right = std::max(right, span.end);
@@ -113,9 +91,10 @@ void Fill(QImage& mask, const Region& region, uchar value)
     }
     const qint64 stride = mask.bytesPerLine();
     for (const Span& span : region) {
-        const Span part = Clipped(span, size);
-        if (part.begin < part.end) {
-            FillRun(pixels + part.y * stride + part.begin, part.end - part.begin, value);
+        const int count = EndWithin(size, span) - span.begin;
+        if (count > 0) {
+            std::memset(pixels + span.y * stride + span.begin, value,
+                        static_cast<std::size_t>(count));
         }
     }
 }

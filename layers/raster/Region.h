@@ -9,12 +9,20 @@
 
 namespace raster {
 
-/// Pixels of one row of a mask, from begin to before end.
+/// Pixels of one row of a mask, from begin to before end. A fill may have a hundred million of
+/// them, so they are as small as MaxMaskLength allows.
 struct Span
 {
-    int y;
-    int begin;
-    int end;
+    constexpr Span(int row, int first, int behindLast)
+        : y(static_cast<quint16>(row))
+        , begin(static_cast<quint16>(first))
+        , end(static_cast<quint16>(behindLast))
+    {
+    }
+
+    quint16 y;
+    quint16 begin;
+    quint16 end;
 };
 
 inline bool operator==(const Span& a, const Span& b)

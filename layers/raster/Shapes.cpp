@@ -1,6 +1,7 @@
 #include "layers/raster/Shapes.h"
 
 #include "layers/raster/Mask.h"
+#include "layers/raster/PixelBits.h"
 #include "layers/raster/SpanWriter.h"
 #include "layers/raster/WideVectors.h"
 
@@ -107,7 +108,7 @@ void AddColumns(Region& region, int y, Columns columns)
         return;
     }
     if (!region.empty() && region.back().y == y && region.back().end >= columns.begin) {
-        region.back().end = std::max(region.back().end, columns.end);
+        region.back().end = static_cast<quint16>(std::max<int>(region.back().end, columns.end));
     } else {
         region.push_back({y, columns.begin, columns.end});
     }
@@ -318,16 +319,14 @@ public:
                 m_flags[at / WordLength] ^= quint64(1) << (at % WordLength);
             });
             writer.BeginRow(y);
-            for (std::size_t i = 0; i < m_flags.size(); ++i) {
-                writer.AddEdges(static_cast<int>(i) * WordLength, m_flags[i]);
-                m_flags[i] = 0;
-            }
+            writer.AddEdges(0, m_flags.data(), static_cast<int>(m_flags.size()));
+            std::fill(m_flags.begin(), m_flags.end(), quint64(0));
         }
         return region;
     }
 
 private:
-    /// As many as there are when no crossings coincide, up to 48 MiB of them.
+    /// As many as there are when no crossings coincide, up to 24 MiB of them.
     std::size_t LikelyRunCount() const
     {
         constexpr std::size_t most = std::size_t(4) << 20;

@@ -16,7 +16,7 @@ raster::Region RegionWhere(QSize size, const std::function<bool(int, int)>& isIn
                 region.push_back({y, x, x});
             }
             if (isInNow) {
-                region.back().end = x + 1;
+                region.back().end = static_cast<quint16>(x + 1);
             }
             wasIn = isInNow;
         }

@@ -368,14 +368,14 @@ void tst_Shapes::WithoutMemoryTheyAreEmpty()
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     QSKIP("The sanitizers take address space as they go.");
 #endif
-    // A comb: each tooth is one pixel wide, and a span of twelve bytes in each row.
+    // A comb: each tooth is one pixel wide, and a span of six bytes in each row.
     const QSize size(4096, 4096);
     QVector<QPointF> comb;
     for (int x = 0; x < size.width(); x += 2) {
         comb += {QPointF(x, 0), QPointF(x, 4096), QPointF(x + 1, 4096), QPointF(x + 1, 0)};
     }
     {
-        const MemoryLimit limit(32 * AMebibyte);
+        const MemoryLimit limit(16 * AMebibyte);
         QVERIFY(raster::PolygonRegion(comb, size).empty());
     }
     QCOMPARE(raster::PixelCount(raster::PolygonRegion(comb, size)), qint64(2048 * 4096));
