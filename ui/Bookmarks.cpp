@@ -50,26 +50,25 @@ Bookmark FromText(const QString& text)
 
 void Bookmarks::Follow(const QString& path)
 {
-    m_isFound = false;
     if (path.isEmpty() || path == m_path) {
         return;
     }
-    const bool isMoved = !m_path.isEmpty() || !m_unsaved.isEmpty();
-    const QVector<Bookmark> bookmarks = All();
+    const bool hadFile = !m_path.isEmpty();
+    const QVector<Bookmark> brought = All();
     m_path = path;
     m_unsaved.clear();
-    if (isMoved) {
-        Store(bookmarks);
+    if (hadFile) {
+        Store(brought);
+        return;
     }
-    m_isFound = !isMoved;
+    for (const Bookmark& bookmark : brought) {
+        Add(bookmark);
+    }
 }
 
-void Bookmarks::NoteSave()
+void Bookmarks::Discard(const QString& path)
 {
-    if (m_isFound) {
-        Store({});
-        m_isFound = false;
-    }
+    Settings().remove(Key(path));
 }
 
 void Bookmarks::Forget()
@@ -101,7 +100,7 @@ void Bookmarks::Add(Bookmark bookmark)
     bookmark.name = base;
     const auto isTaken = [&](const Bookmark& other) { return other.name == bookmark.name; };
     for (int i = 2; std::any_of(bookmarks.cbegin(), bookmarks.cend(), isTaken); ++i) {
-        bookmark.name = QStringLiteral("%1 (%2)").arg(base).arg(i);
+        bookmark.name = QStringLiteral("%1 (%2)").arg(base, QString::number(i));
     }
     if (!base.isEmpty()) {
         bookmarks.append(bookmark);

@@ -21,11 +21,11 @@ class Bookmarks
 {
 public:
     /// The project's document, or an empty path when no file holds the project. Another path that
-    /// follows a path takes the bookmarks along, as a save elsewhere does.
+    /// follows a path takes the bookmarks along, as a save elsewhere does. Those of a project that no
+    /// file held are added to what the path has.
     void Follow(const QString& path);
-    /// The project was saved. One that is new begins without bookmarks, even where a file of another
-    /// project was.
-    void NoteSave();
+    /// Removes what the path of a document has, because another project begins there.
+    static void Discard(const QString& path);
     /// The project goes.
     void Forget();
 
@@ -40,6 +40,4 @@ private:
 
     QString m_path;
     QVector<Bookmark> m_unsaved;
-    /// The bookmarks are those that the path had before this project came.
-    bool m_isFound = false;
 };

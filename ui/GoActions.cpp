@@ -78,7 +78,6 @@ void GoActions::ConnectBookmarks()
     });
     connect(&document, &Document::FilesNoted, this,
             [this] { m_bookmarks.Follow(m_parts.document.Path()); });
-    connect(&document, &Document::Saved, this, [this] { m_bookmarks.NoteSave(); });
     connect(m_parts.form.actionBookmarkAdd, &QAction::triggered, this, &GoActions::AddBookmark);
     // Other windows add bookmarks too.
     connect(m_parts.form.menuGo, &QMenu::aboutToShow, this, &GoActions::FillBookmarks);

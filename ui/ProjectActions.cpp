@@ -13,6 +13,7 @@
 #include "document/journal/Journal.h"
 #include "document/versions/VersionStore.h"
 #include "layers/LayerList.h"
+#include "ui/Bookmarks.h"
 #include "ui/DialogNewProject.h"
 #include "ui/DialogVersions.h"
 #include "ui/DockLayerProps.h"
@@ -125,6 +126,9 @@ void ProjectActions::Create(const DialogNewProject& dialog)
         LoadAreaTypesFile(dialog.AreaFlagsPath());
     }
     const bool isSaved = m_saving.SaveTo(dialog.ProjectPath());
+    if (isSaved) {
+        Bookmarks::Discard(m_parts.document.Path());
+    }
     Finalize(true, -1);
     m_parts.document.BeginHistory(isSaved);
 }

@@ -20,6 +20,7 @@ private slots:
     void KeepsBookmarksOutOfTheProject();
     void BookmarksGoAlongWithASaveElsewhere();
     void NewProjectBeginsWithoutBookmarks();
+    void BookmarksWithoutAFileJoinThoseOfTheFile();
     void SkipsDamagedBookmarks();
 };
 
@@ -93,6 +94,22 @@ void tst_Bookmarks::NewProjectBeginsWithoutBookmarks()
     });
     editor.Trigger("actionNew");
     QCOMPARE(editor.Bookmarks(), QStringList());
+}
+
+/// As when an earlier version is opened as a copy and saved to the project's file.
+void tst_Bookmarks::BookmarksWithoutAFileJoinThoseOfTheFile()
+{
+    const WideFixture editor;
+    const QString path = editor.Path("other.xml");
+    Bookmarks bookmarks;
+    bookmarks.Follow(path);
+    bookmarks.Add({"Harbour", {1, 2}, 1});
+    bookmarks.Forget();
+    bookmarks.Add({"Harbour", {3, 4}, 1});
+    bookmarks.Follow(path);
+    QCOMPARE(bookmarks.All().size(), 2);
+    QCOMPARE(bookmarks.All().at(0).place, QPointF(1, 2));
+    QCOMPARE(bookmarks.All().at(1).name, QString("Harbour (2)"));
 }
 
 void tst_Bookmarks::SkipsDamagedBookmarks()
