@@ -5,6 +5,7 @@
 #include "canvas/MainView.h"
 #include "canvas/ViewMoves.h"
 #include "canvas/WidgetRuler.h"
+#include "canvas/ZoomSteps.h"
 
 #include <QScopedValueRollback>
 #include <QScrollBar>
@@ -40,6 +41,10 @@ void MainView::scrollContentsBy(int dx, int dy)
 /// The view pixel of the map's lower left corner.
 QPointF MainView::MapCorner() const
 {
+    // At zooms that only the actions reach, a view pixel is many metres.
+    if (m_zoom < ZoomSteps::LowestOfWheel) {
+        return viewportTransform().map(QPointF(0, m_scene->height()));
+    }
     const QScrollBar* horizontal = horizontalScrollBar();
     const QScrollBar* vertical = verticalScrollBar();
     const QPoint center = viewport()->rect().center();
@@ -74,7 +79,8 @@ void MainView::TellRulers()
 /// Shows what is under the mouse, after the map has moved below it.
 void MainView::FollowMouse()
 {
-    if (m_mouse && !m_isMapMoving) {
+    // Without a project to edit, the mouse has no place in the world.
+    if (m_mouse && !m_isMapMoving && isEnabled()) {
         const QPoint onScreen = viewport()->mapToGlobal(*m_mouse);
         m_horizontalRuler->SetCursorPos(onScreen);
         m_verticalRuler->SetCursorPos(onScreen);

@@ -109,7 +109,8 @@ bool ViewMoves::Press(const QMouseEvent& event)
     }
     const MapTool* tool = m_view.Scene()->Tool();
     const bool isHandFree = event.buttons() == Qt::MiddleButton && !(tool && tool->IsBusy());
-    if (isHandFree && m_view.isEnabled()) {
+    // Space drags with the left button.
+    if (isHandFree && m_view.isEnabled() && m_view.dragMode() == QGraphicsView::NoDrag) {
         QWidget& viewport = *m_view.viewport();
         m_held = m_view.PlaceAt(event.localPos());
         if (viewport.testAttribute(Qt::WA_SetCursor)) {

@@ -45,6 +45,7 @@ WidgetOverview::WidgetOverview(Document& document, MainView& view, QWidget* pare
     , m_overview(document, *view.Scene())
 {
     connect(&m_overview, &OverviewPicture::Changed, this, &WidgetOverview::ShowChanged);
+    connect(view.Scene(), &QGraphicsScene::sceneRectChanged, this, [this] { update(); });
 }
 
 QSize WidgetOverview::sizeHint() const

@@ -155,7 +155,11 @@ void tst_ViewGestures::SpaceTakesOverFromTheMiddleButton()
     canvas.Mouse(QEvent::MouseButtonRelease, MovedCanvas::MousePixel, Qt::MiddleButton,
                  Qt::NoButton);
     QCOMPARE(viewport->cursor().shape(), Qt::OpenHandCursor);
+    canvas.Mouse(QEvent::MouseButtonPress, MovedCanvas::MousePixel, Qt::MiddleButton,
+                 Qt::MiddleButton);
     QTest::keyRelease(&canvas.view, Qt::Key_Space);
+    canvas.Mouse(QEvent::MouseButtonRelease, MovedCanvas::MousePixel, Qt::MiddleButton,
+                 Qt::NoButton);
     QCOMPARE(viewport->cursor().shape(), before);
 }
 

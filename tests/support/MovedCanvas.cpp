@@ -62,8 +62,10 @@ void MovedCanvas::VerifyLabel(QPointF place)
     QVERIFY(!moved.isEmpty());
     const double x = moved.last().at(0).toInt() / zoom;
     const double z = moved.last().at(1).toInt() / zoom;
-    QVERIFY2(std::abs(x - place.x()) <= 2 / zoom, qPrintable(QString::number(x)));
-    QVERIFY2(std::abs(z - (view.sceneRect().height() - place.y())) <= 2 / zoom,
+    // In view pixels. At small zooms one is many metres.
+    const double allowed = zoom < 0.25 ? 0.99 : 2;
+    QVERIFY2(std::abs(x - place.x()) <= allowed / zoom, qPrintable(QString::number(x)));
+    QVERIFY2(std::abs(z - (view.sceneRect().height() - place.y())) <= allowed / zoom,
              qPrintable(QString::number(z)));
 }
 
