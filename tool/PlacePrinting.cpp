@@ -109,7 +109,8 @@ private:
     {
         QString text;
         if (field) {
-            text = QStringLiteral("%1 (word %2)").arg(FlagText(*field, names)).arg(*field);
+            text = QStringLiteral("%1 (word %2)")
+                       .arg(FlagText(*field, names), QString::number(*field));
         } else if (layout.HasFields()) {
             text = QStringLiteral("nothing, because the map has no fields right of the last whole "
                                   "word of a row");
