@@ -26,6 +26,8 @@
 namespace {
 
 constexpr int NoId = -1;
+/// The tree cuts off what does not fit.
+constexpr int LongestName = 200;
 
 enum DataRole
 {
@@ -122,7 +124,6 @@ QWidget* DockProbe::MakeContents()
     // A dock that is shown gets the least width.
     constexpr int widthOfZones = 220;
     m_tree->setMinimumWidth(widthOfZones);
-    m_tree->setTextElideMode(Qt::ElideMiddle);
     m_tree->setHeaderHidden(true);
     m_tree->setUniformRowHeights(true);
     m_tree->setItemsExpandable(false);
@@ -169,7 +170,7 @@ void DockProbe::ForgetPlace()
 void DockProbe::Follow(QPointF place)
 {
     m_mouse = place;
-    if (!m_hold->isChecked()) {
+    if (!m_hold->isChecked() || !m_place) {
         m_place = place;
         Refresh();
     }
@@ -199,7 +200,7 @@ void DockProbe::Refresh()
     ShowRows(RowsOf(found));
 }
 
-DockProbe::Rows DockProbe::RowsOf(const ProjectProbe::Found& found)
+DockProbe::Rows DockProbe::RowsOf(const ProjectProbe::Found& found) const
 {
     Rows rows;
     if (found.place.pixel) {
@@ -225,7 +226,7 @@ DockProbe::Rows DockProbe::RowsOf(const ProjectProbe::Found& found)
 
 void DockProbe::AddFlags(Rows& rows, const QString& title, const QVector<QString>& names,
                          const std::optional<quint32>& field, quint32 (*flagsOf)(const Layer&),
-                         const ProjectProbe::Found& found)
+                         const ProjectProbe::Found& found) const
 {
     if (!field) {
         rows.emplace_back(0, names.isEmpty()
@@ -233,14 +234,14 @@ void DockProbe::AddFlags(Rows& rows, const QString& title, const QVector<QString
                                  : tr("%1: the map holds nothing here").arg(title));
         return;
     }
-    rows.emplace_back(0, tr("%1: %2").arg(title).arg(*field));
+    rows.emplace_back(0, tr("%1: %2").arg(title, QString::number(*field)));
     constexpr int bits = 32;
     for (int bit = 0; bit < bits; ++bit) {
         const quint32 flag = 1U << bit;
         if ((*field & flag) == 0) {
             continue;
         }
-        rows.emplace_back(1, ShortText(AreaFlagTypes::BitName(bit, names)));
+        rows.emplace_back(1, ShortText(AreaFlagTypes::BitName(bit, names), LongestName));
         for (const ProjectProbe::FoundLayer& layer : found.layers) {
             if ((flagsOf(*layer.layer) & flag) != 0) {
                 AddLayer(rows, 2, layer);
@@ -249,23 +250,24 @@ void DockProbe::AddFlags(Rows& rows, const QString& title, const QVector<QString
     }
 }
 
-void DockProbe::AddLayer(Rows& rows, int depth, const ProjectProbe::FoundLayer& found)
+void DockProbe::AddLayer(Rows& rows, int depth, const ProjectProbe::FoundLayer& found) const
 {
     constexpr int drawn = 255;
-    Row row(depth, ShortText(found.layer->text()));
+    Row row(depth, ShortText(found.layer->text(), LongestName));
     row.swatch = found.layer->Color();
     row.layerId = found.layer->Id();
-    if (!found.layer->IsVisible()) {
+    // The current one is drawn all the same.
+    if (!found.layer->IsVisible() && found.layer != m_document.CurrentLayer()) {
         row.text = tr("%1 (hidden)").arg(row.text);
     }
     if (found.grey != drawn) {
-        row.text = tr("%1 (grey %2, not drawn)").arg(row.text).arg(found.grey);
+        row.text = tr("%1 (grey %2, not drawn)").arg(row.text, QString::number(found.grey));
     }
     row.tip = tr("Click to edit the layer. It counts in the map whether it is shown or not.");
     rows.push_back(row);
 }
 
-void DockProbe::AddZones(Rows& rows, const ProjectProbe::Found& found)
+void DockProbe::AddZones(Rows& rows, const ProjectProbe::Found& found) const
 {
     if (found.zones.empty()) {
         return;
@@ -273,16 +275,18 @@ void DockProbe::AddZones(Rows& rows, const ProjectProbe::Found& found)
     rows.emplace_back(0, tr("Zones"));
     for (const ProjectProbe::FoundZone& zone : found.zones) {
         const Territory* territory = zone.zone->Holder();
-        Row row(1, tr("%1 / %2: zone %3, %4 m from its centre")
-                       .arg(ShortText(territory->GetType()->text()), ShortText(territory->text()))
-                       .arg(zone.number)
-                       .arg(Metres(zone.distance)));
-        if (territory->checkState() != Qt::Checked) {
+        const QString type = ShortText(territory->GetType()->text(), LongestName);
+        const QString name = ShortText(territory->text(), LongestName);
+        // Long names are cut off at the right.
+        Row row(1, tr("Zone %1, %2 m: %3 / %4")
+                       .arg(QString::number(zone.number), Metres(zone.distance), type, name));
+        if (territory->checkState() != Qt::Checked && territory != m_document.CurrentTerritory()) {
             row.text = tr("%1 (hidden)").arg(row.text);
         }
         row.swatch = territory->Color();
         row.zoneId = zone.zone->Id();
-        row.tip = tr("Click to select the zone.");
+        row.tip = tr("Zone %1 of %2 / %3, %4 m from its centre. Click to select it.")
+                      .arg(QString::number(zone.number), type, name, Metres(zone.distance));
         rows.push_back(row);
     }
 }

@@ -67,12 +67,12 @@ private:
     void CopyText() const;
     void ShowRows(const Rows& rows);
 
-    static Rows RowsOf(const ProjectProbe::Found& found);
-    static void AddFlags(Rows& rows, const QString& title, const QVector<QString>& names,
-                         const std::optional<quint32>& field, quint32 (*flagsOf)(const Layer&),
-                         const ProjectProbe::Found& found);
-    static void AddLayer(Rows& rows, int depth, const ProjectProbe::FoundLayer& found);
-    static void AddZones(Rows& rows, const ProjectProbe::Found& found);
+    Rows RowsOf(const ProjectProbe::Found& found) const;
+    void AddFlags(Rows& rows, const QString& title, const QVector<QString>& names,
+                  const std::optional<quint32>& field, quint32 (*flagsOf)(const Layer&),
+                  const ProjectProbe::Found& found) const;
+    void AddLayer(Rows& rows, int depth, const ProjectProbe::FoundLayer& found) const;
+    void AddZones(Rows& rows, const ProjectProbe::Found& found) const;
 
     Document& m_document;
     ProjectProbe m_probe;

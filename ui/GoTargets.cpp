@@ -76,7 +76,7 @@ void LabelThem(QVector<GoTarget>& targets)
             isAlone ? target.name : QStringLiteral("%1 (%2)").arg(target.name, target.kind);
         target.label = base;
         for (int i = 2; labels.contains(target.label.toCaseFolded()); ++i) {
-            target.label = QStringLiteral("%1 %2").arg(base).arg(i);
+            target.label = QStringLiteral("%1 %2").arg(base, QString::number(i));
         }
         labels.insert(target.label.toCaseFolded());
     }

@@ -149,7 +149,7 @@ void QuillmapWindow::ConnectMapDocks()
     connect(m_ui->paintView, &MainView::MouseMoved, m_probe.get(), [this] {
         const MainView& view = *m_ui->paintView;
         if (const std::optional<QPointF> pixel = view.MousePixel()) {
-            m_probe->Follow(view.PlaceAt(*pixel));
+            m_probe->Follow(view.PlaceAt(*pixel) + view.MouseFraction());
         }
     });
     connect(m_overview.get(), &DockOverview::AboutToJump, this, [this] { m_go->NoteJump(); });

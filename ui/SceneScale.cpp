@@ -2,32 +2,25 @@
 
 #include "app/ProjectSettings.h"
 
-#include <cmath>
-
 SceneScale::SceneScale(QSizeF map)
     : m_map(map)
-    , m_metresX(static_cast<double>(ProjectSettings::Instance().MetresPerPixelX()))
-    , m_metresZ(static_cast<double>(ProjectSettings::Instance().MetresPerPixelZ()))
+    , m_world(ProjectSettings::Instance().WorldWidth(), ProjectSettings::Instance().WorldHeight())
 {
 }
 
 bool SceneScale::IsUsable() const
 {
-    return !m_map.isEmpty() && std::isfinite(m_metresX) && std::isfinite(m_metresZ) &&
-           m_metresX > 0 && m_metresZ > 0;
-}
-
-QSizeF SceneScale::World() const
-{
-    return {m_map.width() * m_metresX, m_map.height() * m_metresZ};
+    return !m_map.isEmpty() && !m_world.isEmpty();
 }
 
 QPointF SceneScale::ToScene(QPointF metres) const
 {
-    return {metres.x() / m_metresX, m_map.height() - metres.y() / m_metresZ};
+    return {metres.x() * m_map.width() / m_world.width(),
+            m_map.height() - metres.y() * m_map.height() / m_world.height()};
 }
 
 QPointF SceneScale::ToWorld(QPointF scene) const
 {
-    return {scene.x() * m_metresX, (m_map.height() - scene.y()) * m_metresZ};
+    return {scene.x() * m_world.width() / m_map.width(),
+            (m_map.height() - scene.y()) * m_world.height() / m_map.height()};
 }

@@ -4,8 +4,7 @@
 #include <QSizeF>
 
 /// Turns scene positions of the map (layer pixels, y grows downward) into world metres (X to the
-/// right, Z upward from the lower edge), and back. The factors are those of the project, as the
-/// label below the map uses them.
+/// right, Z upward from the lower edge), and back, by the project's sizes.
 class SceneScale
 {
 public:
@@ -16,12 +15,11 @@ public:
     /// asked then.
     bool IsUsable() const;
     /// In metres.
-    QSizeF World() const;
+    QSizeF World() const { return m_world; }
     QPointF ToScene(QPointF metres) const;
     QPointF ToWorld(QPointF scene) const;
 
 private:
     QSizeF m_map;
-    double m_metresX;
-    double m_metresZ;
+    QSizeF m_world;
 };

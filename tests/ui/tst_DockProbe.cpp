@@ -26,6 +26,7 @@ private slots:
     void SaysWhereTheMapHoldsNothing();
     void MarksHiddenLayersAndGreys();
     void FollowsAStrokeAndItsUndo();
+    void AHoldBeforeAnyPlaceWaitsForOne();
     void FollowsZonesAndNames();
     void HoldsThePlace();
     void AClickOnALayerMakesItCurrent();
@@ -101,7 +102,7 @@ void tst_DockProbe::ShowsFlagsLayersAndZones()
     QCOMPARE(probed.Place(), QString("X 120, Z 540 (pixel 12, 10)"));
     QCOMPARE(probed.Rows(),
              (QStringList{"Usage: 3", " Town", "  red", " Farm", "  blue", "Value: 1", " Rich",
-                          "  blue", "Zones", " Deer / North: zone 1, 20 m from its centre"}));
+                          "  blue", "Zones", " Zone 1, 20 m: Deer / North"}));
     probed.MoveTo(22, 22);
     QCOMPARE(probed.Rows(), (QStringList{"Usage: 3", " Town", "  red", " Farm", "  blue",
                                          "Value: 1", " Rich", "  blue"}));
@@ -168,6 +169,17 @@ void tst_DockProbe::FollowsAStrokeAndItsUndo()
     QCOMPARE(probed.Rows(), painted);
 }
 
+void tst_DockProbe::AHoldBeforeAnyPlaceWaitsForOne()
+{
+    const Probed probed;
+    probed.fixture.Trigger("actionProbeHold");
+    probed.MoveTo(12, 10);
+    const QString held = probed.Place();
+    QCOMPARE(held, QString("X 120, Z 540 (pixel 12, 10)"));
+    probed.MoveTo(40, 40);
+    QCOMPARE(probed.Place(), held);
+}
+
 /// The place is held, so the mouse changes nothing.
 void tst_DockProbe::FollowsZonesAndNames()
 {
@@ -175,20 +187,20 @@ void tst_DockProbe::FollowsZonesAndNames()
     const WindowFixture& fixture = probed.fixture;
     probed.MoveTo(12, 10);
     fixture.Trigger("actionProbeHold");
-    probed.Click("Deer / North");
+    probed.Click("Zone 1");
     const auto zones = [&probed] {
         const QStringList rows = probed.Rows();
-        return rows.filter(" Deer / ");
+        return rows.filter("Deer / ");
     };
     fixture.View().setFocus();
     QTest::keyClick(&fixture.View(), Qt::Key_Right);
-    QCOMPARE(zones(), QStringList{" Deer / North: zone 1, 10 m from its centre"});
+    QCOMPARE(zones(), QStringList{" Zone 1, 10 m: Deer / North"});
     QTest::keyClick(&fixture.View(), Qt::Key_Delete);
     QCOMPARE(zones(), QStringList());
     fixture.Trigger("actionUndo");
-    QCOMPARE(zones(), QStringList{" Deer / North: zone 1, 10 m from its centre"});
+    QCOMPARE(zones(), QStringList{" Zone 1, 10 m: Deer / North"});
     fixture.Trigger("actionUndo");
-    QCOMPARE(zones(), QStringList{" Deer / North: zone 1, 20 m from its centre"});
+    QCOMPARE(zones(), QStringList{" Zone 1, 20 m: Deer / North"});
     Document& document = fixture.window->GetDocument();
     document.Do(Edits::Rename(*document.Layers().LayerAt(0), "crimson"));
     QVERIFY(probed.Rows().contains("  crimson"));
@@ -224,7 +236,7 @@ void tst_DockProbe::AClickOnAZoneSelectsIt()
 {
     const Probed probed;
     probed.MoveTo(12, 10);
-    probed.Click("Deer / North");
+    probed.Click("Zone 1");
     const QVector<Zone*> selected = probed.fixture.Scene().SelectedZones();
     QCOMPARE(selected.size(), 1);
     QCOMPARE(selected.constFirst()->Holder()->text(), QString("North"));
@@ -274,7 +286,7 @@ void tst_DockProbe::ChoosesNothingInAProjectThatIsOnlyViewed()
     probed.fixture.Trigger("actionProbe");
     probed.fixture.Child<DockProbe>("DockProbe")->Follow({12, 10});
     probed.Click("red");
-    probed.Click("Deer / North");
+    probed.Click("Zone 1");
     QVERIFY(!probed.fixture.IsModified());
     QVERIFY(probed.fixture.Scene().SelectedZones().isEmpty());
 }

@@ -189,10 +189,10 @@ QVector<const GoTarget*> DialogGoTo::TargetsNamed(const QString& name) const
     for (const Qt::CaseSensitivity sensitivity : {Qt::CaseSensitive, Qt::CaseInsensitive}) {
         QVector<const GoTarget*> named;
         for (const GoTarget& target : m_targets) {
-            if (target.label.compare(name, sensitivity) == 0) {
+            if (target.label.trimmed().compare(name, sensitivity) == 0) {
                 return {&target};
             }
-            if (target.name.compare(name, sensitivity) == 0) {
+            if (target.name.trimmed().compare(name, sensitivity) == 0) {
                 named.append(&target);
             }
         }
