@@ -51,14 +51,6 @@ bool Document::EditRow(QStandardItem& item, const QVariant& value, int role)
     return Do(Edits::Rename(item, name));
 }
 
-void Document::SetCurrentLayer(Layer* layer)
-{
-    if (layer != m_currentLayer) {
-        m_currentLayer = layer;
-        emit CurrentLayerChanged();
-    }
-}
-
 void Document::FollowCheckMark(QStandardItem& row)
 {
     // Setting a type's mark sets its territories' marks; those changes are handled already.
@@ -298,10 +290,13 @@ void Document::Clear()
     ClearHistory();
     SetPath({});
     m_currentLayer = nullptr;
+    m_soloLayer = nullptr;
+    m_lockedIds.clear();
     m_currentTerritory = nullptr;
     m_zoneTemplate.reset();
     m_layers.Clear();
     m_types.Clear();
+    emit LayerMarksChanged(nullptr);
 }
 
 void Document::ClearHistory()

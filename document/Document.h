@@ -15,6 +15,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QRect>
+#include <QSet>
 #include <QUndoStack>
 
 #include <limits>
@@ -62,9 +63,26 @@ public:
 
     /// The layer that is painted, and the territory whose zones are edited; null for none.
     Layer* CurrentLayer() const { return m_currentLayer; }
+    /// While only one layer is shown, another current layer is shown instead of it.
     void SetCurrentLayer(Layer* layer);
     Territory* CurrentTerritory() const { return m_currentTerritory; }
     void SetCurrentTerritory(Territory* territory) { m_currentTerritory = territory; }
+
+    /// Locked layers keep their pixels; all else of them may be edited. Locks are no edits, and are
+    /// not in the project's files.
+    bool IsLocked(const Layer& layer) const { return m_lockedIds.contains(layer.Id()); }
+    void SetLocked(const Layer& layer, bool isLocked);
+    /// Why the layer's pixels may not be changed by hand now, as one sentence for the user; empty
+    /// when they may.
+    QString WhyPixelsStay(const Layer& layer) const;
+    /// The only layer that the map shows, whatever the check marks say; null when the map shows
+    /// the checked ones. It ends with the layer.
+    Layer* SoloLayer() const { return m_soloLayer; }
+    void SetSoloLayer(Layer* layer);
+    /// Whether the map shows the layer also while it is not the current one.
+    bool IsShown(const Layer& layer) const;
+    /// What the rows of layers show beside name and colour; see LayerList::SetRowMarks.
+    void SetRowMarks(const LayerList::RowMarks& marks);
 
     /// Shows or hides what the row of a type or territory stands for, as its check mark says. The
     /// territories of a type get its mark; the current territory stays visible.
@@ -156,6 +174,9 @@ signals:
     /// is taken back.
     void Painted(Layer* layer, const QRect& rect);
     void CurrentLayerChanged();
+    /// What marks the layer's row and decides whether its pixels may be changed: locks, and which
+    /// layer is shown alone. Null means all layers.
+    void LayerMarksChanged(Layer* layer);
     /// Places or values of zones of the territory changed, or zones came or went.
     void ZonesChanged(Territory* territory);
     /// Name, colour, opacity or visibility of the territory changed, or it came or went.
@@ -209,6 +230,9 @@ private:
     QString m_path;
     KnownFiles m_files;
     Tracked<Layer> m_currentLayer;
+    Tracked<Layer> m_soloLayer;
+    /// Ids are never reused, so a removed layer that comes back is still locked.
+    QSet<int> m_lockedIds;
     Tracked<Territory> m_currentTerritory;
     std::optional<ZoneValues> m_zoneTemplate;
     /// Outlives the history, whose edits leave it as they die.

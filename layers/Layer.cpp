@@ -7,6 +7,7 @@
 #include "app/ProjectSettings.h"
 #include "app/Xml.h"
 #include "layers/CustomLayer.h"
+#include "layers/LayerList.h"
 #include "layers/Targa.h"
 #include "layers/raster/Mask.h"
 #include "layers/raster/MaskDelta.h"
@@ -132,6 +133,18 @@ void Layer::TakePaintedMask(const QImage& mask)
 std::optional<QRect> Layer::SwapPixels(raster::MaskDelta& delta)
 {
     return delta.Swap(m_image);
+}
+
+QVariant Layer::data(int role) const
+{
+    // Without a model the layer may outlive the list.
+    if (model() && m_list && (role == Qt::DecorationRole || role == Qt::ToolTipRole)) {
+        const QVariant mark = m_list->RowMark(*this, role);
+        if (mark.isValid()) {
+            return mark;
+        }
+    }
+    return QStandardItem::data(role);
 }
 
 void Layer::setData(const QVariant& value, int role)

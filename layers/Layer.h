@@ -88,6 +88,8 @@ public:
     /// Does nothing: the picture is made on request.
     void UpdatePixmap() {}
 
+    /// Its list may mark the row: see LayerList::SetRowMarks.
+    QVariant data(int role = Qt::UserRole + 1) const override;
     /// A rename to an invalid name is ignored without a message.
     void setData(const QVariant& value, int role = Qt::UserRole + 1) override;
 

@@ -29,6 +29,11 @@ LayerList::~LayerList()
     m_model->deleteLater();
 }
 
+QVariant LayerList::RowMark(const Layer& layer, int role) const
+{
+    return m_rowMarks ? m_rowMarks(layer, role) : QVariant();
+}
+
 bool LayerList::IsEmpty() const
 {
     for (int row = 0; row < m_model->rowCount(); ++row) {

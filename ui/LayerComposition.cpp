@@ -14,6 +14,7 @@ LayerComposition::LayerComposition(Document& document, MainView& view)
     connect(&document, &Document::PixelsAboutToChange, this,
             [this](Layer* layer) { m_view.Scene()->ReleasePixels(*layer); });
     connect(&document, &Document::LayerChanged, this, &LayerComposition::Follow);
+    connect(&document, &Document::LayerMarksChanged, this, &LayerComposition::FollowSolo);
 }
 
 /// Direct edits update the map themselves; changes by undo and redo are shown here.
@@ -37,6 +38,15 @@ void LayerComposition::Follow(Layer* layer, Document::LayerAspect aspect, const 
         if (m_document.IsTravelling()) {
             Recompose();
         }
+    }
+}
+
+/// A row that is locked shows what it showed before.
+void LayerComposition::FollowSolo()
+{
+    if (m_document.SoloLayer() != m_solo) {
+        m_solo = m_document.SoloLayer();
+        Recompose();
     }
 }
 
@@ -77,7 +87,7 @@ void LayerComposition::Recompose()
     scene.ClearLayers();
     const QVector<Layer*> layers = m_document.Layers().Layers();
     for (Layer* layer : layers) {
-        if (layer != current && layer->IsVisible()) {
+        if (layer != current && m_document.IsShown(*layer)) {
             scene.AddLayer(layer);
         }
     }

@@ -18,9 +18,12 @@ public:
 
 private:
     void Follow(Layer* layer, Document::LayerAspect aspect, const QRect& rect);
+    void FollowSolo();
     void ForgetRows(int first, int last);
     void ForgetPictures();
 
     Document& m_document;
     MainView& m_view;
+    /// The only layer that the map shows. It is compared only.
+    const Layer* m_solo = nullptr;
 };
