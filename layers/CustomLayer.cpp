@@ -57,27 +57,20 @@ QImage ScaledMask(const LayerList& list, int id, int width, int height)
     return layer->Image().scaled(width, height, Qt::IgnoreAspectRatio, Qt::FastTransformation);
 }
 
-/// The radius in whole pixels of the layer size. The product is computed in 32-bit floats, which
-/// matters for radii that are close to a whole number of pixels.
-float RadiusInPixels(const QString& code)
-{
-    const auto metres = static_cast<float>(RadiusFromCode(code));
-    return std::trunc(metres * ProjectSettings::Instance().PixelsPerMetreX());
-}
-
 QImage EvaluateUnary(int operation, const QImage& mask, const QString& code)
 {
+    const float radius = RadiusInPixels(RadiusFromCode(code));
     switch (operation) {
     case OperationComplement:
         return raster::Complement(mask);
     case OperationErosion:
-        return raster::Erode(mask, RadiusInPixels(code));
+        return raster::Erode(mask, radius);
     case OperationDilation:
-        return raster::Dilate(mask, RadiusInPixels(code));
+        return raster::Dilate(mask, radius);
     case OperationOpening:
-        return raster::Open(mask, RadiusInPixels(code));
+        return raster::Open(mask, radius);
     case OperationClosing:
-        return raster::Close(mask, RadiusInPixels(code));
+        return raster::Close(mask, radius);
     default:
         return {};
     }
@@ -160,6 +153,13 @@ int RadiusFromCode(const QString& code)
     const int colon = code.indexOf(QLatin1Char(':'));
     const int end = code.indexOf(QLatin1Char(')'), colon + 1);
     return colon < 0 || end < 0 ? 0 : code.midRef(colon + 1, end - colon - 1).toInt();
+}
+
+/// The product is computed in 32-bit floats, which matters for radii that are close to a whole
+/// number of pixels.
+float RadiusInPixels(int metres)
+{
+    return std::trunc(static_cast<float>(metres) * ProjectSettings::Instance().PixelsPerMetreX());
 }
 
 QImage Evaluate(const LayerList& list, const QString& code, int width, int height)

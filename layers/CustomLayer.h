@@ -41,6 +41,10 @@ QStringList SplitOperands(const QString& code);
 /// The layer ids in the code, in order. Operands that are not numbers are left out and logged.
 QList<int> ParseIds(const QString& code);
 
+/// A radius of so many metres in whole pixels of the layer size, as all operations take it. Not a
+/// finite number while the project has no sizes.
+float RadiusInPixels(int metres);
+
 /// The radius in metres; 0 if the code has none or a malformed one.
 int RadiusFromCode(const QString& code);
 

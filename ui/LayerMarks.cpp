@@ -1,0 +1,164 @@
+#include "ui/LayerMarks.h"
+
+#include "document/Document.h"
+#include "ui/ProjectNotes.h"
+
+#include <QIcon>
+#include <QPainter>
+#include <QPixmap>
+
+namespace {
+
+const QString LockedGroup = QStringLiteral("lockedLayers");
+const QString SoloGroup = QStringLiteral("soloLayer");
+
+/// The colour with a padlock on it.
+QPixmap LockedPicture(const QColor& color, int scale)
+{
+    constexpr int side = 16;
+    QPixmap picture(side * scale, side * scale);
+    picture.fill(color);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(scale, scale);
+    const QRectF shackle(5.5, 2.5, 5, 8);
+    painter.setPen(QPen(Qt::white, 3));
+    painter.drawRoundedRect(shackle, 2.5, 2.5);
+    painter.setPen(QPen(Qt::black, 1.5));
+    painter.drawRoundedRect(shackle, 2.5, 2.5);
+    painter.setPen(QPen(Qt::white, 1));
+    painter.setBrush(Qt::black);
+    painter.drawRoundedRect(QRectF(2.5, 6.5, 11, 8), 1, 1);
+    return picture;
+}
+
+QIcon LockedIcon(const QColor& color)
+{
+    QIcon icon;
+    for (const int scale : {1, 2}) {
+        icon.addPixmap(LockedPicture(color, scale));
+    }
+    return icon;
+}
+
+} // namespace
+
+LayerMarks::LayerMarks(Document& document)
+    : m_document(document)
+{
+    document.SetRowMarks([this](const Layer& layer, int role) { return Mark(layer, role); });
+    connect(&document, &Document::LayerMarksChanged, this, [this](const Layer* layer) {
+        Write();
+        Repaint(layer);
+    });
+    connect(&document, &Document::AboutToClear, this, [this] {
+        m_namesInFile.clear();
+        m_isBeginning = true;
+    });
+    connect(&document, &Document::HistoryBegan, this,
+            [this](bool isSaved) { m_isBeginning = m_isBeginning && isSaved; });
+    connect(&document, &Document::FilesNoted, this, &LayerMarks::FollowFiles);
+}
+
+LayerMarks::~LayerMarks()
+{
+    m_document.SetRowMarks({});
+}
+
+QVariant LayerMarks::Mark(const Layer& layer, int role) const
+{
+    if (role == Qt::ToolTipRole) {
+        const QString tip = ToolTip(layer);
+        return tip.isEmpty() ? QVariant() : QVariant(tip);
+    }
+    return m_document.IsLocked(layer) ? QVariant(LockedIcon(layer.Color())) : QVariant();
+}
+
+QString LayerMarks::ToolTip(const Layer& layer) const
+{
+    QStringList lines;
+    if (m_document.IsLocked(layer)) {
+        lines.append(tr("Locked: its pixels stay as they are"));
+    }
+    if (m_document.SoloLayer() == &layer) {
+        lines.append(tr("Only this layer is shown"));
+    } else if (m_document.SoloLayer() && layer.IsVisible()) {
+        lines.append(tr("Not shown while only one layer is shown"));
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
+/// Views ask for the marks again. Null means all layers.
+void LayerMarks::Repaint(const Layer* layer)
+{
+    RowModel* model = m_document.Layers().model();
+    const int last = model->rowCount() - 1;
+    if (last >= 0) {
+        emit model->dataChanged(model->index(layer ? layer->row() : 0, 0),
+                                model->index(layer ? layer->row() : last, 0),
+                                {Qt::DecorationRole, Qt::ToolTipRole});
+    }
+}
+
+void LayerMarks::FollowFiles()
+{
+    if (m_document.Path().isEmpty()) {
+        return;
+    }
+    m_namesInFile.clear();
+    const QVector<Layer*> layers = m_document.Layers().Layers();
+    for (const Layer* layer : layers) {
+        m_namesInFile.insert(layer->Id(), layer->text());
+    }
+    if (m_isBeginning) {
+        Read();
+    }
+    m_isBeginning = false;
+    Write();
+}
+
+void LayerMarks::Read()
+{
+    const QString path = m_document.Path();
+    m_notes = {path, ProjectNotes::Read(LockedGroup, path), ProjectNotes::Read(SoloGroup, path)};
+    const QVector<Layer*> layers = m_document.Layers().Layers();
+    for (Layer* layer : layers) {
+        if (m_notes.locked.contains(layer->text())) {
+            m_document.SetLocked(*layer, true);
+        }
+        if (m_notes.solo.contains(layer->text())) {
+            // The current layer is on the map in any case.
+            Layer* current = m_document.CurrentLayer();
+            m_document.SetSoloLayer(current ? current : layer);
+        }
+    }
+}
+
+void LayerMarks::Write()
+{
+    Notes notes{m_document.Path(), {}, {}};
+    if (notes.path.isEmpty() || m_isBeginning) {
+        return;
+    }
+    const QSet<int>& locked = m_document.LockedIds();
+    for (const int id : locked) {
+        notes.locked.append(NameInFile(id));
+    }
+    notes.locked.removeAll(QString());
+    notes.locked.sort();
+    if (const Layer* solo = m_document.SoloLayer()) {
+        notes.solo.append(NameInFile(solo->Id()));
+    }
+    if (!(notes == m_notes)) {
+        m_notes = notes;
+        ProjectNotes::Write(LockedGroup, notes.path, notes.locked);
+        ProjectNotes::Write(SoloGroup, notes.path, notes.solo);
+    }
+}
+
+/// The present name of a layer that the document does not hold yet; empty for one that is nowhere.
+QString LayerMarks::NameInFile(int id) const
+{
+    const Layer* layer = m_document.Layers().LayerById(id);
+    return m_namesInFile.value(id, layer ? layer->text() : QString());
+}
