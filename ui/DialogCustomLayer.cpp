@@ -131,7 +131,7 @@ void DialogCustomLayer::ShowRadius()
     const bool hasRadius = IsMorphologicalOperation(m_ui->cboOperation->currentIndex());
     m_ui->lblRadiusEffective->setText(hasRadius ? RadiusText(m_ui->spnRadius->value()) : QString());
     m_ui->lblPreviewHint->setText(
-        hasRadius ? tr("The preview exaggerates the radius: it is smaller than the layer.")
+        hasRadius ? tr("The preview exaggerates: its picture is smaller than the layer.")
                   : QString());
 }
 

@@ -27,33 +27,38 @@ LayerActions::LayerActions(const EditorParts& parts, LayerComposition& compositi
     ShowState();
 }
 
+/// Qt also triggers actions that are disabled, when code asks for it.
+template <typename Deed>
+void LayerActions::Connect(QAction* action, Deed deed)
+{
+    connect(action, &QAction::triggered, this, [this, action, deed](bool isOn) {
+        if (action->isEnabled()) {
+            deed(isOn);
+        }
+        ShowState();
+    });
+}
+
 void LayerActions::ConnectActions()
 {
     const Ui::QuillmapWindowClass& form = m_parts.form;
     Document& document = m_parts.document;
-    connect(form.actionLayerDuplicate, &QAction::triggered, this, &LayerActions::Duplicate);
-    connect(form.actionLayerFill, &QAction::triggered, this,
-            [this] { Fill(tr("Fill %1"), raster::MaskSet); });
-    connect(form.actionLayerClear, &QAction::triggered, this,
-            [this] { Fill(tr("Clear %1"), raster::MaskClear); });
-    connect(form.actionLayerInvert, &QAction::triggered, this, &LayerActions::Invert);
-    connect(form.actionLayerGrow, &QAction::triggered, this, [this] { Grow(true); });
-    connect(form.actionLayerShrink, &QAction::triggered, this, [this] { Grow(false); });
-    connect(form.actionLayerMerge, &QAction::triggered, this, &LayerActions::Merge);
-    connect(form.actionLayerUp, &QAction::triggered, this,
-            [this] { m_parts.layers.MoveCurrent(true); });
-    connect(form.actionLayerDown, &QAction::triggered, this,
-            [this] { m_parts.layers.MoveCurrent(false); });
-    connect(form.actionLayerLock, &QAction::triggered, this, [&document](bool isOn) {
-        if (const Layer* layer = document.CurrentLayer()) {
-            document.SetLocked(*layer, isOn);
-        }
-    });
-    connect(form.actionLayerSolo, &QAction::triggered, this, [&document](bool isOn) {
+    Connect(form.actionLayerDuplicate, [this](bool) { Duplicate(); });
+    Connect(form.actionLayerFill, [this](bool) { Fill(tr("Fill %1"), raster::MaskSet); });
+    Connect(form.actionLayerClear, [this](bool) { Fill(tr("Clear %1"), raster::MaskClear); });
+    Connect(form.actionLayerInvert, [this](bool) { Invert(); });
+    Connect(form.actionLayerGrow, [this](bool) { Grow(true); });
+    Connect(form.actionLayerShrink, [this](bool) { Grow(false); });
+    Connect(form.actionLayerMerge, [this](bool) { Merge(); });
+    Connect(form.actionLayerUp, [this](bool) { m_parts.layers.MoveCurrent(true); });
+    Connect(form.actionLayerDown, [this](bool) { m_parts.layers.MoveCurrent(false); });
+    Connect(form.actionLayerLock,
+            [&document](bool isOn) { document.SetLocked(*document.CurrentLayer(), isOn); });
+    Connect(form.actionLayerSolo, [&document](bool isOn) {
         document.SetSoloLayer(isOn ? document.CurrentLayer() : nullptr);
     });
-    connect(form.actionLayersShowAll, &QAction::triggered, this, &LayerActions::ShowAll);
-    connect(form.actionLayerFilter, &QAction::triggered, this, [this] {
+    Connect(form.actionLayersShowAll, [this](bool) { ShowAll(); });
+    Connect(form.actionLayerFilter, [this](bool) {
         m_parts.window.ShowLayers(true);
         m_parts.layers.raise();
         m_parts.layers.FocusFilter();

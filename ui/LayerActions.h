@@ -10,6 +10,7 @@
 class Edit;
 class Layer;
 class LayerComposition;
+class QAction;
 
 /// The entries of the menu Layer that are about the current layer and about which layers are shown.
 class LayerActions : public QObject
@@ -18,6 +19,8 @@ public:
     LayerActions(const EditorParts& parts, LayerComposition& composition);
 
 private:
+    template <typename Deed>
+    void Connect(QAction* action, Deed deed);
     void ConnectActions();
     void ShowState();
     Layer* Editable();

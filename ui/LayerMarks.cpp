@@ -36,7 +36,10 @@ QIcon LockedIcon(const QColor& color)
 {
     QIcon icon;
     for (const int scale : {1, 2}) {
-        icon.addPixmap(LockedPicture(color, scale));
+        const QPixmap picture = LockedPicture(color, scale);
+        icon.addPixmap(picture);
+        // Otherwise Qt tints it in the row that is selected.
+        icon.addPixmap(picture, QIcon::Selected);
     }
     return icon;
 }

@@ -177,6 +177,11 @@ void tst_LayerActions::FollowsTheCurrentLayer()
     const auto verify = [&](bool isEnabled) {
         for (const char* name : ofOne) {
             QVERIFY2(editor.Action(name)->isEnabled() == isEnabled, name);
+            if (!isEnabled) {
+                // Nor does it when code asks for it.
+                editor.Trigger(name);
+                QVERIFY2(!editor.Action(name)->isChecked(), name);
+            }
         }
     };
     verify(true);

@@ -26,6 +26,10 @@ DialogGrowLayer::DialogGrowLayer(const LayerList& list, const Layer& layer, bool
     connect(m_ui->btnOk, &QPushButton::clicked, this, &DialogGrowLayer::accept);
     connect(m_ui->btnCancel, &QPushButton::clicked, this, &DialogGrowLayer::reject);
     ShowRadius();
+    QSizePolicy policy = m_ui->pgr->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    m_ui->pgr->setSizePolicy(policy);
+    m_ui->pgr->hide();
     m_ui->spnRadius->setFocus();
     m_ui->spnRadius->selectAll();
 }
@@ -57,6 +61,7 @@ void DialogGrowLayer::accept()
         control->setEnabled(false);
     }
     m_ui->pgr->setRange(0, 0);
+    m_ui->pgr->show();
     auto* worker = new CustomLayerWorker;
     worker->moveToThread(&m_thread);
     connect(&m_thread, &QThread::finished, worker, &QObject::deleteLater);
