@@ -109,6 +109,7 @@ public:
     void SetFilesBusy(bool isBusy);
     /// Whether the project may be edited at all.
     void SetEditable(bool isEditable);
+    bool IsEditable() const { return m_isEditable; }
 
     bool CanUndo() const;
     bool CanRedo() const;

@@ -61,6 +61,12 @@ LayerMarks::LayerMarks(Document& document)
     connect(&document, &Document::HistoryBegan, this,
             [this](bool isSaved) { m_isBeginning = m_isBeginning && isSaved; });
     connect(&document, &Document::FilesNoted, this, &LayerMarks::FollowFiles);
+    connect(&document, &Document::HistoryChanged, this, [this] {
+        // What is only looked at shows what its file says; nobody could end this there.
+        if (!m_document.IsEditable()) {
+            m_document.SetSoloLayer(nullptr);
+        }
+    });
 }
 
 LayerMarks::~LayerMarks()
@@ -140,7 +146,7 @@ void LayerMarks::Read()
 void LayerMarks::Write()
 {
     Notes notes{m_document.Path(), {}, {}};
-    if (notes.path.isEmpty() || m_isBeginning) {
+    if (notes.path.isEmpty() || m_isBeginning || !m_document.IsEditable()) {
         return;
     }
     const QSet<int>& locked = m_document.LockedIds();

@@ -109,6 +109,7 @@ private slots:
     void SoloEndsWhenAllAreShownOrHidden();
     void ASaveUnderSoloWritesTheTicks();
     void RemembersLocksAndSoloPerProject();
+    void AProjectForViewingShowsItsTicks();
     void RemembersLocksOfRenamedLayers();
     void RemembersLocksOfAProjectThatIsSavedElsewhere();
 };
@@ -353,6 +354,22 @@ void tst_LayerMarks::RemembersLocksAndSoloPerProject()
     editor.Reload();
     QVERIFY(!editor.IsLocked("blue"));
     QVERIFY(!editor.Doc().SoloLayer());
+}
+
+void tst_LayerMarks::AProjectForViewingShowsItsTicks()
+{
+    Editor editor;
+    editor.Lock();
+    editor.Solo();
+    editor.Restart(editor.project);
+    editor.Tell();
+    QVERIFY(!editor.Doc().SoloLayer());
+    QVERIFY(!editor.Action("actionLayerSolo")->isChecked());
+    QVERIFY(!editor.View().isEnabled());
+    QCOMPARE(editor.Doc().Layers().Layers().size(), 2);
+    editor.Load(editor.project);
+    QVERIFY(editor.Doc().SoloLayer());
+    QVERIFY(editor.IsLocked("blue"));
 }
 
 void tst_LayerMarks::RemembersLocksOfRenamedLayers()
