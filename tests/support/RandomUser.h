@@ -72,6 +72,10 @@ private:
     void EscapeStroke();
     void PressDelete();
     void ClickHistory();
+    void ChooseTool();
+    void ChoosePaintOption();
+    void DrawCorners();
+    void DrawShape();
 
     /// Releases the buttons and keys that are held.
     void LetGo();
@@ -80,6 +84,7 @@ private:
     void Mouse(QEvent::Type type, QPoint position, Qt::MouseButton button,
                Qt::MouseButtons buttons);
     QPoint SomewhereOnMap();
+    Qt::MouseButton LeftOrRight();
     /// Returns a random visible widget of these, or null.
     QWidget* OneOf(const std::vector<const char*>& names);
     QAbstractItemView* ATree();
