@@ -4,7 +4,6 @@
 #include "layers/LayerList.h"
 #include "layers/Targa.h"
 #include "territories/TerritoryTypeList.h"
-#include "tests/support/Drags.h"
 #include "tests/support/Files.h"
 #include "ui/DockLayers.h"
 #include "ui/DockTerTypes.h"
@@ -132,8 +131,15 @@ QString RandomUser::Act()
         drawn -= deed->weight;
         ++deed;
     }
+    const QMap<int, QImage> locked = LockedMasks();
     (this->*deed->act)();
     QCoreApplication::processEvents();
+    // What was done before a lock is undone with it.
+    const QStringList undoing{QStringLiteral("undo"), QStringLiteral("redo"),
+                              QStringLiteral("history"), QStringLiteral("broken stroke")};
+    if (!undoing.contains(QLatin1String(deed->name))) {
+        CompareLocked(locked);
+    }
     NoteLoad();
     log.Take();
     return QLatin1String(deed->name);
@@ -311,15 +317,6 @@ void RandomUser::ClickRow()
     QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, position);
 }
 
-void RandomUser::DragLayer()
-{
-    const int count = Layers().Layers().size();
-    if (count > 1 && OneOf({"treeLayers"})) {
-        DragRow(*Child<QAbstractItemView>("treeLayers"), m_random.Below(count),
-                m_random.Below(count));
-    }
-}
-
 void RandomUser::TriggerRowAction()
 {
     QWidget* dock = OneOf({"DockLayers", "DockTerTypes"});
@@ -490,37 +487,4 @@ void RandomUser::ClickHistory()
     const QModelIndex index = view->model()->index(m_random.Below(view->model()->rowCount()), 0);
     view->scrollTo(index);
     QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(index).center());
-}
-
-void RandomUser::LayerAction()
-{
-    static const char* const actions[] = {
-        "actionLayerDuplicate", "actionLayerFill",     "actionLayerClear", "actionLayerInvert",
-        "actionLayerGrow",      "actionLayerShrink",   "actionLayerMerge", "actionLayerUp",
-        "actionLayerDown",      "actionLayerLock",     "actionLayerLock",  "actionLayerSolo",
-        "actionLayerSolo",      "actionLayersShowAll",
-    };
-    const char* const action = actions[m_random.Below(int(std::size(actions)))];
-    // The list would grow for ever.
-    constexpr int manyLayers = 12;
-    const bool isGrowing = qstrcmp(action, "actionLayerDuplicate") == 0;
-    if (isGrowing && Layers().Layers().size() > manyLayers) {
-        return;
-    }
-    Trigger(action);
-}
-
-void RandomUser::FilterLayers()
-{
-    if (m_random.Below(2) == 0) {
-        Trigger("actionLayerFilter");
-    }
-    if (auto* field = qobject_cast<QLineEdit*>(OneOf({"txtLayerFilter"}))) {
-        const QStringList texts{QStringLiteral("e"), QStringLiteral("LA"), QStringLiteral("xyz"),
-                                QString()};
-        field->setText(texts[m_random.Below(texts.size())]);
-        if (m_random.Below(2) == 0) {
-            QTest::keyClick(field, Qt::Key_Escape);
-        }
-    }
 }

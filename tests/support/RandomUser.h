@@ -5,6 +5,8 @@
 #include "tests/support/WindowFixture.h"
 
 #include <QEvent>
+#include <QImage>
+#include <QMap>
 #include <QStringList>
 
 class LayerList;
@@ -79,6 +81,10 @@ private:
     void DrawCorners();
     void DrawShape();
 
+    /// Of the locked layers, by their ids.
+    QMap<int, QImage> LockedMasks() const;
+    /// Remembers a layer that is still locked and has other pixels.
+    void CompareLocked(const QMap<int, QImage>& before);
     /// Releases the buttons and keys that are held.
     void LetGo();
     /// Remembers what was loaded, once the history begins anew.
@@ -101,6 +107,7 @@ private:
     Random m_random;
     const ProjectSettings m_settingsAtStart = ProjectSettings::Instance();
     int m_customLayerAnswers = 0;
+    QString m_changedLocked;
     /// What was loaded or begun, and what was saved last since.
     SavedFiles m_loaded;
     SavedFiles m_saved;

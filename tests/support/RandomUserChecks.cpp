@@ -125,6 +125,9 @@ QString RandomUser::Contradiction() const
         Action("actionRedo")->isEnabled() != window->GetDocument().CanRedo()) {
         return QStringLiteral("Undo or redo is enabled where it cannot be, or the other way.");
     }
+    if (!m_changedLocked.isEmpty()) {
+        return QStringLiteral("The locked layer '%1' changed.").arg(m_changedLocked);
+    }
     const Document& document = window->GetDocument();
     if (document.SoloLayer() && !layers.contains(document.SoloLayer())) {
         return QStringLiteral("A layer that is in no list is shown alone.");

@@ -100,6 +100,8 @@ private slots:
     void LocksAndUnlocks();
     void ALockKeepsThePixels_data();
     void ALockKeepsThePixels();
+    void ALockTakesNoStroke_data();
+    void ALockTakesNoStroke();
     void ALockLeavesTheRest();
     void NothingIsMergedIntoALockedLayer();
     void MarksLockedRows();
@@ -170,6 +172,41 @@ void tst_LayerMarks::ALockKeepsThePixels()
     });
     editor.Trigger(action);
     QVERIFY(editor.SavedBytes() != before);
+}
+
+void tst_LayerMarks::ALockTakesNoStroke_data()
+{
+    QTest::addColumn<QByteArray>("tool");
+
+    for (const char* tool : {"toolBrush", "toolLine", "toolRectangle", "toolFill"}) {
+        QTest::newRow(tool) << QByteArray(tool);
+    }
+}
+
+void tst_LayerMarks::ALockTakesNoStroke()
+{
+    QFETCH(QByteArray, tool);
+    Editor editor;
+    editor.Trigger("actionTogglePaintMode");
+    editor.Trigger(tool);
+    QWidget* viewport = editor.View().viewport();
+    const auto draw = [&] {
+        QTest::mousePress(viewport, Qt::LeftButton, {}, editor.View().mapFromScene(30, 30));
+        QTest::mouseMove(viewport, editor.View().mapFromScene(50, 45));
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, editor.View().mapFromScene(50, 45));
+    };
+    const Layer& blue = editor.Named("blue");
+    const QImage before = blue.Image().copy();
+    editor.Lock();
+    editor.log.Take();
+    draw();
+    QCOMPARE(editor.log.Messages(),
+             QStringList{"Info: Layer 'blue' is locked; Ctrl+L unlocks it."});
+    QVERIFY(blue.Image() == before);
+    QVERIFY(!editor.Doc().CanUndo());
+    editor.Lock();
+    draw();
+    QVERIFY(blue.Image() != before);
 }
 
 void tst_LayerMarks::ALockLeavesTheRest()
