@@ -79,19 +79,12 @@ private:
     int m_done = 0;
 };
 
-/// Natural shapes, repeated as often as they fit; only one size lives at a time.
+/// Natural shapes; only one size lives at a time.
 const QImage& NaturalOf(int side)
 {
-    constexpr int pieceSide = 2048;
-    static const QImage piece = NaturalMask({pieceSide, pieceSide}, 7);
     static QImage mask;
     if (mask.width() != side) {
-        mask = raster::BlankMask({side, side});
-        for (int y = 0; y < side; ++y) {
-            for (int x = 0; x < side; x += pieceSide) {
-                std::memcpy(mask.scanLine(y) + x, piece.constScanLine(y % pieceSide), pieceSide);
-            }
-        }
+        mask = RepeatedNaturalMask(side);
     }
     return mask;
 }

@@ -109,7 +109,11 @@ void PaintToolBar::AddTools()
                                .arg(tr(text.text), action->shortcut().toString(), tr(text.help)));
         addAction(action);
         widgetForAction(action)->setFocusPolicy(Qt::TabFocus);
-        connect(action, &QAction::triggered, this, [this, kind] { m_tools.Choose(kind); });
+        connect(action, &QAction::toggled, this, [this, kind](bool isOn) {
+            if (isOn) {
+                m_tools.Choose(kind);
+            }
+        });
         actions.insert(static_cast<int>(kind), action);
     }
     m_tools.SetChosen(

@@ -37,7 +37,7 @@ private:
     PaintTools& m_tools;
     QComboBox* m_fillBounds;
     QComboBox* m_within;
-    ComboBoxLayers* m_withinLayer;
+    ComboBoxLayers* m_withinLayer = nullptr;
     /// Rows come and go, and the box of layers shows what Qt makes of that.
     bool m_areRowsChanging = false;
 };

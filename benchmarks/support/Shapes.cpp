@@ -67,6 +67,19 @@ QImage NaturalMask(QSize size, quint32 seed)
     return mask;
 }
 
+QImage RepeatedNaturalMask(int side)
+{
+    constexpr int pieceSide = 2048;
+    static const QImage piece = NaturalMask({pieceSide, pieceSide}, 7);
+    QImage mask = raster::BlankMask({side, side});
+    for (int y = 0; y < side; ++y) {
+        for (int x = 0; x < side; x += pieceSide) {
+            std::memcpy(mask.scanLine(y) + x, piece.constScanLine(y % pieceSide), pieceSide);
+        }
+    }
+    return mask;
+}
+
 std::vector<QImage> ExampleMasks()
 {
     constexpr QSize size(2048, 2048);

@@ -9,6 +9,10 @@
 /// octaves (Perlin, 1985), the same for the same seed.
 QImage NaturalMask(QSize size, quint32 seed);
 
+/// A piece of such shapes, 2048 pixels a side, repeated until a mask of that side is full; side is
+/// a multiple of 2048. Made much faster than large shapes.
+QImage RepeatedNaturalMask(int side);
+
 /// The layers of the example project, 2048 x 2048 pixels each, in the order of their names.
 std::vector<QImage> ExampleMasks();
 

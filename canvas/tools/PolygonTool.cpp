@@ -28,6 +28,10 @@ void PolygonTool::DoublePress(QGraphicsSceneMouseEvent& event)
     if (IsLasso() || !IsUnderWay()) {
         Press(event);
     } else if (Begin(event)) {
+        // The first press of the two placed a corner, unless it went elsewhere.
+        if (IsAway(PositionOf(event))) {
+            AddCorner(PositionOf(event));
+        }
         Close();
     }
 }
@@ -48,25 +52,25 @@ void PolygonTool::Move(QGraphicsSceneMouseEvent& event)
 
 void PolygonTool::Release(QGraphicsSceneMouseEvent& event)
 {
-    if (IsRelease(event)) {
-        m_mouse = PositionOf(event);
-        if (IsLasso() || IsDrag()) {
-            AddCorner(m_mouse);
-        }
-        if (IsLasso()) {
-            Close();
-        } else {
-            SetHeld(false);
-        }
-    }
     MapTool::Release(event);
+    if (!IsRelease(event)) {
+        return;
+    }
+    if (IsLasso() || IsAway(PositionOf(event))) {
+        AddCorner(PositionOf(event));
+    }
+    if (IsLasso()) {
+        Close();
+    } else {
+        SetHeld(false);
+    }
 }
 
-/// Whether the mouse went away from the corner that was placed last. Hands are not quite still
-/// during a click.
-bool PolygonTool::IsDrag() const
+/// Whether the place is another one than that of the last corner. Hands are not quite still during
+/// a click.
+bool PolygonTool::IsAway(QPointF place) const
 {
-    const double way = QLineF(m_corners.last(), m_mouse).length();
+    const double way = QLineF(m_corners.last(), place).length();
     return way * static_cast<double>(Parts().view.Zoom()) >= QApplication::startDragDistance();
 }
 

@@ -25,7 +25,7 @@ private:
     bool IsLasso() const { return Kind() == PaintToolKind::Lasso; }
     void AddCorner(QPointF corner);
     void RemoveCorner();
-    bool IsDrag() const;
+    bool IsAway(QPointF place) const;
     void Close();
     void ShowOutline() const;
 

@@ -62,6 +62,7 @@ void TwoCornerTool::Move(QGraphicsSceneMouseEvent& event)
 
 void TwoCornerTool::Release(QGraphicsSceneMouseEvent& event)
 {
+    MapTool::Release(event);
     if (IsRelease(event)) {
         Follow(PositionOf(event), event.modifiers());
         if (IsLine()) {
@@ -69,7 +70,6 @@ void TwoCornerTool::Release(QGraphicsSceneMouseEvent& event)
         }
         Complete(Pixels());
     }
-    MapTool::Release(event);
 }
 
 void TwoCornerTool::FollowModifiers(Qt::KeyboardModifiers modifiers)

@@ -4,48 +4,75 @@
 #include "layers/raster/PixelBits.h"
 #include "layers/raster/PixelMemory.h"
 #include "layers/raster/SpanWriter.h"
+#include "layers/raster/WideVectors.h"
 
 #include <QtAlgorithms>
 
 #include <algorithm>
-#include <cstring>
+#include <vector>
 
 namespace raster {
 namespace {
 
 constexpr quint64 AllBits = ~quint64(0);
-constexpr quint64 HighestBit = quint64(1) << (WordLength - 1);
 
-/// One bit a pixel, clear at first. Takes memory only where something is written.
-class BitRows
+/// What is known of the pixels of a word.
+struct PixelWord
+{
+    /// Pixels that equal the seed's and are not filled.
+    quint64 open;
+    quint64 filled;
+};
+
+QUILLMAP_WIDE_VECTORS
+std::size_t FilledRuns(const PixelWord* words, int count)
+{
+    std::size_t runs = 0;
+    quint64 wasFilled = 0;
+    for (int i = 0; i < count; ++i) {
+        const quint64 filled = words[i].filled;
+        runs += qPopulationCount(filled & ~(filled << 1 | wasFilled));
+        wasFilled = filled >> (WordLength - 1);
+    }
+    return runs;
+}
+
+/// The words of a mask, all 0 at first. They take memory only where something is written.
+class PixelWords
 {
 public:
-    explicit BitRows(QSize size)
-        : m_wordCount((size.width() + WordLength - 1) / WordLength)
-        , m_memory(PixelMemory::Zeroed(sizeof(quint64) * static_cast<std::size_t>(m_wordCount) *
+    explicit PixelWords(QSize size)
+        : m_countInRow((size.width() + WordLength - 1) / WordLength)
+        , m_memory(PixelMemory::Zeroed(sizeof(PixelWord) * static_cast<std::size_t>(m_countInRow) *
                                        static_cast<std::size_t>(size.height())))
     {
     }
 
     /// True when there was no memory.
     bool IsNull() const { return m_memory.IsEmpty(); }
-    /// Of a row.
-    int WordCount() const { return m_wordCount; }
-    quint64* Row(int y) const { return m_memory.As<quint64>() + qint64(y) * m_wordCount; }
+    int CountInRow() const { return m_countInRow; }
+    PixelWord* Row(int y) { return m_memory.As<PixelWord>() + qint64(y) * m_countInRow; }
+    const PixelWord* Row(int y) const
+    {
+        return m_memory.As<PixelWord>() + qint64(y) * m_countInRow;
+    }
 
-    /// The set pixels from the first row to the last.
-    Region Pixels(int first, int last) const
+    /// The filled pixels from the first row to the last.
+    Region Filled(int first, int last) const
     {
         Region region;
         region.reserve(RunCount(first, last));
         SpanWriter writer(region);
+        std::vector<quint64> edges(static_cast<std::size_t>(m_countInRow));
         for (int y = first; y <= last; ++y) {
-            const quint64* row = Row(y);
-            writer.BeginRow(y);
-            for (int i = 0; i < m_wordCount; ++i) {
-                writer.AddPixels(i * WordLength, row[i]);
+            const PixelWord* word = Row(y);
+            quint64 wasFilled = 0;
+            for (quint64& bits : edges) {
+                bits = EdgeBits(word++->filled, wasFilled);
             }
-            writer.EndRow();
+            writer.BeginRow(y);
+            writer.AddEdges(0, edges.data(), m_countInRow);
+            writer.EndRun(m_countInRow * WordLength);
         }
         return region;
     }
@@ -55,17 +82,12 @@ private:
     {
         std::size_t count = 0;
         for (int y = first; y <= last; ++y) {
-            const quint64* row = Row(y);
-            quint64 before = 0;
-            for (int i = 0; i < m_wordCount; ++i) {
-                count += qPopulationCount(row[i] & ~(row[i] << 1 | before));
-                before = row[i] >> (WordLength - 1);
-            }
+            count += FilledRuns(Row(y), m_countInRow);
         }
         return count;
     }
 
-    int m_wordCount;
+    int m_countInRow;
     PixelMemory m_memory;
 };
 
@@ -75,17 +97,28 @@ bool HasPixel(const QImage& mask, QPoint at)
            mask.rect().contains(at);
 }
 
+/// Calls take(word, bits) for the words of a row, with the pixels that equal the value.
+template <typename Take>
+void ForEachEqual(const uchar* pixels, int width, uchar value, Take take)
+{
+    constexpr int ahead = 2048;
+    for (int x = 0; x < width; x += WordLength) {
+        Prefetch(pixels + x + ahead);
+        take(x / WordLength, EqualBits(pixels + x, width - x, value));
+    }
+}
+
 /// The runs of set bits that have a seed; all seeds are set bits.
 quint64 RunsWith(quint64 bits, quint64 seeds)
 {
-    // Up to the end of a run by the carry of an addition, which changes what lies above the lowest
-    // seed, but for the other seeds.
+    // The carry of the lowest seed clears the bits from there to the end of the run, except where
+    // there are more seeds.
     quint64 runs = (bits & ~(bits + seeds)) | seeds;
     quint64 below = bits & ~runs;
     if ((below & (runs >> 1)) == 0) {
         return runs;
     }
-    // Down to the beginning, twice as far in each step.
+    // On to the beginning of the run, twice as far in each step.
     for (int step = 1; step < WordLength; step *= 2) {
         runs |= below & (runs >> step);
         below &= below >> step;
@@ -106,6 +139,53 @@ quint64 HighestRun(quint64 bits)
     return length == 0 ? 0 : AllBits << (WordLength - length);
 }
 
+/// Some pixels of one word of a row.
+struct Piece
+{
+    int word;
+    quint64 bits;
+};
+
+/// Whole runs of a word are filled at once, so there are no more pieces in it.
+constexpr int MostPieces = WordLength / 2;
+
+void FillPiece(PixelWord* row, Piece piece, Piece*& filled)
+{
+    row[piece.word].open &= ~piece.bits;
+    row[piece.word].filled |= piece.bits;
+    *filled++ = piece;
+}
+
+/// Fills the runs of a row of count words that have a seed. Writes what it filled, and returns the
+/// end of that; there is room for MostPieces a word.
+Piece* FillRow(PixelWord* row, int count, const Piece* seed, const Piece* seedsEnd, Piece* filled)
+{
+    for (; seed != seedsEnd; ++seed) {
+        const quint64 open = row[seed->word].open;
+        const quint64 reached = seed->bits & open;
+        if (reached == 0) {
+            continue;
+        }
+        const quint64 runs = RunsWith(open, reached);
+        FillPiece(row, {seed->word, runs}, filled);
+        quint64 run = runs;
+        for (int w = seed->word + 1; w < count && (run & HighestBit) != 0; ++w) {
+            run = LowestRun(row[w].open);
+            if (run != 0) {
+                FillPiece(row, {w, run}, filled);
+            }
+        }
+        run = runs;
+        for (int w = seed->word - 1; w >= 0 && (run & 1) != 0; --w) {
+            run = HighestRun(row[w].open);
+            if (run != 0) {
+                FillPiece(row, {w, run}, filled);
+            }
+        }
+    }
+    return filled;
+}
+
 /// Fills an area, from row to row: the seed fill of Heckbert (1990), with the bits of words in
 /// place of his spans, so that narrow runs side by side are filled together. A row's new pixels are
 /// the seeds of the next one. Where they have open pixels beside them in the row they came from,
@@ -118,45 +198,43 @@ public:
         : m_masks(masks)
         , m_seed(seed)
         , m_size(masks.constFirst().size())
-        , m_open(m_size)
-        , m_filled(m_size)
+        , m_words(m_size)
+        , m_isOpened(static_cast<std::size_t>(m_size.height()), false)
+        , m_seeds(static_cast<std::size_t>(m_words.CountInRow() * MostPieces))
+        , m_filled(m_seeds.size())
     {
+        for (const QImage& mask : m_masks) {
+            m_values.push_back(mask.constScanLine(seed.y())[seed.x()]);
+        }
     }
 
     Region Area()
     {
-        if (m_open.IsNull() || m_filled.IsNull()) {
+        if (m_words.IsNull()) {
             return {};
         }
-        m_isOpened.assign(static_cast<std::size_t>(m_size.height()), false);
-        for (const QImage& mask : m_masks) {
-            m_values.push_back(mask.constScanLine(m_seed.y())[m_seed.x()]);
-        }
-        OpenRow(m_seed.y());
         const quint64 bit = quint64(1) << (m_seed.x() % WordLength);
-        FillRow(m_seed.y(), {{m_seed.x() / WordLength, bit}});
+        m_filled[0] = {m_seed.x() / WordLength, bit};
+        m_filledCount = 1;
+        Fill(m_seed.y());
+        const auto end = m_filled.cbegin() + m_filledCount;
         for (const int direction : {1, -1}) {
             m_turns.push_back({m_seed.y(), direction, m_waiting.size()});
-            m_waiting.insert(m_waiting.end(), m_filledNow.cbegin(), m_filledNow.cend());
+            m_waiting.insert(m_waiting.end(), m_filled.cbegin(), end);
         }
         while (!m_turns.empty()) {
             const Turn turn = m_turns.back();
             m_turns.pop_back();
             const auto begin = m_waiting.cbegin() + static_cast<std::ptrdiff_t>(turn.begin);
-            m_filledNow.assign(begin, m_waiting.cend());
+            std::copy(begin, m_waiting.cend(), m_filled.begin());
+            m_filledCount = m_waiting.cend() - begin;
             m_waiting.resize(turn.begin);
             Sweep(turn.y, turn.direction);
         }
-        return m_filled.Pixels(m_top, m_bottom);
+        return m_words.Filled(m_top, m_bottom);
     }
 
 private:
-    /// Pixels of one word of a row.
-    struct Piece
-    {
-        int word;
-        quint64 bits;
-    };
     /// Filled pixels of a row, from which the fill is to go on in a direction: the pieces that wait
     /// from begin on, up to those of the next turn.
     struct Turn
@@ -169,16 +247,15 @@ private:
     /// From the pixels filled last, those of row y.
     void Sweep(int y, int direction)
     {
-        while (!m_filledNow.empty() && y + direction >= 0 && y + direction < m_size.height()) {
-            const quint64* before = m_open.Row(y);
+        while (m_filledCount > 0 && y + direction >= 0 && y + direction < m_size.height()) {
+            const PixelWord* before = m_words.Row(y);
+            PrefetchRow(y + 16 * direction);
             y += direction;
-            OpenRow(y);
-            m_seeds.swap(m_filledNow);
-            FillRow(y, m_seeds);
+            Fill(y);
             const std::size_t begin = m_waiting.size();
-            for (const Piece& piece : m_filledNow) {
-                if (const quint64 beside = piece.bits & before[piece.word]) {
-                    m_waiting.push_back({piece.word, beside});
+            for (const Piece* piece = m_filled.data(); piece != FilledEnd(); ++piece) {
+                if (const quint64 beside = piece->bits & before[piece->word].open) {
+                    m_waiting.push_back({piece->word, beside});
                 }
             }
             if (m_waiting.size() > begin) {
@@ -187,78 +264,66 @@ private:
         }
     }
 
-    /// Finds the pixels of the row that equal the seed's, unless they are known.
-    void OpenRow(int y)
+    /// The processor does not foresee the rows of a narrow path.
+    void PrefetchRow(int y) const
     {
-        if (m_isOpened[static_cast<std::size_t>(y)]) {
-            return;
-        }
-        m_isOpened[static_cast<std::size_t>(y)] = true;
-        quint64* row = m_open.Row(y);
-        for (int i = 0; i < m_masks.size(); ++i) {
-            const uchar* pixels = m_masks.at(i).constScanLine(y);
-            const uchar value = m_values[static_cast<std::size_t>(i)];
-            for (int word = 0; word < m_open.WordCount(); ++word) {
-                const int x = word * WordLength;
-                const quint64 bits = EqualBits(pixels + x, m_size.width() - x, value);
-                row[word] = i == 0 ? bits : row[word] & bits;
-            }
+        if (m_filledCount <= 2 && y >= 0 && y < m_size.height()) {
+            Prefetch(m_words.Row(y) + m_filled[0].word);
         }
     }
 
-    /// Fills the runs of the row that have a seed, and keeps what it filled.
-    void FillRow(int y, const std::vector<Piece>& seeds)
+    /// Fills what the pixels filled last reach in row y, which is beside theirs.
+    void Fill(int y)
     {
-        quint64* open = m_open.Row(y);
-        quint64* filled = m_filled.Row(y);
-        m_filledNow.clear();
-        const auto fill = [this, open, filled](int word, quint64 bits) {
-            open[word] &= ~bits;
-            filled[word] |= bits;
-            m_filledNow.push_back({word, bits});
-        };
-        for (const Piece& piece : seeds) {
-            const quint64 reached = piece.bits & open[piece.word];
-            if (reached == 0) {
-                continue;
-            }
-            const quint64 runs = RunsWith(open[piece.word], reached);
-            fill(piece.word, runs);
-            quint64 run = runs;
-            for (int w = piece.word + 1; w < m_open.WordCount() && (run & HighestBit) != 0; ++w) {
-                run = LowestRun(open[w]);
-                if (run != 0) {
-                    fill(w, run);
-                }
-            }
-            run = runs;
-            for (int w = piece.word - 1; w >= 0 && (run & 1) != 0; --w) {
-                run = HighestRun(open[w]);
-                if (run != 0) {
-                    fill(w, run);
-                }
-            }
+        if (!m_isOpened[static_cast<std::size_t>(y)]) {
+            m_isOpened[static_cast<std::size_t>(y)] = true;
+            Open(y);
         }
-        if (!m_filledNow.empty()) {
+        m_seeds.swap(m_filled);
+        const Piece* const seeds = m_seeds.data();
+        Piece* const filled = m_filled.data();
+        m_filledCount =
+            FillRow(m_words.Row(y), m_words.CountInRow(), seeds, seeds + m_filledCount, filled) -
+            filled;
+        if (m_filledCount > 0) {
             m_top = std::min(m_top, y);
             m_bottom = std::max(m_bottom, y);
         }
     }
 
+    /// Finds the pixels of the row that equal the seed's.
+    void Open(int y)
+    {
+        PixelWord* row = m_words.Row(y);
+        for (int i = 0; i < m_masks.size(); ++i) {
+            const uchar* pixels = m_masks.at(i).constScanLine(y);
+            const uchar value = m_values[static_cast<std::size_t>(i)];
+            if (i == 0) {
+                ForEachEqual(pixels, m_size.width(), value,
+                             [row](int word, quint64 bits) { row[word].open = bits; });
+            } else {
+                ForEachEqual(pixels, m_size.width(), value,
+                             [row](int word, quint64 bits) { row[word].open &= bits; });
+            }
+        }
+    }
+
+    const Piece* FilledEnd() const { return m_filled.data() + m_filledCount; }
+
     const QVector<QImage>& m_masks;
     QPoint m_seed;
     QSize m_size;
     std::vector<uchar> m_values;
-    /// The pixels that equal the seed's and are not filled yet, of the rows that were opened.
-    BitRows m_open;
+    PixelWords m_words;
     std::vector<bool> m_isOpened;
-    BitRows m_filled;
-    int m_top = MaxMaskLength;
-    int m_bottom = -1;
     std::vector<Turn> m_turns;
     std::vector<Piece> m_waiting;
-    std::vector<Piece> m_filledNow;
+    /// The pixels that were filled in the row before, and those filled last.
     std::vector<Piece> m_seeds;
+    std::vector<Piece> m_filled;
+    std::ptrdiff_t m_filledCount = 0;
+    int m_top = MaxMaskLength;
+    int m_bottom = -1;
 };
 
 } // namespace
@@ -279,19 +344,16 @@ Region EqualPixels(const QImage& mask, QPoint seed)
     }
     return RegionOrNone([&mask, seed] {
         const uchar value = mask.constScanLine(seed.y())[seed.x()];
-        BitRows equal(mask.size());
-        if (equal.IsNull()) {
+        PixelWords words(mask.size());
+        if (words.IsNull()) {
             return Region();
         }
         for (int y = 0; y < mask.height(); ++y) {
-            const uchar* pixels = mask.constScanLine(y);
-            quint64* row = equal.Row(y);
-            for (int word = 0; word < equal.WordCount(); ++word) {
-                const int x = word * WordLength;
-                row[word] = EqualBits(pixels + x, mask.width() - x, value);
-            }
+            PixelWord* row = words.Row(y);
+            ForEachEqual(mask.constScanLine(y), mask.width(), value,
+                         [row](int word, quint64 bits) { row[word].filled = bits; });
         }
-        return equal.Pixels(0, mask.height() - 1);
+        return words.Filled(0, mask.height() - 1);
     });
 }
 

@@ -17,6 +17,7 @@ namespace raster {
 
 /// The number of pixels of a word.
 constexpr int WordLength = 64;
+constexpr quint64 HighestBit = quint64(1) << (WordLength - 1);
 
 /// A word whose bit i is the highest bit of byte i.
 inline quint64 HighestBits(const uchar* bytes)
@@ -54,6 +55,15 @@ inline quint64 EqualBits(const uchar* pixels, int count, uchar value)
     uchar word[WordLength];
     std::fill(std::copy_n(pixels, count, word), word + WordLength, static_cast<uchar>(~value));
     return EqualBits(word, value);
+}
+
+/// Sets the bits at which a run of set bits begins, or after which one ended. wasSet tells if the
+/// bit before the word was set, and is updated for the next word.
+inline quint64 EdgeBits(quint64 bits, quint64& wasSet)
+{
+    const quint64 edges = bits ^ (bits << 1 | wasSet);
+    wasSet = bits >> (WordLength - 1);
+    return edges;
 }
 
 } // namespace raster

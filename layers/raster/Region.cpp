@@ -1,6 +1,7 @@
 #include "layers/raster/Region.h"
 
 #include "layers/raster/Mask.h"
+#include "layers/raster/PixelBits.h"
 #include "layers/raster/SpanWriter.h"
 
 #include <algorithm>
@@ -9,13 +10,16 @@
 namespace raster {
 namespace {
 
-/// The part of a row that the mask has; empty for all rows of an image that is no mask.
-Span Clipped(const Span& span, const QImage& mask)
+/// The size of a mask; none for other images.
+QSize MaskSize(const QImage& mask)
 {
-    const bool hasRow =
-        mask.format() == QImage::Format_Indexed8 && span.y >= 0 && span.y < mask.height();
-    const int begin = std::max(span.begin, 0);
-    return {span.y, begin, std::max(begin, hasRow ? std::min(span.end, mask.width()) : 0)};
+    return mask.format() == QImage::Format_Indexed8 ? mask.size() : QSize(0, 0);
+}
+
+/// Where the part of a run ends that a mask of that size has; may be before it begins.
+int EndWithin(QSize mask, const Span& span)
+{
+    return span.y < mask.height() ? std::min<int>(span.end, mask.width()) : 0;
 }
 
 /// The lowest bits.
@@ -26,21 +30,24 @@ quint64 LowBits(int count)
 
 Region Selected(const Region& region, const QImage& mask, bool isInside)
 {
+    const QSize size = MaskSize(mask);
     Region selected;
     SpanWriter writer(selected);
     for (const Span& span : region) {
-        const Span part = Clipped(span, mask);
-        const uchar* row = part.begin < part.end ? mask.constScanLine(part.y) : nullptr;
+        const int knownEnd = EndWithin(size, span);
+        quint64 wasIn = 0;
         writer.BeginRow(span.y);
-        for (int x = std::max(span.begin, 0); x < span.end; x += WordLength) {
+        for (int x = span.begin; x < span.end; x += WordLength) {
             const int count = std::min(span.end - x, WordLength);
-            const int known = std::min(part.end - x, count);
-            const quint64 all = LowBits(count);
-            const quint64 clear =
-                known > 0 ? EqualBits(row + x, known, MaskClear) | (all & ~LowBits(known)) : all;
-            writer.AddPixels(x, isInside ? all & ~clear : clear);
+            const int known = std::clamp(knownEnd - x, 0, count);
+            const quint64 set =
+                known > 0
+                    ? LowBits(known) & ~EqualBits(mask.constScanLine(span.y) + x, known, MaskClear)
+                    : 0;
+            const quint64 edges = EdgeBits(isInside ? set : LowBits(count) & ~set, wasIn);
+            writer.AddEdges(x, &edges, 1);
         }
-        writer.EndRow();
+        writer.EndRun(span.end);
     }
     return selected;
 }
@@ -52,8 +59,8 @@ QRect Bounds(const Region& region)
     if (region.empty()) {
         return {};
     }
-    int left = region.front().begin;
-    int right = region.front().end;
+    quint16 left = region.front().begin;
+    quint16 right = region.front().end;
     for (const Span& span : region) {
         left = std::min(left, span.begin);
         right = std::max(right, span.end);
@@ -77,16 +84,17 @@ Region Restricted(const Region& region, const QImage& mask, bool isInside)
 
 void Fill(QImage& mask, const Region& region, uchar value)
 {
-    uchar* const pixels = mask.format() == QImage::Format_Indexed8 ? mask.bits() : nullptr;
+    const QSize size = MaskSize(mask);
+    uchar* const pixels = size.isEmpty() ? nullptr : mask.bits();
     if (!pixels) {
         return;
     }
     const qint64 stride = mask.bytesPerLine();
     for (const Span& span : region) {
-        const Span part = Clipped(span, mask);
-        if (part.begin < part.end) {
-            std::memset(pixels + part.y * stride + part.begin, value,
-                        static_cast<std::size_t>(part.end - part.begin));
+        const int count = EndWithin(size, span) - span.begin;
+        if (count > 0) {
+            std::memset(pixels + span.y * stride + span.begin, value,
+                        static_cast<std::size_t>(count));
         }
     }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "layers/raster/PageAllocator.h"
+
 #include <QImage>
 #include <QRect>
 
@@ -7,12 +9,20 @@
 
 namespace raster {
 
-/// Pixels of one row of a mask, from begin to before end.
+/// Pixels of one row of a mask, from begin to before end. A fill may have a hundred million of
+/// them, so they are as small as MaxMaskLength allows.
 struct Span
 {
-    int y;
-    int begin;
-    int end;
+    constexpr Span(int row, int first, int behindLast)
+        : y(static_cast<quint16>(row))
+        , begin(static_cast<quint16>(first))
+        , end(static_cast<quint16>(behindLast))
+    {
+    }
+
+    quint16 y;
+    quint16 begin;
+    quint16 end;
 };
 
 inline bool operator==(const Span& a, const Span& b)
@@ -23,7 +33,7 @@ inline bool operator==(const Span& a, const Span& b)
 /// Some pixels of a mask: a shape, or what a fill covers. The rows ascend; the spans of a row
 /// ascend too and neither overlap nor touch. No span is empty, and all lie inside of the mask.
 /// Functions that return a region return an empty one when there is no memory for it.
-using Region = std::vector<Span>;
+using Region = std::vector<Span, PageAllocator<Span>>;
 
 /// The smallest rectangle around the pixels; empty for an empty region.
 QRect Bounds(const Region& region);

@@ -1,11 +1,15 @@
 #include "layers/raster/Shapes.h"
 
 #include "layers/raster/Mask.h"
+#include "layers/raster/PixelBits.h"
 #include "layers/raster/SpanWriter.h"
+#include "layers/raster/WideVectors.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
+#include <vector>
 
 namespace raster {
 namespace {
@@ -105,7 +109,7 @@ void AddColumns(Region& region, int y, Columns columns)
         return;
     }
     if (!region.empty() && region.back().y == y && region.back().end >= columns.begin) {
-        region.back().end = std::max(region.back().end, columns.end);
+        region.back().end = static_cast<quint16>(std::max<int>(region.back().end, columns.end));
     } else {
         region.push_back({y, columns.begin, columns.end});
     }
@@ -202,6 +206,89 @@ std::vector<Edge> EdgesOf(const QVector<QPointF>& corners, int height)
     return edges;
 }
 
+/// What the sweep needs of the edges of a row, one array for each value, so that the compiler makes
+/// vectors of the loops over them.
+class ActiveEdges
+{
+public:
+    explicit ActiveEdges(std::size_t most)
+        : m_x(most)
+        , m_y(most)
+        , m_slope(most)
+        , m_endRow(most)
+        , m_pixels(most)
+    {
+    }
+
+    bool IsEmpty() const { return m_count == 0; }
+    void Add(const Edge& edge)
+    {
+        Set(m_count++, edge.x, edge.y, edge.slope, edge.endRow);
+        m_nextEnd = std::min(m_nextEnd, edge.endRow);
+    }
+    /// Drops those that end before the row.
+    void DropBefore(int row)
+    {
+        if (row < m_nextEnd) {
+            return;
+        }
+        m_nextEnd = std::numeric_limits<int>::max();
+        std::size_t kept = 0;
+        for (std::size_t i = 0; i < m_count; ++i) {
+            if (m_endRow[i] > row) {
+                m_nextEnd = std::min(m_nextEnd, m_endRow[i]);
+                Set(kept++, m_x[i], m_y[i], m_slope[i], m_endRow[i]);
+            }
+        }
+        m_count = kept;
+    }
+    /// Calls visit(pixel) for the first pixel of the row right of each edge; width if there is
+    /// none.
+    template <typename Visit>
+    void ForEachCrossing(int row, int width, Visit visit)
+    {
+        FindPixels(m_x.data(), m_y.data(), m_slope.data(), m_count, Centre(row), width,
+                   m_pixels.data());
+        for (std::size_t i = 0; i < m_count; ++i) {
+            visit(m_pixels[i]);
+        }
+    }
+
+private:
+    void Set(std::size_t i, double x, double y, double slope, int endRow)
+    {
+        m_x[i] = x;
+        m_y[i] = y;
+        m_slope[i] = slope;
+        m_endRow[i] = endRow;
+    }
+    static void FindPixels(const double* x, const double* y, const double* slope, std::size_t count,
+                           double centre, int width, int* __restrict pixels);
+
+    std::vector<double> m_x;
+    std::vector<double> m_y;
+    std::vector<double> m_slope;
+    std::vector<int> m_endRow;
+    std::vector<int> m_pixels;
+    std::size_t m_count = 0;
+    int m_nextEnd = std::numeric_limits<int>::max();
+};
+
+QUILLMAP_WIDE_VECTORS
+void ActiveEdges::FindPixels(const double* x, const double* y, const double* slope,
+                             std::size_t count, double centre, int width, int* __restrict pixels)
+{
+    const double end = width;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double from = x[i] + slope[i] * (centre - y[i]) - 0.5;
+        // The row's end, too, for the steepest slopes, which give no number.
+        const double before = from < end ? from : end;
+        const double inside = before > 0 ? before : 0;
+        const int pixel = static_cast<int>(inside);
+        pixels[i] = pixel + (pixel < inside ? 1 : 0);
+    }
+}
+
 /// Fills a polygon by the edge flags of Ackland and Weste (1981): in a row of bits, each edge turns
 /// the bit of the first pixel to its right over. So the crossings of a row need no sorting, and two
 /// in the same place undo each other.
@@ -210,6 +297,7 @@ class EdgeFlags
 public:
     EdgeFlags(const QVector<QPointF>& corners, QSize mask)
         : m_edges(EdgesOf(corners, mask.height()))
+        , m_active(m_edges.size())
         , m_width(mask.width())
         , m_flags(static_cast<std::size_t>(m_width / WordLength + 1))
     {
@@ -218,42 +306,40 @@ public:
     Region Pixels()
     {
         Region region;
+        region.reserve(LikelyRunCount());
         SpanWriter writer(region);
         auto next = m_edges.cbegin();
         int y = m_edges.empty() ? 0 : next->firstRow;
-        while (next != m_edges.cend() || !m_active.empty()) {
+        for (; next != m_edges.cend() || !m_active.IsEmpty(); ++y) {
+            m_active.DropBefore(y);
             for (; next != m_edges.cend() && next->firstRow <= y; ++next) {
-                m_active.push_back(*next);
+                m_active.Add(*next);
             }
-            FlagRow(y);
+            m_active.ForEachCrossing(y, m_width, [this](int pixel) {
+                const auto at = static_cast<unsigned>(pixel);
+                m_flags[at / WordLength] ^= quint64(1) << (at % WordLength);
+            });
             writer.BeginRow(y);
-            for (std::size_t i = 0; i < m_flags.size(); ++i) {
-                writer.AddEdges(static_cast<int>(i) * WordLength, m_flags[i]);
-                m_flags[i] = 0;
-            }
-            ++y;
+            writer.AddEdges(0, m_flags.data(), static_cast<int>(m_flags.size()));
+            std::fill(m_flags.begin(), m_flags.end(), quint64(0));
         }
         return region;
     }
 
 private:
-    void FlagRow(int y)
+    /// As many as there are when no crossings coincide, up to 24 MiB of them.
+    std::size_t LikelyRunCount() const
     {
-        for (std::size_t i = 0; i < m_active.size();) {
-            const Edge& edge = m_active[i];
-            if (edge.endRow <= y) {
-                m_active[i] = m_active.back();
-                m_active.pop_back();
-                continue;
-            }
-            const int x = FirstPixelFrom(edge.x + edge.slope * (Centre(y) - edge.y), m_width);
-            m_flags[static_cast<std::size_t>(x / WordLength)] ^= quint64(1) << (x % WordLength);
-            ++i;
+        constexpr std::size_t most = std::size_t(4) << 20;
+        std::size_t crossings = 0;
+        for (const Edge& edge : m_edges) {
+            crossings += static_cast<std::size_t>(edge.endRow - edge.firstRow);
         }
+        return std::min(crossings / 2, most);
     }
 
     std::vector<Edge> m_edges;
-    std::vector<Edge> m_active;
+    ActiveEdges m_active;
     int m_width;
     std::vector<quint64> m_flags;
 };

@@ -38,6 +38,7 @@ class tst_PolygonTool : public QObject
 private slots:
     void TakesClicks_data();
     void TakesClicks();
+    void TakesADoubleClickElsewhere();
     void TakesDrags();
     void GivesCornersBack();
     void TwoCornersPaintNothing();
@@ -84,6 +85,19 @@ void tst_PolygonTool::TakesClicks()
     QVERIFY(!canvas.view.Shape().IsShown());
     canvas.document.Undo();
     QCOMPARE(canvas.Pixels(), before);
+}
+
+/// Without the first press of a double click, its place is still a corner.
+void tst_PolygonTool::TakesADoubleClickElsewhere()
+{
+    Painting canvas;
+    canvas.Tools().Choose(PaintToolKind::Polygon);
+    const QByteArray wanted = With(canvas, Triangle({30, 10}, {150, 80}, {50, 140}), 255);
+    canvas.Click({30, 10});
+    canvas.Click({150, 80});
+    canvas.DoubleClick({50, 140});
+    canvas.Release({50, 140});
+    QCOMPARE(canvas.Pixels(), wanted);
 }
 
 void tst_PolygonTool::TakesDrags()

@@ -20,8 +20,8 @@
 
 namespace {
 
-const QStringList Tools{"toolBrush",   "toolLine",  "toolRectangle", "toolEllipse",
-                        "toolPolygon", "toolLasso", "toolFill",      "toolPick"};
+constexpr const char* Tools[] = {"toolBrush",   "toolLine",  "toolRectangle", "toolEllipse",
+                                 "toolPolygon", "toolLasso", "toolFill",      "toolPick"};
 
 /// The active window with a small project, in Paint mode.
 class PaintingWindow : public WindowFixture
@@ -43,9 +43,9 @@ public:
     QString ChosenTool() const
     {
         QStringList chosen;
-        for (const QString& name : Tools) {
-            if (Action(name.toLatin1().constData())->isChecked()) {
-                chosen.append(name);
+        for (const char* name : Tools) {
+            if (Action(name)->isChecked()) {
+                chosen.append(QLatin1String(name));
             }
         }
         return chosen.join(',');
@@ -119,8 +119,8 @@ void tst_PaintToolBar::HasAnActionForEachTool()
     const PaintingWindow fixture;
     const QStringList keys{"B", "L", "R", "E", "P", "Q", "F", "K"};
     const auto* bar = fixture.Child<QToolBar>("toolBarTools");
-    for (int i = 0; i < Tools.size(); ++i) {
-        QAction* action = fixture.Action(Tools.at(i).toLatin1().constData());
+    for (int i = 0; i < keys.size(); ++i) {
+        QAction* action = fixture.Action(Tools[i]);
         QCOMPARE(bar->actions().at(i), action);
         QVERIFY(action->isCheckable() && !action->icon().isNull());
         QCOMPARE(action->shortcut().toString(), keys.at(i));
@@ -137,13 +137,13 @@ void tst_PaintToolBar::ButtonsAndKeysChooseTools()
 {
     const PaintingWindow fixture;
     const auto* bar = fixture.Child<QToolBar>("toolBarTools");
-    for (const QString& name : Tools) {
-        QAction* action = fixture.Action(name.toLatin1().constData());
+    for (const char* name : Tools) {
+        QAction* action = fixture.Action(name);
         QTest::mouseClick(bar->widgetForAction(action), Qt::LeftButton);
-        QCOMPARE(fixture.ChosenTool(), name);
+        QCOMPARE(fixture.ChosenTool(), QString(name));
         fixture.Trigger("toolPick");
         QTest::keyClick(&fixture.View(), Qt::Key(action->shortcut()[0]));
-        QCOMPARE(fixture.ChosenTool(), name);
+        QCOMPARE(fixture.ChosenTool(), QString(name));
     }
     QTest::keyClick(&fixture.View(), Qt::Key_R);
     fixture.Drag({30, 30}, {50, 40});

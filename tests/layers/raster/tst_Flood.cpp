@@ -247,11 +247,11 @@ void tst_Flood::WithoutMemoryItIsEmpty()
     QSKIP("The sanitizers take address space as they go.");
 #endif
     const QImage blank = raster::BlankMask({16384, 16384});
-    // Each tooth is a span of twelve bytes in each row.
+    // Each tooth is a span of six bytes in each row.
     const QImage comb = Comb({4096, 4096}, 1).transformed(QTransform().rotate(90));
     {
         // Too little for the bits of the pixels, then for the spans.
-        const MemoryLimit limit(24 * AMebibyte);
+        const MemoryLimit limit(16 * AMebibyte);
         QVERIFY(raster::AreaAt({blank}, {5, 5}).empty());
         QVERIFY(raster::EqualPixels(blank, {5, 5}).empty());
         QVERIFY(raster::AreaAt({comb}, {0, 0}).empty());
