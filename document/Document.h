@@ -22,6 +22,8 @@
 #include <memory>
 #include <optional>
 
+class Formulas;
+class LiveLayers;
 class ProjectReader;
 class QDir;
 class QIODevice;
@@ -56,6 +58,12 @@ public:
     TerritoryTypeList& Types() { return m_types; }
     const TerritoryTypeList& Types() const { return m_types; }
     Brush& GetBrush() { return m_brush; }
+    /// What is known of computed layers.
+    Formulas& LayerFormulas() { return *m_formulas; }
+    const Formulas& LayerFormulas() const { return *m_formulas; }
+    /// Lets live layers follow their operands.
+    LiveLayers& Live() { return *m_live; }
+    const LiveLayers& Live() const { return *m_live; }
 
     /// The scene that shows the zones; null for none. It may be destroyed before the document.
     void SetZoneScene(QGraphicsScene* scene) { m_zoneScene = scene; }
@@ -206,6 +214,7 @@ private:
     friend class Edit;
     friend class PaintMask;
 
+    void FollowChanges();
     void AnnouncePixels(Layer* layer, const QRect& rect, const raster::MaskDelta& tiles);
     bool EditRow(QStandardItem& item, const QVariant& value, int role);
     void NotePlace(const EditPlace& place) { m_place = place; }
@@ -226,6 +235,8 @@ private:
     LayerList m_layers;
     TerritoryTypeList m_types;
     Brush m_brush;
+    std::unique_ptr<Formulas> m_formulas;
+    std::unique_ptr<LiveLayers> m_live;
     QPointer<QGraphicsScene> m_zoneScene;
     QString m_path;
     KnownFiles m_files;

@@ -4,6 +4,7 @@
 #include "document/Document.h"
 #include "document/edits/ChangeValue.h"
 #include "document/edits/EditGroup.h"
+#include "document/edits/FormulaEdits.h"
 #include "document/edits/PaintMask.h"
 #include "document/edits/Presence.h"
 #include "territories/TerritoryType.h"
@@ -146,6 +147,9 @@ std::unique_ptr<Edit> Edits::ModifyLayer(Layer& layer, const QString& name, cons
             QString(), Property::Discrete, computed, layer.Code(), code,
             [computed](Document&, const QString& value) { computed->StoreCode(value); }));
         group->Add(std::move(paint));
+        if (code != layer.Code()) {
+            group->Add(NoteComputed(layer));
+        }
     }
     return group;
 }
