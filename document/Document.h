@@ -159,7 +159,8 @@ public:
     /// The document at this path holds a part of the project: it was loaded from there, but not as
     /// a whole. Its files are known from now on, but none becomes the project's own by that.
     void NoteFiles(const QString& path);
-    /// The document, the bitmaps of its layers and the background picture as they were then.
+    /// The document, its formulas, the bitmaps of its layers and the background picture as they
+    /// were then.
     const KnownFiles& Files() const { return m_files; }
     /// Sets the folder and the file name before a load.
     void SetPlace(const QDir& folder, const QString& fileName);
@@ -185,6 +186,8 @@ signals:
     /// What marks the layer's row and decides whether its pixels may be changed: locks, and which
     /// layer is shown alone. Null means all layers.
     void LayerMarksChanged(Layer* layer);
+    /// What is known of the formula of a computed layer changed by an edit.
+    void FormulaChanged();
     /// Places or values of zones of the territory changed, or zones came or went.
     void ZonesChanged(Territory* territory);
     /// Name, colour, opacity or visibility of the territory changed, or it came or went.

@@ -146,6 +146,9 @@ void Formulas::SetFacts(const Layer& layer, const std::optional<FormulaFacts>& f
     }
     m_document.Live().Reconsider(layer);
     NoteChange();
+    if (m_document.IsApplying()) {
+        emit m_document.FormulaChanged();
+    }
 }
 
 bool Formulas::IsInStep(const Layer& layer) const
