@@ -79,6 +79,8 @@ public:
     /// Locked layers keep their pixels; all else of them may be edited. Locks are no edits, and are
     /// not in the project's files.
     bool IsLocked(const Layer& layer) const { return m_lockedIds.contains(layer.Id()); }
+    /// Also of layers that were removed and may come back.
+    const QSet<int>& LockedIds() const { return m_lockedIds; }
     void SetLocked(const Layer& layer, bool isLocked);
     /// Why the layer's pixels may not be changed by hand now, as one sentence for the user; empty
     /// when they may.
@@ -115,6 +117,7 @@ public:
     void SetFilesBusy(bool isBusy);
     /// Whether the project may be edited at all.
     void SetEditable(bool isEditable);
+    bool IsEditable() const { return m_isEditable; }
 
     bool CanUndo() const;
     bool CanRedo() const;

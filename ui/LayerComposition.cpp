@@ -61,7 +61,9 @@ void LayerComposition::FollowSolo()
 {
     if (m_document.SoloLayer() != m_solo) {
         m_solo = m_document.SoloLayer();
+        const bool isEnabled = m_view.isEnabled();
         Recompose();
+        m_view.setEnabled(isEnabled);
     }
 }
 

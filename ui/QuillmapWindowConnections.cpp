@@ -130,6 +130,11 @@ void QuillmapWindow::ConnectDocument()
             m_display->ShowBackgroundColor();
         }
     });
+    connect(m_document.get(), &Document::CurrentLayerChanged, this, [this] {
+        if (const Layer* layer = m_document->CurrentLayer()) {
+            m_brush->SetPaintColor(layer->Color().rgb());
+        }
+    });
     connect(m_document.get(), &Document::LayerChanged, this,
             [this](const Layer* layer, Document::LayerAspect aspect) {
                 const bool isCurrent = layer == m_document->CurrentLayer();

@@ -111,6 +111,8 @@ const std::vector<RandomUser::Deed>& RandomUser::Deeds()
         {"escaped stroke", 20, &RandomUser::EscapeStroke},
         {"delete key", 15, &RandomUser::PressDelete},
         {"history", 15, &RandomUser::ClickHistory},
+        {"layer action", 60, &RandomUser::LayerAction},
+        {"filter", 10, &RandomUser::FilterLayers},
     };
     return deeds;
 }
@@ -493,4 +495,37 @@ void RandomUser::ClickHistory()
     const QModelIndex index = view->model()->index(m_random.Below(view->model()->rowCount()), 0);
     view->scrollTo(index);
     QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(index).center());
+}
+
+void RandomUser::LayerAction()
+{
+    static const char* const actions[] = {
+        "actionLayerDuplicate", "actionLayerFill",     "actionLayerClear", "actionLayerInvert",
+        "actionLayerGrow",      "actionLayerShrink",   "actionLayerMerge", "actionLayerUp",
+        "actionLayerDown",      "actionLayerLock",     "actionLayerLock",  "actionLayerSolo",
+        "actionLayerSolo",      "actionLayersShowAll",
+    };
+    const char* const action = actions[m_random.Below(int(std::size(actions)))];
+    // The list would grow for ever.
+    constexpr int manyLayers = 12;
+    const bool isGrowing = qstrcmp(action, "actionLayerDuplicate") == 0;
+    if (isGrowing && Layers().Layers().size() > manyLayers) {
+        return;
+    }
+    Trigger(action);
+}
+
+void RandomUser::FilterLayers()
+{
+    if (m_random.Below(2) == 0) {
+        Trigger("actionLayerFilter");
+    }
+    if (auto* field = qobject_cast<QLineEdit*>(OneOf({"txtLayerFilter"}))) {
+        const QStringList texts{QStringLiteral("e"), QStringLiteral("LA"), QStringLiteral("xyz"),
+                                QString()};
+        field->setText(texts[m_random.Below(texts.size())]);
+        if (m_random.Below(2) == 0) {
+            QTest::keyClick(field, Qt::Key_Escape);
+        }
+    }
 }

@@ -72,6 +72,8 @@ private:
     void EscapeStroke();
     void PressDelete();
     void ClickHistory();
+    void LayerAction();
+    void FilterLayers();
 
     /// Releases the buttons and keys that are held.
     void LetGo();
@@ -88,6 +90,7 @@ private:
     void AnswerFileDialog(QWidget& dialog);
     void AnswerNewProject(QWidget& dialog);
     void AnswerCustomLayer(QWidget& dialog);
+    void AnswerLayerAction(QWidget& dialog);
     void PressAnyButton(QWidget& dialog);
 
     Random m_random;
