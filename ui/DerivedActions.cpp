@@ -11,6 +11,9 @@
 #include "ui_QuillmapWindow.h"
 
 #include <QApplication>
+#include <QSet>
+
+#include <algorithm>
 
 namespace {
 
@@ -63,50 +66,75 @@ bool DerivedActions::RefuseCycle(const QVector<int>& ids) const
     return !cycle.isEmpty();
 }
 
-/// What is to be computed so that these layers are up to date, operands first. The user is asked
-/// whether hand edits may go; those that may not are left out. An operand that was edited by hand
-/// is one of these layers only if what it is made of has changed. Nothing when a broken layer
-/// among the given ones was told of.
-std::optional<QVector<Layer*>> DerivedActions::Outdated(const QVector<int>& ids, bool isAll) const
+/// The layers, which are in order, that are not up to date, or will not be when those before are
+/// computed anew. takesEdited(layer, isStale) tells for each layer that was edited by hand whether
+/// it is one of them; stale ones would be out of date without the edits.
+template <typename TakesEdited>
+QVector<Layer*> DerivedActions::Outdated(const QVector<int>& order, TakesEdited takesEdited) const
 {
     const Formulas& formulas = m_parts.document.LayerFormulas();
-    const QVector<int> order = formulas.Graph().InOrder(ids);
+    const FormulaGraph graph = formulas.Graph();
     QVector<Layer*> outdated;
-    QVector<Layer*> edited;
-    QStringList editedNames;
-    QStringList broken;
+    QSet<int> ids;
     for (const int id : order) {
         Layer* layer = m_parts.document.Layers().LayerById(id);
+        const QVector<int>& operands = graph.FormulaOf(id)->operands;
         const FormulaState state = formulas.StateOf(*layer);
-        if (state == FormulaState::Broken) {
-            broken.append(tr("'%1' (%2)").arg(layer->text(), formulas.WhyBroken(*layer)));
-        } else if (state == FormulaState::Edited &&
-                   (isAll || ids.contains(id) || formulas.IsStale(*layer))) {
-            edited.append(layer);
-            editedNames.append(layer->text());
+        const bool isStale = formulas.IsStale(*layer) ||
+                             std::any_of(operands.begin(), operands.end(),
+                                         [&ids](int operand) { return ids.contains(operand); });
+        const bool isTaken = state == FormulaState::Edited ? takesEdited(*layer, isStale) : isStale;
+        if (state != FormulaState::Broken && isTaken) {
             outdated.append(layer);
-        } else if (state == FormulaState::OutOfDate) {
-            outdated.append(layer);
-        }
-    }
-    const QString question = tr("These layers were edited by hand: %1.\n\nAre you sure you want to "
-                                "compute them anew? The edits will be lost.");
-    if (!edited.isEmpty() && !AskYesNo(&m_parts.window, tr("Update layers"),
-                                       question.arg(editedNames.join(QStringLiteral(", "))))) {
-        for (Layer* layer : qAsConst(edited)) {
-            outdated.removeOne(layer);
-        }
-    }
-    if (!broken.isEmpty()) {
-        LogError(tr("Cannot be updated: %1.").arg(broken.join(QStringLiteral(", "))));
-        if (!isAll) {
-            return {};
+            ids.insert(id);
         }
     }
     return outdated;
 }
 
-void DerivedActions::UpdateLayers(const QVector<int>& ids, bool isAll)
+/// Tells of broken layers, which cannot be computed; false when there are none.
+bool DerivedActions::TellBroken(const QVector<int>& ids) const
+{
+    const Formulas& formulas = m_parts.document.LayerFormulas();
+    QStringList broken;
+    for (const int id : ids) {
+        const Layer& layer = *m_parts.document.Layers().LayerById(id);
+        if (formulas.StateOf(layer) == FormulaState::Broken) {
+            broken.append(tr("'%1' (%2)").arg(layer.text(), formulas.WhyBroken(layer)));
+        }
+    }
+    if (!broken.isEmpty()) {
+        LogError(tr("Cannot be updated: %1.").arg(broken.join(QStringLiteral(", "))));
+    }
+    return !broken.isEmpty();
+}
+
+/// What is to be computed so that these layers are up to date, operands first. The user is asked
+/// once whether hand edits may go. An operand that was edited by hand counts as painted, unless
+/// what it is made of has changed.
+QVector<Layer*> DerivedActions::AskOutdated(const QVector<int>& ids) const
+{
+    const QVector<int> order = m_parts.document.LayerFormulas().Graph().InOrder(ids);
+    QSet<int> edited;
+    QStringList editedNames;
+    const QVector<Layer*> outdated = Outdated(order, [&](const Layer& layer, bool isStale) {
+        if (!isStale && !ids.contains(layer.Id())) {
+            return false;
+        }
+        edited.insert(layer.Id());
+        editedNames.append(layer.text());
+        return true;
+    });
+    const QString question = tr("These layers were edited by hand: %1.\n\nAre you sure you want to "
+                                "compute them anew? The edits will be lost.");
+    if (edited.isEmpty() || AskYesNo(&m_parts.window, tr("Update layers"),
+                                     question.arg(editedNames.join(QStringLiteral(", "))))) {
+        return outdated;
+    }
+    return Outdated(order, [](const Layer&, bool) { return false; });
+}
+
+void DerivedActions::UpdateLayers(const QVector<int>& ids)
 {
     Document& document = m_parts.document;
     if (!document.CanTravel() || ids.isEmpty() || RefuseCycle(ids)) {
@@ -114,28 +142,26 @@ void DerivedActions::UpdateLayers(const QVector<int>& ids, bool isAll)
     }
     document.Live().Finish();
     document.LayerFormulas().TellChanges();
-    const std::optional<QVector<Layer*>> layers = Outdated(ids, isAll);
-    if (!layers) {
-        return;
+    const QVector<Layer*> layers = AskOutdated(ids);
+    if (!layers.isEmpty()) {
+        const WaitCursor wait;
+        document.Do(Edits::UpdateLayers(layers));
     }
-    if (layers->isEmpty()) {
+    if (!TellBroken(document.LayerFormulas().Graph().InOrder(ids)) && layers.isEmpty()) {
         LogInfo(tr("There is nothing to update."));
-        return;
     }
-    const WaitCursor wait;
-    document.Do(Edits::UpdateLayers(*layers));
 }
 
 void DerivedActions::Update()
 {
     if (const Layer* layer = m_parts.document.CurrentLayer()) {
-        UpdateLayers({layer->Id()}, false);
+        UpdateLayers({layer->Id()});
     }
 }
 
 void DerivedActions::UpdateAll()
 {
-    UpdateLayers(m_parts.document.LayerFormulas().Graph().Computed(), true);
+    UpdateLayers(m_parts.document.LayerFormulas().Graph().Computed());
 }
 
 void DerivedActions::SetLive(bool isLive)
@@ -146,14 +172,14 @@ void DerivedActions::SetLive(bool isLive)
         if (!isLive) {
             document.Live().Finish();
             document.Do(Edits::DetachLayer(*layer));
-        } else if (!RefuseCycle({layer->Id()})) {
-            const std::optional<QVector<Layer*>> layers = Outdated({layer->Id()}, false);
-            const bool isEdited = layers && !layers->contains(layer) &&
-                                  document.LayerFormulas().StateOf(*layer) == FormulaState::Edited;
-            // Without a layer that has the pixels of its formula there is nothing to follow from.
-            if (layers && !isEdited) {
+        } else if (!RefuseCycle({layer->Id()}) && !TellBroken({layer->Id()})) {
+            const QVector<Layer*> layers = AskOutdated({layer->Id()});
+            const bool staysEdited = !layers.contains(layer) && document.LayerFormulas().StateOf(
+                                                                    *layer) == FormulaState::Edited;
+            // Only a layer that has the pixels of its formula can follow.
+            if (!staysEdited) {
                 const WaitCursor wait;
-                document.Do(Edits::MakeLayerLive(*layer, *layers));
+                document.Do(Edits::MakeLayerLive(*layer, layers));
             }
         }
     }

@@ -5,8 +5,6 @@
 #include <QObject>
 #include <QVector>
 
-#include <optional>
-
 class Layer;
 class QAction;
 
@@ -23,8 +21,11 @@ private:
     void UpdateAll();
     void SetLive(bool isLive);
     bool RefuseCycle(const QVector<int>& ids) const;
-    std::optional<QVector<Layer*>> Outdated(const QVector<int>& ids, bool isAll) const;
-    void UpdateLayers(const QVector<int>& ids, bool isAll);
+    bool TellBroken(const QVector<int>& ids) const;
+    template <typename TakesEdited>
+    QVector<Layer*> Outdated(const QVector<int>& order, TakesEdited takesEdited) const;
+    QVector<Layer*> AskOutdated(const QVector<int>& ids) const;
+    void UpdateLayers(const QVector<int>& ids);
 
     EditorParts m_parts;
 };
