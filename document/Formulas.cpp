@@ -8,24 +8,6 @@
 
 #include <algorithm>
 
-namespace {
-
-QString StateText(FormulaState state)
-{
-    switch (state) {
-    case FormulaState::UpToDate:
-        return Document::tr("up to date");
-    case FormulaState::OutOfDate:
-        return Document::tr("out of date");
-    case FormulaState::Edited:
-        return Document::tr("edited by hand");
-    default:
-        return Document::tr("broken");
-    }
-}
-
-} // namespace
-
 Formulas::Formulas(Document& document)
     : m_document(document)
 {
@@ -162,59 +144,37 @@ bool Formulas::IsInStep(const Layer& layer) const
            !present.operands.contains(0);
 }
 
-Formulas::Status Formulas::StatusOf(const Layer& layer, const Formula& formula) const
+FormulaStatus Formulas::StatusOf(const Layer& layer, const Formula& formula) const
 {
-    Status status;
+    FormulaStatus status;
     status.isBroken = std::any_of(formula.operands.begin(), formula.operands.end(),
                                   [this](int id) { return !m_document.Layers().LayerById(id); });
     if (m_document.Live().IsFollowing(layer)) {
         status.isStale = m_document.Live().IsPending(layer);
     } else if (!status.isBroken) {
         const FormulaFacts present = PresentFacts(layer);
-        const FormulaFacts known = m_facts.value(layer.Id(), present);
-        status.isEdited = present.result != known.result;
-        status.isStale = present.operands != known.operands;
+        status = Compared(m_facts.value(layer.Id(), present), present);
     }
     return status;
 }
 
-const QHash<int, Formulas::Status>& Formulas::Statuses() const
+const QHash<int, FormulaStatus>& Formulas::Statuses() const
 {
     if (m_areStatusesKnown) {
         return m_statuses;
     }
-    m_statuses.clear();
-    const FormulaGraph graph = Graph();
-    const bool hasCycles = !graph.FindCycle(graph.Computed()).isEmpty();
-    const QVector<int> order = graph.InOrder(graph.Computed());
-    for (const int id : order) {
-        const Formula& formula = *graph.FormulaOf(id);
-        const Layer& layer = *m_document.Layers().LayerById(id);
-        Status status = StatusOf(layer, formula);
-        for (const int operand : formula.operands) {
-            status.isStale = status.isStale || m_statuses.value(operand).isStale;
-        }
-        status.isStale = status.isStale || (hasCycles && graph.IsInCycle(id));
-        m_statuses.insert(id, status);
-    }
+    m_statuses = StatusesOf(Graph(), [this](int id, const Formula& formula) {
+        return StatusOf(*m_document.Layers().LayerById(id), formula);
+    });
     m_areStatusesKnown = true;
     return m_statuses;
 }
 
 FormulaState Formulas::StateOf(const Layer& layer) const
 {
-    const QHash<int, Status>& statuses = Statuses();
+    const QHash<int, FormulaStatus>& statuses = Statuses();
     const auto status = statuses.constFind(layer.Id());
-    if (status == statuses.cend()) {
-        return FormulaState::None;
-    }
-    if (status->isBroken) {
-        return FormulaState::Broken;
-    }
-    if (status->isEdited) {
-        return FormulaState::Edited;
-    }
-    return status->isStale ? FormulaState::OutOfDate : FormulaState::UpToDate;
+    return status == statuses.cend() ? FormulaState::None : status->State();
 }
 
 bool Formulas::IsStale(const Layer& layer) const

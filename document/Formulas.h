@@ -1,7 +1,7 @@
 #pragma once
 
 #include "layers/FormulaFile.h"
-#include "layers/FormulaGraph.h"
+#include "layers/FormulaState.h"
 #include "layers/raster/MaskFingerprint.h"
 
 #include <QHash>
@@ -13,34 +13,6 @@
 
 class Document;
 class Layer;
-
-enum class FormulaState
-{
-    /// The layer has no formula.
-    None,
-    UpToDate,
-    /// Its operands, or what they are made of, changed since it was computed; or it depends on
-    /// itself.
-    OutOfDate,
-    /// Its pixels differ from those that were computed.
-    Edited,
-    /// An operand is missing.
-    Broken,
-};
-
-/// What masks were like when a layer was computed, as fingerprints; 0 for those that are not known.
-struct FormulaFacts
-{
-    quint64 result = 0;
-    QVector<quint64> operands;
-    /// The layer follows its operands; see LiveLayers.
-    bool isLive = false;
-
-    bool operator==(const FormulaFacts& other) const
-    {
-        return result == other.result && operands == other.operands && isLive == other.isLive;
-    }
-};
 
 /// What is known of the computed layers of a document beside their codes, which the layers hold:
 /// what they were computed from, and what has changed since. The document owns it. A layer with a
@@ -85,18 +57,11 @@ public:
     void TellChanges();
 
 private:
-    struct Status
-    {
-        bool isBroken = false;
-        bool isEdited = false;
-        bool isStale = false;
-    };
-
     void Follow(Layer* layer, int aspect, const QRect& rect);
     void Forget();
     void NoteChange();
-    const QHash<int, Status>& Statuses() const;
-    Status StatusOf(const Layer& layer, const Formula& formula) const;
+    const QHash<int, FormulaStatus>& Statuses() const;
+    FormulaStatus StatusOf(const Layer& layer, const Formula& formula) const;
     quint64 FingerprintOf(const Layer& layer) const;
     QString NameOf(int id) const;
     int IdOf(const QHash<QString, int>& ids, const QString& name);
@@ -107,7 +72,7 @@ private:
     mutable QHash<int, raster::MaskFingerprint> m_fingerprints;
     /// The names that layers had last, for those that are missing.
     mutable QHash<int, QString> m_names;
-    mutable QHash<int, Status> m_statuses;
+    mutable QHash<int, FormulaStatus> m_statuses;
     mutable bool m_areStatusesKnown = false;
     bool m_mayHaveChanged = false;
 };
