@@ -126,6 +126,12 @@ LiveLayers::LiveLayers(Document& document)
             });
     connect(&document, &Document::Painted, this,
             [this](const Layer* layer, const QRect& rect) { FollowStroke(*layer, rect); });
+    connect(&document, &Document::LayerMarksChanged, this, [this] {
+        if (HasFollowers()) {
+            // A layer may have been unlocked.
+            m_rest.start();
+        }
+    });
     connect(&document, &Document::AboutToClear, this, &LiveLayers::Forget);
 }
 
@@ -261,21 +267,23 @@ void LiveLayers::Finish()
     Announce();
 }
 
-void LiveLayers::Follow(Changes changes, qint64 budget, bool takesPending)
+void LiveLayers::Follow(Changes changes, qint64 budget, bool takesPending, int computedId)
 {
     const QScopedValueRollback<bool> following(m_isFollowing, true);
     for (const int id : qAsConst(m_order)) {
         Follower& follower = m_followers[id];
+        // Whatever else changed the layer is undone.
+        const Rects own = id == computedId ? Rects() : changes.take(id);
         Rects changed;
         for (const int operand : qAsConst(follower.formula.operands)) {
             changed += changes.value(operand);
         }
         const bool doesPending = takesPending && !follower.pending.isEmpty();
-        if (changed.isEmpty() && !doesPending) {
+        if (changed.isEmpty() && own.isEmpty() && !doesPending) {
             continue;
         }
         MarkStale(id);
-        Layer* layer = m_document.Layers().LayerById(id);
+        Layer* layer = Changeable(id);
         const std::optional<Computation> computation =
             layer ? Computation::Of(m_document.Layers(), follower.formula) : std::nullopt;
         if (!computation) {
@@ -293,7 +301,7 @@ void LiveLayers::Follow(Changes changes, qint64 budget, bool takesPending)
             budget -= cost;
             return Compute(*layer, *computation, rects);
         };
-        const Rects wanted = Grown(changed, computation->Reach());
+        const Rects wanted = Grown(changed, computation->Reach()) + own;
         std::optional<Rects> shown;
         if (doesPending) {
             shown = take(Grown(wanted + follower.pending, 0));
@@ -361,6 +369,13 @@ void LiveLayers::Announce()
     }
 }
 
+/// Null for a layer that is removed or locked; it catches up when it is there again.
+Layer* LiveLayers::Changeable(int id) const
+{
+    Layer* layer = m_document.Layers().LayerById(id);
+    return layer && !m_document.IsLocked(*layer) ? layer : nullptr;
+}
+
 void LiveLayers::Put(Follower& follower, const Rects& rects)
 {
     follower.pending += rects;
@@ -384,28 +399,26 @@ void LiveLayers::MarkStale(int id)
 /// Lets the thread compute the first layer that waits.
 void LiveLayers::Rest()
 {
-    if (m_job || m_document.IsBusy() || m_document.IsApplying()) {
-        m_rest.start();
+    const auto next = std::find_if(m_order.begin(), m_order.end(), [this](int id) {
+        return !m_followers.constFind(id)->pending.isEmpty() && Changeable(id) &&
+               Computation::Of(m_document.Layers(), m_followers.constFind(id)->formula);
+    });
+    if (next == m_order.end()) {
         return;
     }
-    for (const int id : qAsConst(m_order)) {
-        const Follower& follower = *m_followers.constFind(id);
-        const auto computation = follower.pending.isEmpty() || !m_document.Layers().LayerById(id)
-                                     ? std::nullopt
-                                     : Computation::Of(m_document.Layers(), follower.formula);
-        if (computation) {
-            Begin(id, *computation);
-            return;
-        }
+    if (m_job || m_document.IsBusy() || m_document.IsApplying()) {
+        m_rest.start();
+    } else {
+        Begin(*next);
     }
 }
 
-void LiveLayers::Begin(int id, const Computation& computation)
+void LiveLayers::Begin(int id)
 {
     m_job = std::make_shared<Job>();
     m_job->id = id;
     m_job->rects = Grown(m_followers.constFind(id)->pending, 0);
-    m_job->computation = computation;
+    m_job->computation = Computation::Of(m_document.Layers(), m_followers.constFind(id)->formula);
     m_pool.start([this, job = m_job] {
         for (const QRect& rect : qAsConst(job->rects)) {
             job->pixels.append(job->computation->Within(rect));
@@ -423,7 +436,7 @@ void LiveLayers::Take(const std::shared_ptr<Job>& job)
         return;
     }
     m_job.reset();
-    Layer* layer = m_document.Layers().LayerById(job->id);
+    Layer* layer = Changeable(job->id);
     if (job->isStale || m_isOrderStale || !layer || m_document.IsBusy() ||
         m_document.IsApplying()) {
         m_rest.start();
@@ -447,7 +460,7 @@ void LiveLayers::Take(const std::shared_ptr<Job>& job)
         m_followers[job->id].pending.clear();
         m_rest.start();
     }
-    Follow(changes, m_frameCost, false);
+    Follow(changes, m_frameCost, false, job->id);
     Announce();
     m_document.LayerFormulas().TellChanges();
     // After an undo, the document is as it was saved only now.

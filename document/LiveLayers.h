@@ -69,14 +69,17 @@ private:
     void FollowRows();
     void Forget();
     void Rebuild();
-    void Follow(Changes changes, qint64 budget, bool takesPending);
+    /// changes: also those that nobody has followed yet; those of the layer computedId are its new
+    /// pixels.
+    void Follow(Changes changes, qint64 budget, bool takesPending, int computedId = -1);
     std::optional<Rects> Compute(Layer& layer, const Computation& computation, const Rects& rects);
     std::optional<QRect> Show(Layer& layer, const QRect& rect, const QImage& pixels);
     void Announce();
+    Layer* Changeable(int id) const;
     void Put(Follower& follower, const Rects& rects);
     void MarkStale(int id);
     void Rest();
-    void Begin(int id, const Computation& computation);
+    void Begin(int id);
     void Take(const std::shared_ptr<Job>& job);
 
     Document& m_document;

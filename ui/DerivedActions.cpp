@@ -83,8 +83,8 @@ QVector<Layer*> DerivedActions::Outdated(const QVector<int>& order, TakesEdited 
         const bool isStale = formulas.IsStale(*layer) ||
                              std::any_of(operands.begin(), operands.end(),
                                          [&ids](int operand) { return ids.contains(operand); });
-        const bool isTaken = state == FormulaState::Edited ? takesEdited(*layer, isStale) : isStale;
-        if (state != FormulaState::Broken && isTaken) {
+        const bool mayChange = state != FormulaState::Broken && !m_parts.document.IsLocked(*layer);
+        if (mayChange && (state == FormulaState::Edited ? takesEdited(*layer, isStale) : isStale)) {
             outdated.append(layer);
             ids.insert(id);
         }
@@ -92,21 +92,24 @@ QVector<Layer*> DerivedActions::Outdated(const QVector<int>& order, TakesEdited 
     return outdated;
 }
 
-/// Tells of broken layers, which cannot be computed; false when there are none.
-bool DerivedActions::TellBroken(const QVector<int>& ids) const
+/// Tells of broken and locked layers, which are not computed; false when there are none.
+bool DerivedActions::TellRefused(const QVector<int>& ids) const
 {
     const Formulas& formulas = m_parts.document.LayerFormulas();
-    QStringList broken;
+    QStringList refused;
     for (const int id : ids) {
         const Layer& layer = *m_parts.document.Layers().LayerById(id);
         if (formulas.StateOf(layer) == FormulaState::Broken) {
-            broken.append(tr("'%1' (%2)").arg(layer.text(), formulas.WhyBroken(layer)));
+            refused.append(tr("'%1' (%2)").arg(layer.text(), formulas.WhyBroken(layer)));
+        } else if (m_parts.document.IsLocked(layer) &&
+                   formulas.StateOf(layer) != FormulaState::UpToDate) {
+            refused.append(tr("'%1' (it is locked)").arg(layer.text()));
         }
     }
-    if (!broken.isEmpty()) {
-        LogError(tr("Cannot be updated: %1.").arg(broken.join(QStringLiteral(", "))));
+    if (!refused.isEmpty()) {
+        LogError(tr("Cannot be updated: %1.").arg(refused.join(QStringLiteral(", "))));
     }
-    return !broken.isEmpty();
+    return !refused.isEmpty();
 }
 
 /// What is to be computed so that these layers are up to date, operands first. The user is asked
@@ -147,7 +150,7 @@ void DerivedActions::UpdateLayers(const QVector<int>& ids)
         const WaitCursor wait;
         document.Do(Edits::UpdateLayers(layers));
     }
-    if (!TellBroken(document.LayerFormulas().Graph().InOrder(ids)) && layers.isEmpty()) {
+    if (!TellRefused(document.LayerFormulas().Graph().InOrder(ids)) && layers.isEmpty()) {
         LogInfo(tr("There is nothing to update."));
     }
 }
@@ -172,7 +175,7 @@ void DerivedActions::SetLive(bool isLive)
         if (!isLive) {
             document.Live().Finish();
             document.Do(Edits::DetachLayer(*layer));
-        } else if (!RefuseCycle({layer->Id()}) && !TellBroken({layer->Id()})) {
+        } else if (!RefuseCycle({layer->Id()}) && !TellRefused({layer->Id()})) {
             const QVector<Layer*> layers = AskOutdated({layer->Id()});
             const bool staysEdited = !layers.contains(layer) && document.LayerFormulas().StateOf(
                                                                     *layer) == FormulaState::Edited;

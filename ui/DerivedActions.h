@@ -21,7 +21,7 @@ private:
     void UpdateAll();
     void SetLive(bool isLive);
     bool RefuseCycle(const QVector<int>& ids) const;
-    bool TellBroken(const QVector<int>& ids) const;
+    bool TellRefused(const QVector<int>& ids) const;
     template <typename TakesEdited>
     QVector<Layer*> Outdated(const QVector<int>& order, TakesEdited takesEdited) const;
     QVector<Layer*> AskOutdated(const QVector<int>& ids) const;

@@ -160,6 +160,8 @@ private slots:
     void LayersThatAreOutOfStepStay();
     void ChangesAreAnnouncedOnce();
     void HandsMayNotPaintOnLiveLayers();
+    void WhatChangesALiveLayerIsUndone();
+    void LockedLayersCatchUpWhenTheyAreUnlocked();
 
 private:
     static bool IsSet(const Layer& layer, QPoint at)
@@ -428,6 +430,36 @@ void tst_LiveLayers::HandsMayNotPaintOnLiveLayers()
 
     QVERIFY(document.WhyPixelsStay(*graph.all.last()).contains(QLatin1String("Layer > Live")));
     QVERIFY(document.WhyPixelsStay(*graph.painted.first()).isEmpty());
+}
+
+void tst_LiveLayers::WhatChangesALiveLayerIsUndone()
+{
+    Random random;
+    Graph graph(random);
+    const QVector<QByteArray> before = graph.Pixels();
+
+    graph.fixture.Fill(*graph.all.last(), {0, 0, Side, Side}, 99);
+    QCOMPARE(graph.Pixels(), before);
+    graph.fixture.document.Undo();
+    QCOMPARE(graph.Pixels(), before);
+}
+
+void tst_LiveLayers::LockedLayersCatchUpWhenTheyAreUnlocked()
+{
+    Random random;
+    Graph graph(random);
+    Document& document = graph.fixture.document;
+    Layer* shore = graph.Add(Dilation(*graph.painted.first(), 9));
+    const QByteArray before = Indices(shore->Image());
+
+    document.SetLocked(*shore, true);
+    graph.fixture.Fill(*graph.painted.first(), {20, 20, 150, 150}, 77);
+    document.Live().Finish();
+    QCOMPARE(Indices(shore->Image()), before);
+    QCOMPARE(document.LayerFormulas().StateOf(*shore), FormulaState::OutOfDate);
+    document.SetLocked(*shore, false);
+    QTRY_COMPARE(graph.Wrong(), QString());
+    QTRY_COMPARE(document.LayerFormulas().StateOf(*shore), FormulaState::UpToDate);
 }
 
 QTEST_MAIN(tst_LiveLayers)
