@@ -192,6 +192,10 @@ bool ProjectActions::OpenStored(const StoredProject& stored, bool asCopy)
     QBuffer device(&text);
     device.open(QIODevice::ReadOnly);
     const bool isRead = ReadFrom(device, stored.masks, QString());
+    if (isRead && !stored.formulas.isEmpty()) {
+        m_parts.document.LayerFormulas().Read(
+            ReadFormulas(stored.formulas), FormulaPath(stored.path).section(QLatin1Char('/'), -1));
+    }
     if (isRead && hasFile) {
         m_parts.document.SetPath(stored.path, stored.files);
     }
