@@ -86,15 +86,17 @@ QRect LayerPainter::Step(const Brush& brush, BrushAction action, const QRect& to
     if (!layer || m_mask.isNull()) {
         return {};
     }
+    const uchar* const before = layer->Image().constBits();
     if (!Prepare(*layer, brush, action)) {
         MissMemory(*layer);
         return {};
     }
+    const bool isOther = layer->Image().constBits() != before;
     const QRect part = action == BrushAction::None ? QRect() : Brush::PatchRect(touched, Size());
     if (!part.isEmpty() && !PaintPart(*layer, part, draw)) {
         MissMemory(*layer);
     }
-    return part;
+    return isOther ? QRect(QPoint(), Size()) : part;
 }
 
 bool LayerPainter::Prepare(Layer& layer, const Brush& brush, BrushAction action)

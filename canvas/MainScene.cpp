@@ -215,7 +215,7 @@ void MainScene::ChangeWorldVisibility(bool visible)
 void MainScene::AddLayer(Layer* layer)
 {
     if (layer) {
-        m_layersItem->Add(layer->Image(), layer->Color().rgb(), OpacityOf(*layer));
+        m_layersItem->Add(layer->Image(), layer->Color().rgb(), OpacityOf(*layer), layer->Id());
     }
 }
 
@@ -477,7 +477,11 @@ void MainScene::ReleasePixels(const Layer& layer)
     if (m_painter.GetLayer() == &layer) {
         m_painter.Load(nullptr);
     } else {
-        // One of the pictures may be its mask.
-        m_layersItem->Clear();
+        m_layersItem->Release(layer.Id());
     }
+}
+
+bool MainScene::ReplacePixels(const Layer& layer, const QRect& changed)
+{
+    return m_layersItem->Replace(layer.Id(), layer.Image(), changed);
 }

@@ -66,6 +66,9 @@ public:
     void ShowPainted(const QRect& changed);
     /// Releases all references to the layer's mask, because it is about to change in place.
     void ReleasePixels(const Layer& layer);
+    /// Shows the mask of a layer that is not being edited again. changed: where it differs from
+    /// what was shown. False when the layer is not shown.
+    bool ReplacePixels(const Layer& layer, const QRect& changed);
     /// Takes the mask of the layer being edited back.
     void ReloadPixels(Layer& layer) { m_painter.Load(&layer); }
     /// Qt's own handling, which selects and moves items.

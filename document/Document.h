@@ -22,6 +22,8 @@
 #include <memory>
 #include <optional>
 
+class Formulas;
+class LiveLayers;
 class ProjectReader;
 class QDir;
 class QIODevice;
@@ -56,6 +58,12 @@ public:
     TerritoryTypeList& Types() { return m_types; }
     const TerritoryTypeList& Types() const { return m_types; }
     Brush& GetBrush() { return m_brush; }
+    /// What is known of computed layers.
+    Formulas& LayerFormulas() { return *m_formulas; }
+    const Formulas& LayerFormulas() const { return *m_formulas; }
+    /// Lets live layers follow their operands.
+    LiveLayers& Live() { return *m_live; }
+    const LiveLayers& Live() const { return *m_live; }
 
     /// The scene that shows the zones; null for none. It may be destroyed before the document.
     void SetZoneScene(QGraphicsScene* scene) { m_zoneScene = scene; }
@@ -154,7 +162,8 @@ public:
     /// The document at this path holds a part of the project: it was loaded from there, but not as
     /// a whole. Its files are known from now on, but none becomes the project's own by that.
     void NoteFiles(const QString& path);
-    /// The document, the bitmaps of its layers and the background picture as they were then.
+    /// The document, its formulas, the bitmaps of its layers and the background picture as they
+    /// were then.
     const KnownFiles& Files() const { return m_files; }
     /// Sets the folder and the file name before a load.
     void SetPlace(const QDir& folder, const QString& fileName);
@@ -180,6 +189,8 @@ signals:
     /// What marks the layer's row and decides whether its pixels may be changed: locks, and which
     /// layer is shown alone. Null means all layers.
     void LayerMarksChanged(Layer* layer);
+    /// What is known of the formula of a computed layer changed by an edit.
+    void FormulaChanged();
     /// Places or values of zones of the territory changed, or zones came or went.
     void ZonesChanged(Territory* territory);
     /// Name, colour, opacity or visibility of the territory changed, or it came or went.
@@ -209,6 +220,7 @@ private:
     friend class Edit;
     friend class PaintMask;
 
+    void FollowChanges();
     void AnnouncePixels(Layer* layer, const QRect& rect, const raster::MaskDelta& tiles);
     bool EditRow(QStandardItem& item, const QVariant& value, int role);
     void NotePlace(const EditPlace& place) { m_place = place; }
@@ -229,6 +241,8 @@ private:
     LayerList m_layers;
     TerritoryTypeList m_types;
     Brush m_brush;
+    std::unique_ptr<Formulas> m_formulas;
+    std::unique_ptr<LiveLayers> m_live;
     QPointer<QGraphicsScene> m_zoneScene;
     QString m_path;
     KnownFiles m_files;

@@ -1,5 +1,7 @@
 #include "document/Document.h"
 
+#include "document/Formulas.h"
+
 // What the user sets of layers that is no edit: which one is current, locked or shown alone.
 
 void Document::SetCurrentLayer(Layer* layer)
@@ -29,8 +31,12 @@ void Document::SetLocked(const Layer& layer, bool isLocked)
 
 QString Document::WhyPixelsStay(const Layer& layer) const
 {
-    return IsLocked(layer) ? tr("Layer '%1' is locked; Ctrl+L unlocks it.").arg(layer.text())
-                           : QString();
+    if (IsLocked(layer)) {
+        return tr("Layer '%1' is locked; Ctrl+L unlocks it.").arg(layer.text());
+    }
+    return m_formulas->IsLive(layer)
+               ? tr("Layer '%1' follows its formula; Layer > Live detaches it.").arg(layer.text())
+               : QString();
 }
 
 void Document::SetSoloLayer(Layer* layer)

@@ -123,6 +123,8 @@ int RadiusFromCode(const QString& code)
     return colon < 0 || end < 0 ? 0 : code.midRef(colon + 1, end - colon - 1).toInt();
 }
 
+/// The product is computed in 32-bit floats, which matters for radii that are close to a whole
+/// number of pixels.
 float RadiusInPixels(int metres)
 {
     return std::trunc(static_cast<float>(metres) * ProjectSettings::Instance().PixelsPerMetreX());

@@ -42,12 +42,12 @@ QStringList SplitOperands(const QString& code);
 /// The layer ids in the code, in order. Operands that are not numbers are left out and logged.
 QList<int> ParseIds(const QString& code);
 
+/// A radius of so many metres in whole pixels of the layer size, as all operations take it. Not a
+/// finite number while the project has no sizes.
+float RadiusInPixels(int metres);
+
 /// The radius in metres; 0 if the code has none or a malformed one.
 int RadiusFromCode(const QString& code);
-
-/// The radius in whole pixels of the project's layer size. The product is computed in 32-bit
-/// floats, which matters for radii that are close to a whole number of pixels.
-float RadiusInPixels(int metres);
 
 /// The operation on masks of one size. b is that of binary operations. radius: in pixels, of
 /// morphological ones. Null for masks that do not fit, and without memory.

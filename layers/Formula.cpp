@@ -135,7 +135,7 @@ QImage Computation::Within(const QRect& rect) const
     return part == rect || result.isNull() ? result : result.copy(rect.translated(-part.topLeft()));
 }
 
-qint64 Computation::Cost(const QRect& rect) const
+qint64 Computation::Cost(const QRect& rect, qint64 limit) const
 {
     const QRect part = OperandPart(rect);
     const double area = double(part.width()) * part.height();
@@ -143,8 +143,9 @@ qint64 Computation::Cost(const QRect& rect) const
         return static_cast<qint64>(area * SetOperationCost);
     }
     const double times = IsTwofold(m_operation) ? 2 : 1;
-    const double pixelCost = IsBinaryWithin(m_operands.first(), part)
-                                 ? BinarySweepCost
-                                 : BinarySweepCost + GreyChordCost * m_reach / times;
-    return static_cast<qint64>(area * times * pixelCost);
+    const double binaryCost = area * times * BinarySweepCost;
+    if (binaryCost > static_cast<double>(limit) || IsBinaryWithin(m_operands.first(), part)) {
+        return static_cast<qint64>(binaryCost);
+    }
+    return static_cast<qint64>(binaryCost + area * GreyChordCost * m_reach);
 }

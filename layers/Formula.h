@@ -42,8 +42,9 @@ public:
     /// How far a changed pixel of an operand can change the result, in pixels to each side.
     int Reach() const { return m_reach; }
     /// About how long Within takes, in nanoseconds of a usual machine. It depends on the operation,
-    /// the area, the radius and on whether the operands have greys, and not on this machine.
-    qint64 Cost(const QRect& rect) const;
+    /// the area, the radius and on whether the operands have greys, and not on this machine. Beyond
+    /// the limit, greys are not looked for.
+    qint64 Cost(const QRect& rect, qint64 limit) const;
 
 private:
     QRect OperandPart(const QRect& rect) const;

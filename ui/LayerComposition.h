@@ -19,6 +19,7 @@ public:
 private:
     void Follow(Layer* layer, Document::LayerAspect aspect, const QRect& rect);
     void FollowSolo();
+    void ReplacePixels(const Layer& layer, const QRect& rect);
     void ForgetRows(int first, int last);
     void ForgetPictures();
 

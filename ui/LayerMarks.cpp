@@ -1,26 +1,23 @@
 #include "ui/LayerMarks.h"
 
 #include "document/Document.h"
+#include "document/Formulas.h"
 #include "ui/ProjectNotes.h"
 
 #include <QIcon>
 #include <QPainter>
 #include <QPixmap>
+#include <QPolygonF>
 
 namespace {
 
 const QString LockedGroup = QStringLiteral("lockedLayers");
 const QString SoloGroup = QStringLiteral("soloLayer");
 
-/// The colour with a padlock on it.
-QPixmap LockedPicture(const QColor& color, int scale)
+constexpr int IconSide = 16;
+
+void DrawPadlock(QPainter& painter)
 {
-    constexpr int side = 16;
-    QPixmap picture(side * scale, side * scale);
-    picture.fill(color);
-    QPainter painter(&picture);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.scale(scale, scale);
     const QRectF shackle(5.5, 2.5, 5, 8);
     painter.setPen(QPen(Qt::white, 3));
     painter.drawRoundedRect(shackle, 2.5, 2.5);
@@ -29,14 +26,45 @@ QPixmap LockedPicture(const QColor& color, int scale)
     painter.setPen(QPen(Qt::white, 1));
     painter.setBrush(Qt::black);
     painter.drawRoundedRect(QRectF(2.5, 6.5, 11, 8), 1, 1);
-    return picture;
 }
 
-QIcon LockedIcon(const QColor& color)
+/// A disc in the corner: with an arrow for layers that follow others, with an exclamation mark for
+/// those that are not up to date, and with a cross for broken ones.
+void DrawBadge(QPainter& painter, FormulaState state)
+{
+    const bool isBroken = state == FormulaState::Broken;
+    const bool isGood = state == FormulaState::UpToDate;
+    painter.setPen(QPen(Qt::white, 1));
+    painter.setBrush(isGood     ? QColor(0, 110, 50)
+                     : isBroken ? QColor(190, 0, 0)
+                                : QColor(200, 90, 0));
+    painter.drawEllipse(QRectF(7, 0.5, 8.5, 8.5));
+    painter.setPen(QPen(Qt::white, 1.4));
+    painter.setBrush(Qt::white);
+    if (isGood) {
+        painter.drawPolygon(QPolygonF({{10, 3}, {10, 6.5}, {13, 4.75}}));
+    } else if (isBroken) {
+        painter.drawLine(QPointF(9.7, 3.2), QPointF(12.8, 6.3));
+        painter.drawLine(QPointF(9.7, 6.3), QPointF(12.8, 3.2));
+    } else {
+        painter.drawLine(QPointF(11.25, 2.3), QPointF(11.25, 5));
+        painter.drawPoint(QPointF(11.25, 7.2));
+    }
+}
+
+/// The layer's colour with what draw adds to it.
+template <typename Draw>
+QIcon MarkedIcon(const QColor& color, Draw draw)
 {
     QIcon icon;
     for (const int scale : {1, 2}) {
-        const QPixmap picture = LockedPicture(color, scale);
+        QPixmap picture(IconSide * scale, IconSide * scale);
+        picture.fill(color);
+        QPainter painter(&picture);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.scale(scale, scale);
+        draw(painter);
+        painter.end();
         icon.addPixmap(picture);
         // Otherwise Qt tints it in the row that is selected.
         icon.addPixmap(picture, QIcon::Selected);
@@ -80,12 +108,27 @@ QVariant LayerMarks::Mark(const Layer& layer, int role) const
         const QString tip = ToolTip(layer);
         return tip.isEmpty() ? QVariant() : QVariant(tip);
     }
-    return m_document.IsLocked(layer) ? QVariant(LockedIcon(layer.Color())) : QVariant();
+    const Formulas& formulas = m_document.LayerFormulas();
+    const FormulaState state = formulas.StateOf(layer);
+    const bool hasBadge =
+        state != FormulaState::None && (state != FormulaState::UpToDate || formulas.IsLive(layer));
+    if (!m_document.IsLocked(layer) && !hasBadge) {
+        return {};
+    }
+    return MarkedIcon(layer.Color(), [&](QPainter& painter) {
+        if (m_document.IsLocked(layer)) {
+            DrawPadlock(painter);
+        }
+        if (hasBadge) {
+            DrawBadge(painter, state);
+        }
+    });
 }
 
 QString LayerMarks::ToolTip(const Layer& layer) const
 {
     QStringList lines;
+    const QString formula = m_document.LayerFormulas().Describe(layer);
     if (m_document.IsLocked(layer)) {
         lines.append(tr("Locked: its pixels stay as they are"));
     }
@@ -93,6 +136,10 @@ QString LayerMarks::ToolTip(const Layer& layer) const
         lines.append(tr("Only this layer is shown"));
     } else if (m_document.SoloLayer() && layer.IsVisible()) {
         lines.append(tr("Not shown while only one layer is shown"));
+    }
+    // The state of a computed layer comes last.
+    if (!formula.isEmpty()) {
+        lines.append(formula);
     }
     return lines.join(QLatin1Char('\n'));
 }

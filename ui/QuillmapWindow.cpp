@@ -12,6 +12,7 @@
 #include "territories/Zone.h"
 #include "territories/ZoneIcons.h"
 #include "ui/ChangeNotice.h"
+#include "ui/DerivedActions.h"
 #include "ui/DockHistory.h"
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
@@ -100,6 +101,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     m_gestures = std::make_unique<Gestures>(*m_document);
     m_layerMarks = std::make_unique<LayerMarks>(*m_document);
     m_layerActions = std::make_unique<LayerActions>(parts, *m_composition);
+    m_derivedActions = std::make_unique<DerivedActions>(parts);
     m_go = std::make_unique<GoActions>(parts);
     m_recent = std::make_unique<RecentProjects>(
         *m_ui->menuRecent, [this](const QString& path) { m_project->LoadFrom(path); });

@@ -10,6 +10,7 @@
 
 class BrushDock;
 class ChangeNotice;
+class DerivedActions;
 class DockHistory;
 class DockLayerProps;
 class DockLayers;
@@ -147,6 +148,7 @@ private:
     std::unique_ptr<Gestures> m_gestures;
     std::unique_ptr<LayerMarks> m_layerMarks;
     std::unique_ptr<LayerActions> m_layerActions;
+    std::unique_ptr<DerivedActions> m_derivedActions;
     std::unique_ptr<GoActions> m_go;
     std::unique_ptr<RecentProjects> m_recent;
     std::unique_ptr<FileDrops> m_drops;

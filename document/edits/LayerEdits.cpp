@@ -3,8 +3,10 @@
 #include "app/Names.h"
 #include "app/ProjectSettings.h"
 #include "document/Document.h"
+#include "document/Formulas.h"
 #include "document/edits/ChangeValue.h"
 #include "document/edits/EditGroup.h"
+#include "document/edits/FormulaEdits.h"
 #include "document/edits/PaintMask.h"
 #include "document/edits/Presence.h"
 #include "layers/raster/Mask.h"
@@ -14,6 +16,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 using Aspect = Document::LayerAspect;
@@ -153,6 +156,36 @@ void SetFlags(Document& document, const Flags& flags)
     emit document.FlagTypesChanged();
 }
 
+/// Adds a copy of a layer, which knows of its formula what the layer knew, but follows nothing.
+class AddDuplicate : public Presence<Layer>
+{
+public:
+    AddDuplicate(const QString& text, const Layer& source, std::unique_ptr<Layer> copy)
+        : Presence<Layer>(text, std::move(copy), source.row() + 1)
+        , m_source(&source)
+    {
+    }
+
+protected:
+    void Do(Document& document) override
+    {
+        if (!m_isKnown) {
+            m_isKnown = true;
+            m_facts = document.LayerFormulas().FactsOf(*m_source);
+        }
+        if (m_facts) {
+            m_facts->isLive = false;
+            document.LayerFormulas().SetFacts(Added(), m_facts);
+        }
+        Presence<Layer>::Do(document);
+    }
+
+private:
+    const Layer* m_source;
+    bool m_isKnown = false;
+    std::optional<FormulaFacts> m_facts;
+};
+
 } // namespace
 
 std::unique_ptr<Edit> Edits::AddPaintedLayer(LayerList& list, const QImage& mask)
@@ -180,8 +213,8 @@ std::unique_ptr<Edit> Edits::DuplicateLayer(Layer& layer)
                                         FreeName(layer), layer.Code());
     copy->SetImage(mask, layer.Color());
     copy->SetVisible(layer.IsVisible());
-    return std::make_unique<Presence<Layer>>(Text("Duplicate layer %1").arg(layer.text()),
-                                             std::move(copy), layer.row() + 1);
+    return std::make_unique<AddDuplicate>(Text("Duplicate layer %1").arg(layer.text()), layer,
+                                          std::move(copy));
 }
 
 std::unique_ptr<Edit> Edits::ChangePixels(const QString& text, Layer& layer, const QImage& mask)
@@ -242,6 +275,9 @@ std::unique_ptr<Edit> Edits::ModifyLayer(Layer& layer, const QString& name, cons
             QString(), Property::Discrete, computed, layer.Code(), code,
             [computed](Document&, const QString& value) { computed->StoreCode(value); }));
         group->Add(std::move(paint));
+        if (code != layer.Code()) {
+            group->Add(NoteComputed(layer));
+        }
     }
     return group;
 }

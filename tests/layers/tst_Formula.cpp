@@ -11,6 +11,8 @@
 
 #include <QtTest>
 
+#include <climits>
+
 class tst_Formula : public QObject
 {
     Q_OBJECT
@@ -139,7 +141,7 @@ void tst_Formula::CostGrowsWithAreaRadiusAndGreys()
     const int binary = AddLayer(list, FullMask({500, 500}), 0, 0)->Id();
     const int greys = AddLayer(list, grey, 0, 0)->Id();
     const auto cost = [&list](const QString& code, const QRect& rect) {
-        return Computation::Of(list, *ParseFormula(code))->Cost(rect);
+        return Computation::Of(list, *ParseFormula(code))->Cost(rect, LLONG_MAX);
     };
     const QString dilation = QStringLiteral("d(%1:%2)");
     const QRect small(240, 240, 20, 20);
