@@ -22,7 +22,7 @@ class Layer;
 class LayersItem;
 class MainView;
 class OverlayItem;
-class PaintTool;
+class PaintTools;
 class Territory;
 class WorldItem;
 class Zone;
@@ -51,6 +51,11 @@ public:
     Layer* CurrentLayer() const;
     /// By ascending id.
     QVector<Zone*> SelectedZones() const;
+
+    /// Those of the Paint mode; null without a document.
+    PaintTools* GetPaintTools() const { return m_paintTools; }
+    /// Shows over the map which tool works there.
+    void ShowToolCursor();
 
     LayerPainter& Painter() { return m_painter; }
     /// Null before ChangeBrush.
@@ -89,7 +94,7 @@ public:
     /// Ends strokes and drags where they are. Call it when another window or widget gets the mouse,
     /// because the release may never come.
     void LoseMouse();
-    /// Takes back the stroke or drag under way; false when there is none.
+    /// Takes back the stroke, drag or shape under way; false when there is none.
     bool CancelTool();
 
 signals:
@@ -148,7 +153,8 @@ private:
     LayerPainter m_painter;
     MainView* m_view;
     Document* m_document = nullptr;
-    PaintTool* m_paintTool = nullptr;
+    PaintTools* m_paintTools = nullptr;
+    bool m_hasToolCursor = false;
     /// By mode.
     std::map<SceneMode, std::unique_ptr<MapTool>> m_tools;
     QPointF m_mousePosition;

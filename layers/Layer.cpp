@@ -156,7 +156,7 @@ QVariant Layer::data(int role) const
 {
     // Without a model the layer may outlive the list.
     if (model() && m_list && (role == Qt::DecorationRole || role == Qt::ToolTipRole)) {
-        const QVariant mark = m_list->RowMark(*this, role);
+        QVariant mark = m_list->RowMark(*this, role);
         if (mark.isValid()) {
             return mark;
         }

@@ -53,6 +53,8 @@ public:
     using RowMarks = std::function<QVariant(const Layer& layer, int role)>;
     void SetRowMarks(const RowMarks& marks) { m_rowMarks = marks; }
     QVariant RowMark(const Layer& layer, int role) const;
+    /// Makes views ask again. Null means all layers.
+    void RepaintMarks(const Layer* layer) const;
 
     bool IsEmpty() const;
     /// All layers in row order; other rows are skipped.

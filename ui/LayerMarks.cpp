@@ -80,7 +80,7 @@ LayerMarks::LayerMarks(Document& document)
     document.SetRowMarks([this](const Layer& layer, int role) { return Mark(layer, role); });
     connect(&document, &Document::LayerMarksChanged, this, [this](const Layer* layer) {
         Write();
-        Repaint(layer);
+        m_document.Layers().RepaintMarks(layer);
     });
     connect(&document, &Document::AboutToClear, this, [this] {
         m_namesInFile.clear();
@@ -142,18 +142,6 @@ QString LayerMarks::ToolTip(const Layer& layer) const
         lines.append(formula);
     }
     return lines.join(QLatin1Char('\n'));
-}
-
-/// Views ask for the marks again. Null means all layers.
-void LayerMarks::Repaint(const Layer* layer)
-{
-    RowModel* model = m_document.Layers().model();
-    const int last = model->rowCount() - 1;
-    if (last >= 0) {
-        emit model->dataChanged(model->index(layer ? layer->row() : 0, 0),
-                                model->index(layer ? layer->row() : last, 0),
-                                {Qt::DecorationRole, Qt::ToolTipRole});
-    }
 }
 
 void LayerMarks::FollowFiles()

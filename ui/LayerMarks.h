@@ -36,7 +36,6 @@ private:
     QVariant Mark(const Layer& layer, int role) const;
     /// What the row tells, a line each; empty for nothing.
     QString ToolTip(const Layer& layer) const;
-    void Repaint(const Layer* layer);
     void FollowFiles();
     void Read();
     void Write();

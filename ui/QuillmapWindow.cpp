@@ -30,6 +30,7 @@
 #include "ui/LayerActions.h"
 #include "ui/LayerComposition.h"
 #include "ui/LayerMarks.h"
+#include "ui/PaintToolBar.h"
 #include "ui/ProjectActions.h"
 #include "ui/ProjectDisplay.h"
 #include "ui/RecentProjects.h"
@@ -160,6 +161,9 @@ void QuillmapWindow::AddDocks()
                                                          [this](Zone& zone) { SelectZone(zone); }},
                                     this);
     m_overview = std::make_unique<DockOverview>(*m_document, *m_ui->paintView, this);
+    m_tools = std::make_unique<PaintToolBar>(*m_document,
+                                             *m_ui->paintView->Scene()->GetPaintTools(), this);
+    addToolBar(Qt::TopToolBarArea, m_tools.get());
     addDockWidget(Qt::LeftDockWidgetArea, m_layers.get());
     addDockWidget(Qt::LeftDockWidgetArea, m_layerProps.get());
     addDockWidget(Qt::BottomDockWidgetArea, m_status.get());

@@ -31,6 +31,7 @@ class LayerActions;
 class LayerComposition;
 class LayerList;
 class LayerMarks;
+class PaintToolBar;
 class ProjectActions;
 class ProjectDisplay;
 class QGraphicsItem;
@@ -138,6 +139,7 @@ private:
     std::unique_ptr<DockHistory> m_history;
     std::unique_ptr<DockProbe> m_probe;
     std::unique_ptr<DockOverview> m_overview;
+    std::unique_ptr<PaintToolBar> m_tools;
     std::unique_ptr<LayerComposition> m_composition;
     std::unique_ptr<InteractionModes> m_modes;
     std::unique_ptr<ProjectDisplay> m_display;

@@ -24,7 +24,7 @@ QString Metres(float metres)
 QString RadiusText(int metres)
 {
     const ProjectSettings& settings = ProjectSettings::Instance();
-    const QString asked = Text("%1 m").arg(metres);
+    QString asked = Text("%1 m").arg(metres);
     const float pixels = RadiusInPixels(metres);
     const float x = pixels * settings.MetresPerPixelX();
     const float z = pixels * settings.MetresPerPixelZ();

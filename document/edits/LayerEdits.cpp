@@ -15,7 +15,6 @@
 
 #include <QSet>
 
-#include <cstring>
 #include <optional>
 #include <utility>
 
@@ -98,15 +97,15 @@ QString FreeName(const Layer& layer)
     return FreeNames(taken).Take(ToValidName(layer.text()));
 }
 
-/// With pixels of its own: those that are shared could not be painted in place.
+/// With pixels of its own: those that are shared could not be painted in place. What is clear takes
+/// no memory.
 QImage CopyOf(const QImage& mask)
 {
-    QImage copy = raster::UnfilledCopy(mask);
-    if (!copy.isNull()) {
-        for (int y = 0; y < mask.height(); ++y) {
-            std::memcpy(copy.scanLine(y), mask.constScanLine(y),
-                        static_cast<std::size_t>(mask.width()));
-        }
+    QImage copy = raster::BlankMask(mask.size());
+    const QRect used = copy.isNull() ? QRect() : raster::SetBounds(mask);
+    for (int y = used.top(); y <= used.bottom(); ++y) {
+        std::copy_n(mask.constScanLine(y) + used.left(), used.width(),
+                    copy.scanLine(y) + used.left());
     }
     return copy;
 }
@@ -228,8 +227,10 @@ std::unique_ptr<Edit> Edits::ChangePixels(const QString& text, Layer& layer, con
 
 std::unique_ptr<Edit> Edits::FillLayer(const QString& text, Layer& layer, uchar value)
 {
-    QImage mask = raster::UnfilledCopy(layer.Image());
-    mask.fill(value);
+    QImage mask = raster::BlankMask(layer.Image().size());
+    if (value != raster::MaskClear) {
+        mask.fill(value);
+    }
     return ChangePixels(text, layer, mask);
 }
 

@@ -1,5 +1,6 @@
 #include "layers/raster/RowReach.h"
 
+#include "layers/raster/PixelBits.h"
 #include "layers/raster/WideVectors.h"
 
 #include <QtAlgorithms>
@@ -7,11 +8,6 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
-
-#if defined(__SSE2__) && defined(QUILLMAP_VECTORS)
-#define QUILLMAP_SSE2
-#include <emmintrin.h>
-#endif
 
 namespace raster {
 namespace {
@@ -31,37 +27,20 @@ constexpr int BusyPeriod = 28;
 /// So many edges are found in any row before it may count as busy.
 constexpr int EdgesBeforeJudging = 16;
 
-/// The number of pixels in which the ends of runs are searched together.
-constexpr int WordLength = 64;
-
 /// Values are written in chunks of this length. Values written beyond the end are overwritten by
 /// the next ones.
 template <typename T>
 constexpr int ChunkLength = 64 / static_cast<int>(sizeof(T));
 
-/// Returns a word whose bit i is the highest bit of byte i.
-quint64 BitsOf(const uchar* bytes)
+/// The highest bits of a word's bytes or fewer; the missing ones count as equal to the last one.
+quint64 HighestBitsOf(const uchar* bytes, int count)
 {
-    quint64 bits = 0;
-#ifdef QUILLMAP_SSE2
-    for (int i = 0; i < 4; ++i) {
-        const __m128i part = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes) + i);
-        bits |= static_cast<quint64>(static_cast<quint32>(_mm_movemask_epi8(part))) << 16 * i;
+    if (count == WordLength) {
+        return HighestBits(bytes);
     }
-#else
-    for (int i = 0; i < WordLength; ++i) {
-        bits |= static_cast<quint64>(bytes[i] >> 7) << i;
-    }
-#endif
-    return bits;
-}
-
-/// The same for fewer bytes; the missing bytes count as equal to the last one.
-quint64 BitsOf(const uchar* bytes, int count)
-{
     uchar word[WordLength];
     std::fill(std::copy_n(bytes, count, word), word + WordLength, bytes[count - 1]);
-    return BitsOf(word);
+    return HighestBits(word);
 }
 
 /// Finds the bytes at which the highest bit changes, beginning with the first byte that has it (or
@@ -72,8 +51,7 @@ bool FindEdges(const uchar* bytes, int width, quint64 flipped, std::vector<int>&
     edges.clear();
     for (int start = 0; start < width; start += WordLength) {
         const int count = std::min(width - start, WordLength);
-        const quint64 bits =
-            (count == WordLength ? BitsOf(bytes + start) : BitsOf(bytes + start, count)) ^ flipped;
+        const quint64 bits = HighestBitsOf(bytes + start, count) ^ flipped;
         for (quint64 ends = bits ^ (bits << 1 | before); ends != 0; ends &= ends - 1) {
             edges.push_back(start + static_cast<int>(qCountTrailingZeroBits(ends)));
         }

@@ -113,6 +113,10 @@ const std::vector<RandomUser::Deed>& RandomUser::Deeds()
         {"history", 15, &RandomUser::ClickHistory},
         {"layer action", 60, &RandomUser::LayerAction},
         {"filter", 10, &RandomUser::FilterLayers},
+        {"tool", 120, &RandomUser::ChooseTool},
+        {"paint option", 60, &RandomUser::ChoosePaintOption},
+        {"corners", 60, &RandomUser::DrawCorners},
+        {"shape", 60, &RandomUser::DrawShape},
     };
     return deeds;
 }
@@ -247,7 +251,8 @@ void RandomUser::PressKey()
                                Qt::Key_Up,          Qt::Key_Down,
                                Qt::Key_BracketLeft, Qt::Key_BracketRight,
                                Qt::Key_Delete,      Qt::Key_Escape,
-                               Qt::Key_Return,      Qt::Key_Tab};
+                               Qt::Key_Return,      Qt::Key_Tab,
+                               Qt::Key_Backspace,   Qt::Key_Z};
     const auto key = static_cast<Qt::Key>(keys[m_random.Below(int(std::size(keys)))]);
     const Qt::KeyboardModifiers modifiers =
         m_random.Below(2) == 0 ? Qt::ControlModifier : Qt::NoModifier;
@@ -459,16 +464,6 @@ void RandomUser::Redo()
     for (int steps = m_random.Between(1, 8); steps > 0; --steps) {
         Trigger("actionRedo");
     }
-}
-
-void RandomUser::EscapeStroke()
-{
-    const Qt::MouseButton button = m_random.Below(3) == 0 ? Qt::RightButton : Qt::LeftButton;
-    Mouse(QEvent::MouseButtonPress, SomewhereOnMap(), button, button);
-    Mouse(QEvent::MouseMove, SomewhereOnMap(), Qt::NoButton, button);
-    QTest::keyClick(&View(), Qt::Key_Escape);
-    Mouse(QEvent::MouseMove, SomewhereOnMap(), Qt::NoButton, button);
-    Mouse(QEvent::MouseButtonRelease, SomewhereOnMap(), button, Qt::NoButton);
 }
 
 void RandomUser::PressDelete()

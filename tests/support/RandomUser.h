@@ -74,6 +74,10 @@ private:
     void ClickHistory();
     void LayerAction();
     void FilterLayers();
+    void ChooseTool();
+    void ChoosePaintOption();
+    void DrawCorners();
+    void DrawShape();
 
     /// Releases the buttons and keys that are held.
     void LetGo();
@@ -82,6 +86,7 @@ private:
     void Mouse(QEvent::Type type, QPoint position, Qt::MouseButton button,
                Qt::MouseButtons buttons);
     QPoint SomewhereOnMap();
+    Qt::MouseButton LeftOrRight();
     /// Returns a random visible widget of these, or null.
     QWidget* OneOf(const std::vector<const char*>& names);
     QAbstractItemView* ATree();

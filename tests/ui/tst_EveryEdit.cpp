@@ -284,6 +284,22 @@ void tst_EveryEdit::IsUndoneAndDoneAgain_data()
         },
         "Erase stroke on blue");
     row(
+        "shape", EnterPaint,
+        [](Editor& e) {
+            e.Trigger("toolEllipse");
+            e.Drag({30, 40}, {50, 54});
+        },
+        "Paint ellipse on blue");
+    row(
+        "fill within", EnterPaint,
+        [](Editor& e) {
+            e.Trigger("toolFill");
+            e.Child<QComboBox>("cboPaintWithin")->setCurrentIndex(1);
+            e.Drag({40, 40}, {40, 40});
+            e.Drag({12, 12}, {12, 12}, Qt::RightButton);
+        },
+        "Erase area on blue");
+    row(
         "add layer", Nothing, [](Editor& e) { e.Click("btnAddPainted"); }, "Add layer layer-\\d+");
     row("add computed layer", Nothing, AddComputed, "Add layer computed 0");
     row(

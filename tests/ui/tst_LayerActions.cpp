@@ -9,7 +9,9 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QDialog>
 #include <QLabel>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTest>
@@ -125,6 +127,7 @@ private slots:
     void FillsClearsAndInverts();
     void GrowsAndShrinks_data();
     void GrowsAndShrinks();
+    void CannotBeLeftWhileItComputes();
     void TheRadiusHasBounds();
     void MergesIntoAnotherLayer();
     void MergeIsCancelledAndNeedsAnother();
@@ -331,6 +334,30 @@ void tst_LayerActions::GrowsAndShrinks()
         editor.Key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
         QCOMPARE(blue.Image(), expected);
     }
+}
+
+void tst_LayerActions::CannotBeLeftWhileItComputes()
+{
+    Editor editor;
+    editor.answers.Add([](QWidget& dialog) {
+        auto* ok = dialog.findChild<QPushButton*>(QStringLiteral("btnOk"));
+        const auto* bar = dialog.findChild<QProgressBar*>(QStringLiteral("pgr"));
+        QVERIFY(!bar->isVisible());
+        // The result needs the event loop.
+        ok->click();
+        QVERIFY(bar->isVisible());
+        QCOMPARE(bar->maximum(), 0);
+        for (const char* name : {"btnOk", "btnCancel", "spnRadius"}) {
+            QVERIFY2(!dialog.findChild<QWidget*>(QLatin1String(name))->isEnabled(), name);
+        }
+        static_cast<QDialog&>(dialog).reject();
+        static_cast<QDialog&>(dialog).accept();
+        QVERIFY(!dialog.close());
+        QVERIFY(dialog.isVisible());
+        QTRY_VERIFY(!dialog.isVisible());
+    });
+    editor.Trigger("actionLayerGrow");
+    QCOMPARE(editor.Doc().History().count(), 1);
 }
 
 void tst_LayerActions::TheRadiusHasBounds()
