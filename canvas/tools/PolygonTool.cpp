@@ -7,7 +7,6 @@
 #include <QApplication>
 #include <QGraphicsSceneMouseEvent>
 #include <QKeyEvent>
-#include <QLineF>
 
 #include <utility>
 
@@ -70,8 +69,9 @@ void PolygonTool::Release(QGraphicsSceneMouseEvent& event)
 /// a click.
 bool PolygonTool::IsAway(QPointF place) const
 {
-    const double way = QLineF(m_corners.last(), place).length();
-    return way * static_cast<double>(Parts().view.Zoom()) >= QApplication::startDragDistance();
+    const MainView& view = Parts().view;
+    const QPoint way = view.mapFromScene(m_corners.last()) - view.mapFromScene(place);
+    return way.manhattanLength() >= QApplication::startDragDistance();
 }
 
 void PolygonTool::AddCorner(QPointF corner)

@@ -6,6 +6,7 @@
 #include "tests/support/Masks.h"
 #include "tests/support/Painting.h"
 
+#include <QApplication>
 #include <QTest>
 
 #include <functional>
@@ -200,6 +201,11 @@ IsIn Drawing::DrawCorners(PaintToolKind kind)
     } else if (m_random.Below(2) == 0) {
         canvas.Key(Qt::Key_Return);
     } else {
+        // Its place is a corner, unless the click before has placed that.
+        const QPoint way = canvas.view.mapFromScene(corners.last()) - pixel;
+        if (way.manhattanLength() >= QApplication::startDragDistance()) {
+            corners.append(At(pixel));
+        }
         Send(QEvent::MouseButtonDblClick, pixel, m_button, m_button);
         Send(QEvent::MouseButtonRelease, pixel, m_button, Qt::NoButton);
     }
