@@ -50,5 +50,8 @@ void WriteProjectText(QXmlStreamWriter& xml, const ProjectValues& values)
     WriteHead(xml, values.selectedRow, values.settings, values.writeBrush);
     WriteLayers(xml, values.layers);
     Write(xml, values.types, WorldScale(values.settings));
+    if (!values.formulas.empty()) {
+        WriteFormulas(xml, values.formulas);
+    }
     WriteEnd(xml);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/ProjectSettings.h"
+#include "layers/FormulaFile.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "territories/TerritoryRecords.h"
@@ -22,6 +23,9 @@ struct ProjectParts
     std::function<void()> beforeLayers;
     LayerList& layers;
     const TerritoryTypeList& types;
+    /// Gives the formulas of the computed layers, after the layers have been written; empty when
+    /// whoever saves knows nothing of formulas.
+    std::function<FormulaRecords()> formulas = {};
 };
 
 /// The same as plain values of one moment, which another thread may write.
@@ -32,10 +36,12 @@ struct ProjectValues
     std::function<void(QXmlStreamWriter&)> writeBrush;
     std::vector<LayerRecord> layers;
     std::vector<TypeRecord> types;
+    FormulaRecords formulas = {};
 };
 
 /// Writes the document, and every layer's bitmap below the project's folder. Returns how many
 /// bitmaps could not be written.
 int WriteProjectDocument(QXmlStreamWriter& xml, const ProjectParts& parts);
-/// Writes the document alone: no bitmap, no message, and names as they are.
+/// Writes the document alone: no bitmap, no message, and names as they are. Formulas, if there are
+/// any, stand at its end.
 void WriteProjectText(QXmlStreamWriter& xml, const ProjectValues& values);

@@ -52,6 +52,20 @@ void LogNotWritten(const QString& fileName)
     LogError(QStringLiteral("Failed to open file '%1' for writing.").arg(fileName));
 }
 
+/// False when there are formulas that cannot be written; without any the file goes after the save.
+bool WriteFormulaFile(OutputFile& file, const FormulaRecords& records)
+{
+    return records.empty() ||
+           (file.Open(QIODevice::Text) && file.Write(FormulaDocument(records)) && file.Commit());
+}
+
+void RemoveFormulaFile(const QString& path)
+{
+    if (QFileInfo(path).isFile() && !QFile::remove(path)) {
+        LogError(QStringLiteral("Failed to remove file '%1'.").arg(QFileInfo(path).fileName()));
+    }
+}
+
 } // namespace
 
 bool SaveProjectTo(const QString& path, const ProjectParts& parts)
@@ -69,12 +83,18 @@ bool SaveProjectTo(const QString& path, const ProjectParts& parts)
     QByteArray document;
     QXmlStreamWriter xml(&document);
     const int failures = WriteProjectDocument(xml, parts);
-    if (!file.Write(document) || !file.Commit() || !group.Commit()) {
-        const QString reason = file.ErrorString() + group.ErrorString();
+    const FormulaRecords formulas = parts.formulas ? parts.formulas() : FormulaRecords();
+    OutputFile formulaFile(FormulaPath(path));
+    if (!WriteFormulaFile(formulaFile, formulas) || !file.Write(document) || !file.Commit() ||
+        !group.Commit()) {
+        const QString reason = formulaFile.ErrorString() + file.ErrorString() + group.ErrorString();
         oldPlace.Restore();
         LogNotWritten(fileName);
         LogError(reason);
         return false;
+    }
+    if (parts.formulas && formulas.empty()) {
+        RemoveFormulaFile(FormulaPath(path));
     }
     LogSuccess(QStringLiteral("Project saved to file '%1'.").arg(fileName));
     ProjectSettings::Instance().SetModified(failures > 0);

@@ -22,15 +22,21 @@ void LayerPainter::Load(Layer* layer)
     m_wasMemoryMissed = false;
 }
 
-void LayerPainter::BeginStroke()
+void LayerPainter::BeginStroke(const PixelLimit& limit)
 {
     m_recorded = {};
+    m_limit = limit.Mask().size() == m_mask.size() ? limit : PixelLimit();
     m_isRecording = true;
 }
 
 raster::MaskDelta LayerPainter::EndStroke()
 {
     m_isRecording = false;
+    m_limit = {};
+    if (std::exchange(m_wasLimited, false)) {
+        // The next stroke may have another limit.
+        m_wasHandedOver = false;
+    }
     if (!m_recorded.DropUnchanged(m_mask)) {
         m_recorded = {};
     }
@@ -80,15 +86,17 @@ QRect LayerPainter::Step(const Brush& brush, BrushAction action, const QRect& to
     if (!layer || m_mask.isNull()) {
         return {};
     }
+    const uchar* const before = layer->Image().constBits();
     if (!Prepare(*layer, brush, action)) {
         MissMemory(*layer);
         return {};
     }
+    const bool isOther = layer->Image().constBits() != before;
     const QRect part = action == BrushAction::None ? QRect() : Brush::PatchRect(touched, Size());
     if (!part.isEmpty() && !PaintPart(*layer, part, draw)) {
         MissMemory(*layer);
     }
-    return part;
+    return isOther ? QRect(QPoint(), Size()) : part;
 }
 
 bool LayerPainter::Prepare(Layer& layer, const Brush& brush, BrushAction action)
@@ -110,9 +118,28 @@ bool LayerPainter::PaintPart(Layer& layer, const QRect& part, const Draw& draw)
         draw(patch, {part.topLeft(), Size()});
         return HandOverPart(layer, part, patch);
     }
+    if (m_limit.IsOn()) {
+        return PaintLimitedArgb(layer, part, draw);
+    }
     draw(m_argb, {});
     // If this fails, the next step hands over the whole picture.
     m_wasHandedOver = HandOverPart(layer, part, m_argb.copy(part));
+    return m_wasHandedOver;
+}
+
+bool LayerPainter::PaintLimitedArgb(Layer& layer, const QRect& part, const Draw& draw)
+{
+    QImage patch = m_argb.copy(part);
+    if (patch.isNull()) {
+        return false;
+    }
+    draw(patch, {part.topLeft(), Size()});
+    m_limit.PutBack(patch, part.topLeft(), m_argb);
+    for (int y = 0; y < part.height(); ++y) {
+        std::memcpy(m_argb.scanLine(part.y() + y) + part.x() * int(sizeof(QRgb)),
+                    patch.constScanLine(y), static_cast<std::size_t>(patch.bytesPerLine()));
+    }
+    m_wasHandedOver = HandOverPart(layer, part, patch);
     return m_wasHandedOver;
 }
 
@@ -144,8 +171,12 @@ bool LayerPainter::HandOverWhole(Layer& layer)
         return false;
     }
     // A mask with greys, or another colour's picture, changes as a whole.
-    if (m_isRecording && mask.constBits() != layer.Image().constBits() &&
-        !m_recorded.Touch(layer.Image(), layer.Image().rect())) {
+    const bool isOther = mask.constBits() != layer.Image().constBits();
+    if (isOther && m_limit.IsOn()) {
+        m_limit.PutBack(mask, {}, layer.Image());
+        m_wasLimited = true;
+    }
+    if (m_isRecording && isOther && !m_recorded.Touch(layer.Image(), layer.Image().rect())) {
         return false;
     }
     m_mask = mask;
@@ -157,9 +188,12 @@ bool LayerPainter::HandOverWhole(Layer& layer)
 
 bool LayerPainter::HandOverPart(Layer& layer, const QRect& part, const QImage& patch)
 {
-    const QImage patchMask = raster::ImageToMask(patch, layer.Color().rgb());
+    QImage patchMask = raster::ImageToMask(patch, layer.Color().rgb());
     if (patchMask.isNull()) {
         return false;
+    }
+    if (m_limit.IsOn()) {
+        m_limit.PutBack(patchMask, part.topLeft(), m_mask);
     }
     if (m_isRecording && !m_recorded.Touch(m_mask, part)) {
         return false;

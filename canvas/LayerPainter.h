@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/Tracked.h"
+#include "canvas/PixelLimit.h"
 #include "layers/raster/MaskDelta.h"
 
 #include <QImage>
@@ -40,8 +41,9 @@ public:
     QRect Dab(const Brush& brush, BrushAction action);
     QRect Segment(const Brush& brush, BrushAction action, QPointF from);
 
-    /// From here on, what the mask was like before is recorded; EndStroke returns it.
-    void BeginStroke();
+    /// From here on, what the mask was like before is recorded; EndStroke returns it. Until then
+    /// only the limit's pixels change; a limit of another size is none.
+    void BeginStroke(const PixelLimit& limit = {});
     raster::MaskDelta EndStroke();
     /// Gives the layer back the mask that it had at BeginStroke.
     void CancelStroke();
@@ -64,6 +66,7 @@ private:
     bool IsHandedOver(const Layer& layer) const;
     bool HandOverWhole(Layer& layer);
     bool HandOverPart(Layer& layer, const QRect& part, const QImage& patch);
+    bool PaintLimitedArgb(Layer& layer, const QRect& part, const Draw& draw);
     bool CopyMask();
     bool MakeArgb();
     void MissMemory(const Layer& layer);
@@ -78,6 +81,9 @@ private:
     /// What the stroke under way has changed of the mask.
     raster::MaskDelta m_recorded;
     bool m_isRecording = false;
+    PixelLimit m_limit;
+    /// The limit kept pixels that the hand-over of the whole picture would have changed.
+    bool m_wasLimited = false;
     bool m_wasHandedOver = false;
     QRgb m_handedRgb = 0;
     bool m_wasMemoryMissed = false;

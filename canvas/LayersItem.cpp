@@ -33,13 +33,41 @@ LayersItem::LayersItem(QSize size)
     setFlag(ItemUsesExtendedStyleOption);
 }
 
-void LayersItem::Add(const QImage& mask, QRgb rgb, qreal opacity)
+void LayersItem::Add(const QImage& mask, QRgb rgb, qreal opacity, int id)
 {
     if (m_size.isEmpty() || mask.isNull()) {
         return;
     }
-    m_pictures.append({mask, WithOpacity(rgb, opacity)});
+    m_pictures.append({mask, WithOpacity(rgb, opacity), id});
     PictureChanged();
+}
+
+LayersItem::Picture* LayersItem::PictureOf(int id)
+{
+    const auto found = std::find_if(m_pictures.begin(), m_pictures.end(),
+                                    [id](const Picture& picture) { return picture.id == id; });
+    return found == m_pictures.end() ? nullptr : &*found;
+}
+
+void LayersItem::Release(int id)
+{
+    if (Picture* picture = PictureOf(id)) {
+        picture->mask = QImage();
+    }
+}
+
+bool LayersItem::Replace(int id, const QImage& mask, const QRect& changed)
+{
+    Picture* picture = PictureOf(id);
+    if (!picture) {
+        return false;
+    }
+    picture->mask = mask;
+    // Smooth scaling may show a pixel beyond its border.
+    const QRectF shown = QRectF(changed).adjusted(-1, -1, 1, 1);
+    m_tiles.Drop(shown);
+    update(shown);
+    return true;
 }
 
 void LayersItem::Clear()
@@ -73,7 +101,7 @@ void LayersItem::Scale(QSize size)
                               static_cast<qreal>(size.height()) / m_size.height());
     const MaskSampler sampler(scale, m_size, {QPoint(), size});
     for (Picture& picture : m_pictures) {
-        picture.mask = sampler.Sampled(picture.mask);
+        picture.mask = picture.mask.isNull() ? QImage() : sampler.Sampled(picture.mask);
     }
     const auto isLost = [](const Picture& picture) { return picture.mask.isNull(); };
     m_pictures.erase(std::remove_if(m_pictures.begin(), m_pictures.end(), isLost),
@@ -112,6 +140,9 @@ QImage LayersItem::Compose(const QTransform& toDevice, const QRect& device) cons
     composed.fill(Qt::transparent);
     const MaskSampler sampler(toDevice, m_size, device);
     for (const Picture& picture : m_pictures) {
+        if (picture.mask.isNull()) {
+            continue;
+        }
         sampler.DrawBeneath(composed, picture.mask, picture.color);
     }
     return composed;

@@ -10,7 +10,7 @@
 #include "canvas/WorldItem.h"
 #include "canvas/tools/InsertTool.h"
 #include "canvas/tools/NoTool.h"
-#include "canvas/tools/PaintTool.h"
+#include "canvas/tools/PaintTools.h"
 #include "canvas/tools/QueryTool.h"
 #include "canvas/tools/SelectTool.h"
 #include "document/Brush.h"
@@ -85,12 +85,13 @@ void MainScene::SetDocument(Document& document)
     m_document = &document;
     document.SetZoneScene(this);
     connect(&document, &QObject::destroyed, this, &MainScene::ForgetDocument);
+    connect(&document, &Document::AboutToClear, this, [this] { m_paintTools->Leave(); });
     const MapToolParts parts{document, *this, *m_view};
-    auto paintTool = std::make_unique<PaintTool>(parts);
-    m_paintTool = paintTool.get();
+    auto paintTools = std::make_unique<PaintTools>(parts);
+    m_paintTools = paintTools.get();
     m_tools[SceneMode::None] = std::make_unique<NoTool>(parts);
     m_tools[SceneMode::Pan] = std::make_unique<NoTool>(parts);
-    m_tools[SceneMode::Paint] = std::move(paintTool);
+    m_tools[SceneMode::Paint] = std::move(paintTools);
     m_tools[SceneMode::Insert] = std::make_unique<InsertTool>(parts);
     m_tools[SceneMode::Select] = std::make_unique<SelectTool>(parts);
     m_tools[SceneMode::Query] = std::make_unique<QueryTool>(parts);
@@ -100,7 +101,7 @@ void MainScene::SetDocument(Document& document)
 void MainScene::ForgetDocument()
 {
     m_tools.clear();
-    m_paintTool = nullptr;
+    m_paintTools = nullptr;
     m_brush = nullptr;
     m_document = nullptr;
 }
@@ -214,7 +215,7 @@ void MainScene::ChangeWorldVisibility(bool visible)
 void MainScene::AddLayer(Layer* layer)
 {
     if (layer) {
-        m_layersItem->Add(layer->Image(), layer->Color().rgb(), OpacityOf(*layer));
+        m_layersItem->Add(layer->Image(), layer->Color().rgb(), OpacityOf(*layer), layer->Id());
     }
 }
 
@@ -230,8 +231,8 @@ void MainScene::ClearLayers()
 
 void MainScene::ChangeLayer(Layer* layer)
 {
-    if (m_paintTool && layer != m_painter.GetLayer()) {
-        m_paintTool->Finish();
+    if (m_paintTools) {
+        m_paintTools->FollowLayer(layer);
     }
     // Every brush step has handed its work over already, so there is nothing to hand over here.
     m_painter.Load(layer);
@@ -315,12 +316,31 @@ void MainScene::RemoveSelection()
 
 void MainScene::ChangeMode(SceneMode mode)
 {
-    if (MapTool* tool = Tool(); tool && tool->IsBusy() && mode != m_mode) {
-        tool->Finish();
+    if (MapTool* tool = Tool(); tool && tool->IsUnderWay() && mode != m_mode) {
+        if (mode == SceneMode::Pan) {
+            tool->Finish();
+        } else {
+            tool->Leave();
+        }
     }
-    m_brushCursor.setVisible(mode == SceneMode::Paint);
-    m_brushCursor.setPos(m_mousePosition);
     m_mode = mode;
+    ShowToolCursor();
+}
+
+void MainScene::ShowToolCursor()
+{
+    m_brushCursor.setVisible(m_mode == SceneMode::Paint &&
+                             (!m_paintTools || m_paintTools->ShowsBrush()));
+    m_brushCursor.setPos(m_mousePosition);
+    const MapTool* tool = Tool();
+    const Qt::CursorShape shape = tool ? tool->Cursor() : Qt::ArrowCursor;
+    // Whoever drags the map sets a cursor, too.
+    if (shape != Qt::ArrowCursor) {
+        m_view->viewport()->setCursor(shape);
+    } else if (m_hasToolCursor) {
+        m_view->viewport()->unsetCursor();
+    }
+    m_hasToolCursor = shape != Qt::ArrowCursor;
 }
 
 void MainScene::ChangeSize(int w, int h)
@@ -347,6 +367,7 @@ void MainScene::EndPan()
         m_isPanning = false;
         ChangeMode(m_savedMode);
         m_view->setDragMode(QGraphicsView::NoDrag);
+        ShowToolCursor();
         if (m_panEnded) {
             m_panEnded(m_mode);
         }
@@ -355,8 +376,8 @@ void MainScene::EndPan()
 
 void MainScene::ContinueStrokeFrom(QPointF position)
 {
-    if (m_paintTool) {
-        m_paintTool->ContinueFrom(position);
+    if (m_paintTools) {
+        m_paintTools->Brush().ContinueFrom(position);
     }
 }
 
@@ -370,11 +391,11 @@ void MainScene::LoseMouse()
 bool MainScene::CancelTool()
 {
     MapTool* tool = Tool();
-    const bool isBusy = tool && tool->IsBusy();
-    if (isBusy) {
+    const bool isUnderWay = tool && tool->IsUnderWay();
+    if (isUnderWay) {
         tool->Cancel();
     }
-    return isBusy;
+    return isUnderWay;
 }
 
 void MainScene::mousePressEvent(QGraphicsSceneMouseEvent* event)
@@ -456,7 +477,11 @@ void MainScene::ReleasePixels(const Layer& layer)
     if (m_painter.GetLayer() == &layer) {
         m_painter.Load(nullptr);
     } else {
-        // One of the pictures may be its mask.
-        m_layersItem->Clear();
+        m_layersItem->Release(layer.Id());
     }
+}
+
+bool MainScene::ReplacePixels(const Layer& layer, const QRect& changed)
+{
+    return m_layersItem->Replace(layer.Id(), layer.Image(), changed);
 }

@@ -22,7 +22,7 @@ class Layer;
 class LayersItem;
 class MainView;
 class OverlayItem;
-class PaintTool;
+class PaintTools;
 class Territory;
 class WorldItem;
 class Zone;
@@ -52,6 +52,11 @@ public:
     /// By ascending id.
     QVector<Zone*> SelectedZones() const;
 
+    /// Those of the Paint mode; null without a document.
+    PaintTools* GetPaintTools() const { return m_paintTools; }
+    /// Shows over the map which tool works there.
+    void ShowToolCursor();
+
     LayerPainter& Painter() { return m_painter; }
     /// Null before ChangeBrush.
     const Brush* GetBrush() const { return m_brush; }
@@ -61,6 +66,9 @@ public:
     void ShowPainted(const QRect& changed);
     /// Releases all references to the layer's mask, because it is about to change in place.
     void ReleasePixels(const Layer& layer);
+    /// Shows the mask of a layer that is not being edited again. changed: where it differs from
+    /// what was shown. False when the layer is not shown.
+    bool ReplacePixels(const Layer& layer, const QRect& changed);
     /// Takes the mask of the layer being edited back.
     void ReloadPixels(Layer& layer) { m_painter.Load(&layer); }
     /// Qt's own handling, which selects and moves items.
@@ -86,7 +94,7 @@ public:
     /// Ends strokes and drags where they are. Call it when another window or widget gets the mouse,
     /// because the release may never come.
     void LoseMouse();
-    /// Takes back the stroke or drag under way; false when there is none.
+    /// Takes back the stroke, drag or shape under way; false when there is none.
     bool CancelTool();
 
 signals:
@@ -145,7 +153,8 @@ private:
     LayerPainter m_painter;
     MainView* m_view;
     Document* m_document = nullptr;
-    PaintTool* m_paintTool = nullptr;
+    PaintTools* m_paintTools = nullptr;
+    bool m_hasToolCursor = false;
     /// By mode.
     std::map<SceneMode, std::unique_ptr<MapTool>> m_tools;
     QPointF m_mousePosition;

@@ -5,6 +5,7 @@
 #include "canvas/HeldKeys.h"
 #include "canvas/MainScene.h"
 #include "canvas/PlaceMark.h"
+#include "canvas/ShapeMark.h"
 #include "canvas/ViewMoves.h"
 #include "canvas/WidgetRuler.h"
 #include "canvas/tools/MapTool.h"
@@ -61,6 +62,7 @@ MainView::MainView(QWidget* parent)
     setScene(m_scene.get());
     m_moves = std::make_unique<ViewMoves>(*this);
     m_mark = std::make_unique<PlaceMark>(*this);
+    m_shape = std::make_unique<ShapeMark>(*this);
     setFocusPolicy(Qt::WheelFocus);
     setMouseTracking(true);
     setDragMode(NoDrag);
@@ -164,6 +166,7 @@ void MainView::drawBackground(QPainter* painter, const QRectF& rect)
 void MainView::drawForeground(QPainter* painter, const QRectF& rect)
 {
     QGraphicsView::drawForeground(painter, rect);
+    m_shape->Draw(*painter);
     m_mark->Draw(*painter);
 }
 
@@ -173,11 +176,28 @@ void MainView::keyPressEvent(QKeyEvent* event)
         return;
     }
     HeldKeys::Instance().RefreshModifiers();
+    TellModifiers(*event);
     MapTool* tool = m_scene->Tool();
     const bool isConsumed = (event->key() == Qt::Key_Escape && Cancel()) ||
                             (tool && tool->PressKey(*event)) || PressShortcut(event);
     if (!isConsumed) {
         QGraphicsView::keyPressEvent(event);
+    }
+}
+
+/// The modifiers of a key event are those before it.
+void MainView::TellModifiers(const QKeyEvent& event)
+{
+    Qt::KeyboardModifier changed = Qt::NoModifier;
+    if (event.key() == Qt::Key_Shift) {
+        changed = Qt::ShiftModifier;
+    } else if (event.key() == Qt::Key_Control) {
+        changed = Qt::ControlModifier;
+    }
+    MapTool* tool = m_scene->Tool();
+    if (tool && changed != Qt::NoModifier) {
+        Qt::KeyboardModifiers modifiers = event.modifiers();
+        tool->FollowModifiers(modifiers.setFlag(changed, event.type() == QEvent::KeyPress));
     }
 }
 
@@ -261,6 +281,7 @@ void MainView::keyReleaseEvent(QKeyEvent* event)
         m_scene->EndPan();
     }
     HeldKeys::Instance().Release(*event);
+    TellModifiers(*event);
     QGraphicsView::keyReleaseEvent(event);
 }
 

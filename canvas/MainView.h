@@ -10,6 +10,7 @@ class BrushDock;
 class Document;
 class MainScene;
 class PlaceMark;
+class ShapeMark;
 class QRubberBand;
 class Territory;
 class ViewMoves;
@@ -32,6 +33,8 @@ public:
     ViewMoves& Moves() { return *m_moves; }
     /// The ring that points at a place.
     PlaceMark& Mark() { return *m_mark; }
+    /// The outline of the shape that is being drawn.
+    ShapeMark& Shape() { return *m_shape; }
 
     /// Zooms and scrolls so that the scene position comes to the view pixel, as far as the map's
     /// edges allow. Rulers, label and markers follow.
@@ -97,6 +100,7 @@ protected:
 private:
     void BuildLayout();
     bool Cancel();
+    void TellModifiers(const QKeyEvent& event);
     bool PressShortcut(QKeyEvent* event);
     void PressA();
     void ResetZoom();
@@ -114,6 +118,7 @@ private:
     std::unique_ptr<MainScene> m_scene;
     std::unique_ptr<ViewMoves> m_moves;
     std::unique_ptr<PlaceMark> m_mark;
+    std::unique_ptr<ShapeMark> m_shape;
     QRubberBand* m_band;
     QPoint m_bandOrigin;
     BrushDock* m_brushDock = nullptr;

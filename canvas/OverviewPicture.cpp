@@ -95,6 +95,12 @@ void OverviewPicture::ConnectDocument()
     connect(&m_document, &Document::Painted, this,
             [this](const Layer* layer, const QRect& rect) { Stale(*layer, rect); });
     connect(&m_document, &Document::CurrentLayerChanged, this, &OverviewPicture::StaleList);
+    connect(&m_document, &Document::LayerMarksChanged, this, [this](const Layer* layer) {
+        // Only one layer is shown, or all checked ones.
+        if (!layer) {
+            StaleList();
+        }
+    });
     connect(&m_document, &Document::ZonesChanged, this, &OverviewPicture::StaleZones);
     connect(&m_document, &Document::TerritoryChanged, this, &OverviewPicture::StaleZones);
     connect(&m_document, &Document::TypeChanged, this, &OverviewPicture::StaleZones);
@@ -209,7 +215,7 @@ bool OverviewPicture::ListLayers()
     const QVector<Layer*> layers = m_document.Layers().Layers();
     QHash<int, SmallMask> masks;
     for (const Layer* layer : layers) {
-        if (layer != current && layer->IsVisible()) {
+        if (layer != current && m_document.IsShown(*layer)) {
             add(*layer);
         }
         const auto known = m_masks.find(layer->Id());

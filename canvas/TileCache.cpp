@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace {
 
@@ -30,6 +31,20 @@ void TileCache::Clear()
 {
     m_phases.clear();
     m_mostDrawn = 0;
+}
+
+void TileCache::Drop(const QRectF& changed)
+{
+    for (Phase& phase : m_phases) {
+        // A pixel more on each side covers all ways of rounding.
+        const QRect device =
+            phase.transform.mapRect(changed).toAlignedRect().adjusted(-1, -1, 1, 1);
+        for (auto tile = phase.tiles.begin(); tile != phase.tiles.end();) {
+            const QPoint topLeft(tile.key().first * TileSize, tile.key().second * TileSize);
+            const bool isHit = device.intersects({topLeft, QSize(TileSize, TileSize)});
+            tile = isHit ? phase.tiles.erase(tile) : std::next(tile);
+        }
+    }
 }
 
 TileCache::Phase& TileCache::PhaseFor(const QTransform& transform)

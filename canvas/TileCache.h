@@ -22,6 +22,9 @@ public:
     /// Drops all tiles, because the item has changed.
     void Clear();
 
+    /// Drops the tiles that show a part of the rectangle, given in the item's coordinates.
+    void Drop(const QRectF& changed);
+
     /// Draws the exposed part of the item, given in the item's coordinates. Calls make for missing
     /// tiles.
     void Draw(QPainter& painter, const QRectF& exposed, const MakeDeviceImage& make);

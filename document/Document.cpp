@@ -3,6 +3,8 @@
 #include "app/Log.h"
 #include "app/Names.h"
 #include "app/ProjectSettings.h"
+#include "document/Formulas.h"
+#include "document/LiveLayers.h"
 #include "document/edits/LayerEdits.h"
 #include "document/edits/TerritoryEdits.h"
 #include "territories/TerritoryType.h"
@@ -13,6 +15,8 @@
 
 Document::Document(QObject* parent)
     : QObject(parent)
+    , m_formulas(std::make_unique<Formulas>(*this))
+    , m_live(std::make_unique<LiveLayers>(*this))
 {
     const auto editRow = [this](QStandardItem& item, const QVariant& value, int role) {
         return EditRow(item, value, role);
@@ -49,14 +53,6 @@ bool Document::EditRow(QStandardItem& item, const QVariant& value, int role)
         return false;
     }
     return Do(Edits::Rename(item, name));
-}
-
-void Document::SetCurrentLayer(Layer* layer)
-{
-    if (layer != m_currentLayer) {
-        m_currentLayer = layer;
-        emit CurrentLayerChanged();
-    }
 }
 
 void Document::FollowCheckMark(QStandardItem& row)
@@ -103,12 +99,20 @@ bool Document::Do(std::unique_ptr<Edit> edit)
         m_endOfKept = NoEnd;
         m_history.push(edit.release());
     }
+    FollowChanges();
     if (setsModified) {
         ProjectSettings::Instance().SetModified(true);
     }
     FitHistory();
     emit HistoryChanged();
     return true;
+}
+
+/// Live layers follow what an edit changed.
+void Document::FollowChanges()
+{
+    m_live->Settle();
+    m_formulas->TellChanges();
 }
 
 void Document::NoteChange()
@@ -183,6 +187,7 @@ void Document::FollowIndex()
         return;
     }
     EndGesture();
+    FollowChanges();
     const QScopedValueRollback<bool> applying(m_isApplying, true);
     ShowModified();
     FitHistory();
@@ -298,10 +303,13 @@ void Document::Clear()
     ClearHistory();
     SetPath({});
     m_currentLayer = nullptr;
+    m_soloLayer = nullptr;
+    m_lockedIds.clear();
     m_currentTerritory = nullptr;
     m_zoneTemplate.reset();
     m_layers.Clear();
     m_types.Clear();
+    emit LayerMarksChanged(nullptr);
 }
 
 void Document::ClearHistory()

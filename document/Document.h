@@ -15,12 +15,15 @@
 #include <QObject>
 #include <QPointer>
 #include <QRect>
+#include <QSet>
 #include <QUndoStack>
 
 #include <limits>
 #include <memory>
 #include <optional>
 
+class Formulas;
+class LiveLayers;
 class ProjectReader;
 class QDir;
 class QIODevice;
@@ -55,6 +58,12 @@ public:
     TerritoryTypeList& Types() { return m_types; }
     const TerritoryTypeList& Types() const { return m_types; }
     Brush& GetBrush() { return m_brush; }
+    /// What is known of computed layers.
+    Formulas& LayerFormulas() { return *m_formulas; }
+    const Formulas& LayerFormulas() const { return *m_formulas; }
+    /// Lets live layers follow their operands.
+    LiveLayers& Live() { return *m_live; }
+    const LiveLayers& Live() const { return *m_live; }
 
     /// The scene that shows the zones; null for none. It may be destroyed before the document.
     void SetZoneScene(QGraphicsScene* scene) { m_zoneScene = scene; }
@@ -62,9 +71,28 @@ public:
 
     /// The layer that is painted, and the territory whose zones are edited; null for none.
     Layer* CurrentLayer() const { return m_currentLayer; }
+    /// While only one layer is shown, another current layer is shown instead of it.
     void SetCurrentLayer(Layer* layer);
     Territory* CurrentTerritory() const { return m_currentTerritory; }
     void SetCurrentTerritory(Territory* territory) { m_currentTerritory = territory; }
+
+    /// Locked layers keep their pixels; all else of them may be edited. Locks are no edits, and are
+    /// not in the project's files.
+    bool IsLocked(const Layer& layer) const { return m_lockedIds.contains(layer.Id()); }
+    /// Also of layers that were removed and may come back.
+    const QSet<int>& LockedIds() const { return m_lockedIds; }
+    void SetLocked(const Layer& layer, bool isLocked);
+    /// Why the layer's pixels may not be changed by hand now, as one sentence for the user; empty
+    /// when they may.
+    QString WhyPixelsStay(const Layer& layer) const;
+    /// The only layer that the map shows, whatever the check marks say; null when the map shows
+    /// the checked ones. It ends with the layer.
+    Layer* SoloLayer() const { return m_soloLayer; }
+    void SetSoloLayer(Layer* layer);
+    /// Whether the map shows the layer also while it is not the current one.
+    bool IsShown(const Layer& layer) const;
+    /// What the rows of layers show beside name and colour; see LayerList::SetRowMarks.
+    void SetRowMarks(const LayerList::RowMarks& marks);
 
     /// Shows or hides what the row of a type or territory stands for, as its check mark says. The
     /// territories of a type get its mark; the current territory stays visible.
@@ -89,6 +117,7 @@ public:
     void SetFilesBusy(bool isBusy);
     /// Whether the project may be edited at all.
     void SetEditable(bool isEditable);
+    bool IsEditable() const { return m_isEditable; }
 
     bool CanUndo() const;
     bool CanRedo() const;
@@ -133,7 +162,8 @@ public:
     /// The document at this path holds a part of the project: it was loaded from there, but not as
     /// a whole. Its files are known from now on, but none becomes the project's own by that.
     void NoteFiles(const QString& path);
-    /// The document, the bitmaps of its layers and the background picture as they were then.
+    /// The document, its formulas, the bitmaps of its layers and the background picture as they
+    /// were then.
     const KnownFiles& Files() const { return m_files; }
     /// Sets the folder and the file name before a load.
     void SetPlace(const QDir& folder, const QString& fileName);
@@ -156,6 +186,11 @@ signals:
     /// is taken back.
     void Painted(Layer* layer, const QRect& rect);
     void CurrentLayerChanged();
+    /// What marks the layer's row and decides whether its pixels may be changed: locks, and which
+    /// layer is shown alone. Null means all layers.
+    void LayerMarksChanged(Layer* layer);
+    /// What is known of the formula of a computed layer changed by an edit.
+    void FormulaChanged();
     /// Places or values of zones of the territory changed, or zones came or went.
     void ZonesChanged(Territory* territory);
     /// Name, colour, opacity or visibility of the territory changed, or it came or went.
@@ -185,6 +220,7 @@ private:
     friend class Edit;
     friend class PaintMask;
 
+    void FollowChanges();
     void AnnouncePixels(Layer* layer, const QRect& rect, const raster::MaskDelta& tiles);
     bool EditRow(QStandardItem& item, const QVariant& value, int role);
     void NotePlace(const EditPlace& place) { m_place = place; }
@@ -205,10 +241,15 @@ private:
     LayerList m_layers;
     TerritoryTypeList m_types;
     Brush m_brush;
+    std::unique_ptr<Formulas> m_formulas;
+    std::unique_ptr<LiveLayers> m_live;
     QPointer<QGraphicsScene> m_zoneScene;
     QString m_path;
     KnownFiles m_files;
     Tracked<Layer> m_currentLayer;
+    Tracked<Layer> m_soloLayer;
+    /// Ids are never reused, so a removed layer that comes back is still locked.
+    QSet<int> m_lockedIds;
     Tracked<Territory> m_currentTerritory;
     std::optional<ZoneValues> m_zoneTemplate;
     /// Outlives the history, whose edits leave it as they die.

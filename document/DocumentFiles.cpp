@@ -1,8 +1,10 @@
 #include "app/ProjectReader.h"
 #include "app/ProjectSettings.h"
 #include "document/Document.h"
+#include "layers/FormulaFile.h"
 
 #include <QDir>
+#include <QFileInfo>
 
 // How a document begins, and how files replace what it holds.
 
@@ -47,6 +49,9 @@ void Document::SetPath(const QString& path)
 void Document::NoteFiles(const QString& path)
 {
     m_files.Note(path);
+    if (QFileInfo::exists(FormulaPath(path))) {
+        m_files.Note(FormulaPath(path));
+    }
     const QVector<Layer*> layers = m_layers.Layers();
     for (const Layer* layer : layers) {
         m_files.Note(Settings().LayerPath(layer->text()));

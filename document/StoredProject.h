@@ -19,4 +19,6 @@ struct StoredProject
     QString folder = {};
     /// The files on disk that are the project's own, apart from other files beside them.
     QStringList files = {};
+    /// The document of the formulas, where they are not in the text; empty for none.
+    QByteArray formulas = {};
 };

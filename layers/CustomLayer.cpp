@@ -2,6 +2,7 @@
 
 #include "app/Log.h"
 #include "app/ProjectSettings.h"
+#include "layers/Formula.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "layers/raster/Morphology.h"
@@ -55,46 +56,6 @@ QImage ScaledMask(const LayerList& list, int id, int width, int height)
         return {};
     }
     return layer->Image().scaled(width, height, Qt::IgnoreAspectRatio, Qt::FastTransformation);
-}
-
-/// The radius in whole pixels of the layer size. The product is computed in 32-bit floats, which
-/// matters for radii that are close to a whole number of pixels.
-float RadiusInPixels(const QString& code)
-{
-    const auto metres = static_cast<float>(RadiusFromCode(code));
-    return std::trunc(metres * ProjectSettings::Instance().PixelsPerMetreX());
-}
-
-QImage EvaluateUnary(int operation, const QImage& mask, const QString& code)
-{
-    switch (operation) {
-    case OperationComplement:
-        return raster::Complement(mask);
-    case OperationErosion:
-        return raster::Erode(mask, RadiusInPixels(code));
-    case OperationDilation:
-        return raster::Dilate(mask, RadiusInPixels(code));
-    case OperationOpening:
-        return raster::Open(mask, RadiusInPixels(code));
-    case OperationClosing:
-        return raster::Close(mask, RadiusInPixels(code));
-    default:
-        return {};
-    }
-}
-
-QImage EvaluateBinary(int operation, const QImage& a, const QImage& b)
-{
-    switch (operation) {
-    case OperationUnion:
-        return raster::Union(a, b);
-    case OperationIntersection:
-        return raster::Intersection(a, b);
-    case OperationDifference:
-        return raster::Difference(a, b);
-    default:
-        return {};
-    }
 }
 
 } // namespace
@@ -162,6 +123,37 @@ int RadiusFromCode(const QString& code)
     return colon < 0 || end < 0 ? 0 : code.midRef(colon + 1, end - colon - 1).toInt();
 }
 
+/// The product is computed in 32-bit floats, which matters for radii that are close to a whole
+/// number of pixels.
+float RadiusInPixels(int metres)
+{
+    return std::trunc(static_cast<float>(metres) * ProjectSettings::Instance().PixelsPerMetreX());
+}
+
+QImage Combine(int operation, float radius, const QImage& a, const QImage& b)
+{
+    switch (operation) {
+    case OperationComplement:
+        return raster::Complement(a);
+    case OperationUnion:
+        return raster::Union(a, b);
+    case OperationIntersection:
+        return raster::Intersection(a, b);
+    case OperationDifference:
+        return raster::Difference(a, b);
+    case OperationErosion:
+        return raster::Erode(a, radius);
+    case OperationDilation:
+        return raster::Dilate(a, radius);
+    case OperationOpening:
+        return raster::Open(a, radius);
+    case OperationClosing:
+        return raster::Close(a, radius);
+    default:
+        return {};
+    }
+}
+
 QImage Evaluate(const LayerList& list, const QString& code, int width, int height)
 {
     if (list.IsEmpty() || code.isEmpty()) {
@@ -174,15 +166,16 @@ QImage Evaluate(const LayerList& list, const QString& code, int width, int heigh
             LogError(QStringLiteral("Unknown unary operator in code '%1'").arg(code));
             return {};
         }
-        return EvaluateUnary(operation, ScaledMask(list, ids.first(), width, height), code);
+        return Combine(operation, RadiusInPixels(RadiusFromCode(code)),
+                       ScaledMask(list, ids.first(), width, height), {});
     }
     if (ids.size() == 2) {
         if (!IsBinaryOperation(operation)) {
             LogError(QStringLiteral("Unknown binary operator in code '%1'").arg(code));
             return {};
         }
-        return EvaluateBinary(operation, ScaledMask(list, ids.first(), width, height),
-                              ScaledMask(list, ids.last(), width, height));
+        return Combine(operation, 0, ScaledMask(list, ids.first(), width, height),
+                       ScaledMask(list, ids.last(), width, height));
     }
     LogError(QStringLiteral("Unsupported operation in code '%1'").arg(code));
     return {};
@@ -192,4 +185,12 @@ QImage EvaluateAtLayerSize(const LayerList& list, const QString& code)
 {
     const QSize size = ProjectSettings::Instance().LayerSize();
     return Evaluate(list, code, size.width(), size.height());
+}
+
+QImage EvaluateRect(const LayerList& list, const QString& code, const QRect& rect)
+{
+    const std::optional<Formula> formula = ParseFormula(code);
+    const auto computation = formula ? Computation::Of(list, *formula) : std::nullopt;
+    const QRect layer(QPoint(), ProjectSettings::Instance().LayerSize());
+    return computation && layer.contains(rect) ? computation->Within(rect) : QImage();
 }

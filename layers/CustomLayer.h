@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QList>
+#include <QRect>
 #include <QString>
 #include <QStringList>
 
@@ -41,8 +42,16 @@ QStringList SplitOperands(const QString& code);
 /// The layer ids in the code, in order. Operands that are not numbers are left out and logged.
 QList<int> ParseIds(const QString& code);
 
+/// A radius of so many metres in whole pixels of the layer size, as all operations take it. Not a
+/// finite number while the project has no sizes.
+float RadiusInPixels(int metres);
+
 /// The radius in metres; 0 if the code has none or a malformed one.
 int RadiusFromCode(const QString& code);
+
+/// The operation on masks of one size. b is that of binary operations. radius: in pixels, of
+/// morphological ones. Null for masks that do not fit, and without memory.
+QImage Combine(int operation, float radius, const QImage& a, const QImage& b);
 
 /// Computes the mask of a code. The layers are first scaled to width x height pixels. The radius in
 /// pixels is that at the layer size, even in a smaller preview. Returns null for an empty list or
@@ -52,3 +61,7 @@ int RadiusFromCode(const QString& code);
 QImage Evaluate(const LayerList& list, const QString& code, int width, int height);
 /// Evaluate at the project's layer size.
 QImage EvaluateAtLayerSize(const LayerList& list, const QString& code);
+/// The part of EvaluateAtLayerSize within the rectangle, at the cost of that part: of the operands
+/// only the pixels that are in reach are read. Null where EvaluateAtLayerSize is, but nothing is
+/// logged.
+QImage EvaluateRect(const LayerList& list, const QString& code, const QRect& rect);

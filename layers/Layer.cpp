@@ -7,11 +7,14 @@
 #include "app/ProjectSettings.h"
 #include "app/Xml.h"
 #include "layers/CustomLayer.h"
+#include "layers/LayerList.h"
 #include "layers/Targa.h"
 #include "layers/raster/Mask.h"
 #include "layers/raster/MaskDelta.h"
 
 #include <QXmlStreamWriter>
+
+#include <cstring>
 
 Layer::Layer(quint32 usageFlags, quint32 valueFlags, LayerList* list)
     : Layer(usageFlags, valueFlags, list, QString())
@@ -132,6 +135,33 @@ void Layer::TakePaintedMask(const QImage& mask)
 std::optional<QRect> Layer::SwapPixels(raster::MaskDelta& delta)
 {
     return delta.Swap(m_image);
+}
+
+bool Layer::PutPixels(const QRect& rect, const QImage& from, QPoint point)
+{
+    uchar* pixels = m_image.bits();
+    if (!pixels) {
+        return false;
+    }
+    const auto stride = static_cast<qint64>(m_image.bytesPerLine());
+    for (int y = 0; y < rect.height(); ++y) {
+        std::memcpy(pixels + (rect.y() + y) * stride + rect.x(),
+                    from.constScanLine(point.y() + y) + point.x(),
+                    static_cast<std::size_t>(rect.width()));
+    }
+    return true;
+}
+
+QVariant Layer::data(int role) const
+{
+    // Without a model the layer may outlive the list.
+    if (model() && m_list && (role == Qt::DecorationRole || role == Qt::ToolTipRole)) {
+        QVariant mark = m_list->RowMark(*this, role);
+        if (mark.isValid()) {
+            return mark;
+        }
+    }
+    return QStandardItem::data(role);
 }
 
 void Layer::setData(const QVariant& value, int role)

@@ -85,9 +85,15 @@ public:
     /// Exchanges the delta's tiles and those of the mask, in place where nobody else shares its
     /// pixels. As raster::MaskDelta::Swap.
     std::optional<QRect> SwapPixels(raster::MaskDelta& delta);
+    /// Replaces the pixels within the rectangle, which lies within the mask, by as many of the
+    /// other mask from the point on, in place where nobody else shares the pixels. False without
+    /// memory.
+    bool PutPixels(const QRect& rect, const QImage& from, QPoint point);
     /// Does nothing: the picture is made on request.
     void UpdatePixmap() {}
 
+    /// Its list may mark the row: see LayerList::SetRowMarks.
+    QVariant data(int role = Qt::UserRole + 1) const override;
     /// A rename to an invalid name is ignored without a message.
     void setData(const QVariant& value, int role = Qt::UserRole + 1) override;
 

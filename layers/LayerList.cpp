@@ -29,6 +29,21 @@ LayerList::~LayerList()
     m_model->deleteLater();
 }
 
+QVariant LayerList::RowMark(const Layer& layer, int role) const
+{
+    return m_rowMarks ? m_rowMarks(layer, role) : QVariant();
+}
+
+void LayerList::RepaintMarks(const Layer* layer) const
+{
+    const int last = m_model->rowCount() - 1;
+    if (last >= 0) {
+        emit m_model->dataChanged(m_model->index(layer ? layer->row() : 0, 0),
+                                  m_model->index(layer ? layer->row() : last, 0),
+                                  {Qt::DecorationRole, Qt::ToolTipRole});
+    }
+}
+
 bool LayerList::IsEmpty() const
 {
     for (int row = 0; row < m_model->rowCount(); ++row) {

@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QObject>
 #include <QStringList>
+#include <QVariant>
 #include <QVector>
 
 #include <functional>
@@ -45,6 +46,15 @@ public:
 
     /// For the views.
     RowModel* model() const { return m_model; }
+
+    /// What the row of a layer shows for Qt::DecorationRole and Qt::ToolTipRole; an invalid value
+    /// leaves the decoration to the layer, which shows its colour, and gives no tool tip. It is
+    /// asked whenever a view asks, and is no part of the project.
+    using RowMarks = std::function<QVariant(const Layer& layer, int role)>;
+    void SetRowMarks(const RowMarks& marks) { m_rowMarks = marks; }
+    QVariant RowMark(const Layer& layer, int role) const;
+    /// Makes views ask again. Null means all layers.
+    void RepaintMarks(const Layer* layer) const;
 
     bool IsEmpty() const;
     /// All layers in row order; other rows are skipped.
@@ -112,5 +122,6 @@ private:
     bool Insert(int row, Layer* layer);
 
     RowModel* m_model;
+    RowMarks m_rowMarks;
     QStringList m_leftOut;
 };

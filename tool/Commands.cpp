@@ -75,7 +75,7 @@ QString ToolHelp()
                "  -v, --version  Show the version.\n\n"
                "Exit codes:\n"
                "  0  Done.\n"
-               "  1  There are findings or differences.\n"
+               "  1  There are findings or differences, or layers are out of date.\n"
                "  2  The arguments are wrong.\n"
                "  3  A file cannot be read.\n"
                "  4  A file cannot be written.\n");
@@ -119,8 +119,10 @@ ToolExit RunCommand(const Command& command, const QStringList& arguments)
         return ToolExit::Done;
     }
     const QStringList files = parser.positionalArguments();
-    if (files.size() != command.fileCount &&
-        files.size() != command.fileCount + command.numberCount) {
+    const bool hasAll = files.size() == command.fileCount ||
+                        files.size() == command.fileCount + command.numberCount ||
+                        (command.takesMore && files.size() > command.fileCount);
+    if (!hasAll) {
         return UsageError(command.name,
                           QStringLiteral("%1 is needed, and nothing else.").arg(command.files));
     }
@@ -185,8 +187,9 @@ std::optional<ToolExit> ReadTypesOption(const QString& command, const QCommandLi
 
 const QVector<Command>& Commands()
 {
-    static const QVector<Command> commands = {CheckCommand(),  InfoCommand(),    AtCommand(),
-                                              ExportCommand(), CompareCommand(), RenderCommand()};
+    static const QVector<Command> commands = {CheckCommand(),  InfoCommand(),   AtCommand(),
+                                              DeriveCommand(), ExportCommand(), CompareCommand(),
+                                              RenderCommand()};
     return commands;
 }
 

@@ -27,6 +27,8 @@ struct Command
     /// How many numbers may stand after the files. The user gives all of them or none. With
     /// numbers, an argument such as -5 is a number and no option.
     int numberCount = 0;
+    /// Whether any number of further texts may stand after the files.
+    bool takesMore = false;
 };
 
 /// Looks for what makes a project's output wrong or surprising.
@@ -35,6 +37,8 @@ Command CheckCommand();
 Command InfoCommand();
 /// Shows what is at places of a project or a map.
 Command AtCommand();
+/// Computes layers anew by their formulas.
+Command DeriveCommand();
 /// Writes the files that the game reads.
 Command ExportCommand();
 /// Shows where two maps or two projects differ.

@@ -1,8 +1,8 @@
 #include "ui/Bookmarks.h"
 
 #include "canvas/ZoomSteps.h"
+#include "ui/ProjectNotes.h"
 
-#include <QSettings>
 #include <QStringList>
 
 #include <algorithm>
@@ -10,17 +10,7 @@
 
 namespace {
 
-/// Not the settings of the window, which are written only when it is closed.
-QSettings Settings()
-{
-    return QSettings(QStringLiteral("Halvern Works"), QStringLiteral("Quillmap"));
-}
-
-QString Key(const QString& path)
-{
-    // A slash would begin a group.
-    return QStringLiteral("bookmarks/") + QString::fromLatin1(path.toUtf8().toPercentEncoding());
-}
+const QString Group = QStringLiteral("bookmarks");
 
 /// "4200 9800 3 Harbour": X, Z, zoom and name.
 QString ToText(const Bookmark& bookmark)
@@ -83,7 +73,7 @@ QVector<Bookmark> Bookmarks::All() const
         return m_unsaved;
     }
     QVector<Bookmark> bookmarks;
-    const QStringList texts = Settings().value(Key(m_path)).toStringList();
+    const QStringList texts = ProjectNotes::Read(Group, m_path);
     for (const QString& text : texts) {
         const Bookmark bookmark = FromText(text);
         if (!bookmark.name.isEmpty()) {
@@ -126,11 +116,5 @@ void Bookmarks::Store(const QVector<Bookmark>& bookmarks)
     for (const Bookmark& bookmark : bookmarks) {
         texts.append(ToText(bookmark));
     }
-    // They are written when the object dies.
-    QSettings settings = Settings();
-    if (texts.isEmpty()) {
-        settings.remove(Key(m_path));
-    } else {
-        settings.setValue(Key(m_path), texts);
-    }
+    ProjectNotes::Write(Group, m_path, texts);
 }

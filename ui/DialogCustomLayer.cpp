@@ -7,6 +7,7 @@
 #include "layers/CustomLayer.h"
 #include "layers/CustomLayerWorker.h"
 #include "layers/LayerList.h"
+#include "ui/RadiusText.h"
 #include "ui/widgets/WheelFocus.h"
 #include "ui_DialogCustomLayer.h"
 
@@ -62,6 +63,8 @@ void DialogCustomLayer::Connect()
     connect(m_ui->cboInputB, indexChanged, this, &DialogCustomLayer::SetPreviewB);
     connect(m_ui->txtOutputName, &QLineEdit::textEdited, this, &DialogCustomLayer::ValidateContent);
     connect(m_ui->spnRadius, &QSpinBox::editingFinished, this, &DialogCustomLayer::RequestPreview);
+    connect(m_ui->spnRadius, qOverload<int>(&QSpinBox::valueChanged), this,
+            &DialogCustomLayer::ShowRadius);
 }
 
 void DialogCustomLayer::InitForm()
@@ -103,10 +106,33 @@ void DialogCustomLayer::ShowLayerToModify()
     }
 }
 
+/// A layer that was removed is marked. Another one in its place would be computed unseen.
 void DialogCustomLayer::SelectLayer(QComboBox* combo, int id)
 {
     const int row = combo->findData(id, Qt::UserRole);
-    combo->setCurrentIndex(row < 0 ? 0 : row);
+    if (row < 0) {
+        combo->setPlaceholderText(tr("(removed)"));
+    }
+    combo->setCurrentIndex(row);
+}
+
+/// Whether the layers that the operation works on were not removed.
+bool DialogCustomLayer::HasInputs() const
+{
+    const auto isRemoved = [](const QComboBox* combo) {
+        return combo->currentIndex() < 0 && !combo->placeholderText().isEmpty();
+    };
+    return !isRemoved(m_ui->cboInputA) &&
+           !(IsBinaryOperation(m_ui->cboOperation->currentIndex()) && isRemoved(m_ui->cboInputB));
+}
+
+void DialogCustomLayer::ShowRadius()
+{
+    const bool hasRadius = IsMorphologicalOperation(m_ui->cboOperation->currentIndex());
+    m_ui->lblRadiusEffective->setText(hasRadius ? RadiusText(m_ui->spnRadius->value()) : QString());
+    m_ui->lblPreviewHint->setText(
+        hasRadius ? tr("The preview exaggerates: its picture is smaller than the layer.")
+                  : QString());
 }
 
 void DialogCustomLayer::StartWorker()
@@ -146,11 +172,11 @@ void DialogCustomLayer::EnableControls(bool isIdle)
     }
     m_isComputing = !isIdle;
     const int operation = m_ui->cboOperation->currentIndex();
-    for (QWidget* control :
-         std::initializer_list<QWidget*>{m_ui->txtOutputName, m_ui->btnOk, m_ui->btnCancel,
-                                         m_ui->cboOperation, m_ui->cboInputA}) {
+    for (QWidget* control : std::initializer_list<QWidget*>{m_ui->txtOutputName, m_ui->btnCancel,
+                                                            m_ui->cboOperation, m_ui->cboInputA}) {
         control->setEnabled(isIdle);
     }
+    m_ui->btnOk->setEnabled(isIdle && HasInputs());
     if (IsBinaryOperation(operation)) {
         m_ui->cboInputB->setEnabled(isIdle);
     }
@@ -169,6 +195,7 @@ void DialogCustomLayer::UpdateOperation(int index)
     m_ui->groupBoxInputB->setEnabled(IsBinaryOperation(index));
     m_ui->lblRadius->setEnabled(IsMorphologicalOperation(index));
     m_ui->spnRadius->setEnabled(IsMorphologicalOperation(index));
+    ShowRadius();
     RequestPreview();
 }
 
@@ -280,7 +307,7 @@ void DialogCustomLayer::ValidateContent(const QString& name)
                                                     .arg(color.red())
                                                     .arg(color.green())
                                                     .arg(color.blue())));
-    m_ui->btnOk->setEnabled(isGood);
+    m_ui->btnOk->setEnabled(isGood && HasInputs());
 }
 
 void DialogCustomLayer::ConfirmDialog()

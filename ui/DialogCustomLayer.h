@@ -19,9 +19,10 @@ class DialogCustomLayer;
 }
 
 /// Lets the user define a layer that is computed from others, with pictures of the inputs and the
-/// output. It computes on a separate thread, one request at a time; during that time its controls
-/// are disabled and it cannot be closed. It must be modal, because nothing else may change the
-/// layers, and can be opened only once.
+/// output. An input that was removed is marked, and has to be chosen anew. It computes on a
+/// separate thread, one request at a time; during that time its controls are disabled and it cannot
+/// be closed. It must be modal, because nothing else may change the layers, and can be opened only
+/// once.
 class DialogCustomLayer : public QDialog
 {
     Q_OBJECT
@@ -69,6 +70,8 @@ private:
     void TakeExistingLayer(QComboBox* combo, int& id);
     void ShowInput(QComboBox* combo, int row, QLabel* label, int& id);
     void SelectLayer(QComboBox* combo, int id);
+    void ShowRadius();
+    bool HasInputs() const;
     void SetDarkText();
     bool IsNameFree(const QString& name) const;
 

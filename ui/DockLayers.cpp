@@ -12,6 +12,7 @@
 
 #include <QMenu>
 #include <QScopedValueRollback>
+#include <QShortcut>
 
 DockLayers::DockLayers(Document& document, DockLayerProps* props, QWidget* parent)
     : QDockWidget(parent)
@@ -54,6 +55,45 @@ void DockLayers::Connect()
     connect(model, &QAbstractItemModel::rowsInserted, this, &DockLayers::UpdateHideAll);
     connect(model, &QAbstractItemModel::rowsRemoved, this, &DockLayers::UpdateHideAll);
     connect(model, &QAbstractItemModel::modelReset, this, &DockLayers::UpdateHideAll);
+    ConnectFilter();
+}
+
+void DockLayers::ConnectFilter()
+{
+    QLineEdit* field = m_ui->txtLayerFilter;
+    connect(field, &QLineEdit::textChanged, this, &DockLayers::FilterRows);
+    const auto* escape = new QShortcut(Qt::Key_Escape, field, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(escape, &QShortcut::activated, this, &DockLayers::LeaveFilter);
+    const RowModel* model = List()->model();
+    connect(model, &QAbstractItemModel::rowsInserted, this, &DockLayers::FilterRows);
+    connect(model, &QAbstractItemModel::dataChanged, this, &DockLayers::FilterRows);
+    connect(&m_document, &Document::AboutToClear, field, &QLineEdit::clear);
+}
+
+/// A row that is hidden may still be the current one.
+void DockLayers::FilterRows()
+{
+    const QString text = m_ui->txtLayerFilter->text();
+    const RowModel* model = List()->model();
+    for (int row = 0; row < model->rowCount(); ++row) {
+        const QString name = model->index(row, 0).data().toString();
+        const bool isHidden = !name.contains(text, Qt::CaseInsensitive);
+        if (isHidden != m_ui->treeLayers->isRowHidden(row, {})) {
+            m_ui->treeLayers->setRowHidden(row, {}, isHidden);
+        }
+    }
+}
+
+void DockLayers::FocusFilter()
+{
+    m_ui->txtLayerFilter->setFocus(Qt::ShortcutFocusReason);
+    m_ui->txtLayerFilter->selectAll();
+}
+
+void DockLayers::LeaveFilter()
+{
+    m_ui->txtLayerFilter->clear();
+    m_ui->treeLayers->setFocus();
 }
 
 LayerList* DockLayers::List() const
@@ -87,6 +127,31 @@ void DockLayers::SelectItem(QStandardItem* item)
     }
 }
 
+void DockLayers::ShowNew(Layer& layer)
+{
+    m_document.SetCurrentLayer(&layer);
+    SelectItem(&layer);
+    m_ui->treeLayers->scrollTo(layer.index());
+}
+
+void DockLayers::MoveCurrent(bool isUp)
+{
+    Layer* layer = m_document.CurrentLayer();
+    if (!layer) {
+        return;
+    }
+    const int step = isUp ? -1 : 1;
+    const int count = List()->model()->rowCount();
+    int row = layer->row() + step;
+    while (row >= 0 && row < count && m_ui->treeLayers->isRowHidden(row, {})) {
+        row += step;
+    }
+    if (row >= 0 && row < count) {
+        MoveTo(layer, row);
+        m_ui->treeLayers->scrollTo(layer->index());
+    }
+}
+
 bool DockLayers::SaveMap(const QString& path)
 {
     const bool isSaved = List()->SaveMap(path);
@@ -107,6 +172,7 @@ void DockLayers::AddCustom(bool /*checked*/)
     DialogCustomLayer dialog(m_document, nullptr, this);
     if (dialog.exec() == QDialog::Accepted && dialog.CreatedLayer()) {
         UpdateHideAll();
+        ShowNew(*dialog.CreatedLayer());
         emit Added(dialog.CreatedLayer());
     }
 }
@@ -122,12 +188,15 @@ void DockLayers::AddPainted(bool /*checked*/)
         return;
     }
     UpdateHideAll();
-    emit Added(List()->LayerAt(List()->model()->rowCount() - 1));
+    Layer* layer = List()->LayerAt(List()->model()->rowCount() - 1);
+    ShowNew(*layer);
+    emit Added(layer);
 }
 
 void DockLayers::HideAll(bool /*checked*/)
 {
     m_ui->treeLayers->selectionModel()->clear();
+    m_document.SetSoloLayer(nullptr);
     m_document.Do(Edits::HideAllLayers(*List()));
     emit AllHidden();
 }
@@ -160,6 +229,11 @@ void DockLayers::Modify(bool /*checked*/)
 {
     const Tracked<Layer> layer(CurrentLayer());
     if (!layer) {
+        return;
+    }
+    const QString why = m_document.WhyPixelsStay(*layer);
+    if (!why.isEmpty()) {
+        LogInfo(why);
         return;
     }
     DialogCustomLayer(m_document, layer, this).exec();

@@ -33,6 +33,13 @@ public:
     /// Selects the layer and returns it. Returns null and changes nothing if there is no such row.
     Layer* SelectRow(int row);
     void SelectItem(QStandardItem* item);
+    /// Makes a layer that has just been added the current one, which is no change of its own, and
+    /// scrolls to it.
+    void ShowNew(Layer& layer);
+    /// Moves the current layer past the next row that is shown.
+    void MoveCurrent(bool isUp);
+    /// The field that hides the layers whose names do not hold its text.
+    void FocusFilter();
     /// Logs an error if it fails.
     bool SaveMap(const QString& path);
 
@@ -61,7 +68,10 @@ public slots:
 
 private:
     void Connect();
+    void ConnectFilter();
     Layer* CurrentLayer() const;
+    void FilterRows();
+    void LeaveFilter();
     void MoveTo(Layer* layer, int row);
 
     Document& m_document;

@@ -30,7 +30,7 @@ EditActions::EditActions(const EditorParts& parts)
     const Ui::QuillmapWindowClass& form = parts.form;
     form.actionRedo->setShortcuts(
         {QKeySequence(Qt::CTRL + Qt::SHIFT + Qt::Key_Z), QKeySequence(Qt::CTRL + Qt::Key_Y)});
-    connect(form.actionUndo, &QAction::triggered, &parts.document, &Document::Undo);
+    connect(form.actionUndo, &QAction::triggered, this, &EditActions::Undo);
     connect(form.actionRedo, &QAction::triggered, &parts.document, &Document::Redo);
     connect(form.actionDelete, &QAction::triggered, this, &EditActions::Delete);
     connect(form.actionSelectAllZones, &QAction::triggered, this, &EditActions::SelectAllZones);
@@ -68,6 +68,14 @@ void EditActions::ScrollTo(const QRectF& area)
     const QRectF shown = view.mapToScene(view.viewport()->rect()).boundingRect();
     if (!area.isEmpty() && !shown.intersects(area)) {
         m_parts.view.centerOn(area.center());
+    }
+}
+
+/// A polygon that is not closed yet is what the user did last.
+void EditActions::Undo()
+{
+    if (!m_parts.scene.CancelTool()) {
+        m_parts.document.Undo();
     }
 }
 

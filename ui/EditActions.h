@@ -15,6 +15,7 @@ public:
 
 private:
     void ShowHistory();
+    void Undo();
     void ShowPlace(const EditPlace& place);
     void ScrollTo(const QRectF& area);
     void Delete();

@@ -14,6 +14,12 @@ LayerComposition::LayerComposition(Document& document, MainView& view)
     connect(&document, &Document::PixelsAboutToChange, this,
             [this](Layer* layer) { m_view.Scene()->ReleasePixels(*layer); });
     connect(&document, &Document::LayerChanged, this, &LayerComposition::Follow);
+    connect(&document, &Document::Painted, this, [this](const Layer* layer, const QRect& rect) {
+        if (layer != m_document.CurrentLayer()) {
+            ReplacePixels(*layer, rect);
+        }
+    });
+    connect(&document, &Document::LayerMarksChanged, this, &LayerComposition::FollowSolo);
 }
 
 /// Direct edits update the map themselves; changes by undo and redo are shown here.
@@ -24,7 +30,7 @@ void LayerComposition::Follow(Layer* layer, Document::LayerAspect aspect, const 
     switch (aspect) {
     case Document::LayerAspect::Pixels:
         if (!isCurrent) {
-            Recompose();
+            ReplacePixels(*layer, rect);
         } else if (scene.CurrentLayer() != layer) {
             scene.ReloadPixels(*layer);
             scene.ShowPainted(rect);
@@ -37,6 +43,27 @@ void LayerComposition::Follow(Layer* layer, Document::LayerAspect aspect, const 
         if (m_document.IsTravelling()) {
             Recompose();
         }
+    }
+}
+
+/// For a layer that is not being edited.
+void LayerComposition::ReplacePixels(const Layer& layer, const QRect& rect)
+{
+    MainScene& scene = *m_view.Scene();
+    const bool isLost = scene.CurrentLayer() != m_document.CurrentLayer();
+    if (!scene.ReplacePixels(layer, rect) && (isLost || m_document.IsShown(layer))) {
+        Recompose();
+    }
+}
+
+/// A row that is locked shows what it showed before.
+void LayerComposition::FollowSolo()
+{
+    if (m_document.SoloLayer() != m_solo) {
+        m_solo = m_document.SoloLayer();
+        const bool isEnabled = m_view.isEnabled();
+        Recompose();
+        m_view.setEnabled(isEnabled);
     }
 }
 
@@ -77,7 +104,7 @@ void LayerComposition::Recompose()
     scene.ClearLayers();
     const QVector<Layer*> layers = m_document.Layers().Layers();
     for (Layer* layer : layers) {
-        if (layer != current && layer->IsVisible()) {
+        if (layer != current && m_document.IsShown(*layer)) {
             scene.AddLayer(layer);
         }
     }

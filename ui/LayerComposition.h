@@ -18,9 +18,13 @@ public:
 
 private:
     void Follow(Layer* layer, Document::LayerAspect aspect, const QRect& rect);
+    void FollowSolo();
+    void ReplacePixels(const Layer& layer, const QRect& rect);
     void ForgetRows(int first, int last);
     void ForgetPictures();
 
     Document& m_document;
     MainView& m_view;
+    /// The only layer that the map shows. It is compared only.
+    const Layer* m_solo = nullptr;
 };

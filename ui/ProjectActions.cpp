@@ -7,6 +7,7 @@
 #include "app/ProjectSettings.h"
 #include "canvas/MainScene.h"
 #include "document/Document.h"
+#include "document/Formulas.h"
 #include "document/StoredProject.h"
 #include "document/edits/BackgroundEdits.h"
 #include "document/edits/LayerEdits.h"
@@ -195,6 +196,10 @@ bool ProjectActions::OpenStored(const StoredProject& stored, bool asCopy)
     QBuffer device(&text);
     device.open(QIODevice::ReadOnly);
     const bool isRead = ReadFrom(device, stored.masks, QString());
+    if (isRead && !stored.formulas.isEmpty()) {
+        m_parts.document.LayerFormulas().Read(
+            ReadFormulas(stored.formulas), FormulaPath(stored.path).section(QLatin1Char('/'), -1));
+    }
     if (isRead && hasFile) {
         m_parts.document.SetPath(stored.path, stored.files);
     }
@@ -212,6 +217,9 @@ bool ProjectActions::ReadFrom(QIODevice& file, const MaskSource& masks, const QS
     m_reader = &reader;
     const bool isRead = !m_isStopped && m_parts.document.Read(reader, masks);
     m_reader = nullptr;
+    if (isRead) {
+        ReadFormulasOf(file);
+    }
     m_parts.terTypes.ExpandAll();
     ReadReport report{Settings().FileName(), isRead, reader.HoldsProject(), reader.Fault(), {}, 0};
     // A state that was kept elsewhere has its bitmaps there.
@@ -235,6 +243,20 @@ bool ProjectActions::ReadFrom(QIODevice& file, const MaskSource& masks, const QS
         m_parts.document.NoteFiles(path);
     }
     return isRead;
+}
+
+/// The formulas of a project lie beside its document; those of a state that was kept elsewhere are
+/// in its text.
+void ProjectActions::ReadFormulasOf(QIODevice& file)
+{
+    if (const auto* buffer = qobject_cast<QBuffer*>(&file)) {
+        // Whoever reads the rest of the text tells of its faults.
+        m_parts.document.LayerFormulas().Read({ReadFormulas(buffer->data(), false).records, {}},
+                                              QString());
+    } else {
+        const QString path = FormulaPath(Settings().ProjectFilePath());
+        m_parts.document.LayerFormulas().Read(ReadFormulaFile(path), QFileInfo(path).fileName());
+    }
 }
 
 /// Clears everything that the file replaces, and shows that work is under way.

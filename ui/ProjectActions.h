@@ -68,6 +68,7 @@ private:
     void Create(const DialogNewProject& dialog);
     bool OpenFile(const QString& path);
     bool ReadFrom(QIODevice& file, const MaskSource& masks, const QString& path);
+    void ReadFormulasOf(QIODevice& file);
     void ReadMap(QFile& file);
     void ShowViewing(const QString& path);
     void BeginReplacing();

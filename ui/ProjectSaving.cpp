@@ -7,6 +7,8 @@
 #include "app/ProjectSettings.h"
 #include "canvas/MainScene.h"
 #include "document/Document.h"
+#include "document/Formulas.h"
+#include "document/LiveLayers.h"
 #include "document/edits/LayerEdits.h"
 #include "document/versions/VersionStore.h"
 #include "layers/Layer.h"
@@ -65,6 +67,7 @@ bool ProjectSaving::SaveTo(const QString& path)
 {
     // Half a stroke in the files would belong to no state of the history.
     m_parts.scene.LoseMouse();
+    m_parts.document.Live().Finish();
     const ProjectWork::Scope saving(m_work, ProjectWork::Kind::Saving);
     const Layer* current = m_parts.document.CurrentLayer();
     ProjectParts parts{current ? current->row() : -1,
@@ -77,7 +80,9 @@ bool ProjectSaving::SaveTo(const QString& path)
                                    m_parts.document.Do(Edits::Rename(layer, name));
                                });
                        },
-                       m_parts.document.Layers(), m_parts.document.Types()};
+                       m_parts.document.Layers(),
+                       m_parts.document.Types(),
+                       [this] { return m_parts.document.LayerFormulas().Records(); }};
     VersionStore versions;
     const VersionStore::Kept kept = versions.KeepBeforeSave(
         path, m_parts.document.Layers().NamesForSaving(), m_parts.document.Files());

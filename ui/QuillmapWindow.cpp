@@ -12,6 +12,7 @@
 #include "territories/Zone.h"
 #include "territories/ZoneIcons.h"
 #include "ui/ChangeNotice.h"
+#include "ui/DerivedActions.h"
 #include "ui/DockHistory.h"
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
@@ -26,7 +27,10 @@
 #include "ui/Gestures.h"
 #include "ui/GoActions.h"
 #include "ui/InteractionModes.h"
+#include "ui/LayerActions.h"
 #include "ui/LayerComposition.h"
+#include "ui/LayerMarks.h"
+#include "ui/PaintToolBar.h"
 #include "ui/ProjectActions.h"
 #include "ui/ProjectDisplay.h"
 #include "ui/RecentProjects.h"
@@ -95,6 +99,9 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     m_project = std::make_unique<ProjectActions>(parts, *m_display, *m_modes, *m_journal);
     m_edit = std::make_unique<EditActions>(parts);
     m_gestures = std::make_unique<Gestures>(*m_document);
+    m_layerMarks = std::make_unique<LayerMarks>(*m_document);
+    m_layerActions = std::make_unique<LayerActions>(parts, *m_composition);
+    m_derivedActions = std::make_unique<DerivedActions>(parts);
     m_go = std::make_unique<GoActions>(parts);
     m_recent = std::make_unique<RecentProjects>(
         *m_ui->menuRecent, [this](const QString& path) { m_project->LoadFrom(path); });
@@ -154,6 +161,9 @@ void QuillmapWindow::AddDocks()
                                                          [this](Zone& zone) { SelectZone(zone); }},
                                     this);
     m_overview = std::make_unique<DockOverview>(*m_document, *m_ui->paintView, this);
+    m_tools = std::make_unique<PaintToolBar>(*m_document,
+                                             *m_ui->paintView->Scene()->GetPaintTools(), this);
+    addToolBar(Qt::TopToolBarArea, m_tools.get());
     addDockWidget(Qt::LeftDockWidgetArea, m_layers.get());
     addDockWidget(Qt::LeftDockWidgetArea, m_layerProps.get());
     addDockWidget(Qt::BottomDockWidgetArea, m_status.get());
@@ -301,7 +311,6 @@ void QuillmapWindow::LayerChecked(Layer* layer)
 void QuillmapWindow::LayerSelected(Layer* layer)
 {
     if (layer != m_document->CurrentLayer()) {
-        m_brush->SetPaintColor(layer->Color().rgb());
         m_document->SetCurrentLayer(layer);
         m_composition->Recompose();
         m_document->NoteChange();

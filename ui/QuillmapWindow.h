@@ -10,6 +10,7 @@
 
 class BrushDock;
 class ChangeNotice;
+class DerivedActions;
 class DockHistory;
 class DockLayerProps;
 class DockLayers;
@@ -26,8 +27,11 @@ class GoActions;
 class InteractionModes;
 class Journal;
 class Layer;
+class LayerActions;
 class LayerComposition;
 class LayerList;
+class LayerMarks;
+class PaintToolBar;
 class ProjectActions;
 class ProjectDisplay;
 class QGraphicsItem;
@@ -135,12 +139,16 @@ private:
     std::unique_ptr<DockHistory> m_history;
     std::unique_ptr<DockProbe> m_probe;
     std::unique_ptr<DockOverview> m_overview;
+    std::unique_ptr<PaintToolBar> m_tools;
     std::unique_ptr<LayerComposition> m_composition;
     std::unique_ptr<InteractionModes> m_modes;
     std::unique_ptr<ProjectDisplay> m_display;
     std::unique_ptr<ProjectActions> m_project;
     std::unique_ptr<EditActions> m_edit;
     std::unique_ptr<Gestures> m_gestures;
+    std::unique_ptr<LayerMarks> m_layerMarks;
+    std::unique_ptr<LayerActions> m_layerActions;
+    std::unique_ptr<DerivedActions> m_derivedActions;
     std::unique_ptr<GoActions> m_go;
     std::unique_ptr<RecentProjects> m_recent;
     std::unique_ptr<FileDrops> m_drops;

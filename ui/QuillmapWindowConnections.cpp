@@ -3,6 +3,7 @@
 #include "canvas/BrushDock.h"
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
+#include "canvas/tools/PaintTools.h"
 #include "document/Document.h"
 #include "layers/Layer.h"
 #include "territories/Territory.h"
@@ -17,6 +18,7 @@
 #include "ui/DockTerTypes.h"
 #include "ui/GoActions.h"
 #include "ui/LayerComposition.h"
+#include "ui/PaintToolBar.h"
 #include "ui/ProjectActions.h"
 #include "ui/ProjectDisplay.h"
 #include "ui/QuillmapWindow.h"
@@ -53,9 +55,9 @@ void QuillmapWindow::ConnectActions()
     connect(ui.actionViewTerritoryTypes, &QAction::triggered, this,
             &QuillmapWindow::ShowTerritoryTypes);
     connect(ui.actionViewStatus, &QAction::triggered, this, &QuillmapWindow::ShowStatus);
-    for (QDockWidget* dock :
-         std::initializer_list<QDockWidget*>{m_layers.get(), m_terTypes.get(), m_status.get(),
-                                             m_history.get(), m_overview.get(), m_probe.get()}) {
+    for (QDockWidget* dock : std::initializer_list<QDockWidget*>{
+             m_layers.get(), m_terTypes.get(), m_status.get(), m_history.get(), m_overview.get(),
+             m_probe.get(), m_brush.get()}) {
         dock->installEventFilter(this);
     }
 }
@@ -107,6 +109,7 @@ void QuillmapWindow::ConnectMap()
     connect(ui.paintView, &MainView::MouseMoved, this, &QuillmapWindow::UpdateWorldPos);
     connect(ui.actionOverview, &QAction::triggered, m_overview.get(), &QWidget::setVisible);
     connect(m_brush.get(), &BrushDock::Changed, scene, &MainScene::RefreshBrush);
+    scene->GetPaintTools()->SetLayerPicked([this](Layer& layer) { EditLayer(layer); });
     connect(ui.gboBgOver, &GroupBoxColor::ColorChanged, scene, &MainScene::ChangeWorldColor);
     connect(ui.gboBgOver, &GroupBoxColor::AlphaChanged, scene, &MainScene::ChangeWorldAlpha);
 }
@@ -128,6 +131,11 @@ void QuillmapWindow::ConnectDocument()
     connect(m_document.get(), &Document::BackgroundColorChanged, this, [this] {
         if (m_document->IsTravelling()) {
             m_display->ShowBackgroundColor();
+        }
+    });
+    connect(m_document.get(), &Document::CurrentLayerChanged, this, [this] {
+        if (const Layer* layer = m_document->CurrentLayer()) {
+            m_brush->SetPaintColor(layer->Color().rgb());
         }
     });
     connect(m_document.get(), &Document::LayerChanged, this,
@@ -195,4 +203,5 @@ void QuillmapWindow::ShowDockStates()
     m_ui->actionHistory->setChecked(!m_history->isHidden());
     m_ui->actionProbe->setChecked(!m_probe->isHidden());
     m_ui->actionOverview->setChecked(!m_overview->isHidden());
+    m_tools->setVisible(!m_brush->isHidden());
 }

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <Qt>
+
 class Document;
+class Layer;
 class MainScene;
 class MainView;
 class QGraphicsSceneMouseEvent;
@@ -41,8 +44,19 @@ public:
     virtual bool IsBusy() const { return false; }
     /// Ends what is under way where it is, because its release may never come.
     virtual void Finish() {}
+    /// True while there is something that Cancel takes back. Some tools need several presses.
+    virtual bool IsUnderWay() const { return IsBusy(); }
     /// Takes back what is under way; nothing of it remains.
     virtual void Cancel() {}
+    /// Another tool or mode comes next.
+    virtual void Leave() { Finish(); }
+
+    /// Over the map. The arrow stands for the view's own one.
+    virtual Qt::CursorShape Cursor() const { return Qt::ArrowCursor; }
+    /// Shift or Ctrl was pressed or released.
+    virtual void FollowModifiers(Qt::KeyboardModifiers /*modifiers*/) {}
+    /// This layer is painted from now on.
+    virtual void FollowLayer(Layer* /*layer*/) {}
 
 protected:
     const MapToolParts& Parts() const { return m_parts; }

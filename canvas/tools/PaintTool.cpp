@@ -4,6 +4,7 @@
 #include "canvas/HeldKeys.h"
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
+#include "canvas/tools/PaintTools.h"
 #include "document/Document.h"
 #include "document/edits/PaintMask.h"
 
@@ -32,7 +33,7 @@ void PaintTool::Press(QGraphicsSceneMouseEvent& event)
     }
     Parts().document.SetHandBusy(true);
     m_changed = {};
-    Parts().scene.Painter().BeginStroke();
+    Parts().scene.Painter().BeginStroke(Parts().scene.GetPaintTools()->Options().Limit());
     MoveBrush(PositionOf(event));
     if (const Brush* brush = Parts().scene.GetBrush()) {
         Show(Parts().scene.Painter().Dab(*brush, m_stroke));
@@ -109,6 +110,13 @@ void PaintTool::Cancel()
     Show(m_changed);
     // The picture was made anew from the mask, and may differ anywhere.
     Parts().scene.ShowPainted(QRect(QPoint(), painter.Size()));
+}
+
+void PaintTool::FollowLayer(Layer* layer)
+{
+    if (layer != Parts().scene.Painter().GetLayer()) {
+        Finish();
+    }
 }
 
 bool PaintTool::PressKey(const QKeyEvent& event)

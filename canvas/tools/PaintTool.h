@@ -23,6 +23,7 @@ public:
     bool IsBusy() const override { return m_stroke != BrushAction::None; }
     void Finish() override;
     void Cancel() override;
+    void FollowLayer(Layer* layer) override;
 
     /// The map has moved below the mouse, which is at the position now: a stroke goes on from there
     /// and paints nothing between.

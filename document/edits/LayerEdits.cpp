@@ -1,13 +1,22 @@
 #include "document/edits/LayerEdits.h"
 
+#include "app/Names.h"
 #include "app/ProjectSettings.h"
 #include "document/Document.h"
+#include "document/Formulas.h"
 #include "document/edits/ChangeValue.h"
 #include "document/edits/EditGroup.h"
+#include "document/edits/FormulaEdits.h"
 #include "document/edits/PaintMask.h"
 #include "document/edits/Presence.h"
+#include "layers/raster/Mask.h"
+#include "layers/raster/SetOperations.h"
 #include "territories/TerritoryType.h"
 
+#include <QSet>
+
+#include <algorithm>
+#include <optional>
 #include <utility>
 
 using Aspect = Document::LayerAspect;
@@ -58,6 +67,50 @@ std::unique_ptr<Edit> AddLayer(const LayerList& list, std::unique_ptr<Layer> lay
     return std::make_unique<Presence<Layer>>(text, std::move(layer), list.model()->rowCount());
 }
 
+std::unique_ptr<Edit> SetAllVisible(const QString& text, const LayerList& list, bool areVisible)
+{
+    QVector<Layer*> changed;
+    const QVector<Layer*> layers = list.Layers();
+    for (Layer* layer : layers) {
+        if (layer->IsVisible() != areVisible) {
+            changed.append(layer);
+        }
+    }
+    const bool before = changed.isEmpty() ? areVisible : !areVisible;
+    return std::make_unique<ChangeValue<bool>>(
+        text, Property::Discrete, EditPlace(), before, areVisible,
+        [changed](Document& document, bool isVisible) {
+            for (Layer* layer : changed) {
+                layer->SetVisible(isVisible);
+                emit document.LayerChanged(layer, Aspect::Visibility, {});
+            }
+        });
+}
+
+/// "Lake (2)" for another layer Lake.
+QString FreeName(const Layer& layer)
+{
+    QSet<QString> taken;
+    const QVector<Layer*> layers = layer.List()->Layers();
+    for (const Layer* other : layers) {
+        taken.insert(other->text());
+    }
+    return FreeNames(taken).Take(ToValidName(layer.text()));
+}
+
+/// With pixels of its own: those that are shared could not be painted in place. What is clear takes
+/// no memory.
+QImage CopyOf(const QImage& mask)
+{
+    QImage copy = raster::BlankMask(mask.size());
+    const QRect used = copy.isNull() ? QRect() : raster::SetBounds(mask);
+    for (int y = used.top(); y <= used.bottom(); ++y) {
+        std::copy_n(mask.constScanLine(y) + used.left(), used.width(),
+                    copy.scanLine(y) + used.left());
+    }
+    return copy;
+}
+
 void Announce(Document& document, QStandardItem* item)
 {
     if (auto* layer = dynamic_cast<Layer*>(item)) {
@@ -103,6 +156,36 @@ void SetFlags(Document& document, const Flags& flags)
     emit document.FlagTypesChanged();
 }
 
+/// Adds a copy of a layer, which knows of its formula what the layer knew, but follows nothing.
+class AddDuplicate : public Presence<Layer>
+{
+public:
+    AddDuplicate(const QString& text, const Layer& source, std::unique_ptr<Layer> copy)
+        : Presence<Layer>(text, std::move(copy), source.row() + 1)
+        , m_source(&source)
+    {
+    }
+
+protected:
+    void Do(Document& document) override
+    {
+        if (!m_isKnown) {
+            m_isKnown = true;
+            m_facts = document.LayerFormulas().FactsOf(*m_source);
+        }
+        if (m_facts) {
+            m_facts->isLive = false;
+            document.LayerFormulas().SetFacts(Added(), m_facts);
+        }
+        Presence<Layer>::Do(document);
+    }
+
+private:
+    const Layer* m_source;
+    bool m_isKnown = false;
+    std::optional<FormulaFacts> m_facts;
+};
+
 } // namespace
 
 std::unique_ptr<Edit> Edits::AddPaintedLayer(LayerList& list, const QImage& mask)
@@ -118,6 +201,52 @@ std::unique_ptr<Edit> Edits::AddComputedLayer(LayerList& list, const QString& na
     auto layer = std::make_unique<Layer>(0, 0, &list, name, code);
     layer->SetImage(mask, Qt::white);
     return AddLayer(list, std::move(layer));
+}
+
+std::unique_ptr<Edit> Edits::DuplicateLayer(Layer& layer)
+{
+    const QImage mask = CopyOf(layer.Image());
+    if (mask.isNull()) {
+        return nullptr;
+    }
+    auto copy = std::make_unique<Layer>(layer.UsageFlags(), layer.ValueFlags(), layer.List(),
+                                        FreeName(layer), layer.Code());
+    copy->SetImage(mask, layer.Color());
+    copy->SetVisible(layer.IsVisible());
+    return std::make_unique<AddDuplicate>(Text("Duplicate layer %1").arg(layer.text()), layer,
+                                          std::move(copy));
+}
+
+std::unique_ptr<Edit> Edits::ChangePixels(const QString& text, Layer& layer, const QImage& mask)
+{
+    if (mask.isNull()) {
+        return nullptr;
+    }
+    auto edit = std::make_unique<PaintMask>(text, layer, mask);
+    return edit->IsRecorded() ? std::move(edit) : nullptr;
+}
+
+std::unique_ptr<Edit> Edits::FillLayer(const QString& text, Layer& layer, uchar value)
+{
+    QImage mask = raster::BlankMask(layer.Image().size());
+    if (value != raster::MaskClear) {
+        mask.fill(value);
+    }
+    return ChangePixels(text, layer, mask);
+}
+
+std::unique_ptr<Edit> Edits::MergeLayers(Layer& layer, Layer& into)
+{
+    auto pixels = ChangePixels(QString(), into, raster::Union(into.Image(), layer.Image()));
+    if (!pixels) {
+        return nullptr;
+    }
+    auto group =
+        std::make_unique<EditGroup>(Text("Merge layer %1 into %2").arg(layer.text(), into.text()));
+    group->SetPlace(&into);
+    group->Add(std::move(pixels));
+    group->Add(RemoveLayer(layer));
+    return group;
 }
 
 std::unique_ptr<Edit> Edits::RemoveLayer(Layer& layer)
@@ -146,6 +275,9 @@ std::unique_ptr<Edit> Edits::ModifyLayer(Layer& layer, const QString& name, cons
             QString(), Property::Discrete, computed, layer.Code(), code,
             [computed](Document&, const QString& value) { computed->StoreCode(value); }));
         group->Add(std::move(paint));
+        if (code != layer.Code()) {
+            group->Add(NoteComputed(layer));
+        }
     }
     return group;
 }
@@ -201,21 +333,12 @@ std::unique_ptr<Edit> Edits::SetLayerVisible(Layer& layer, bool isVisible)
 
 std::unique_ptr<Edit> Edits::HideAllLayers(const LayerList& list)
 {
-    QVector<Layer*> shown;
-    const QVector<Layer*> layers = list.Layers();
-    for (Layer* layer : layers) {
-        if (layer->IsVisible()) {
-            shown.append(layer);
-        }
-    }
-    return std::make_unique<ChangeValue<bool>>(
-        Text("Hide all layers"), Property::Discrete, EditPlace(), !shown.isEmpty(), false,
-        [shown](Document& document, bool areVisible) {
-            for (Layer* layer : shown) {
-                layer->SetVisible(areVisible);
-                emit document.LayerChanged(layer, Aspect::Visibility, {});
-            }
-        });
+    return SetAllVisible(Text("Hide all layers"), list, false);
+}
+
+std::unique_ptr<Edit> Edits::ShowAllLayers(const LayerList& list)
+{
+    return SetAllVisible(Text("Show all layers"), list, true);
 }
 
 std::unique_ptr<Edit> Edits::Rename(QStandardItem& item, const QString& name)

@@ -18,7 +18,17 @@ namespace Edits {
 std::unique_ptr<Edit> AddPaintedLayer(LayerList& list, const QImage& mask);
 std::unique_ptr<Edit> AddComputedLayer(LayerList& list, const QString& name, const QString& code,
                                        const QImage& mask);
+/// A layer like this one under a free name, as the next row. Null without memory.
+std::unique_ptr<Edit> DuplicateLayer(Layer& layer);
 std::unique_ptr<Edit> RemoveLayer(Layer& layer);
+/// Adds what is set in the layer to the other one, and removes the layer. Null when there is no
+/// memory to undo it, and for masks of different sizes.
+std::unique_ptr<Edit> MergeLayers(Layer& layer, Layer& into);
+/// Gives the layer the mask; text: what the user did. Null without a mask, and when there is no
+/// memory to undo it.
+std::unique_ptr<Edit> ChangePixels(const QString& text, Layer& layer, const QImage& mask);
+/// Gives all pixels of the layer the value. Null when there is no memory to undo it.
+std::unique_ptr<Edit> FillLayer(const QString& text, Layer& layer, uchar value);
 /// row: in the list without the layer.
 std::unique_ptr<Edit> MoveLayer(Layer& layer, int row);
 /// Gives a computed layer another name, code and mask. Null masks leave code and mask as they are.
@@ -32,6 +42,7 @@ std::unique_ptr<Edit> SetLayerColor(Layer& layer, const QColor& color);
 std::unique_ptr<Edit> SetLayerOpacity(Layer& layer, int alpha);
 std::unique_ptr<Edit> SetLayerVisible(Layer& layer, bool isVisible);
 std::unique_ptr<Edit> HideAllLayers(const LayerList& list);
+std::unique_ptr<Edit> ShowAllLayers(const LayerList& list);
 /// Of a layer, a territory type or a territory.
 std::unique_ptr<Edit> Rename(QStandardItem& item, const QString& name);
 /// Replaces the flag types of the project; flags that named others are reset on request.

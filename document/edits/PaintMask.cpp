@@ -1,9 +1,46 @@
 #include "document/edits/PaintMask.h"
 
 #include "document/Document.h"
+#include "layers/raster/MaskTile.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
+
+namespace {
+
+bool Differs(const QImage& mask, const raster::Region& region, uchar value)
+{
+    return std::any_of(region.begin(), region.end(), [&mask, value](const raster::Span& span) {
+        const uchar* row = mask.constScanLine(span.y);
+        return std::any_of(row + span.begin, row + span.end,
+                           [value](uchar pixel) { return pixel != value; });
+    });
+}
+
+/// The pixels of the tiles that the span meets.
+QRect TilesOf(const raster::Span& span)
+{
+    constexpr int side = raster::TileSide;
+    const int left = span.begin / side * side;
+    const int right = (span.end + side - 1) / side * side;
+    return {left, span.y / side * side, right - left, side};
+}
+
+/// Keeps the tiles that the region meets. Spans that follow each other mostly meet the same tiles.
+bool Touch(raster::MaskDelta& delta, const QImage& mask, const raster::Region& region)
+{
+    QRect touched;
+    return std::all_of(region.begin(), region.end(), [&](const raster::Span& span) {
+        if (touched.contains(QRect(span.begin, span.y, span.end - span.begin, 1))) {
+            return true;
+        }
+        touched = TilesOf(span);
+        return delta.Touch(mask, touched);
+    });
+}
+
+} // namespace
 
 PaintMask::PaintMask(const QString& text, Layer& layer, raster::MaskDelta delta,
                      const QRect& changed)
@@ -25,6 +62,21 @@ PaintMask::PaintMask(const QString& text, Layer& layer, const QImage& mask)
     }
 }
 
+PaintMask::PaintMask(const QString& text, Layer& layer, raster::Region region, uchar value)
+    : PaintMask(text, layer, raster::MaskDelta(), raster::Bounds(region))
+{
+    if (!Differs(layer.Image(), region, value)) {
+        return;
+    }
+    m_isRecorded = Touch(m_delta, layer.Image(), region);
+    if (m_isRecorded) {
+        m_region = std::move(region);
+        m_value = value;
+    } else {
+        m_delta = raster::MaskDelta();
+    }
+}
+
 PaintMask::~PaintMask()
 {
     if (m_memory) {
@@ -43,6 +95,9 @@ void PaintMask::Do(Document& document)
 
 void PaintMask::Begin(Document& document)
 {
+    if (!m_region.empty()) {
+        FillRegion(document);
+    }
     m_memory = &document.Memory();
     m_number = m_memory->Add(*this, m_delta);
     if (!m_mask.isNull()) {
@@ -51,6 +106,18 @@ void PaintMask::Begin(Document& document)
         m_mask = QImage();
     }
     document.AnnouncePixels(m_layer, m_changed.toRect(), m_delta);
+}
+
+void PaintMask::FillRegion(Document& document)
+{
+    emit document.PixelsAboutToChange(m_layer);
+    // Only the mask that nobody shares is filled in place.
+    QImage mask = m_layer->Image();
+    m_layer->TakePaintedMask({});
+    raster::Fill(mask, m_region, m_value);
+    m_delta.DropUnchanged(mask);
+    m_layer->TakePaintedMask(mask);
+    m_region = {};
 }
 
 void PaintMask::Show(Document& document, bool isNew)

@@ -2,6 +2,7 @@
 
 #include "document/Edit.h"
 #include "layers/raster/MaskDelta.h"
+#include "layers/raster/Region.h"
 
 #include <QImage>
 
@@ -18,6 +19,9 @@ public:
     /// The layer shall have the mask. When there is no memory to undo that, the edit changes
     /// nothing.
     PaintMask(const QString& text, Layer& layer, const QImage& mask);
+    /// The pixels of the region shall have the value. Where there is no memory to undo that, the
+    /// edit changes nothing.
+    PaintMask(const QString& text, Layer& layer, raster::Region region, uchar value);
     ~PaintMask() override;
 
     /// False when there is no memory to undo it.
@@ -31,6 +35,7 @@ protected:
 
 private:
     void Begin(Document& document);
+    void FillRegion(Document& document);
     void Show(Document& document, bool isNew);
 
     Layer* m_layer;
@@ -38,6 +43,9 @@ private:
     bool m_isRecorded = true;
     /// The mask to begin with, until it is in the layer.
     QImage m_mask;
+    /// The pixels to begin with, until they have the value.
+    raster::Region m_region;
+    uchar m_value = 0;
     QRectF m_changed;
     /// Whether the layer has the mask of after the edit.
     bool m_showsNew = true;

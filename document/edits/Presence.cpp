@@ -9,6 +9,10 @@
 
 std::unique_ptr<Layer> TakeOut(Document& document, Layer& layer)
 {
+    // Views make another layer the current one as the row goes.
+    if (document.SoloLayer() == &layer) {
+        document.SetSoloLayer(nullptr);
+    }
     std::unique_ptr<Layer> taken = document.Layers().TakeLayer(layer);
     if (document.CurrentLayer() == &layer) {
         document.SetCurrentLayer(nullptr);

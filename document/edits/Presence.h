@@ -99,6 +99,7 @@ public:
     }
 
 protected:
+    const Item& Added() const { return *m_item; }
     void Do(Document& document) override { SetPresent(document, m_doesAdd); }
     void Undo(Document& document) override { SetPresent(document, !m_doesAdd); }
 

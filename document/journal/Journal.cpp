@@ -1,6 +1,7 @@
 #include "document/journal/Journal.h"
 
 #include "app/ProjectSettings.h"
+#include "document/LiveLayers.h"
 #include "document/journal/JournalNews.h"
 #include "territories/TerritoryType.h"
 
@@ -49,6 +50,7 @@ void Journal::ConnectDocument()
     connect(&m_document, &Document::FlagTypesChanged, this, followText);
     connect(&m_document, &Document::BackgroundPictureChanged, this, followText);
     connect(&m_document, &Document::BackgroundColorChanged, this, followText);
+    connect(&m_document, &Document::FormulaChanged, this, followText);
     connect(&m_document, &Document::HistoryChanged, this, &Journal::FollowHistory);
     connect(&m_document, &Document::HistoryBegan, this, &Journal::FollowBegin);
     connect(&m_document, &Document::Saved, this, [this] { FollowBegin(true); });
@@ -71,6 +73,10 @@ void Journal::FollowLayer(const Layer* layer, Document::LayerAspect aspect, cons
     }
     const Timing timing(*this);
     NoteChange();
+    if (m_document.Live().HasFollowers()) {
+        // The text holds what the pixels of computed layers are like.
+        MarkText();
+    }
     TileSet& dirty = StateOf(layer->Id()).dirty;
     if (const raster::MaskDelta* tiles = m_document.ChangedTiles()) {
         tiles->ForEachTile([&dirty](int tile) { dirty.Add(tile); });

@@ -1,5 +1,6 @@
 #include "app/ProjectDocument.h"
 #include "app/ProjectSettings.h"
+#include "document/Formulas.h"
 #include "document/journal/Journal.h"
 #include "document/journal/JournalNews.h"
 #include "document/journal/TileBatch.h"
@@ -266,7 +267,8 @@ void Journal::Commit()
         values.reset(new ProjectValues{
             current ? current->row() : -1, Settings(),
             [brush = m_document.GetBrush()](QXmlStreamWriter& xml) { brush.WriteXml(xml); },
-            m_document.Layers().Records(), m_document.Types().Records()});
+            m_document.Layers().Records(), m_document.Types().Records(),
+            m_document.LayerFormulas().Records()});
     }
     QVector<int> layerIds;
     const QVector<Layer*> layers = m_document.Layers().Layers();

@@ -4,6 +4,7 @@
 #include "document/journal/JournalFolder.h"
 #include "document/journal/JournalReader.h"
 #include "document/versions/ProjectOutline.h"
+#include "layers/FormulaFile.h"
 #include "layers/raster/TargaCodec.h"
 #include "platform/Files.h"
 
@@ -24,6 +25,7 @@ namespace {
 
 constexpr int FormatVersion = 1;
 constexpr qint64 MaxInfoBytes = 1 << 16;
+constexpr qint64 MaxFormulaBytes = 16 << 20;
 
 const struct
 {
@@ -146,6 +148,11 @@ QStringList Version::Bitmaps() const
                : QStringList();
 }
 
+int Version::FileCount() const
+{
+    return Bitmaps().size() + (IsPlainFile(PathOf(VersionFiles::Formulas)) ? 2 : 1);
+}
+
 QString Version::PathOf(QLatin1String file) const
 {
     return m_folder + QLatin1Char('/') + file;
@@ -166,7 +173,10 @@ StoredProject Version::Stored() const
         return folder.isEmpty() ? QImage()
                                 : LoadMask(folder + QLatin1Char('/') + BitmapFile(name), size);
     };
-    return {text, load, m_path};
+    StoredProject stored{text, load, m_path};
+    stored.formulas =
+        journal::ReadPlain(PathOf(VersionFiles::Formulas), MaxFormulaBytes).value_or(QByteArray());
+    return stored;
 }
 
 QImage Version::Picture() const
@@ -201,8 +211,11 @@ QString Version::CopyFilesTo(const QString& folder) const
     make(folder + QLatin1Char('/') + VersionFiles::Layers);
     if (!error) {
         const QString name = Name().isEmpty() ? QStringLiteral("document") : Name();
-        error = VersionFiles::Copy(PathOf(VersionFiles::Document),
-                                   folder + QStringLiteral("/%1.xml").arg(name));
+        const QString document = folder + QStringLiteral("/%1.xml").arg(name);
+        error = VersionFiles::Copy(PathOf(VersionFiles::Document), document);
+        if (!error && IsPlainFile(PathOf(VersionFiles::Formulas))) {
+            error = VersionFiles::Copy(PathOf(VersionFiles::Formulas), FormulaPath(document));
+        }
     }
     const QStringList bitmaps = Bitmaps();
     for (const QString& bitmap : bitmaps) {

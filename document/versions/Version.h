@@ -25,6 +25,8 @@ enum class VersionKind
 namespace VersionFiles {
 inline const QLatin1String Info("version.json");
 inline const QLatin1String Document("document.xml");
+/// Only when the project has computed layers.
+inline const QLatin1String Formulas("formulas.xml");
 /// The bitmaps' folder.
 inline const QLatin1String Layers("layers");
 inline const QLatin1String Journal("journal");
@@ -35,7 +37,8 @@ std::error_code Copy(const QString& from, const QString& to);
 } // namespace VersionFiles
 
 /// An earlier state of a project: a folder with "document.xml", the bitmaps of its layers as plain
-/// files in "layers", and "version.json", which tells what it is. Unsaved work is a folder
+/// files in "layers", the formulas of computed layers in "formulas.xml", and "version.json", which
+/// tells what it is. Unsaved work is a folder
 /// "journal" instead of document and layers.
 class Version
 {
@@ -59,6 +62,8 @@ public:
     const QString& Folder() const { return m_folder; }
     /// The files of its bitmaps, without their folder.
     QStringList Bitmaps() const;
+    /// Document, formulas and bitmaps.
+    int FileCount() const;
 
     /// To open it; without a text when it cannot be read any more. A malformed document is given up
     /// to its fault. Layers without a readable bitmap are left out when it is opened.

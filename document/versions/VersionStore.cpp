@@ -8,6 +8,7 @@
 #include "document/versions/ProjectOutline.h"
 #include "document/versions/VersionFolders.h"
 #include "document/versions/VersionPruning.h"
+#include "layers/FormulaFile.h"
 #include "layers/raster/TargaBands.h"
 #include "platform/Files.h"
 
@@ -236,8 +237,7 @@ std::error_code VersionStore::Keep(VersionKind kind, const QString& path,
                                                       : IsSame(kept, sources[i].from);
         same[i] = isSame ? kept : QString();
     }
-    // Beside the bitmaps there is the document.
-    if (last && !same.contains(QString()) && last->Bitmaps().size() + 1 == sources.size()) {
+    if (last && !same.contains(QString()) && last->FileCount() == sources.size()) {
         return {};
     }
     const QString folder = ProjectFolder(path);
@@ -321,6 +321,9 @@ struct VersionStore::Target
             return {};
         }
         saved.append({VersionFiles::Document, FollowedPath(path), {}, true});
+        if (QFileInfo(FormulaPath(path)).isFile()) {
+            saved.append({VersionFiles::Formulas, FollowedPath(FormulaPath(path)), {}, true});
+        }
         QStringList named = LayersOf(ReadFile(path));
         for (const QString& layer : qAsConst(named)) {
             if (HasBitmap(layer)) {

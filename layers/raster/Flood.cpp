@@ -4,11 +4,12 @@
 #include "layers/raster/PixelBits.h"
 #include "layers/raster/PixelMemory.h"
 #include "layers/raster/SpanWriter.h"
+#include "layers/raster/WideVectors.h"
 
 #include <QtAlgorithms>
 
 #include <algorithm>
-#include <cstring>
+#include <vector>
 
 namespace raster {
 namespace {
@@ -110,14 +111,14 @@ void ForEachEqual(const uchar* pixels, int width, uchar value, Take take)
 /// The runs of set bits that have a seed; all seeds are set bits.
 quint64 RunsWith(quint64 bits, quint64 seeds)
 {
-    // Up to the end of a run by the carry of an addition, which changes what lies above the lowest
-    // seed, but for the other seeds.
+    // The carry of the lowest seed clears the bits from there to the end of the run, except where
+    // there are more seeds.
     quint64 runs = (bits & ~(bits + seeds)) | seeds;
     quint64 below = bits & ~runs;
     if ((below & (runs >> 1)) == 0) {
         return runs;
     }
-    // Down to the beginning, twice as far in each step.
+    // On to the beginning of the run, twice as far in each step.
     for (int step = 1; step < WordLength; step *= 2) {
         runs |= below & (runs >> step);
         below &= below >> step;

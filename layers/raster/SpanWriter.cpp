@@ -1,6 +1,7 @@
 #include "layers/raster/SpanWriter.h"
 
 #include "layers/raster/PixelBits.h"
+#include "layers/raster/WideVectors.h"
 
 #include <QtAlgorithms>
 

@@ -1,9 +1,7 @@
 #include "canvas/tools/PaintTool.h"
 
-#include "tests/support/CanvasActions.h"
-#include "tests/support/CanvasFixture.h"
 #include "tests/support/Masks.h"
-#include "ui/LayerComposition.h"
+#include "tests/support/Painting.h"
 
 #include <QTest>
 
@@ -11,50 +9,7 @@ Q_DECLARE_METATYPE(Qt::MouseButton)
 
 namespace {
 
-constexpr QSize LayerSize(200, 160);
 const QColor Ink(255, 0, 0);
-
-/// A canvas whose current layer, "Forest", is painted, and whose window follows the history.
-class Painting : public CanvasFixture
-{
-public:
-    Painting()
-        : CanvasFixture(LayerSize)
-        , layer(AddLayer(Ink, {20, 20, 60, 50}))
-        , m_composition(document, view)
-    {
-        layer->setText(QStringLiteral("Forest"));
-        Edit(layer);
-        dock.SetSize(10);
-        TakeModified();
-    }
-
-    /// Gives the layer pixels of all values.
-    void AddGreys()
-    {
-        Random random;
-        layer->SetImage(RandomMask(random, LayerSize), Ink);
-        Edit(layer);
-    }
-
-    /// The pixels as they are; a copy of the image would only share them.
-    QByteArray Pixels() const { return Indices(layer->Image()); }
-    int StepCount() { return document.History().count(); }
-    /// Whether the map shows the layer as it is.
-    bool ShowsLayer() { return PictureOf(*ItemAt(CurrentZ)) == layer->Pixmap().toImage(); }
-    void PaintStroke(QPointF from, QPointF to, Qt::MouseButton button = Qt::LeftButton)
-    {
-        Press(from, button);
-        Move((from + to) / 2, button);
-        Move(to, button);
-        Release(to, button);
-    }
-
-    Layer* layer;
-
-private:
-    LayerComposition m_composition;
-};
 
 } // namespace
 

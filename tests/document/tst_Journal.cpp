@@ -1,11 +1,13 @@
 #include "document/journal/Journal.h"
 
 #include "document/edits/BackgroundEdits.h"
+#include "document/edits/FormulaEdits.h"
 #include "document/edits/LayerEdits.h"
 #include "document/edits/PaintMask.h"
 #include "document/edits/TerritoryEdits.h"
 #include "document/journal/JournalReader.h"
 #include "document/journal/Recovery.h"
+#include "layers/Formula.h"
 #include "layers/raster/Mask.h"
 #include "territories/TerritoryType.h"
 #include "territories/Zone.h"
@@ -46,6 +48,7 @@ private slots:
     void RandomEditsAreKept();
     void EditsAreKeptWithoutBeingAskedFor();
     void TheTextIsThatOfASave();
+    void FormulasAreKeptAsTheyAreNow();
     void MasksThatNoFileHoldsAreKept();
     void AStrokeUnderWayIsNotKept();
     void TheStateBeforeAStrokeIsKept();
@@ -278,6 +281,24 @@ void tst_Journal::TheTextIsThatOfASave()
     const QByteArray text = reader->Text();
     QVERIFY(m_work->Save());
     QCOMPARE(text, ReadBytes(m_work->DocumentPath()));
+}
+
+void tst_Journal::FormulasAreKeptAsTheyAreNow()
+{
+    Document& document = m_work->document;
+    Layer& lake = *m_work->LayerAt(0);
+    const QString code = Formula{OperationDilation, {lake.Id()}, 5}.Code();
+    document.Do(Edits::AddComputedLayer(document.Layers(), QStringLiteral("shore"), code,
+                                        EvaluateAtLayerSize(document.Layers(), code)));
+    Layer& shore = *document.Layers().LayerByName(QStringLiteral("shore"));
+    QCOMPARE(m_work->Unkept(), QString());
+    document.Do(Edits::MakeLayerLive(shore, {}));
+    QCOMPARE(m_work->Unkept(), QString());
+    m_work->Stroke(lake, {20, 20, 30, 30}, 255);
+    QCOMPARE(m_work->Unkept(), QString());
+    QVERIFY(m_work->Text().contains("live=\"1\""));
+    document.Undo();
+    QCOMPARE(m_work->Unkept(), QString());
 }
 
 void tst_Journal::MasksThatNoFileHoldsAreKept()

@@ -72,6 +72,7 @@ private slots:
     void SharesOnlyWhatIsReplaced_data();
     void SharesOnlyWhatIsReplaced();
     void KeepsNothingThatIsKept();
+    void KeepsTheFormulas();
     void KeepsNothingInANewPlace();
     void KeepsForeignBitmapsForBothProjects();
     void KeepsBitmapsWithoutADocument();
@@ -242,6 +243,26 @@ void tst_VersionStore::KeepsNothingThatIsKept()
     QVERIFY(QFile::remove(Path("project/layers/blue.tga")));
     Store().KeepBeforeSave(path, {"red", "blue"}, OwnProject());
     QCOMPARE(MapVersions().size(), 3);
+}
+
+void tst_VersionStore::KeepsTheFormulas()
+{
+    WriteProject();
+    const QString path = Path("project/map.xml");
+    Put("project/map.derived.xml", "formulas");
+    const auto before = FilesBelow(Path("project"));
+    for (int i = 0; i < 2; ++i) {
+        Store().KeepBeforeSave(path, {"red", "blue"}, OwnProject());
+        QCOMPARE(MapVersions().size(), 1);
+        QCOMPARE(MapVersions().constFirst().Stored().formulas, QByteArray("formulas"));
+    }
+    QCOMPARE(MapVersions().constFirst().CopyFilesTo(Path("copy")), QString());
+    QCOMPARE(FilesBelow(Path("copy")), before);
+
+    QVERIFY(QFile::remove(Path("project/map.derived.xml")));
+    Store().KeepBeforeSave(path, {"red", "blue"}, OwnProject());
+    QCOMPARE(MapVersions().size(), 2);
+    QCOMPARE(MapVersions().constFirst().Stored().formulas, QByteArray());
 }
 
 void tst_VersionStore::KeepsNothingInANewPlace()

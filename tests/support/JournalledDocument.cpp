@@ -2,6 +2,7 @@
 
 #include "app/ProjectDocument.h"
 #include "app/ProjectFile.h"
+#include "document/Formulas.h"
 #include "document/edits/PaintMask.h"
 #include "document/edits/TerritoryEdits.h"
 #include "document/journal/JournalReader.h"
@@ -89,7 +90,8 @@ QByteArray JournalledDocument::Text()
     QXmlStreamWriter xml(&text);
     WriteProjectText(xml, {-1, ProjectSettings::Instance(),
                            [this](QXmlStreamWriter& brush) { document.GetBrush().WriteXml(brush); },
-                           document.Layers().Records(), document.Types().Records()});
+                           document.Layers().Records(), document.Types().Records(),
+                           document.LayerFormulas().Records()});
     return text;
 }
 

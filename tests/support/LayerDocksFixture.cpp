@@ -48,6 +48,17 @@ QString LayerDocksFixture::Order() const
     return RowTexts(*List()->model()).join(QLatin1Char(' '));
 }
 
+QString LayerDocksFixture::ShownRows() const
+{
+    QStringList names = RowTexts(*List()->model());
+    for (int row = names.size() - 1; row >= 0; --row) {
+        if (Tree()->isRowHidden(row, {})) {
+            names.removeAt(row);
+        }
+    }
+    return names.join(QLatin1String(", "));
+}
+
 QPushButton* LayerDocksFixture::Button(const char* name) const
 {
     return dock->findChild<QPushButton*>(QLatin1String(name));

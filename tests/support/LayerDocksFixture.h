@@ -31,6 +31,8 @@ public:
     Layer* LayerAt(int row) const { return List()->LayerAt(row); }
     /// The names of the layers, in the order of the rows.
     QString Order() const;
+    /// The names in the rows that the tree shows.
+    QString ShownRows() const;
 
     TreeViewLayers* Tree() const { return dock->findChild<TreeViewLayers*>(); }
     QPushButton* Button(const char* name) const;

@@ -4,7 +4,6 @@
 #include "layers/LayerList.h"
 #include "layers/Targa.h"
 #include "territories/TerritoryTypeList.h"
-#include "tests/support/Drags.h"
 #include "tests/support/Files.h"
 #include "ui/DockLayers.h"
 #include "ui/DockTerTypes.h"
@@ -111,6 +110,12 @@ const std::vector<RandomUser::Deed>& RandomUser::Deeds()
         {"escaped stroke", 20, &RandomUser::EscapeStroke},
         {"delete key", 15, &RandomUser::PressDelete},
         {"history", 15, &RandomUser::ClickHistory},
+        {"layer action", 60, &RandomUser::LayerAction},
+        {"filter", 10, &RandomUser::FilterLayers},
+        {"tool", 120, &RandomUser::ChooseTool},
+        {"paint option", 60, &RandomUser::ChoosePaintOption},
+        {"corners", 60, &RandomUser::DrawCorners},
+        {"shape", 60, &RandomUser::DrawShape},
     };
     return deeds;
 }
@@ -126,8 +131,15 @@ QString RandomUser::Act()
         drawn -= deed->weight;
         ++deed;
     }
+    const QMap<int, QImage> locked = LockedMasks();
     (this->*deed->act)();
     QCoreApplication::processEvents();
+    // What was done before a lock is undone with it.
+    const QStringList undoing{QStringLiteral("undo"), QStringLiteral("redo"),
+                              QStringLiteral("history"), QStringLiteral("broken stroke")};
+    if (!undoing.contains(QLatin1String(deed->name))) {
+        CompareLocked(locked);
+    }
     NoteLoad();
     log.Take();
     return QLatin1String(deed->name);
@@ -245,7 +257,8 @@ void RandomUser::PressKey()
                                Qt::Key_Up,          Qt::Key_Down,
                                Qt::Key_BracketLeft, Qt::Key_BracketRight,
                                Qt::Key_Delete,      Qt::Key_Escape,
-                               Qt::Key_Return,      Qt::Key_Tab};
+                               Qt::Key_Return,      Qt::Key_Tab,
+                               Qt::Key_Backspace,   Qt::Key_Z};
     const auto key = static_cast<Qt::Key>(keys[m_random.Below(int(std::size(keys)))]);
     const Qt::KeyboardModifiers modifiers =
         m_random.Below(2) == 0 ? Qt::ControlModifier : Qt::NoModifier;
@@ -302,15 +315,6 @@ void RandomUser::ClickRow()
     const QPoint position(m_random.Below(tree->viewport()->width()),
                           m_random.Below(std::min(tree->viewport()->height(), 160)));
     QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, position);
-}
-
-void RandomUser::DragLayer()
-{
-    const int count = Layers().Layers().size();
-    if (count > 1 && OneOf({"treeLayers"})) {
-        DragRow(*Child<QAbstractItemView>("treeLayers"), m_random.Below(count),
-                m_random.Below(count));
-    }
 }
 
 void RandomUser::TriggerRowAction()
@@ -458,16 +462,6 @@ void RandomUser::Redo()
     for (int steps = m_random.Between(1, 8); steps > 0; --steps) {
         Trigger("actionRedo");
     }
-}
-
-void RandomUser::EscapeStroke()
-{
-    const Qt::MouseButton button = m_random.Below(3) == 0 ? Qt::RightButton : Qt::LeftButton;
-    Mouse(QEvent::MouseButtonPress, SomewhereOnMap(), button, button);
-    Mouse(QEvent::MouseMove, SomewhereOnMap(), Qt::NoButton, button);
-    QTest::keyClick(&View(), Qt::Key_Escape);
-    Mouse(QEvent::MouseMove, SomewhereOnMap(), Qt::NoButton, button);
-    Mouse(QEvent::MouseButtonRelease, SomewhereOnMap(), button, Qt::NoButton);
 }
 
 void RandomUser::PressDelete()

@@ -5,6 +5,8 @@
 #include "tests/support/WindowFixture.h"
 
 #include <QEvent>
+#include <QImage>
+#include <QMap>
 #include <QStringList>
 
 class LayerList;
@@ -72,7 +74,17 @@ private:
     void EscapeStroke();
     void PressDelete();
     void ClickHistory();
+    void LayerAction();
+    void FilterLayers();
+    void ChooseTool();
+    void ChoosePaintOption();
+    void DrawCorners();
+    void DrawShape();
 
+    /// Of the locked layers, by their ids.
+    QMap<int, QImage> LockedMasks() const;
+    /// Remembers a layer that is still locked and has other pixels.
+    void CompareLocked(const QMap<int, QImage>& before);
     /// Releases the buttons and keys that are held.
     void LetGo();
     /// Remembers what was loaded, once the history begins anew.
@@ -80,6 +92,7 @@ private:
     void Mouse(QEvent::Type type, QPoint position, Qt::MouseButton button,
                Qt::MouseButtons buttons);
     QPoint SomewhereOnMap();
+    Qt::MouseButton LeftOrRight();
     /// Returns a random visible widget of these, or null.
     QWidget* OneOf(const std::vector<const char*>& names);
     QAbstractItemView* ATree();
@@ -88,11 +101,13 @@ private:
     void AnswerFileDialog(QWidget& dialog);
     void AnswerNewProject(QWidget& dialog);
     void AnswerCustomLayer(QWidget& dialog);
+    void AnswerLayerAction(QWidget& dialog);
     void PressAnyButton(QWidget& dialog);
 
     Random m_random;
     const ProjectSettings m_settingsAtStart = ProjectSettings::Instance();
     int m_customLayerAnswers = 0;
+    QString m_changedLocked;
     /// What was loaded or begun, and what was saved last since.
     SavedFiles m_loaded;
     SavedFiles m_saved;

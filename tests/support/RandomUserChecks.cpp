@@ -125,6 +125,23 @@ QString RandomUser::Contradiction() const
         Action("actionRedo")->isEnabled() != window->GetDocument().CanRedo()) {
         return QStringLiteral("Undo or redo is enabled where it cannot be, or the other way.");
     }
+    if (!m_changedLocked.isEmpty()) {
+        return QStringLiteral("The locked layer '%1' changed.").arg(m_changedLocked);
+    }
+    const Document& document = window->GetDocument();
+    if (document.SoloLayer() && !layers.contains(document.SoloLayer())) {
+        return QStringLiteral("A layer that is in no list is shown alone.");
+    }
+    const Layer* current = document.CurrentLayer();
+    if (Action("actionLayerSolo")->isChecked() != bool(document.SoloLayer())) {
+        return QStringLiteral("\"Show only this layer\" is ticked wrongly.");
+    }
+    if (Action("actionLayerLock")->isChecked() != (current && document.IsLocked(*current))) {
+        return QStringLiteral("\"Lock\" is ticked wrongly.");
+    }
+    if (Action("actionLayerFill")->isEnabled() != (current && document.CanTravel())) {
+        return QStringLiteral("The menu Layer does not fit the current layer.");
+    }
     if (Action("actionTogglePaintMode")->isChecked() !=
         Child<QGroupBox>("gboPaintMode")->isChecked()) {
         return QStringLiteral("Action and box show different paint modes.");

@@ -17,6 +17,9 @@ void RandomUser::Answer(QWidget& dialog)
         AnswerNewProject(dialog);
     } else if (dialog.objectName() == QLatin1String("DialogCustomLayer")) {
         AnswerCustomLayer(dialog);
+    } else if (dialog.objectName() == QLatin1String("DialogGrowLayer") ||
+               dialog.objectName() == QLatin1String("DialogMergeLayer")) {
+        AnswerLayerAction(dialog);
     } else {
         PressAnyButton(dialog);
     }
@@ -98,6 +101,16 @@ void RandomUser::AnswerCustomLayer(QWidget& dialog)
         ->setText(QStringLiteral("custom %1").arg(m_random.Below(8)));
     const char* const name = m_random.Below(2) == 0 ? "btnOk" : "btnCancel";
     QTest::mouseClick(child(name), Qt::LeftButton);
+}
+
+void RandomUser::AnswerLayerAction(QWidget& dialog)
+{
+    if (auto* radius = dialog.findChild<QSpinBox*>(QStringLiteral("spnRadius"))) {
+        radius->setValue(m_random.Between(radius->minimum(), radius->maximum() / 8));
+    } else if (auto* target = dialog.findChild<QComboBox*>(QStringLiteral("cboMergeInto"))) {
+        target->setCurrentIndex(m_random.Below(target->count()));
+    }
+    PressAnyButton(dialog);
 }
 
 void RandomUser::PressAnyButton(QWidget& dialog)

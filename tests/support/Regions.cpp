@@ -38,6 +38,9 @@ raster::Region RandomRegion(Random& random, QSize size)
 
 QSize RandomSize(Random& random)
 {
+    if (random.Below(8) == 0) {
+        return {random.Between(150, 2200), random.Between(1, 3)};
+    }
     return {random.Between(1, 150), random.Between(1, 30)};
 }
 
@@ -50,12 +53,11 @@ QString Difference(const raster::Region& actual, const raster::Region& expected)
                                        .arg(region[i].end)
                                  : QStringLiteral("nothing");
     };
-    for (std::size_t i = 0; i < std::max(actual.size(), expected.size()); ++i) {
-        const QString is = text(actual, i);
-        const QString shouldBe = text(expected, i);
-        if (is != shouldBe) {
-            return QStringLiteral("span %1 is %2, not %3").arg(i).arg(is, shouldBe);
-        }
+    const auto [is, shouldBe] =
+        std::mismatch(actual.begin(), actual.end(), expected.begin(), expected.end());
+    if (is == actual.end() && shouldBe == expected.end()) {
+        return {};
     }
-    return {};
+    const auto i = static_cast<std::size_t>(is - actual.begin());
+    return QStringLiteral("span %1 is %2, not %3").arg(i).arg(text(actual, i), text(expected, i));
 }

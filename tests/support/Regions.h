@@ -14,7 +14,8 @@ raster::Region RegionWhere(QSize size, const std::function<bool(int, int)>& isIn
 raster::Region RegionOf(const QImage& mask);
 /// Runs of any length in a mask of that size.
 raster::Region RandomRegion(Random& random, QSize size);
-/// Up to 150 pixels wide, so that rows have one to three words of bits, and up to 30 high.
+/// Up to 150 pixels wide, so that rows have one to three words of bits, and up to 30 high; one in
+/// eight is much wider and very low.
 QSize RandomSize(Random& random);
 /// What differs between two regions, in words; empty when they are equal.
 QString Difference(const raster::Region& actual, const raster::Region& expected);

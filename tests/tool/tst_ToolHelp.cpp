@@ -27,6 +27,7 @@ Commands:
   check    Look for what makes a project's output wrong or surprising.
   info     Show what a project, map, layer bitmap, territory type or area types file holds.
   at       Show what is at a place: flags, layers and zones.
+  derive   Compute layers anew from the formulas that the project keeps of them.
   export   Write the area map and the territory type files of a project.
   compare  Show where two maps or two projects differ.
   render   Make a PNG picture of a project, map or layer bitmap.
@@ -37,7 +38,7 @@ Options:
 
 Exit codes:
   0  Done.
-  1  There are findings or differences.
+  1  There are findings or differences, or layers are out of date.
   2  The arguments are wrong.
   3  A file cannot be read.
   4  A file cannot be written.
@@ -51,6 +52,19 @@ Ends with 1 if there are errors.
 Options:
   --strict     End with 1 even if there are only warnings.
   --json       Print the findings as JSON.
+  -q, --quiet  Print only errors, and JSON if --json asks for it.
+  -h, --help   Show this help.
+)";
+    QTest::newRow("derive") << QStringList{"derive", "--help"}
+                            << R"(Usage: quillmap-tool derive [OPTION]... PROJECT [LAYER]...
+
+Compute layers anew from the formulas that the project keeps of them.
+Computes the layers and what they are made of, or without LAYER all, and
+replaces their bitmaps, hand edits too, or none if something fails.
+Prints the names of the files.
+
+Options:
+  --check      Write nothing, print what is out of date or edited by hand, and end with 1 if anything is.
   -q, --quiet  Print only errors, and JSON if --json asks for it.
   -h, --help   Show this help.
 )";

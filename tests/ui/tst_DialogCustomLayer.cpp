@@ -86,6 +86,8 @@ private slots:
     void OpensAPaintedLayer();
     void OpensAComputedLayer_data();
     void OpensAComputedLayer();
+    void MarksAnInputThatWasRemoved();
+    void ShowsTheRadiusInEffect();
     void ALayerWithoutAnImageIsAdded();
     void IgnoresARequestForTheSameCode();
     void ComputesLaterWhatWasAskedMeanwhile();
@@ -213,7 +215,8 @@ void tst_DialogCustomLayer::OpensAComputedLayer_data()
     QTest::newRow("a radius below the range") << "d(B:0)" << 5 << 1 << 0 << 1;
     QTest::newRow("a radius above the range") << "d(B:5000)" << 5 << 1 << 0 << 2000;
     QTest::newRow("an unknown operation") << "x(B)" << 0 << 1 << 0 << 25;
-    QTest::newRow("an id that is gone") << "!(999999)" << 0 << 0 << 0 << 25;
+    QTest::newRow("an id that is gone") << "!(999999)" << 0 << -1 << 0 << 25;
+    QTest::newRow("two ids that are gone") << "+(999999)(999998)" << 1 << -1 << -1 << 25;
 }
 
 void tst_DialogCustomLayer::OpensAComputedLayer()
@@ -227,6 +230,75 @@ void tst_DialogCustomLayer::OpensAComputedLayer()
     QTEST(opened.Child<QComboBox>("cboInputA")->currentIndex(), "rowA");
     QTEST(opened.Child<QComboBox>("cboInputB")->currentIndex(), "rowB");
     QTEST(opened.Child<QSpinBox>("spnRadius")->value(), "radius");
+}
+
+void tst_DialogCustomLayer::MarksAnInputThatWasRemoved()
+{
+    Layer* gone = Add("gone", QRect(0, 0, 8, 8));
+    const QString code = QString("-(%1)(%2)").arg(m_first->Id()).arg(gone->Id());
+    Layer* computed = Add("computed", QRect(0, 0, 4, 4), code);
+    m_document->Layers().RemoveLayer(gone->Id());
+    const Opened opened(*m_document, computed);
+    const auto* ok = opened.Child<QPushButton>("btnOk");
+    const auto* input = opened.Child<QComboBox>("cboInputB");
+    QCOMPARE(input->currentIndex(), -1);
+    QCOMPARE(input->placeholderText(), "(removed)");
+    QVERIFY(!ok->isEnabled());
+    // Painted as well: see below.
+    const QImage marked = opened.Child<QWidget>("cboInputB")->grab().toImage();
+    // Enter and another name do not get by.
+    QTest::keyClicks(opened.Child<QLineEdit>("txtOutputName"), "x");
+    QVERIFY(!ok->isEnabled());
+    opened.Child<QPushButton>("btnOk")->click();
+    QCOMPARE(computed->Code(), code);
+    // What works on one layer does not need it.
+    opened.Choose("cboOperation", OperationComplement);
+    QVERIFY(ok->isEnabled());
+    opened.Choose("cboOperation", OperationUnion);
+    QVERIFY(!ok->isEnabled());
+    opened.Choose("cboInputB", 1);
+    QVERIFY(ok->isEnabled());
+    QVERIFY(opened.Child<QWidget>("cboInputB")->grab().toImage() != marked);
+    QCOMPARE(opened.LastCode(), QString("+(%1)(%2)").arg(m_first->Id()).arg(m_second->Id()));
+}
+
+void tst_DialogCustomLayer::ShowsTheRadiusInEffect()
+{
+    const Opened opened(*m_document);
+    const auto* effect = opened.Child<QLabel>("lblRadiusEffective");
+    const auto* hint = opened.Child<QLabel>("lblPreviewHint");
+    QCOMPARE(effect->text(), QString());
+    QCOMPARE(hint->text(), QString());
+    opened.Choose("cboOperation", OperationDilation);
+    // 10 metres a pixel.
+    QCOMPARE(effect->text(), "25 m = 2 px = 20 m");
+    QVERIFY(hint->text().contains("exaggerates"));
+    // While one types, before the preview follows.
+    auto* radius = opened.Child<QSpinBox>("spnRadius");
+    const struct
+    {
+        QSize layer;
+        QSize world;
+        int metres;
+        const char* text;
+    } cases[] = {
+        {{2048, 2048}, {15360, 15360}, 25, "25 m = 3 px = 22.5 m"},
+        {{64, 64}, {640, 640}, 9, "9 m = 0 px = 0 m"},
+        {{64, 64}, {640, 640}, 2000, "2000 m = 200 px = 2000 m"},
+        {{64, 32}, {640, 640}, 31, "31 m = 3 px = 30 m by 60 m"},
+        {{1000, 1000}, {333, 333}, 1, "1 m = 3 px = 0.999 m"},
+        {{64, 64}, {0, 0}, 30, "30 m"},
+    };
+    for (const auto& each : cases) {
+        ProjectSettings::Instance().SetSizes(each.layer.width(), each.layer.height(),
+                                             each.world.width(), each.world.height());
+        radius->setValue(each.metres == 1 ? 2 : 1);
+        radius->setValue(each.metres);
+        QCOMPARE(effect->text(), each.text);
+    }
+    opened.Choose("cboOperation", OperationUnion);
+    QCOMPARE(effect->text(), QString());
+    QCOMPARE(hint->text(), QString());
 }
 
 void tst_DialogCustomLayer::ALayerWithoutAnImageIsAdded()

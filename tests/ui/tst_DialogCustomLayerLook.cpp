@@ -99,7 +99,7 @@ void tst_DialogCustomLayerLook::HasItsRows()
     QVERIFY(qobject_cast<QVBoxLayout*>(dialog.layout()));
     QCOMPARE(row("verticalLayout_2"),
              (QStringList{"horizontalLayout_2", "horizontalLayout", "horizontalLayout_3"}));
-    QCOMPARE(row("horizontalLayout_2"), QStringList{"groupBoxDefinition"});
+    QCOMPARE(row("horizontalLayout_2"), (QStringList{"groupBoxDefinition", "layoutRadius"}));
     QCOMPARE(row("horizontalLayout"),
              (QStringList{"groupBoxInputA", "groupBoxInputB", "groupBoxOutput"}));
     QCOMPARE(row("horizontalLayout_3"), (QStringList{"pgr", "btnCancel", "btnOk"}));

@@ -1,9 +1,11 @@
 #include "ui/DockLayers.h"
 
+#include "tests/support/Drags.h"
 #include "tests/support/LayerDocksFixture.h"
 #include "tests/support/LogSpy.h"
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QMetaMethod>
 #include <QSignalSpy>
 #include <QStandardItemModel>
@@ -30,6 +32,9 @@ private slots:
     void SelectsNothingByItself();
     void ReportsWhatTheUserChecks();
     void HidesAll();
+    void FiltersRows();
+    void NewRowsObeyTheFilter();
+    void DragsFilteredRows();
     void WritesAndReads();
     void SavesTheMap();
     void ReportsAMapThatCannotBeSaved();
@@ -260,6 +265,74 @@ void tst_DockLayers::HidesAll()
     QCOMPARE(checked.size(), 0);
     QVERIFY(m_docks->Button("btnHideAll")->isEnabled());
     QVERIFY(m_docks->IsModified());
+}
+
+void tst_DockLayers::FiltersRows()
+{
+    for (const char* name : {"Lake", "Shore of the lake", "Forest"}) {
+        m_docks->AddLayer(QLatin1String(name));
+    }
+    m_docks->Click(2);
+    auto* field = m_docks->dock->findChild<QLineEdit*>(QStringLiteral("txtLayerFilter"));
+    // The Tab key passes it by.
+    QCOMPARE(field->focusPolicy(), Qt::ClickFocus);
+    QTest::mouseClick(field, Qt::LeftButton);
+    QTest::keyClicks(field, QStringLiteral("LAKE"));
+    QCOMPARE(m_docks->ShownRows(), QStringLiteral("Lake, Shore of the lake"));
+    // What is hidden stays what it is.
+    QCOMPARE(m_docks->Tree()->currentIndex(), m_docks->LayerAt(2)->index());
+    QCOMPARE(m_docks->selected, QStringList{QStringLiteral("Forest")});
+    QVERIFY(!m_docks->IsModified());
+    QTest::keyClicks(field, QStringLiteral("s"));
+    QCOMPARE(m_docks->ShownRows(), QString());
+    QTest::keyClick(field, Qt::Key_Escape);
+    QCOMPARE(field->text(), QString());
+    QCOMPARE(m_docks->ShownRows(), QStringLiteral("Lake, Shore of the lake, Forest"));
+    QCOMPARE(QApplication::focusWidget(), m_docks->Tree());
+    QCOMPARE(m_docks->Tree()->model(), m_docks->List()->model());
+}
+
+void tst_DockLayers::NewRowsObeyTheFilter()
+{
+    m_docks->AddLayer(QStringLiteral("Lake"));
+    auto* field = m_docks->dock->findChild<QLineEdit*>(QStringLiteral("txtLayerFilter"));
+    field->setText(QStringLiteral("lake"));
+    m_docks->AddLayer(QStringLiteral("Forest"));
+    Layer* north = m_docks->AddLayer(QStringLiteral("north lake"));
+    QCOMPARE(m_docks->ShownRows(), QStringLiteral("Lake, north lake"));
+    north->setText(QStringLiteral("north"));
+    QCOMPARE(m_docks->ShownRows(), QStringLiteral("Lake"));
+    // Rows that are moved, too.
+    m_docks->List()->MoveLayer(*north, 0);
+    QCOMPARE(m_docks->ShownRows(), QStringLiteral("Lake"));
+    // Another project begins with all of its rows.
+    m_docks->document.Clear();
+    QCOMPARE(field->text(), QString());
+}
+
+void tst_DockLayers::DragsFilteredRows()
+{
+    for (const char* name : {"x1", "a", "x2", "b", "x3"}) {
+        m_docks->AddLayer(QLatin1String(name));
+    }
+    auto* field = m_docks->dock->findChild<QLineEdit*>(QStringLiteral("txtLayerFilter"));
+    field->setText(QStringLiteral("x"));
+    QCOMPARE(m_docks->ShownRows(), QStringLiteral("x1, x2, x3"));
+    DragRow(*m_docks->Tree(), 0, 2);
+    QCOMPARE(m_docks->ShownRows(), QStringLiteral("x2, x1, x3"));
+    QCOMPARE(m_docks->Order(), QStringLiteral("a x2 x1 b x3"));
+    DragRow(*m_docks->Tree(), 4, 1);
+    QCOMPARE(m_docks->ShownRows(), QStringLiteral("x3, x2, x1"));
+    QCOMPARE(m_docks->Order(), QStringLiteral("a x3 x2 x1 b"));
+    // Keys go past the next row that is shown.
+    m_docks->document.SetCurrentLayer(m_docks->LayerAt(3));
+    m_docks->dock->MoveCurrent(false);
+    QCOMPARE(m_docks->Order(), QStringLiteral("a x3 x2 x1 b"));
+    m_docks->dock->MoveCurrent(true);
+    m_docks->dock->MoveCurrent(true);
+    QCOMPARE(m_docks->Order(), QStringLiteral("a x1 x3 x2 b"));
+    m_docks->dock->MoveCurrent(true);
+    QCOMPARE(m_docks->Order(), QStringLiteral("a x1 x3 x2 b"));
 }
 
 void tst_DockLayers::WritesAndReads()

@@ -145,7 +145,7 @@ void EditRandomly(Random& random, Overview& canvas)
 {
     const QVector<Layer*> layers = canvas.layers.Layers();
     Layer& layer = *layers.at(random.Below(layers.size()));
-    switch (random.Below(9)) {
+    switch (random.Below(10)) {
     case 0:
         canvas.document.Do(Edits::SetLayerVisible(layer, !layer.IsVisible()));
         break;
@@ -172,6 +172,9 @@ void EditRandomly(Random& random, Overview& canvas)
         break;
     case 7:
         canvas.document.Redo();
+        break;
+    case 8:
+        canvas.document.SetSoloLayer(canvas.document.SoloLayer() ? nullptr : &layer);
         break;
     default:
         canvas.document.Undo();
@@ -207,6 +210,11 @@ void tst_DockOverview::ShowsWhatTheMapShows()
     };
     QCOMPARE(canvas.Picture().size(), QSize(512, 354));
     compare("at first");
+    canvas.document.SetSoloLayer(canvas.layer);
+    compare("only one layer");
+    QVERIFY(canvas.Picture().pixelColor(470, 340) == QColor(0, 0, 0, 0));
+    canvas.document.SetSoloLayer(nullptr);
+    compare("all layers again");
     Layer* second = canvas.layers.LayerAt(1);
 
     canvas.document.Do(Edits::SetLayerVisible(*second, false));

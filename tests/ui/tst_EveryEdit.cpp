@@ -158,6 +158,15 @@ public:
         ClickAt({10, 10});
         QCOMPARE(Scene().selectedItems().size(), 1);
     }
+    /// Accepts the dialog that the action opens.
+    void AcceptAfter(const char* action)
+    {
+        answers.Add([](QWidget& dialog) {
+            QTest::keyClick(&dialog, Qt::Key_Return);
+            QTRY_VERIFY(!dialog.isVisible());
+        });
+        Trigger(action);
+    }
     void Compute(int operation)
     {
         answers.Add([operation](QWidget& dialog) {
@@ -275,6 +284,22 @@ void tst_EveryEdit::IsUndoneAndDoneAgain_data()
         },
         "Erase stroke on blue");
     row(
+        "shape", EnterPaint,
+        [](Editor& e) {
+            e.Trigger("toolEllipse");
+            e.Drag({30, 40}, {50, 54});
+        },
+        "Paint ellipse on blue");
+    row(
+        "fill within", EnterPaint,
+        [](Editor& e) {
+            e.Trigger("toolFill");
+            e.Child<QComboBox>("cboPaintWithin")->setCurrentIndex(1);
+            e.Drag({40, 40}, {40, 40});
+            e.Drag({12, 12}, {12, 12}, Qt::RightButton);
+        },
+        "Erase area on blue");
+    row(
         "add layer", Nothing, [](Editor& e) { e.Click("btnAddPainted"); }, "Add layer layer-\\d+");
     row("add computed layer", Nothing, AddComputed, "Add layer computed 0");
     row(
@@ -312,6 +337,30 @@ void tst_EveryEdit::IsUndoneAndDoneAgain_data()
         "Hide layer red");
     row(
         "hide all", Nothing, [](Editor& e) { e.Click("btnHideAll"); }, "Hide all layers");
+    row(
+        "duplicate layer", Nothing, [](Editor& e) { e.Key(Qt::Key_D, Qt::ControlModifier); },
+        "Duplicate layer blue");
+    row(
+        "fill", Nothing, [](Editor& e) { e.Trigger("actionLayerFill"); }, "Fill blue");
+    row(
+        "clear", Nothing, [](Editor& e) { e.Trigger("actionLayerClear"); }, "Clear blue");
+    row(
+        "invert", Nothing, [](Editor& e) { e.Trigger("actionLayerInvert"); }, "Invert blue");
+    row(
+        "grow", Nothing, [](Editor& e) { e.AcceptAfter("actionLayerGrow"); }, "Grow blue by 25 m");
+    row(
+        "shrink", Nothing, [](Editor& e) { e.AcceptAfter("actionLayerShrink"); },
+        "Shrink blue by 25 m");
+    row(
+        "merge", EnterPaint, [](Editor& e) { e.AcceptAfter("actionLayerMerge"); },
+        "Merge layer blue into red");
+    row(
+        "move layer up", Nothing, [](Editor& e) { e.Key(Qt::Key_Up, Qt::AltModifier); },
+        "Move layer blue");
+    row(
+        "show all",
+        [](Editor& e) { Editor::ClickBox(e.LayerTree(), e.LayerTree().model()->index(0, 0)); },
+        [](Editor& e) { e.Trigger("actionLayersShowAll"); }, "Show all layers");
     row(
         "import flag types", Nothing,
         [](Editor& e) {

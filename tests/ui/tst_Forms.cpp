@@ -16,6 +16,8 @@
 #include "ui/DockTerTypes.h"
 #include "ui/SceneScale.h"
 #include "ui/dialogs/DialogGoTo.h"
+#include "ui/dialogs/DialogGrowLayer.h"
+#include "ui/dialogs/DialogMergeLayer.h"
 #include "ui/widgets/GroupBoxColor.h"
 
 #include <QDir>
@@ -49,6 +51,18 @@ const struct
          return FormText(DialogCustomLayer(fixture.document, nullptr));
      }},
     {"DialogGoTo", [] { return FormText(DialogGoTo(SceneScale(QSizeF()), {}, {})); }},
+    {"DialogGrowLayer",
+     [] {
+         const LayerList list;
+         Layer layer(0, 0, nullptr, QStringLiteral("Lake"));
+         return FormText(DialogGrowLayer(list, layer, true));
+     }},
+    {"DialogMergeLayer",
+     [] {
+         const Document document;
+         Layer layer(0, 0, nullptr, QStringLiteral("Lake"));
+         return FormText(DialogMergeLayer(document, layer));
+     }},
     {"DialogNewProject", [] { return FormText(DialogNewProject()); }},
     {"DialogVersions",
      [] {

@@ -1,7 +1,12 @@
 #include "document/Document.h"
+#include "document/Formulas.h"
+#include "document/LiveLayers.h"
+#include "document/edits/FormulaEdits.h"
+#include "document/edits/LayerEdits.h"
 #include "document/journal/JournalReader.h"
 #include "document/journal/Recovery.h"
 #include "document/journal/SessionLock.h"
+#include "layers/Formula.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "tests/support/Files.h"
@@ -15,6 +20,7 @@
 #include <QLabel>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+
 #include <QTest>
 
 namespace {
@@ -75,6 +81,7 @@ class tst_SessionNotices : public QObject
 private slots:
     void KeepsNothingWithoutAChange();
     void RestoresWhatADeadSessionLeft();
+    void RestoresLiveLayers();
     void RestoresUnderNoNameWhatChangedMeanwhile_data();
     void RestoresUnderNoNameWhatChangedMeanwhile();
     void AsksBeforeItReplacesUnsavedWork();
@@ -92,18 +99,23 @@ private slots:
 private:
     /// Makes a session that renames the first layer to "green" and dies. Returns the files that a
     /// save would have written then.
-    static WindowFixture::SavedFiles LeaveWork(WindowFixture& fixture);
+    /// work: what the session does before that.
+    static WindowFixture::SavedFiles LeaveWork(
+        WindowFixture& fixture, const std::function<void()>& work = [] {});
 };
 
-WindowFixture::SavedFiles tst_SessionNotices::LeaveWork(WindowFixture& fixture)
+WindowFixture::SavedFiles tst_SessionNotices::LeaveWork(WindowFixture& fixture,
+                                                        const std::function<void()>& work)
 {
     WindowFixture::SavedFiles saved;
     QTemporaryDir kept;
     [&] {
         fixture.Load(fixture.WriteProject());
+        work();
         RenameFirstLayer(fixture, "green");
         QTRY_COMPARE(Journals().size(), 1);
-        QTRY_VERIFY(JournalReader::Open(Journals().constFirst()));
+        QTRY_VERIFY(JournalReader::Open(Journals().constFirst()) &&
+                    JournalReader::Open(Journals().constFirst())->Text().contains("green"));
         saved = fixture.SavedBytes();
         CopyFolder(Journals().constFirst(), kept.filePath("journal"));
         fixture.SetModified(false);
@@ -164,6 +176,27 @@ void tst_SessionNotices::RestoresWhatADeadSessionLeft()
     fixture.Trigger("actionQuickSave");
     QVERIFY(ReadBytes(path).contains("green"));
     QVERIFY(!fixture.IsModified());
+}
+
+void tst_SessionNotices::RestoresLiveLayers()
+{
+    WindowFixture fixture;
+    const auto document = [&fixture]() -> Document& { return fixture.window->GetDocument(); };
+    LeaveWork(fixture, [&document] {
+        Layer* red = document().Layers().LayerByName("red");
+        const QString code = Formula{OperationDilation, {red->Id()}, 50}.Code();
+        document().Do(Edits::AddComputedLayer(document().Layers(), "ring", code,
+                                              EvaluateAtLayerSize(document().Layers(), code)));
+        document().Do(Edits::MakeLayerLive(*document().Layers().LayerByName("ring"), {}));
+    });
+    fixture.Restart();
+    QTRY_VERIFY(!NoticeOf(fixture).isEmpty());
+    Click(fixture, "btnNoticeRestore");
+
+    const Layer* ring = document().Layers().LayerByName("ring");
+    QCOMPARE(document().LayerFormulas().Describe(*ring),
+             QString("Dilation of green, 50 m, up to date"));
+    QVERIFY(document().Live().IsFollowing(*ring));
 }
 
 void tst_SessionNotices::RestoresUnderNoNameWhatChangedMeanwhile_data()

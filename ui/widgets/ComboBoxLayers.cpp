@@ -37,6 +37,9 @@ void ComboBoxLayers::paintEvent(QPaintEvent* /*event*/)
 {
     QStyleOptionComboBox option;
     initStyleOption(&option);
+    if (currentIndex() < 0) {
+        option.currentText = placeholderText();
+    }
     const auto color = currentData(Qt::DecorationRole).value<QColor>();
     if (color.isValid()) {
         QPixmap square(option.iconSize);

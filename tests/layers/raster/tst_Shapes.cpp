@@ -86,7 +86,7 @@ QVector<QPointF> RandomCorners(Random& random, QSize size, int most)
         } else if (kind == 2) {
             corner = QPointF(random.Below(6) * size.width(), random.Below(6) * size.height()) / 4;
         } else if (kind == 3 && random.Below(3) == 0) {
-            corner *= random.Below(1000000);
+            corner *= random.Below(200000);
         }
         corners.append(corner);
     }

@@ -1,0 +1,59 @@
+#include "canvas/tools/FillTool.h"
+
+#include "app/Log.h"
+#include "canvas/MainScene.h"
+#include "canvas/MainView.h"
+#include "canvas/tools/PaintRegion.h"
+#include "canvas/tools/PaintTools.h"
+#include "document/Document.h"
+#include "layers/raster/Flood.h"
+
+#include <QGraphicsSceneMouseEvent>
+
+#include <cmath>
+
+raster::Region FillTool::AreaAt(const Layer& layer, QPoint pixel) const
+{
+    const FillBounds bounds = Parts().scene.GetPaintTools()->Options().fillBounds;
+    if (bounds == FillBounds::All) {
+        return raster::EqualPixels(layer.Image(), pixel);
+    }
+    QVector<QImage> masks{layer.Image()};
+    if (bounds == FillBounds::Ticked) {
+        const QVector<Layer*> layers = Parts().document.Layers().Layers();
+        for (const Layer* other : layers) {
+            if (other != &layer && other->IsVisible()) {
+                masks.append(other->Image());
+            }
+        }
+    }
+    return raster::AreaAt(masks, pixel);
+}
+
+void FillTool::Press(QGraphicsSceneMouseEvent& event)
+{
+    Layer* layer = Parts().document.CurrentLayer();
+    const bool isErasing = event.button() == Qt::RightButton;
+    if (!layer || (!isErasing && event.button() != Qt::LeftButton)) {
+        return;
+    }
+    const QPointF position = event.scenePos() + Parts().view.MouseFraction();
+    const QPoint pixel(int(std::floor(position.x())), int(std::floor(position.y())));
+    const QSize size = layer->Image().size();
+    if (!QRect(QPoint(), size).contains(pixel)) {
+        return;
+    }
+    const QString text =
+        isErasing ? Document::tr("Erase area on %1") : Document::tr("Fill area on %1");
+    const QString name = layer->text();
+    const qint64 count = PaintRegion(Parts(), *layer, text, AreaAt(*layer, pixel), isErasing);
+    const qint64 all = qint64{size.width()} * size.height();
+    if (2 * count > all) {
+        constexpr double percent = 100;
+        const QString share = QString::number(
+            percent * static_cast<double>(count) / static_cast<double>(all), 'f', 1);
+        LogInfo((isErasing ? QStringLiteral("Erased %1 % of the map on layer '%2'.")
+                           : QStringLiteral("Filled %1 % of the map on layer '%2'."))
+                    .arg(share, name));
+    }
+}

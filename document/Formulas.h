@@ -1,0 +1,78 @@
+#pragma once
+
+#include "layers/FormulaFile.h"
+#include "layers/FormulaState.h"
+#include "layers/raster/MaskFingerprint.h"
+
+#include <QHash>
+#include <QObject>
+#include <QString>
+#include <QVector>
+
+#include <optional>
+
+class Document;
+class Layer;
+
+/// What is known of the computed layers of a document beside their codes, which the layers hold:
+/// what they were computed from, and what has changed since. The document owns it. A layer with a
+/// code for which nothing is known counts as computed when it is asked about first.
+class Formulas : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Formulas(Document& document);
+
+    FormulaState StateOf(const Layer& layer) const;
+    /// Whether an operand, or what it is made of, changed since, also for a layer that was edited.
+    bool IsStale(const Layer& layer) const;
+    /// The formula in words and the state: "Dilation of Lake, 25 m, up to date". The last words are
+    /// one of "up to date", "out of date", "edited by hand" and "broken". Empty for layers without
+    /// a formula.
+    QString Describe(const Layer& layer) const;
+    /// Why the layer is broken, for the user; empty when it is not.
+    QString WhyBroken(const Layer& layer) const;
+    bool IsLive(const Layer& layer) const;
+    /// Whether the document has any computed layer.
+    bool HasAny() const;
+    /// A copy of the present dependencies.
+    FormulaGraph Graph() const;
+
+    /// Nothing for layers of which nothing is known. Those of a layer that follows its operands are
+    /// its present ones.
+    std::optional<FormulaFacts> FactsOf(const Layer& layer) const;
+    /// For edits.
+    void SetFacts(const Layer& layer, const std::optional<FormulaFacts>& facts);
+    /// Those of a layer that was computed just now.
+    FormulaFacts PresentFacts(const Layer& layer) const;
+    /// Whether the pixels of the layer and of its operands are those of its facts.
+    bool IsInStep(const Layer& layer) const;
+
+    /// For the project's files, by the present names of the layers.
+    FormulaRecords Records() const;
+    /// Takes over what a file holds, whose name is for messages. Logs at most one line, last.
+    void Read(const FormulaReading& reading, const QString& fileName);
+    /// Tells who shows states that they may have changed.
+    void TellChanges();
+
+private:
+    void Follow(Layer* layer, int aspect, const QRect& rect);
+    void Forget();
+    void NoteChange();
+    const QHash<int, FormulaStatus>& Statuses() const;
+    FormulaStatus StatusOf(const Layer& layer, const Formula& formula) const;
+    quint64 FingerprintOf(const Layer& layer) const;
+    QString NameOf(int id) const;
+    int IdOf(const QHash<QString, int>& ids, const QString& name);
+
+    Document& m_document;
+    QHash<int, FormulaFacts> m_facts;
+    /// Of layers that formulas need, by id, also of those that are removed.
+    mutable QHash<int, raster::MaskFingerprint> m_fingerprints;
+    /// The names that layers had last, for those that are missing.
+    mutable QHash<int, QString> m_names;
+    mutable QHash<int, FormulaStatus> m_statuses;
+    mutable bool m_areStatusesKnown = false;
+    bool m_mayHaveChanged = false;
+};
