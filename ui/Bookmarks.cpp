@@ -58,7 +58,7 @@ void Bookmarks::Follow(const QString& path)
 
 void Bookmarks::Discard(const QString& path)
 {
-    Settings().remove(Key(path));
+    ProjectNotes::Write(Group, path, {});
 }
 
 void Bookmarks::Forget()

@@ -172,7 +172,7 @@ void DockLayers::AddCustom(bool /*checked*/)
     DialogCustomLayer dialog(m_document, nullptr, this);
     if (dialog.exec() == QDialog::Accepted && dialog.CreatedLayer()) {
         UpdateHideAll();
-        ShowNew(*dialog.CreatedLayer());
+        m_ui->treeLayers->scrollTo(dialog.CreatedLayer()->index());
         emit Added(dialog.CreatedLayer());
     }
 }
@@ -189,7 +189,7 @@ void DockLayers::AddPainted(bool /*checked*/)
     }
     UpdateHideAll();
     Layer* layer = List()->LayerAt(List()->model()->rowCount() - 1);
-    ShowNew(*layer);
+    m_ui->treeLayers->scrollTo(layer->index());
     emit Added(layer);
 }
 
