@@ -142,7 +142,7 @@ public:
         if (lengthSquared <= 0) {
             return {0, 0};
         }
-        // Both grow from left to right.
+        // The signs that make the places along the line and beside it grow from left to right.
         const double forward = m_along.x() < 0 ? -1 : 1;
         const double downward = m_along.y() < 0 ? -1 : 1;
         const Columns between = ColumnsOf(width, [&](int column) {
