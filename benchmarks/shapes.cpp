@@ -184,7 +184,7 @@ int main(int argc, char** argv)
     RegisterFill("a blank mask", Blank);
     RegisterFill("a natural area", Natural);
     RegisterFill("a natural area in 3 masks", Natural, 3);
-    for (const int width : {1, 16}) {
+    for (const int width : {1, 16, 64}) {
         const std::string of = " of " + std::to_string(width);
         RegisterFill("a comb" + of, [width] { return Comb(width); });
         RegisterFill("a spiral" + of, [width] { return Spiral(width); });

@@ -142,7 +142,7 @@ public:
         if (lengthSquared <= 0) {
             return {0, 0};
         }
-        // Both grow from left to right.
+        // The signs that make the places along the line and beside it grow from left to right.
         const double forward = m_along.x() < 0 ? -1 : 1;
         const double downward = m_along.y() < 0 ? -1 : 1;
         const Columns between = ColumnsOf(width, [&](int column) {
@@ -216,6 +216,7 @@ public:
         , m_y(most)
         , m_slope(most)
         , m_endRow(most)
+        , m_from(most)
         , m_pixels(most)
     {
     }
@@ -247,8 +248,8 @@ public:
     template <typename Visit>
     void ForEachCrossing(int row, int width, Visit visit)
     {
-        FindPixels(m_x.data(), m_y.data(), m_slope.data(), m_count, Centre(row), width,
-                   m_pixels.data());
+        FindPixels({m_x.data(), m_y.data(), m_slope.data()}, m_count, Centre(row), width,
+                   m_from.data(), m_pixels.data());
         for (std::size_t i = 0; i < m_count; ++i) {
             visit(m_pixels[i]);
         }
@@ -262,30 +263,39 @@ private:
         m_slope[i] = slope;
         m_endRow[i] = endRow;
     }
-    static void FindPixels(const double* x, const double* y, const double* slope, std::size_t count,
-                           double centre, int width, int* __restrict pixels);
+    struct Values
+    {
+        const double* x;
+        const double* y;
+        const double* slope;
+    };
+    static void FindPixels(Values edges, std::size_t count, double centre, double end,
+                           double* __restrict from, int* __restrict pixels);
 
     std::vector<double> m_x;
     std::vector<double> m_y;
     std::vector<double> m_slope;
     std::vector<int> m_endRow;
+    /// Where the edges cross the row, less the half pixel up to a centre.
+    std::vector<double> m_from;
     std::vector<int> m_pixels;
     std::size_t m_count = 0;
     int m_nextEnd = std::numeric_limits<int>::max();
 };
 
 QUILLMAP_WIDE_VECTORS
-void ActiveEdges::FindPixels(const double* x, const double* y, const double* slope,
-                             std::size_t count, double centre, int width, int* __restrict pixels)
+void ActiveEdges::FindPixels(Values edges, std::size_t count, double centre, double end,
+                             double* __restrict from, int* __restrict pixels)
 {
-    const double end = width;
     for (std::size_t i = 0; i < count; ++i) {
-        const double from = x[i] + slope[i] * (centre - y[i]) - 0.5;
-        // The row's end, too, for the steepest slopes, which give no number.
-        const double before = from < end ? from : end;
-        const double inside = before > 0 ? before : 0;
-        const int pixel = static_cast<int>(inside);
-        pixels[i] = pixel + (pixel < inside ? 1 : 0);
+        const double beyond = edges.x[i] + edges.slope[i] * (centre - edges.y[i]) - 0.5;
+        // The steepest slopes may give no number; that becomes the row's end.
+        from[i] = std::max(0.0, std::min(end, beyond));
+    }
+    // In a loop of its own, because in one loop the compiler makes no vectors.
+    for (std::size_t i = 0; i < count; ++i) {
+        const int pixel = static_cast<int>(from[i]);
+        pixels[i] = pixel < from[i] ? pixel + 1 : pixel;
     }
 }
 

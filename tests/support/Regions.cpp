@@ -1,7 +1,6 @@
 #include "tests/support/Regions.h"
 
 #include "layers/raster/Mask.h"
-#include "tests/support/Masks.h"
 
 #include <algorithm>
 
@@ -29,11 +28,6 @@ raster::Region RegionOf(const QImage& mask)
     return RegionWhere(mask.size(), [&mask](int x, int y) {
         return mask.constScanLine(y)[x] != raster::MaskClear;
     });
-}
-
-raster::Region RandomRegion(Random& random, QSize size)
-{
-    return RegionOf(RandomMask(random, size));
 }
 
 QSize RandomSize(Random& random)

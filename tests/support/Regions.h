@@ -12,8 +12,6 @@
 raster::Region RegionWhere(QSize size, const std::function<bool(int, int)>& isIn);
 /// The pixels of a mask that are not clear.
 raster::Region RegionOf(const QImage& mask);
-/// Runs of any length in a mask of that size.
-raster::Region RandomRegion(Random& random, QSize size);
 /// Up to 150 pixels wide, so that rows have one to three words of bits, and up to 30 high; one in
 /// eight is much wider and very low.
 QSize RandomSize(Random& random);
