@@ -126,6 +126,25 @@ void ChooseLayerColor(EditorUser& user)
     slider->setValue(OrchardAlpha);
 }
 
+/// A polygon under way, which stops at the lakes.
+void ShowTools(EditorUser& user, const QDir& pictures)
+{
+    user.Widget<QComboBox>("cboPaintWithin").setCurrentIndex(2);
+    auto& layers = user.Widget<QComboBox>("cboPaintWithinLayer");
+    layers.setCurrentIndex(layers.findText(QStringLiteral("Lakes and rivers")));
+    user.Choose("toolPolygon");
+    const QVector<QPointF> corners = Places({{5800, 6550}, {5700, 7050}, {6100, 7200}});
+    for (const QPointF& corner : corners) {
+        user.ClickMap(corner);
+    }
+    user.PointAt(Place(6500, 6800));
+    Picture picture(user.Window());
+    picture.Save(pictures, QStringLiteral("tools"));
+    user.Press(Qt::Key_Escape);
+    user.Choose("toolBrush");
+    user.Widget<QComboBox>("cboPaintWithin").setCurrentIndex(0);
+}
+
 void ShowPainting(EditorUser& user, const QDir& example, const QDir& pictures)
 {
     user.Click("btnAddPainted");
@@ -140,6 +159,7 @@ void ShowPainting(EditorUser& user, const QDir& example, const QDir& pictures)
     HideWhatVaries(user, example);
     Picture picture(user.Window());
     picture.Save(pictures, QStringLiteral("painting"));
+    ShowTools(user, pictures);
     user.Choose("actionTogglePaintMode");
 }
 
