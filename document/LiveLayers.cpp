@@ -260,6 +260,7 @@ void LiveLayers::Settle()
         Follow(std::exchange(m_changes, {}), m_frameCost, true);
     }
     m_changes.clear();
+    EndStroke();
     Announce();
 }
 
