@@ -142,7 +142,7 @@ private:
     /// Of a layer, and so of a file.
     QString Name(QLatin1String attribute)
     {
-        const QString name = TextAttribute(m_xml, attribute);
+        QString name = TextAttribute(m_xml, attribute);
         if (name.size() > MaxNameLength) {
             Fail(QStringLiteral("a name is too long"));
         }
