@@ -85,6 +85,7 @@ bool Document::Do(std::unique_ptr<Edit> edit)
     }
     const bool setsModified = edit->SetsModified();
     if (!edit->Changes()) {
+        m_live->EndStroke();
         if (setsModified) {
             ProjectSettings::Instance().SetModified(true);
         }
@@ -117,6 +118,7 @@ void Document::FollowChanges()
 
 void Document::NoteChange()
 {
+    m_live->EndStroke();
     if (!m_isApplying) {
         m_isChangedOutside = true;
         ProjectSettings::Instance().SetModified(true);
@@ -133,6 +135,9 @@ void Document::AnnouncePixels(Layer* layer, const QRect& rect, const raster::Mas
 void Document::SetHandBusy(bool isBusy)
 {
     if (isBusy != m_isHandBusy) {
+        if (isBusy) {
+            m_live->EndStroke();
+        }
         m_isHandBusy = isBusy;
         emit HistoryChanged();
     }

@@ -234,7 +234,10 @@ void LiveLayers::Rebuild()
             m_followers.insert(id, {*formula, {}});
         }
     }
-    QVector<int> ids = m_followers.keys().toVector();
+    QVector<int> ids;
+    for (auto follower = m_followers.cbegin(); follower != m_followers.cend(); ++follower) {
+        ids.append(follower.key());
+    }
     std::sort(ids.begin(), ids.end());
     m_order.clear();
     const QVector<int> order = graph.InOrder(ids);
@@ -257,6 +260,7 @@ void LiveLayers::Settle()
         Follow(std::exchange(m_changes, {}), m_frameCost, true);
     }
     m_changes.clear();
+    EndStroke();
     Announce();
 }
 

@@ -46,7 +46,10 @@ public:
     /// Follows all changes that were announced, and announces those that come of them. The document
     /// calls it after each edit.
     void Settle();
-    /// The same, and computes at once what waits.
+    /// The stroke under way ended, or another one begins: what it told of is no longer known to be
+    /// followed already.
+    void EndStroke() { m_stroked.clear(); }
+    /// The same as Settle, and computes at once what waits.
     void Finish();
 
     /// What may be computed at once, as Computation::Cost tells; a frame of the screen at first.

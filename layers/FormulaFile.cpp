@@ -16,6 +16,7 @@ namespace {
 constexpr qint64 MaxFileBytes = 16 << 20;
 constexpr int FingerprintDigits = 16;
 constexpr int MaxMetres = 1000000000;
+constexpr int MaxNameLength = 1000;
 
 const QLatin1String Root("qm-derived");
 
@@ -90,7 +91,7 @@ private:
         } else if (m_isInRoot && m_xml.name() == QLatin1String("formula")) {
             StartFormula();
         } else if (m_isInFormula && m_xml.name() == QLatin1String("operand")) {
-            const QString name = TextAttribute(m_xml, QLatin1String("name"));
+            const QString name = Name(QLatin1String("name"));
             m_formula.operands.append({name, Fingerprint()});
         }
     }
@@ -112,7 +113,7 @@ private:
         bool areMetresRead = metres.isEmpty();
         m_isInFormula = true;
         m_formula = {};
-        m_formula.layer = TextAttribute(m_xml, QLatin1String("layer"));
+        m_formula.layer = Name(QLatin1String("layer"));
         m_formula.operation = OperationNamed(operation);
         m_formula.metres = metres.isEmpty() ? 0 : metres.toInt(&areMetresRead);
         m_formula.isLive = IntAttribute(m_xml, QLatin1String("live"), 0) == 1;
@@ -136,6 +137,16 @@ private:
                      .arg(count));
         }
         m_result.records.push_back(m_formula);
+    }
+
+    /// Of a layer, and so of a file.
+    QString Name(QLatin1String attribute)
+    {
+        QString name = TextAttribute(m_xml, attribute);
+        if (name.size() > MaxNameLength) {
+            Fail(QStringLiteral("a name is too long"));
+        }
+        return name;
     }
 
     quint64 Fingerprint()

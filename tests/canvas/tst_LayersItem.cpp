@@ -14,6 +14,7 @@
 #include <QStyleOptionGraphicsItem>
 #include <QTest>
 
+#include <algorithm>
 #include <functional>
 #include <limits>
 
@@ -111,6 +112,7 @@ class tst_LayersItem : public QObject
     Q_OBJECT
 
 private slots:
+    void ShowsMasksThatChangedInPlace();
     void LooksLikeTheWholePicture_data();
     void LooksLikeTheWholePicture();
     void LooksLikeTheWholePictureInAPartOfTheScreen();
@@ -490,6 +492,42 @@ void tst_LayersItem::KeepsNoHoldOnMasksOnceCleared()
     item.Add(mask, qRgb(255, 0, 0), 1);
     item.Clear();
     QVERIFY(mask.bits() == pixels);
+}
+
+void tst_LayersItem::ShowsMasksThatChangedInPlace()
+{
+    Random random;
+    for (int i = 0; i < 60; ++i) {
+        const QSize size(1 + random.Below(400), 1 + random.Below(300));
+        QVector<literal::ShownLayer> layers = RandomLayers(random, size, 3);
+        LayersItem item(size);
+        for (int id = 0; id < layers.size(); ++id) {
+            const literal::ShownLayer& layer = layers.at(id);
+            item.Add(layer.mask, layer.rgb, static_cast<qreal>(layer.opacity), id);
+        }
+        const double ratio = Ratios[random.Below(3)];
+        const double scale = 0.2 + random.Below(30) / 10.0;
+        QTransform transform = QTransform::fromTranslate(-random.Below(50), -random.Below(50));
+        transform.scale(scale, scale);
+        ShownItem(item, ratio, transform);
+
+        const int id = random.Below(3);
+        QImage& mask = layers[id].mask;
+        item.Release(id);
+        const QRect rect = QRect(random.Below(size.width()), random.Below(size.height()),
+                                 1 + random.Below(60), 1 + random.Below(60)) &
+                           mask.rect();
+        for (int y = rect.top(); y <= rect.bottom(); ++y) {
+            std::fill_n(mask.scanLine(y) + rect.left(), rect.width(), raster::MaskSet);
+        }
+        QVERIFY(item.Replace(id, mask, rect));
+
+        LayersItem other(size);
+        AddTo(other, layers);
+        QCOMPARE(ShownItem(item, ratio, transform), ShownItem(other, ratio, transform));
+    }
+    LayersItem item(QSize(5, 5));
+    QVERIFY(!item.Replace(7, raster::BlankMask({5, 5}), {0, 0, 1, 1}));
 }
 
 QTEST_MAIN(tst_LayersItem)

@@ -151,6 +151,7 @@ private slots:
     void FollowsEachStepExactly();
     void OneUndoTakesStrokeAndConsequencesBack();
     void ACancelledStrokeLeavesNothing();
+    void AStrokeWithoutAnEffectHidesNoEdit();
     void WhatTakesLongWaitsUntilTheHandRests();
     void FinishComputesWhatWaits();
     void AStrokeDuringTheComputationCounts();
@@ -251,6 +252,22 @@ void tst_LiveLayers::ACancelledStrokeLeavesNothing()
     stroke.Cancel();
 
     QCOMPARE(graph.Pixels(), before);
+}
+
+void tst_LiveLayers::AStrokeWithoutAnEffectHidesNoEdit()
+{
+    Random random;
+    Graph graph(random);
+    Layer& layer = *graph.painted.first();
+    graph.fixture.Fill(layer, {0, 0, Side, Side}, 0);
+    const int steps = graph.fixture.document.History().count();
+
+    Stroke stroke(graph.fixture.document, layer);
+    stroke.Step({0, 0, Side, Side}, 0);
+    stroke.End();
+    QCOMPARE(graph.fixture.document.History().count(), steps);
+    graph.fixture.Fill(layer, {0, 0, Side, Side}, 255);
+    QCOMPARE(graph.Wrong(), QString());
 }
 
 void tst_LiveLayers::WhatTakesLongWaitsUntilTheHandRests()

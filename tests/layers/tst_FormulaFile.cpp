@@ -123,6 +123,9 @@ void tst_FormulaFile::FaultsAreTold_data()
                                  << "\"12\" is no fingerprint";
     QTest::newRow("operand's fingerprint")
         << Formula(Good, "<operand name='A' fingerprint='-123456789abcdef'/>") << "no fingerprint";
+    QTest::newRow("name") << Formula(Good, "<operand name='" + QByteArray(1001, 'A') +
+                                               "' fingerprint='0123456789abcdef'/>")
+                          << "a name is too long";
     QTest::newRow("no operand") << Formula(Good, "") << "0 operands instead of 1";
     QTest::newRow("operands")
         << Formula(Good,
