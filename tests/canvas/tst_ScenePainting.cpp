@@ -28,6 +28,9 @@ public:
         , m_literal(literal::Display(m_layer->Image(), Ink.rgb()))
     {
         m_canvas.Edit(m_layer);
+        // As in the window. A right press on a scroll bar would open its menu and wait.
+        m_canvas.view.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        m_canvas.view.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
         Zoom(m_canvas.view, 6);
         MoveMouse();
     }
