@@ -37,7 +37,10 @@ Formula(const QByteArray& attributes,
     return "<qm-derived><formula " + attributes + ">" + operands + "</formula></qm-derived>";
 }
 
-const QByteArray Good = "layer='B' operation='complement' fingerprint='0123456789abcdef'";
+QByteArray Good()
+{
+    return "layer='B' operation='complement' fingerprint='0123456789abcdef'";
+}
 
 } // namespace
 
@@ -106,33 +109,34 @@ void tst_FormulaFile::FaultsAreTold_data()
     QTest::addColumn<QString>("fault");
     QTest::newRow("empty") << QByteArray() << "";
     QTest::newRow("no XML") << QByteArray("hello") << "";
-    QTest::newRow("cut off") << Formula(Good).left(60) << "";
+    QTest::newRow("cut off") << Formula(Good()).left(60) << "";
     QTest::newRow("other root") << QByteArray("<qm-config/>") << "no element \"qm-derived\"";
-    QTest::newRow("inner root") << QByteArray("<a>" + Formula(Good) + "</a>") << "no element";
-    QTest::newRow("entities") << QByteArray("<!DOCTYPE a [<!ENTITY b 'c'>]>" + Formula(Good))
+    QTest::newRow("inner root") << QByteArray("<a>" + Formula(Good()) + "</a>") << "no element";
+    QTest::newRow("entities") << QByteArray("<!DOCTYPE a [<!ENTITY b 'c'>]>" + Formula(Good()))
                               << "declares entities";
     QTest::newRow("operation")
         << Formula("layer='B' operation='sharpen' fingerprint='0123456789abcdef'")
         << "no operation \"sharpen\"";
     QTest::newRow("no operation") << Formula("layer='B' fingerprint='0123456789abcdef'")
                                   << "no operation \"\"";
-    QTest::newRow("metres") << Formula(Good + " metres='-1'") << "\"-1\" is no radius";
-    QTest::newRow("many metres") << Formula(Good + " metres='99999999999'") << "is no radius";
-    QTest::newRow("no number") << Formula(Good + " metres='far'") << "\"far\" is no radius";
+    QTest::newRow("metres") << Formula(Good() + " metres='-1'") << "\"-1\" is no radius";
+    QTest::newRow("many metres") << Formula(Good() + " metres='99999999999'") << "is no radius";
+    QTest::newRow("no number") << Formula(Good() + " metres='far'") << "\"far\" is no radius";
     QTest::newRow("fingerprint") << Formula("layer='B' operation='complement' fingerprint='12'")
                                  << "\"12\" is no fingerprint";
     QTest::newRow("operand's fingerprint")
-        << Formula(Good, "<operand name='A' fingerprint='-123456789abcdef'/>") << "no fingerprint";
-    QTest::newRow("name") << Formula(Good, "<operand name='" + QByteArray(1001, 'A') +
-                                               "' fingerprint='0123456789abcdef'/>")
+        << Formula(Good(), "<operand name='A' fingerprint='-123456789abcdef'/>")
+        << "no fingerprint";
+    QTest::newRow("name") << Formula(Good(), "<operand name='" + QByteArray(1001, 'A') +
+                                                 "' fingerprint='0123456789abcdef'/>")
                           << "a name is too long";
-    QTest::newRow("no operand") << Formula(Good, "") << "0 operands instead of 1";
+    QTest::newRow("no operand") << Formula(Good(), "") << "0 operands instead of 1";
     QTest::newRow("operands")
-        << Formula(Good,
+        << Formula(Good(),
                    QByteArray("<operand name='A' fingerprint='0123456789abcdef'/>").repeated(3))
         << "3 operands instead of 1";
     QTest::newRow("twice") << QByteArray("<qm-derived>" +
-                                         QByteArray("<formula " + Good +
+                                         QByteArray("<formula " + Good() +
                                                     "><operand name='A' "
                                                     "fingerprint='0123456789abcdef'/></formula>")
                                              .repeated(2) +
@@ -154,7 +158,7 @@ void tst_FormulaFile::FaultsAreTold()
 
 void tst_FormulaFile::IsFoundWithinAnotherDocument()
 {
-    const QByteArray inner = "<qm-config><layers/>" + Formula(Good) + "</qm-config>";
+    const QByteArray inner = "<qm-config><layers/>" + Formula(Good()) + "</qm-config>";
 
     QCOMPARE(ReadFormulas(inner, false).records.size(), std::size_t(1));
     const FormulaReading none = ReadFormulas("<qm-config/>", false);

@@ -406,9 +406,9 @@ void RandomUser::ExportAction()
 
 void RandomUser::ViewAction()
 {
-    static const char* const actions[] = {"actionViewLayers", "actionViewStatus",
-                                          "actionViewTerritoryTypes", "actionViewTerritoryTypes",
-                                          "actionProbe", "actionOverview"};
+    static const char* const actions[] = {
+        "actionViewLayers",         "actionViewStatus", "actionViewTerritoryTypes",
+        "actionViewTerritoryTypes", "actionProbe",      "actionOverview"};
     QAction* action = Action(actions[m_random.Below(int(std::size(actions)))]);
     // Show docks more often than hide them, otherwise there is little to do.
     if (!action->isChecked() || m_random.Below(5) == 0) {

@@ -20,8 +20,10 @@ constexpr char Formulas[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 </qm-derived>
 )";
 
-const QStringList Blank = {"........", "........", "........", "........",
-                           "........", "........", "........", "........"};
+QStringList Blank()
+{
+    return QVector<QString>(8, "........").toList();
+}
 
 } // namespace
 
@@ -61,8 +63,8 @@ void tst_ToolDerive::init()
     m_sample = std::make_unique<SampleProject>();
     m_sample->Replace("<layer usage_flags=\"6\"",
                       "<layer name=\"Ring\"/><layer name=\"Land\"/><layer usage_flags=\"6\"");
-    m_sample->Paint("Ring", Blank);
-    m_sample->Paint("Land", Blank);
+    m_sample->Paint("Ring", Blank());
+    m_sample->Paint("Land", Blank());
     WriteFormulas(Formulas);
 }
 
@@ -104,7 +106,7 @@ void tst_ToolDerive::HandEditsAreReplaced()
 {
     m_sample->Run({"derive", "sample.xml"});
     const QByteArray ring = Bitmap("Ring");
-    m_sample->Paint("Ring", Blank);
+    m_sample->Paint("Ring", Blank());
 
     const ProgramRun check = m_sample->Run({"derive", "--check", "sample.xml"});
     QCOMPARE(check.exitCode, 1);
@@ -117,7 +119,7 @@ void tst_ToolDerive::HandEditsAreReplaced()
 void tst_ToolDerive::CheckTellsWhatIsOutOfDate()
 {
     m_sample->Run({"derive", "sample.xml"});
-    m_sample->Paint("Shore", Blank);
+    m_sample->Paint("Shore", Blank());
     const auto before = All();
 
     const ProgramRun run = m_sample->Run({"derive", "--check", "sample.xml"});
