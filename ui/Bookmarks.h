@@ -21,8 +21,8 @@ class Bookmarks
 {
 public:
     /// The project's document, or an empty path when no file holds the project. Another path that
-    /// follows a path takes the bookmarks along, as a save elsewhere does. Those of a project that no
-    /// file held are added to what the path has.
+    /// follows a path takes the bookmarks along, as a save elsewhere does. Those of a project that
+    /// no file held are added to what the path has.
     void Follow(const QString& path);
     /// Removes what the path of a document has, because another project begins there.
     static void Discard(const QString& path);
