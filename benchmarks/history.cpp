@@ -14,6 +14,7 @@
 #include "ui/QuillmapWindow.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QMouseEvent>
 #include <QSettings>
 #include <QTemporaryDir>
@@ -49,7 +50,18 @@ public:
         view.SetSceneSize(side, side);
         window.LayerSelected(layer);
         view.Scene()->ChangeMode(SceneMode::Paint);
-        QCoreApplication::processEvents();
+        Settle();
+    }
+
+    /// Lets the journal write the layer, which no file holds, before anything is measured.
+    static void Settle()
+    {
+        constexpr int milliseconds = 6000;
+        QElapsedTimer time;
+        time.start();
+        while (!time.hasExpired(milliseconds)) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        }
     }
 
     void Mouse(QEvent::Type type, Qt::MouseButtons buttons)

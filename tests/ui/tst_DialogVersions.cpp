@@ -123,7 +123,7 @@ void tst_DialogVersions::BringsBackASavedState_data()
     });
     QTest::newRow("Enter in the list") << Opening([](DialogVersions& dialog) {
         QVERIFY(QTest::qWaitForWindowActive(&dialog));
-        QVERIFY(View(dialog).hasFocus());
+        QTRY_VERIFY(View(dialog).hasFocus());
         QTest::keyClick(&View(dialog), Qt::Key_Return);
     });
     QTest::newRow("a double click") << Opening([](DialogVersions& dialog) {
