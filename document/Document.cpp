@@ -100,20 +100,13 @@ bool Document::Do(std::unique_ptr<Edit> edit)
         m_endOfKept = NoEnd;
         m_history.push(edit.release());
     }
-    FollowChanges();
+    m_formulas->TellChanges();
     if (setsModified) {
         ProjectSettings::Instance().SetModified(true);
     }
     FitHistory();
     emit HistoryChanged();
     return true;
-}
-
-/// Live layers follow what an edit changed.
-void Document::FollowChanges()
-{
-    m_live->Settle();
-    m_formulas->TellChanges();
 }
 
 void Document::NoteChange()
@@ -192,7 +185,7 @@ void Document::FollowIndex()
         return;
     }
     EndGesture();
-    FollowChanges();
+    m_formulas->TellChanges();
     const QScopedValueRollback<bool> applying(m_isApplying, true);
     ShowModified();
     FitHistory();

@@ -220,7 +220,6 @@ private:
     friend class Edit;
     friend class PaintMask;
 
-    void FollowChanges();
     void AnnouncePixels(Layer* layer, const QRect& rect, const raster::MaskDelta& tiles);
     bool EditRow(QStandardItem& item, const QVariant& value, int role);
     void NotePlace(const EditPlace& place) { m_place = place; }

@@ -373,11 +373,13 @@ void LiveLayers::Announce()
     }
 }
 
-/// Null for a layer that is removed or locked; it catches up when it is there again.
+/// Null for a layer that is removed or locked; it catches up when it is there again. Locks do not
+/// stop undo and redo.
 Layer* LiveLayers::Changeable(int id) const
 {
     Layer* layer = m_document.Layers().LayerById(id);
-    return layer && !m_document.IsLocked(*layer) ? layer : nullptr;
+    const bool isFree = layer && (!m_document.IsLocked(*layer) || m_document.IsTravelling());
+    return isFree ? layer : nullptr;
 }
 
 void LiveLayers::Put(Follower& follower, const Rects& rects)

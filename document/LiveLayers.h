@@ -43,8 +43,8 @@ public:
 
     /// The formula of the layer, or what is known of it, changed.
     void Reconsider(const Layer& layer);
-    /// Follows all changes that were announced, and announces those that come of them. The document
-    /// calls it after each edit.
+    /// Follows all changes that were announced, and announces those that come of them. Each edit
+    /// ends with it when it is carried out, undone or done again.
     void Settle();
     /// The stroke under way ended, or another one begins: what it told of is no longer known to be
     /// followed already.
