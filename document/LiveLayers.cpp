@@ -213,6 +213,9 @@ void LiveLayers::FollowStroke(const Layer& layer, const QRect& rect)
         m_stroked.remove(layer.Id());
     }
     Follow({{layer.Id(), {rect & LayerRect()}}}, m_frameCost, false);
+    if (!m_document.IsHandBusy()) {
+        Tell();
+    }
 }
 
 /// Decides anew which layers follow, and in which order.
@@ -373,6 +376,15 @@ void LiveLayers::Announce()
     }
 }
 
+/// Tells of changes that come with no edit.
+void LiveLayers::Tell()
+{
+    Announce();
+    m_document.LayerFormulas().TellChanges();
+    // The document may be as it was saved only now.
+    emit m_document.HistoryChanged();
+}
+
 /// Null for a layer that is removed or locked; it catches up when it is there again. Locks do not
 /// stop undo and redo.
 Layer* LiveLayers::Changeable(int id) const
@@ -467,10 +479,7 @@ void LiveLayers::Take(const std::shared_ptr<Job>& job)
         m_rest.start();
     }
     Follow(changes, m_frameCost, false, job->id);
-    Announce();
-    m_document.LayerFormulas().TellChanges();
-    // After an undo, the document is as it was saved only now.
-    emit m_document.HistoryChanged();
+    Tell();
     if (!isWhole) {
         LogError(Document::tr("There is no memory to compute layer '%1'.").arg(layer->text()));
     }

@@ -78,6 +78,7 @@ private:
     std::optional<Rects> Compute(Layer& layer, const Computation& computation, const Rects& rects);
     std::optional<QRect> Show(Layer& layer, const QRect& rect, const QImage& pixels);
     void Announce();
+    void Tell();
     Layer* Changeable(int id) const;
     void Put(Follower& follower, const Rects& rects);
     void MarkStale(int id);

@@ -269,13 +269,26 @@ void tst_LiveLayers::ACancelledStrokeLeavesNothing()
 {
     Random random;
     Graph graph(random);
+    Layer* blank = graph.fixture.AddLayer();
+    graph.all.append(blank);
+    const Layer* shore = graph.Add(Dilation(*blank, 9));
     const QVector<QByteArray> before = graph.Pixels();
+    // The map shows a layer again when it hears that the change is complete.
+    QRect announced;
+    connect(&graph.fixture.document, &Document::LayerChanged, this,
+            [&](const Layer* layer, Document::LayerAspect, const QRect& rect) {
+                announced |= layer == shore ? rect : QRect();
+            });
 
-    Stroke stroke(graph.fixture.document, *graph.painted.first());
+    Stroke stroke(graph.fixture.document, *blank);
     stroke.Step({20, 20, 50, 50}, 255);
+    const QVector<QByteArray> painted = graph.Pixels();
     stroke.Cancel();
+    disconnect(&graph.fixture.document, nullptr, this, nullptr);
 
+    QVERIFY(painted != before);
     QCOMPARE(graph.Pixels(), before);
+    QVERIFY(announced.contains(QRect(20, 20, 50, 50)));
 }
 
 void tst_LiveLayers::AStrokeWithoutAnEffectHidesNoEdit()
