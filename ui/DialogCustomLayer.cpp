@@ -3,6 +3,8 @@
 #include "app/Log.h"
 #include "app/Names.h"
 #include "document/Document.h"
+#include "document/Formulas.h"
+#include "document/LiveLayers.h"
 #include "document/edits/LayerEdits.h"
 #include "layers/CustomLayer.h"
 #include "layers/CustomLayerWorker.h"
@@ -35,6 +37,9 @@ DialogCustomLayer::DialogCustomLayer(Document& document, Layer* layerToModify, Q
     m_ui->setupUi(this);
     Connect();
     InitForm();
+    // The worker reads the masks, so nothing may write into them any more.
+    document.Live().Finish();
+    document.LayerFormulas().TellChanges();
     StartWorker();
     LayOut();
     SetPreviewA(m_ui->cboInputA->currentIndex());
