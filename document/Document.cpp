@@ -86,6 +86,7 @@ bool Document::Do(std::unique_ptr<Edit> edit)
     const bool setsModified = edit->SetsModified();
     if (!edit->Changes()) {
         m_live->EndStroke();
+        m_formulas->TellChanges();
         if (setsModified) {
             ProjectSettings::Instance().SetModified(true);
         }

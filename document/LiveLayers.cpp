@@ -212,9 +212,12 @@ void LiveLayers::FollowStroke(const Layer& layer, const QRect& rect)
         // The stroke was taken back.
         m_stroked.remove(layer.Id());
     }
+    const int pending = PendingCount();
     Follow({{layer.Id(), {rect & LayerRect()}}}, m_frameCost, false);
     if (!m_document.IsHandBusy()) {
         Tell();
+    } else if (PendingCount() > pending) {
+        m_document.LayerFormulas().TellChanges();
     }
 }
 
@@ -271,7 +274,11 @@ void LiveLayers::Finish()
 {
     Settle();
     Follow({}, std::numeric_limits<qint64>::max(), true);
-    Announce();
+    if (m_document.IsApplying()) {
+        Announce();
+    } else {
+        Tell();
+    }
 }
 
 void LiveLayers::Follow(Changes changes, qint64 budget, bool takesPending, int computedId)
@@ -313,7 +320,7 @@ void LiveLayers::Follow(Changes changes, qint64 budget, bool takesPending, int c
         if (doesPending) {
             shown = take(Grown(wanted + follower.pending, 0));
             if (shown) {
-                follower.pending.clear();
+                Complete(follower);
             }
         }
         if (!shown && !wanted.isEmpty()) {
@@ -396,6 +403,9 @@ Layer* LiveLayers::Changeable(int id) const
 
 void LiveLayers::Put(Follower& follower, const Rects& rects)
 {
+    if (follower.pending.isEmpty()) {
+        m_document.LayerFormulas().NoteChange();
+    }
     follower.pending += rects;
     if (follower.pending.size() > MaxRects) {
         QRect bounds;
@@ -405,6 +415,21 @@ void LiveLayers::Put(Follower& follower, const Rects& rects)
         follower.pending = {bounds};
     }
     m_rest.start();
+}
+
+/// Nothing waits any more, although maybe no pixel changed.
+void LiveLayers::Complete(Follower& follower)
+{
+    follower.pending.clear();
+    m_document.LayerFormulas().NoteChange();
+    emit m_document.FormulaChanged();
+}
+
+int LiveLayers::PendingCount() const
+{
+    return static_cast<int>(
+        std::count_if(m_followers.begin(), m_followers.end(),
+                      [](const Follower& follower) { return !follower.pending.isEmpty(); }));
 }
 
 void LiveLayers::MarkStale(int id)
@@ -475,7 +500,7 @@ void LiveLayers::Take(const std::shared_ptr<Job>& job)
         }
     }
     if (isWhole) {
-        m_followers[job->id].pending.clear();
+        Complete(m_followers[job->id]);
         m_rest.start();
     }
     Follow(changes, m_frameCost, false, job->id);

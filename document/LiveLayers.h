@@ -49,7 +49,8 @@ public:
     /// The stroke under way ended, or another one begins: what it told of is no longer known to be
     /// followed already.
     void EndStroke() { m_stroked.clear(); }
-    /// The same as Settle, and computes at once what waits.
+    /// The same as Settle, and computes at once what waits. Outside of edits, it also tells that
+    /// states of formulas changed.
     void Finish();
 
     /// What may be computed at once, as Computation::Cost tells; a frame of the screen at first.
@@ -81,6 +82,8 @@ private:
     void Tell();
     Layer* Changeable(int id) const;
     void Put(Follower& follower, const Rects& rects);
+    void Complete(Follower& follower);
+    int PendingCount() const;
     void MarkStale(int id);
     void Rest();
     void Begin(int id);

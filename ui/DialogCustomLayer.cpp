@@ -3,7 +3,6 @@
 #include "app/Log.h"
 #include "app/Names.h"
 #include "document/Document.h"
-#include "document/Formulas.h"
 #include "document/LiveLayers.h"
 #include "document/edits/LayerEdits.h"
 #include "layers/CustomLayer.h"
@@ -39,7 +38,6 @@ DialogCustomLayer::DialogCustomLayer(Document& document, Layer* layerToModify, Q
     InitForm();
     // The worker reads the masks, so nothing may write into them any more.
     document.Live().Finish();
-    document.LayerFormulas().TellChanges();
     StartWorker();
     LayOut();
     SetPreviewA(m_ui->cboInputA->currentIndex());

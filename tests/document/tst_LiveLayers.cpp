@@ -168,6 +168,8 @@ private slots:
     void AnUndoneUpdateBringsHandEditsBack();
     void JumpsPassWhereALayerBecameLive_data() { Travels(); }
     void JumpsPassWhereALayerBecameLive();
+    void WhatWaitsIsShownAtOnce();
+    void WhatChangesNoPixelIsUpToDateAfterwards();
 
 private:
     static void Travels()
@@ -594,6 +596,53 @@ void tst_LiveLayers::JumpsPassWhereALayerBecameLive()
     Travel(document, *shore, document.History().count());
     QCOMPARE(graph.Pixels(), after);
     QVERIFY(document.Live().IsFollowing(*shore));
+}
+
+void tst_LiveLayers::WhatWaitsIsShownAtOnce()
+{
+    Random random;
+    Graph graph(random);
+    Document& document = graph.fixture.document;
+    Layer* blank = graph.fixture.AddLayer();
+    graph.all.append(blank);
+    Layer* shore = graph.Add(Dilation(*blank, 9));
+    document.Live().SetFrameCost(0);
+    const QSignalSpy told(&document, &Document::LayerMarksChanged);
+
+    Stroke stroke(document, *blank);
+    stroke.Step({20, 20, 50, 50}, 255);
+    QCOMPARE(told.size(), 1);
+    QCOMPARE(document.LayerFormulas().StateOf(*shore), FormulaState::OutOfDate);
+    stroke.Step({60, 60, 50, 50}, 255);
+    QCOMPARE(told.size(), 1);
+    stroke.Step({20, 20, 90, 90}, 0);
+    stroke.End();
+    // It changed nothing, so there is no edit, and other layers are what they were.
+    QCOMPARE(told.size(), 2);
+    document.Live().Finish();
+    QCOMPARE(told.size(), 3);
+    QCOMPARE(document.LayerFormulas().StateOf(*shore), FormulaState::UpToDate);
+}
+
+void tst_LiveLayers::WhatChangesNoPixelIsUpToDateAfterwards()
+{
+    Random random;
+    Graph graph(random);
+    Document& document = graph.fixture.document;
+    Layer* blank = graph.fixture.AddLayer();
+    graph.all.append(blank);
+    Layer* core = graph.Add({OperationErosion, {blank->Id()}, 9});
+    document.Live().SetFrameCost(0);
+
+    graph.fixture.Fill(*blank, {50, 50, 2, 2}, 255);
+    QCOMPARE(document.LayerFormulas().StateOf(*core), FormulaState::OutOfDate);
+    const QSignalSpy told(&document, &Document::LayerMarksChanged);
+    const QSignalSpy noted(&document, &Document::FormulaChanged);
+    QTRY_VERIFY(!document.Live().IsPending(*core));
+    QCOMPARE(document.LayerFormulas().StateOf(*core), FormulaState::UpToDate);
+    QCOMPARE(told.size(), 1);
+    // The journal writes fingerprints again.
+    QCOMPARE(noted.size(), 1);
 }
 
 QTEST_MAIN(tst_LiveLayers)
