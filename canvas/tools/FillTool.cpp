@@ -2,15 +2,12 @@
 
 #include "app/Log.h"
 #include "canvas/MainScene.h"
-#include "canvas/MainView.h"
 #include "canvas/tools/PaintRegion.h"
 #include "canvas/tools/PaintTools.h"
 #include "document/Document.h"
 #include "layers/raster/Flood.h"
 
 #include <QGraphicsSceneMouseEvent>
-
-#include <cmath>
 
 raster::Region FillTool::AreaAt(const Layer& layer, QPoint pixel) const
 {
@@ -37,8 +34,7 @@ void FillTool::Press(QGraphicsSceneMouseEvent& event)
     if (!layer || (!isErasing && event.button() != Qt::LeftButton)) {
         return;
     }
-    const QPointF position = event.scenePos() + Parts().view.MouseFraction();
-    const QPoint pixel(int(std::floor(position.x())), int(std::floor(position.y())));
+    const QPoint pixel = PixelOf(event);
     const QSize size = layer->Image().size();
     if (!QRect(QPoint(), size).contains(pixel)) {
         return;

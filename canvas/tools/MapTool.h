@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QPoint>
+#include <QPointF>
+
 #include <Qt>
 
 class Document;
@@ -60,6 +63,10 @@ public:
 
 protected:
     const MapToolParts& Parts() const { return m_parts; }
+    /// The scene position of the mouse, also between the view's pixels.
+    QPointF PositionOf(const QGraphicsSceneMouseEvent& event) const;
+    /// The layer pixel under the mouse, which may lie beside the map.
+    QPoint PixelOf(const QGraphicsSceneMouseEvent& event) const;
 
 private:
     MapToolParts m_parts;

@@ -54,11 +54,6 @@ QString StepText(PaintToolKind kind, bool isErasing)
 
 } // namespace
 
-QPointF ShapeTool::PositionOf(const QGraphicsSceneMouseEvent& event) const
-{
-    return event.scenePos() + Parts().view.MouseFraction();
-}
-
 bool ShapeTool::Begin(const QGraphicsSceneMouseEvent& event)
 {
     const bool isButton = event.button() == Qt::LeftButton || event.button() == Qt::RightButton;

@@ -32,7 +32,6 @@ public:
 
 protected:
     PaintToolKind Kind() const { return m_kind; }
-    QPointF PositionOf(const QGraphicsSceneMouseEvent& event) const;
     /// Begins a shape, or goes on with it. False when the press is none of it: it has another
     /// button, or there is no layer.
     bool Begin(const QGraphicsSceneMouseEvent& event);
