@@ -9,6 +9,8 @@
 
 #include <QGraphicsSceneMouseEvent>
 
+#include <utility>
+
 raster::Region FillTool::AreaAt(const Layer& layer, QPoint pixel) const
 {
     const FillBounds bounds = Parts().scene.GetPaintTools()->Options().fillBounds;
@@ -42,7 +44,13 @@ void FillTool::Press(QGraphicsSceneMouseEvent& event)
     const QString text =
         isErasing ? Document::tr("Erase area on %1") : Document::tr("Fill area on %1");
     const QString name = layer->text();
-    const qint64 count = PaintRegion(Parts(), *layer, text, AreaAt(*layer, pixel), isErasing);
+    raster::Region area = AreaAt(*layer, pixel);
+    if (area.empty()) {
+        // It has the pixel under the mouse at least.
+        LogError(QStringLiteral("There is no memory to paint on layer '%1'.").arg(name));
+        return;
+    }
+    const qint64 count = PaintRegion(Parts(), *layer, text, std::move(area), isErasing);
     const qint64 all = qint64{size.width()} * size.height();
     if (2 * count > all) {
         constexpr double percent = 100;
