@@ -85,7 +85,7 @@ void MainScene::SetDocument(Document& document)
     m_document = &document;
     document.SetZoneScene(this);
     connect(&document, &QObject::destroyed, this, &MainScene::ForgetDocument);
-    connect(&document, &Document::AboutToClear, this, [this] { m_paintTools->Leave(); });
+    connect(&document, &Document::AboutToClear, this, [this] { m_paintTools->LeaveProject(); });
     const MapToolParts parts{document, *this, *m_view};
     auto paintTools = std::make_unique<PaintTools>(parts);
     m_paintTools = paintTools.get();

@@ -9,6 +9,8 @@
 #include <memory>
 #include <utility>
 
+class TwoCornerTool;
+
 /// The tools of the Paint mode, of which one is chosen and gets the events; at first it is the
 /// brush. A press on a layer whose pixels stay is refused with a message.
 class PaintTools : public MapTool
@@ -27,6 +29,8 @@ public:
     /// Whether the chosen tool paints with the width of the brush.
     bool ShowsBrush() const;
     PaintTool& Brush() { return *m_brush; }
+    /// The project ends, and with it what the tools know of its map.
+    void LeaveProject();
     PaintOptions& Options() { return m_options; }
     const PaintOptions& Options() const { return m_options; }
 
@@ -58,6 +62,7 @@ private:
 
     std::map<PaintToolKind, std::unique_ptr<MapTool>> m_tools;
     PaintTool* m_brush;
+    TwoCornerTool* m_line;
     PaintToolKind m_kind = PaintToolKind::Brush;
     PaintOptions m_options;
     std::function<void(PaintToolKind)> m_chosen;
