@@ -58,7 +58,7 @@ public:
     virtual Qt::CursorShape Cursor() const { return Qt::ArrowCursor; }
     /// Shift or Ctrl was pressed or released.
     virtual void FollowModifiers(Qt::KeyboardModifiers /*modifiers*/) {}
-    /// This layer is painted from now on.
+    /// This layer is painted from now on; null for none.
     virtual void FollowLayer(Layer* /*layer*/) {}
 
 protected:

@@ -125,7 +125,8 @@ void ShapeTool::Cancel()
 
 void ShapeTool::FollowLayer(Layer* layer)
 {
-    if (layer != m_layer) {
+    // While the row of the layer moves, no layer is painted for a moment.
+    if (layer && layer != m_layer) {
         Cancel();
     }
 }

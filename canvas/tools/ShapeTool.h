@@ -11,7 +11,7 @@
 
 /// A tool that draws an outline first, and paints its pixels on the current layer when it is done;
 /// the right button erases them. Each shape is one step of the history. Corners are scene
-/// positions. What is not finished when the layer or the tool changes is dropped.
+/// positions. What is not finished when another layer or tool is chosen is dropped.
 class ShapeTool : public MapTool
 {
 public:

@@ -2,6 +2,7 @@
 
 #include "canvas/ShapeMark.h"
 #include "canvas/tools/PaintTools.h"
+#include "document/edits/LayerEdits.h"
 #include "layers/raster/Shapes.h"
 #include "tests/support/LogSpy.h"
 #include "tests/support/Masks.h"
@@ -44,6 +45,7 @@ private slots:
     void TwoCornersPaintNothing();
     void SurvivesMovesOfTheMap();
     void LetsOthersWork();
+    void GoesWithItsLayer();
     void LassoClosesAtTheRelease();
     void LayerThatIsLockedMeanwhileStays();
 };
@@ -194,6 +196,22 @@ void tst_PolygonTool::LetsOthersWork()
     const QByteArray wanted = With(canvas, Triangle({30, 10}, {150, 80}, {50, 140}), 255);
     canvas.Key(Qt::Key_Return);
     QCOMPARE(canvas.Pixels(), wanted);
+}
+
+void tst_PolygonTool::GoesWithItsLayer()
+{
+    Painting canvas;
+    canvas.Tools().Choose(PaintToolKind::Polygon);
+    const QByteArray before = canvas.Pixels();
+    canvas.Click({30, 10});
+    canvas.Click({150, 80});
+    canvas.Click({50, 140});
+    canvas.document.Do(Edits::RemoveLayer(*canvas.layer));
+    QVERIFY(!canvas.view.Shape().IsShown());
+    canvas.document.Undo();
+    canvas.Edit(canvas.layer);
+    canvas.Key(Qt::Key_Return);
+    QCOMPARE(canvas.Pixels(), before);
 }
 
 void tst_PolygonTool::LassoClosesAtTheRelease()
