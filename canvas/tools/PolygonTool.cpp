@@ -1,7 +1,9 @@
 #include "canvas/tools/PolygonTool.h"
 
+#include "app/Log.h"
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
+#include "canvas/tools/PaintTools.h"
 #include "layers/raster/Shapes.h"
 
 #include <QApplication>
@@ -99,6 +101,17 @@ void PolygonTool::Close()
     Complete(raster::PolygonRegion(corners, LayerSize()));
 }
 
+/// Like a press, the key is refused while the layer may not be painted, and the corners stay.
+void PolygonTool::CloseByKey()
+{
+    const QString reason = Parts().scene.GetPaintTools()->WhyNot();
+    if (reason.isEmpty()) {
+        Close();
+    } else {
+        LogInfo(reason);
+    }
+}
+
 void PolygonTool::Finish()
 {
     if (IsLasso()) {
@@ -119,7 +132,7 @@ bool PolygonTool::PressKey(const QKeyEvent& event)
         return true;
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        Close();
+        CloseByKey();
         return true;
     default:
         return ShapeTool::PressKey(event);

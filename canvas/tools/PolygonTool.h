@@ -27,6 +27,7 @@ private:
     void RemoveCorner();
     bool IsAway(QPointF place) const;
     void Close();
+    void CloseByKey();
     void ShowOutline() const;
 
     QPolygonF m_corners;

@@ -48,6 +48,7 @@ private slots:
     void GoesWithItsLayer();
     void LassoClosesAtTheRelease();
     void LayerThatIsLockedMeanwhileStays();
+    void LassoOnALayerThatIsLockedMeanwhileIsDropped();
 };
 
 void tst_PolygonTool::TakesClicks_data()
@@ -247,7 +248,31 @@ void tst_PolygonTool::LayerThatIsLockedMeanwhileStays()
     canvas.Click({150, 80});
     canvas.Click({50, 140});
     canvas.document.SetLocked(*canvas.layer, true);
+    const QString reason = canvas.document.WhyPixelsStay(*canvas.layer);
     canvas.Key(Qt::Key_Return);
+    QCOMPARE(canvas.Pixels(), before);
+    QCOMPARE(log.Take(), QStringList("Info: " + reason));
+    // A click is refused too. Both keep the corners.
+    canvas.Click({190, 150});
+    QCOMPARE(log.Take(), QStringList("Info: " + reason));
+    QVERIFY(canvas.view.Shape().IsShown());
+    canvas.document.SetLocked(*canvas.layer, false);
+    const QByteArray wanted = With(canvas, Triangle({30, 10}, {150, 80}, {50, 140}), 255);
+    canvas.Key(Qt::Key_Return);
+    QCOMPARE(canvas.Pixels(), wanted);
+    QVERIFY(!canvas.view.Shape().IsShown());
+}
+
+void tst_PolygonTool::LassoOnALayerThatIsLockedMeanwhileIsDropped()
+{
+    Painting canvas;
+    LogSpy log;
+    canvas.Tools().Choose(PaintToolKind::Lasso);
+    const QByteArray before = canvas.Pixels();
+    canvas.Press({30, 10});
+    canvas.Move({150, 80});
+    canvas.document.SetLocked(*canvas.layer, true);
+    canvas.Release({50, 140});
     QCOMPARE(canvas.Pixels(), before);
     QCOMPARE(log.Take().size(), 1);
     QVERIFY(!canvas.view.Shape().IsShown());
