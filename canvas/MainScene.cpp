@@ -398,6 +398,13 @@ bool MainScene::CancelTool()
     return isUnderWay;
 }
 
+void MainScene::CancelPress()
+{
+    if (MapTool* tool = Tool(); tool && tool->IsUnderWay()) {
+        tool->CancelPress();
+    }
+}
+
 void MainScene::mousePressEvent(QGraphicsSceneMouseEvent* event)
 {
     if (MapTool* tool = Tool()) {

@@ -51,6 +51,8 @@ public:
     virtual bool IsUnderWay() const { return IsBusy(); }
     /// Takes back what is under way; nothing of it remains.
     virtual void Cancel() {}
+    /// Takes back what the press that is held has begun: it was the first finger of a pinch.
+    virtual void CancelPress() { Cancel(); }
     /// Another tool or mode comes next.
     virtual void Leave() { Finish(); }
 

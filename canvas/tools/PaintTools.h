@@ -50,6 +50,7 @@ public:
     void Finish() override { Chosen().Finish(); }
     bool IsUnderWay() const override { return Chosen().IsUnderWay(); }
     void Cancel() override { Chosen().Cancel(); }
+    void CancelPress() override { Chosen().CancelPress(); }
     void Leave() override { Chosen().Leave(); }
     Qt::CursorShape Cursor() const override;
     void FollowModifiers(Qt::KeyboardModifiers modifiers) override;

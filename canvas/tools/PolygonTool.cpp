@@ -21,6 +21,7 @@ void PolygonTool::Press(QGraphicsSceneMouseEvent& event)
     if (isFirst) {
         m_corners.clear();
     }
+    m_cornersBefore = m_corners.size();
     AddCorner(PositionOf(event));
 }
 
@@ -118,6 +119,18 @@ void PolygonTool::Finish()
         Cancel();
     } else {
         SetHeld(false);
+    }
+}
+
+void PolygonTool::CancelPress()
+{
+    if (IsLasso()) {
+        Cancel();
+    } else if (IsBusy()) {
+        SetHeld(false);
+        if (m_corners.size() > m_cornersBefore) {
+            RemoveCorner();
+        }
     }
 }
 
