@@ -86,6 +86,8 @@ void MainScene::SetDocument(Document& document)
     document.SetZoneScene(this);
     connect(&document, &QObject::destroyed, this, &MainScene::ForgetDocument);
     connect(&document, &Document::AboutToClear, this, [this] { m_paintTools->LeaveProject(); });
+    connect(&document, &Document::LayerMarksChanged, this,
+            [this] { m_paintTools->ForgetRefusal(); });
     const MapToolParts parts{document, *this, *m_view};
     auto paintTools = std::make_unique<PaintTools>(parts);
     m_paintTools = paintTools.get();
@@ -324,6 +326,9 @@ void MainScene::ChangeMode(SceneMode mode)
         }
     }
     m_mode = mode;
+    if (m_paintTools) {
+        m_paintTools->ForgetRefusal();
+    }
     ShowToolCursor();
 }
 

@@ -37,6 +37,8 @@ public:
     /// What the layer is that a click of toolPick chooses; may be empty.
     void SetLayerPicked(std::function<void(Layer&)> callback) { m_picked = std::move(callback); }
     void PickLayer(Layer& layer) const;
+    /// What a press was refused for may have changed: its cursor goes.
+    void ForgetRefusal() { ShowRefused(false); }
     /// Why the current layer may not be painted now, as one sentence; empty when it may.
     QString WhyNot() const;
 
