@@ -85,7 +85,9 @@ void MainScene::SetDocument(Document& document)
     m_document = &document;
     document.SetZoneScene(this);
     connect(&document, &QObject::destroyed, this, &MainScene::ForgetDocument);
-    connect(&document, &Document::AboutToClear, this, [this] { m_paintTools->Leave(); });
+    connect(&document, &Document::AboutToClear, this, [this] { m_paintTools->LeaveProject(); });
+    connect(&document, &Document::LayerMarksChanged, this,
+            [this] { m_paintTools->ForgetRefusal(); });
     const MapToolParts parts{document, *this, *m_view};
     auto paintTools = std::make_unique<PaintTools>(parts);
     m_paintTools = paintTools.get();
@@ -324,6 +326,9 @@ void MainScene::ChangeMode(SceneMode mode)
         }
     }
     m_mode = mode;
+    if (m_paintTools) {
+        m_paintTools->ForgetRefusal();
+    }
     ShowToolCursor();
 }
 
@@ -396,6 +401,13 @@ bool MainScene::CancelTool()
         tool->Cancel();
     }
     return isUnderWay;
+}
+
+void MainScene::CancelPress()
+{
+    if (MapTool* tool = Tool(); tool && tool->IsUnderWay()) {
+        tool->CancelPress();
+    }
 }
 
 void MainScene::mousePressEvent(QGraphicsSceneMouseEvent* event)

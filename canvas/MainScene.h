@@ -96,6 +96,8 @@ public:
     void LoseMouse();
     /// Takes back the stroke, drag or shape under way; false when there is none.
     bool CancelTool();
+    /// Takes back only what the press that is held has begun.
+    void CancelPress();
 
 signals:
     void ZoneSelected(QList<QGraphicsItem*> items);

@@ -165,7 +165,7 @@ void ViewMoves::Pinch(const QPinchGesture& pinch)
     const bool isFirst = pinch.state() == Qt::GestureStarted;
     const QPointF from = isFirst ? pinch.centerPoint() : pinch.lastCenterPoint();
     if (isFirst && m_isByFinger) {
-        m_view.Scene()->CancelTool();
+        m_view.Scene()->CancelPress();
     }
     ZoomBy(pinch.scaleFactor(), toPixel(from), toPixel(pinch.centerPoint()));
 }

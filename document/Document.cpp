@@ -86,6 +86,7 @@ bool Document::Do(std::unique_ptr<Edit> edit)
     const bool setsModified = edit->SetsModified();
     if (!edit->Changes()) {
         m_live->EndStroke();
+        m_formulas->TellChanges();
         if (setsModified) {
             ProjectSettings::Instance().SetModified(true);
         }
@@ -100,20 +101,13 @@ bool Document::Do(std::unique_ptr<Edit> edit)
         m_endOfKept = NoEnd;
         m_history.push(edit.release());
     }
-    FollowChanges();
+    m_formulas->TellChanges();
     if (setsModified) {
         ProjectSettings::Instance().SetModified(true);
     }
     FitHistory();
     emit HistoryChanged();
     return true;
-}
-
-/// Live layers follow what an edit changed.
-void Document::FollowChanges()
-{
-    m_live->Settle();
-    m_formulas->TellChanges();
 }
 
 void Document::NoteChange()
@@ -192,7 +186,7 @@ void Document::FollowIndex()
         return;
     }
     EndGesture();
-    FollowChanges();
+    m_formulas->TellChanges();
     const QScopedValueRollback<bool> applying(m_isApplying, true);
     ShowModified();
     FitHistory();

@@ -189,7 +189,8 @@ signals:
     /// What marks the layer's row and decides whether its pixels may be changed: locks, and which
     /// layer is shown alone. Null means all layers.
     void LayerMarksChanged(Layer* layer);
-    /// What is known of the formula of a computed layer changed by an edit.
+    /// What is known of the formula of a computed layer changed, by an edit or because what waited
+    /// to be computed is.
     void FormulaChanged();
     /// Places or values of zones of the territory changed, or zones came or went.
     void ZonesChanged(Territory* territory);
@@ -220,7 +221,6 @@ private:
     friend class Edit;
     friend class PaintMask;
 
-    void FollowChanges();
     void AnnouncePixels(Layer* layer, const QRect& rect, const raster::MaskDelta& tiles);
     bool EditRow(QStandardItem& item, const QVariant& value, int role);
     void NotePlace(const EditPlace& place) { m_place = place; }

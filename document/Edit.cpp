@@ -1,6 +1,7 @@
 #include "document/Edit.h"
 
 #include "document/Document.h"
+#include "document/LiveLayers.h"
 
 #include <QScopedValueRollback>
 
@@ -40,6 +41,8 @@ void Edit::undo()
     } else {
         m_document->LoseUndo(*this);
     }
+    // A jump in the history passes states in which layers begin or cease to be live.
+    m_document->Live().Settle();
 }
 
 void Edit::redo()
@@ -53,4 +56,5 @@ void Edit::redo()
     } else {
         m_document->LoseRedo(*this);
     }
+    m_document->Live().Settle();
 }

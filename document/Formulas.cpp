@@ -27,9 +27,11 @@ void Formulas::Follow(Layer* layer, int aspect, const QRect& rect)
     if (aspect == static_cast<int>(Document::LayerAspect::Pixels)) {
         const auto fingerprint = m_fingerprints.find(layer->Id());
         if (fingerprint != m_fingerprints.end()) {
-            fingerprint->Touch(rect);
+            // The rectangle may be the whole mask, which takes long to read.
             if (const raster::MaskDelta* tiles = m_document.ChangedTiles()) {
                 tiles->ForEachTile([&](int tile) { fingerprint->TouchTile(tile); });
+            } else {
+                fingerprint->Touch(rect);
             }
         }
         NoteChange();

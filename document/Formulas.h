@@ -53,13 +53,14 @@ public:
     FormulaRecords Records() const;
     /// Takes over what a file holds, whose name is for messages. Logs at most one line, last.
     void Read(const FormulaReading& reading, const QString& fileName);
+    /// States may have changed otherwise than by pixels, names and rows.
+    void NoteChange();
     /// Tells who shows states that they may have changed.
     void TellChanges();
 
 private:
     void Follow(Layer* layer, int aspect, const QRect& rect);
     void Forget();
-    void NoteChange();
     const QHash<int, FormulaStatus>& Statuses() const;
     FormulaStatus StatusOf(const Layer& layer, const Formula& formula) const;
     quint64 FingerprintOf(const Layer& layer) const;

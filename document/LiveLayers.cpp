@@ -212,7 +212,13 @@ void LiveLayers::FollowStroke(const Layer& layer, const QRect& rect)
         // The stroke was taken back.
         m_stroked.remove(layer.Id());
     }
+    const int pending = PendingCount();
     Follow({{layer.Id(), {rect & LayerRect()}}}, m_frameCost, false);
+    if (!m_document.IsHandBusy()) {
+        Tell();
+    } else if (PendingCount() > pending) {
+        m_document.LayerFormulas().TellChanges();
+    }
 }
 
 /// Decides anew which layers follow, and in which order.
@@ -268,7 +274,11 @@ void LiveLayers::Finish()
 {
     Settle();
     Follow({}, std::numeric_limits<qint64>::max(), true);
-    Announce();
+    if (m_document.IsApplying()) {
+        Announce();
+    } else {
+        Tell();
+    }
 }
 
 void LiveLayers::Follow(Changes changes, qint64 budget, bool takesPending, int computedId)
@@ -310,7 +320,7 @@ void LiveLayers::Follow(Changes changes, qint64 budget, bool takesPending, int c
         if (doesPending) {
             shown = take(Grown(wanted + follower.pending, 0));
             if (shown) {
-                follower.pending.clear();
+                Complete(follower);
             }
         }
         if (!shown && !wanted.isEmpty()) {
@@ -373,15 +383,29 @@ void LiveLayers::Announce()
     }
 }
 
-/// Null for a layer that is removed or locked; it catches up when it is there again.
+/// Tells of changes that come with no edit.
+void LiveLayers::Tell()
+{
+    Announce();
+    m_document.LayerFormulas().TellChanges();
+    // The document may be as it was saved only now.
+    emit m_document.HistoryChanged();
+}
+
+/// Null for a layer that is removed or locked; it catches up when it is there again. Locks do not
+/// stop undo and redo.
 Layer* LiveLayers::Changeable(int id) const
 {
     Layer* layer = m_document.Layers().LayerById(id);
-    return layer && !m_document.IsLocked(*layer) ? layer : nullptr;
+    const bool isFree = layer && (!m_document.IsLocked(*layer) || m_document.IsTravelling());
+    return isFree ? layer : nullptr;
 }
 
 void LiveLayers::Put(Follower& follower, const Rects& rects)
 {
+    if (follower.pending.isEmpty()) {
+        m_document.LayerFormulas().NoteChange();
+    }
     follower.pending += rects;
     if (follower.pending.size() > MaxRects) {
         QRect bounds;
@@ -391,6 +415,21 @@ void LiveLayers::Put(Follower& follower, const Rects& rects)
         follower.pending = {bounds};
     }
     m_rest.start();
+}
+
+/// Nothing waits any more, although maybe no pixel changed.
+void LiveLayers::Complete(Follower& follower)
+{
+    follower.pending.clear();
+    m_document.LayerFormulas().NoteChange();
+    emit m_document.FormulaChanged();
+}
+
+int LiveLayers::PendingCount() const
+{
+    return static_cast<int>(
+        std::count_if(m_followers.begin(), m_followers.end(),
+                      [](const Follower& follower) { return !follower.pending.isEmpty(); }));
 }
 
 void LiveLayers::MarkStale(int id)
@@ -461,14 +500,11 @@ void LiveLayers::Take(const std::shared_ptr<Job>& job)
         }
     }
     if (isWhole) {
-        m_followers[job->id].pending.clear();
+        Complete(m_followers[job->id]);
         m_rest.start();
     }
     Follow(changes, m_frameCost, false, job->id);
-    Announce();
-    m_document.LayerFormulas().TellChanges();
-    // After an undo, the document is as it was saved only now.
-    emit m_document.HistoryChanged();
+    Tell();
     if (!isWhole) {
         LogError(Document::tr("There is no memory to compute layer '%1'.").arg(layer->text()));
     }

@@ -43,13 +43,14 @@ public:
 
     /// The formula of the layer, or what is known of it, changed.
     void Reconsider(const Layer& layer);
-    /// Follows all changes that were announced, and announces those that come of them. The document
-    /// calls it after each edit.
+    /// Follows all changes that were announced, and announces those that come of them. Each edit
+    /// ends with it when it is carried out, undone or done again.
     void Settle();
     /// The stroke under way ended, or another one begins: what it told of is no longer known to be
     /// followed already.
     void EndStroke() { m_stroked.clear(); }
-    /// The same as Settle, and computes at once what waits.
+    /// The same as Settle, and computes at once what waits. Outside of edits, it also tells that
+    /// states of formulas changed.
     void Finish();
 
     /// What may be computed at once, as Computation::Cost tells; a frame of the screen at first.
@@ -78,8 +79,11 @@ private:
     std::optional<Rects> Compute(Layer& layer, const Computation& computation, const Rects& rects);
     std::optional<QRect> Show(Layer& layer, const QRect& rect, const QImage& pixels);
     void Announce();
+    void Tell();
     Layer* Changeable(int id) const;
     void Put(Follower& follower, const Rects& rects);
+    void Complete(Follower& follower);
+    int PendingCount() const;
     void MarkStale(int id);
     void Rest();
     void Begin(int id);

@@ -144,7 +144,6 @@ void DerivedActions::UpdateLayers(const QVector<int>& ids)
         return;
     }
     document.Live().Finish();
-    document.LayerFormulas().TellChanges();
     const QVector<Layer*> layers = AskOutdated(ids);
     if (!layers.isEmpty()) {
         const WaitCursor wait;

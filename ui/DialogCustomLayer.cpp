@@ -3,6 +3,7 @@
 #include "app/Log.h"
 #include "app/Names.h"
 #include "document/Document.h"
+#include "document/LiveLayers.h"
 #include "document/edits/LayerEdits.h"
 #include "layers/CustomLayer.h"
 #include "layers/CustomLayerWorker.h"
@@ -35,6 +36,8 @@ DialogCustomLayer::DialogCustomLayer(Document& document, Layer* layerToModify, Q
     m_ui->setupUi(this);
     Connect();
     InitForm();
+    // The worker reads the masks, so nothing may write into them any more.
+    document.Live().Finish();
     StartWorker();
     LayOut();
     SetPreviewA(m_ui->cboInputA->currentIndex());

@@ -131,6 +131,15 @@ void DockLayers::ShowNew(Layer& layer)
 {
     m_document.SetCurrentLayer(&layer);
     SelectItem(&layer);
+    Reveal(layer);
+}
+
+/// Scrolls to the layer. A filter that hides it ends.
+void DockLayers::Reveal(const Layer& layer)
+{
+    if (m_ui->treeLayers->isRowHidden(layer.row(), {})) {
+        m_ui->txtLayerFilter->clear();
+    }
     m_ui->treeLayers->scrollTo(layer.index());
 }
 
@@ -172,7 +181,7 @@ void DockLayers::AddCustom(bool /*checked*/)
     DialogCustomLayer dialog(m_document, nullptr, this);
     if (dialog.exec() == QDialog::Accepted && dialog.CreatedLayer()) {
         UpdateHideAll();
-        m_ui->treeLayers->scrollTo(dialog.CreatedLayer()->index());
+        Reveal(*dialog.CreatedLayer());
         emit Added(dialog.CreatedLayer());
     }
 }
@@ -189,7 +198,7 @@ void DockLayers::AddPainted(bool /*checked*/)
     }
     UpdateHideAll();
     Layer* layer = List()->LayerAt(List()->model()->rowCount() - 1);
-    m_ui->treeLayers->scrollTo(layer->index());
+    Reveal(*layer);
     emit Added(layer);
 }
 

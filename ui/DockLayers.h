@@ -72,6 +72,7 @@ private:
     Layer* CurrentLayer() const;
     void FilterRows();
     void LeaveFilter();
+    void Reveal(const Layer& layer);
     void MoveTo(Layer* layer, int row);
 
     Document& m_document;

@@ -2,6 +2,7 @@
 
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
+#include "canvas/tools/PaintTools.h"
 
 LayerComposition::LayerComposition(Document& document, MainView& view)
     : m_document(document)
@@ -40,6 +41,10 @@ void LayerComposition::Follow(Layer* layer, Document::LayerAspect aspect, const 
     case Document::LayerAspect::Name:
         break;
     default:
+        if (!m_document.CurrentLayer()) {
+            // Its layer was removed. While a layer only moves, its shape stays.
+            scene.GetPaintTools()->Leave();
+        }
         if (m_document.IsTravelling()) {
             Recompose();
         }

@@ -1,9 +1,11 @@
 #include "ui/LayerMarks.h"
 
+#include "app/ProjectSettings.h"
 #include "document/Document.h"
 #include "document/Formulas.h"
 #include "ui/ProjectNotes.h"
 
+#include <QFileInfo>
 #include <QIcon>
 #include <QPainter>
 #include <QPixmap>
@@ -82,12 +84,15 @@ LayerMarks::LayerMarks(Document& document)
         Write();
         m_document.Layers().RepaintMarks(layer);
     });
-    connect(&document, &Document::AboutToClear, this, [this] {
-        m_namesInFile.clear();
-        m_isBeginning = true;
+    connect(&document, &Document::AboutToClear, this, [this] { m_namesInFile.clear(); });
+    connect(&document, &Document::HistoryBegan, this, [this](bool isSaved) {
+        // A file that is read only in part does not become the project's own, but the layers that
+        // came from it are locked as they were.
+        const ProjectSettings& settings = ProjectSettings::Instance();
+        if (isSaved && !settings.FileName().isEmpty()) {
+            Read(QFileInfo(settings.ProjectFilePath()).absoluteFilePath());
+        }
     });
-    connect(&document, &Document::HistoryBegan, this,
-            [this](bool isSaved) { m_isBeginning = m_isBeginning && isSaved; });
     connect(&document, &Document::FilesNoted, this, &LayerMarks::FollowFiles);
     connect(&document, &Document::HistoryChanged, this, [this] {
         // What is only looked at shows what its file says; nobody could end this there.
@@ -154,16 +159,11 @@ void LayerMarks::FollowFiles()
     for (const Layer* layer : layers) {
         m_namesInFile.insert(layer->Id(), layer->text());
     }
-    if (m_isBeginning) {
-        Read();
-    }
-    m_isBeginning = false;
     Write();
 }
 
-void LayerMarks::Read()
+void LayerMarks::Read(const QString& path)
 {
-    const QString path = m_document.Path();
     m_notes = {path, ProjectNotes::Read(LockedGroup, path), ProjectNotes::Read(SoloGroup, path)};
     const QVector<Layer*> layers = m_document.Layers().Layers();
     for (Layer* layer : layers) {
@@ -181,7 +181,7 @@ void LayerMarks::Read()
 void LayerMarks::Write()
 {
     Notes notes{m_document.Path(), {}, {}};
-    if (notes.path.isEmpty() || m_isBeginning || !m_document.IsEditable()) {
+    if (notes.path.isEmpty() || !m_document.IsEditable()) {
         return;
     }
     const QSet<int>& locked = m_document.LockedIds();

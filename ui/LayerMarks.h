@@ -37,7 +37,7 @@ private:
     /// What the row tells, a line each; empty for nothing.
     QString ToolTip(const Layer& layer) const;
     void FollowFiles();
-    void Read();
+    void Read(const QString& path);
     void Write();
     QString NameInFile(int id) const;
 
@@ -47,6 +47,4 @@ private:
     QHash<int, QString> m_namesInFile;
     /// What the settings hold.
     Notes m_notes;
-    /// The project begins: what the settings hold counts, not what is open.
-    bool m_isBeginning = false;
 };

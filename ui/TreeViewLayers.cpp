@@ -5,6 +5,8 @@
 
 #include <QDropEvent>
 
+#include <algorithm>
+
 TreeViewLayers::TreeViewLayers(QWidget* parent)
     : QTreeView(parent)
 {
@@ -14,6 +16,21 @@ void TreeViewLayers::SetList(LayerList* list)
 {
     m_list = list;
     setModel(list->model());
+}
+
+/// The base class would fill the editor of the row anew, whatever changed.
+void TreeViewLayers::dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight,
+                                 const QVector<int>& roles)
+{
+    const bool isLookOnly =
+        !roles.isEmpty() && std::none_of(roles.begin(), roles.end(), [](int role) {
+            return role == Qt::DisplayRole || role == Qt::EditRole || role == Qt::CheckStateRole;
+        });
+    if (isLookOnly) {
+        viewport()->update();
+    } else {
+        QTreeView::dataChanged(topLeft, bottomRight, roles);
+    }
 }
 
 /// Without a current row, the base class would make the first row current when the view gets the

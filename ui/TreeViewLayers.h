@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QTreeView>
+#include <QVector>
 
 class Layer;
 class LayerList;
@@ -15,6 +16,10 @@ public:
 
     /// Shows the list, which outlives the view.
     void SetList(LayerList* list);
+
+    /// Changes that only concern how a row looks leave a name that is being typed alone.
+    void dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight,
+                     const QVector<int>& roles = QVector<int>()) override;
 
 signals:
     /// The user dragged the layer to the row, as counted without it.

@@ -2,7 +2,6 @@
 
 #include "app/Log.h"
 #include "canvas/MainScene.h"
-#include "canvas/MainView.h"
 #include "canvas/tools/PaintRegion.h"
 #include "canvas/tools/PaintTools.h"
 #include "document/Document.h"
@@ -10,7 +9,7 @@
 
 #include <QGraphicsSceneMouseEvent>
 
-#include <cmath>
+#include <utility>
 
 raster::Region FillTool::AreaAt(const Layer& layer, QPoint pixel) const
 {
@@ -37,8 +36,7 @@ void FillTool::Press(QGraphicsSceneMouseEvent& event)
     if (!layer || (!isErasing && event.button() != Qt::LeftButton)) {
         return;
     }
-    const QPointF position = event.scenePos() + Parts().view.MouseFraction();
-    const QPoint pixel(int(std::floor(position.x())), int(std::floor(position.y())));
+    const QPoint pixel = PixelOf(event);
     const QSize size = layer->Image().size();
     if (!QRect(QPoint(), size).contains(pixel)) {
         return;
@@ -46,7 +44,13 @@ void FillTool::Press(QGraphicsSceneMouseEvent& event)
     const QString text =
         isErasing ? Document::tr("Erase area on %1") : Document::tr("Fill area on %1");
     const QString name = layer->text();
-    const qint64 count = PaintRegion(Parts(), *layer, text, AreaAt(*layer, pixel), isErasing);
+    raster::Region area = AreaAt(*layer, pixel);
+    if (area.empty()) {
+        // It has the pixel under the mouse at least.
+        LogError(QStringLiteral("There is no memory to paint on layer '%1'.").arg(name));
+        return;
+    }
+    const qint64 count = PaintRegion(Parts(), *layer, text, std::move(area), isErasing);
     const qint64 all = qint64{size.width()} * size.height();
     if (2 * count > all) {
         constexpr double percent = 100;

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QPoint>
+#include <QPointF>
+
 #include <Qt>
 
 class Document;
@@ -48,6 +51,8 @@ public:
     virtual bool IsUnderWay() const { return IsBusy(); }
     /// Takes back what is under way; nothing of it remains.
     virtual void Cancel() {}
+    /// Takes back what the press that is held has begun: it was the first finger of a pinch.
+    virtual void CancelPress() { Cancel(); }
     /// Another tool or mode comes next.
     virtual void Leave() { Finish(); }
 
@@ -55,11 +60,15 @@ public:
     virtual Qt::CursorShape Cursor() const { return Qt::ArrowCursor; }
     /// Shift or Ctrl was pressed or released.
     virtual void FollowModifiers(Qt::KeyboardModifiers /*modifiers*/) {}
-    /// This layer is painted from now on.
+    /// This layer is painted from now on; null for none.
     virtual void FollowLayer(Layer* /*layer*/) {}
 
 protected:
     const MapToolParts& Parts() const { return m_parts; }
+    /// The scene position of the mouse, also between the view's pixels.
+    QPointF PositionOf(const QGraphicsSceneMouseEvent& event) const;
+    /// The layer pixel under the mouse, which may lie beside the map.
+    QPoint PixelOf(const QGraphicsSceneMouseEvent& event) const;
 
 private:
     MapToolParts m_parts;

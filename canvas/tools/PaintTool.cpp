@@ -13,11 +13,6 @@
 #include <memory>
 #include <utility>
 
-QPointF PaintTool::PositionOf(const QGraphicsSceneMouseEvent& event) const
-{
-    return event.scenePos() + Parts().view.MouseFraction();
-}
-
 void PaintTool::Press(QGraphicsSceneMouseEvent& event)
 {
     if (event.button() == Qt::MiddleButton) {

@@ -30,7 +30,6 @@ public:
     void ContinueFrom(QPointF position) { m_strokePoint = position; }
 
 private:
-    QPointF PositionOf(const QGraphicsSceneMouseEvent& event) const;
     void MoveBrush(QPointF position);
     void Show(const QRect& changed);
 

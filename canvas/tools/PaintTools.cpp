@@ -17,8 +17,10 @@ PaintTools::PaintTools(const MapToolParts& parts)
     auto brush = std::make_unique<PaintTool>(parts);
     m_brush = brush.get();
     m_tools[PaintToolKind::Brush] = std::move(brush);
-    for (const PaintToolKind kind :
-         {PaintToolKind::Line, PaintToolKind::Rectangle, PaintToolKind::Ellipse}) {
+    auto line = std::make_unique<TwoCornerTool>(parts, PaintToolKind::Line);
+    m_line = line.get();
+    m_tools[PaintToolKind::Line] = std::move(line);
+    for (const PaintToolKind kind : {PaintToolKind::Rectangle, PaintToolKind::Ellipse}) {
         m_tools[kind] = std::make_unique<TwoCornerTool>(parts, kind);
     }
     for (const PaintToolKind kind : {PaintToolKind::Polygon, PaintToolKind::Lasso}) {
@@ -50,6 +52,12 @@ void PaintTools::Choose(PaintToolKind kind)
     if (m_chosen) {
         m_chosen(kind);
     }
+}
+
+void PaintTools::LeaveProject()
+{
+    Leave();
+    m_line->Forget();
 }
 
 bool PaintTools::ShowsBrush() const

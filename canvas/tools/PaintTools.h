@@ -9,6 +9,8 @@
 #include <memory>
 #include <utility>
 
+class TwoCornerTool;
+
 /// The tools of the Paint mode, of which one is chosen and gets the events; at first it is the
 /// brush. A press on a layer whose pixels stay is refused with a message.
 class PaintTools : public MapTool
@@ -27,12 +29,16 @@ public:
     /// Whether the chosen tool paints with the width of the brush.
     bool ShowsBrush() const;
     PaintTool& Brush() { return *m_brush; }
+    /// The project ends, and with it what the tools know of its map.
+    void LeaveProject();
     PaintOptions& Options() { return m_options; }
     const PaintOptions& Options() const { return m_options; }
 
     /// What the layer is that a click of toolPick chooses; may be empty.
     void SetLayerPicked(std::function<void(Layer&)> callback) { m_picked = std::move(callback); }
     void PickLayer(Layer& layer) const;
+    /// What a press was refused for may have changed: its cursor goes.
+    void ForgetRefusal() { ShowRefused(false); }
     /// Why the current layer may not be painted now, as one sentence; empty when it may.
     QString WhyNot() const;
 
@@ -46,6 +52,7 @@ public:
     void Finish() override { Chosen().Finish(); }
     bool IsUnderWay() const override { return Chosen().IsUnderWay(); }
     void Cancel() override { Chosen().Cancel(); }
+    void CancelPress() override { Chosen().CancelPress(); }
     void Leave() override { Chosen().Leave(); }
     Qt::CursorShape Cursor() const override;
     void FollowModifiers(Qt::KeyboardModifiers modifiers) override;
@@ -58,6 +65,7 @@ private:
 
     std::map<PaintToolKind, std::unique_ptr<MapTool>> m_tools;
     PaintTool* m_brush;
+    TwoCornerTool* m_line;
     PaintToolKind m_kind = PaintToolKind::Brush;
     PaintOptions m_options;
     std::function<void(PaintToolKind)> m_chosen;

@@ -1,7 +1,6 @@
 #include "canvas/tools/PickTool.h"
 
 #include "canvas/MainScene.h"
-#include "canvas/MainView.h"
 #include "canvas/tools/PaintTools.h"
 #include "document/Document.h"
 #include "layers/raster/Mask.h"
@@ -9,15 +8,13 @@
 #include <QGraphicsSceneMouseEvent>
 
 #include <algorithm>
-#include <cmath>
 
 void PickTool::Press(QGraphicsSceneMouseEvent& event)
 {
     if (event.button() != Qt::LeftButton) {
         return;
     }
-    const QPointF position = event.scenePos() + Parts().view.MouseFraction();
-    const QPoint pixel(int(std::floor(position.x())), int(std::floor(position.y())));
+    const QPoint pixel = PixelOf(event);
     // The first in the list is on top.
     const QVector<Layer*> layers = Parts().document.Layers().Layers();
     const auto found = std::find_if(layers.begin(), layers.end(), [pixel](const Layer* layer) {

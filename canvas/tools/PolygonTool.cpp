@@ -1,7 +1,9 @@
 #include "canvas/tools/PolygonTool.h"
 
+#include "app/Log.h"
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
+#include "canvas/tools/PaintTools.h"
 #include "layers/raster/Shapes.h"
 
 #include <QApplication>
@@ -19,6 +21,7 @@ void PolygonTool::Press(QGraphicsSceneMouseEvent& event)
     if (isFirst) {
         m_corners.clear();
     }
+    m_cornersBefore = m_corners.size();
     AddCorner(PositionOf(event));
 }
 
@@ -99,12 +102,35 @@ void PolygonTool::Close()
     Complete(raster::PolygonRegion(corners, LayerSize()));
 }
 
+/// Like a press, the key is refused while the layer may not be painted, and the corners stay.
+void PolygonTool::CloseByKey()
+{
+    const QString reason = Parts().scene.GetPaintTools()->WhyNot();
+    if (reason.isEmpty()) {
+        Close();
+    } else {
+        LogInfo(reason);
+    }
+}
+
 void PolygonTool::Finish()
 {
     if (IsLasso()) {
         Cancel();
     } else {
         SetHeld(false);
+    }
+}
+
+void PolygonTool::CancelPress()
+{
+    if (IsLasso()) {
+        Cancel();
+    } else if (IsBusy()) {
+        SetHeld(false);
+        if (m_corners.size() > m_cornersBefore) {
+            RemoveCorner();
+        }
     }
 }
 
@@ -119,7 +145,7 @@ bool PolygonTool::PressKey(const QKeyEvent& event)
         return true;
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        Close();
+        CloseByKey();
         return true;
     default:
         return ShapeTool::PressKey(event);

@@ -20,6 +20,7 @@ public:
     void Release(QGraphicsSceneMouseEvent& event) override;
     bool PressKey(const QKeyEvent& event) override;
     void Finish() override;
+    void CancelPress() override;
 
 private:
     bool IsLasso() const { return Kind() == PaintToolKind::Lasso; }
@@ -27,8 +28,11 @@ private:
     void RemoveCorner();
     bool IsAway(QPointF place) const;
     void Close();
+    void CloseByKey();
     void ShowOutline() const;
 
     QPolygonF m_corners;
+    /// How many there were before the last press.
+    int m_cornersBefore = 0;
     QPointF m_mouse;
 };

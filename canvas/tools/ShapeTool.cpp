@@ -54,11 +54,6 @@ QString StepText(PaintToolKind kind, bool isErasing)
 
 } // namespace
 
-QPointF ShapeTool::PositionOf(const QGraphicsSceneMouseEvent& event) const
-{
-    return event.scenePos() + Parts().view.MouseFraction();
-}
-
 bool ShapeTool::Begin(const QGraphicsSceneMouseEvent& event)
 {
     const bool isButton = event.button() == Qt::LeftButton || event.button() == Qt::RightButton;
@@ -130,7 +125,8 @@ void ShapeTool::Cancel()
 
 void ShapeTool::FollowLayer(Layer* layer)
 {
-    if (layer != m_layer) {
+    // While the row of the layer moves, no layer is painted for a moment.
+    if (layer && layer != m_layer) {
         Cancel();
     }
 }

@@ -11,7 +11,7 @@
 
 /// A tool that draws an outline first, and paints its pixels on the current layer when it is done;
 /// the right button erases them. Each shape is one step of the history. Corners are scene
-/// positions. What is not finished when the layer or the tool changes is dropped.
+/// positions. What is not finished when another layer or tool is chosen is dropped.
 class ShapeTool : public MapTool
 {
 public:
@@ -32,7 +32,6 @@ public:
 
 protected:
     PaintToolKind Kind() const { return m_kind; }
-    QPointF PositionOf(const QGraphicsSceneMouseEvent& event) const;
     /// Begins a shape, or goes on with it. False when the press is none of it: it has another
     /// button, or there is no layer.
     bool Begin(const QGraphicsSceneMouseEvent& event);

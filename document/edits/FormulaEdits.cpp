@@ -24,7 +24,8 @@ enum class Note
     Detached,
 };
 
-/// Changes what is known of a computed layer.
+/// Changes what is known of a computed layer. Whether it follows its operands is decided anew by
+/// the next LiveLayers::Settle.
 class ChangeFacts : public Edit
 {
 public:
@@ -39,6 +40,7 @@ protected:
     void Do(Document& document) override
     {
         Formulas& formulas = document.LayerFormulas();
+        document.Live().Finish();
         if (!m_isKnown) {
             m_isKnown = true;
             m_before = formulas.FactsOf(*m_layer);
@@ -51,6 +53,9 @@ protected:
     }
     void Undo(Document& document) override
     {
+        // A layer that ceases to follow keeps its pixels, which have to be those that it had when
+        // this was carried out.
+        document.Live().Finish();
         document.LayerFormulas().SetFacts(*m_layer, m_before);
     }
 
@@ -90,6 +95,7 @@ protected:
         } else if (m_hasMemory) {
             Fail();
         }
+        document.Live().Settle();
     }
     void Undo(Document& document) override
     {
@@ -99,6 +105,9 @@ protected:
                 DoPart(m_facts, document);
                 Fail();
             }
+            // The parts before this one change the operands: whether the layer follows them is
+            // decided first.
+            document.Live().Settle();
         }
     }
 

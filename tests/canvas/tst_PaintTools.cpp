@@ -143,6 +143,13 @@ void tst_PaintTools::ForbiddenCursorGoesWithTheMouse()
     canvas.Click({30, 30});
     canvas.Scene().ChangeMode(SceneMode::Select);
     QCOMPARE(shape(), Qt::ArrowCursor);
+    canvas.Scene().ChangeMode(SceneMode::Paint);
+    QCOMPARE(shape(), Qt::CrossCursor);
+    // It also goes with the lock.
+    canvas.Click({30, 30});
+    QCOMPARE(shape(), Qt::ForbiddenCursor);
+    canvas.document.SetLocked(*canvas.layer, false);
+    QCOMPARE(shape(), Qt::CrossCursor);
 }
 
 void tst_PaintTools::ShowsWhatTheMouseIs()

@@ -2,6 +2,7 @@
 
 #include "canvas/ShapeMark.h"
 #include "canvas/tools/PaintTools.h"
+#include "document/edits/LayerEdits.h"
 #include "layers/raster/Shapes.h"
 #include "tests/support/LogSpy.h"
 #include "tests/support/Masks.h"
@@ -44,8 +45,10 @@ private slots:
     void TwoCornersPaintNothing();
     void SurvivesMovesOfTheMap();
     void LetsOthersWork();
+    void GoesWithItsLayer();
     void LassoClosesAtTheRelease();
     void LayerThatIsLockedMeanwhileStays();
+    void LassoOnALayerThatIsLockedMeanwhileIsDropped();
 };
 
 void tst_PolygonTool::TakesClicks_data()
@@ -196,6 +199,22 @@ void tst_PolygonTool::LetsOthersWork()
     QCOMPARE(canvas.Pixels(), wanted);
 }
 
+void tst_PolygonTool::GoesWithItsLayer()
+{
+    Painting canvas;
+    canvas.Tools().Choose(PaintToolKind::Polygon);
+    const QByteArray before = canvas.Pixels();
+    canvas.Click({30, 10});
+    canvas.Click({150, 80});
+    canvas.Click({50, 140});
+    canvas.document.Do(Edits::RemoveLayer(*canvas.layer));
+    QVERIFY(!canvas.view.Shape().IsShown());
+    canvas.document.Undo();
+    canvas.Edit(canvas.layer);
+    canvas.Key(Qt::Key_Return);
+    QCOMPARE(canvas.Pixels(), before);
+}
+
 void tst_PolygonTool::LassoClosesAtTheRelease()
 {
     for (const Qt::MouseButton button : {Qt::LeftButton, Qt::RightButton}) {
@@ -229,7 +248,31 @@ void tst_PolygonTool::LayerThatIsLockedMeanwhileStays()
     canvas.Click({150, 80});
     canvas.Click({50, 140});
     canvas.document.SetLocked(*canvas.layer, true);
+    const QString reason = canvas.document.WhyPixelsStay(*canvas.layer);
     canvas.Key(Qt::Key_Return);
+    QCOMPARE(canvas.Pixels(), before);
+    QCOMPARE(log.Take(), QStringList("Info: " + reason));
+    // A click is refused too. Both keep the corners.
+    canvas.Click({190, 150});
+    QCOMPARE(log.Take(), QStringList("Info: " + reason));
+    QVERIFY(canvas.view.Shape().IsShown());
+    canvas.document.SetLocked(*canvas.layer, false);
+    const QByteArray wanted = With(canvas, Triangle({30, 10}, {150, 80}, {50, 140}), 255);
+    canvas.Key(Qt::Key_Return);
+    QCOMPARE(canvas.Pixels(), wanted);
+    QVERIFY(!canvas.view.Shape().IsShown());
+}
+
+void tst_PolygonTool::LassoOnALayerThatIsLockedMeanwhileIsDropped()
+{
+    Painting canvas;
+    LogSpy log;
+    canvas.Tools().Choose(PaintToolKind::Lasso);
+    const QByteArray before = canvas.Pixels();
+    canvas.Press({30, 10});
+    canvas.Move({150, 80});
+    canvas.document.SetLocked(*canvas.layer, true);
+    canvas.Release({50, 140});
     QCOMPARE(canvas.Pixels(), before);
     QCOMPARE(log.Take().size(), 1);
     QVERIFY(!canvas.view.Shape().IsShown());

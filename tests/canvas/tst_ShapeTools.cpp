@@ -55,6 +55,7 @@ private slots:
     void CtrlSnapsALine_data();
     void CtrlSnapsALine();
     void LineGoesOnFromTheLastEnd();
+    void LastEndGoesWithItsProject();
     void KeysChangeTheOutlineAtOnce();
     void CornersAreNoWholePixels();
     void ShowsOutlineAndSize_data();
@@ -189,6 +190,20 @@ void tst_ShapeTools::LineGoesOnFromTheLastEnd()
     canvas.Release({180, 150}, Qt::LeftButton, Qt::ShiftModifier);
     QCOMPARE(canvas.Pixels(), wanted);
     QCOMPARE(canvas.StepCount(), 5);
+}
+
+void tst_ShapeTools::LastEndGoesWithItsProject()
+{
+    Painting canvas;
+    canvas.Tools().Choose(PaintToolKind::Line);
+    canvas.PaintStroke({20, 20}, {180, 140});
+    canvas.document.Clear();
+    canvas.layer = canvas.AddLayer(Qt::red);
+    canvas.Edit(canvas.layer);
+    const QByteArray wanted = With(canvas, raster::LineRegion({60, 100}, {60, 100}, 10, Size), 255);
+    canvas.Press({60, 100}, Qt::LeftButton, Qt::ShiftModifier);
+    canvas.Release({60, 100}, Qt::LeftButton, Qt::ShiftModifier);
+    QCOMPARE(canvas.Pixels(), wanted);
 }
 
 void tst_ShapeTools::KeysChangeTheOutlineAtOnce()

@@ -1,4 +1,7 @@
 #include "canvas/ViewMoves.h"
+
+#include "canvas/tools/PaintTools.h"
+#include "layers/raster/Shapes.h"
 #include "tests/support/CanvasActions.h"
 #include "tests/support/MovedCanvas.h"
 
@@ -54,6 +57,7 @@ private slots:
     void PinchStaysInItsRange();
     void PinchesOnATouchScreen();
     void FirstFingerOfAPinchPaintsNothing();
+    void PinchLeavesAPolygonAlone();
 };
 
 void tst_ViewGestures::PansInEveryMode_data()
@@ -323,6 +327,29 @@ void tst_ViewGestures::FirstFingerOfAPinchPaintsNothing()
     QVERIFY(!canvas.Scene().Tool()->IsBusy());
     QCOMPARE(Area(*layer), 0);
     QCOMPARE(canvas.document.History().count(), 0);
+}
+
+void tst_ViewGestures::PinchLeavesAPolygonAlone()
+{
+    MovedCanvas canvas;
+    Layer* layer = canvas.AddLayer(Qt::red);
+    canvas.Edit(layer);
+    canvas.Scene().GetPaintTools()->Choose(PaintToolKind::Polygon);
+    const QVector<QPointF> corners{{430, 430}, {560, 450}, {450, 560}};
+    QImage wanted = layer->Image().copy();
+    raster::Fill(wanted, raster::PolygonRegion(corners, wanted.size()), raster::MaskSet);
+    for (int i = 0; i < corners.size(); ++i) {
+        // Also of the first corner only the finger's own one goes.
+        PinchByTouch(canvas.view, {180, 150});
+        QCOMPARE(canvas.Scene().Tool()->IsUnderWay(), i > 0);
+        QVERIFY(!canvas.document.IsHandBusy());
+        canvas.view.Moves().Show({{500, 500}, 1});
+        canvas.Click(corners[i]);
+    }
+    PinchByTouch(canvas.view, {180, 150});
+    QTest::keyClick(&canvas.view, Qt::Key_Return);
+    QCOMPARE(layer->Image(), wanted);
+    QCOMPARE(canvas.document.History().count(), 1);
 }
 
 QTEST_MAIN(tst_ViewGestures)

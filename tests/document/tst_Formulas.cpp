@@ -4,6 +4,7 @@
 #include "document/edits/LayerEdits.h"
 #include "layers/Formula.h"
 #include "layers/Layer.h"
+#include "layers/raster/Mask.h"
 
 #include "tests/support/DocumentFixture.h"
 #include "tests/support/LogSpy.h"
@@ -32,6 +33,7 @@ private slots:
     void StatesSurviveFiles();
     void MissingOperandsAreBroken();
     void FaultsAndUnknownLayersAreLoggedOnce();
+    void ReadsOnlyTilesThatChanged();
 
 private:
     Layer* Add(const QString& name, const Formula& formula);
@@ -293,6 +295,22 @@ void tst_Formulas::FaultsAndUnknownLayersAreLoggedOnce()
     document.LayerFormulas().Read({{record}, {}}, file);
     QCOMPARE(log.Take(), QStringList("Error: In 'a.derived.xml', layers are made of one another: "
                                      "Lake -> Lake."));
+}
+
+/// Whole masks take long to read, and the tip of a row is due after each edit.
+void tst_Formulas::ReadsOnlyTilesThatChanged()
+{
+    const Layer* shore = Add(QStringLiteral("Shore"), {OperationDilation, {m_lake->Id()}, 25});
+    QCOMPARE(State(*shore), FormulaState::UpToDate);
+
+    // Nobody announced this pixel.
+    QImage pixel = raster::BlankMask({1, 1});
+    pixel.fill(7);
+    m_lake->PutPixels({199, 199, 1, 1}, pixel, {});
+    m_fixture->Fill(*m_lake, {0, 0, 5, 5}, 99);
+    QCOMPARE(State(*shore), FormulaState::OutOfDate);
+    m_fixture->document.Undo();
+    QCOMPARE(State(*shore), FormulaState::UpToDate);
 }
 
 QTEST_MAIN(tst_Formulas)

@@ -163,8 +163,34 @@ private slots:
     void HandsMayNotPaintOnLiveLayers();
     void WhatChangesALiveLayerIsUndone();
     void LockedLayersCatchUpWhenTheyAreUnlocked();
+    void AnUndoneUpdateLeavesFollowersFollowing_data() { Travels(); }
+    void AnUndoneUpdateLeavesFollowersFollowing();
+    void AnUndoneUpdateBringsHandEditsBack();
+    void JumpsPassWhereALayerBecameLive_data() { Travels(); }
+    void JumpsPassWhereALayerBecameLive();
+    void WhatWaitsIsShownAtOnce();
+    void WhatChangesNoPixelIsUpToDateAfterwards();
 
 private:
+    static void Travels()
+    {
+        QTest::addColumn<bool>("isSlow");
+        QTest::addColumn<bool>("isLocked");
+        QTest::newRow("at once") << false << false;
+        QTest::newRow("when the hand rests") << true << false;
+        QTest::newRow("locked") << false << true;
+        QTest::newRow("locked, when the hand rests") << true << true;
+    }
+    /// Goes to a state of the history, while the layer is locked if the row of Travels says so, and
+    /// waits for what comes of it.
+    static void Travel(Document& document, const Layer& layer, int index)
+    {
+        QFETCH(bool, isLocked);
+        document.SetLocked(layer, isLocked);
+        document.History().setIndex(index);
+        document.SetLocked(layer, false);
+        document.Live().Finish();
+    }
     static bool IsSet(const Layer& layer, QPoint at)
     {
         return layer.Image().pixelIndex(at) == raster::MaskSet;
@@ -245,13 +271,26 @@ void tst_LiveLayers::ACancelledStrokeLeavesNothing()
 {
     Random random;
     Graph graph(random);
+    Layer* blank = graph.fixture.AddLayer();
+    graph.all.append(blank);
+    const Layer* shore = graph.Add(Dilation(*blank, 9));
     const QVector<QByteArray> before = graph.Pixels();
+    // The map shows a layer again when it hears that the change is complete.
+    QRect announced;
+    connect(&graph.fixture.document, &Document::LayerChanged, this,
+            [&](const Layer* layer, Document::LayerAspect, const QRect& rect) {
+                announced |= layer == shore ? rect : QRect();
+            });
 
-    Stroke stroke(graph.fixture.document, *graph.painted.first());
+    Stroke stroke(graph.fixture.document, *blank);
     stroke.Step({20, 20, 50, 50}, 255);
+    const QVector<QByteArray> painted = graph.Pixels();
     stroke.Cancel();
+    disconnect(&graph.fixture.document, nullptr, this, nullptr);
 
+    QVERIFY(painted != before);
     QCOMPARE(graph.Pixels(), before);
+    QVERIFY(announced.contains(QRect(20, 20, 50, 50)));
 }
 
 void tst_LiveLayers::AStrokeWithoutAnEffectHidesNoEdit()
@@ -477,6 +516,133 @@ void tst_LiveLayers::LockedLayersCatchUpWhenTheyAreUnlocked()
     document.SetLocked(*shore, false);
     QTRY_COMPARE(graph.Wrong(), QString());
     QTRY_COMPARE(document.LayerFormulas().StateOf(*shore), FormulaState::UpToDate);
+}
+
+void tst_LiveLayers::AnUndoneUpdateLeavesFollowersFollowing()
+{
+    QFETCH(bool, isSlow);
+    Random random;
+    Graph graph(random);
+    Document& document = graph.fixture.document;
+    Layer* shore = graph.Add(Dilation(*graph.painted.first(), 9));
+    document.Do(Edits::DetachLayer(*shore));
+    Layer* beyond = graph.Add(Dilation(*shore, 3));
+    graph.fixture.Fill(*graph.painted.first(), {20, 20, 150, 150}, 77);
+    const QVector<QByteArray> before = graph.Pixels();
+    if (isSlow) {
+        document.Live().SetFrameCost(0);
+    }
+
+    document.Do(Edits::UpdateLayers({shore, beyond}));
+    QCOMPARE(graph.Wrong(), QString());
+    const QVector<QByteArray> after = graph.Pixels();
+    QVERIFY(after != before);
+    const int index = document.History().index();
+    Travel(document, *beyond, index - 1);
+    QCOMPARE(graph.Pixels(), before);
+    QVERIFY(document.Live().IsFollowing(*beyond));
+    QCOMPARE(document.LayerFormulas().StateOf(*shore), FormulaState::OutOfDate);
+    Travel(document, *beyond, index);
+    QCOMPARE(graph.Pixels(), after);
+    QVERIFY(document.Live().IsFollowing(*beyond));
+}
+
+void tst_LiveLayers::AnUndoneUpdateBringsHandEditsBack()
+{
+    Random random;
+    Graph graph(random);
+    Document& document = graph.fixture.document;
+    Layer* shore = graph.Add(Dilation(*graph.painted.first(), 9));
+    document.Do(Edits::DetachLayer(*shore));
+    graph.fixture.Fill(*shore, {100, 100, 20, 20}, 99);
+    document.Do(Edits::MakeLayerLive(*shore, {}));
+    const QVector<QByteArray> edited = graph.Pixels();
+
+    document.Do(Edits::UpdateLayers({shore}));
+    QCOMPARE(graph.Wrong(), QString());
+    document.Undo();
+    QCOMPARE(graph.Pixels(), edited);
+    QCOMPARE(document.LayerFormulas().StateOf(*shore), FormulaState::Edited);
+}
+
+void tst_LiveLayers::JumpsPassWhereALayerBecameLive()
+{
+    QFETCH(bool, isSlow);
+    Random random;
+    Graph graph(random);
+    Document& document = graph.fixture.document;
+    Layer* shore = graph.Add(Dilation(*graph.painted.first(), 9));
+    document.Do(Edits::DetachLayer(*shore));
+    graph.fixture.Fill(*graph.painted.first(), {20, 20, 150, 150}, 77);
+    const QVector<QByteArray> before = graph.Pixels();
+    const int index = document.History().index();
+    if (isSlow) {
+        document.Live().SetFrameCost(0);
+    }
+
+    document.Do(Edits::MakeLayerLive(*shore, {shore}));
+    graph.fixture.Fill(*graph.painted.first(), {5, 5, 30, 20}, 255);
+    graph.fixture.Fill(*graph.painted.first(), {90, 40, 30, 60}, 0);
+    document.Live().Finish();
+    QCOMPARE(graph.Wrong(), QString());
+    const QVector<QByteArray> after = graph.Pixels();
+    Travel(document, *shore, index);
+    QCOMPARE(graph.Pixels(), before);
+    QVERIFY(!document.Live().IsFollowing(*shore));
+    Travel(document, *shore, index + 3);
+    QCOMPARE(graph.Pixels(), after);
+    QVERIFY(document.Live().IsFollowing(*shore));
+    Travel(document, *shore, 0);
+    Travel(document, *shore, document.History().count());
+    QCOMPARE(graph.Pixels(), after);
+    QVERIFY(document.Live().IsFollowing(*shore));
+}
+
+void tst_LiveLayers::WhatWaitsIsShownAtOnce()
+{
+    Random random;
+    Graph graph(random);
+    Document& document = graph.fixture.document;
+    Layer* blank = graph.fixture.AddLayer();
+    graph.all.append(blank);
+    Layer* shore = graph.Add(Dilation(*blank, 9));
+    document.Live().SetFrameCost(0);
+    const QSignalSpy told(&document, &Document::LayerMarksChanged);
+
+    Stroke stroke(document, *blank);
+    stroke.Step({20, 20, 50, 50}, 255);
+    QCOMPARE(told.size(), 1);
+    QCOMPARE(document.LayerFormulas().StateOf(*shore), FormulaState::OutOfDate);
+    stroke.Step({60, 60, 50, 50}, 255);
+    QCOMPARE(told.size(), 1);
+    stroke.Step({20, 20, 90, 90}, 0);
+    stroke.End();
+    // It changed nothing, so there is no edit, and other layers are what they were.
+    QCOMPARE(told.size(), 2);
+    document.Live().Finish();
+    QCOMPARE(told.size(), 3);
+    QCOMPARE(document.LayerFormulas().StateOf(*shore), FormulaState::UpToDate);
+}
+
+void tst_LiveLayers::WhatChangesNoPixelIsUpToDateAfterwards()
+{
+    Random random;
+    Graph graph(random);
+    Document& document = graph.fixture.document;
+    Layer* blank = graph.fixture.AddLayer();
+    graph.all.append(blank);
+    Layer* core = graph.Add({OperationErosion, {blank->Id()}, 9});
+    document.Live().SetFrameCost(0);
+
+    graph.fixture.Fill(*blank, {50, 50, 2, 2}, 255);
+    QCOMPARE(document.LayerFormulas().StateOf(*core), FormulaState::OutOfDate);
+    const QSignalSpy told(&document, &Document::LayerMarksChanged);
+    const QSignalSpy noted(&document, &Document::FormulaChanged);
+    QTRY_VERIFY(!document.Live().IsPending(*core));
+    QCOMPARE(document.LayerFormulas().StateOf(*core), FormulaState::UpToDate);
+    QCOMPARE(told.size(), 1);
+    // The journal writes fingerprints again.
+    QCOMPARE(noted.size(), 1);
 }
 
 QTEST_MAIN(tst_LiveLayers)

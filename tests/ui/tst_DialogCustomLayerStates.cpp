@@ -1,4 +1,10 @@
+#include "document/LiveLayers.h"
+#include "document/edits/FormulaEdits.h"
+#include "document/edits/PaintMask.h"
+#include "layers/Formula.h"
+#include "layers/raster/Mask.h"
 #include "tests/support/CustomLayerFixture.h"
+#include "tests/support/Masks.h"
 #include "tests/support/OrderedEvents.h"
 
 #include <QApplication>
@@ -42,6 +48,7 @@ private slots:
     void StaysOpenOnEnter();
     void GivesTheFocusBack();
     void LeavesTheWheelToTheFocus();
+    void OpensWhenLiveLayersAreComputed();
 
 private:
     std::unique_ptr<CustomLayerFixture> m;
@@ -291,6 +298,22 @@ void tst_DialogCustomLayerStates::LeavesTheWheelToTheFocus()
         m->WaitIdle();
         m->Click("btnCancel");
     });
+}
+
+void tst_DialogCustomLayerStates::OpensWhenLiveLayersAreComputed()
+{
+    constexpr int side = CustomLayerFixture::LayerSize;
+    const QString code = Formula{OperationComplement, {m->first->Id()}, 0}.Code();
+    Layer* land = m->Add(QStringLiteral("land"), {side / 2, 0, side / 2, side}, code);
+    m->document.Do(Edits::MakeLayerLive(*land, {}));
+    m->document.Live().SetFrameCost(0);
+    const QImage full = FullMask({side, side});
+    m->document.Do(std::make_unique<PaintMask>(QString(), *m->first, full));
+    QVERIFY(m->document.Live().IsPending(*land));
+
+    const DialogCustomLayer dialog(m->document, nullptr, &m->window);
+    QVERIFY(!m->document.Live().IsPending(*land));
+    QVERIFY(raster::SetBounds(land->Image()).isEmpty());
 }
 
 int main(int argc, char* argv[])

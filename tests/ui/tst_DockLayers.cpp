@@ -34,6 +34,7 @@ private slots:
     void HidesAll();
     void FiltersRows();
     void NewRowsObeyTheFilter();
+    void ANewLayerEndsAFilterThatHidesIt();
     void DragsFilteredRows();
     void WritesAndReads();
     void SavesTheMap();
@@ -308,6 +309,38 @@ void tst_DockLayers::NewRowsObeyTheFilter()
     // Another project begins with all of its rows.
     m_docks->document.Clear();
     QCOMPARE(field->text(), QString());
+}
+
+void tst_DockLayers::ANewLayerEndsAFilterThatHidesIt()
+{
+    Layer* lake = m_docks->AddLayer(QStringLiteral("Lake"));
+    Layer* forest = m_docks->AddLayer(QStringLiteral("Forest"));
+    auto* field = m_docks->dock->findChild<QLineEdit*>(QStringLiteral("txtLayerFilter"));
+    ModalAnswers answers;
+    const auto addComputed = [&](const char* name) {
+        answers.Add(ClickWhenIdle("btnOk", QLatin1String(name)));
+        QTest::mouseClick(m_docks->Button("btnAddCustom"), Qt::LeftButton);
+    };
+
+    QTest::keyClicks(field, QStringLiteral("lake"));
+    QTest::mouseClick(m_docks->Button("btnAddPainted"), Qt::LeftButton);
+    QCOMPARE(field->text(), QString());
+    QCOMPARE(m_docks->ShownRows().count(QLatin1Char(',')), 2);
+
+    QTest::keyClicks(field, QStringLiteral("lake"));
+    addComputed("Shore");
+    QCOMPARE(field->text(), QString());
+
+    QTest::keyClicks(field, QStringLiteral("lake"));
+    m_docks->dock->ShowNew(*forest);
+    QCOMPARE(field->text(), QString());
+
+    // One that the filter shows leaves it.
+    QTest::keyClicks(field, QStringLiteral("lake"));
+    addComputed("Shore of the lake");
+    m_docks->dock->ShowNew(*lake);
+    QCOMPARE(field->text(), QStringLiteral("lake"));
+    QCOMPARE(m_docks->ShownRows(), QStringLiteral("Lake, Shore of the lake"));
 }
 
 void tst_DockLayers::DragsFilteredRows()

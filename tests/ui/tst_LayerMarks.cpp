@@ -112,6 +112,7 @@ private slots:
     void ASaveUnderSoloWritesTheTicks();
     void RemembersLocksAndSoloPerProject();
     void AProjectForViewingShowsItsTicks();
+    void RemembersLocksOfAProjectThatLoadsInPart();
     void RemembersLocksOfRenamedLayers();
     void RemembersLocksOfAProjectThatIsSavedElsewhere();
 };
@@ -407,6 +408,28 @@ void tst_LayerMarks::AProjectForViewingShowsItsTicks()
     editor.Load(editor.project);
     QVERIFY(editor.Doc().SoloLayer());
     QVERIFY(editor.IsLocked("blue"));
+}
+
+void tst_LayerMarks::RemembersLocksOfAProjectThatLoadsInPart()
+{
+    Editor editor;
+    editor.Lock();
+    editor.Solo();
+    QByteArray text = ReadBytes(editor.project);
+    WriteBytes(editor.project, text.replace("</qm-config>", "<a></b></qm-config>"));
+    editor.Reload();
+    QVERIFY(editor.Doc().Path().isEmpty());
+    QVERIFY(editor.IsLocked("blue"));
+    QCOMPARE(editor.Doc().SoloLayer(), &editor.Named("blue"));
+    // The save takes over what is open.
+    editor.Lock();
+    editor.Solo();
+    editor.SaveOver("actionSave", editor.project);
+    QVERIFY(!editor.IsLocked("blue"));
+    QVERIFY(!editor.Doc().SoloLayer());
+    editor.Reload();
+    QVERIFY(!editor.IsLocked("blue"));
+    QVERIFY(!editor.Doc().SoloLayer());
 }
 
 void tst_LayerMarks::RemembersLocksOfRenamedLayers()

@@ -6,6 +6,7 @@
 #include "document/Document.h"
 #include "document/edits/LayerEdits.h"
 #include "layers/raster/Mask.h"
+#include "layers/raster/Shapes.h"
 #include "tests/support/Masks.h"
 #include "tests/support/WindowFixture.h"
 #include "ui/QuillmapWindow.h"
@@ -89,6 +90,7 @@ private slots:
     void UndoTakesAPolygonBackFirst();
     void SaveLeavesAPolygonAlone();
     void AnotherProjectDropsThePolygon();
+    void MovedRowLeavesThePolygonAlone();
 };
 
 void tst_PaintToolBar::ComesWithTheBrush()
@@ -365,6 +367,23 @@ void tst_PaintToolBar::AnotherProjectDropsThePolygon()
     fixture.Trigger("actionTogglePaintMode");
     QTest::keyClick(&fixture.View(), Qt::Key_Return);
     QCOMPARE(fixture.Doc().History().count(), 0);
+}
+
+void tst_PaintToolBar::MovedRowLeavesThePolygonAlone()
+{
+    const PaintingWindow fixture;
+    Layer* blue = fixture.Doc().CurrentLayer();
+    QImage wanted = blue->Image().copy();
+    raster::Fill(wanted, raster::PolygonRegion({{30, 30}, {60, 30}, {60, 60}}, wanted.size()),
+                 raster::MaskSet);
+    fixture.BeginPolygon();
+    for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Down}) {
+        QTest::keyClick(&fixture.View(), key, Qt::AltModifier);
+        QCOMPARE(blue->row(), key == Qt::Key_Up ? 0 : 1);
+        QVERIFY(fixture.View().Shape().IsShown());
+    }
+    QTest::keyClick(&fixture.View(), Qt::Key_Return);
+    QCOMPARE(blue->Image(), wanted);
 }
 
 QTEST_MAIN(tst_PaintToolBar)

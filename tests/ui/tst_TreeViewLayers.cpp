@@ -5,8 +5,10 @@
 #include "layers/LayerList.h"
 #include "tests/support/Drags.h"
 #include "tests/support/Models.h"
+#include "tests/support/PaintCounter.h"
 
 #include <QAbstractItemModelTester>
+#include <QLineEdit>
 #include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QTest>
@@ -32,6 +34,7 @@ private slots:
     void IgnoresADropOfARowThatIsNoLayer();
     void IgnoresADropWithoutAList();
     void DropsOnARowThatIsScrolledTo();
+    void AMarkLeavesTheNameBeingTypedAlone();
 
 private:
     Layer* AddLayer(const QString& name);
@@ -229,6 +232,24 @@ void tst_TreeViewLayers::DropsOnARowThatIsScrolledTo()
     DropAt(*m_view, position);
 
     QCOMPARE(layer->row(), 90);
+}
+
+void tst_TreeViewLayers::AMarkLeavesTheNameBeingTypedAlone()
+{
+    m_view->edit(LayerAt(1)->index());
+    auto* editor = m_view->viewport()->findChild<QLineEdit*>();
+    QVERIFY(editor);
+    QTest::keyClicks(editor, QStringLiteral("Lake"));
+    QCOMPARE(editor->text(), QStringLiteral("Lake"));
+    QCoreApplication::processEvents();
+    const PaintCounter painted(m_view->viewport());
+
+    m_list->RepaintMarks(LayerAt(1));
+    m_list->RepaintMarks(nullptr);
+    QCOMPARE(editor->text(), QStringLiteral("Lake"));
+    QTRY_VERIFY(painted.Count() > 0);
+    QTest::keyClick(editor, Qt::Key_Return);
+    QTRY_COMPARE(Order(), QStringLiteral("a Lake c d"));
 }
 
 QTEST_MAIN(tst_TreeViewLayers)

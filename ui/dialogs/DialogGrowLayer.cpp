@@ -1,7 +1,7 @@
 #include "ui/dialogs/DialogGrowLayer.h"
 
-#include "layers/CustomLayer.h"
 #include "layers/CustomLayerWorker.h"
+#include "layers/Formula.h"
 #include "ui/NameList.h"
 #include "ui/RadiusText.h"
 #include "ui/widgets/WheelFocus.h"
@@ -67,11 +67,8 @@ void DialogGrowLayer::accept()
     connect(&m_thread, &QThread::finished, worker, &QObject::deleteLater);
     connect(worker, &CustomLayerWorker::LayerComputationFinished, this, &DialogGrowLayer::Finish);
     m_thread.start(QThread::InheritPriority);
-    const QString code =
-        QStringLiteral("%1(%2:%3)")
-            .arg(QLatin1Char(OperationChar(m_doesGrow ? OperationDilation : OperationErosion)))
-            .arg(m_id)
-            .arg(Metres());
+    const CustomOperation operation = m_doesGrow ? OperationDilation : OperationErosion;
+    const QString code = Formula{operation, {m_id}, Metres()}.Code();
     QMetaObject::invokeMethod(
         worker, [worker, list = &m_list, code] { worker->ComputeLayer(list, code, nullptr); },
         Qt::QueuedConnection);
