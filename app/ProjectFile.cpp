@@ -52,16 +52,39 @@ void LogNotWritten(const QString& fileName)
     LogError(QStringLiteral("Failed to open file '%1' for writing.").arg(fileName));
 }
 
-/// False when there are formulas that cannot be written; without any the file goes after the save.
-bool WriteFormulaFile(OutputFile& file, const FormulaRecords& records)
+/// Whether there is a file of formulas that cannot be used. Another version of the program may have
+/// written it, or somebody by hand.
+bool IsStrange(const QString& formulaPath)
 {
-    return records.empty() ||
-           (file.Open(QIODevice::Text) && file.Write(FormulaDocument(records)) && file.Commit());
+    return QFileInfo(formulaPath).isFile() && !ReadFormulaFile(formulaPath).fault.isEmpty();
+}
+
+/// Copies such a file to "NAME.derived.xml~". False after a logged error.
+bool KeepStrange(const QString& formulaPath)
+{
+    if (!IsStrange(formulaPath)) {
+        return true;
+    }
+    const QString kept = formulaPath + QLatin1Char('~');
+    const bool isFree = !QFileInfo::exists(kept) || QFile::remove(kept);
+    if (!isFree || !QFile::copy(formulaPath, kept)) {
+        LogError(QStringLiteral("Failed to copy file '%1', which cannot be used, to '%2'.")
+                     .arg(QFileInfo(formulaPath).fileName(), QFileInfo(kept).fileName()));
+        return false;
+    }
+    return true;
+}
+
+/// False when there are formulas that cannot be written; without any the file goes after the save.
+bool WriteFormulaFile(OutputFile& file, const QString& path, const FormulaRecords& records)
+{
+    return records.empty() || (KeepStrange(path) && file.Open(QIODevice::Text) &&
+                               file.Write(FormulaDocument(records)) && file.Commit());
 }
 
 void RemoveFormulaFile(const QString& path)
 {
-    if (QFileInfo(path).isFile() && !QFile::remove(path)) {
+    if (QFileInfo(path).isFile() && !IsStrange(path) && !QFile::remove(path)) {
         LogError(QStringLiteral("Failed to remove file '%1'.").arg(QFileInfo(path).fileName()));
     }
 }
@@ -85,12 +108,14 @@ bool SaveProjectTo(const QString& path, const ProjectParts& parts)
     const int failures = WriteProjectDocument(xml, parts);
     const FormulaRecords formulas = parts.formulas ? parts.formulas() : FormulaRecords();
     OutputFile formulaFile(FormulaPath(path));
-    if (!WriteFormulaFile(formulaFile, formulas) || !file.Write(document) || !file.Commit() ||
-        !group.Commit()) {
+    if (!WriteFormulaFile(formulaFile, FormulaPath(path), formulas) || !file.Write(document) ||
+        !file.Commit() || !group.Commit()) {
         const QString reason = formulaFile.ErrorString() + file.ErrorString() + group.ErrorString();
         oldPlace.Restore();
         LogNotWritten(fileName);
-        LogError(reason);
+        if (!reason.isEmpty()) {
+            LogError(reason);
+        }
         return false;
     }
     if (parts.formulas && formulas.empty()) {

@@ -200,23 +200,13 @@ bool LayerPainter::HandOverPart(Layer& layer, const QRect& part, const QImage& p
     }
     // The layer releases its reference, so the image is unshared and writing does not copy it.
     layer.TakePaintedMask({});
-    const bool isWritable = m_mask.isDetached() || CopyMask();
+    const bool isWritable = raster::Unshare(m_mask);
     for (int y = 0; y < part.height() && isWritable; ++y) {
         std::memcpy(m_mask.scanLine(part.y() + y) + part.x(), patchMask.constScanLine(y),
                     static_cast<std::size_t>(part.width()));
     }
     layer.TakePaintedMask(m_mask);
     return isWritable;
-}
-
-bool LayerPainter::CopyMask()
-{
-    const QImage copy = m_mask.copy();
-    if (copy.isNull()) {
-        return false;
-    }
-    m_mask = copy;
-    return true;
 }
 
 bool LayerPainter::MakeArgb()

@@ -67,7 +67,6 @@ private:
     bool HandOverWhole(Layer& layer);
     bool HandOverPart(Layer& layer, const QRect& part, const QImage& patch);
     bool PaintLimitedArgb(Layer& layer, const QRect& part, const Draw& draw);
-    bool CopyMask();
     bool MakeArgb();
     void MissMemory(const Layer& layer);
 

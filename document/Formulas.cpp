@@ -278,11 +278,9 @@ void Formulas::Read(const FormulaReading& reading, const QString& fileName)
             ids.insert(layer->text(), layer->Id());
         }
     }
-    QStringList unknown;
     for (const FormulaRecord& record : reading.records) {
         Layer* layer = m_document.Layers().LayerById(ids.value(record.layer, -1));
         if (!layer) {
-            unknown.append(record.layer);
             continue;
         }
         Formula formula{record.operation, {}, record.metres};
@@ -297,10 +295,7 @@ void Formulas::Read(const FormulaReading& reading, const QString& fileName)
     const FormulaGraph graph = Graph();
     const QVector<int> cycle = graph.FindCycle(graph.Computed());
     m_document.Live().Settle();
-    if (!unknown.isEmpty()) {
-        LogError(Document::tr("'%1' has formulas of layers that the project does not have: %2.")
-                     .arg(fileName, unknown.mid(0, 10).join(QStringLiteral(", "))));
-    } else if (!cycle.isEmpty()) {
+    if (!cycle.isEmpty()) {
         LogError(Document::tr("In '%1', layers are made of one another: %2.")
                      .arg(fileName, ChainText(m_document.Layers(), cycle)));
     }

@@ -51,7 +51,8 @@ public:
 
     /// For the project's files, by the present names of the layers.
     FormulaRecords Records() const;
-    /// Takes over what a file holds, whose name is for messages. Logs at most one line, last.
+    /// Takes over what a file holds, whose name is for messages, of layers that there are. Logs at
+    /// most one line, last.
     void Read(const FormulaReading& reading, const QString& fileName);
     /// States may have changed otherwise than by pixels, names and rows.
     void NoteChange();

@@ -2,7 +2,6 @@
 
 #include "app/Log.h"
 #include "app/ProjectSettings.h"
-#include "layers/Formula.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
 #include "layers/raster/Morphology.h"
@@ -185,12 +184,4 @@ QImage EvaluateAtLayerSize(const LayerList& list, const QString& code)
 {
     const QSize size = ProjectSettings::Instance().LayerSize();
     return Evaluate(list, code, size.width(), size.height());
-}
-
-QImage EvaluateRect(const LayerList& list, const QString& code, const QRect& rect)
-{
-    const std::optional<Formula> formula = ParseFormula(code);
-    const auto computation = formula ? Computation::Of(list, *formula) : std::nullopt;
-    const QRect layer(QPoint(), ProjectSettings::Instance().LayerSize());
-    return computation && layer.contains(rect) ? computation->Within(rect) : QImage();
 }

@@ -2,7 +2,6 @@
 
 #include <QImage>
 #include <QList>
-#include <QRect>
 #include <QString>
 #include <QStringList>
 
@@ -61,7 +60,3 @@ QImage Combine(int operation, float radius, const QImage& a, const QImage& b);
 QImage Evaluate(const LayerList& list, const QString& code, int width, int height);
 /// Evaluate at the project's layer size.
 QImage EvaluateAtLayerSize(const LayerList& list, const QString& code);
-/// The part of EvaluateAtLayerSize within the rectangle, at the cost of that part: of the operands
-/// only the pixels that are in reach are read. Null where EvaluateAtLayerSize is, but nothing is
-/// logged.
-QImage EvaluateRect(const LayerList& list, const QString& code, const QRect& rect);

@@ -12,8 +12,6 @@
 
 namespace {
 
-/// Many times what the formulas of a project with as many layers as fit a machine need.
-constexpr qint64 MaxFileBytes = 16 << 20;
 constexpr int FingerprintDigits = 16;
 constexpr int MaxMetres = 1000000000;
 constexpr int MaxNameLength = 1000;
@@ -231,8 +229,8 @@ FormulaReading ReadFormulaFile(const QString& path)
     if (!info.isFile() || !file.open(QIODevice::ReadOnly)) {
         return {{}, QStringLiteral("it cannot be read")};
     }
-    const QByteArray bytes = file.read(MaxFileBytes + 1);
-    if (bytes.size() > MaxFileBytes) {
+    const QByteArray bytes = file.read(MaxFormulaBytes + 1);
+    if (bytes.size() > MaxFormulaBytes) {
         return {{}, QStringLiteral("it is too large")};
     }
     return ReadFormulas(bytes);

@@ -36,6 +36,10 @@ struct FormulaRecord
 
 using FormulaRecords = std::vector<FormulaRecord>;
 
+/// Longer files are not read. It is many times what the formulas of a project with as many layers
+/// as fit a machine need.
+constexpr qint64 MaxFormulaBytes = 16 << 20;
+
 /// The file beside a project document: "world.xml" has "world.derived.xml".
 QString FormulaPath(const QString& documentPath);
 

@@ -110,17 +110,6 @@ bool FormulaGraph::IsInCycle(int id) const
     return isInCycle;
 }
 
-QVector<int> FormulaGraph::DependentsOf(int id) const
-{
-    QVector<int> dependents;
-    for (const int computed : m_computed) {
-        if (m_formulas.constFind(computed)->operands.contains(id)) {
-            dependents.append(computed);
-        }
-    }
-    return dependents;
-}
-
 QString ChainText(const LayerList& list, const QVector<int>& ids)
 {
     QStringList names;

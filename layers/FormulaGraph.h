@@ -27,8 +27,6 @@ public:
     QVector<int> FindCycle(const QVector<int>& ids) const;
     /// Whether the layer depends on itself.
     bool IsInCycle(int id) const;
-    /// The layers that a formula has among its operands.
-    QVector<int> DependentsOf(int id) const;
 
 private:
     template <typename Visit, typename MeetAgain>

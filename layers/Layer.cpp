@@ -139,10 +139,10 @@ std::optional<QRect> Layer::SwapPixels(raster::MaskDelta& delta)
 
 bool Layer::PutPixels(const QRect& rect, const QImage& from, QPoint point)
 {
-    uchar* pixels = m_image.bits();
-    if (!pixels) {
+    if (!raster::Unshare(m_image)) {
         return false;
     }
+    uchar* pixels = m_image.bits();
     const auto stride = static_cast<qint64>(m_image.bytesPerLine());
     for (int y = 0; y < rect.height(); ++y) {
         std::memcpy(pixels + (rect.y() + y) * stride + rect.x(),

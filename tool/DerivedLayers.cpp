@@ -199,7 +199,6 @@ bool DerivedLayers::Compute()
                                     .arg(Console::Quoted(layer->text())));
             return false;
         }
-        m_computed.append(layer);
         if (!HasPixelsOf(mask, layer->Image())) {
             layer->TakePaintedMask(mask);
             m_changed.append(layer);

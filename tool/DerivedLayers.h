@@ -47,8 +47,6 @@ private:
     QStringList m_chosen;
     LayerList m_list;
     FormulaGraph m_graph;
-    /// In the order in which they are computed.
-    QVector<Layer*> m_computed;
-    /// Of those, the ones with other pixels than their files.
+    /// Those that were computed to other pixels than their files', operands first.
     QVector<const Layer*> m_changed;
 };

@@ -14,6 +14,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -137,6 +138,22 @@ QVector<Layer*> DerivedActions::AskOutdated(const QVector<int>& ids) const
     return Outdated(order, [](const Layer&, bool) { return false; });
 }
 
+/// Carries out an edit that computes the layers. Those without memory for that stay as they are.
+void DerivedActions::Compute(std::unique_ptr<Edit> edit, const QVector<Layer*>& layers) const
+{
+    const WaitCursor wait;
+    m_parts.document.Do(std::move(edit));
+    QStringList failed;
+    for (const Layer* layer : layers) {
+        if (!m_parts.document.LayerFormulas().IsInStep(*layer)) {
+            failed.append(layer->text());
+        }
+    }
+    for (const QString& name : qAsConst(failed)) {
+        LogError(Document::tr("There is no memory to compute layer '%1'.").arg(name));
+    }
+}
+
 void DerivedActions::UpdateLayers(const QVector<int>& ids)
 {
     Document& document = m_parts.document;
@@ -146,8 +163,7 @@ void DerivedActions::UpdateLayers(const QVector<int>& ids)
     document.Live().Finish();
     const QVector<Layer*> layers = AskOutdated(ids);
     if (!layers.isEmpty()) {
-        const WaitCursor wait;
-        document.Do(Edits::UpdateLayers(layers));
+        Compute(Edits::UpdateLayers(layers), layers);
     }
     if (!TellRefused(document.LayerFormulas().Graph().InOrder(ids)) && layers.isEmpty()) {
         LogInfo(tr("There is nothing to update."));
@@ -180,8 +196,7 @@ void DerivedActions::SetLive(bool isLive)
                                                                     *layer) == FormulaState::Edited;
             // Only a layer that has the pixels of its formula can follow.
             if (!staysEdited) {
-                const WaitCursor wait;
-                document.Do(Edits::MakeLayerLive(*layer, layers));
+                Compute(Edits::MakeLayerLive(*layer, layers), layers);
             }
         }
     }

@@ -5,6 +5,9 @@
 #include <QObject>
 #include <QVector>
 
+#include <memory>
+
+class Edit;
 class Layer;
 class QAction;
 
@@ -25,6 +28,7 @@ private:
     template <typename TakesEdited>
     QVector<Layer*> Outdated(const QVector<int>& order, TakesEdited takesEdited) const;
     QVector<Layer*> AskOutdated(const QVector<int>& ids) const;
+    void Compute(std::unique_ptr<Edit> edit, const QVector<Layer*>& layers) const;
     void UpdateLayers(const QVector<int>& ids);
 
     EditorParts m_parts;

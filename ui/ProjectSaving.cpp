@@ -120,6 +120,7 @@ void ProjectSaving::SaveAll()
 void ProjectSaving::SaveMap()
 {
     if (m_parts.layers.HasLayers()) {
+        m_parts.document.Live().Finish();
         const ProjectWork::Scope saving(m_work, ProjectWork::Kind::Saving);
         m_parts.layers.SaveMap(Settings().MapPath());
     }

@@ -1,6 +1,7 @@
 #include "document/edits/PaintMask.h"
 
 #include "document/Document.h"
+#include "layers/raster/Mask.h"
 #include "layers/raster/MaskTile.h"
 
 #include <algorithm>
@@ -114,8 +115,14 @@ void PaintMask::FillRegion(Document& document)
     // Only the mask that nobody shares is filled in place.
     QImage mask = m_layer->Image();
     m_layer->TakePaintedMask({});
-    raster::Fill(mask, m_region, m_value);
-    m_delta.DropUnchanged(mask);
+    if (raster::Unshare(mask)) {
+        raster::Fill(mask, m_region, m_value);
+        m_delta.DropUnchanged(mask);
+    } else {
+        m_delta = raster::MaskDelta();
+        document.ReportLater(
+            Document::tr("There is no memory to paint on layer '%1'.").arg(m_layer->text()));
+    }
     m_layer->TakePaintedMask(mask);
     m_region = {};
 }

@@ -25,7 +25,6 @@ namespace {
 
 constexpr int FormatVersion = 1;
 constexpr qint64 MaxInfoBytes = 1 << 16;
-constexpr qint64 MaxFormulaBytes = 16 << 20;
 
 const struct
 {

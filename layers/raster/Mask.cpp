@@ -110,6 +110,18 @@ QImage UnfilledCopy(const QImage& image)
     return copy;
 }
 
+bool Unshare(QImage& image)
+{
+    if (!image.isDetached()) {
+        QImage copy = image.copy();
+        if (copy.isNull()) {
+            return false;
+        }
+        image = std::move(copy);
+    }
+    return true;
+}
+
 QImage ImageToMask(const QImage& source, QRgb rgb)
 {
     if (source.format() == QImage::Format_Indexed8) {

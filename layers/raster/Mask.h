@@ -28,6 +28,11 @@ QImage BlankMask(QSize size);
 /// padding bytes of rows are copied. Null for a null image and without memory.
 QImage UnfilledCopy(const QImage& image);
 
+/// Makes the image the only one that has its pixels, so that writing does not copy them: a shared
+/// image that is written to without memory for a copy becomes null. False without memory, and then
+/// the image stays as it is; false for a null image.
+bool Unshare(QImage& image);
+
 /// The mask of the pixels that equal rgb exactly. The source has 32 bits a pixel and rgb is
 /// opaque. A Format_Indexed8 source is returned unchanged; any other depth gives a null image.
 QImage ImageToMask(const QImage& source, QRgb rgb);

@@ -73,7 +73,7 @@ class Exchange
 public:
     explicit Exchange(QImage& mask)
         : m_mask(mask)
-        , m_pixels(mask.bits())
+        , m_pixels(Unshare(mask) ? mask.bits() : nullptr)
     {
     }
 

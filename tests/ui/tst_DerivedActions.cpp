@@ -85,6 +85,7 @@ private slots:
     void AnotherPersonsHandEditsAreNoticed();
     void ADamagedFileIsToldOnce();
     void AnUnwritableFileStopsTheSave();
+    void ASaveKeepsAFileThatCannotBeUsed();
 };
 
 void tst_DerivedActions::AreThereForComputedLayers()
@@ -374,6 +375,27 @@ void tst_DerivedActions::AnUnwritableFileStopsTheSave()
     QVERIFY(editor.IsModified());
     QCOMPARE(ReadBytes(editor.path), before);
     QVERIFY(!QFileInfo::exists(QFileInfo(editor.path).path() + QStringLiteral("/layers/ring.tga")));
+}
+
+void tst_DerivedActions::ASaveKeepsAFileThatCannotBeUsed()
+{
+    Editor editor;
+    editor.Trigger("actionQuickSave");
+    const QByteArray strange = "<qm-derived><formula operation='boil'/></qm-derived>";
+    WriteBytes(editor.Sidecar(), strange);
+    editor.Load(editor.path);
+
+    editor.Trigger("actionQuickSave");
+    QCOMPARE(ReadBytes(editor.Sidecar()), strange);
+    editor.Add(QStringLiteral("land"), {OperationComplement, {editor.At("red")->Id()}, 0});
+    const QString kept = editor.Sidecar() + QLatin1Char('~');
+    WriteBytes(kept, "older");
+    for (int save = 0; save < 2; ++save) {
+        editor.Trigger("actionQuickSave");
+        QVERIFY(!editor.IsModified());
+        QVERIFY(ReadBytes(editor.Sidecar()).contains("\"complement\""));
+        QCOMPARE(ReadBytes(kept), strange);
+    }
 }
 
 QTEST_MAIN(tst_DerivedActions)

@@ -29,6 +29,7 @@ private slots:
     void BoundsHoldWhatIsSet();
     void GeometryIsFormatAndSize_data();
     void GeometryIsFormatAndSize();
+    void WithoutMemorySharedMasksStay();
 };
 
 void tst_Mask::TheGreyTableHoldsAllOpaqueGreys()
@@ -221,6 +222,28 @@ void tst_Mask::GeometryIsFormatAndSize()
     QCOMPARE(raster::SameGeometry(mask, other), isSame);
     QCOMPARE(raster::SameGeometry(other, mask), isSame);
     QVERIFY(!raster::SameGeometry(QImage(), QImage()));
+}
+
+void tst_Mask::WithoutMemorySharedMasksStay()
+{
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    QSKIP("The sanitizers take address space as they go.");
+#endif
+    QImage mask = raster::BlankMask({16384, 4096});
+    const QImage other = mask;
+    {
+        const MemoryLimit limit(16 * AMebibyte);
+        QVERIFY(!raster::Unshare(mask));
+    }
+    QCOMPARE(mask.constBits(), other.constBits());
+    QVERIFY(raster::Unshare(mask));
+    QVERIFY(mask.isDetached());
+    QCOMPARE(mask, other);
+    const uchar* pixels = mask.constBits();
+    QVERIFY(raster::Unshare(mask));
+    QCOMPARE(mask.constBits(), pixels);
+    QImage none;
+    QVERIFY(!raster::Unshare(none));
 }
 
 QTEST_GUILESS_MAIN(tst_Mask)

@@ -237,6 +237,12 @@ void tst_MaskDelta::LeavesEverythingWithoutMemory()
     QVERIFY(mask == copy);
     QVERIFY(filled->Swap(mask));
     QVERIFY(mask == blank);
+    const QImage sharing = mask;
+    {
+        const MemoryLimit limit(8 * AMebibyte);
+        QVERIFY(!filled->Swap(mask));
+    }
+    QVERIFY(mask == sharing);
 }
 
 QTEST_GUILESS_MAIN(tst_MaskDelta)
