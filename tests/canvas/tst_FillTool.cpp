@@ -3,6 +3,7 @@
 #include "canvas/tools/PaintTools.h"
 #include "tests/support/LogSpy.h"
 #include "tests/support/Masks.h"
+#include "tests/support/MemoryLimit.h"
 #include "tests/support/Painting.h"
 
 #include <QTest>
@@ -19,6 +20,7 @@ private slots:
     void FillsTheWholeMapAndSaysSo();
     void DoesNothingBesideTheMap();
     void FillOfWhatIsFilledIsNoStep();
+    void TellsThatThereIsNoMemory();
     void PicksTheTopmostTickedLayer();
 };
 
@@ -142,6 +144,20 @@ void tst_FillTool::FillOfWhatIsFilledIsNoStep()
     canvas.Click({150, 100}, Qt::RightButton);
     QCOMPARE(canvas.StepCount(), 0);
     QVERIFY(canvas.ShowsLayer());
+}
+
+void tst_FillTool::TellsThatThereIsNoMemory()
+{
+    Painting canvas({8192, 8192});
+    canvas.Tools().Choose(PaintToolKind::Fill);
+    LogSpy log;
+    for (const FillBounds bounds : {FillBounds::Layer, FillBounds::Ticked, FillBounds::All}) {
+        canvas.Tools().Options().fillBounds = bounds;
+        const MemoryLimit limit(8 * AMebibyte);
+        canvas.Click({150, 100});
+        QCOMPARE(log.Take(), QStringList("Error: There is no memory to paint on layer 'Forest'."));
+    }
+    QCOMPARE(canvas.StepCount(), 0);
 }
 
 void tst_FillTool::PicksTheTopmostTickedLayer()
