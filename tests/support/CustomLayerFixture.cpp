@@ -115,12 +115,18 @@ void CustomLayerFixture::ChooseByMouse(const char* combo, int row, int x) const
 {
     auto* box = Child<QComboBox>(combo);
     Click(combo);
-    QVERIFY(QTest::qWaitForWindowExposed(box->view()->window()));
-    // The release of the click that opened the list must not count as a choice.
-    constexpr int margin = 50;
-    QTest::qWait(QApplication::doubleClickInterval() + margin);
-    const QRect place = box->view()->visualRect(box->model()->index(row, 0));
-    QTest::mouseClick(box->view()->viewport(), Qt::LeftButton, {}, {x, place.center().y()});
+    QWidget* popup = box->view()->window();
+    QVERIFY(QTest::qWaitForWindowExposed(popup));
+    // The list ignores releases until a timer of its own ends, so that the click that opened it
+    // chooses nothing. Users click again when a click did nothing.
+    QTest::qWait(QApplication::doubleClickInterval());
+    const QPoint place{x, box->view()->visualRect(box->model()->index(row, 0)).center().y()};
+    QVERIFY(QTest::qWaitFor([&] {
+        if (popup->isVisible()) {
+            QTest::mouseClick(box->view()->viewport(), Qt::LeftButton, {}, place);
+        }
+        return !popup->isVisible();
+    }));
 }
 
 QString CustomLayerFixture::LastCode() const
