@@ -92,28 +92,45 @@ void MaskFingerprint::Begin(QSize size)
     m_isAnyTouched = true;
 }
 
+void MaskFingerprint::ReadTile(const QImage& mask, std::size_t number)
+{
+    const auto stride = static_cast<qint64>(mask.bytesPerLine());
+    const QRect rect = TileRect(m_size, static_cast<int>(number));
+    MaskTile tile;
+    tile.Load(mask.constBits() + rect.y() * stride + rect.x(), stride, rect.size());
+    const quint64 hash = Hash64(tile.pixels, TilePixels, number);
+    // Sums change with a tile without the others being read.
+    m_sum += hash - m_hashes[number];
+    m_hashes[number] = hash;
+    m_isTouched[number] = false;
+}
+
+bool MaskFingerprint::Read(const QImage& mask, const std::function<bool()>& isTimeUp)
+{
+    if (mask.isNull() || mask.format() != QImage::Format_Indexed8) {
+        return true;
+    }
+    if (mask.size() != m_size) {
+        Begin(mask.size());
+    }
+    for (std::size_t i = 0; m_isAnyTouched && i < m_hashes.size(); ++i) {
+        if (m_isTouched[i]) {
+            ReadTile(mask, i);
+            if (isTimeUp()) {
+                return false;
+            }
+        }
+    }
+    m_isAnyTouched = false;
+    return true;
+}
+
 quint64 MaskFingerprint::Of(const QImage& mask)
 {
     if (mask.isNull() || mask.format() != QImage::Format_Indexed8) {
         return 0;
     }
-    if (mask.size() != m_size) {
-        Begin(mask.size());
-    }
-    const auto stride = static_cast<qint64>(mask.bytesPerLine());
-    for (std::size_t i = 0; m_isAnyTouched && i < m_hashes.size(); ++i) {
-        if (m_isTouched[i]) {
-            const QRect rect = TileRect(m_size, static_cast<int>(i));
-            MaskTile tile;
-            tile.Load(mask.constBits() + rect.y() * stride + rect.x(), stride, rect.size());
-            const quint64 hash = Hash64(tile.pixels, TilePixels, i);
-            // Sums change with a tile without the others being read.
-            m_sum += hash - m_hashes[i];
-            m_hashes[i] = hash;
-            m_isTouched[i] = false;
-        }
-    }
-    m_isAnyTouched = false;
+    Read(mask, [] { return false; });
     const auto size =
         (static_cast<quint64>(m_size.width()) << 32) | static_cast<quint64>(m_size.height());
     return std::max<quint64>(Avalanche(m_sum + size * Prime1), 1);

@@ -4,6 +4,7 @@
 #include <QRect>
 #include <QSize>
 
+#include <functional>
 #include <vector>
 
 namespace raster {
@@ -22,9 +23,13 @@ public:
     /// The number of the mask, which is the same one each time, as it is now. 0 only for a mask
     /// that is no Format_Indexed8 image.
     quint64 Of(const QImage& mask);
+    /// Reads what Of would read, until isTimeUp says so, which is asked after each tile. Returns
+    /// whether nothing is left to read.
+    bool Read(const QImage& mask, const std::function<bool()>& isTimeUp);
 
 private:
     void Begin(QSize size);
+    void ReadTile(const QImage& mask, std::size_t number);
 
     QSize m_size;
     /// By the tiles' numbers.

@@ -20,6 +20,7 @@ private slots:
     void EqualMasksHaveEqualNumbers();
     void FollowsChangesByRectangle();
     void ReadsOnlyWhatWasTouched();
+    void ReadsInSlices();
     void WhatIsNoMaskHasNone();
 
 private:
@@ -92,6 +93,20 @@ void tst_MaskFingerprint::ReadsOnlyWhatWasTouched()
     fingerprint.Touch({64, 64, 1, 1});
     QCOMPARE(fingerprint.Of(mask), blank);
     fingerprint.TouchTile(0);
+    QCOMPARE(fingerprint.Of(mask), Anew(mask));
+}
+
+void tst_MaskFingerprint::ReadsInSlices()
+{
+    Random random;
+    const QImage mask = RandomMask(random, {200, 130});
+    MaskFingerprint fingerprint;
+    int slices = 1;
+    while (!fingerprint.Read(mask, [] { return true; })) {
+        ++slices;
+    }
+    // One for each tile, and one that finds nothing left.
+    QCOMPARE(slices, raster::TileCount(mask.size()) + 1);
     QCOMPARE(fingerprint.Of(mask), Anew(mask));
 }
 
