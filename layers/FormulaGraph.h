@@ -3,6 +3,7 @@
 #include "layers/Formula.h"
 
 #include <QHash>
+#include <QSet>
 #include <QStringList>
 #include <QVector>
 
@@ -26,14 +27,16 @@ public:
     /// there are none among the given layers and those that they depend on.
     QVector<int> FindCycle(const QVector<int>& ids) const;
     /// Whether the layer depends on itself.
-    bool IsInCycle(int id) const;
+    bool IsInCycle(int id) const { return m_inCycles.contains(id); }
 
 private:
+    void FindLayersInCycles();
     template <typename Visit, typename MeetAgain>
     void Walk(const QVector<int>& ids, Visit visit, MeetAgain meetAgain) const;
 
     QVector<int> m_computed;
     QHash<int, Formula> m_formulas;
+    QSet<int> m_inCycles;
 };
 
 /// The names of the layers with arrows between: "Lake -> Shore -> Lake".

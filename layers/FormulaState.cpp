@@ -45,7 +45,6 @@ StatusesOf(const FormulaGraph& graph,
            const std::function<FormulaStatus(int id, const Formula& formula)>& own)
 {
     QHash<int, FormulaStatus> statuses;
-    const bool hasCycles = !graph.FindCycle(graph.Computed()).isEmpty();
     const QVector<int> order = graph.InOrder(graph.Computed());
     for (const int id : order) {
         const Formula& formula = *graph.FormulaOf(id);
@@ -53,7 +52,7 @@ StatusesOf(const FormulaGraph& graph,
         for (const int operand : formula.operands) {
             status.isStale = status.isStale || statuses.value(operand).isStale;
         }
-        status.isStale = status.isStale || (hasCycles && graph.IsInCycle(id));
+        status.isStale = status.isStale || graph.IsInCycle(id);
         statuses.insert(id, status);
     }
     return statuses;

@@ -11,6 +11,7 @@
 
 #include <QtTest>
 
+#include <array>
 #include <climits>
 
 namespace {
@@ -22,6 +23,21 @@ QImage Part(const LayerList& list, const QString& code, const QRect& rect)
     const auto computation = formula ? Computation::Of(list, *formula) : std::nullopt;
     return computation ? computation->Within(rect) : QImage();
 }
+
+/// The layers A to D.
+struct FourLayers
+{
+    FourLayers()
+    {
+        for (const char name : {'A', 'B', 'C', 'D'}) {
+            layers.append(AddLayer(list, QString(QLatin1Char(name))));
+        }
+    }
+
+    const ProjectFixture project{{5, 2}};
+    LayerList list;
+    QVector<Layer*> layers;
+};
 
 } // namespace
 
@@ -39,6 +55,7 @@ private slots:
     void CostGrowsWithAreaRadiusAndGreys();
     void OperandsComeFirst();
     void CyclesAreFound();
+    void LayersInCyclesReachThemselves();
 };
 
 void tst_Formula::CodesAreTakenApart_data()
@@ -170,18 +187,13 @@ void tst_Formula::CostGrowsWithAreaRadiusAndGreys()
 
 void tst_Formula::OperandsComeFirst()
 {
-    const ProjectFixture project({5, 2});
-    LayerList list;
-    QVector<Layer*> layers;
-    for (int i = 0; i < 4; ++i) {
-        layers.append(AddLayer(list, QString(QLatin1Char(static_cast<char>('A' + i)))));
-    }
-    const auto id = [&layers](int i) { return layers.at(i)->Id(); };
+    FourLayers four;
+    const auto id = [&four](int i) { return four.layers.at(i)->Id(); };
     // A is made of D and B, B of D, and D of C, which is painted.
-    layers.at(0)->StoreCode(QStringLiteral("+(%1)(%2)").arg(id(3)).arg(id(1)));
-    layers.at(1)->StoreCode(QStringLiteral("!(%1)").arg(id(3)));
-    layers.at(3)->StoreCode(QStringLiteral("d(%1:5)").arg(id(2)));
-    const FormulaGraph graph(list);
+    four.layers.at(0)->StoreCode(QStringLiteral("+(%1)(%2)").arg(id(3)).arg(id(1)));
+    four.layers.at(1)->StoreCode(QStringLiteral("!(%1)").arg(id(3)));
+    four.layers.at(3)->StoreCode(QStringLiteral("d(%1:5)").arg(id(2)));
+    const FormulaGraph graph(four.list);
 
     QCOMPARE(graph.Computed(), QVector<int>({id(0), id(1), id(3)}));
     QCOMPARE(graph.InOrder(graph.Computed()), QVector<int>({id(3), id(1), id(0)}));
@@ -193,27 +205,61 @@ void tst_Formula::OperandsComeFirst()
 
 void tst_Formula::CyclesAreFound()
 {
-    const ProjectFixture project({5, 2});
-    LayerList list;
-    QVector<Layer*> layers;
-    for (int i = 0; i < 4; ++i) {
-        layers.append(AddLayer(list, QString(QLatin1Char(static_cast<char>('A' + i)))));
-    }
-    const auto id = [&layers](int i) { return layers.at(i)->Id(); };
+    FourLayers four;
+    const auto id = [&four](int i) { return four.layers.at(i)->Id(); };
     // A and B are made of one another, C of A; D is made of itself.
-    layers.at(0)->StoreCode(QStringLiteral("!(%1)").arg(id(1)));
-    layers.at(1)->StoreCode(QStringLiteral("!(%1)").arg(id(0)));
-    layers.at(2)->StoreCode(QStringLiteral("!(%1)").arg(id(0)));
-    layers.at(3)->StoreCode(QStringLiteral("!(%1)").arg(id(3)));
-    const FormulaGraph graph(list);
+    four.layers.at(0)->StoreCode(QStringLiteral("!(%1)").arg(id(1)));
+    four.layers.at(1)->StoreCode(QStringLiteral("!(%1)").arg(id(0)));
+    four.layers.at(2)->StoreCode(QStringLiteral("!(%1)").arg(id(0)));
+    four.layers.at(3)->StoreCode(QStringLiteral("!(%1)").arg(id(3)));
+    const FormulaGraph graph(four.list);
 
-    QCOMPARE(ChainText(list, graph.FindCycle({id(2)})), QStringLiteral("A -> B -> A"));
-    QCOMPARE(ChainText(list, graph.FindCycle({id(3)})), QStringLiteral("D -> D"));
+    QCOMPARE(ChainText(four.list, graph.FindCycle({id(2)})), QStringLiteral("A -> B -> A"));
+    QCOMPARE(ChainText(four.list, graph.FindCycle({id(3)})), QStringLiteral("D -> D"));
     QVERIFY(graph.IsInCycle(id(0)));
     QVERIFY(graph.IsInCycle(id(1)));
     QVERIFY(!graph.IsInCycle(id(2)));
     QVERIFY(graph.IsInCycle(id(3)));
     QCOMPARE(graph.InOrder({id(2)}).constLast(), id(2));
+}
+
+void tst_Formula::LayersInCyclesReachThemselves()
+{
+    const ProjectFixture project{{5, 2}};
+    Random random;
+    int found = 0;
+    for (int run = 0; run < 200; ++run) {
+        constexpr std::size_t count = 10;
+        LayerList list;
+        std::vector<Layer*> layers;
+        for (std::size_t i = 0; i < count; ++i) {
+            layers.push_back(AddLayer(list, QString::number(i)));
+        }
+        std::array<std::array<bool, count>, count> reaches{};
+        for (std::size_t i = 0; i < count; ++i) {
+            const auto a = std::size_t(random.Below(count));
+            const auto b = std::size_t(random.Below(count));
+            if (random.Below(3) != 0) {
+                layers[i]->StoreCode(
+                    QStringLiteral("+(%1)(%2)").arg(layers[a]->Id()).arg(layers[b]->Id()));
+                reaches[i][a] = reaches[i][b] = true;
+            }
+        }
+        for (std::size_t via = 0; via < count; ++via) {
+            for (std::size_t from = 0; from < count; ++from) {
+                for (std::size_t to = 0; to < count; ++to) {
+                    reaches[from][to] =
+                        reaches[from][to] || (reaches[from][via] && reaches[via][to]);
+                }
+            }
+        }
+        const FormulaGraph graph(list);
+        for (std::size_t i = 0; i < count; ++i) {
+            QCOMPARE(graph.IsInCycle(layers[i]->Id()), reaches[i][i]);
+            found += reaches[i][i] ? 1 : 0;
+        }
+    }
+    QVERIFY(found > 100);
 }
 
 QTEST_GUILESS_MAIN(tst_Formula)
