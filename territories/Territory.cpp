@@ -7,6 +7,7 @@
 #include "territories/TerritoryRecords.h"
 #include "territories/TerritoryType.h"
 #include "territories/Zone.h"
+#include "territories/ZoneSelection.h"
 
 #include <QGraphicsScene>
 #include <QXmlStreamReader>
@@ -103,9 +104,10 @@ void Territory::EnterScene(QGraphicsScene& scene)
 
 void Territory::LeaveScene()
 {
+    SelectionChange change;
     for (Zone* zone : qAsConst(m_zones)) {
         if (QGraphicsScene* scene = zone->scene()) {
-            zone->setSelected(false);
+            change.Set(*zone, false);
             scene->removeItem(zone);
         }
     }
@@ -181,7 +183,11 @@ void Territory::SetZonesEditable(bool isEditable)
 void Territory::SetVisible(bool isVisible)
 {
     m_isVisible = isVisible;
+    SelectionChange change;
     for (Zone* zone : qAsConst(m_zones)) {
+        if (!isVisible) {
+            change.Set(*zone, false);
+        }
         zone->setVisible(isVisible);
     }
 }

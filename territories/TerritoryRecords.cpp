@@ -5,15 +5,10 @@
 
 #include <QXmlStreamWriter>
 
-namespace {
-
-/// World metres as files hold them: six significant digits of a 32-bit number.
 QString MetresText(double metres)
 {
     return QString::number(metres, 'g', 6);
 }
-
-} // namespace
 
 double InSinglePrecision(double value)
 {
@@ -25,8 +20,20 @@ double InSinglePrecision(double value)
 WorldScale::WorldScale(const ProjectSettings& settings)
     : metresPerPixelX(settings.MetresPerPixelX())
     , metresPerPixelZ(settings.MetresPerPixelZ())
+    , pixelsPerMetreX(settings.PixelsPerMetreX())
+    , pixelsPerMetreZ(settings.PixelsPerMetreZ())
+    , layerHeight(settings.LayerHeight())
+    , worldWidth(settings.WorldWidth())
     , worldHeight(settings.WorldHeight())
 {
+}
+
+QPointF InScene(float x, float z, const WorldScale& scale)
+{
+    // Single precision, and z counts from the map's bottom edge.
+    const float sceneX = scale.pixelsPerMetreX * x;
+    const float sceneY = static_cast<float>(scale.layerHeight) - scale.pixelsPerMetreZ * z;
+    return {static_cast<qreal>(sceneX), static_cast<qreal>(sceneY)};
 }
 
 WorldCircle InWorld(const ZoneRecord& zone, const WorldScale& scale)
@@ -36,6 +43,16 @@ WorldCircle InWorld(const ZoneRecord& zone, const WorldScale& scale)
     return {InSinglePrecision(metresX * zone.place.x()),
             InSinglePrecision(scale.worldHeight - metresZ * zone.place.y()),
             static_cast<double>(scale.metresPerPixelX * zone.radius)};
+}
+
+double AsWritten(double metres)
+{
+    return static_cast<double>(MetresText(metres).toFloat());
+}
+
+WorldCircle AsWritten(const WorldCircle& circle)
+{
+    return {AsWritten(circle.x), AsWritten(circle.z), AsWritten(circle.radius)};
 }
 
 void Write(QXmlStreamWriter& xml, const ZoneRecord& zone, const WorldScale& scale, bool exportMode)

@@ -14,16 +14,25 @@ class QXmlStreamWriter;
 // What zones, territories and their types say, as plain values: no item, no row. They are taken in
 // one go from the objects of the project, and written from then on, also on another thread.
 
-/// How places in the scene become world metres.
+/// How places in the scene become world metres, and the other way round.
 struct WorldScale
 {
     explicit WorldScale(const ProjectSettings& settings);
 
     float metresPerPixelX;
     float metresPerPixelZ;
+    float pixelsPerMetreX;
+    float pixelsPerMetreZ;
+    /// Pixels.
+    int layerHeight;
     /// Metres.
+    int worldWidth;
     int worldHeight;
 };
+
+/// The place in the scene of a place in the world (metres), as zones have it that are read from a
+/// file.
+QPointF InScene(float x, float z, const WorldScale& scale);
 
 struct ZoneRecord
 {
@@ -43,6 +52,12 @@ struct WorldCircle
     double radius = 0;
 };
 WorldCircle InWorld(const ZoneRecord& zone, const WorldScale& scale);
+/// World metres as files hold them: six significant digits.
+QString MetresText(double metres);
+/// What is read back of metres after files have written them.
+double AsWritten(double metres);
+/// The circle after its numbers became text, and numbers again when the text was read.
+WorldCircle AsWritten(const WorldCircle& circle);
 
 struct TerritoryRecord
 {

@@ -168,17 +168,12 @@ Zone* Zone::Copy() const
 
 void Zone::Read(const QXmlStreamReader& xml)
 {
-    const ProjectSettings& settings = ProjectSettings::Instance();
     ZoneValues values;
     values.ReadXml(xml);
     SetValues(values);
-    const float x = FloatAttribute(xml, QLatin1String("x"), 0);
-    const float z = FloatAttribute(xml, QLatin1String("z"), 0);
-    // Single precision, and z counts from the map's bottom edge.
-    const float sceneX = settings.PixelsPerMetreX() * x;
-    const float sceneY =
-        static_cast<float>(settings.LayerHeight()) - settings.PixelsPerMetreZ() * z;
-    setPos(static_cast<qreal>(sceneX), static_cast<qreal>(sceneY));
+    setPos(InScene(FloatAttribute(xml, QLatin1String("x"), 0),
+                   FloatAttribute(xml, QLatin1String("z"), 0),
+                   WorldScale(ProjectSettings::Instance())));
 }
 
 ZoneRecord Zone::Record() const

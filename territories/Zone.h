@@ -29,8 +29,8 @@ public:
     {
         Type = UserType + 15,
     };
-    static constexpr int MinDepth = 2;
-    static constexpr int MaxDepth = 255;
+    static constexpr int MinDepth = ZoneValues::MinDepth;
+    static constexpr int MaxDepth = ZoneValues::MaxDepth;
 
     /// territory gives the colour and may be null.
     Zone(Territory* territory, float radiusMetres, QGraphicsItem* parent = nullptr);

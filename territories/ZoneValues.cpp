@@ -21,6 +21,13 @@ QLatin1String UsageName(int usage)
 
 } // namespace
 
+ZoneValues ZoneValues::OfNewZone()
+{
+    ZoneValues values;
+    values.radius = 300.0F;
+    return values;
+}
+
 QString ZoneValues::Name() const
 {
     return IsFixedUsage(usage) ? QString(UsageName(usage)) : eventName;

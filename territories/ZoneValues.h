@@ -17,6 +17,13 @@ struct ZoneValues
         HuntingGround = 4,
         DynamicEvent = 5,
     };
+    /// What the editor lets users enter. Files may hold any numbers. Metres.
+    static constexpr float MinRadius = 50.0F;
+    static constexpr float MaxRadius = 32768.0F;
+    static constexpr int MinDepth = 2;
+    static constexpr int MaxDepth = 255;
+    /// The least is 0.
+    static constexpr int MaxCount = 999;
 
     SpawnCounts counts;
     /// Metres.
@@ -27,6 +34,9 @@ struct ZoneValues
     QString eventName;
     /// The stacking order. Zones bring it into their range; files may hold any number.
     int depth = 0;
+
+    /// Those of a new zone, as long as the user has chosen no others.
+    static ZoneValues OfNewZone();
 
     /// The keyword of the usage as files hold it; of an event its name.
     QString Name() const;

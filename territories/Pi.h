@@ -1,0 +1,4 @@
+#pragma once
+
+/// For the areas of circles.
+constexpr double Pi = 3.14159265358979323846;
