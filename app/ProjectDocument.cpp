@@ -1,7 +1,10 @@
 #include "app/ProjectDocument.h"
 
+#include "app/ProjectReader.h"
+#include "app/Xml.h"
 #include "territories/TerritoryTypeList.h"
 
+#include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
 namespace {
@@ -54,4 +57,30 @@ void WriteProjectText(QXmlStreamWriter& xml, const ProjectValues& values)
         WriteFormulas(xml, values.formulas);
     }
     WriteEnd(xml);
+}
+
+ProjectValues ReadProjectText(QIODevice& device)
+{
+    std::function<void(QXmlStreamWriter&)> writeBrush;
+    std::vector<LayerRecord> layers;
+    TerritoryTypeList types;
+    ProjectReader reader(device);
+    reader.Read({[&writeBrush](QXmlStreamReader& xml) {
+                     writeBrush = [attributes = xml.attributes()](QXmlStreamWriter& out) {
+                         out.writeEmptyElement(QStringLiteral("brush"));
+                         out.writeAttributes(attributes);
+                     };
+                 },
+                 [&layers](QXmlStreamReader& xml) {
+                     return WalkXml(xml,
+                                    {{QLatin1String("layer"),
+                                      [&layers](QXmlStreamReader& element) {
+                                          layers.push_back(LayerRecord::Read(element));
+                                          return true;
+                                      }}},
+                                    QLatin1String("layers"));
+                 },
+                 [&types](QXmlStreamReader& xml) { return types.Read(xml, nullptr); }});
+    return {
+        reader.SelectedRow(), ProjectSettings::Instance(), writeBrush, layers, types.Records(), {}};
 }

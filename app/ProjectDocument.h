@@ -9,6 +9,7 @@
 #include <functional>
 #include <vector>
 
+class QIODevice;
 class QXmlStreamWriter;
 class TerritoryTypeList;
 
@@ -45,3 +46,9 @@ int WriteProjectDocument(QXmlStreamWriter& xml, const ProjectParts& parts);
 /// Writes the document alone: no bitmap, no message, and names as they are. Formulas, if there are
 /// any, stand at its end.
 void WriteProjectText(QXmlStreamWriter& xml, const ProjectValues& values);
+/// Reads a document as the editor does, but for the bitmaps: layers without one are there too. What
+/// the editor does not know is lost, as in its own saves. A document without a brush has none
+/// afterwards either. Formulas are not read; they have a file of their own. Also sets the
+/// process-wide ProjectSettings, which must hold no flag types if the document may hold none. The
+/// device must be open and seekable.
+ProjectValues ReadProjectText(QIODevice& device);

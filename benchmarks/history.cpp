@@ -35,15 +35,7 @@ public:
         , view(*window.findChild<MainView*>())
     {
         document.Begin({side, side}, {side, side}, QDir());
-        QImage mask = raster::BlankMask({side, side});
-        const QImage piece = NaturalMask({2048, 2048}, 7);
-        for (int y = 0; y < side; ++y) {
-            for (int x = 0; x < side; x += piece.width()) {
-                std::memcpy(mask.scanLine(y) + x, piece.constScanLine(y % piece.height()),
-                            static_cast<std::size_t>(piece.width()));
-            }
-        }
-        document.Do(Edits::AddPaintedLayer(document.Layers(), mask));
+        document.Do(Edits::AddPaintedLayer(document.Layers(), RepeatedNaturalMask(side)));
         layer = document.Layers().LayerAt(0);
         document.SetEditable(true);
         window.show();

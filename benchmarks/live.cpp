@@ -15,7 +15,6 @@
 #include <QApplication>
 
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <string>
 
@@ -33,20 +32,6 @@ enum class Live
     Wide,
 };
 
-/// Natural shapes, repeated as often as they fit.
-QImage Lake(int side)
-{
-    constexpr int pieceSide = 2048;
-    static const QImage piece = NaturalMask({pieceSide, pieceSide}, 7);
-    QImage mask = raster::BlankMask({side, side});
-    for (int y = 0; y < side; ++y) {
-        for (int x = 0; x < side; x += pieceSide) {
-            std::memcpy(mask.scanLine(y) + x, piece.constScanLine(y % pieceSide), pieceSide);
-        }
-    }
-    return mask;
-}
-
 /// A map on which the lake is painted.
 class Painting
 {
@@ -56,7 +41,7 @@ public:
         , m_composition(m_canvas.document, m_canvas.view)
     {
         auto lake = std::make_unique<Layer>(0, 0, &m_canvas.layers, QStringLiteral("Lake"));
-        lake->SetImage(Lake(side), Qt::blue);
+        lake->SetImage(RepeatedNaturalMask(side), Qt::blue);
         Layer* painted = lake.get();
         m_canvas.layers.AddLayer(std::move(lake));
         m_canvas.document.SetEditable(true);

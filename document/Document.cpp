@@ -72,10 +72,7 @@ void Document::FollowCheckMark(QStandardItem& row)
 
 ZoneValues Document::ZoneTemplate() const
 {
-    constexpr float newZoneRadius = 300.0F;
-    ZoneValues values;
-    values.radius = newZoneRadius;
-    return m_zoneTemplate.value_or(values);
+    return m_zoneTemplate.value_or(ZoneValues::OfNewZone());
 }
 
 bool Document::Do(std::unique_ptr<Edit> edit)

@@ -74,7 +74,12 @@ public:
     /// While only one layer is shown, another current layer is shown instead of it.
     void SetCurrentLayer(Layer* layer);
     Territory* CurrentTerritory() const { return m_currentTerritory; }
-    void SetCurrentTerritory(Territory* territory) { m_currentTerritory = territory; }
+    /// While only one territory is seen, another current one is seen instead of it.
+    void SetCurrentTerritory(Territory* territory);
+    /// The only territory whose zones are seen, whatever the check marks say; null when all are
+    /// seen that are shown. It ends with the territory.
+    Territory* SoloTerritory() const { return m_soloTerritory; }
+    void SetSoloTerritory(Territory* territory);
 
     /// Locked layers keep their pixels; all else of them may be edited. Locks are no edits, and are
     /// not in the project's files.
@@ -189,6 +194,7 @@ signals:
     /// What marks the layer's row and decides whether its pixels may be changed: locks, and which
     /// layer is shown alone. Null means all layers.
     void LayerMarksChanged(Layer* layer);
+    void SoloTerritoryChanged();
     /// What is known of the formula of a computed layer changed, by an edit or because what waited
     /// to be computed is.
     void FormulaChanged();
@@ -251,6 +257,7 @@ private:
     /// Ids are never reused, so a removed layer that comes back is still locked.
     QSet<int> m_lockedIds;
     Tracked<Territory> m_currentTerritory;
+    Tracked<Territory> m_soloTerritory;
     std::optional<ZoneValues> m_zoneTemplate;
     /// Outlives the history, whose edits leave it as they die.
     HistoryMemory m_memory;

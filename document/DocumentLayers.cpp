@@ -2,7 +2,8 @@
 
 #include "document/Formulas.h"
 
-// What the user sets of layers that is no edit: which one is current, locked or shown alone.
+// What the user sets of layers and territories that is no edit: which one is current, locked or
+// shown alone.
 
 void Document::SetCurrentLayer(Layer* layer)
 {
@@ -55,4 +56,20 @@ bool Document::IsShown(const Layer& layer) const
 void Document::SetRowMarks(const LayerList::RowMarks& marks)
 {
     m_layers.SetRowMarks(marks);
+}
+
+void Document::SetCurrentTerritory(Territory* territory)
+{
+    m_currentTerritory = territory;
+    if (territory && m_soloTerritory) {
+        SetSoloTerritory(territory);
+    }
+}
+
+void Document::SetSoloTerritory(Territory* territory)
+{
+    if (territory != m_soloTerritory) {
+        m_soloTerritory = territory;
+        emit SoloTerritoryChanged();
+    }
 }

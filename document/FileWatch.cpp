@@ -114,6 +114,7 @@ void FileWatch::Look()
         m_quiet.start();
         return;
     }
+    emit Rested();
     if (!HasAnyChanged(m_told)) {
         return;
     }

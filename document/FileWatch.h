@@ -32,6 +32,9 @@ public:
     explicit FileWatch(const Document& document);
 
 signals:
+    /// The project's files have rested since something was written in a watched folder, maybe none
+    /// of them.
+    void Rested();
     /// Files changed again since the last signal. Empty when they are back as they were.
     void Changed(const ForeignChanges& changes);
 

@@ -146,6 +146,34 @@ bool Formulas::IsInStep(const Layer& layer) const
            !present.operands.contains(0);
 }
 
+bool Formulas::IsWaiting(const Layer& layer) const
+{
+    const auto facts = m_facts.constFind(layer.Id());
+    if (facts == m_facts.cend() || facts->operands.isEmpty()) {
+        return false;
+    }
+    // FactsOf has no operands for a layer that waits.
+    const QVector<quint64> none(facts->operands.size(), 0);
+    const FormulaFacts present = PresentFacts(layer);
+    return facts->operands == none && present.result == facts->result &&
+           !present.operands.contains(0);
+}
+
+bool Formulas::ReadMasks(const std::function<bool()>& isTimeUp) const
+{
+    const FormulaGraph graph = Graph();
+    for (const int computed : graph.Computed()) {
+        const QVector<int> ids = QVector<int>{computed} + graph.FormulaOf(computed)->operands;
+        for (const int id : ids) {
+            const Layer* layer = m_document.Layers().LayerById(id);
+            if (layer && !m_fingerprints[id].Read(layer->Image(), isTimeUp)) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
 FormulaStatus Formulas::StatusOf(const Layer& layer, const Formula& formula) const
 {
     FormulaStatus status;
@@ -226,22 +254,37 @@ QString Formulas::Describe(const Layer& layer) const
     return parts.join(QStringLiteral(", "));
 }
 
+QHash<int, QString> Formulas::NamesInFile() const
+{
+    const QVector<Layer*> layers = m_document.Layers().Layers();
+    const QStringList names = m_document.Layers().NamesForSaving();
+    QHash<int, QString> byId;
+    for (int i = 0; i < layers.size(); ++i) {
+        byId.insert(layers[i]->Id(), names[i]);
+    }
+    return byId;
+}
+
 FormulaRecords Formulas::Records() const
 {
     FormulaRecords records;
     const FormulaGraph graph = Graph();
+    const QHash<int, QString> names = NamesInFile();
     for (const int id : graph.Computed()) {
         const Formula& formula = *graph.FormulaOf(id);
         const Layer& layer = *m_document.Layers().LayerById(id);
         const FormulaFacts facts = FactsOf(layer).value_or(PresentFacts(layer));
         FormulaRecord record;
-        record.layer = layer.text();
+        record.layer = names.value(id);
         record.operation = formula.operation;
         record.metres = formula.metres;
         record.fingerprint = facts.result;
         record.isLive = facts.isLive;
         for (int i = 0; i < formula.operands.size(); ++i) {
-            record.operands.append({NameOf(formula.operands.at(i)), facts.operands.value(i)});
+            const int operand = formula.operands.at(i);
+            record.operands.append(
+                {names.contains(operand) ? names.value(operand) : NameOf(operand),
+                 facts.operands.value(i)});
         }
         records.push_back(record);
     }
@@ -272,6 +315,10 @@ void Formulas::Read(const FormulaReading& reading, const QString& fileName)
         return;
     }
     QHash<QString, int> ids;
+    const QHash<int, QString> names = NamesInFile();
+    for (auto name = names.cbegin(); name != names.cend(); ++name) {
+        ids.insert(name.value(), name.key());
+    }
     const QVector<Layer*> layers = m_document.Layers().Layers();
     for (const Layer* layer : layers) {
         if (!ids.contains(layer->text())) {

@@ -9,6 +9,7 @@
 #include <QString>
 #include <QVector>
 
+#include <functional>
 #include <optional>
 
 class Document;
@@ -24,7 +25,11 @@ class Formulas : public QObject
 public:
     explicit Formulas(Document& document);
 
+    /// The first state of a layer reads its mask and those of its operands, as does the first one
+    /// after they changed.
     FormulaState StateOf(const Layer& layer) const;
+    /// Reads what states need until isTimeUp says so. Returns whether nothing is left to read.
+    bool ReadMasks(const std::function<bool()>& isTimeUp) const;
     /// Whether an operand, or what it is made of, changed since, also for a layer that was edited.
     bool IsStale(const Layer& layer) const;
     /// The formula in words and the state: "Dilation of Lake, 25 m, up to date". The last words are
@@ -48,8 +53,11 @@ public:
     FormulaFacts PresentFacts(const Layer& layer) const;
     /// Whether the pixels of the layer and of its operands are those of its facts.
     bool IsInStep(const Layer& layer) const;
+    /// Whether the layer was to be computed when its facts were noted, and nobody changed it since.
+    bool IsWaiting(const Layer& layer) const;
 
-    /// For the project's files, by the present names of the layers.
+    /// For the project's files, by the names that a save gives to the layers: those of several
+    /// layers may be equal until then.
     FormulaRecords Records() const;
     /// Takes over what a file holds, whose name is for messages, of layers that there are. Logs at
     /// most one line, last.
@@ -66,6 +74,7 @@ private:
     FormulaStatus StatusOf(const Layer& layer, const Formula& formula) const;
     quint64 FingerprintOf(const Layer& layer) const;
     QString NameOf(int id) const;
+    QHash<int, QString> NamesInFile() const;
     int IdOf(const QHash<QString, int>& ids, const QString& name);
 
     Document& m_document;

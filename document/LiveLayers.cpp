@@ -6,94 +6,18 @@
 #include "document/Formulas.h"
 #include "document/journal/TileSet.h"
 #include "layers/raster/MaskDelta.h"
-#include "layers/raster/MaskTile.h"
 
 #include <QScopedValueRollback>
 
 #include <algorithm>
-#include <cstring>
+#include <iterator>
 #include <limits>
 #include <utility>
+#include <vector>
 
 namespace {
 
 constexpr int RestMilliseconds = 150;
-/// More rectangles are not worth their bookkeeping.
-constexpr int MaxRects = 64;
-
-using Rects = QVector<QRect>;
-
-QSize LayerSize()
-{
-    return ProjectSettings::Instance().LayerSize();
-}
-
-QRect LayerRect()
-{
-    return {QPoint(), LayerSize()};
-}
-
-double Area(const QRect& rect)
-{
-    return double(rect.width()) * rect.height();
-}
-
-/// All pixels in reach of the rectangles; one rectangle around them where that is no more work.
-Rects Grown(const Rects& rects, int reach)
-{
-    Rects grown;
-    QRect bounds;
-    double area = 0;
-    for (const QRect& rect : rects) {
-        grown.append(rect.adjusted(-reach, -reach, reach, reach) & LayerRect());
-        bounds |= grown.constLast();
-        // What is read for it is wider once more.
-        area += Area(grown.constLast().adjusted(-reach, -reach, reach, reach));
-    }
-    const bool isOne =
-        grown.size() > MaxRects || area >= Area(bounds.adjusted(-reach, -reach, reach, reach));
-    return isOne && !grown.isEmpty() ? Rects{bounds} : grown;
-}
-
-/// The tiles, those side by side as one rectangle.
-Rects RectsOf(std::vector<int> tiles)
-{
-    std::sort(tiles.begin(), tiles.end());
-    Rects rects;
-    for (const int tile : tiles) {
-        const QRect rect = raster::TileRect(LayerSize(), tile);
-        const bool goesOn = !rects.isEmpty() && rects.constLast().top() == rect.top() &&
-                            rects.constLast().right() + 1 == rect.left();
-        if (goesOn) {
-            rects.last().setRight(rect.right());
-        } else {
-            rects.append(rect);
-        }
-    }
-    return rects;
-}
-
-/// The smallest rectangle of mask pixels in which the mask differs from pixels that lie at a place
-/// of it.
-QRect Difference(const QImage& mask, QPoint place, const QImage& pixels)
-{
-    const auto width = static_cast<std::size_t>(pixels.width());
-    QRect differing;
-    for (int y = 0; y < pixels.height(); ++y) {
-        const uchar* before = mask.constScanLine(place.y() + y) + place.x();
-        const uchar* after = pixels.constScanLine(y);
-        if (std::memcmp(before, after, width) == 0) {
-            continue;
-        }
-        const auto first = std::mismatch(before, before + width, after).first - before;
-        std::ptrdiff_t last = pixels.width() - 1;
-        while (before[last] == after[last]) {
-            --last;
-        }
-        differing |= QRect(QPoint(static_cast<int>(first), y), QPoint(static_cast<int>(last), y));
-    }
-    return differing.isEmpty() ? QRect() : differing.translated(place);
-}
 
 } // namespace
 
@@ -102,7 +26,7 @@ QRect Difference(const QImage& mask, QPoint place, const QImage& pixels)
 struct LiveLayers::Job
 {
     int id = 0;
-    Rects rects;
+    LayerRects rects;
     std::optional<Computation> computation;
     QVector<QImage> pixels;
     /// What it computes from has changed; for the window's thread.
@@ -180,10 +104,10 @@ void LiveLayers::FollowEdit(const Layer& layer, const QRect& rect)
     if (m_isFollowing || !HasFollowers()) {
         return;
     }
-    Rects& changes = m_changes[layer.Id()];
+    LayerRects& changes = m_changes[layer.Id()];
     const raster::MaskDelta* changed = m_document.ChangedTiles();
     if (!changed) {
-        changes.append(rect.isEmpty() ? LayerRect() : rect);
+        changes.append(rect.isEmpty() ? WholeLayer() : rect);
         return;
     }
     std::vector<int> tiles;
@@ -205,7 +129,7 @@ void LiveLayers::FollowStroke(const Layer& layer, const QRect& rect)
     }
     std::shared_ptr<TileSet>& stroked = m_stroked[layer.Id()];
     if (!stroked) {
-        stroked = std::make_shared<TileSet>(LayerSize());
+        stroked = std::make_shared<TileSet>(ProjectSettings::Instance().LayerSize());
     }
     stroked->Add(rect);
     if (!m_document.IsHandBusy()) {
@@ -213,7 +137,7 @@ void LiveLayers::FollowStroke(const Layer& layer, const QRect& rect)
         m_stroked.remove(layer.Id());
     }
     const int pending = PendingCount();
-    Follow({{layer.Id(), {rect & LayerRect()}}}, m_frameCost, false);
+    Follow({{layer.Id(), {rect & WholeLayer()}}}, m_frameCost, false);
     if (!m_document.IsHandBusy()) {
         Tell();
     } else if (PendingCount() > pending) {
@@ -235,9 +159,15 @@ void LiveLayers::Rebuild()
         m_followers.remove(id);
         const Layer* layer = m_document.Layers().LayerById(id);
         const Formula* formula = graph.FormulaOf(id);
-        if (layer && formula && formulas.IsLive(*layer) && !graph.IsInCycle(id) &&
-            formulas.IsInStep(*layer)) {
-            m_followers.insert(id, {*formula, {}});
+        if (!layer || !formula || !formulas.IsLive(*layer) || graph.IsInCycle(id)) {
+            continue;
+        }
+        if (formulas.IsInStep(*layer)) {
+            m_followers.insert(id, {*formula, {}, {}});
+        } else if (formulas.IsWaiting(*layer)) {
+            // As it was when the project was saved or the program ended.
+            m_followers.insert(id, {*formula, {WholeLayer()}, {WholeLayer()}});
+            m_rest.start();
         }
     }
     QVector<int> ids;
@@ -263,7 +193,8 @@ void LiveLayers::Settle()
         Rebuild();
     }
     if (HasFollowers()) {
-        Follow(std::exchange(m_changes, {}), m_frameCost, true);
+        // Which layers are locked is not known before the end of a load.
+        Follow(std::exchange(m_changes, {}), m_frameCost, !m_document.AreFilesBusy());
     }
     m_changes.clear();
     EndStroke();
@@ -273,6 +204,11 @@ void LiveLayers::Settle()
 void LiveLayers::Finish()
 {
     Settle();
+    if (m_job && !m_job->isStale && !m_document.IsApplying() && !m_document.IsBusy()) {
+        // What it has computed need not be computed again.
+        m_pool.waitForDone();
+        Take(std::shared_ptr<Job>(m_job));
+    }
     Follow({}, std::numeric_limits<qint64>::max(), true);
     if (m_document.IsApplying()) {
         Announce();
@@ -287,24 +223,32 @@ void LiveLayers::Follow(Changes changes, qint64 budget, bool takesPending, int c
     for (const int id : qAsConst(m_order)) {
         Follower& follower = m_followers[id];
         // Whatever else changed the layer is undone.
-        const Rects own = id == computedId ? Rects() : changes.take(id);
-        Rects changed;
+        const LayerRects own = id == computedId ? LayerRects() : changes.take(id);
+        LayerRects changed;
         for (const int operand : qAsConst(follower.formula.operands)) {
             changed += changes.value(operand);
         }
-        const bool doesPending = takesPending && !follower.pending.isEmpty();
-        if (changed.isEmpty() && own.isEmpty() && !doesPending) {
+        Layer* layer = m_document.Layers().LayerById(id);
+        // Undo and redo leave a locked layer where the lock kept it.
+        const LayerRects kept = layer && m_document.IsLocked(*layer) ? follower.kept : LayerRects();
+        const LayerRects pending = takesPending ? Outside(follower.pending, kept) : LayerRects();
+        if (changed.isEmpty() && own.isEmpty() && pending.isEmpty()) {
             continue;
         }
         MarkStale(id);
-        Layer* layer = Changeable(id);
         const std::optional<Computation> computation =
             layer ? Computation::Of(m_document.Layers(), follower.formula) : std::nullopt;
         if (!computation) {
-            Put(follower, {LayerRect()});
+            Put(follower, {WholeLayer()});
             continue;
         }
-        const auto take = [&](const Rects& rects) -> std::optional<Rects> {
+        const LayerRects wanted = Outside(Grown(changed, computation->Reach()) + own, kept);
+        if (!Changeable(id)) {
+            Append(follower.kept, wanted);
+            Put(follower, wanted);
+            continue;
+        }
+        const auto take = [&](const LayerRects& rects) -> std::optional<LayerRects> {
             qint64 cost = 0;
             for (const QRect& rect : rects) {
                 cost += computation->Cost(rect, budget);
@@ -315,12 +259,11 @@ void LiveLayers::Follow(Changes changes, qint64 budget, bool takesPending, int c
             budget -= cost;
             return Compute(*layer, *computation, rects);
         };
-        const Rects wanted = Grown(changed, computation->Reach()) + own;
-        std::optional<Rects> shown;
-        if (doesPending) {
-            shown = take(Grown(wanted + follower.pending, 0));
+        std::optional<LayerRects> shown;
+        if (!pending.isEmpty()) {
+            shown = take(Outside(Grown(wanted + pending, 0), kept));
             if (shown) {
-                Complete(follower);
+                Complete(follower, kept);
             }
         }
         if (!shown && !wanted.isEmpty()) {
@@ -336,10 +279,10 @@ void LiveLayers::Follow(Changes changes, qint64 budget, bool takesPending, int c
 }
 
 /// Returns what changed; nothing without memory.
-std::optional<LiveLayers::Rects> LiveLayers::Compute(Layer& layer, const Computation& computation,
-                                                     const Rects& rects)
+std::optional<LayerRects> LiveLayers::Compute(Layer& layer, const Computation& computation,
+                                              const LayerRects& rects)
 {
-    Rects changed;
+    LayerRects changed;
     for (const QRect& rect : rects) {
         const QImage pixels = computation.Within(rect);
         const std::optional<QRect> shown =
@@ -392,8 +335,8 @@ void LiveLayers::Tell()
     emit m_document.HistoryChanged();
 }
 
-/// Null for a layer that is removed or locked; it catches up when it is there again. Locks do not
-/// stop undo and redo.
+/// Null for a layer that is removed or locked; it catches up when it is there again. Undo and redo
+/// change a locked one too.
 Layer* LiveLayers::Changeable(int id) const
 {
     Layer* layer = m_document.Layers().LayerById(id);
@@ -401,26 +344,20 @@ Layer* LiveLayers::Changeable(int id) const
     return isFree ? layer : nullptr;
 }
 
-void LiveLayers::Put(Follower& follower, const Rects& rects)
+void LiveLayers::Put(Follower& follower, const LayerRects& rects)
 {
     if (follower.pending.isEmpty()) {
         m_document.LayerFormulas().NoteChange();
     }
-    follower.pending += rects;
-    if (follower.pending.size() > MaxRects) {
-        QRect bounds;
-        for (const QRect& rect : qAsConst(follower.pending)) {
-            bounds |= rect;
-        }
-        follower.pending = {bounds};
-    }
+    Append(follower.pending, rects);
     m_rest.start();
 }
 
-/// Nothing waits any more, although maybe no pixel changed.
-void LiveLayers::Complete(Follower& follower)
+/// Nothing waits any more but what a lock keeps, although maybe no pixel changed.
+void LiveLayers::Complete(Follower& follower, const LayerRects& kept)
 {
-    follower.pending.clear();
+    follower.pending = kept;
+    follower.kept = kept;
     m_document.LayerFormulas().NoteChange();
     emit m_document.FormulaChanged();
 }
@@ -439,9 +376,13 @@ void LiveLayers::MarkStale(int id)
     }
 }
 
-/// Lets the thread compute the first layer that waits.
+/// Lets the thread compute the first layer that waits. A project that is only viewed shows what its
+/// files hold.
 void LiveLayers::Rest()
 {
+    if (!m_document.IsEditable() && !m_document.IsBusy()) {
+        return;
+    }
     const auto next = std::find_if(m_order.begin(), m_order.end(), [this](int id) {
         return !m_followers.constFind(id)->pending.isEmpty() && Changeable(id) &&
                Computation::Of(m_document.Layers(), m_followers.constFind(id)->formula);
@@ -500,7 +441,7 @@ void LiveLayers::Take(const std::shared_ptr<Job>& job)
         }
     }
     if (isWhole) {
-        Complete(m_followers[job->id]);
+        Complete(m_followers[job->id], {});
         m_rest.start();
     }
     Follow(changes, m_frameCost, false, job->id);

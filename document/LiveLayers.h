@@ -1,5 +1,6 @@
 #pragma once
 
+#include "document/LayerRects.h"
 #include "layers/Formula.h"
 
 #include <QHash>
@@ -57,14 +58,15 @@ public:
     void SetFrameCost(qint64 cost) { m_frameCost = cost; }
 
 private:
-    using Rects = QVector<QRect>;
     /// By layer id.
-    using Changes = QHash<int, Rects>;
+    using Changes = QHash<int, LayerRects>;
     struct Follower
     {
         Formula formula;
         /// Where the layer waits to be computed.
-        Rects pending;
+        LayerRects pending;
+        /// The part of it that waits because the layer is locked, if it is.
+        LayerRects kept;
     };
     struct Job;
 
@@ -76,13 +78,14 @@ private:
     /// changes: also those that nobody has followed yet; those of the layer computedId are its new
     /// pixels.
     void Follow(Changes changes, qint64 budget, bool takesPending, int computedId = -1);
-    std::optional<Rects> Compute(Layer& layer, const Computation& computation, const Rects& rects);
+    std::optional<LayerRects> Compute(Layer& layer, const Computation& computation,
+                                      const LayerRects& rects);
     std::optional<QRect> Show(Layer& layer, const QRect& rect, const QImage& pixels);
     void Announce();
     void Tell();
     Layer* Changeable(int id) const;
-    void Put(Follower& follower, const Rects& rects);
-    void Complete(Follower& follower);
+    void Put(Follower& follower, const LayerRects& rects);
+    void Complete(Follower& follower, const LayerRects& kept);
     int PendingCount() const;
     void MarkStale(int id);
     void Rest();

@@ -176,6 +176,16 @@ void Layer::setData(const QVariant& value, int role)
     }
 }
 
+LayerRecord LayerRecord::Read(const QXmlStreamReader& xml)
+{
+    constexpr quint32 white = 0xFFFFFFFF;
+    return {BitsAttribute(xml, QLatin1String("usage_flags")),
+            BitsAttribute(xml, QLatin1String("value_flags")),
+            UIntAttribute(xml, QLatin1String("color"), white),
+            IntAttribute(xml, QLatin1String("visible"), 0) > 0,
+            TextAttribute(xml, QLatin1String("name"))};
+}
+
 void LayerRecord::WriteStart(QXmlStreamWriter& xml) const
 {
     xml.writeStartElement(QStringLiteral("layer"));

@@ -11,6 +11,7 @@
 #include <optional>
 
 class LayerList;
+class QXmlStreamReader;
 class QXmlStreamWriter;
 
 namespace raster {
@@ -20,6 +21,8 @@ class MaskDelta;
 /// What the project's document holds of a layer, as plain values.
 struct LayerRecord
 {
+    /// Takes the attributes of the "layer" element that the reader stands on.
+    static LayerRecord Read(const QXmlStreamReader& xml);
     /// Writes the "layer" element up to its end tag.
     void WriteStart(QXmlStreamWriter& xml) const;
 

@@ -223,21 +223,15 @@ namespace {
 std::unique_ptr<Layer> ReadLayer(const QXmlStreamReader& xml, LayerList* list, int number,
                                  const MaskSource& masks)
 {
-    constexpr quint32 white = 0xFFFFFFFF;
-    const quint32 usageFlags = BitsAttribute(xml, QLatin1String("usage_flags"));
-    const quint32 valueFlags = BitsAttribute(xml, QLatin1String("value_flags"));
-    const QColor color = QColor::fromRgba(UIntAttribute(xml, QLatin1String("color"), white));
-    const QString name = TextAttribute(xml, QLatin1String("name"));
-    const bool isVisible = IntAttribute(xml, QLatin1String("visible"), 0) > 0;
-
-    LogInfo(QStringLiteral("Loading layer \"%1\"...").arg(name));
-    const QImage image = masks(number, name);
+    const LayerRecord record = LayerRecord::Read(xml);
+    LogInfo(QStringLiteral("Loading layer \"%1\"...").arg(record.name));
+    const QImage image = masks(number, record.name);
     if (image.isNull() || image.size() != ProjectSettings::Instance().LayerSize()) {
         return nullptr;
     }
-    auto layer = std::make_unique<Layer>(usageFlags, valueFlags, list, name);
-    layer->SetImage(image, color);
-    layer->SetVisible(isVisible);
+    auto layer = std::make_unique<Layer>(record.usageFlags, record.valueFlags, list, record.name);
+    layer->SetImage(image, QColor::fromRgba(record.color));
+    layer->SetVisible(record.isVisible);
     return layer;
 }
 

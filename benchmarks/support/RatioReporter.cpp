@@ -43,6 +43,7 @@ void RatioReporter::Finalize()
         for (const auto& [who, seconds] : times) {
             if (who != "ours") {
                 const double other = Median(seconds);
+                m_worst = std::max(m_worst, own / other);
                 std::printf("%-34s %12.3f  %-22s %12.3f %12.2f %12.2f\n", work.c_str(), own * 1e3,
                             who.c_str(), other * 1e3, own / other, other / own);
             }
@@ -50,7 +51,7 @@ void RatioReporter::Finalize()
     }
 }
 
-int RunBenchmarks(int argc, char** argv)
+int RunBenchmarks(int argc, char** argv, double mostRatio)
 {
     std::vector<char*> arguments(argv, argv + argc);
     std::string interleave = "--benchmark_enable_random_interleaving=true";
@@ -63,5 +64,9 @@ int RunBenchmarks(int argc, char** argv)
     benchmark::Initialize(&count, arguments.data());
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
+    if (reporter.WorstRatio() > mostRatio) {
+        std::printf("A ratio is above %.2f.\n", mostRatio);
+        return 1;
+    }
     return 0;
 }

@@ -9,6 +9,7 @@
 #include "document/edits/FormulaEdits.h"
 #include "document/edits/PaintMask.h"
 #include "document/edits/Presence.h"
+#include "layers/Formula.h"
 #include "layers/raster/Mask.h"
 #include "layers/raster/SetOperations.h"
 #include "territories/TerritoryType.h"
@@ -88,14 +89,14 @@ std::unique_ptr<Edit> SetAllVisible(const QString& text, const LayerList& list, 
 }
 
 /// "Lake (2)" for another layer Lake.
-QString FreeName(const Layer& layer)
+QString FreeName(const LayerList& list, const QString& name)
 {
     QSet<QString> taken;
-    const QVector<Layer*> layers = layer.List()->Layers();
+    const QVector<Layer*> layers = list.Layers();
     for (const Layer* other : layers) {
         taken.insert(other->text());
     }
-    return FreeNames(taken).Take(ToValidName(layer.text()));
+    return FreeNames(taken).Take(ToValidName(name));
 }
 
 /// With pixels of its own: those that are shared could not be painted in place. What is clear takes
@@ -196,11 +197,51 @@ std::unique_ptr<Edit> Edits::AddPaintedLayer(LayerList& list, const QImage& mask
 }
 
 std::unique_ptr<Edit> Edits::AddComputedLayer(LayerList& list, const QString& name,
-                                              const QString& code, const QImage& mask)
+                                              const QString& code, const QImage& mask, bool isLive)
 {
     auto layer = std::make_unique<Layer>(0, 0, &list, name, code);
     layer->SetImage(mask, Qt::white);
-    return AddLayer(list, std::move(layer));
+    Layer* added = layer.get();
+    auto edit = AddLayer(list, std::move(layer));
+    if (!isLive) {
+        return edit;
+    }
+    auto group = std::make_unique<EditGroup>(edit->text());
+    group->SetPlace(added);
+    group->Add(std::move(edit));
+    group->Add(MakeLayerLive(*added, {}));
+    return group;
+}
+
+std::unique_ptr<Edit> Edits::AddLiveRing(Layer& layer, int metres, const QImage& grown)
+{
+    const QImage around = raster::Difference(grown, layer.Image());
+    if (around.isNull()) {
+        return nullptr;
+    }
+    LayerList* list = layer.List();
+    const auto computed = [list](const QString& name, const Formula& formula, const QImage& mask) {
+        auto added = std::make_unique<Layer>(0, 0, list, FreeName(*list, name), formula.Code());
+        added->SetImage(mask, Qt::white);
+        return added;
+    };
+    const QString name = layer.text();
+    auto wide = computed(Text("%1 + %2 m").arg(name, QString::number(metres)),
+                         {OperationDilation, {layer.Id()}, metres}, grown);
+    auto ring = computed(Text("Around %1").arg(name),
+                         {OperationDifference, {wide->Id(), layer.Id()}, 0}, around);
+    ring->SetVisible(true);
+    auto group = std::make_unique<EditGroup>(Text("Add live ring around %1").arg(name));
+    group->SetPlace(&layer);
+    QVector<Layer*> added;
+    for (auto* each : {&wide, &ring}) {
+        added.append(each->get());
+        group->Add(std::make_unique<Presence<Layer>>(QString(), std::move(*each), layer.row() + 1));
+    }
+    for (Layer* each : qAsConst(added)) {
+        group->Add(MakeLayerLive(*each, {}));
+    }
+    return group;
 }
 
 std::unique_ptr<Edit> Edits::DuplicateLayer(Layer& layer)
@@ -210,7 +251,7 @@ std::unique_ptr<Edit> Edits::DuplicateLayer(Layer& layer)
         return nullptr;
     }
     auto copy = std::make_unique<Layer>(layer.UsageFlags(), layer.ValueFlags(), layer.List(),
-                                        FreeName(layer), layer.Code());
+                                        FreeName(*layer.List(), layer.text()), layer.Code());
     copy->SetImage(mask, layer.Color());
     copy->SetVisible(layer.IsVisible());
     return std::make_unique<AddDuplicate>(Text("Duplicate layer %1").arg(layer.text()), layer,

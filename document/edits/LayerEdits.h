@@ -16,8 +16,13 @@ namespace Edits {
 
 /// A white layer with the mask at the end of the list.
 std::unique_ptr<Edit> AddPaintedLayer(LayerList& list, const QImage& mask);
+/// isLive: whether it follows what it is made of.
 std::unique_ptr<Edit> AddComputedLayer(LayerList& list, const QString& name, const QString& code,
-                                       const QImage& mask);
+                                       const QImage& mask, bool isLive = false);
+/// Two layers that follow this one, as its next rows: a ring of the width around it, which is
+/// shown, and below it the layer grown by that width, of which the ring is made. grown: the mask of
+/// the latter. Null without memory.
+std::unique_ptr<Edit> AddLiveRing(Layer& layer, int metres, const QImage& grown);
 /// A layer like this one under a free name, as the next row. Null without memory.
 std::unique_ptr<Edit> DuplicateLayer(Layer& layer);
 std::unique_ptr<Edit> RemoveLayer(Layer& layer);

@@ -30,6 +30,14 @@ void PutIn(Document& document, std::unique_ptr<Layer> layer, int row, TerritoryT
 
 namespace {
 
+/// Views make another territory the current one as its row goes.
+void EndSolo(Document& document, const Territory& territory)
+{
+    if (document.SoloTerritory() == &territory) {
+        document.SetSoloTerritory(nullptr);
+    }
+}
+
 void LeaveMap(Document& document, Territory& territory)
 {
     territory.LeaveScene();
@@ -74,8 +82,11 @@ QRectF AreaOf(const Territory& territory)
 
 std::unique_ptr<TerritoryType> TakeOut(Document& document, TerritoryType& type)
 {
-    std::unique_ptr<TerritoryType> taken = document.Types().TakeType(type);
     const QVector<Territory*> territories = type.Territories();
+    for (const Territory* territory : territories) {
+        EndSolo(document, *territory);
+    }
+    std::unique_ptr<TerritoryType> taken = document.Types().TakeType(type);
     for (Territory* territory : territories) {
         LeaveMap(document, *territory);
     }
@@ -97,6 +108,7 @@ void PutIn(Document& document, std::unique_ptr<TerritoryType> type, int row,
 
 std::unique_ptr<Territory> TakeOut(Document& document, Territory& territory)
 {
+    EndSolo(document, territory);
     std::unique_ptr<Territory> taken = territory.GetType()->TakeTerritory(territory);
     LeaveMap(document, territory);
     emit document.TerritoryChanged(&territory);

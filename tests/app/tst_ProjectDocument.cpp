@@ -10,6 +10,7 @@
 #include "tests/support/LogSpy.h"
 #include "tests/support/ProjectFixture.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QTest>
 #include <QXmlStreamReader>
@@ -55,6 +56,8 @@ private slots:
     void CallerIsToldBeforeTheLayers();
     void TheTextAloneIsThatOfTheDocument();
     void TheTextAloneChangesNothing();
+    void WhatIsReadIsWrittenAgain();
+    void LayersWithoutBitmapsAreRead();
     void PastedControlCharactersAreLeftOut();
 
 private:
@@ -225,6 +228,55 @@ void tst_ProjectDocument::TheTextAloneChangesNothing()
 
     QCOMPARE(text.count("name=\"coast\""), 2);
     QCOMPARE(layers.LayerAt(1)->text(), "coast");
+    QCOMPARE(log.Messages(), QStringList());
+    QVERIFY(!QFile::exists(m_project->Path("layers")));
+}
+
+void tst_ProjectDocument::WhatIsReadIsWrittenAgain()
+{
+    ProjectSettings::Instance().SetBackgroundFile("world & sea.png");
+    ProjectSettings::Instance().SetFlagTypes({{"Coast"}, {"rich", "poor"}});
+    LayerRecord layer{1, 0x80000000, 0x01020304, true, "coa\"st"};
+    ZoneRecord zone;
+    zone.values.SetName("Migration");
+    zone.values.counts = {1, -2, 3, 4000};
+    zone.values.depth = 9;
+    zone.values.radius = 12.25F;
+    zone.radius = 0.49F;
+    zone.place = {0.125, 3.5};
+    const TypeRecord type{"Deer", {{"North", 0x80123456, true, {zone, zone}}, {"", 1, false, {}}}};
+    const auto writeBrush = [](QXmlStreamWriter& xml) {
+        xml.writeEmptyElement("brush");
+        xml.writeAttribute("color", "7");
+        xml.writeAttribute("size", "a < b");
+    };
+    for (const ProjectValues& values :
+         {ProjectValues{1, ProjectSettings::Instance(), writeBrush, {layer, layer}, {type, {}}},
+          ProjectValues{-1, ProjectSettings::Instance(), {}, {}, {}}}) {
+        QByteArray text = WrittenText(values);
+        QBuffer buffer(&text);
+        QVERIFY(buffer.open(QIODevice::ReadOnly));
+        ProjectSettings::Instance().SetFlagTypes({});
+        ProjectSettings::Instance().SetBackgroundFile("other");
+
+        QCOMPARE(WrittenText(ReadProjectText(buffer)), text);
+    }
+}
+
+void tst_ProjectDocument::LayersWithoutBitmapsAreRead()
+{
+    QByteArray text = "<qm-config><global><layer size='4'/><world size='100'/></global>"
+                      "<layers><layer name='coast'/></layers></qm-config>";
+    QBuffer buffer(&text);
+    QVERIFY(buffer.open(QIODevice::ReadOnly));
+    const LogSpy log;
+
+    const ProjectValues values = ReadProjectText(buffer);
+
+    QCOMPARE(values.layers.size(), std::size_t(1));
+    QCOMPARE(values.layers.front().name, "coast");
+    QCOMPARE(values.layers.front().color, 0xFFFFFFFFU);
+    QVERIFY(!values.writeBrush);
     QCOMPARE(log.Messages(), QStringList());
     QVERIFY(!QFile::exists(m_project->Path("layers")));
 }

@@ -31,6 +31,7 @@ private slots:
     void CyclesAreOutOfDate();
     void RecordsAreReadBack();
     void StatesSurviveFiles();
+    void LayersOfOneNameKeepTheirFormulas();
     void MissingOperandsAreBroken();
     void FaultsAreLoggedOnceAndUnknownLayersAreNot();
     void ReadsOnlyTilesThatChanged();
@@ -249,6 +250,27 @@ void tst_Formulas::StatesSurviveFiles()
     document.LayerFormulas().Read(reading, QString());
 
     QCOMPARE(State(*shore), FormulaState::Edited);
+}
+
+void tst_Formulas::LayersOfOneNameKeepTheirFormulas()
+{
+    Document& document = m_fixture->document;
+    Layer* shore = Add(QStringLiteral("Shore"), {OperationDilation, {m_lake->Id()}, 25});
+    Layer* lake = m_fixture->AddLayer();
+    Layer* land = Add(QStringLiteral("Land"), {OperationComplement, {lake->Id()}, 0});
+    document.Do(Edits::Rename(*lake, m_lake->text()));
+    document.Do(Edits::Rename(*land, shore->text()));
+    const QStringList codes{shore->Code(), land->Code()};
+
+    const FormulaReading reading =
+        ReadFormulas(FormulaDocument(document.LayerFormulas().Records()));
+    for (Layer* layer : {shore, land}) {
+        layer->StoreCode({});
+        document.LayerFormulas().SetFacts(*layer, {});
+    }
+    document.LayerFormulas().Read(reading, QString());
+
+    QCOMPARE(QStringList({shore->Code(), land->Code()}), codes);
 }
 
 void tst_Formulas::MissingOperandsAreBroken()
