@@ -3,6 +3,7 @@
 #include "document/Document.h"
 #include "document/edits/EditGroup.h"
 #include "document/edits/Presence.h"
+#include "document/edits/ZoneEdits.h"
 #include "document/edits/ZonePresence.h"
 #include "territories/TerritoryType.h"
 #include "territories/Zone.h"
@@ -15,17 +16,6 @@ namespace {
 QString Text(const char* text)
 {
     return Document::tr(text);
-}
-
-/// "zone", or "3 zones".
-QString ZonesText(int count)
-{
-    return count == 1 ? Text("zone") : Text("%1 zones").arg(count);
-}
-
-QRectF AreaOf(const Zone& zone)
-{
-    return zone.boundingRect().translated(zone.pos());
 }
 
 class MoveZonesEdit : public Edit
@@ -46,11 +36,7 @@ public:
     bool SetsModified() const override { return !m_areNudges; }
     EditPlace Place() const override
     {
-        QRectF area;
-        for (const Edits::ZoneMove& move : m_moves) {
-            area |= AreaOf(*move.zone);
-        }
-        return {m_moves.front().zone->Holder(), area};
+        return {m_moves.front().zone->Holder(), AreaOfZones(m_moves)};
     }
     int id() const override { return m_areNudges ? MoveZonesKind : NoKind; }
     bool mergeWith(const QUndoCommand* command) override
@@ -78,10 +64,17 @@ protected:
 private:
     void Move(Document& document, QPointF Edits::ZoneMove::*place)
     {
+        QVector<Territory*> holders;
         for (const Edits::ZoneMove& move : m_moves) {
             move.zone->setPos(move.*place);
+            Territory* holder = move.zone->Holder();
+            if (!holders.contains(holder)) {
+                holders.append(holder);
+            }
         }
-        emit document.ZonesChanged(m_moves.front().zone->Holder());
+        for (Territory* holder : qAsConst(holders)) {
+            emit document.ZonesChanged(holder);
+        }
     }
 
     std::vector<Edits::ZoneMove> m_moves;
@@ -192,12 +185,7 @@ std::unique_ptr<Edit> Edits::SetRowChecked(QStandardItem& row, bool isChecked)
 std::unique_ptr<Edit> Edits::InsertZone(Territory& territory, QPointF place,
                                         const ZoneValues& values)
 {
-    auto zone = std::make_unique<Zone>(&territory);
-    zone->SetValues(values);
-    zone->setPos(place);
-    auto edit = std::make_unique<ZonePresence>(Text("Add zone to %1").arg(territory.text()));
-    edit->Add(std::move(zone), territory);
-    return edit;
+    return AddZones(Text("Add zone to %1").arg(territory.text()), {{&territory, values, place}});
 }
 
 std::unique_ptr<Edit> Edits::PasteZones(Territory& territory, const QVector<Zone*>& zones,

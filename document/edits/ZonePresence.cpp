@@ -2,6 +2,7 @@
 
 #include "document/Document.h"
 #include "territories/Zone.h"
+#include "territories/ZoneSelection.h"
 
 #include <QGraphicsScene>
 #include <QSet>
@@ -12,21 +13,17 @@ namespace {
 
 void PutIn(Document& document, std::unique_ptr<Zone> zone, Territory& territory)
 {
-    const bool isCurrent = document.CurrentTerritory() == &territory;
-    zone->setFlag(QGraphicsItem::ItemIsMovable, isCurrent);
-    zone->setFlag(QGraphicsItem::ItemIsSelectable, isCurrent);
-    // The current territory is shown, whatever its check mark says.
-    zone->setVisible(isCurrent || territory.IsVisible());
     Zone* present = zone.release();
     territory.AddZone(present);
+    FitToHolder(document, *present);
     if (QGraphicsScene* scene = document.ZoneScene()) {
         scene->addItem(present);
     }
 }
 
-std::unique_ptr<Zone> TakeOut(Zone& zone, Territory& territory)
+std::unique_ptr<Zone> TakeOut(Zone& zone, Territory& territory, SelectionChange& selection)
 {
-    zone.setSelected(false);
+    selection.Set(zone, false);
     if (QGraphicsScene* scene = zone.scene()) {
         scene->removeItem(&zone);
     }
@@ -35,6 +32,30 @@ std::unique_ptr<Zone> TakeOut(Zone& zone, Territory& territory)
 }
 
 } // namespace
+
+void FitToHolder(Document& document, Zone& zone)
+{
+    const Territory& territory = *zone.Holder();
+    const bool isCurrent = document.CurrentTerritory() == &territory;
+    zone.setFlag(QGraphicsItem::ItemIsMovable, isCurrent);
+    zone.setFlag(QGraphicsItem::ItemIsSelectable, isCurrent);
+    // The current territory is shown, whatever its check mark says.
+    zone.setVisible(isCurrent || territory.IsVisible());
+}
+
+QRectF AreaOf(const Zone& zone)
+{
+    return zone.boundingRect().translated(zone.pos());
+}
+
+QRectF AreaOf(const QVector<Zone*>& zones)
+{
+    QRectF area;
+    for (const Zone* zone : zones) {
+        area |= AreaOf(*zone);
+    }
+    return area;
+}
 
 ZonePresence::~ZonePresence() = default;
 
@@ -54,23 +75,22 @@ void ZonePresence::Remove(Zone& zone)
 
 EditPlace ZonePresence::Place() const
 {
-    QRectF area;
-    for (const Entry& entry : m_entries) {
-        area |= entry.zone->boundingRect().translated(entry.zone->pos());
-    }
-    return {m_entries.front().territory, area};
+    return {m_entries.front().territory, AreaOfZones(m_entries)};
 }
 
 void ZonePresence::SetPresent(Document& document, bool isPresent)
 {
     QSet<Territory*> territories;
-    for (Entry& entry : m_entries) {
-        if (isPresent) {
-            PutIn(document, std::move(entry.kept), *entry.territory);
-        } else {
-            entry.kept = TakeOut(*entry.zone, *entry.territory);
+    {
+        SelectionChange selection;
+        for (Entry& entry : m_entries) {
+            if (isPresent) {
+                PutIn(document, std::move(entry.kept), *entry.territory);
+            } else {
+                entry.kept = TakeOut(*entry.zone, *entry.territory, selection);
+            }
+            territories.insert(entry.territory);
         }
-        territories.insert(entry.territory);
     }
     for (Territory* territory : qAsConst(territories)) {
         emit document.ZonesChanged(territory);

@@ -2,10 +2,30 @@
 
 #include "document/Edit.h"
 
+#include <QRectF>
+#include <QVector>
+
 #include <memory>
 #include <vector>
 
 class Zone;
+
+/// Makes the zone editable and visible as the zones of its holder are.
+void FitToHolder(Document& document, Zone& zone);
+
+/// Where it is on the map, in scene units.
+QRectF AreaOf(const Zone& zone);
+QRectF AreaOf(const QVector<Zone*>& zones);
+/// The same for the zones of entries.
+template <typename Entries>
+QRectF AreaOfZones(const Entries& entries)
+{
+    QRectF area;
+    for (const auto& entry : entries) {
+        area |= AreaOf(*entry.zone);
+    }
+    return area;
+}
 
 /// Adds or removes zones. Those that are not on the map are kept here.
 class ZonePresence : public Edit
