@@ -1,6 +1,6 @@
 #include "tool/Commands.h"
-#include "tool/Findings.h"
 #include "tool/ProjectData.h"
+#include "tool/ProjectRules.h"
 
 #include <QCommandLineParser>
 #include <QJsonArray>
@@ -8,6 +8,7 @@
 #include <QJsonObject>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -47,18 +48,33 @@ void PrintText(const QString& path, const Findings& findings, qint64 errors)
         Counted(findings.size() - errors, QStringLiteral("warning"))));
 }
 
+/// From 0.5 to 1; none when the option is no whole number of percent in that range.
+std::optional<double> ReadOverlap(const QCommandLineParser& options)
+{
+    constexpr int least = 50;
+    constexpr int whole = 100;
+    if (!options.isSet(QStringLiteral("overlap"))) {
+        return ZonePairs::DefaultShare;
+    }
+    bool isNumber = false;
+    const int percent = options.value(QStringLiteral("overlap")).toInt(&isNumber);
+    return isNumber && percent >= least && percent <= whole
+               ? std::optional<double>(double(percent) / whole)
+               : std::nullopt;
+}
+
 ToolExit Check(const QStringList& files, const QCommandLineParser& options)
 {
+    const std::optional<double> overlap = ReadOverlap(options);
+    if (!overlap) {
+        return UsageError(QStringLiteral("check"), QStringLiteral("an overlap is 50 to 100."));
+    }
     const QString& path = files.first();
     ProjectData project;
     if (!ReadProject(path, project)) {
         return ToolExit::Unreadable;
     }
-    Findings findings;
-    CheckNames(project, findings);
-    CheckSettings(project, findings);
-    CheckLayers(project, findings);
-    CheckTerritories(project, findings);
+    const Findings findings = ApplyRules(project, *overlap);
     const auto errors = std::count_if(findings.begin(), findings.end(), [](const Finding& finding) {
         return finding.severity == Severity::Error;
     });
@@ -82,7 +98,10 @@ Command CheckCommand()
         1,
         QStringLiteral("Look for what makes a project's output wrong or surprising.\n"
                        "Ends with 1 if there are errors."),
-        {{QStringLiteral("strict"), QStringLiteral("End with 1 even if there are only warnings.")},
+        {{QStringLiteral("overlap"),
+          QStringLiteral("Report zones of one type and usage that share more; 80 if not given."),
+          QStringLiteral("PERCENT")},
+         {QStringLiteral("strict"), QStringLiteral("End with 1 even if there are only warnings.")},
          {QStringLiteral("json"), QStringLiteral("Print the findings as JSON.")}},
         Check};
 }

@@ -75,7 +75,8 @@ QString ToolHelp()
                "  -v, --version  Show the version.\n\n"
                "Exit codes:\n"
                "  0  Done.\n"
-               "  1  There are findings or differences, or layers are out of date.\n"
+               "  1  There are findings or differences, layers are out of date, or rows are "
+               "refused.\n"
                "  2  The arguments are wrong.\n"
                "  3  A file cannot be read.\n"
                "  4  A file cannot be written.\n");
@@ -187,9 +188,9 @@ std::optional<ToolExit> ReadTypesOption(const QString& command, const QCommandLi
 
 const QVector<Command>& Commands()
 {
-    static const QVector<Command> commands = {CheckCommand(),  InfoCommand(),   AtCommand(),
-                                              DeriveCommand(), ExportCommand(), CompareCommand(),
-                                              RenderCommand()};
+    static const QVector<Command> commands = {CheckCommand(),   InfoCommand(),   AtCommand(),
+                                              ZonesCommand(),   DeriveCommand(), ExportCommand(),
+                                              CompareCommand(), RenderCommand()};
     return commands;
 }
 

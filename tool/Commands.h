@@ -37,6 +37,8 @@ Command CheckCommand();
 Command InfoCommand();
 /// Shows what is at places of a project or a map.
 Command AtCommand();
+/// Shows the zones of a project as a table, or takes them from one.
+Command ZonesCommand();
 /// Computes layers anew by their formulas.
 Command DeriveCommand();
 /// Writes the files that the game reads.

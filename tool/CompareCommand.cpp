@@ -10,12 +10,16 @@
 
 #include <QCommandLineParser>
 
+#include <utility>
+
 namespace {
 
 struct Options
 {
     QString picture;
     bool asJson = false;
+    /// Also print all flags together, and the first pixel of each difference.
+    bool withFirst = false;
 };
 
 QString FlagPlace(const char* kind, int bit, const QVector<QString>& names)
@@ -24,14 +28,33 @@ QString FlagPlace(const char* kind, int bit, const QVector<QString>& names)
     return bit < names.size() ? place + QLatin1Char(' ') + Console::Quoted(names.at(bit)) : place;
 }
 
+void AddPixelDifference(const QString& place, const PixelDifference& pixels, bool withFirst,
+                        QVector<Report>& differences)
+{
+    if (!pixels.IsEmpty()) {
+        differences.append(withFirst ? pixels.ToReportWithFirst(place) : pixels.ToReport(place));
+    }
+}
+
 void AddFlagDifferences(const char* kind, const QVector<PixelDifference>& flags,
-                        const QVector<QString>& names, QVector<Report>& differences)
+                        const QVector<QString>& names, bool withFirst, QVector<Report>& differences)
 {
     for (int bit = 0; bit < flags.size(); ++bit) {
-        if (!flags.at(bit).IsEmpty()) {
-            differences.append(flags.at(bit).ToReport(FlagPlace(kind, bit, names)));
-        }
+        AddPixelDifference(FlagPlace(kind, bit, names), flags.at(bit), withFirst, differences);
     }
+}
+
+/// Appends how the headers of two maps differ.
+void AddHeaderDifferences(const FieldBands& a, const FieldBands& b, QVector<Report>& differences)
+{
+    AddDifference(QStringLiteral("layer size"), SizeText(a.Size()), SizeText(b.Size()),
+                  differences);
+    AddDifference(QStringLiteral("world size"), SizeText(a.WorldSize()), SizeText(b.WorldSize()),
+                  differences);
+    AddDifference(QStringLiteral("usage bits"), QString::number(a.UsageBits()),
+                  QString::number(b.UsageBits()), differences);
+    AddDifference(QStringLiteral("value bits"), QString::number(a.ValueBits()),
+                  QString::number(b.ValueBits()), differences);
 }
 
 void PrintResult(const QStringList& files, const QVector<Report>& differences, bool asJson)
@@ -54,8 +77,13 @@ ToolExit Finish(const QStringList& files, FieldBands& a, FieldBands& b, const Ar
         if (!comparison.Run()) {
             return ToolExit::Unreadable;
         }
-        AddFlagDifferences("usage", comparison.Usages(), names.usages, differences);
-        AddFlagDifferences("value", comparison.Values(), names.values, differences);
+        if (options.withFirst) {
+            AddPixelDifference(QStringLiteral("all flags"), comparison.All(), true, differences);
+        }
+        AddFlagDifferences("usage", comparison.Usages(), names.usages, options.withFirst,
+                           differences);
+        AddFlagDifferences("value", comparison.Values(), names.values, options.withFirst,
+                           differences);
     }
     PrintResult(files, differences, options.asJson);
     if (!options.picture.isEmpty()) {
@@ -83,14 +111,7 @@ ToolExit CompareMaps(const QStringList& files, const AreaFlagTypes& types, const
         return ToolExit::Unreadable;
     }
     QVector<Report> differences;
-    AddDifference(QStringLiteral("layer size"), SizeText(a.Size()), SizeText(b.Size()),
-                  differences);
-    AddDifference(QStringLiteral("world size"), SizeText(a.WorldSize()), SizeText(b.WorldSize()),
-                  differences);
-    AddDifference(QStringLiteral("usage bits"), QString::number(a.UsageBits()),
-                  QString::number(b.UsageBits()), differences);
-    AddDifference(QStringLiteral("value bits"), QString::number(a.ValueBits()),
-                  QString::number(b.ValueBits()), differences);
+    AddHeaderDifferences(a, b, differences);
     return Finish(files, a, b, types, differences, options);
 }
 
@@ -114,10 +135,35 @@ ToolExit CompareProjects(const QStringList& files, const Options& options)
                : ToolExit::Unreadable;
 }
 
+/// Compares a map with the one that the project would export. Both are read band by band.
+ToolExit CompareWithMap(const QStringList& files, bool isMapFirst, const Options& options)
+{
+    const QString& mapFile = files.at(isMapFirst ? 0 : 1);
+    ProjectData project;
+    ProjectFields fields;
+    MapFields map;
+    const bool isGood = ReadProject(files.at(isMapFirst ? 1 : 0), project) &&
+                        fields.Open(project, ProjectFields::CutOffBitmaps::Fill);
+    if (!map.Open(mapFile) || !isGood) {
+        return ToolExit::Unreadable;
+    }
+    if (!options.picture.isEmpty() &&
+        IsInput(options.picture, project.Files() + QStringList{mapFile})) {
+        return ToolExit::BadArguments;
+    }
+    FieldBands* a = &fields;
+    FieldBands* b = &map;
+    if (isMapFirst) {
+        std::swap(a, b);
+    }
+    QVector<Report> differences;
+    AddHeaderDifferences(*a, *b, differences);
+    return Finish(files, *a, *b, project.flagTypes, differences, options);
+}
+
 ToolExit Compare(const QStringList& files, const QCommandLineParser& parser)
 {
-    const Options options{parser.value(QStringLiteral("output")),
-                          parser.isSet(QStringLiteral("json"))};
+    Options options{parser.value(QStringLiteral("output")), parser.isSet(QStringLiteral("json"))};
     if (parser.isSet(QStringLiteral("output")) && options.picture.isEmpty()) {
         return UsageError(QStringLiteral("compare"), QStringLiteral("the picture has no name."));
     }
@@ -138,8 +184,13 @@ ToolExit Compare(const QStringList& files, const QCommandLineParser& parser)
     if (a == FileKind::Project && b == FileKind::Project) {
         return CompareProjects(files, options);
     }
+    const bool hasMap = a == FileKind::Map || b == FileKind::Map;
+    if (hasMap && (a == FileKind::Project || b == FileKind::Project)) {
+        options.withFirst = true;
+        return CompareWithMap(files, a == FileKind::Map, options);
+    }
     return UsageError(QStringLiteral("compare"),
-                      QStringLiteral("two maps or two projects are needed."));
+                      QStringLiteral("two maps, two projects, or a project and a map are needed."));
 }
 
 } // namespace
@@ -149,7 +200,8 @@ Command CompareCommand()
     return {QStringLiteral("compare"),
             QStringLiteral("A B"),
             2,
-            QStringLiteral("Show where two maps or two projects differ.\n"
+            QStringLiteral("Show where two maps or two projects differ, or a map from what a "
+                           "project exports.\n"
                            "Ends with 1 if they do. Rectangles are pixels of the layers, from "
                            "their top left\ncorner."),
             {{{QStringLiteral("o"), QStringLiteral("output")},

@@ -1,6 +1,7 @@
 #include "tool/Console.h"
 
 #include "app/ControlCharacters.h"
+#include "app/Finding.h"
 #include "tool/Interruption.h"
 
 #include <QtGlobal>
@@ -43,6 +44,10 @@ QString OneLine(const QString& text)
 
 void Write(const QByteArray& text)
 {
+    // What an interrupted command knows is not the whole.
+    if (Interruption::HasCome()) {
+        return;
+    }
     RemoveBar();
     const auto count = static_cast<std::size_t>(text.size());
     TheState().isWhole =
@@ -144,7 +149,7 @@ CurrentFile::~CurrentFile()
 
 QString Quoted(const QString& name)
 {
-    return QLatin1Char('\'') + name + QLatin1Char('\'');
+    return QuotedName(name);
 }
 
 } // namespace Console

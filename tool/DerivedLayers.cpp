@@ -23,11 +23,6 @@ const LayerData* FindLayer(const ProjectData& project, const QString& name)
     return found == project.layers.end() ? nullptr : &*found;
 }
 
-bool HasPixelsOf(const QImage& a, const QImage& b)
-{
-    return raster::MaskFingerprint().Of(a) == raster::MaskFingerprint().Of(b);
-}
-
 } // namespace
 
 const FormulaRecord* DerivedLayers::RecordOf(const QString& name) const
@@ -199,7 +194,7 @@ bool DerivedLayers::Compute()
                                     .arg(Console::Quoted(layer->text())));
             return false;
         }
-        if (!HasPixelsOf(mask, layer->Image())) {
+        if (mask != layer->Image()) {
             layer->TakePaintedMask(mask);
             m_changed.append(layer);
         }

@@ -1,3 +1,4 @@
+#include "layers/AreaScale.h"
 #include "layers/raster/BitFieldRaster.h"
 #include "tool/Commands.h"
 #include "tool/FieldBands.h"
@@ -6,6 +7,7 @@
 #include "tool/InputFiles.h"
 #include "tool/Interruption.h"
 #include "tool/LayerBitmap.h"
+#include "tool/NumberReports.h"
 #include "tool/Progress.h"
 #include "tool/ProjectData.h"
 #include "tool/Report.h"
@@ -14,40 +16,17 @@
 #include <QJsonArray>
 #include <QXmlStreamReader>
 
-#include <cmath>
 #include <functional>
 #include <optional>
 
 namespace {
 
-/// Reports a number of pixels with its area and share of the world.
-class AreaScale
+void AddArea(Report& report, const AreaScale& scale, qint64 pixels)
 {
-public:
-    AreaScale(QSize layerSize, QSize worldSize)
-        : m_pixelCount(double(layerSize.width()) * layerSize.height())
-        , m_squareKm(double(worldSize.width()) * worldSize.height() / 1e6)
-    {
-    }
-
-    void AddTo(Report& report, qint64 pixels) const
-    {
-        const double share = m_pixelCount > 0 ? double(pixels) / m_pixelCount : 0;
-        report.Add(QStringLiteral("pixels"), pixels);
-        report.Add(QStringLiteral("km2"), Rounded(share * m_squareKm, 3));
-        report.Add(QStringLiteral("percent"), Rounded(share * 100, 2));
-    }
-
-    static double Rounded(double value, int digits)
-    {
-        const double scale = std::pow(10.0, digits);
-        return std::round(value * scale) / scale;
-    }
-
-private:
-    double m_pixelCount;
-    double m_squareKm;
-};
+    report.Add(QStringLiteral("pixels"), pixels);
+    report.Add(QStringLiteral("km2"), AreaScale::Rounded(scale.SquareKm(pixels), 3));
+    report.Add(QStringLiteral("percent"), AreaScale::Rounded(scale.Percent(pixels), 2));
+}
 
 void AddSizes(Report& report, QSize layerSize, QSize worldSize)
 {
@@ -96,7 +75,7 @@ QVector<Report> FlagReports(const FieldCounts* counts, int bits, const QVector<Q
             report.Add(QStringLiteral("bit"), bit);
         }
         if (counts) {
-            scale.AddTo(report, pixels);
+            AddArea(report, scale, pixels);
         }
         reports.append(report);
     }
@@ -144,7 +123,7 @@ QVector<Report> LayerReports(const ProjectData& project, const ProjectFields* fi
         const LayerBitmap& bitmap = fields ? fields->Bitmap(i) : opened.emplace(project, layer);
         raster::PixelCounts counts;
         if (bitmap.GetProblem() == LayerBitmap::Problem::None && bitmap.CountPixels(counts)) {
-            scale.AddTo(report, counts.Covered());
+            AddArea(report, scale, counts.Covered());
         }
         reports.append(report);
         progress.Step();
@@ -190,6 +169,10 @@ ToolExit DescribeProject(const QString& path, bool asJson)
                FlagReports(valueCounts, fields.ValueBits(), project.flagTypes.values, scale));
     report.Add(QStringLiteral("territory-types"), types);
     report.Add(QStringLiteral("all-territories"), TerritoriesReport(territories));
+    if (areCounted && !AddPixelNumbers(report, project, fields)) {
+        return ToolExit::Unreadable;
+    }
+    AddZoneNumbers(report, project);
     report.Print(asJson);
     return areCounted ? ToolExit::Done : ToolExit::Unreadable;
 }

@@ -1,11 +1,11 @@
 #include "tool/InputFiles.h"
 
+#include "app/InputFile.h"
 #include "app/Leftovers.h"
 #include "platform/Files.h"
 #include "tool/Console.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <QXmlStreamReader>
 
 #include <algorithm>
@@ -14,18 +14,7 @@
 QString OpenInput(QFile& file, QIODevice::OpenMode flags)
 {
     TidyFolderOf(file.fileName());
-    const QFileInfo info(file.fileName());
-    if (!info.exists()) {
-        return file.fileName().contains(QChar::ReplacementCharacter)
-                   ? QStringLiteral("does not exist, or its name is no UTF-8.")
-                   : QStringLiteral("does not exist.");
-    }
-    if (!info.isFile()) {
-        return QStringLiteral("is no file.");
-    }
-    return file.open(QIODevice::ReadOnly | flags)
-               ? QString()
-               : QStringLiteral("cannot be read: %1.").arg(file.errorString());
+    return OpenForReading(file, flags);
 }
 
 QString WalkDocument(QFile& file, const std::function<void(QXmlStreamReader&)>& takeElement)

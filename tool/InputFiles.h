@@ -9,8 +9,7 @@
 class QFile;
 class QXmlStreamReader;
 
-/// Opens a file for reading, unless it is a folder, a pipe or a device. Returns what is wrong;
-/// empty if the file was opened.
+/// As OpenForReading, after finishing what a killed save left there.
 QString OpenInput(QFile& file, QIODevice::OpenMode flags = QIODevice::NotOpen);
 
 /// Reads a document to its end and calls the function for each start element. The function may read

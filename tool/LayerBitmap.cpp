@@ -1,6 +1,7 @@
 #include "tool/LayerBitmap.h"
 
 #include "app/Names.h"
+#include "layers/BitmapState.h"
 #include "tool/Console.h"
 #include "tool/InputFiles.h"
 #include "tool/Interruption.h"
@@ -11,8 +12,6 @@
 #include <QFileInfo>
 
 #include <algorithm>
-
-using raster::TargaError;
 
 namespace {
 
@@ -95,19 +94,12 @@ void LayerBitmap::Open(QSize size)
     const raster::ByteReader reader = MakeReader(file);
     m_size = raster::TargaSize(reader);
     auto bands = std::make_unique<raster::TargaBands>(reader, byteCount, m_size);
-    if (bands->HasFailed()) {
-        Refuse(Problem::Unreadable, QStringLiteral("cannot be read."));
-    } else if (bands->Error() != TargaError::None) {
-        Refuse(Problem::Unreadable,
-               bands->Error() == TargaError::NoImage
-                   ? QStringLiteral("is a bitmap without pixels.")
-                   : QStringLiteral("is no greyscale TGA file without colour map."));
-    } else if (!size.isEmpty() && m_size != size) {
-        Refuse(
-            Problem::WrongSize,
-            QStringLiteral("has %1 pixels instead of %2.").arg(SizeText(m_size), SizeText(size)));
-    } else {
+    const BitmapState state = BitmapStateOf(*bands, m_size, size);
+    if (state.fault == BitmapFault::None) {
         m_bands = std::move(bands);
+    } else {
+        Refuse(state.fault == BitmapFault::WrongSize ? Problem::WrongSize : Problem::Unreadable,
+               state.error);
     }
 }
 

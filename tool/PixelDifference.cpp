@@ -55,6 +55,9 @@ void PixelDifference::Add(int x, int y, bool isInA, bool isInB)
     right = isFirst ? x : qMax(right, x);
     top = isFirst ? y : qMin(top, y);
     bottom = isFirst ? y : qMax(bottom, y);
+    if (isFirst || y < first.y() || (y == first.y() && x < first.x())) {
+        first = {x, y};
+    }
 }
 
 Report PixelDifference::ToReport(const QString& place) const
@@ -70,6 +73,14 @@ Report PixelDifference::ToReport(const QString& place) const
     report.Add(QStringLiteral("top"), top);
     report.Add(QStringLiteral("right"), right);
     report.Add(QStringLiteral("bottom"), bottom);
+    return report;
+}
+
+Report PixelDifference::ToReportWithFirst(const QString& place) const
+{
+    Report report = ToReport(place);
+    report.Add(QStringLiteral("first-x"), first.x());
+    report.Add(QStringLiteral("first-y"), first.y());
     return report;
 }
 
@@ -147,9 +158,17 @@ void FieldComparison::CompareRow(const FieldBand& a, const FieldBand& b, int row
         const quint32 valueB = b.values.Get(x, row);
         AddFields(m_usages, x, y, usageA, usageB);
         AddFields(m_values, x, y, valueA, valueB);
-        if (!m_picture.isNull()) {
-            PaintPixel(x, y, quint64(valueA) << 32 | usageA, quint64(valueB) << 32 | usageB);
-        }
+        AddPixel(x, y, quint64(valueA) << 32 | usageA, quint64(valueB) << 32 | usageB);
+    }
+}
+
+void FieldComparison::AddPixel(int x, int y, quint64 a, quint64 b)
+{
+    if (a != b) {
+        m_all.Add(x, y, (a & ~b) != 0, (b & ~a) != 0);
+    }
+    if (!m_picture.isNull()) {
+        PaintPixel(x, y, a, b);
     }
 }
 

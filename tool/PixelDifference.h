@@ -5,6 +5,7 @@
 #include "tool/Report.h"
 
 #include <QImage>
+#include <QPoint>
 #include <QVector>
 
 /// Where two areas of the same size differ.
@@ -19,11 +20,15 @@ struct PixelDifference
     int top = 0;
     int right = -1;
     int bottom = -1;
+    /// The first pixel that differs, row by row from the top, each from the left.
+    QPoint first = {-1, -1};
 
     bool IsEmpty() const { return onlyA + onlyB + changed == 0; }
     /// Adds a pixel that differs.
     void Add(int x, int y, bool isInA, bool isInB);
     Report ToReport(const QString& place) const;
+    /// The same with the first pixel.
+    Report ToReportWithFirst(const QString& place) const;
 };
 
 /// Both bitmaps must be without a problem and of the same size. Returns false after printing an
@@ -42,17 +47,21 @@ public:
     /// By bit.
     const QVector<PixelDifference>& Usages() const { return m_usages; }
     const QVector<PixelDifference>& Values() const { return m_values; }
+    /// Over all flags.
+    const PixelDifference& All() const { return m_all; }
     /// Red: a flag only in A; blue: a flag only in B; magenta: both of these; grey: the same flags;
     /// black: no flags. Null if there was no memory for it.
     const QImage& Picture() const { return m_picture; }
 
 private:
     void CompareRow(const FieldBand& a, const FieldBand& b, int row, int y);
+    void AddPixel(int x, int y, quint64 a, quint64 b);
     void PaintPixel(int x, int y, quint64 a, quint64 b);
 
     FieldBands& m_a;
     FieldBands& m_b;
     QVector<PixelDifference> m_usages;
     QVector<PixelDifference> m_values;
+    PixelDifference m_all;
     QImage m_picture;
 };

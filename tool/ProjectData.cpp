@@ -3,6 +3,7 @@
 #include "app/ProjectReader.h"
 #include "app/ProjectSettings.h"
 #include "app/Xml.h"
+#include "layers/Layer.h"
 #include "layers/raster/Mask.h"
 #include "territories/TerritoryTypeList.h"
 #include "tool/Console.h"
@@ -52,30 +53,13 @@ QStringList ProjectData::Files() const
     return files;
 }
 
-QString ProjectData::LayerSizeError() const
-{
-    return raster::IsMaskSize(layerSize)
-               ? QString()
-               : QStringLiteral("layers cannot have %1 pixels.").arg(SizeText(layerSize));
-}
-
-QString SizeText(QSize size)
-{
-    return QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
-}
-
 namespace {
 
 LayerData ReadLayer(const QXmlStreamReader& xml)
 {
-    constexpr quint32 white = 0xFFFFFFFF;
-    LayerData layer;
-    layer.name = TextAttribute(xml, QLatin1String("name"));
-    layer.usageFlags = BitsAttribute(xml, QLatin1String("usage_flags"));
-    layer.valueFlags = BitsAttribute(xml, QLatin1String("value_flags"));
-    layer.color = QColor::fromRgba(UIntAttribute(xml, QLatin1String("color"), white));
-    layer.isVisible = IntAttribute(xml, QLatin1String("visible"), 0) > 0;
-    return layer;
+    const LayerRecord record = LayerRecord::Read(xml);
+    return {record.name, record.usageFlags, record.valueFlags, QColor::fromRgba(record.color),
+            record.isVisible};
 }
 
 ZoneData ReadZone(const QXmlStreamReader& xml)
@@ -193,6 +177,22 @@ bool ReadProject(const QString& path, ProjectData& project)
                  }});
     TakeSettings(project);
     return true;
+}
+
+std::optional<ProjectValues> ReadProjectValues(const QString& path)
+{
+    QFile file(path);
+    QString error = OpenInput(file);
+    if (error.isEmpty()) {
+        error = DocumentError(file);
+    }
+    if (!error.isEmpty()) {
+        Console::PrintError(path, error);
+        return {};
+    }
+    const Console::CurrentFile current(path);
+    ProjectSettings::Instance().SetFlagTypes({});
+    return ReadProjectText(file);
 }
 
 bool ReadTypeList(const QString& path, TerritoryTypeList& types)

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "app/ProjectDocument.h"
 #include "layers/AreaFlagTypes.h"
+#include "layers/rules/SettingsRules.h"
 #include "territories/ZoneValues.h"
 
 #include <QColor>
@@ -9,6 +11,8 @@
 #include <QString>
 #include <QStringList>
 #include <QVector>
+
+#include <optional>
 
 class QXmlStreamReader;
 class TerritoryTypeList;
@@ -82,15 +86,16 @@ struct ProjectData
     /// All files of the project: the document, the bitmaps and the background.
     QStringList Files() const;
     /// What is wrong with the size of the layers; empty if nothing is.
-    QString LayerSizeError() const;
+    QString LayerSizeError() const { return ::LayerSizeError(layerSize); }
 };
-
-/// Such as "800x600".
-QString SizeText(QSize size);
 
 /// Reads the document, and also sets the process-wide ProjectSettings from it. Returns false after
 /// printing an error if it cannot be read, is malformed or is not a project.
 bool ReadProject(const QString& path, ProjectData& project);
+
+/// Reads everything that the document holds, as the editor does, so that it can be written again.
+/// Also sets the process-wide ProjectSettings. None after a printed error, as ReadProject.
+std::optional<ProjectValues> ReadProjectValues(const QString& path);
 
 /// Reads the territory types as the editor does. Needs the ProjectSettings that ReadProject sets.
 /// Returns false after printing an error.

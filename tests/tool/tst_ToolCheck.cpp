@@ -1,5 +1,5 @@
 #include "tests/support/Files.h"
-#include "tests/tool/SampleProject.h"
+#include "tests/tool/BrokenProject.h"
 
 #include <QDir>
 #include <QJsonArray>
@@ -7,20 +7,21 @@
 #include <QJsonObject>
 #include <QTest>
 
-#include <functional>
-
 namespace {
-
-using Break = std::function<void(SampleProject&)>;
-
-Break Replacing(const QByteArray& before, const QByteArray& after)
-{
-    return [=](SampleProject& project) { project.Replace(before, after); };
-}
 
 QStringList Lines(const QString& text)
 {
     return text.split('\n', Qt::SkipEmptyParts);
+}
+
+/// Says that Village is all that the operand is not, and computes it so.
+void DeriveVillage(SampleProject& project, const QByteArray& operand)
+{
+    WriteBytes(project.Path("sample.derived.xml"),
+               "<qm-derived><formula layer=\"Village\" operation=\"complement\" "
+               "fingerprint=\"0000000000000001\"><operand name=\"" +
+                   operand + "\" fingerprint=\"0000000000000001\"/></formula></qm-derived>");
+    project.Run({"derive", "sample.xml"});
 }
 
 QStringList Rows(int count, const QString& row)
@@ -38,8 +39,6 @@ QByteArray Flags(const QByteArray& kind, int count)
 }
 
 } // namespace
-
-Q_DECLARE_METATYPE(Break)
 
 class tst_ToolCheck : public QObject
 {
@@ -63,7 +62,7 @@ private slots:
 
 void tst_ToolCheck::GoodProjectHasNoFinding()
 {
-    const SampleProject project;
+    const CleanProject project;
     const ProgramRun run = project.Run({"check", "--strict", "sample.xml"});
     QCOMPARE(run.output, QString("0 errors, 0 warnings.\n"));
     QCOMPARE(run.log, QStringList());
@@ -72,7 +71,7 @@ void tst_ToolCheck::GoodProjectHasNoFinding()
 
 void tst_ToolCheck::ExampleHasNoFinding()
 {
-    const SampleProject project;
+    const CleanProject project;
     const ProgramRun run =
         project.Run({"check", "--strict", QUILLMAP_EXAMPLE_FOLDER "/highlands.xml"});
     QCOMPARE(run.output, QString("0 errors, 0 warnings.\n"));
@@ -84,8 +83,8 @@ void tst_ToolCheck::EachRuleIsFound_data()
     QTest::addColumn<Break>("doBreak");
     QTest::addColumn<QStringList>("findings");
 
-    const auto row = [](const char* name, const Break& doBreak, const QStringList& findings) {
-        QTest::newRow(name) << doBreak << findings;
+    const auto row = [](const QByteArray& name, const Break& doBreak, const QStringList& findings) {
+        QTest::newRow(name.constData()) << doBreak << findings;
     };
     const QString duplicate = " Rename one of them. [duplicate-name]";
     const QString alike = " Rename one of them. [duplicate-name-by-case]";
@@ -133,7 +132,15 @@ void tst_ToolCheck::EachRuleIsFound_data()
     row("device name", Replacing("\"Wolf\"", "\"aux.1\""),
         {"warning: territory type 'aux.1': some file systems keep the name for a device." +
          refused});
-    row("space before the ending", Replacing("\"Wolf\"", "\"Wolf \""), {});
+    const QString dropped = "': some systems drop a dot or a space at the end of a name." + refused;
+    row("space at the end", Replacing("\"Wolf\"", "\"Wolf \""),
+        {"warning: territory type 'Wolf " + dropped});
+    row("dot at the end",
+        [](SampleProject& project) {
+            project.Replace("name=\"Village\"", "name=\"Village.\"");
+            QFile::rename(project.Path("layers/Village.tga"), project.Path("layers/Village..tga"));
+        },
+        {"warning: layer 'Village." + dropped});
     const QString outOfOrder =
         " The editor leaves the layer out; put a bitmap of the layer size in its place. ";
     row("missing bitmap",
@@ -198,35 +205,6 @@ void tst_ToolCheck::EachRuleIsFound_data()
     row("mask values", [](SampleProject& project) { project.Paint("Shore", Rows(8, "+#......")); },
         {"warning: layer 'Shore': 8 pixels are neither 0 nor 255: the map has them, and the editor "
          "does not show them. Make them 0 or 255. [mask-value]"});
-    const QString zone = "zone 1 of territory 'North' of type 'Deer': ";
-    const QString more = " Lower the minimum or raise the maximum. [zone-min-above-max]";
-    row("static minimum", Replacing("smin=\"1\"", "smin=\"3\""),
-        {"error: " + zone + "the static minimum 3 is above the maximum 2." + more});
-    row("dynamic minimum", Replacing("dmin=\"3\"", "dmin=\"5\""),
-        {"error: " + zone + "the dynamic minimum 5 is above the maximum 4." + more});
-    const QString radius =
-        " m is outside 50 to 32768 m. Change the radius in the zone properties. [zone-radius]";
-    row("small radius", Replacing("r=\"100\"", "r=\"49.9\""),
-        {"warning: " + zone + "its radius of 49.9" + radius});
-    row("large radius", Replacing("r=\"100\"", "r=\"32769\""),
-        {"warning: " + zone + "its radius of 32769" + radius});
-    row("radius is no number", Replacing("r=\"100\"", "r=\"nan\""),
-        {"warning: " + zone + "its radius of nan" + radius});
-    row("event like a usage", Replacing("name=\"Graze\"", "name=\"hunting ground\""),
-        {"warning: " + zone +
-         "its dynamic event 'hunting ground' is named like the usage 'HuntingGround', and is "
-         "another one. Choose the usage, or rename the event. [event-like-usage]"});
-    row("event without name", Replacing("name=\"Graze\"", ""),
-        {"error: " + zone + "its dynamic event has no name. Name the event. [event-without-name]"});
-    row("outside", Replacing("x=\"400\"", "x=\"801\""),
-        {"error: " + zone +
-         "its centre (801, 200) lies outside the world. Move or remove it. [zone-outside-world]"});
-    row("below", Replacing("z=\"200\"", "z=\"-0.5\""),
-        {"error: " + zone +
-         "its centre (400, -0.5) lies outside the world. Move or remove it. [zone-outside-world]"});
-    row("hidden territory", Replacing("name=\"North\" visible=\"1\"", "name=\"North\""),
-        {"warning: territory 'North' of type 'Deer': it is hidden, and exported all the same. Show "
-         "it, or remove it. [invisible-territory]"});
     const QString background = " Load a background image in the editor. [missing-background]";
     row("no background", [](SampleProject& project) { QFile::remove(project.Path("back.png")); },
         {"warning: background 'back.png': it does not exist." + background});
@@ -245,6 +223,39 @@ void tst_ToolCheck::EachRuleIsFound_data()
             WriteBytes(project.Path("back.png"), bytes.left(bytes.size() - 1));
         },
         {"warning: background 'back.png': it is a picture that is cut off." + background});
+    const QString recompute = " Recompute it in the editor, or run 'quillmap-tool derive'. "
+                              "[derived-out-of-date]";
+    const QStringList other = {"#.......", "########", "........", "........",
+                               "........", "........", "........", "........"};
+    row("layer that is computed", [](SampleProject& project) { DeriveVillage(project, "Shore"); },
+        {});
+    row("computed layer out of date",
+        [=](SampleProject& project) {
+            DeriveVillage(project, "Shore");
+            project.Paint("Shore", other);
+        },
+        {"warning: layer 'Village': what it is computed from has changed since." + recompute});
+    row("computed layer edited by hand",
+        [=](SampleProject& project) {
+            DeriveVillage(project, "Shore");
+            project.Paint("Village", other);
+        },
+        {});
+    const QString restore = " Bring that layer back, or compute this one from others. "
+                            "[derived-broken]";
+    row("computed layer broken", [](SampleProject& project) { DeriveVillage(project, "Lake"); },
+        {"warning: layer 'Village': a layer that it is computed from is missing." + restore});
+    row("computed layer without the bitmap of its operand",
+        [=](SampleProject& project) {
+            DeriveVillage(project, "Shore");
+            QFile::remove(project.Path("layers/Shore.tga"));
+        },
+        {"error: layer 'Shore': its bitmap does not exist." + outOfOrder + "[bitmap-missing]",
+         "warning: layer 'Village': a layer that it is computed from is missing." + restore});
+    row("no formulas",
+        [](SampleProject& project) { WriteBytes(project.Path("sample.derived.xml"), "<x/>"); },
+        {"warning: formulas 'sample.derived.xml': they cannot be used: line 1: there is no element "
+         "\"qm-derived\". Remove the file, or restore it from a backup. [derived-unreadable]"});
     row("no world", Replacing("world size=\"800\"", "world size=\"0\""),
         {"error: project: the world cannot be 0x0 metres large. Choose a size of at least 1. "
          "[world-size]"});
@@ -260,25 +271,7 @@ void tst_ToolCheck::EachRuleIsFound()
 {
     QFETCH(Break, doBreak);
     QFETCH(QStringList, findings);
-    SampleProject project;
-    doBreak(project);
-
-    const ProgramRun run = project.Run({"check", "sample.xml"});
-
-    const int errors = findings.filter(QRegExp("^error: ")).size();
-    const int warnings = findings.size() - errors;
-    QStringList expected;
-    for (const QString& finding : qAsConst(findings)) {
-        expected.append("sample.xml: " + finding);
-    }
-    expected.append(QString("%1 error%2, %3 warning%4.")
-                        .arg(errors)
-                        .arg(errors == 1 ? "" : "s")
-                        .arg(warnings)
-                        .arg(warnings == 1 ? "" : "s"));
-    QCOMPARE(Lines(run.output), expected);
-    QCOMPARE(run.log, QStringList());
-    QCOMPARE(run.exitCode, errors > 0 ? 1 : 0);
+    CheckFindings(doBreak, findings);
 }
 
 void tst_ToolCheck::NameOfTheMapIsChecked_data()
@@ -298,7 +291,7 @@ void tst_ToolCheck::NameOfTheMapIsChecked()
 {
     QFETCH(QString, file);
     QFETCH(QString, finding);
-    const SampleProject project;
+    const CleanProject project;
     QVERIFY(QFile::copy(project.Path("sample.xml"), project.Path(file)));
     const ProgramRun run = project.Run({"check", file});
     QCOMPARE(Lines(run.output).value(0), file + ": " + finding);
@@ -306,7 +299,7 @@ void tst_ToolCheck::NameOfTheMapIsChecked()
 
 void tst_ToolCheck::StrictCountsWarnings()
 {
-    const SampleProject project;
+    const CleanProject project;
     project.Paint("Old", {"#"});
     QCOMPARE(project.Run({"check", "sample.xml"}).exitCode, 0);
     QCOMPARE(project.Run({"check", "--strict", "sample.xml"}).exitCode, 1);
@@ -314,7 +307,7 @@ void tst_ToolCheck::StrictCountsWarnings()
 
 void tst_ToolCheck::QuietSaysNothing()
 {
-    SampleProject project;
+    CleanProject project;
     project.Replace("smin=\"1\"", "smin=\"3\"");
     for (const char* option : {"-q", "--quiet"}) {
         const ProgramRun run = project.Run({"check", option, "sample.xml"});
@@ -326,7 +319,7 @@ void tst_ToolCheck::QuietSaysNothing()
 
 void tst_ToolCheck::FindingsAsJson()
 {
-    const SampleProject project;
+    const CleanProject project;
     project.Paint("Old", {"#"});
     const ProgramRun run = project.Run({"check", "--json", "--quiet", "sample.xml"});
     const QJsonObject expected{
@@ -343,7 +336,7 @@ void tst_ToolCheck::FindingsAsJson()
 
 void tst_ToolCheck::LeavesTheProjectAlone()
 {
-    const SampleProject project;
+    const CleanProject project;
     QVERIFY(QDir(project.Path("layers")).removeRecursively());
     const QMap<QString, QByteArray> before = FilesBelow(project.Path("."));
     QCOMPARE(project.Run({"check", "sample.xml"}).exitCode, 1);
@@ -376,7 +369,7 @@ void tst_ToolCheck::UnreadableProjectsEndWithThree()
 
 void tst_ToolCheck::NamesCannotForgeLines()
 {
-    SampleProject project;
+    CleanProject project;
     project.Replace("name=\"Graze\"", "name=\"rest\"");
     project.Replace("name=\"North\"", "name=\"a&#10;b&#27;[2J\"");
     // XML does not allow an escape character, and a line break in a name must not break the line of

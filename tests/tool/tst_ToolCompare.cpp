@@ -45,6 +45,10 @@ private slots:
     void ProjectsDiffer();
     void OrderOfTerritoriesIsCompared();
     void DifferencesAsJson();
+    void MapIsWhatTheProjectExports();
+    void MapDiffersFromTheProject();
+    void MapOfAnotherSizeDiffersFromTheProject();
+    void ProjectWithoutBitmapIsNotCompared();
     void PictureShowsWhereFlagsDiffer();
     void UnwrittenPictureEndsWithFour();
     void OtherFilesCannotBeCompared_data();
@@ -255,6 +259,74 @@ void tst_ToolCompare::DifferencesAsJson()
     QCOMPARE(run.exitCode, 1);
 }
 
+void tst_ToolCompare::MapIsWhatTheProjectExports()
+{
+    const SampleProject project;
+    QCOMPARE(project.Run({"export", "sample.xml"}).exitCode, 0);
+    for (const QStringList& files :
+         {QStringList{"sample.xml", "sample.map"}, QStringList{"sample.map", "sample.xml"}}) {
+        const ProgramRun run = project.Run(QStringList{"compare"} + files);
+        QCOMPARE(run.output,
+                 QString("a: %1\nb: %2\nequal: yes\ndifferences: 0\n").arg(files[0], files[1]));
+        QCOMPARE(run.log, QStringList());
+        QCOMPARE(run.exitCode, 0);
+    }
+}
+
+void tst_ToolCompare::MapDiffersFromTheProject()
+{
+    const SampleProject project;
+    project.Run({"export", "sample.xml"});
+    project.Paint("Shore", {"........", "........", "........", "........", "#####...", "........",
+                            ".....#..", "........"});
+    const ProgramRun run = project.Run({"compare", "sample.xml", "sample.map", "-o", "d.png"});
+    const QString where = ": only-a 2, only-b 1, left 0, top 4, right 5, bottom 7, first-x 4, "
+                          "first-y 4\n";
+    QCOMPARE(run.output, "a: sample.xml\nb: sample.map\nequal: no\ndifferences: 3\n"
+                         "  all flags" +
+                             where + "  usage flag 0 'Coast'" + where + "  value flag 0 'Tier1'" +
+                             where);
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(QImage(project.Path("d.png")).pixel(5, 6), 0xFFFF0000);
+    const ProgramRun turned = project.Run({"compare", "--json", "sample.map", "sample.xml"});
+    const QJsonArray differences =
+        QJsonDocument::fromJson(turned.output.toUtf8()).object()["differences"].toArray();
+    const QJsonObject expected{
+        {"place", "all flags"}, {"only-a", 1}, {"only-b", 2},  {"left", 0},   {"top", 4},
+        {"right", 5},           {"bottom", 7}, {"first-x", 4}, {"first-y", 4}};
+    QCOMPARE(differences.first().toObject(), expected);
+    QCOMPARE(turned.exitCode, 1);
+}
+
+void tst_ToolCompare::MapOfAnotherSizeDiffersFromTheProject()
+{
+    SampleProject project;
+    WriteBytes(project.Path("a.map"), Map({QString(32, '#')}, 1, 6));
+    const ProgramRun run = project.Run({"compare", "sample.xml", "a.map"});
+    QCOMPARE(run.output, QString("a: sample.xml\nb: a.map\nequal: no\ndifferences: 4\n"
+                                 "  layer size: a 8x8, b 32x1\n"
+                                 "  world size: a 800x800, b 80x80\n"
+                                 "  usage bits: a 4, b 8\n"
+                                 "  value bits: a 4, b 1\n"));
+    QCOMPARE(run.exitCode, 1);
+    project.Run({"export", "sample.xml"});
+    project.Replace("world size=\"800\"", "world size=\"900\"");
+    const ProgramRun larger = project.Run({"compare", "sample.xml", "sample.map"});
+    QVERIFY2(larger.output.endsWith("differences: 1\n  world size: a 900x900, b 800x800\n"),
+             qPrintable(larger.output));
+}
+
+void tst_ToolCompare::ProjectWithoutBitmapIsNotCompared()
+{
+    const SampleProject project;
+    project.Run({"export", "sample.xml"});
+    QFile::remove(project.Path("layers/Shore.tga"));
+    const ProgramRun run = project.Run({"compare", "sample.xml", "sample.map"});
+    QCOMPARE(run.output, QString());
+    QCOMPARE(run.log.size(), 1);
+    QCOMPARE(run.exitCode, 3);
+}
+
 void tst_ToolCompare::PictureShowsWhereFlagsDiffer()
 {
     const SampleProject project;
@@ -298,13 +370,21 @@ void tst_ToolCompare::OtherFilesCannotBeCompared_data()
     QTest::newRow("no name") << QStringList{"a.map", "a.map", "-o", ""}
                              << QStringList{"quillmap-tool: the picture has no name.", tryHelp}
                              << 2;
-    QTest::newRow("map and project")
-        << QStringList{"sample.xml", "a.map"}
-        << QStringList{"quillmap-tool: two maps or two projects are needed.", tryHelp} << 2;
+    const QString needed =
+        "quillmap-tool: two maps, two projects, or a project and a map are needed.";
+    QTest::newRow("map and bitmap")
+        << QStringList{"a.map", "layers/Shore.tga"} << QStringList{needed, tryHelp} << 2;
     QTest::newRow("bitmaps") << QStringList{"layers/Shore.tga", "layers/Shore.tga"}
-                             << QStringList{"quillmap-tool: two maps or two projects are needed.",
-                                            tryHelp}
-                             << 2;
+                             << QStringList{needed, tryHelp} << 2;
+    QTest::newRow("project and a map that is cut off")
+        << QStringList{"sample.xml", "cut.map"}
+        << QStringList{"cut.map: is no area map: 31 bytes instead of 32."} << 3;
+    QTest::newRow("types of a project")
+        << QStringList{"sample.xml", "a.map", "--types", "sample.xml"}
+        << QStringList{"quillmap-tool: --types is for maps.", tryHelp} << 2;
+    QTest::newRow("picture in place of the map")
+        << QStringList{"sample.xml", "a.map", "-o", "a.map"}
+        << QStringList{"a.map: is read by this command."} << 2;
     QTest::newRow("both missing") << QStringList{"x", "y"}
                                   << QStringList{"x: does not exist.", "y: does not exist."} << 3;
     QTest::newRow("cut off") << QStringList{"a.map", "cut.map"}

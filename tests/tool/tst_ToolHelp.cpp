@@ -27,9 +27,10 @@ Commands:
   check    Look for what makes a project's output wrong or surprising.
   info     Show what a project, map, layer bitmap, territory type or area types file holds.
   at       Show what is at a place: flags, layers and zones.
+  zones    Show the zones of a project as a table, or change and add zones by one.
   derive   Compute layers anew from the formulas that the project keeps of them.
   export   Write the area map and the territory type files of a project.
-  compare  Show where two maps or two projects differ.
+  compare  Show where two maps or two projects differ, or a map from what a project exports.
   render   Make a PNG picture of a project, map or layer bitmap.
 
 Options:
@@ -38,7 +39,7 @@ Options:
 
 Exit codes:
   0  Done.
-  1  There are findings or differences, or layers are out of date.
+  1  There are findings or differences, layers are out of date, or rows are refused.
   2  The arguments are wrong.
   3  A file cannot be read.
   4  A file cannot be written.
@@ -50,10 +51,11 @@ Look for what makes a project's output wrong or surprising.
 Ends with 1 if there are errors.
 
 Options:
-  --strict     End with 1 even if there are only warnings.
-  --json       Print the findings as JSON.
-  -q, --quiet  Print only errors, and JSON if --json asks for it.
-  -h, --help   Show this help.
+  --overlap PERCENT  Report zones of one type and usage that share more; 80 if not given.
+  --strict           End with 1 even if there are only warnings.
+  --json             Print the findings as JSON.
+  -q, --quiet        Print only errors, and JSON if --json asks for it.
+  -h, --help         Show this help.
 )";
     QTest::newRow("derive") << QStringList{"derive", "--help"}
                             << R"(Usage: quillmap-tool derive [OPTION]... PROJECT [LAYER]...
@@ -94,6 +96,23 @@ Options:
   -q, --quiet   Print only errors, and JSON if --json asks for it.
   -h, --help    Show this help.
 )";
+    QTest::newRow("zones") << QStringList{"zones", "--help"}
+                           << R"(Usage: quillmap-tool zones [OPTION]... PROJECT
+
+Show the zones of a project as a table, or change and add zones by one.
+Terms of a filter are words, column:text, column>number (or <, >=, <=, =),
+outside and overlap. The rows of --set name their zones by type, territory and
+number; rows without a number add zones. If a row cannot be taken, its reason is
+printed, nothing is written, and the exit code is 1.
+
+Options:
+  --csv          Print the table as CSV.
+  --json         Print the table as JSON.
+  --filter TEXT  Print only the zones for which all terms of TEXT hold.
+  --set FILE     Take the zones from a file of CSV or JSON, or - for the standard input, into the project.
+  -q, --quiet    Print only errors, and JSON if --json asks for it.
+  -h, --help     Show this help.
+)";
     QTest::newRow("export") << QStringList{"export", "-h", "x"}
                             << R"(Usage: quillmap-tool export [OPTION]... PROJECT
 
@@ -110,7 +129,7 @@ Options:
     QTest::newRow("compare") << QStringList{"compare", "--help"}
                              << R"(Usage: quillmap-tool compare [OPTION]... A B
 
-Show where two maps or two projects differ.
+Show where two maps or two projects differ, or a map from what a project exports.
 Ends with 1 if they do. Rectangles are pixels of the layers, from their top left
 corner.
 

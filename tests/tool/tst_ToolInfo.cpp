@@ -36,6 +36,7 @@ private slots:
     void OnlyMapsNeedNames();
     void KilledSavesAreCompletedFirst();
     void ProjectAsJson();
+    void BoundsEndWhereTheMapEnds();
     void LargeBitmapsAreCounted();
     void ManyLayersAreCounted();
     void FilesAsJson_data();
@@ -73,7 +74,31 @@ void tst_ToolInfo::FilesAreDescribed_data()
            "  Wolf: territories 0, zones 0, static-min 0, static-max 0, dynamic-min 0, dynamic-max "
            "0\n"
            "all-territories: territories 1, zones 2, static-min 1, static-max 3, dynamic-min 3, "
-           "dynamic-max 9\n";
+           "dynamic-max 9\n"
+           "layer-bounds: 2\n"
+           "  Shore: greys 0, x-min 0, x-max 400, z-min 0, z-max 400\n"
+           "  Village: greys 0, x-min 0, x-max 800, z-min 300, z-max 800\n"
+           "usage-bounds: 3\n"
+           "  Coast: x-min 0, x-max 400, z-min 0, z-max 400\n"
+           "  Town: x-min 0, x-max 800, z-min 300, z-max 800\n"
+           "  Farm: x-min 0, x-max 800, z-min 300, z-max 800\n"
+           "value-bounds: 3\n"
+           "  Tier1: x-min 0, x-max 400, z-min 0, z-max 400\n"
+           "  Tier2: x-min 0, x-max 800, z-min 300, z-max 800\n"
+           "  Tier4: x-min 0, x-max 800, z-min 300, z-max 800\n"
+           "zone-numbers: 6\n"
+           "  Deer: of type, zones 2, creatures-min 4, creatures-max 12, circles-km2 0.039, "
+           "min-per-km2 101.86, max-per-km2 305.58\n"
+           "  Deer / North: of territory, zones 2, creatures-min 4, creatures-max 12, circles-km2 "
+           "0.039, min-per-km2 101.86, max-per-km2 305.58\n"
+           "  Wolf: of type, zones 0, creatures-min 0, creatures-max 0, circles-km2 0\n"
+           "  Graze: of usage, zones 1, creatures-min 4, creatures-max 6, circles-km2 0.031, "
+           "min-per-km2 127.32, max-per-km2 190.99\n"
+           "  Migration: of usage, zones 1, creatures-min 0, creatures-max 6, circles-km2 0.008, "
+           "min-per-km2 0, max-per-km2 763.94\n"
+           "  all zones: of project, zones 2, creatures-min 4, creatures-max 12, circles-km2 "
+           "0.039, "
+           "min-per-km2 101.86, max-per-km2 305.58\n";
     QTest::newRow("map") << "sample.map"
                          << "file: sample.map\nkind: map\nwidth: 8\nheight: 8\nworld-width: 800\n"
                             "world-height: 800\nusage-bits: 4\nvalue-bits: 4\nusage-flags: 3\n"
@@ -141,6 +166,33 @@ void tst_ToolInfo::OnlyMapsNeedNames()
         QCOMPARE(run.output, QString());
         QCOMPARE(run.exitCode, 2);
     }
+}
+
+/// Fields of 8 bits leave the last two pixels of a row without a word, those of 1 bit the last six.
+void tst_ToolInfo::BoundsEndWhereTheMapEnds()
+{
+    const SampleProject project;
+    QImage mask = raster::BlankMask({70, 70});
+    mask.setPixel(5, 66, 1);
+    mask.setPixel(30, 3, 255);
+    mask.setPixel(66, 10, 255);
+    mask.setPixel(69, 0, 255);
+    WriteBytes(project.Path("layers/wide.tga"), literal::WriteTarga(mask, false));
+    WriteBytes(project.Path("wide.xml"),
+               "<qm-config><global><layer size=\"70\"/><world size=\"700\"/></global>"
+               "<areas><usages><usage name=\"A\"/><usage name=\"B\"/><usage name=\"C\"/>"
+               "<usage name=\"D\"/><usage name=\"E\"/></usages>"
+               "<values><value name=\"X\"/></values></areas>"
+               "<layers><layer usage_flags=\"2\" value_flags=\"1\" name=\"wide\"/></layers>"
+               "</qm-config>");
+    const ProgramRun run = project.Run({"info", "wide.xml"});
+    QVERIFY2(run.output.contains("\nlayer-bounds: 1\n"
+                                 "  wide: greys 1, x-min 50, x-max 700, z-min 30, z-max 700\n"
+                                 "usage-bounds: 1\n"
+                                 "  B: x-min 50, x-max 670, z-min 30, z-max 670\n"
+                                 "value-bounds: 1\n"
+                                 "  X: x-min 50, x-max 310, z-min 30, z-max 670\n"),
+             qPrintable(run.output));
 }
 
 /// A bitmap larger than the tool keeps in memory, so that the tool reads it again for each band.

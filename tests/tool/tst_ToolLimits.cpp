@@ -74,6 +74,27 @@ void StartExport(QProcess& process, const SampleProject& project, const QString&
     }
 }
 
+/// Gives the large project so many layers that a check takes a while.
+void AddLayers(SampleProject& project)
+{
+    QByteArray layers;
+    for (int i = 0; i < 1000; ++i) {
+        const QString name = QStringLiteral("Layer %1").arg(i);
+        layers += "<layer usage_flags=\"1\" value_flags=\"1\" color=\"4278222976\" visible=\"1\" "
+                  "name=\"" +
+                  name.toUtf8() + "\"/>";
+        QFile::link(project.Path("layers/Shore.tga"), project.Path("layers/" + name + ".tga"));
+    }
+    project.Replace("</layers>", layers + "</layers>");
+}
+
+/// On Linux.
+qint64 BytesRead(qint64 process)
+{
+    const QByteArray counts = ReadBytes(QStringLiteral("/proc/%1/io").arg(process));
+    return counts.split('\n').first().split(' ').last().toLongLong();
+}
+
 } // namespace
 
 /// Runs that are ended by a signal, or have too little memory or disk space.
@@ -84,6 +105,7 @@ class tst_ToolLimits : public QObject
 private slots:
     void SignalsLeaveNothingBehind_data();
     void SignalsLeaveNothingBehind();
+    void AnEndedCheckTellsNothing();
     void SignalsThatAreTurnedOffStayOff();
     void MissingMemoryIsReported_data();
     void MissingMemoryIsReported();
@@ -114,6 +136,26 @@ void tst_ToolLimits::SignalsLeaveNothingBehind()
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 128 + signalNumber);
     QCOMPARE(FilesBelow(project.Path("out")), (QMap<QString, QByteArray>{{"sample.map", "old"}}));
+}
+
+void tst_ToolLimits::AnEndedCheckTellsNothing()
+{
+    SampleProject project;
+    Enlarge(project);
+    AddLayers(project);
+    QProcess process;
+    project.Start(process, ":", {"check", "--json", "sample.xml"});
+    QVERIFY(process.waitForStarted());
+    // Several bitmaps.
+    constexpr qint64 enough = 8 << 20;
+    while (process.state() == QProcess::Running && BytesRead(process.processId()) < enough) {
+        process.waitForFinished(1);
+    }
+    QCOMPARE(kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.readAllStandardOutput(), QByteArray());
+    QCOMPARE(process.readAllStandardError(), QByteArray());
+    QCOMPARE(process.exitCode(), 128 + SIGINT);
 }
 
 void tst_ToolLimits::SignalsThatAreTurnedOffStayOff()

@@ -78,7 +78,8 @@ void tst_ToolTerminal::BarsShowTheProgress_data()
         return Bar(what, 50) + Bar(what, 100) + Removed;
     };
     row({"check", "sample.xml"}, layers("Checking layers"));
-    row({"info", "sample.xml"}, Bar("Counting", 100) + Removed + layers("Reading layers"));
+    row({"info", "sample.xml"},
+        Bar("Counting", 100) + Removed + layers("Reading layers") + layers("Finding layers"));
     row({"export", "sample.xml"}, Bar("Composing", 100) + Removed);
     row({"compare", "sample.xml", "sample.xml"},
         layers("Comparing layers") + Bar("Comparing", 100) + Removed);
