@@ -1,6 +1,5 @@
 #include "canvas/MainScene.h"
 
-#include "app/Log.h"
 #include "app/ProjectSettings.h"
 #include "app/Tracked.h"
 #include "canvas/CurrentLayerItem.h"
@@ -15,19 +14,14 @@
 #include "canvas/tools/SelectTool.h"
 #include "document/Brush.h"
 #include "document/Document.h"
-#include "document/edits/BackgroundEdits.h"
 #include "document/edits/TerritoryEdits.h"
 #include "layers/Layer.h"
 #include "territories/Territory.h"
 #include "territories/Zone.h"
 
-#include <QFileInfo>
 #include <QGraphicsSceneMouseEvent>
-#include <QImage>
 #include <QMap>
-#include <QPainter>
 #include <QPen>
-#include <QStyleOptionGraphicsItem>
 
 #include <algorithm>
 #include <utility>
@@ -95,7 +89,9 @@ void MainScene::SetDocument(Document& document)
     m_tools[SceneMode::Pan] = std::make_unique<NoTool>(parts);
     m_tools[SceneMode::Paint] = std::move(paintTools);
     m_tools[SceneMode::Insert] = std::make_unique<InsertTool>(parts);
-    m_tools[SceneMode::Select] = std::make_unique<SelectTool>(parts);
+    auto selectTool = std::make_unique<SelectTool>(parts);
+    m_selectTool = selectTool.get();
+    m_tools[SceneMode::Select] = std::move(selectTool);
     m_tools[SceneMode::Query] = std::make_unique<QueryTool>(parts);
 }
 
@@ -104,6 +100,7 @@ void MainScene::ForgetDocument()
 {
     m_tools.clear();
     m_paintTools = nullptr;
+    m_selectTool = nullptr;
     m_brush = nullptr;
     m_document = nullptr;
 }
@@ -132,86 +129,31 @@ QVector<Zone*> MainScene::SelectedZones() const
     return QVector<Zone*>(zones.cbegin(), zones.cend());
 }
 
+void MainScene::SelectZones(const QVector<Zone*>& zones)
+{
+    // Zones that are selected during a drag would move with it from nowhere.
+    LoseMouse();
+    m_selection.Set(*this, zones);
+    m_selection.Settle(CurrentTerritory());
+}
+
+void MainScene::DeselectOthers()
+{
+    const QVector<Zone*> selected = SelectedZones();
+    QVector<Zone*> own;
+    for (Zone* zone : selected) {
+        if (zone->Holder() == CurrentTerritory()) {
+            own.append(zone);
+        }
+    }
+    if (own.size() != selected.size()) {
+        SelectZones(own);
+    }
+}
+
 Layer* MainScene::CurrentLayer() const
 {
     return m_painter.GetLayer();
-}
-
-void MainScene::ChangeWorld(QString file)
-{
-    // Opening a pipe would wait for a writer, maybe for ever.
-    QImage picture = QFileInfo(file).isFile() ? QImage(file) : QImage();
-    if (picture.isNull()) {
-        LogError(QStringLiteral("Could not load background image '%1'.").arg(file));
-        return;
-    }
-    const QSize size = ProjectSettings::Instance().LayerSize();
-    if (!m_worldItem->Show(std::move(picture), size)) {
-        LogError(QStringLiteral("Could not scale background image '%1' to %2x%3.")
-                     .arg(file, QString::number(size.width()), QString::number(size.height())));
-        return;
-    }
-    m_overlayItem->Show(m_overlayItem->Color(), size);
-    TellWorldChanged();
-}
-
-void MainScene::TellWorldChanged() const
-{
-    if (m_worldChanged) {
-        m_worldChanged();
-    }
-}
-
-void MainScene::PaintWorld(QPainter& painter)
-{
-    const auto paint = [&painter](auto& item) {
-        if (item.isVisible()) {
-            QStyleOptionGraphicsItem option;
-            option.exposedRect = item.boundingRect();
-            painter.setOpacity(item.opacity());
-            item.paint(&painter, &option, nullptr);
-        }
-    };
-    paint(*m_worldItem);
-    paint(*m_overlayItem);
-}
-
-void MainScene::ClearWorld()
-{
-    m_worldItem->Clear();
-    TellWorldChanged();
-}
-
-void MainScene::ChangeWorldRGBA(QColor c)
-{
-    m_overlayItem->Show(QColor(c.rgb()), sceneRect().size().toSize());
-    m_overlayItem->setOpacity(c.alphaF());
-    TellWorldChanged();
-}
-
-void MainScene::ChangeWorldColor(QColor c)
-{
-    if (m_document) {
-        m_document->Do(Edits::SetBackgroundColor(c));
-    }
-    m_overlayItem->Show(c, sceneRect().size().toSize());
-    TellWorldChanged();
-}
-
-void MainScene::ChangeWorldAlpha(int alpha, float opacity)
-{
-    if (m_document) {
-        m_document->Do(Edits::SetBackgroundOpacity(alpha));
-    }
-    m_overlayItem->setOpacity(static_cast<qreal>(opacity));
-    TellWorldChanged();
-}
-
-void MainScene::ChangeWorldVisibility(bool visible)
-{
-    m_worldItem->setVisible(visible);
-    m_overlayItem->setVisible(visible);
-    TellWorldChanged();
 }
 
 void MainScene::AddLayer(Layer* layer)
@@ -294,6 +236,7 @@ void MainScene::ChangeTerritoryAlpha(int alpha, float /*opacity*/)
 
 void MainScene::ChangeSelection()
 {
+    m_selection.Settle(CurrentTerritory());
     emit ZoneSelected(selectedItems());
 }
 

@@ -3,6 +3,7 @@
 #include "canvas/LayerPainter.h"
 #include "canvas/SceneMode.h"
 #include "canvas/tools/MapTool.h"
+#include "territories/ZoneSelection.h"
 
 #include <QColor>
 #include <QGraphicsEllipseItem>
@@ -23,6 +24,7 @@ class LayersItem;
 class MainView;
 class OverlayItem;
 class PaintTools;
+class SelectTool;
 class Territory;
 class WorldItem;
 class Zone;
@@ -49,11 +51,19 @@ public:
     void SetMousePosition(QPointF position) { m_mousePosition = position; }
     Territory* CurrentTerritory() const;
     Layer* CurrentLayer() const;
-    /// By ascending id.
+    /// By ascending id. They may belong to several territories.
     QVector<Zone*> SelectedZones() const;
+    /// Selects exactly these zones, whichever territory holds them, in any mode. Those that are not
+    /// the current territory's are shown while they are selected, and the mouse cannot move them.
+    /// It ends a drag. ZoneSelected is emitted at most once.
+    void SelectZones(const QVector<Zone*>& zones);
+    /// Deselects those that are not the current territory's.
+    void DeselectOthers();
 
     /// Those of the Paint mode; null without a document.
     PaintTools* GetPaintTools() const { return m_paintTools; }
+    /// That of the Select mode; null without a document.
+    SelectTool* GetSelectTool() const { return m_selectTool; }
     /// Shows over the map which tool works there.
     void ShowToolCursor();
 
@@ -156,6 +166,7 @@ private:
     MainView* m_view;
     Document* m_document = nullptr;
     PaintTools* m_paintTools = nullptr;
+    SelectTool* m_selectTool = nullptr;
     bool m_hasToolCursor = false;
     /// By mode.
     std::map<SceneMode, std::unique_ptr<MapTool>> m_tools;
@@ -168,6 +179,7 @@ private:
     Brush* m_brush = nullptr;
     SceneMode m_mode = SceneMode::None;
     SceneMode m_savedMode = SceneMode::None;
+    ZoneSelection m_selection;
     bool m_isPanning = false;
     std::function<void(SceneMode)> m_panEnded;
     std::function<void()> m_worldChanged;

@@ -8,6 +8,7 @@
 #include "canvas/ShapeMark.h"
 #include "canvas/ViewMoves.h"
 #include "canvas/WidgetRuler.h"
+#include "canvas/ZoneLabels.h"
 #include "canvas/tools/MapTool.h"
 
 #include <QAbstractItemView>
@@ -63,6 +64,7 @@ MainView::MainView(QWidget* parent)
     m_moves = std::make_unique<ViewMoves>(*this);
     m_mark = std::make_unique<PlaceMark>(*this);
     m_shape = std::make_unique<ShapeMark>(*this);
+    m_labels = std::make_unique<ZoneLabels>(*this);
     setFocusPolicy(Qt::WheelFocus);
     setMouseTracking(true);
     setDragMode(NoDrag);
@@ -100,6 +102,7 @@ void MainView::BuildLayout()
 void MainView::SetDocument(Document& document)
 {
     m_scene->SetDocument(document);
+    m_labels->SetDocument(document);
 }
 
 void MainView::SetBrushDock(BrushDock* dock)
@@ -166,6 +169,7 @@ void MainView::drawBackground(QPainter* painter, const QRectF& rect)
 void MainView::drawForeground(QPainter* painter, const QRectF& rect)
 {
     QGraphicsView::drawForeground(painter, rect);
+    m_labels->Draw(*painter, rect);
     m_shape->Draw(*painter);
     m_mark->Draw(*painter);
 }
@@ -266,6 +270,8 @@ void MainView::SelectAllZones()
 {
     // Zones that are selected during a drag would move with it from nowhere.
     LoseMouse();
+    // While zones of other territories are selected they can be selected, so they would stay so.
+    m_scene->DeselectOthers();
     const ProjectSettings& settings = ProjectSettings::Instance();
     QPainterPath map;
     map.addRect(0, 0, settings.LayerWidth(), settings.LayerHeight());

@@ -15,6 +15,7 @@ class QRubberBand;
 class Territory;
 class ViewMoves;
 class WidgetRuler;
+class ZoneLabels;
 
 /// Shows the map between two rulers: zooms, pans, selects with a rubber band, copies and nudges
 /// zones, and turns keys into actions. Owns the scene.
@@ -35,6 +36,8 @@ public:
     PlaceMark& Mark() { return *m_mark; }
     /// The outline of the shape that is being drawn.
     ShapeMark& Shape() { return *m_shape; }
+    /// The numbers of zones over the map.
+    ZoneLabels& Labels() { return *m_labels; }
 
     /// Zooms and scrolls so that the scene position comes to the view pixel, as far as the map's
     /// edges allow. Rulers, label and markers follow.
@@ -119,6 +122,7 @@ private:
     std::unique_ptr<ViewMoves> m_moves;
     std::unique_ptr<PlaceMark> m_mark;
     std::unique_ptr<ShapeMark> m_shape;
+    std::unique_ptr<ZoneLabels> m_labels;
     QRubberBand* m_band;
     QPoint m_bandOrigin;
     BrushDock* m_brushDock = nullptr;

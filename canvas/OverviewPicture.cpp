@@ -104,6 +104,7 @@ void OverviewPicture::ConnectDocument()
     connect(&m_document, &Document::ZonesChanged, this, &OverviewPicture::StaleZones);
     connect(&m_document, &Document::TerritoryChanged, this, &OverviewPicture::StaleZones);
     connect(&m_document, &Document::TypeChanged, this, &OverviewPicture::StaleZones);
+    connect(&m_document, &Document::SoloTerritoryChanged, this, &OverviewPicture::StaleZones);
     connect(&m_document, &Document::HistoryBegan, this, &OverviewPicture::BeginAnew);
     const RowModel* layers = m_document.Layers().model();
     connect(layers, &QAbstractItemModel::rowsInserted, this, &OverviewPicture::StaleList);
@@ -215,12 +216,12 @@ bool OverviewPicture::ListLayers()
     const QVector<Layer*> layers = m_document.Layers().Layers();
     QHash<int, SmallMask> masks;
     for (const Layer* layer : layers) {
-        if (layer != current && m_document.IsShown(*layer)) {
-            add(*layer);
-        }
         const auto known = m_masks.find(layer->Id());
         if (known != m_masks.end()) {
             masks.insert(layer->Id(), *known);
+        }
+        if (layer != current && m_document.IsShown(*layer)) {
+            add(*layer);
         }
     }
     m_masks = std::move(masks);
@@ -262,7 +263,7 @@ bool OverviewPicture::DrawZones()
         for (const Territory* territory : territories) {
             for (const Zone* zone : territory->Zones()) {
                 const QPoint center = m_toSmall.map(zone->pos()).toPoint();
-                if (zone->isVisible()) {
+                if (zone->isVisible() && zone->opacity() > 0) {
                     painter.fillRect(QRect(center, QSize(1, 1))
                                          .adjusted(-DotReach, -DotReach, DotReach, DotReach),
                                      QColor(zone->Color().rgb()));

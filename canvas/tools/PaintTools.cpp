@@ -74,7 +74,8 @@ void PaintTools::PickLayer(Layer& layer) const
 
 QString PaintTools::WhyNot() const
 {
-    const Layer* layer = Parts().document.CurrentLayer();
+    // The brush paints into the layer of the scene, which stays when all layers are hidden.
+    const Layer* layer = Parts().scene.CurrentLayer();
     if (!layer) {
         return {};
     }

@@ -1,10 +1,10 @@
 #include "canvas/tools/ShapeTool.h"
 
 #include "app/Log.h"
-#include "app/ProjectSettings.h"
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
 #include "canvas/ShapeMark.h"
+#include "canvas/tools/MetresText.h"
 #include "canvas/tools/PaintRegion.h"
 #include "canvas/tools/PaintTools.h"
 #include "document/Document.h"
@@ -16,23 +16,6 @@
 #include <utility>
 
 namespace {
-
-/// At most one decimal.
-QString Metres(double metres)
-{
-    QString text = QString::number(metres, 'f', 1);
-    if (text.endsWith(QLatin1String(".0"))) {
-        text.chop(2);
-    }
-    return text;
-}
-
-QPointF ToMetres(QPointF way)
-{
-    const ProjectSettings& settings = ProjectSettings::Instance();
-    return {way.x() * static_cast<double>(settings.MetresPerPixelX()),
-            way.y() * static_cast<double>(settings.MetresPerPixelZ())};
-}
 
 /// For the history.
 QString StepText(PaintToolKind kind, bool isErasing)
@@ -144,12 +127,12 @@ bool ShapeTool::PressKey(const QKeyEvent& event)
 
 QString ShapeTool::SizeText(const QSizeF& size)
 {
-    const QPointF metres = ToMetres({size.width(), size.height()});
-    return Document::tr("%1 \u00d7 %2 m").arg(Metres(metres.x()), Metres(metres.y()));
+    const QPointF metres = WayInMetres({size.width(), size.height()});
+    return Document::tr("%1 \u00d7 %2 m").arg(ShortMetres(metres.x()), ShortMetres(metres.y()));
 }
 
 QString ShapeTool::LengthText(QPointF way)
 {
-    const QPointF metres = ToMetres(way);
-    return Document::tr("%1 m").arg(Metres(std::hypot(metres.x(), metres.y())));
+    const QPointF metres = WayInMetres(way);
+    return Document::tr("%1 m").arg(ShortMetres(std::hypot(metres.x(), metres.y())));
 }
