@@ -12,9 +12,11 @@ namespace {
 
 struct DialogTexts
 {
-    const char* title;
-    const char* filter;
-    const char* icon;
+    const char* title = nullptr;
+    const char* filter = nullptr;
+    const char* icon = nullptr;
+    /// What a file for writing gets if it has none; null for files for reading.
+    const char* suffix = nullptr;
 };
 
 DialogTexts TextsFor(FilePurpose purpose)
@@ -25,7 +27,7 @@ DialogTexts TextsFor(FilePurpose purpose)
                 QT_TRANSLATE_NOOP("FileDialogs", "XML file (*.xml)"), ":/icon-open"};
     case FilePurpose::SaveProject:
         return {QT_TRANSLATE_NOOP("FileDialogs", "Save"),
-                QT_TRANSLATE_NOOP("FileDialogs", "XML file (*.xml)"), ":/icon-save"};
+                QT_TRANSLATE_NOOP("FileDialogs", "XML file (*.xml)"), ":/icon-save", "xml"};
     case FilePurpose::BackgroundPicture:
         return {QT_TRANSLATE_NOOP("FileDialogs", "Load background image"),
                 QT_TRANSLATE_NOOP("FileDialogs", "Images (*.png *.bmp *.jpg)"), ":/icon-world"};
@@ -35,6 +37,15 @@ DialogTexts TextsFor(FilePurpose purpose)
     case FilePurpose::AreaMap:
         return {QT_TRANSLATE_NOOP("FileDialogs", "Import area map"),
                 QT_TRANSLATE_NOOP("FileDialogs", "Map file (*.map)"), ":/icon-import"};
+    case FilePurpose::ZonesImport:
+        return {QT_TRANSLATE_NOOP("FileDialogs", "Import table"),
+                QT_TRANSLATE_NOOP("FileDialogs", "Tables (*.csv *.tsv *.json)"), ":/icon-import"};
+    case FilePurpose::ZonesExport:
+        return {QT_TRANSLATE_NOOP("FileDialogs", "Export table"),
+                QT_TRANSLATE_NOOP("FileDialogs", "CSV file (*.csv)"), ":/icon-export", "csv"};
+    case FilePurpose::SaveNumbers:
+        return {QT_TRANSLATE_NOOP("FileDialogs", "Save numbers"),
+                QT_TRANSLATE_NOOP("FileDialogs", "CSV file (*.csv)"), ":/icon-save", "csv"};
     }
     Q_UNREACHABLE();
 }
@@ -50,10 +61,12 @@ QString AskForFile(QWidget* parent, FilePurpose purpose)
     dialog.setWindowIcon(QIcon(QLatin1String(texts.icon)));
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setDirectory(settings.Dir());
-    if (purpose == FilePurpose::SaveProject) {
+    if (texts.suffix) {
         dialog.setAcceptMode(QFileDialog::AcceptSave);
-        dialog.setDefaultSuffix(QStringLiteral("xml"));
-        dialog.selectFile(settings.FileName());
+        dialog.setDefaultSuffix(QLatin1String(texts.suffix));
+        if (purpose == FilePurpose::SaveProject) {
+            dialog.selectFile(settings.FileName());
+        }
     } else {
         dialog.setFileMode(QFileDialog::ExistingFile);
     }

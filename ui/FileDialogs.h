@@ -12,10 +12,14 @@ enum class FilePurpose
     BackgroundPicture,
     AreaFlagTypes,
     AreaMap,
+    ZonesImport,
+    ZonesExport,
+    /// A table as CSV.
+    SaveNumbers,
 };
 
 /// Asks for a file, starting in the project's folder. Returns an empty path if the user cancels.
-/// Files for reading exist. A project file for saving gets the suffix "xml" if it has none; for an
+/// Files for reading exist. A file for saving gets the suffix of its kind if it has none; for an
 /// existing file the dialog asks before it accepts.
 QString AskForFile(QWidget* parent, FilePurpose purpose);
 
