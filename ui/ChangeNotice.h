@@ -15,6 +15,8 @@ class ChangeNotice : public QObject
 public:
     ChangeNotice(const EditorParts& parts, ProjectActions& actions);
 
+    const FileWatch& Watch() const { return m_watch; }
+
 private:
     void Show(const ForeignChanges& changes);
     bool Reload();

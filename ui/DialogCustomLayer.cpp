@@ -79,6 +79,7 @@ void DialogCustomLayer::InitForm()
     }
     TakeWheelOnlyWithFocus(m_ui->cboOperation);
     setWindowTitle(tr("Add layer"));
+    m_ui->chkLive->setVisible(!m_isModifying);
     if (m_layerToModify) {
         ShowLayerToModify();
     }
@@ -175,8 +176,9 @@ void DialogCustomLayer::EnableControls(bool isIdle)
     }
     m_isComputing = !isIdle;
     const int operation = m_ui->cboOperation->currentIndex();
-    for (QWidget* control : std::initializer_list<QWidget*>{m_ui->txtOutputName, m_ui->btnCancel,
-                                                            m_ui->cboOperation, m_ui->cboInputA}) {
+    for (QWidget* control :
+         std::initializer_list<QWidget*>{m_ui->txtOutputName, m_ui->btnCancel, m_ui->cboOperation,
+                                         m_ui->cboInputA, m_ui->chkLive}) {
         control->setEnabled(isIdle);
     }
     m_ui->btnOk->setEnabled(isIdle && HasInputs());
@@ -335,7 +337,8 @@ void DialogCustomLayer::FinalizeLayerComputation(const QImage& image)
     bool isComputed = !image.isNull();
     if (!m_isModifying) {
         if (isComputed) {
-            m_document.Do(Edits::AddComputedLayer(*m_list, name, m_runningCode, image));
+            m_document.Do(Edits::AddComputedLayer(*m_list, name, m_runningCode, image,
+                                                  m_ui->chkLive->isChecked()));
             m_createdLayer = m_list->LayerAt(m_list->model()->rowCount() - 1);
         }
     } else if (m_layerToModify && isComputed) {

@@ -8,11 +8,11 @@
 #include "layers/LayerList.h"
 #include "ui/DialogCustomLayer.h"
 #include "ui/DockLayerProps.h"
+#include "ui/RowFilter.h"
 #include "ui_DockLayers.h"
 
 #include <QMenu>
 #include <QScopedValueRollback>
-#include <QShortcut>
 
 DockLayers::DockLayers(Document& document, DockLayerProps* props, QWidget* parent)
     : QDockWidget(parent)
@@ -55,45 +55,13 @@ void DockLayers::Connect()
     connect(model, &QAbstractItemModel::rowsInserted, this, &DockLayers::UpdateHideAll);
     connect(model, &QAbstractItemModel::rowsRemoved, this, &DockLayers::UpdateHideAll);
     connect(model, &QAbstractItemModel::modelReset, this, &DockLayers::UpdateHideAll);
-    ConnectFilter();
-}
-
-void DockLayers::ConnectFilter()
-{
-    QLineEdit* field = m_ui->txtLayerFilter;
-    connect(field, &QLineEdit::textChanged, this, &DockLayers::FilterRows);
-    const auto* escape = new QShortcut(Qt::Key_Escape, field, nullptr, nullptr, Qt::WidgetShortcut);
-    connect(escape, &QShortcut::activated, this, &DockLayers::LeaveFilter);
-    const RowModel* model = List()->model();
-    connect(model, &QAbstractItemModel::rowsInserted, this, &DockLayers::FilterRows);
-    connect(model, &QAbstractItemModel::dataChanged, this, &DockLayers::FilterRows);
-    connect(&m_document, &Document::AboutToClear, field, &QLineEdit::clear);
-}
-
-/// A row that is hidden may still be the current one.
-void DockLayers::FilterRows()
-{
-    const QString text = m_ui->txtLayerFilter->text();
-    const RowModel* model = List()->model();
-    for (int row = 0; row < model->rowCount(); ++row) {
-        const QString name = model->index(row, 0).data().toString();
-        const bool isHidden = !name.contains(text, Qt::CaseInsensitive);
-        if (isHidden != m_ui->treeLayers->isRowHidden(row, {})) {
-            m_ui->treeLayers->setRowHidden(row, {}, isHidden);
-        }
-    }
+    m_filter = new RowFilter(*m_ui->treeLayers, *m_ui->txtLayerFilter);
+    connect(&m_document, &Document::AboutToClear, m_ui->txtLayerFilter, &QLineEdit::clear);
 }
 
 void DockLayers::FocusFilter()
 {
-    m_ui->txtLayerFilter->setFocus(Qt::ShortcutFocusReason);
-    m_ui->txtLayerFilter->selectAll();
-}
-
-void DockLayers::LeaveFilter()
-{
-    m_ui->txtLayerFilter->clear();
-    m_ui->treeLayers->setFocus();
+    m_filter->Focus();
 }
 
 LayerList* DockLayers::List() const
@@ -134,13 +102,9 @@ void DockLayers::ShowNew(Layer& layer)
     Reveal(layer);
 }
 
-/// Scrolls to the layer. A filter that hides it ends.
 void DockLayers::Reveal(const Layer& layer)
 {
-    if (m_ui->treeLayers->isRowHidden(layer.row(), {})) {
-        m_ui->txtLayerFilter->clear();
-    }
-    m_ui->treeLayers->scrollTo(layer.index());
+    m_filter->Reveal(layer.index());
 }
 
 void DockLayers::MoveCurrent(bool isUp)
@@ -181,7 +145,7 @@ void DockLayers::AddCustom(bool /*checked*/)
     DialogCustomLayer dialog(m_document, nullptr, this);
     if (dialog.exec() == QDialog::Accepted && dialog.CreatedLayer()) {
         UpdateHideAll();
-        Reveal(*dialog.CreatedLayer());
+        m_filter->Reveal(dialog.CreatedLayer()->index());
         emit Added(dialog.CreatedLayer());
     }
 }
@@ -198,7 +162,7 @@ void DockLayers::AddPainted(bool /*checked*/)
     }
     UpdateHideAll();
     Layer* layer = List()->LayerAt(List()->model()->rowCount() - 1);
-    Reveal(*layer);
+    m_filter->Reveal(layer->index());
     emit Added(layer);
 }
 

@@ -9,6 +9,7 @@ class Document;
 class Layer;
 class LayerList;
 class QStandardItem;
+class RowFilter;
 
 namespace Ui {
 class DockLayers;
@@ -36,6 +37,8 @@ public:
     /// Makes a layer that has just been added the current one, which is no change of its own, and
     /// scrolls to it.
     void ShowNew(Layer& layer);
+    /// Scrolls to the layer. A filter that hides it ends.
+    void Reveal(const Layer& layer);
     /// Moves the current layer past the next row that is shown.
     void MoveCurrent(bool isUp);
     /// The field that hides the layers whose names do not hold its text.
@@ -68,16 +71,14 @@ public slots:
 
 private:
     void Connect();
-    void ConnectFilter();
     Layer* CurrentLayer() const;
-    void FilterRows();
-    void LeaveFilter();
-    void Reveal(const Layer& layer);
     void MoveTo(Layer* layer, int row);
 
     Document& m_document;
     std::unique_ptr<Ui::DockLayers> m_ui;
     DockLayerProps* m_props;
+    /// The tree owns it.
+    RowFilter* m_filter = nullptr;
     /// The row of a layer is changing.
     bool m_isMoving = false;
 };

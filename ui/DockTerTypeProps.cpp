@@ -9,14 +9,13 @@
 #include "ui/widgets/WheelFocus.h"
 #include "ui_DockTerTypeProps.h"
 
+#include <QScopedValueRollback>
+#include <QScrollBar>
 #include <QSignalBlocker>
 
 #include <algorithm>
 
 namespace {
-
-constexpr float SmallestRadius = 50.0F;
-constexpr float LargestRadius = 32768.0F;
 
 float RadiusMetres(const Zone& zone)
 {
@@ -44,6 +43,14 @@ DockTerTypeProps::DockTerTypeProps(Document& document, QWidget* parent)
     m_ui->btngAIUsage->setId(m_ui->rdoDynEvent, Zone::DynamicEvent);
     m_totalsTimer.setSingleShot(true);
     m_totalsTimer.setInterval(0);
+    // When the dock is shown, its contents get their places only in the next turn of the event
+    // loop.
+    m_reveal.setSingleShot(true);
+    m_reveal.setInterval(0);
+    m_ui->gboZones->SetDocument(document);
+    // The tree of the dock above, and the field over it, get their share of the height.
+    m_ui->scrProperties->SetHintedUpTo(m_ui->gboZone, m_ui->txtSize->sizeHint().height() +
+                                                          m_ui->ltZone->spacing());
     Connect();
     ShowNothing();
 }
@@ -81,6 +88,8 @@ void DockTerTypeProps::Connect()
     connect(&m_document, &Document::ZonesChanged, this, &DockTerTypeProps::FollowZones);
     connect(&m_document, &Document::TerritoryChanged, this, &DockTerTypeProps::FollowTerritory);
     connect(&m_totalsTimer, &QTimer::timeout, this, &DockTerTypeProps::RefreshTotals);
+    connect(&m_reveal, &QTimer::timeout, this, &DockTerTypeProps::RevealZones);
+    connect(this, &QDockWidget::visibilityChanged, &m_reveal, QOverload<>::of(&QTimer::start));
 }
 
 void DockTerTypeProps::ShowNothing()
@@ -89,7 +98,39 @@ void DockTerTypeProps::ShowNothing()
     m_type = nullptr;
     m_ui->gboTer->setTitle(tr("Territory"));
     ShowTotals({});
-    setEnabled(false);
+    ShowEnabled();
+}
+
+void DockTerTypeProps::ShowZones(const QVector<Zone*>& zones)
+{
+    m_areZonesSelected = !zones.isEmpty();
+    ShowEnabled();
+    m_ui->gboZones->ShowZones(zones);
+    const bool areSeveral = zones.size() > 1;
+    if (areSeveral && !m_areSeveralSelected) {
+        m_reveal.start();
+    }
+    m_areSeveralSelected = areSeveral;
+}
+
+/// Scrolls to the box for several zones.
+void DockTerTypeProps::RevealZones()
+{
+    if (m_areSeveralSelected) {
+        m_ui->scrProperties->verticalScrollBar()->setValue(m_ui->gboZones->y());
+    }
+}
+
+MovingBox& DockTerTypeProps::Moving() const
+{
+    return *m_ui->gboMoving;
+}
+
+void DockTerTypeProps::ShowEnabled()
+{
+    const bool hasRow = m_territory || m_type;
+    m_ui->gboTer->setEnabled(hasRow);
+    setEnabled(hasRow || m_areZonesSelected);
 }
 
 void DockTerTypeProps::ShowTerritory(Territory* territory)
@@ -100,7 +141,7 @@ void DockTerTypeProps::ShowTerritory(Territory* territory)
     }
     m_territory = territory;
     m_type = nullptr;
-    setEnabled(true);
+    ShowEnabled();
     m_ui->gboTer->setTitle(tr("Territory: %1").arg(TitleText(territory->text())));
     m_ui->gboTerClrOp->setEnabled(true);
     const QSignalBlocker blocker(m_ui->gboTerClrOp);
@@ -116,7 +157,7 @@ void DockTerTypeProps::ShowType(TerritoryType* type)
     }
     m_territory = nullptr;
     m_type = type;
-    setEnabled(true);
+    ShowEnabled();
     m_ui->gboTer->setTitle(tr("Territory type: %1").arg(TitleText(type->text())));
     m_ui->gboTerClrOp->setEnabled(false);
     ShowTotals(type->Totals());
@@ -161,7 +202,8 @@ void DockTerTypeProps::ShowZone(Zone* zone)
     ShowCounts();
     ShowUsage();
     if (zone) {
-        m_document.SetZoneTemplate(zone->Values());
+        m_shown = zone->Values();
+        m_document.SetZoneTemplate(m_shown);
     }
 }
 
@@ -213,10 +255,11 @@ void DockTerTypeProps::ShowUsage()
     }
 }
 
-/// Undo changes what is shown here.
+/// Undo, the box below and the table change what is shown here.
 void DockTerTypeProps::FollowZones()
 {
-    if (m_document.IsTravelling()) {
+    const Zone* zone = m_zone;
+    if (m_document.IsTravelling() || (zone && !m_isEditing && zone->Values() != m_shown)) {
         ShowZone(m_zone);
     }
 }
@@ -231,8 +274,12 @@ void DockTerTypeProps::FollowTerritory(const Territory* territory)
 
 void DockTerTypeProps::EditZone(const ZoneValues& values, Property property)
 {
-    m_document.Do(Edits::ChangeZone(*m_zone, values, property));
-    m_document.SetZoneTemplate(m_zone->Values());
+    {
+        const QScopedValueRollback<bool> editing(m_isEditing, true);
+        m_document.Do(Edits::ChangeZone(*m_zone, values, property));
+    }
+    m_shown = m_zone->Values();
+    m_document.SetZoneTemplate(m_shown);
 }
 
 void DockTerTypeProps::UpdateSize(const QString& text)
@@ -240,7 +287,7 @@ void DockTerTypeProps::UpdateSize(const QString& text)
     bool isNumber = false;
     const float metres = text.toFloat(&isNumber);
     const Zone* zone = m_zone;
-    if (zone && isNumber && metres >= SmallestRadius && metres <= LargestRadius) {
+    if (zone && isNumber && metres >= ZoneValues::MinRadius && metres <= ZoneValues::MaxRadius) {
         ZoneValues values = zone->Values();
         values.radius = metres;
         EditZone(values, Property::ZoneRadius);

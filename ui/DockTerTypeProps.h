@@ -3,19 +3,21 @@
 #include "app/Tracked.h"
 #include "document/edits/ChangeValue.h"
 #include "territories/SpawnCounts.h"
+#include "territories/ZoneValues.h"
 
 #include <QDockWidget>
 #include <QRectF>
 #include <QTimer>
+#include <QVector>
 
 #include <memory>
 
 class Document;
+class MovingBox;
 class QSpinBox;
 class Territory;
 class TerritoryType;
 class Zone;
-struct ZoneValues;
 
 namespace Ui {
 class DockTerTypeProps;
@@ -37,8 +39,14 @@ public:
     void ShowTerritory(Territory* territory);
     /// Shows a type in the same way.
     void ShowType(TerritoryType* type);
-    /// Shows a zone, or none for null.
+    /// Shows a zone of any territory, or none for null.
     void ShowZone(Zone* zone);
+    /// Shows the selected zones, of any territories, in the box for all of them. While there are
+    /// any, the dock is enabled also when no row is shown. It scrolls to the box when several are
+    /// selected.
+    void ShowZones(const QVector<Zone*>& zones);
+    /// How the map moves zones.
+    MovingBox& Moving() const;
     /// Computes the totals and shows them.
     void RefreshTotals();
     /// Schedules RefreshTotals for the next turn of the event loop. Several calls cause only one.
@@ -70,6 +78,8 @@ signals:
 private:
     void Connect();
     void ShowNothing();
+    void RevealZones();
+    void ShowEnabled();
     void ShowTotals(const SpawnCounts& totals);
     void ShowSize();
     void ShowCounts();
@@ -87,5 +97,11 @@ private:
     Tracked<Territory> m_territory;
     Tracked<TerritoryType> m_type;
     Tracked<Zone> m_zone;
+    /// Its values as they are shown.
+    ZoneValues m_shown;
+    bool m_isEditing = false;
+    bool m_areZonesSelected = false;
+    bool m_areSeveralSelected = false;
     QTimer m_totalsTimer;
+    QTimer m_reveal;
 };

@@ -7,6 +7,7 @@
 #include "territories/Territory.h"
 #include "territories/TerritoryType.h"
 #include "ui/DockTerTypeProps.h"
+#include "ui/RowFilter.h"
 #include "ui_DockTerTypes.h"
 
 #include <QMenu>
@@ -24,6 +25,7 @@ DockTerTypes::DockTerTypes(Document& document, MainScene* scene, DockTerTypeProp
     menu->addAction(m_ui->actionAdd);
     m_ui->btnAdd->setMenu(menu);
     m_ui->treeTerTypes->setModel(List()->model());
+    m_filter = new RowFilter(*m_ui->treeTerTypes, *m_ui->txtTerritoriesFilter);
     ConnectModel();
     ConnectControls();
     ShowNoRow();
@@ -73,6 +75,7 @@ void DockTerTypes::ConnectControls()
     connect(m_ui->actionRemove, &QAction::triggered, this, &DockTerTypes::Remove);
     connect(m_ui->actionExport, &QAction::triggered, this, &DockTerTypes::Export);
     connect(m_ui->actionRename, &QAction::triggered, this, &DockTerTypes::Rename);
+    connect(&m_document, &Document::AboutToClear, m_ui->txtTerritoriesFilter, &QLineEdit::clear);
 }
 
 TerritoryType* DockTerTypes::TypeAt(const QModelIndex& index) const
@@ -100,6 +103,18 @@ void DockTerTypes::SelectRow(const QStandardItem* row)
     if (row && row->model() == List()->model()) {
         m_ui->treeTerTypes->setCurrentIndex(row->index());
     }
+}
+
+TerritoryType* DockTerTypes::CurrentType() const
+{
+    const QModelIndex row = m_ui->treeTerTypes->currentIndex();
+    return TypeAt(row.parent().isValid() ? row.parent() : row);
+}
+
+void DockTerTypes::ShowNew(const QStandardItem& row)
+{
+    SelectRow(&row);
+    m_filter->Reveal(row.index());
 }
 
 bool DockTerTypes::ExportAll() const
@@ -280,6 +295,7 @@ void DockTerTypes::Select(Territory* territory)
 void DockTerTypes::AddTerritoryType()
 {
     m_document.Do(Edits::AddType(*List(), std::make_unique<TerritoryType>()));
+    m_filter->Reveal(List()->model()->index(List()->model()->rowCount() - 1, 0));
 }
 
 void DockTerTypes::AddTerritory()
@@ -288,6 +304,7 @@ void DockTerTypes::AddTerritory()
     if (TerritoryType* type = TypeAt(index)) {
         m_document.Do(Edits::AddTerritory(*type, std::make_unique<Territory>()));
         m_ui->treeTerTypes->expand(index);
+        m_filter->Reveal(type->child(type->rowCount() - 1)->index());
     }
 }
 
@@ -361,5 +378,5 @@ void DockTerTypes::CopySelection()
     const TerritoryType* type = source->GetType();
     m_document.Do(Edits::CopyToNewTerritory(*source, zones));
     m_scene->clearSelection();
-    SelectRow(type->child(type->rowCount() - 1));
+    ShowNew(*type->child(type->rowCount() - 1));
 }

@@ -15,6 +15,7 @@ class Document;
 class MainScene;
 class QPushButton;
 class QStandardItem;
+class RowFilter;
 class Territory;
 class TerritoryType;
 
@@ -42,6 +43,11 @@ public:
     void ExpandAll();
     /// Makes the row the current one; nothing for null.
     void SelectRow(const QStandardItem* row);
+    /// The type of the current row, or of the current row's territory; null without one.
+    TerritoryType* CurrentType() const;
+    /// Makes a row that has just been added the current one and scrolls to it. A filter that hides
+    /// it ends.
+    void ShowNew(const QStandardItem& row);
     /// As in TerritoryTypeList.
     bool ExportAll() const;
     bool ExportChecked() const;
@@ -108,4 +114,6 @@ private:
     std::unique_ptr<Ui::DockTerTypes> m_ui;
     QPointer<MainScene> m_scene;
     QPointer<DockTerTypeProps> m_props;
+    /// The tree owns it.
+    RowFilter* m_filter = nullptr;
 };

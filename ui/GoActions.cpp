@@ -101,6 +101,11 @@ void GoActions::FitSelection()
     if (zones.isEmpty() && layer) {
         area = raster::SetBounds(layer->Image());
     }
+    JumpToArea(area);
+}
+
+void GoActions::JumpToArea(const QRectF& area)
+{
     if (!area.isEmpty()) {
         ViewPlace place = m_parts.view.Moves().PlaceToFit(area);
         place.zoom = std::max(place.zoom, ZoomSteps::LowestOfWheel);

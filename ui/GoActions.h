@@ -20,6 +20,9 @@ public:
     void NoteJump() { m_jumps.Note(); }
     /// Shows the place and remembers the one before.
     void Jump(const ViewPlace& place) { m_jumps.To(place); }
+    /// Jumps to where the whole area, in scene units, is shown as large as it fits, but not smaller
+    /// than the wheel goes. Does nothing for an empty one.
+    void JumpToArea(const QRectF& area);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -2,6 +2,7 @@
 
 #include "app/Log.h"
 #include "document/Document.h"
+#include "document/LiveLayers.h"
 #include "document/edits/LayerEdits.h"
 #include "layers/raster/Mask.h"
 #include "layers/raster/SetOperations.h"
@@ -49,6 +50,7 @@ void LayerActions::ConnectActions()
     Connect(form.actionLayerInvert, [this](bool) { Invert(); });
     Connect(form.actionLayerGrow, [this](bool) { Grow(true); });
     Connect(form.actionLayerShrink, [this](bool) { Grow(false); });
+    Connect(form.actionLayerRing, [this](bool) { AddRing(); });
     Connect(form.actionLayerMerge, [this](bool) { Merge(); });
     Connect(form.actionLayerUp, [this](bool) { m_parts.layers.MoveCurrent(true); });
     Connect(form.actionLayerDown, [this](bool) { m_parts.layers.MoveCurrent(false); });
@@ -71,9 +73,10 @@ void LayerActions::ShowState()
     const Document& document = m_parts.document;
     const Layer* layer = document.CurrentLayer();
     const bool canEdit = document.CanTravel();
-    for (QAction* action : {form.actionLayerDuplicate, form.actionLayerFill, form.actionLayerClear,
-                            form.actionLayerInvert, form.actionLayerGrow, form.actionLayerShrink,
-                            form.actionLayerUp, form.actionLayerDown, form.actionLayerLock}) {
+    for (QAction* action :
+         {form.actionLayerDuplicate, form.actionLayerFill, form.actionLayerClear,
+          form.actionLayerInvert, form.actionLayerGrow, form.actionLayerShrink, form.actionLayerUp,
+          form.actionLayerDown, form.actionLayerLock, form.actionLayerRing}) {
         action->setEnabled(canEdit && layer);
     }
     const int count = document.Layers().model()->rowCount();
@@ -143,11 +146,35 @@ void LayerActions::Grow(bool doesGrow)
     if (!layer) {
         return;
     }
-    DialogGrowLayer dialog(m_parts.document.Layers(), *layer, doesGrow, &m_parts.window);
+    using Purpose = DialogGrowLayer::Purpose;
+    DialogGrowLayer dialog(m_parts.document.Layers(), *layer,
+                           doesGrow ? Purpose::Grow : Purpose::Shrink, &m_parts.window);
     if (dialog.exec() == QDialog::Accepted) {
         const QString text = doesGrow ? tr("Grow %1 by %2 m") : tr("Shrink %1 by %2 m");
         Do(*layer, Edits::ChangePixels(text.arg(layer->text(), QString::number(dialog.Metres())),
                                        *layer, dialog.Mask()));
+    }
+}
+
+/// The current layer stays the current one, so that the user goes on painting it.
+void LayerActions::AddRing()
+{
+    Layer* layer = m_parts.document.CurrentLayer();
+    if (!layer) {
+        return;
+    }
+    // The dialog's thread reads the mask, which may be that of a live layer.
+    m_parts.document.Live().Finish();
+    const LayerList& list = m_parts.document.Layers();
+    DialogGrowLayer dialog(list, *layer, DialogGrowLayer::Purpose::Ring, &m_parts.window);
+    if (dialog.exec() != QDialog::Accepted) {
+        return;
+    }
+    const int count = list.model()->rowCount();
+    Do(*layer, Edits::AddLiveRing(*layer, dialog.Metres(), dialog.Mask()));
+    if (list.model()->rowCount() > count) {
+        m_parts.layers.Reveal(*list.LayerAt(layer->row() + 1));
+        m_composition.Recompose();
     }
 }
 

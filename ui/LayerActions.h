@@ -29,6 +29,7 @@ private:
     void Fill(const QString& text, uchar value);
     void Invert();
     void Grow(bool doesGrow);
+    void AddRing();
     void Merge();
     void ShowAll();
 

@@ -186,23 +186,18 @@ void LayerMarks::Write()
     }
     const QSet<int>& locked = m_document.LockedIds();
     for (const int id : locked) {
-        notes.locked.append(NameInFile(id));
+        notes.locked.append(m_namesInFile.value(id));
     }
+    // A layer that was never saved may have the name of another one in the file.
     notes.locked.removeAll(QString());
     notes.locked.sort();
-    if (const Layer* solo = m_document.SoloLayer()) {
-        notes.solo.append(NameInFile(solo->Id()));
+    const Layer* solo = m_document.SoloLayer();
+    if (solo && m_namesInFile.contains(solo->Id())) {
+        notes.solo.append(m_namesInFile.value(solo->Id()));
     }
     if (!(notes == m_notes)) {
         m_notes = notes;
         ProjectNotes::Write(LockedGroup, notes.path, notes.locked);
         ProjectNotes::Write(SoloGroup, notes.path, notes.solo);
     }
-}
-
-/// The present name of a layer that the document does not hold yet; empty for one that is nowhere.
-QString LayerMarks::NameInFile(int id) const
-{
-    const Layer* layer = m_document.Layers().LayerById(id);
-    return m_namesInFile.value(id, layer ? layer->text() : QString());
 }

@@ -39,7 +39,6 @@ private:
     void FollowFiles();
     void Read(const QString& path);
     void Write();
-    QString NameInFile(int id) const;
 
     Document& m_document;
     /// What the layers are called in the project's document, by their ids. Names change before the

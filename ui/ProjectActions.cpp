@@ -14,6 +14,7 @@
 #include "document/journal/Journal.h"
 #include "document/versions/VersionStore.h"
 #include "layers/LayerList.h"
+#include "ui/AcceptedFindings.h"
 #include "ui/Bookmarks.h"
 #include "ui/DialogNewProject.h"
 #include "ui/DialogVersions.h"
@@ -80,12 +81,16 @@ ProjectActions::ProjectActions(const EditorParts& parts, ProjectDisplay& display
 {
 }
 
-/// Returns whether there are no unsaved changes or the user agrees to lose them. Ends a stroke, a
-/// drag or a rename that is under way, which counts as a change.
-bool ProjectActions::MayDiscard(const QString& title, const QString& action)
+void ProjectActions::FinishInput()
 {
     m_parts.scene.LoseMouse();
-    m_work.FinishRenaming();
+    m_work.FinishEntries();
+}
+
+/// Returns whether there are no unsaved changes or the user agrees to lose them.
+bool ProjectActions::MayDiscard(const QString& title, const QString& action)
+{
+    FinishInput();
     return !Settings().IsModified() ||
            AskYesNo(&m_parts.window, title,
                     Question(QStringLiteral(
@@ -129,6 +134,7 @@ void ProjectActions::Create(const DialogNewProject& dialog)
     const bool isSaved = m_saving.SaveTo(dialog.ProjectPath());
     if (isSaved) {
         Bookmarks::Discard(m_parts.document.Path());
+        AcceptedFindings::Discard(m_parts.document.Path());
     }
     Finalize(true, -1);
     m_parts.document.BeginHistory(isSaved);

@@ -52,6 +52,8 @@ public:
     void Finalize(bool isSuccessful, int selected);
     /// Lists the earlier versions, and opens the one that the user chooses as a copy.
     void ShowVersions();
+    /// Ends a stroke, a drag or an entry that is under way, which counts as a change.
+    void FinishInput();
     /// Keeps the unsaved work, which is about to go, among the earlier versions.
     void KeepDiscarded();
     /// Removes old versions after KeepDiscarded made a new one.

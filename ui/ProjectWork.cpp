@@ -2,6 +2,7 @@
 
 #include "document/Document.h"
 #include "ui/QuillmapWindow.h"
+#include "ui/ZonesBox.h"
 
 #include <QAbstractItemDelegate>
 #include <QAbstractItemView>
@@ -11,8 +12,12 @@ ProjectWork::ProjectWork(const EditorParts& parts)
 {
 }
 
-void ProjectWork::FinishRenaming()
+void ProjectWork::FinishEntries()
 {
+    const auto boxes = m_parts.window.findChildren<ZonesBox*>();
+    for (ZonesBox* box : boxes) {
+        box->CommitPending();
+    }
     const auto views = m_parts.window.findChildren<QAbstractItemView*>();
     for (QAbstractItemView* view : views) {
         if (QWidget* editor = view->indexWidget(view->currentIndex())) {
@@ -32,7 +37,7 @@ ProjectWork::Scope::Scope(ProjectWork& work, Kind kind)
     : m_work(work)
     , m_before(work.m_kind)
 {
-    m_work.FinishRenaming();
+    m_work.FinishEntries();
     m_work.Begin(kind);
 }
 

@@ -21,9 +21,9 @@ public:
     bool IsBusy() const { return m_kind != Kind::None; }
     bool IsSaving() const { return m_kind == Kind::Saving; }
 
-    /// Takes over a name that is being typed into a tree. Later it would be changed unseen, as when
-    /// the window loses the focus in the middle of a save.
-    void FinishRenaming();
+    /// Takes over what is being typed into a tree, a table or the box of selected zones. Later the
+    /// project would be changed unseen, as when the window loses the focus in the middle of a save.
+    void FinishEntries();
 
 private:
     void Begin(Kind kind);

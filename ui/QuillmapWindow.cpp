@@ -3,9 +3,11 @@
 #include "app/Log.h"
 #include "app/ProjectSettings.h"
 #include "canvas/BrushDock.h"
+#include "canvas/HeatMap.h"
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
 #include "document/Document.h"
+#include "document/ProjectNumbers.h"
 #include "document/journal/Journal.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
@@ -18,9 +20,11 @@
 #include "ui/DockLayers.h"
 #include "ui/DockOverview.h"
 #include "ui/DockProbe.h"
+#include "ui/DockStatistics.h"
 #include "ui/DockStatus.h"
 #include "ui/DockTerTypeProps.h"
 #include "ui/DockTerTypes.h"
+#include "ui/DockZones.h"
 #include "ui/EditActions.h"
 #include "ui/FileDialogs.h"
 #include "ui/FileDrops.h"
@@ -31,13 +35,17 @@
 #include "ui/LayerComposition.h"
 #include "ui/LayerMarks.h"
 #include "ui/PaintToolBar.h"
+#include "ui/ProblemActions.h"
 #include "ui/ProjectActions.h"
 #include "ui/ProjectDisplay.h"
 #include "ui/RecentProjects.h"
 #include "ui/SessionNotices.h"
 #include "ui/StatusTexts.h"
+#include "ui/TerritoryActions.h"
 #include "ui/UnsavedMark.h"
 #include "ui/WindowState.h"
+#include "ui/ZoneActions.h"
+#include "ui/ZoneSheets.h"
 #include "ui/widgets/LimitFont.h"
 #include "ui_QuillmapWindow.h"
 
@@ -74,6 +82,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     , m_ui(std::make_unique<Ui::QuillmapWindowClass>())
     , m_document(std::make_unique<Document>())
     , m_journal(std::make_unique<Journal>(*m_document))
+    , m_numbers(std::make_unique<ProjectNumbers>(*m_document))
 {
     m_ui->setupUi(this);
     m_ui->paintView->SetDocument(*m_document);
@@ -102,7 +111,10 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     m_layerMarks = std::make_unique<LayerMarks>(*m_document);
     m_layerActions = std::make_unique<LayerActions>(parts, *m_composition);
     m_derivedActions = std::make_unique<DerivedActions>(parts);
+    m_zoneActions = std::make_unique<ZoneActions>(parts, *m_zoneSheets);
+    m_territoryActions = std::make_unique<TerritoryActions>(parts);
     m_go = std::make_unique<GoActions>(parts);
+    m_problems = std::make_unique<ProblemActions>(parts, *m_numbers, *m_go);
     m_recent = std::make_unique<RecentProjects>(
         *m_ui->menuRecent, [this](const QString& path) { m_project->LoadFrom(path); });
     m_drops = std::make_unique<FileDrops>(parts, *m_project);
@@ -115,6 +127,8 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     ConnectMap();
     ConnectDocument();
     ConnectMapDocks();
+    ConnectZoneTable();
+    ConnectNumbers();
     m_ui->paintView->Scene()->ChangeWorldVisibility(true);
     m_status->SetProgressVisible(false);
     SetTitle(QString());
@@ -137,12 +151,19 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
 
 QuillmapWindow::~QuillmapWindow()
 {
+    // Selected zones that go tell the scene, which would ask the document that goes with them.
+    m_ui->paintView->Scene()->clearSelection();
     // The children's signals and events must not reach this half-destroyed window.
     const QList<QObject*> children = findChildren<QObject*>();
     for (QObject* child : children) {
         child->disconnect(this);
         child->removeEventFilter(this);
     }
+}
+
+Problems& QuillmapWindow::ProjectProblems()
+{
+    return m_problems->Found();
 }
 
 void QuillmapWindow::AddDocks()
@@ -161,6 +182,13 @@ void QuillmapWindow::AddDocks()
                                                          [this](Zone& zone) { SelectZone(zone); }},
                                     this);
     m_overview = std::make_unique<DockOverview>(*m_document, *m_ui->paintView, this);
+    m_zoneSheets = std::make_unique<ZoneSheets>(*m_document, *this);
+    m_zones = std::make_unique<DockZones>(
+        *m_document, *m_ui->paintView->Scene(), *m_zoneSheets,
+        [this](const Zone& zone) { ShowZone(zone); }, this);
+    m_statistics = std::make_unique<DockStatistics>(
+        *m_document, *m_numbers, [this](const QRectF& area) { m_go->JumpToArea(area); }, this);
+    m_heat = std::make_unique<HeatMap>(*m_document, *m_ui->paintView);
     m_tools = std::make_unique<PaintToolBar>(*m_document,
                                              *m_ui->paintView->Scene()->GetPaintTools(), this);
     addToolBar(Qt::TopToolBarArea, m_tools.get());
@@ -173,9 +201,13 @@ void QuillmapWindow::AddDocks()
     addDockWidget(Qt::RightDockWidgetArea, m_history.get());
     addDockWidget(Qt::RightDockWidgetArea, m_probe.get());
     addDockWidget(Qt::RightDockWidgetArea, m_overview.get());
+    addDockWidget(Qt::BottomDockWidgetArea, m_zones.get());
+    m_zones->hide();
+    addDockWidget(Qt::RightDockWidgetArea, m_statistics.get());
     m_history->hide();
     m_probe->hide();
     m_overview->hide();
+    m_statistics->hide();
     m_terTypes->hide();
     m_terTypeProps->hide();
     m_brush->hide();
@@ -387,6 +419,7 @@ void QuillmapWindow::SelectQueryMode(bool isOn)
 void QuillmapWindow::ZoneSelected(const QList<QGraphicsItem*>& items)
 {
     m_terTypes->SetSelectionControlsEnabled(!items.isEmpty());
+    m_terTypeProps->ShowZones(m_ui->paintView->Scene()->SelectedZones());
     m_terTypeProps->ShowZone(items.size() == 1 ? qgraphicsitem_cast<Zone*>(items.first())
                                                : nullptr);
 }
@@ -437,8 +470,7 @@ void QuillmapWindow::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
-    // A stroke or drag that is under way counts as a change.
-    m_ui->paintView->Scene()->LoseMouse();
+    m_project->FinishInput();
     const QString question = tr("All unsaved work will be lost.\n\nAre you sure you want to quit "
                                 "the application?");
     if (ProjectSettings::Instance().IsModified() &&

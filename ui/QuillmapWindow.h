@@ -16,14 +16,17 @@ class DockLayerProps;
 class DockLayers;
 class DockOverview;
 class DockProbe;
+class DockStatistics;
 class DockStatus;
 class DockTerTypeProps;
 class DockTerTypes;
+class DockZones;
 class Document;
 class EditActions;
 class FileDrops;
 class Gestures;
 class GoActions;
+class HeatMap;
 class InteractionModes;
 class Journal;
 class Layer;
@@ -32,13 +35,19 @@ class LayerComposition;
 class LayerList;
 class LayerMarks;
 class PaintToolBar;
+class ProblemActions;
+class Problems;
 class ProjectActions;
 class ProjectDisplay;
+class ProjectNumbers;
 class QGraphicsItem;
 class RecentProjects;
 class SessionNotices;
+class TerritoryActions;
 class TerritoryTypeList;
 class Zone;
+class ZoneActions;
+class ZoneSheets;
 
 namespace Ui {
 class QuillmapWindowClass;
@@ -57,6 +66,7 @@ public:
     Q_DISABLE_COPY(QuillmapWindow)
 
     Document& GetDocument() { return *m_document; }
+    Problems& ProjectProblems();
     /// Shows the project's name; without one "Unsaved".
     void SetTitle(const QString& name);
     /// Ends painting when there is no current layer any more.
@@ -117,10 +127,14 @@ private:
     void ConnectMap();
     void ConnectDocument();
     void ConnectMapDocks();
+    void ConnectZoneTable();
+    void ConnectNumbers();
     /// As a click on its row does.
     void EditLayer(Layer& layer);
     /// Makes its territory the current one.
     void SelectZone(Zone& zone);
+    /// Brings it to the middle of the map; "Back" leads to where the map was.
+    void ShowZone(const Zone& zone);
     void OpenForViewing(const QString& configPath);
     void LayerModified(Layer* layer);
     void RecomposeChanged();
@@ -130,6 +144,7 @@ private:
     std::unique_ptr<Ui::QuillmapWindowClass> m_ui;
     std::unique_ptr<Document> m_document;
     std::unique_ptr<Journal> m_journal;
+    std::unique_ptr<ProjectNumbers> m_numbers;
     std::unique_ptr<BrushDock> m_brush;
     std::unique_ptr<DockLayerProps> m_layerProps;
     std::unique_ptr<DockLayers> m_layers;
@@ -139,6 +154,10 @@ private:
     std::unique_ptr<DockHistory> m_history;
     std::unique_ptr<DockProbe> m_probe;
     std::unique_ptr<DockOverview> m_overview;
+    std::unique_ptr<ZoneSheets> m_zoneSheets;
+    std::unique_ptr<DockZones> m_zones;
+    std::unique_ptr<DockStatistics> m_statistics;
+    std::unique_ptr<HeatMap> m_heat;
     std::unique_ptr<PaintToolBar> m_tools;
     std::unique_ptr<LayerComposition> m_composition;
     std::unique_ptr<InteractionModes> m_modes;
@@ -149,7 +168,10 @@ private:
     std::unique_ptr<LayerMarks> m_layerMarks;
     std::unique_ptr<LayerActions> m_layerActions;
     std::unique_ptr<DerivedActions> m_derivedActions;
+    std::unique_ptr<ZoneActions> m_zoneActions;
+    std::unique_ptr<TerritoryActions> m_territoryActions;
     std::unique_ptr<GoActions> m_go;
+    std::unique_ptr<ProblemActions> m_problems;
     std::unique_ptr<RecentProjects> m_recent;
     std::unique_ptr<FileDrops> m_drops;
     std::unique_ptr<ChangeNotice> m_changes;

@@ -1,24 +1,33 @@
 #include "app/Log.h"
 #include "app/ProjectSettings.h"
 #include "canvas/BrushDock.h"
+#include "canvas/HeatMap.h"
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
+#include "canvas/PlaceMark.h"
+#include "canvas/ViewMoves.h"
 #include "canvas/tools/PaintTools.h"
+#include "canvas/tools/SelectTool.h"
 #include "document/Document.h"
 #include "layers/Layer.h"
 #include "territories/Territory.h"
 #include "territories/Zone.h"
+#include "ui/ChangeNotice.h"
 #include "ui/DockHistory.h"
 #include "ui/DockLayerProps.h"
 #include "ui/DockLayers.h"
 #include "ui/DockOverview.h"
 #include "ui/DockProbe.h"
+#include "ui/DockStatistics.h"
 #include "ui/DockStatus.h"
 #include "ui/DockTerTypeProps.h"
 #include "ui/DockTerTypes.h"
+#include "ui/DockZones.h"
 #include "ui/GoActions.h"
 #include "ui/LayerComposition.h"
+#include "ui/MovingBox.h"
 #include "ui/PaintToolBar.h"
+#include "ui/ProblemActions.h"
 #include "ui/ProjectActions.h"
 #include "ui/ProjectDisplay.h"
 #include "ui/QuillmapWindow.h"
@@ -57,7 +66,8 @@ void QuillmapWindow::ConnectActions()
     connect(ui.actionViewStatus, &QAction::triggered, this, &QuillmapWindow::ShowStatus);
     for (QDockWidget* dock : std::initializer_list<QDockWidget*>{
              m_layers.get(), m_terTypes.get(), m_status.get(), m_history.get(), m_overview.get(),
-             m_probe.get(), m_brush.get()}) {
+             m_probe.get(), m_statistics.get(), m_brush.get(), m_zones.get(),
+             &m_problems->Dock()}) {
         dock->installEventFilter(this);
     }
 }
@@ -95,6 +105,13 @@ void QuillmapWindow::ConnectTerritories()
     connect(m_ui->paintView, &MainView::ModeSelect, m_terTypes.get(), &DockTerTypes::SelectMode);
     connect(m_ui->paintView, &MainView::ModeQuery, m_terTypes.get(), &DockTerTypes::QueryMode);
     connect(m_ui->paintView, &MainView::TerritorySelected, m_terTypes.get(), &DockTerTypes::Select);
+    connect(&m_terTypeProps->Moving(), &MovingBox::OptionsChanged, scene,
+            [scene](const MoveOptions& options) {
+                if (SelectTool* tool = scene->GetSelectTool()) {
+                    tool->SetOptions(options);
+                }
+            });
+    m_terTypeProps->Moving().Remember();
     // update() has overloads that a pointer would have to be told apart from.
     connect(m_terTypeProps.get(), SIGNAL(Changed(QRectF)), scene, SLOT(update(QRectF)));
 }
@@ -117,6 +134,9 @@ void QuillmapWindow::ConnectMap()
 /// What undo changes, apart from layers and territories, whose docks and composition listen too.
 void QuillmapWindow::ConnectDocument()
 {
+    Problems& problems = m_problems->Found();
+    connect(&m_changes->Watch(), &FileWatch::Changed, &problems, &Problems::CheckForeignFiles);
+    connect(&m_changes->Watch(), &FileWatch::Rested, &problems, &Problems::FollowFolder);
     connect(m_ui->actionHistory, &QAction::triggered, m_history.get(), &QWidget::setVisible);
     connect(m_document.get(), &Document::FilesNoted, this, [this] {
         if (!m_document->Path().isEmpty()) {
@@ -163,6 +183,30 @@ void QuillmapWindow::ConnectMapDocks()
     connect(m_overview.get(), &DockOverview::AboutToJump, this, [this] { m_go->NoteJump(); });
 }
 
+void QuillmapWindow::ConnectZoneTable()
+{
+    connect(m_ui->actionZonesTable, &QAction::triggered, m_zones.get(), [this](bool isOn) {
+        // Behind another tab it was open, but not to be seen.
+        const bool isWanted = isOn || !m_zones->IsSeen();
+        m_zones->setVisible(isWanted);
+        m_ui->actionZonesTable->setChecked(isWanted);
+        if (isWanted) {
+            m_zones->BeginFilter();
+            // Rows are wider than messages. Qt gives docks side by side the same width.
+            if (m_zones->width() <= m_status->width()) {
+                resizeDocks({m_status.get(), m_zones.get()}, {1, 3}, Qt::Horizontal);
+            }
+        }
+    });
+    connect(m_terTypes.get(), &DockTerTypes::Selected, m_zones.get(), &DockZones::FollowTerritory);
+}
+
+void QuillmapWindow::ConnectNumbers()
+{
+    connect(m_ui->actionStatistics, &QAction::triggered, m_statistics.get(), &QWidget::setVisible);
+    connect(m_ui->actionHeat, &QAction::toggled, m_heat.get(), &HeatMap::SetShown);
+}
+
 void QuillmapWindow::EditLayer(Layer& layer)
 {
     // Not in a project that is opened for viewing.
@@ -186,6 +230,12 @@ void QuillmapWindow::SelectZone(Zone& zone)
     }
 }
 
+void QuillmapWindow::ShowZone(const Zone& zone)
+{
+    m_go->Jump({zone.scenePos(), m_ui->paintView->Zoom()});
+    m_ui->paintView->Mark().Show(zone.scenePos());
+}
+
 bool QuillmapWindow::eventFilter(QObject* watched, QEvent* event)
 {
     // A dock that is tabbed behind another one is not hidden, so isVisible() does not tell.
@@ -203,5 +253,8 @@ void QuillmapWindow::ShowDockStates()
     m_ui->actionHistory->setChecked(!m_history->isHidden());
     m_ui->actionProbe->setChecked(!m_probe->isHidden());
     m_ui->actionOverview->setChecked(!m_overview->isHidden());
+    m_ui->actionZonesTable->setChecked(!m_zones->isHidden());
+    m_ui->actionStatistics->setChecked(!m_statistics->isHidden());
+    m_ui->actionProblems->setChecked(!m_problems->Dock().isHidden());
     m_tools->setVisible(!m_brush->isHidden());
 }

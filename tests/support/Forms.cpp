@@ -7,6 +7,7 @@
 #include <QDialog>
 #include <QDirIterator>
 #include <QDockWidget>
+#include <QDoubleSpinBox>
 #include <QFormLayout>
 #include <QGraphicsView>
 #include <QGroupBox>
@@ -204,11 +205,11 @@ private:
     /// Of the object that is being written.
     QStringList m_values;
     const std::map<QByteArray, std::unique_ptr<QObject>> m_fresh =
-        OneOfEach<QAction, QButtonGroup, QComboBox, QDialog, QDockWidget, QFormLayout,
-                  QGraphicsView, QGridLayout, QGroupBox, QHBoxLayout, QLabel, QLineEdit, QListView,
-                  QMainWindow, QMenu, QMenuBar, QObject, QProgressBar, QPushButton, QRadioButton,
-                  QScrollArea, QSlider, QSpinBox, QToolBar, QToolButton, QTreeView, QVBoxLayout,
-                  QWidget>();
+        OneOfEach<QAction, QButtonGroup, QComboBox, QDialog, QDockWidget, QDoubleSpinBox,
+                  QFormLayout, QGraphicsView, QGridLayout, QGroupBox, QHBoxLayout, QLabel,
+                  QLineEdit, QListView, QMainWindow, QMenu, QMenuBar, QObject, QProgressBar,
+                  QPushButton, QRadioButton, QScrollArea, QSlider, QSpinBox, QToolBar, QToolButton,
+                  QTreeView, QVBoxLayout, QWidget>();
 };
 
 void FormWriter::Write(const QObject& object, int depth)

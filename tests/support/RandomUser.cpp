@@ -16,6 +16,7 @@
 #include <QImage>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QSignalSpy>
 #include <QSlider>
 #include <QSpinBox>
 #include <QTest>
@@ -112,10 +113,19 @@ const std::vector<RandomUser::Deed>& RandomUser::Deeds()
         {"history", 15, &RandomUser::ClickHistory},
         {"layer action", 60, &RandomUser::LayerAction},
         {"filter", 10, &RandomUser::FilterLayers},
+        {"zone action", 80, &RandomUser::ZoneAction},
         {"tool", 120, &RandomUser::ChooseTool},
         {"paint option", 60, &RandomUser::ChoosePaintOption},
         {"corners", 60, &RandomUser::DrawCorners},
         {"shape", 60, &RandomUser::DrawShape},
+        {"table of zones", 60, &RandomUser::UseZoneTable},
+        {"cell of a zone", 60, &RandomUser::EditZoneCell},
+        {"pasted zones", 40, &RandomUser::PasteZoneRows},
+        {"filter of zones", 30, &RandomUser::FilterZones},
+        {"entry for zones", 80, &RandomUser::EnterForZones},
+        {"moving option", 20, &RandomUser::ChooseMoves},
+        {"look at zones", 60, &RandomUser::LookAtZones},
+        {"problems", 40, &RandomUser::WorkOnProblems},
     };
     return deeds;
 }
@@ -132,12 +142,18 @@ QString RandomUser::Act()
         ++deed;
     }
     const QMap<int, QImage> locked = LockedMasks();
+    // Keys may save too.
+    const QSignalSpy saves(&window->GetDocument(), &Document::Saved);
+    // So may they undo.
+    const QSignalSpy travels(&window->GetDocument(), &Document::Travelled);
     (this->*deed->act)();
     QCoreApplication::processEvents();
+    if (!saves.isEmpty() && window->GetDocument().History().isClean()) {
+        LetGo();
+        m_saved = SavedBytes();
+    }
     // What was done before a lock is undone with it.
-    const QStringList undoing{QStringLiteral("undo"), QStringLiteral("redo"),
-                              QStringLiteral("history"), QStringLiteral("broken stroke")};
-    if (!undoing.contains(QLatin1String(deed->name))) {
+    if (travels.isEmpty()) {
         CompareLocked(locked);
     }
     NoteLoad();
@@ -388,13 +404,7 @@ void RandomUser::ProjectAction()
         "actionNew",     "actionLoad",      "actionLoad",        "actionSave",
         "actionSaveAll", "actionLoadWorld", "actionImportAreas", "actionImportMap",
     };
-    const QLatin1String action(actions[m_random.Below(int(std::size(actions)))]);
-    Trigger(action.data());
-    if (action.startsWith(QLatin1String("actionSave")) &&
-        window->GetDocument().History().isClean()) {
-        LetGo();
-        m_saved = SavedBytes();
-    }
+    Trigger(actions[m_random.Below(int(std::size(actions)))]);
 }
 
 void RandomUser::ExportAction()
@@ -406,9 +416,16 @@ void RandomUser::ExportAction()
 
 void RandomUser::ViewAction()
 {
-    static const char* const actions[] = {
-        "actionViewLayers",         "actionViewStatus", "actionViewTerritoryTypes",
-        "actionViewTerritoryTypes", "actionProbe",      "actionOverview"};
+    static const char* const actions[] = {"actionViewLayers",
+                                          "actionViewStatus",
+                                          "actionViewTerritoryTypes",
+                                          "actionViewTerritoryTypes",
+                                          "actionProbe",
+                                          "actionOverview",
+                                          "actionZonesTable",
+                                          "actionStatistics",
+                                          "actionHeat",
+                                          "actionProblems"};
     QAction* action = Action(actions[m_random.Below(int(std::size(actions)))]);
     // Show docks more often than hide them, otherwise there is little to do.
     if (!action->isChecked() || m_random.Below(5) == 0) {

@@ -76,10 +76,19 @@ private:
     void ClickHistory();
     void LayerAction();
     void FilterLayers();
+    void ZoneAction();
     void ChooseTool();
     void ChoosePaintOption();
     void DrawCorners();
     void DrawShape();
+    void UseZoneTable();
+    void EditZoneCell();
+    void PasteZoneRows();
+    void FilterZones();
+    void EnterForZones();
+    void ChooseMoves();
+    void LookAtZones();
+    void WorkOnProblems();
 
     /// Of the locked layers, by their ids.
     QMap<int, QImage> LockedMasks() const;
@@ -96,12 +105,18 @@ private:
     /// Returns a random visible widget of these, or null.
     QWidget* OneOf(const std::vector<const char*>& names);
     QAbstractItemView* ATree();
+    /// Null when it is not on the screen.
+    QAbstractItemView* ZoneTable();
+    /// What is inconsistent between the table of zones, the project and the map; empty if nothing
+    /// is.
+    QString ZoneTableContradiction() const;
 
     void Answer(QWidget& dialog);
     void AnswerFileDialog(QWidget& dialog);
     void AnswerNewProject(QWidget& dialog);
     void AnswerCustomLayer(QWidget& dialog);
     void AnswerLayerAction(QWidget& dialog);
+    void AnswerZoneAction(QWidget& dialog);
     void PressAnyButton(QWidget& dialog);
 
     Random m_random;

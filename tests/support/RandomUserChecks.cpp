@@ -142,11 +142,15 @@ QString RandomUser::Contradiction() const
     if (Action("actionLayerFill")->isEnabled() != (current && document.CanTravel())) {
         return QStringLiteral("The menu Layer does not fit the current layer.");
     }
+    if (Action("actionZonesMove")->isEnabled() !=
+        (document.CanTravel() && !Scene().SelectedZones().isEmpty())) {
+        return QStringLiteral("The menu Zones does not fit the selection.");
+    }
     if (Action("actionTogglePaintMode")->isChecked() !=
         Child<QGroupBox>("gboPaintMode")->isChecked()) {
         return QStringLiteral("Action and box show different paint modes.");
     }
-    return {};
+    return ZoneTableContradiction();
 }
 
 QString RandomUser::LostBySaving()

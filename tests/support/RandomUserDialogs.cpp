@@ -20,6 +20,11 @@ void RandomUser::Answer(QWidget& dialog)
     } else if (dialog.objectName() == QLatin1String("DialogGrowLayer") ||
                dialog.objectName() == QLatin1String("DialogMergeLayer")) {
         AnswerLayerAction(dialog);
+    } else if (QStringList{QStringLiteral("DialogMoveZones"), QStringLiteral("DialogAlignZones"),
+                           QStringLiteral("DialogZonesTo"), QStringLiteral("DialogScatter"),
+                           QStringLiteral("DialogJoinTerritories")}
+                   .contains(dialog.objectName())) {
+        AnswerZoneAction(dialog);
     } else {
         PressAnyButton(dialog);
     }

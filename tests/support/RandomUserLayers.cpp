@@ -25,12 +25,13 @@ void RandomUser::LayerAction()
         "actionLayerDuplicate", "actionLayerFill",     "actionLayerClear", "actionLayerInvert",
         "actionLayerGrow",      "actionLayerShrink",   "actionLayerMerge", "actionLayerUp",
         "actionLayerDown",      "actionLayerLock",     "actionLayerLock",  "actionLayerSolo",
-        "actionLayerSolo",      "actionLayersShowAll",
+        "actionLayerSolo",      "actionLayersShowAll", "actionLayerRing",
     };
     const char* const action = actions[m_random.Below(int(std::size(actions)))];
     // The list would grow for ever.
     constexpr int manyLayers = 12;
-    const bool isGrowing = qstrcmp(action, "actionLayerDuplicate") == 0;
+    const bool isGrowing =
+        qstrcmp(action, "actionLayerDuplicate") == 0 || qstrcmp(action, "actionLayerRing") == 0;
     if (isGrowing && Layers().Layers().size() > manyLayers) {
         return;
     }

@@ -10,8 +10,11 @@
 #include "tests/support/Files.h"
 #include "tests/support/Masks.h"
 #include "tests/support/WindowFixture.h"
+#include "ui/DockLayers.h"
 
+#include <QCheckBox>
 #include <QFileInfo>
+#include <QPushButton>
 #include <QTest>
 
 #include <algorithm>
@@ -77,6 +80,7 @@ private slots:
     void CyclesAreRefusedWithTheChain();
     void BrokenLayersTellWhy();
     void LiveFollowsTheBrush();
+    void TheDialogAddsALayerThatFollows();
     void ALiveLayerMayBeShownAndHidden();
     void DuplicatesKeepTheFormulaAndFollowNothing();
     void SaveAndLoadKeepFormulasAndStates();
@@ -231,6 +235,45 @@ void tst_DerivedActions::LiveFollowsTheBrush()
     QVERIFY(editor.Doc().WhyPixelsStay(*editor.ring).isEmpty());
     editor.Fill(*editor.At("red"), {0, 0, 5, 5}, 255);
     QCOMPARE(Indices(editor.ring->Image()), before);
+}
+
+void tst_DerivedActions::TheDialogAddsALayerThatFollows()
+{
+    Editor editor;
+    const int steps = editor.Doc().History().count();
+    editor.answers.Add([](QWidget& dialog) {
+        auto* ok = dialog.findChild<QPushButton*>(QStringLiteral("btnOk"));
+        QTRY_VERIFY(ok->isEnabled());
+        auto* live = dialog.findChild<QCheckBox*>(QStringLiteral("chkLive"));
+        QVERIFY(!live->isChecked());
+        live->click();
+        ok->click();
+        QTRY_VERIFY(!dialog.isVisible());
+    });
+    editor.Child<QPushButton>("btnAddCustom")->click();
+    const Layer* added = editor.At("unnamed");
+    QVERIFY(added && editor.Doc().LayerFormulas().IsLive(*added));
+    QCOMPARE(editor.Doc().History().count(), steps + 1);
+    // It is the complement of the first layer.
+    editor.Fill(*editor.At("red"), {40, 40, 5, 5}, 255);
+    QVERIFY(editor.IsRight(*added));
+    editor.Trigger("actionUndo");
+    editor.Trigger("actionUndo");
+    QVERIFY(!editor.At("unnamed"));
+    editor.Trigger("actionRedo");
+    QCOMPARE(editor.At("unnamed"), added);
+    QVERIFY(editor.Doc().LayerFormulas().IsLive(*added));
+    QCOMPARE(editor.Doc().CurrentLayer(), added);
+
+    // Modify leaves a layer as live as it is.
+    editor.Child<DockLayers>("DockLayers")->SelectItem(editor.ring);
+    editor.answers.Add([](QWidget& dialog) {
+        QVERIFY(!dialog.findChild<QCheckBox*>(QStringLiteral("chkLive"))->isVisible());
+        auto* cancel = dialog.findChild<QPushButton*>(QStringLiteral("btnCancel"));
+        QTRY_VERIFY(cancel->isEnabled());
+        cancel->click();
+    });
+    editor.Child<DockLayers>("DockLayers")->Modify();
 }
 
 void tst_DerivedActions::ALiveLayerMayBeShownAndHidden()

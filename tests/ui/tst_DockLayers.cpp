@@ -33,6 +33,7 @@ private slots:
     void ReportsWhatTheUserChecks();
     void HidesAll();
     void FiltersRows();
+    void TheFilterKeepsTheCurrentRowInView();
     void NewRowsObeyTheFilter();
     void ANewLayerEndsAFilterThatHidesIt();
     void DragsFilteredRows();
@@ -291,6 +292,28 @@ void tst_DockLayers::FiltersRows()
     QCOMPARE(m_docks->ShownRows(), QStringLiteral("Lake, Shore of the lake, Forest"));
     QCOMPARE(QApplication::focusWidget(), m_docks->Tree());
     QCOMPARE(m_docks->Tree()->model(), m_docks->List()->model());
+}
+
+void tst_DockLayers::TheFilterKeepsTheCurrentRowInView()
+{
+    constexpr int count = 60;
+    for (int i = 0; i < count; ++i) {
+        m_docks->AddLayer(QStringLiteral("layer %1").arg(i));
+    }
+    const auto* tree = m_docks->Tree();
+    const auto isCurrentInView = [tree] {
+        return tree->viewport()->rect().contains(tree->visualRect(tree->currentIndex()));
+    };
+    auto* field = m_docks->dock->findChild<QLineEdit*>(QStringLiteral("txtLayerFilter"));
+    QTest::mouseClick(field, Qt::LeftButton);
+    QTest::keyClicks(field, QStringLiteral("57"));
+    m_docks->Click(57);
+    QTest::mouseClick(field, Qt::LeftButton);
+    QTest::keyClick(field, Qt::Key_Backspace);
+    QVERIFY(isCurrentInView());
+    QTest::keyClick(field, Qt::Key_Escape);
+    QCOMPARE(m_docks->Order().count(QStringLiteral("layer")), count);
+    QVERIFY(isCurrentInView());
 }
 
 void tst_DockLayers::NewRowsObeyTheFilter()

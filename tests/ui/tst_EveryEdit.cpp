@@ -158,10 +158,15 @@ public:
         ClickAt({10, 10});
         QCOMPARE(Scene().selectedItems().size(), 1);
     }
-    /// Accepts the dialog that the action opens.
-    void AcceptAfter(const char* action)
+    /// Accepts the dialog that the action opens. What is typed into one of its fields first may be
+    /// empty.
+    void AcceptAfter(const char* action, const char* field = "", const QString& typed = {})
     {
-        answers.Add([](QWidget& dialog) {
+        answers.Add([field = QString(field), typed](QWidget& dialog) {
+            if (auto* widget = dialog.findChild<QWidget*>(field); widget && !typed.isEmpty()) {
+                QTest::keyClick(widget, Qt::Key_A, Qt::ControlModifier);
+                QTest::keyClicks(widget, typed);
+            }
             QTest::keyClick(&dialog, Qt::Key_Return);
             QTRY_VERIFY(!dialog.isVisible());
         });
@@ -230,6 +235,22 @@ void PasteZone(Editor& editor)
 {
     CopyZone(editor);
     editor.Key(Qt::Key_V, Qt::ControlModifier);
+}
+
+/// North's zone is selected, and another territory has a copy of it.
+void AddTerritory(Editor& editor)
+{
+    editor.SelectZone();
+    editor.Click("btnZoneCopy");
+    SelectNorth(editor);
+    const TerritoryType* type = editor.window->GetDocument().Types().Types().constFirst();
+    editor.Scene().SelectZones({type->Territories().constFirst()->Zones().first()});
+}
+
+void SelectTwo(Editor& editor)
+{
+    PasteZone(editor);
+    editor.Trigger("actionSelectAllZones");
 }
 
 void ShowEvent(Editor& editor)
@@ -352,6 +373,9 @@ void tst_EveryEdit::IsUndoneAndDoneAgain_data()
         "shrink", Nothing, [](Editor& e) { e.AcceptAfter("actionLayerShrink"); },
         "Shrink blue by 25 m");
     row(
+        "live ring", Nothing, [](Editor& e) { e.AcceptAfter("actionLayerRing"); },
+        "Add live ring around blue");
+    row(
         "merge", EnterPaint, [](Editor& e) { e.AcceptAfter("actionLayerMerge"); },
         "Merge layer blue into red");
     row(
@@ -461,6 +485,57 @@ void tst_EveryEdit::IsUndoneAndDoneAgain_data()
         "to front", SelectZone, [](Editor& e) { e.Click("btnToFront"); }, "Change depth of zone");
     row(
         "to back", SelectZone, [](Editor& e) { e.Click("btnToBack"); }, "Change depth of zone");
+    row(
+        "move by metres", SelectTwo,
+        [](Editor& e) { e.AcceptAfter("actionZonesMove", "spnMoveX", "-25.5"); }, "Move 2 zones");
+    row(
+        "align", SelectTwo, [](Editor& e) { e.AcceptAfter("actionZonesAlign"); }, "Align 2 zones");
+    row(
+        "scatter", SelectNorth, [](Editor& e) { e.AcceptAfter("actionZonesScatter"); },
+        "Add \\d+ zones to North");
+    row(
+        "move to territory", AddTerritory, [](Editor& e) { e.AcceptAfter("actionZonesMoveTo"); },
+        "Move zone to Territory \\d+");
+    row(
+        "copy to territory", AddTerritory,
+        [](Editor& e) { e.AcceptAfter("actionZonesCopyTo", "cboZonesTo", "territory"); },
+        "Copy zone to Territory \\d+");
+    row(
+        "split", SelectZone, [](Editor& e) { e.Trigger("actionZonesSplit"); }, "Split zone off");
+    row(
+        "join", AddTerritory,
+        [](Editor& e) { e.AcceptAfter("actionTerritoriesJoin", "lstJoinTerritories", " "); },
+        "Join Territory \\d+ into North");
+    row(
+        "duplicate territory", SelectNorth,
+        [](Editor& e) { e.Trigger("actionTerritoryDuplicate"); }, "Duplicate territory North");
+    row(
+        "static minimum of all", SelectZone,
+        [](Editor& e) {
+            e.Type("txtZonesStaticMin", "+17");
+            QTest::keyClick(e.Child<QWidget>("txtZonesStaticMin"), Qt::Key_Return);
+        },
+        "Change static minimum of zone");
+    row(
+        "X of all", SelectZone,
+        [](Editor& e) {
+            e.Type("txtZonesX", "-20");
+            QTest::keyClick(e.Child<QWidget>("txtZonesX"), Qt::Key_Tab);
+        },
+        "Change X of zone");
+    row(
+        "event of all", SelectZone,
+        [](Editor& e) {
+            e.Type("txtZonesEvent", "Storm");
+            QTest::keyClick(e.Child<QWidget>("txtZonesEvent"), Qt::Key_Return);
+        },
+        "Change event of zone");
+    row(
+        "new type", Nothing, [](Editor& e) { e.Trigger("actionTypeNew"); },
+        "Add territory type Territory type \\d+");
+    row(
+        "new territory", SelectType, [](Editor& e) { e.Trigger("actionTerritoryNew"); },
+        "Add territory Territory \\d+");
     row(
         "background", Nothing,
         [](Editor& e) {

@@ -1,9 +1,11 @@
 #include "canvas/BrushDock.h"
+#include "document/ProjectNumbers.h"
 #include "document/versions/VersionStore.h"
 #include "tests/support/CustomLayerFixture.h"
 #include "tests/support/Files.h"
 #include "tests/support/Forms.h"
 #include "tests/support/WindowFixture.h"
+#include "ui/AcceptedFindings.h"
 #include "ui/DialogNewProject.h"
 #include "ui/DialogVersions.h"
 #include "ui/DockHistory.h"
@@ -11,13 +13,23 @@
 #include "ui/DockLayers.h"
 #include "ui/DockOverview.h"
 #include "ui/DockProbe.h"
+#include "ui/DockProblems.h"
+#include "ui/DockStatistics.h"
 #include "ui/DockStatus.h"
 #include "ui/DockTerTypeProps.h"
 #include "ui/DockTerTypes.h"
+#include "ui/DockZones.h"
 #include "ui/SceneScale.h"
+#include "ui/ZoneSheets.h"
+#include "ui/dialogs/DialogAlignZones.h"
 #include "ui/dialogs/DialogGoTo.h"
 #include "ui/dialogs/DialogGrowLayer.h"
+#include "ui/dialogs/DialogJoinTerritories.h"
 #include "ui/dialogs/DialogMergeLayer.h"
+#include "ui/dialogs/DialogMoveZones.h"
+#include "ui/dialogs/DialogRefusedRows.h"
+#include "ui/dialogs/DialogScatter.h"
+#include "ui/dialogs/DialogZonesTo.h"
 #include "ui/widgets/GroupBoxColor.h"
 
 #include <QDir>
@@ -45,6 +57,10 @@ const struct
          Brush brush;
          return FormText(BrushDock(brush));
      }},
+    {"DialogAlignZones",
+     [] {
+         return FormText(DialogAlignZones({{0, 0}, {60, 80}}));
+     }},
     {"DialogCustomLayer",
      [] {
          CustomLayerFixture fixture;
@@ -55,7 +71,13 @@ const struct
      [] {
          const LayerList list;
          Layer layer(0, 0, nullptr, QStringLiteral("Lake"));
-         return FormText(DialogGrowLayer(list, layer, true));
+         return FormText(DialogGrowLayer(list, layer, DialogGrowLayer::Purpose::Grow));
+     }},
+    {"DialogJoinTerritories",
+     [] {
+         Territory lake(QStringLiteral("Lake & shore"));
+         Territory north(QStringLiteral("North"));
+         return FormText(DialogJoinTerritories(lake, {&north}));
      }},
     {"DialogMergeLayer",
      [] {
@@ -63,11 +85,27 @@ const struct
          Layer layer(0, 0, nullptr, QStringLiteral("Lake"));
          return FormText(DialogMergeLayer(document, layer));
      }},
+    {"DialogMoveZones", [] { return FormText(DialogMoveZones(3)); }},
     {"DialogNewProject", [] { return FormText(DialogNewProject()); }},
+    {"DialogRefusedRows",
+     [] {
+         return FormText(DialogRefusedRows({{7, "radius 1 is below 50"}}));
+     }},
+    {"DialogScatter",
+     [] {
+         const Document document;
+         QGraphicsScene scene;
+         return FormText(DialogScatter(document, scene));
+     }},
     {"DialogVersions",
      [] {
          const QTemporaryDir folder;
          return FormText(DialogVersions(VersionStore(folder.path()), QString()));
+     }},
+    {"DialogZonesTo",
+     [] {
+         const Document document;
+         return FormText(DialogZonesTo(document, {}, false));
      }},
     {"DockHistory", [] { return DocumentForm<DockHistory>(); }},
     {"DockLayerProps", [] { return DocumentForm<DockLayerProps>(); }},
@@ -83,9 +121,31 @@ const struct
          Document document;
          return FormText(DockProbe(document, DockProbe::Callbacks()));
      }},
+    {"DockProblems",
+     [] {
+         Document document;
+         ProjectNumbers numbers(document);
+         Problems problems(document, numbers);
+         AcceptedFindings accepted(document, problems);
+         return FormText(DockProblems(document, problems, accepted, [](const Problem&) {}));
+     }},
+    {"DockStatistics",
+     [] {
+         Document document;
+         ProjectNumbers numbers(document);
+         return FormText(DockStatistics(document, numbers, {}));
+     }},
     {"DockStatus", [] { return FormText(DockStatus()); }},
     {"DockTerTypeProps", [] { return DocumentForm<DockTerTypeProps>(); }},
     {"DockTerTypes", [] { return DocumentForm<DockTerTypes>(nullptr, nullptr); }},
+    {"DockZones",
+     [] {
+         Document document;
+         MainScene scene(64, 64, nullptr);
+         QWidget window;
+         ZoneSheets sheets(document, window);
+         return FormText(DockZones(document, scene, sheets, nullptr));
+     }},
     {"GroupBoxColor", [] { return FormText(GroupBoxColor()); }},
     {"QuillmapWindow", [] { return FormText(*WindowFixture().window); }},
 };

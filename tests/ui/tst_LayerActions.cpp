@@ -1,4 +1,5 @@
 #include "document/Document.h"
+#include "document/Formulas.h"
 #include "layers/CustomLayer.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
@@ -129,6 +130,7 @@ private slots:
     void GrowsAndShrinks();
     void CannotBeLeftWhileItComputes();
     void TheRadiusHasBounds();
+    void AddsARingThatFollowsTheBrush();
     void MergesIntoAnotherLayer();
     void MergeIsCancelledAndNeedsAnother();
     void MovesPastTheNextRow();
@@ -152,6 +154,7 @@ void tst_LayerActions::HasItsMenuAndKeys()
         {"actionLayerInvert", "Invert", "", false},
         {"actionLayerGrow", "Grow…", "", false},
         {"actionLayerShrink", "Shrink…", "", false},
+        {"actionLayerRing", "Add live ring…", "", false},
         {"actionLayerMerge", "Merge into…", "", false},
         {"actionLayerUp", "Move up", "Alt+Up", false},
         {"actionLayerDown", "Move down", "Alt+Down", false},
@@ -176,7 +179,7 @@ void tst_LayerActions::FollowsTheCurrentLayer()
     const char* const ofOne[] = {"actionLayerDuplicate", "actionLayerFill", "actionLayerClear",
                                  "actionLayerInvert",    "actionLayerGrow", "actionLayerShrink",
                                  "actionLayerMerge",     "actionLayerUp",   "actionLayerDown",
-                                 "actionLayerLock",      "actionLayerSolo"};
+                                 "actionLayerLock",      "actionLayerSolo", "actionLayerRing"};
     const auto verify = [&](bool isEnabled) {
         for (const char* name : ofOne) {
             QVERIFY2(editor.Action(name)->isEnabled() == isEnabled, name);
@@ -377,6 +380,64 @@ void tst_LayerActions::TheRadiusHasBounds()
         editor.Trigger(action);
     }
     QCOMPARE(editor.answers.Asked().mid(1), QStringList({"Grow blue", "Shrink blue"}));
+}
+
+void tst_LayerActions::AddsARingThatFollowsTheBrush()
+{
+    Editor editor;
+    Layer& red = editor.Named("red");
+    editor.Select("red");
+    const auto before = editor.SavedBytes();
+    editor.AnswerRadius(40, Qt::Key_Escape, "40 m = 4 px = 40 m");
+    editor.Trigger("actionLayerRing");
+    QCOMPARE(editor.Names(), QStringList({"red", "blue"}));
+    QVERIFY(!editor.Doc().CanUndo());
+
+    // A lock is no obstacle: the pixels of the layer stay.
+    editor.Doc().SetLocked(red, true);
+    editor.AnswerRadius(40);
+    editor.Trigger("actionLayerRing");
+    editor.Doc().SetLocked(red, false);
+    const QStringList names{"red", "Around red", "red + 40 m", "blue"};
+    QCOMPARE(editor.answers.Asked().constLast(), "Live ring around red");
+    QCOMPARE(editor.Names(), names);
+    QCOMPARE(editor.Doc().History().undoText(), "Add live ring around red");
+    const Layer& ring = editor.At(1);
+    const Layer& wide = editor.At(2);
+    QCOMPARE(wide.Code(), QStringLiteral("d(%1:40)").arg(red.Id()));
+    QCOMPARE(ring.Code(), QStringLiteral("-(%1)(%2)").arg(wide.Id()).arg(red.Id()));
+    QVERIFY(ring.IsVisible() && !wide.IsVisible());
+    // The user goes on with the layer.
+    QCOMPARE(editor.Doc().CurrentLayer(), &red);
+    const auto follow = [&] {
+        for (const Layer* layer : {&ring, &wide}) {
+            QVERIFY(editor.Doc().LayerFormulas().IsLive(*layer));
+            QCOMPARE(layer->Image(), EvaluateAtLayerSize(editor.Doc().Layers(), layer->Code()));
+        }
+    };
+    follow();
+
+    const QImage first = ring.Image().copy();
+    editor.Trigger("actionTogglePaintMode");
+    QTest::mouseClick(editor.View().viewport(), Qt::LeftButton, {},
+                      editor.View().mapFromScene(50, 50));
+    QVERIFY(ring.Image() != first);
+    follow();
+    editor.Trigger("actionUndo");
+    QCOMPARE(ring.Image(), first);
+    editor.Trigger("actionUndo");
+    QCOMPARE(editor.SavedBytes(), before);
+    editor.Trigger("actionRedo");
+    QCOMPARE(editor.Names(), names);
+    QCOMPARE(ring.Image(), first);
+    editor.Trigger("actionRedo");
+    follow();
+
+    // Each ring has names of its own.
+    editor.AnswerRadius(40);
+    editor.Trigger("actionLayerRing");
+    QCOMPARE(editor.Names(), QStringList({"red", "Around red (2)", "red + 40 m (2)", "Around red",
+                                          "red + 40 m", "blue"}));
 }
 
 void tst_LayerActions::MergesIntoAnotherLayer()

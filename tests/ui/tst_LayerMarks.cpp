@@ -1,9 +1,14 @@
 #include "ui/LayerMarks.h"
 
 #include "document/Document.h"
+#include "document/edits/FormulaEdits.h"
+#include "document/edits/LayerEdits.h"
+#include "layers/Formula.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
+#include "layers/raster/Mask.h"
 #include "tests/support/Files.h"
+#include "tests/support/Masks.h"
 #include "tests/support/WindowFixture.h"
 
 #include <QAction>
@@ -102,6 +107,7 @@ private slots:
     void ALockKeepsThePixels();
     void ALockTakesNoStroke_data();
     void ALockTakesNoStroke();
+    void ALockHoldsWithoutACurrentLayer();
     void ALockLeavesTheRest();
     void NothingIsMergedIntoALockedLayer();
     void MarksLockedRows();
@@ -114,6 +120,8 @@ private slots:
     void AProjectForViewingShowsItsTicks();
     void RemembersLocksOfAProjectThatLoadsInPart();
     void RemembersLocksOfRenamedLayers();
+    void ALockOfANewLayerIsOfNoOtherOne();
+    void ALoadLeavesALockedLiveLayerAlone();
     void RemembersLocksOfAProjectThatIsSavedElsewhere();
 };
 
@@ -208,6 +216,23 @@ void tst_LayerMarks::ALockTakesNoStroke()
     editor.Lock();
     draw();
     QVERIFY(blue.Image() != before);
+}
+
+/// The map keeps the layer that was current before all were hidden.
+void tst_LayerMarks::ALockHoldsWithoutACurrentLayer()
+{
+    const Editor editor;
+    editor.Lock();
+    const QImage before = editor.Named("blue").Image().copy();
+    QTest::mouseClick(editor.Child<QPushButton>("btnHideAll"), Qt::LeftButton);
+    QVERIFY(!editor.Doc().CurrentLayer());
+
+    editor.Trigger("actionTogglePaintMode");
+    editor.Trigger("toolBrush");
+    QTest::mouseClick(editor.View().viewport(), Qt::LeftButton, {},
+                      editor.View().mapFromScene(30, 30));
+    QCOMPARE(editor.Named("blue").Image(), before);
+    QCOMPARE(editor.Scene().Mode(), SceneMode::Paint);
 }
 
 void tst_LayerMarks::ALockLeavesTheRest()
@@ -363,6 +388,44 @@ void tst_LayerMarks::ASaveUnderSoloWritesTheTicks()
     editor.Key(Qt::Key_S, Qt::ControlModifier | Qt::AltModifier);
     QCOMPARE(ReadBytes(editor.project), plain);
     QCOMPARE(FilesBelow(editor.Path("small")).keys(), files);
+}
+
+void tst_LayerMarks::ALockOfANewLayerIsOfNoOtherOne()
+{
+    Editor editor;
+    editor.Doc().Do(Edits::AddPaintedLayer(editor.Doc().Layers(), raster::BlankMask({64, 64})));
+    Layer* added = editor.Doc().Layers().LayerAt(2);
+    editor.Doc().Do(Edits::Rename(*added, "red"));
+    editor.Doc().SetLocked(*added, true);
+    editor.SetModified(false);
+    editor.Load(editor.project);
+    QVERIFY(!editor.IsLocked("red"));
+}
+
+void tst_LayerMarks::ALoadLeavesALockedLiveLayerAlone()
+{
+    Editor editor;
+    const auto fill = [&editor](Layer& layer, int value) {
+        QImage mask = raster::BlankMask({64, 64});
+        mask.fill(value);
+        editor.Doc().Do(Edits::ChangePixels("Fill", layer, mask));
+    };
+    const Formula formula{OperationComplement, {editor.Named("red").Id()}, 0};
+    editor.Doc().Do(
+        Edits::AddComputedLayer(editor.Doc().Layers(), "land", formula.Code(),
+                                EvaluateAtLayerSize(editor.Doc().Layers(), formula.Code())));
+    editor.Doc().Do(Edits::MakeLayerLive(editor.Named("land"), {}));
+    editor.Doc().SetLocked(editor.Named("land"), true);
+    const QByteArray before = Indices(editor.Named("land").Image());
+    fill(editor.Named("red"), 255);
+    editor.Trigger("actionQuickSave");
+    QCOMPARE(Indices(editor.Named("land").Image()), before);
+
+    editor.Load(editor.project);
+    QTest::qWait(400);
+    QCOMPARE(Indices(editor.Named("land").Image()), before);
+    editor.Doc().SetLocked(editor.Named("land"), false);
+    QTRY_VERIFY(Indices(editor.Named("land").Image()) != before);
 }
 
 void tst_LayerMarks::RemembersLocksAndSoloPerProject()

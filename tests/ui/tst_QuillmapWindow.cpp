@@ -103,6 +103,9 @@ void tst_QuillmapWindow::ShowsDocksByTheirActions_data()
     QTest::newRow("actionViewStatus") << QStringList{"DockStatus"};
     QTest::newRow("actionHistory") << QStringList{"DockHistory"};
     QTest::newRow("actionOverview") << QStringList{"DockOverview"};
+    QTest::newRow("actionZonesTable") << QStringList{"DockZones"};
+    QTest::newRow("actionStatistics") << QStringList{"DockStatistics"};
+    QTest::newRow("actionProblems") << QStringList{"DockProblems"};
 }
 
 void tst_QuillmapWindow::ShowsDocksByTheirActions()
@@ -327,7 +330,8 @@ void tst_QuillmapWindow::CutsNoTextBelowTheMap()
     QCoreApplication::processEvents();
 
     QTRY_COMPARE(fixture.Child<ElidedLabel>("lblWorldRStepX")->ElidedText(), "X step = 187.5 m");
-    const QList<ElidedLabel*> labels = fixture.window->findChildren<ElidedLabel*>();
+    const QList<ElidedLabel*> labels =
+        fixture.window->centralWidget()->findChildren<ElidedLabel*>();
     QCOMPARE(labels.size(), 6);
     for (const ElidedLabel* label : labels) {
         QCOMPARE(label->ElidedText(), label->text());

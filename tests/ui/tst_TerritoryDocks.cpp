@@ -81,7 +81,8 @@ QVector<QWidget*> Controls(const QWidget& dock)
     QVector<QWidget*> controls;
     const QList<QWidget*> widgets = dock.findChildren<QWidget*>();
     for (QWidget* widget : widgets) {
-        const bool isPart = qobject_cast<QAbstractSpinBox*>(widget->parentWidget());
+        const bool isPart = qobject_cast<QAbstractSpinBox*>(widget->parentWidget()) ||
+                            qobject_cast<QLineEdit*>(widget->parentWidget());
         const bool isControl = qobject_cast<QAbstractButton*>(widget) ||
                                qobject_cast<QLineEdit*>(widget) ||
                                qobject_cast<QSpinBox*>(widget) || qobject_cast<QTreeView*>(widget);
@@ -361,7 +362,7 @@ void tst_TerritoryDocks::ControlsHaveNamesAndToolTips()
 {
     TerritoryDocks docks;
     const QVector<QWidget*> controls = Controls(*docks.types) + Controls(*docks.props);
-    QCOMPARE(controls.size(), 9 + 14);
+    QCOMPARE(controls.size(), 10 + 24);
     for (const QWidget* control : controls) {
         const auto* button = qobject_cast<const QAbstractButton*>(control);
         const bool isNamed =

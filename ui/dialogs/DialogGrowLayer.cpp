@@ -9,17 +9,22 @@
 
 #include <QCloseEvent>
 
-DialogGrowLayer::DialogGrowLayer(const LayerList& list, const Layer& layer, bool doesGrow,
+DialogGrowLayer::DialogGrowLayer(const LayerList& list, const Layer& layer, Purpose purpose,
                                  QWidget* parent)
     : QDialog(parent, Qt::CustomizeWindowHint | Qt::WindowTitleHint)
     , m_ui(std::make_unique<Ui::DialogGrowLayer>())
     , m_list(list)
     , m_id(layer.Id())
-    , m_doesGrow(doesGrow)
+    , m_purpose(purpose)
 {
     m_ui->setupUi(this);
-    const QString name = ShortText(layer.text());
-    setWindowTitle(doesGrow ? tr("Grow %1").arg(name) : tr("Shrink %1").arg(name));
+    const QString title = purpose == Purpose::Grow     ? tr("Grow %1")
+                          : purpose == Purpose::Shrink ? tr("Shrink %1")
+                                                       : tr("Live ring around %1");
+    setWindowTitle(title.arg(ShortText(layer.text())));
+    if (purpose == Purpose::Ring) {
+        m_ui->spnRadius->setToolTip(tr("How wide the ring is, in metres"));
+    }
     TakeWheelOnlyWithFocus(m_ui->spnRadius);
     connect(m_ui->spnRadius, qOverload<int>(&QSpinBox::valueChanged), this,
             &DialogGrowLayer::ShowRadius);
@@ -67,7 +72,8 @@ void DialogGrowLayer::accept()
     connect(&m_thread, &QThread::finished, worker, &QObject::deleteLater);
     connect(worker, &CustomLayerWorker::LayerComputationFinished, this, &DialogGrowLayer::Finish);
     m_thread.start(QThread::InheritPriority);
-    const CustomOperation operation = m_doesGrow ? OperationDilation : OperationErosion;
+    const CustomOperation operation =
+        m_purpose == Purpose::Shrink ? OperationErosion : OperationDilation;
     const QString code = Formula{operation, {m_id}, Metres()}.Code();
     QMetaObject::invokeMethod(
         worker, [worker, list = &m_list, code] { worker->ComputeLayer(list, code, nullptr); },

@@ -13,7 +13,7 @@ namespace Ui {
 class DialogGrowLayer;
 }
 
-/// Asks by how many metres a layer is to grow or to shrink, and computes its new mask on a separate
+/// Asks by how many metres a layer is to grow or to shrink, and computes that mask on a separate
 /// thread; during that time it cannot be closed. It must be modal, because nothing else may change
 /// the layers, and can be opened only once.
 class DialogGrowLayer : public QDialog
@@ -21,13 +21,22 @@ class DialogGrowLayer : public QDialog
     Q_OBJECT
 
 public:
-    DialogGrowLayer(const LayerList& list, const Layer& layer, bool doesGrow,
+    /// What the metres are for. A ring needs the mask of the layer when it has grown.
+    enum class Purpose
+    {
+        Grow,
+        Shrink,
+        Ring,
+    };
+
+    DialogGrowLayer(const LayerList& list, const Layer& layer, Purpose purpose,
                     QWidget* parent = nullptr);
     ~DialogGrowLayer() override;
     Q_DISABLE_COPY(DialogGrowLayer)
 
     int Metres() const;
-    /// The new mask of the layer, once the dialog was accepted. Null without memory.
+    /// The mask of the layer when it has grown or shrunk, once the dialog was accepted. Null
+    /// without memory.
     const QImage& Mask() const { return m_mask; }
 
     /// Computes the mask, and closes the dialog then.
@@ -45,7 +54,7 @@ private:
     std::unique_ptr<Ui::DialogGrowLayer> m_ui;
     const LayerList& m_list;
     int m_id;
-    bool m_doesGrow;
+    Purpose m_purpose;
     bool m_isComputing = false;
     QImage m_mask;
     QThread m_thread;

@@ -1,7 +1,24 @@
 #include "ui/widgets/VerticalScrollArea.h"
 
 #include <QEvent>
+#include <QLayout>
 #include <QScrollBar>
+
+namespace {
+
+/// What the form needs below the widget, with the spaces between.
+int HeightBelow(QWidget* last, const QLayout* layout)
+{
+    int height = 0;
+    const int index = last && layout ? layout->indexOf(last) : -1;
+    for (int i = index + 1; index >= 0 && i < layout->count(); ++i) {
+        const QLayoutItem* item = layout->itemAt(i);
+        height += item->isEmpty() ? 0 : item->sizeHint().height() + layout->spacing();
+    }
+    return height;
+}
+
+} // namespace
 
 VerticalScrollArea::VerticalScrollArea(QWidget* parent)
     : QScrollArea(parent)
@@ -16,7 +33,9 @@ QSize VerticalScrollArea::sizeHint() const
     if (!widget()) {
         return QScrollArea::sizeHint();
     }
-    return {minimumSizeHint().width(), widget()->sizeHint().height() + 2 * frameWidth()};
+    const int height =
+        widget()->sizeHint().height() - HeightBelow(m_last, widget()->layout()) - m_butFor;
+    return {minimumSizeHint().width(), height + 2 * frameWidth()};
 }
 
 QSize VerticalScrollArea::minimumSizeHint() const
