@@ -161,12 +161,23 @@ void EditorUser::SendMouse(QEvent::Type type, QPointF place, Qt::MouseButton but
 
 void EditorUser::Paint(const QVector<QPointF>& places)
 {
+    PaintAndHold(places);
+    Release(places.last());
+}
+
+void EditorUser::PaintAndHold(const QVector<QPointF>& places)
+{
     PointAt(places.first());
     SendMouse(QEvent::MouseButtonPress, places.first(), Qt::LeftButton, Qt::LeftButton);
     for (const QPointF& place : places) {
         SendMouse(QEvent::MouseMove, place, Qt::NoButton, Qt::LeftButton);
     }
-    SendMouse(QEvent::MouseButtonRelease, places.last(), Qt::LeftButton, Qt::NoButton);
+    Settle();
+}
+
+void EditorUser::Release(QPointF place)
+{
+    SendMouse(QEvent::MouseButtonRelease, place, Qt::LeftButton, Qt::NoButton);
     Settle();
 }
 

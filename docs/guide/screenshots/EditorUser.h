@@ -46,6 +46,9 @@ public:
     void ZoomTo(QPointF place, int steps);
     /// Paints through these places of the map, in scene units.
     void Paint(const QVector<QPointF>& places);
+    /// The same, but does not release the button.
+    void PaintAndHold(const QVector<QPointF>& places);
+    void Release(QPointF place);
     void ClickMap(QPointF place);
     void PointAt(QPointF place);
     void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);

@@ -2,18 +2,24 @@
 // Works through the example project in the editor's window and writes the pictures of the guide
 // into FOLDER. EXAMPLE must be a copy of the project's folder, because it is saved and exported.
 
+#include "DockPictures.h"
 #include "EditorUser.h"
 #include "Picture.h"
 #include "app/ProjectSettings.h"
+#include "document/Document.h"
+#include "ui/DockLayers.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QColorDialog>
 #include <QComboBox>
 #include <QCursor>
 #include <QDir>
 #include <QDockWidget>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QListWidget>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QScreen>
@@ -21,23 +27,25 @@
 #include <QSpinBox>
 #include <QStandardItemModel>
 #include <QTest>
+#include <QUndoStack>
 
 #include <cstdlib>
 
 namespace {
 
-constexpr QSize WindowSize(1060, 740);
-constexpr QSize WideWindow(1200, 740);
+constexpr QSize EditorSize(1366, 740);
 constexpr QSize MessagesSize(640, 190);
+constexpr QSize ShapeSize(390, 200);
 constexpr int WestOfTheZones = 260;
 constexpr int AboveTheDocks = 54;
 constexpr int TreeHeight = 300;
-constexpr int DockHeight = 330;
 constexpr QSize TallWindow(980, 1010);
 const QColor OrchardColor(224, 130, 20);
 constexpr int OrchardAlpha = 170;
 constexpr int GrowthMetres = 100;
-constexpr int PatienceMilliseconds = 30000;
+constexpr int ShoreMetres = 60;
+constexpr int ListHeight = 540;
+constexpr int RowsBelow = 380;
 
 /// Scene units of a place in metres.
 QPointF Place(double x, double z)
@@ -73,12 +81,17 @@ void HideWhatVaries(EditorUser& user, const QDir& example)
     list.scrollToBottom();
 }
 
-void Load(EditorUser& user, const QDir& example)
+/// The first picture that readers see: the docks of layers and of territories.
+void ShowEditor(EditorUser& user, const QDir& example, const QDir& pictures)
 {
-    user.Choose("actionLoad", [&](QDialog& dialog) {
-        EditorUser::AnswerFile(dialog, example.filePath(QStringLiteral("highlands.xml")));
-    });
-    EditorUser::Require(ProjectSettings::Instance().LayerWidth() > 0, "the example");
+    user.Window().resize(EditorSize);
+    user.Choose("actionViewTerritoryTypes");
+    user.SelectRow("treeTerTypes", QStringLiteral("Deer south woods 1"));
+    user.PointAt(Place(6937.5, 9075));
+    HideWhatVaries(user, example);
+    Picture(user.Window()).Save(pictures, QStringLiteral("editor"));
+    user.Choose("actionViewTerritoryTypes");
+    user.Window().resize(WindowSize);
 }
 
 void ShowOverview(EditorUser& user, const QDir& example, const QDir& pictures)
@@ -94,20 +107,6 @@ void ShowOverview(EditorUser& user, const QDir& example, const QDir& pictures)
     picture.Number(user.Widget<QWidget>("gboPaintMode"), {-6, 26});
     picture.Number(user.Widget<QWidget>("messageListView"), {-30, 2});
     picture.Save(pictures, QStringLiteral("overview"));
-}
-
-void ShowMapDock(EditorUser& user, const char* action, const char* name, const QDir& pictures,
-                 const QString& picture)
-{
-    user.Window().resize(WideWindow);
-    user.Choose(action);
-    user.PointAt(Place(7250, 8150));
-    auto& dock = user.Widget<QDockWidget>(name);
-    Picture shown(dock);
-    shown.Crop(QRect(0, 0, dock.width(), DockHeight));
-    shown.Save(pictures, picture);
-    user.Choose(action);
-    user.Window().resize(WindowSize);
 }
 
 void ChooseLayerColor(EditorUser& user)
@@ -126,7 +125,23 @@ void ChooseLayerColor(EditorUser& user)
     slider->setValue(OrchardAlpha);
 }
 
-/// A polygon under way, which stops at the lakes.
+/// What a tool draws between press and release.
+void ShowShape(EditorUser& user, const char* tool, const QVector<QPointF>& metres,
+               const QDir& pictures, const QString& name)
+{
+    const QVector<QPointF> places = Places(metres);
+    user.Choose(tool);
+    user.PaintAndHold(places);
+    Picture picture(user.Map());
+    QRect part(QPoint(), ShapeSize);
+    part.moveCenter(user.Map().mapFromScene(Place(5960, 6520)));
+    picture.Crop(part);
+    picture.Save(pictures, name);
+    user.Press(Qt::Key_Escape);
+    user.Release(places.last());
+}
+
+/// A polygon under way, which stops at the lakes; and other shapes.
 void ShowTools(EditorUser& user, const QDir& pictures)
 {
     user.Widget<QComboBox>("cboPaintWithin").setCurrentIndex(2);
@@ -141,6 +156,12 @@ void ShowTools(EditorUser& user, const QDir& pictures)
     Picture picture(user.Window());
     picture.Save(pictures, QStringLiteral("tools"));
     user.Press(Qt::Key_Escape);
+    ShowShape(user, "toolLine", {{5500, 6450}, {6050, 6650}}, pictures, QStringLiteral("line"));
+    ShowShape(user, "toolEllipse", {{5500, 6350}, {6100, 6700}}, pictures,
+              QStringLiteral("ellipse"));
+    ShowShape(user, "toolLasso",
+              {{5550, 6650}, {5500, 6500}, {5650, 6350}, {5850, 6400}, {6050, 6350}, {6100, 6550}},
+              pictures, QStringLiteral("lasso"));
     user.Choose("toolBrush");
     user.Widget<QComboBox>("cboPaintWithin").setCurrentIndex(0);
 }
@@ -206,6 +227,107 @@ void ShowComputedLayer(EditorUser& user, const QDir& pictures)
     });
 }
 
+void AddComputed(EditorUser& user, const QString& operation, const QString& input,
+                 const QString& layer)
+{
+    user.Click("btnAddCustom", [&](QDialog& dialog) {
+        ChooseIn(dialog, "cboOperation", operation);
+        ChooseIn(dialog, "cboInputA", input);
+        WaitForPreview(dialog);
+        auto& name = Part<QLineEdit>(dialog, "txtOutputName");
+        name.selectAll();
+        QTest::keyClicks(&name, layer);
+        Part<QPushButton>(dialog, "btnOk").click();
+    });
+}
+
+/// A shore that follows the brush on the lakes.
+void ShowLiveRing(EditorUser& user, const QDir& example, const QDir& pictures)
+{
+    user.SelectRow("treeLayers", QStringLiteral("Lakes and rivers"));
+    user.Choose("actionLayerRing", [&](QDialog& dialog) {
+        Part<QSpinBox>(dialog, "spnRadius").setValue(ShoreMetres);
+        Picture(dialog).Save(pictures, QStringLiteral("live-ring"));
+        Part<QPushButton>(dialog, "btnOk").click();
+    });
+    user.Choose("actionTogglePaintMode");
+    user.ZoomTo(Place(6900, 7000), 0);
+    const QVector<QPointF> places =
+        Places({{6930, 7000}, {6750, 7200}, {6600, 7450}, {6700, 7650}});
+    user.PaintAndHold(places);
+    HideWhatVaries(user, example);
+    Picture(user.Window()).Save(pictures, QStringLiteral("live-layers"));
+    user.Release(places.last());
+    user.Choose("actionTogglePaintMode");
+}
+
+/// Rows of layers that are locked, live, out of date and broken.
+void ShowLayerMarks(EditorUser& user, const QDir& pictures)
+{
+    user.SelectRow("treeLayers", QStringLiteral("Military zones"));
+    user.Choose("actionLayerLock");
+    AddComputed(user, QStringLiteral("Dilation"), QStringLiteral("Towns"),
+                QStringLiteral("Outskirts"));
+    user.SelectRow("treeLayers", QStringLiteral("Towns"));
+    user.Choose("actionLayerClear");
+    user.SelectRow("treeLayers", QStringLiteral("Orchards"));
+    user.Choose("actionLayerDuplicate");
+    AddComputed(user, QStringLiteral("Closing"), QStringLiteral("Orchards (2)"),
+                QStringLiteral("Large orchards"));
+    user.SelectRow("treeLayers", QStringLiteral("Orchards (2)"));
+    auto& dock = user.Widget<DockLayers>("DockLayers");
+    dock.Remove();
+    user.SelectRow("treeLayers", QStringLiteral("Lakes and rivers"));
+    user.Window().resize(TallWindow);
+    user.Window().resizeDocks({&dock}, {ListHeight}, Qt::Vertical);
+    EditorUser::Settle();
+    user.Widget<QAbstractItemView>("treeLayers").scrollToBottom();
+    Picture picture(dock);
+    picture.Crop(dock.rect().adjusted(0, dock.height() - RowsBelow, 0, 0));
+    picture.Save(pictures, QStringLiteral("layer-marks"));
+    user.SelectRow("treeLayers", QStringLiteral("Military zones"));
+    user.Choose("actionLayerLock");
+    user.Window().resize(WindowSize);
+}
+
+/// Leaves the layers as they were.
+void ShowLiveLayers(EditorUser& user, const QDir& example, const QDir& pictures)
+{
+    const int steps = user.Window().GetDocument().History().index();
+    ShowLiveRing(user, example, pictures);
+    ShowLayerMarks(user, pictures);
+    while (user.Window().GetDocument().History().index() > steps) {
+        user.Choose("actionUndo");
+    }
+}
+
+void Tick(QDialog& dialog, const char* list, const QString& layer)
+{
+    auto& rows = Part<QListWidget>(dialog, list);
+    const QList<QListWidgetItem*> found = rows.findItems(layer, Qt::MatchExactly);
+    EditorUser::Require(found.size() == 1, qPrintable(layer));
+    found.first()->setCheckState(Qt::Checked);
+    rows.scrollToItem(found.first(), QAbstractItemView::PositionAtCenter);
+    rows.setCurrentItem(found.first());
+}
+
+void ShowScatter(EditorUser& user, const QDir& pictures)
+{
+    user.Choose("actionZonesScatter", [&](QDialog& dialog) {
+        Part<QSpinBox>(dialog, "spnScatterCount").setValue(100);
+        Part<QSpinBox>(dialog, "spnScatterDistance").setValue(700);
+        Part<QSpinBox>(dialog, "spnScatterExisting").setValue(500);
+        Tick(dialog, "lstScatterInside", QStringLiteral("Forest"));
+        Tick(dialog, "lstScatterMinus", QStringLiteral("Snow peaks"));
+        const auto& result = Part<QLabel>(dialog, "lblScatterResult");
+        EditorUser::Require(
+            QTest::qWaitFor([&] { return result.text().contains(QLatin1String("fit")); }),
+            "places for zones");
+        Picture(dialog).Save(pictures, QStringLiteral("scatter"));
+        dialog.reject();
+    });
+}
+
 void ShowZones(EditorUser& user, const QDir& pictures)
 {
     user.Choose("actionViewLayers");
@@ -221,6 +343,7 @@ void ShowZones(EditorUser& user, const QDir& pictures)
     Picture picture(user.Window());
     picture.Crop(user.Window().rect().adjusted(WestOfTheZones, AboveTheDocks, 0, 0));
     picture.Save(pictures, QStringLiteral("zones"));
+    ShowScatter(user, pictures);
     user.Choose("actionViewLayers");
     user.Choose("actionViewStatus");
 }
@@ -286,15 +409,22 @@ int main(int argc, char* argv[])
 
     EditorUser user;
     user.Window().resize(WindowSize);
-    Load(user, example);
+    Load(user, example.filePath(QStringLiteral("highlands.xml")));
+    ShowEditor(user, example, pictures);
     ShowNewProject(user, pictures);
     ShowGoTo(user, pictures);
     ShowOverview(user, example, pictures);
-    ShowMapDock(user, "actionOverview", "DockOverview", pictures, QStringLiteral("dock-overview"));
-    ShowMapDock(user, "actionProbe", "DockProbe", pictures, QStringLiteral("dock-probe"));
+    const QPointF place = Place(7250, 8150);
+    ShowMapDock(user, "actionOverview", "DockOverview", place, pictures,
+                QStringLiteral("dock-overview"));
+    ShowMapDock(user, "actionProbe", "DockProbe", place, pictures, QStringLiteral("dock-probe"));
+    ShowZoneTable(user, pictures);
+    ShowNumbers(user, pictures);
     ShowPainting(user, example, pictures);
     ShowComputedLayer(user, pictures);
+    ShowLiveLayers(user, example, pictures);
     ShowZones(user, pictures);
     ShowMessages(user, example, pictures);
+    ShowProblems(user, example, pictures);
     return EXIT_SUCCESS;
 }
