@@ -154,9 +154,8 @@ bool Formulas::IsWaiting(const Layer& layer) const
     }
     // FactsOf has no operands for a layer that waits.
     const QVector<quint64> none(facts->operands.size(), 0);
-    const FormulaFacts present = PresentFacts(layer);
-    return facts->operands == none && present.result == facts->result &&
-           !present.operands.contains(0);
+    // Operands may be missing: undo brings them back.
+    return facts->operands == none && PresentFacts(layer).result == facts->result;
 }
 
 bool Formulas::ReadMasks(const std::function<bool()>& isTimeUp) const

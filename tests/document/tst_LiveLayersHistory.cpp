@@ -23,6 +23,7 @@ private slots:
     void ACancelledStrokeLeavesNothing();
     void FollowsWhenAnOperandComesBack();
     void UndoOfDetachingFollowsAgain();
+    void ADetachedLayerFollowsWhenItsOperandIsBack();
     void WhatChangesALiveLayerIsUndone();
     void AnUndoneUpdateLeavesFollowersFollowing_data() { Travels(); }
     void AnUndoneUpdateLeavesFollowersFollowing();
@@ -152,6 +153,31 @@ void tst_LiveLayersHistory::UndoOfDetachingFollowsAgain()
     QCOMPARE(graph.Wrong(), QString());
     graph.fixture.Fill(*graph.painted.first(), {0, 0, Side, Side}, 77);
     QCOMPARE(graph.Wrong(), QString());
+}
+
+void tst_LiveLayersHistory::ADetachedLayerFollowsWhenItsOperandIsBack()
+{
+    DocumentFixture fixture;
+    Document& document = fixture.document;
+    document.SetEditable(true);
+    Layer* lake = fixture.AddLayer();
+    const Formula formula = Dilation(*lake, 9);
+    document.Do(Edits::AddComputedLayer(document.Layers(), QStringLiteral("Shore"), formula.Code(),
+                                        lake->Image(), true));
+    Layer* shore = document.Layers().LayerAt(1);
+    fixture.Fill(*lake, {20, 20, 50, 50}, raster::MaskSet);
+    document.Do(Edits::RemoveLayer(*lake));
+    document.Live().Finish();
+    document.Do(Edits::DetachLayer(*shore));
+
+    document.Undo();
+    document.Undo();
+    document.Live().Finish();
+
+    QVERIFY(document.Live().IsFollowing(*shore));
+    QVERIFY(IsSet(*shore, {30, 30}));
+    document.Undo();
+    QVERIFY(!IsSet(*shore, {30, 30}));
 }
 
 void tst_LiveLayersHistory::WhatChangesALiveLayerIsUndone()
