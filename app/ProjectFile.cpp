@@ -59,16 +59,13 @@ bool IsStrange(const QString& formulaPath)
     return QFileInfo(formulaPath).isFile() && !ReadFormulaFile(formulaPath).fault.isEmpty();
 }
 
-/// Copies such a file to "NAME.derived.xml~". False after a logged error.
-bool KeepStrange(const QString& formulaPath)
+/// Copies the file to "NAME.derived.xml~". False after a logged error.
+bool KeepCopy(const QString& formulaPath)
 {
-    if (!IsStrange(formulaPath)) {
-        return true;
-    }
     const QString kept = formulaPath + QLatin1Char('~');
     const bool isFree = !QFileInfo::exists(kept) || QFile::remove(kept);
     if (!isFree || !QFile::copy(formulaPath, kept)) {
-        LogError(QStringLiteral("Failed to copy file '%1', which cannot be used, to '%2'.")
+        LogError(QStringLiteral("Failed to copy file '%1' to '%2'.")
                      .arg(QFileInfo(formulaPath).fileName(), QFileInfo(kept).fileName()));
         return false;
     }
@@ -76,15 +73,20 @@ bool KeepStrange(const QString& formulaPath)
 }
 
 /// False when there are formulas that cannot be written; without any the file goes after the save.
-bool WriteFormulaFile(OutputFile& file, const QString& path, const FormulaRecords& records)
+bool WriteFormulaFile(OutputFile& file, const QString& path, const FormulaRecords& records,
+                      bool isOrphan)
 {
-    return records.empty() || (KeepStrange(path) && file.Open(QIODevice::Text) &&
-                               file.Write(FormulaDocument(records)) && file.Commit());
+    return records.empty() ||
+           ((!(isOrphan || IsStrange(path)) || KeepCopy(path)) && file.Open(QIODevice::Text) &&
+            file.Write(FormulaDocument(records)) && file.Commit());
 }
 
-void RemoveFormulaFile(const QString& path)
+void RemoveFormulaFile(const QString& path, bool isOrphan)
 {
-    if (QFileInfo(path).isFile() && !IsStrange(path) && !QFile::remove(path)) {
+    if (!QFileInfo(path).isFile() || IsStrange(path) || (isOrphan && !KeepCopy(path))) {
+        return;
+    }
+    if (!QFile::remove(path)) {
         LogError(QStringLiteral("Failed to remove file '%1'.").arg(QFileInfo(path).fileName()));
     }
 }
@@ -94,6 +96,8 @@ void RemoveFormulaFile(const QString& path)
 bool SaveProjectTo(const QString& path, const ProjectParts& parts)
 {
     const QString fileName = path.section(QLatin1Char('/'), -1);
+    // Its document was lost, or is not here: no version of it is kept before this save.
+    const bool isOrphan = !QFileInfo::exists(path) && QFileInfo(FormulaPath(path)).isFile();
     OutputFile file(path);
     if (!file.Open(QIODevice::Text)) {
         LogNotWritten(fileName);
@@ -108,8 +112,8 @@ bool SaveProjectTo(const QString& path, const ProjectParts& parts)
     const int failures = WriteProjectDocument(xml, parts);
     const FormulaRecords formulas = parts.formulas ? parts.formulas() : FormulaRecords();
     OutputFile formulaFile(FormulaPath(path));
-    if (!WriteFormulaFile(formulaFile, FormulaPath(path), formulas) || !file.Write(document) ||
-        !file.Commit() || !group.Commit()) {
+    if (!WriteFormulaFile(formulaFile, FormulaPath(path), formulas, isOrphan) ||
+        !file.Write(document) || !file.Commit() || !group.Commit()) {
         const QString reason = formulaFile.ErrorString() + file.ErrorString() + group.ErrorString();
         oldPlace.Restore();
         LogNotWritten(fileName);
@@ -119,7 +123,7 @@ bool SaveProjectTo(const QString& path, const ProjectParts& parts)
         return false;
     }
     if (parts.formulas && formulas.empty()) {
-        RemoveFormulaFile(FormulaPath(path));
+        RemoveFormulaFile(FormulaPath(path), isOrphan);
     }
     LogSuccess(QStringLiteral("Project saved to file '%1'.").arg(fileName));
     ProjectSettings::Instance().SetModified(failures > 0);

@@ -86,6 +86,8 @@ private slots:
     void SaveAndLoadKeepFormulasAndStates();
     void WithoutTheFileAllIsAsItWas();
     void ASaveWithoutFormulasRemovesTheFile();
+    void ASaveKeepsTheFormulasOfALostDocument_data();
+    void ASaveKeepsTheFormulasOfALostDocument();
     void AnotherPersonsHandEditsAreNoticed();
     void ADamagedFileIsToldOnce();
     void AnUnwritableFileStopsTheSave();
@@ -369,6 +371,33 @@ void tst_DerivedActions::ASaveWithoutFormulasRemovesTheFile()
     editor.Doc().Do(Edits::RemoveLayer(*editor.ring));
     editor.Trigger("actionQuickSave");
     QVERIFY(!QFileInfo::exists(editor.Sidecar()));
+}
+
+void tst_DerivedActions::ASaveKeepsTheFormulasOfALostDocument_data()
+{
+    QTest::addColumn<bool>("hasFormulas");
+    QTest::newRow("replaced") << true;
+    QTest::newRow("removed") << false;
+}
+
+void tst_DerivedActions::ASaveKeepsTheFormulasOfALostDocument()
+{
+    QFETCH(bool, hasFormulas);
+    Editor editor;
+    editor.Trigger("actionQuickSave");
+    const QByteArray formulas = ReadBytes(editor.Sidecar());
+    QVERIFY(QFile::remove(editor.path));
+    if (hasFormulas) {
+        editor.Doc().Do(Edits::Rename(*editor.ring, QStringLiteral("shore")));
+    } else {
+        editor.Doc().Do(Edits::RemoveLayer(*editor.ring));
+    }
+    editor.TriggerWithFile("actionSave", editor.path);
+
+    QVERIFY(QFileInfo::exists(editor.path));
+    QCOMPARE(ReadBytes(editor.Sidecar() + "~"), formulas);
+    QCOMPARE(QFileInfo::exists(editor.Sidecar()), hasFormulas);
+    QVERIFY(!hasFormulas || ReadBytes(editor.Sidecar()).contains("shore"));
 }
 
 void tst_DerivedActions::AnotherPersonsHandEditsAreNoticed()
