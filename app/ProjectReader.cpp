@@ -57,6 +57,7 @@ void ProjectReader::ReadSettings()
                           settings.SetFlagTypes(types);
                           return true;
                       }},
+                     PassOver(QLatin1String("selected")),
                      PassOver(QLatin1String("brush")),
                      PassOver(QLatin1String("layers")),
                      PassOver(QLatin1String("territory-type-list")),

@@ -77,6 +77,7 @@ private slots:
     void HandsElementsOn();
     void LeavesStrayElementsToTheirReaders_data();
     void LeavesStrayElementsToTheirReaders();
+    void TakesNoSettingsFromTheSelection();
     void EndsWithAFailedHandler_data();
     void EndsWithAFailedHandler();
     void TakesMalformedDocumentsAsFarAsTheyGo_data();
@@ -158,6 +159,19 @@ void tst_ProjectReader::LeavesStrayElementsToTheirReaders()
     QCOMPARE(reading.reader->SelectedRow(), -1);
     QCOMPARE(ProjectSettings::Instance().LayerSize(), QSize(8, 8));
     QCOMPARE(ProjectSettings::Instance().FlagTypes().usages, QVector<QString>{"Town"});
+    QCOMPARE(ProjectSettings::Instance().FlagTypes().values, QVector<QString>{});
+}
+
+void tst_ProjectReader::TakesNoSettingsFromTheSelection()
+{
+    Reading reading("<p><selected row='1'><global><layer size='9'/></global>"
+                    "<areas><values><value name='Rich'/></values></areas></selected>"
+                    "<global><layer size='8'/></global></p>");
+
+    QVERIFY(reading.Read());
+
+    QCOMPARE(reading.reader->SelectedRow(), 1);
+    QCOMPARE(ProjectSettings::Instance().LayerSize(), QSize(8, 8));
     QCOMPARE(ProjectSettings::Instance().FlagTypes().values, QVector<QString>{});
 }
 
