@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 namespace {
 
@@ -13,6 +14,8 @@ struct Circle
     double x;
     double z;
     double radius;
+    /// Files change the distance of its rim from a place by less, because they hold six digits.
+    double slack;
     std::size_t row;
 };
 
@@ -21,9 +24,32 @@ double Square(double value)
     return value * value;
 }
 
+double SizeOf(const WorldCircle& circle)
+{
+    return std::abs(circle.x) + std::abs(circle.z) + circle.radius;
+}
+
+/// By the numbers that files hold, which are read as numbers of single precision.
+bool TouchInFile(const Circle& a, const Circle& b)
+{
+    const WorldCircle first = AsWritten(WorldCircle{a.x, a.z, a.radius});
+    const WorldCircle second = AsWritten(WorldCircle{b.x, b.z, b.radius});
+    const double rounding = static_cast<double>(std::numeric_limits<float>::epsilon()) *
+                            (SizeOf(first) + SizeOf(second));
+    return std::hypot(first.x - second.x, first.z - second.z) <=
+           first.radius + second.radius + rounding;
+}
+
 bool Touch(const Circle& a, const Circle& b)
 {
-    return Square(a.x - b.x) + Square(a.z - b.z) <= Square(a.radius + b.radius);
+    const double distance = Square(a.x - b.x) + Square(a.z - b.z);
+    const double reach = a.radius + b.radius;
+    const double slack = a.slack + b.slack;
+    if (distance > Square(reach + slack)) {
+        return false;
+    }
+    // Text takes long to make.
+    return (reach > slack && distance <= Square(reach - slack)) || TouchInFile(a, b);
 }
 
 /// Circles by their centres, halved again and again along the longer side of their bounds. A part
@@ -75,7 +101,8 @@ private:
         double right;
         double bottom;
         double top;
-        double largestRadius;
+        /// Of the circles with their slacks.
+        double largestReach;
         /// The index of its second half, the first one follows it; 0 for a part without halves.
         std::size_t second;
     };
@@ -84,21 +111,21 @@ private:
     {
         const double dx = std::max({part.left - circle.x, circle.x - part.right, 0.0});
         const double dz = std::max({part.bottom - circle.z, circle.z - part.top, 0.0});
-        return Square(dx) + Square(dz) > Square(part.largestRadius + circle.radius);
+        return Square(dx) + Square(dz) > Square(part.largestReach + circle.radius + circle.slack);
     }
 
     void Build(std::size_t begin, std::size_t end)
     {
         constexpr std::size_t fewCircles = 8;
         const Circle& first = m_circles[begin];
-        Part part{begin, end, first.x, first.x, first.z, first.z, first.radius, 0};
+        Part part{begin, end, first.x, first.x, first.z, first.z, 0, 0};
         for (std::size_t i = begin; i < end; ++i) {
             const Circle& circle = m_circles[i];
             part.left = std::min(part.left, circle.x);
             part.right = std::max(part.right, circle.x);
             part.bottom = std::min(part.bottom, circle.z);
             part.top = std::max(part.top, circle.z);
-            part.largestRadius = std::max(part.largestRadius, circle.radius);
+            part.largestReach = std::max(part.largestReach, circle.radius + circle.slack);
         }
         const std::size_t index = m_parts.size();
         m_parts.push_back(part);
@@ -129,11 +156,14 @@ bool CanTouch(const WorldCircle& circle)
 
 std::vector<bool> OverlappingRows(const std::vector<ZoneRow>& rows)
 {
+    // Half a unit of the last digit of six is less.
+    constexpr double roundingOfFiles = 1e-5;
     QHash<QString, std::vector<Circle>> types;
     for (std::size_t i = 0; i < rows.size(); ++i) {
         const WorldCircle& circle = rows[i].circle;
         if (CanTouch(circle)) {
-            types[rows[i].type].push_back({circle.x, circle.z, circle.radius, i});
+            types[rows[i].type].push_back(
+                {circle.x, circle.z, circle.radius, roundingOfFiles * SizeOf(circle), i});
         }
     }
     std::vector<bool> doOverlap(rows.size(), false);

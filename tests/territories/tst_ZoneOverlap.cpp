@@ -47,6 +47,7 @@ class tst_ZoneOverlap : public QObject
 private slots:
     void CirclesOfATypeTouch_data();
     void CirclesOfATypeTouch();
+    void CirclesTouchByTheNumbersOfFiles();
     void ManyCirclesTouchAsByComparingAll_data();
     void ManyCirclesTouchAsByComparingAll();
 };
@@ -80,6 +81,33 @@ void tst_ZoneOverlap::CirclesOfATypeTouch()
     QCOMPARE(OverlappingRows(rows), (std::vector<bool>{doTouch, doTouch}));
     QCOMPARE(OverlappingRows({rows.front()}), std::vector<bool>{false});
     QCOMPARE(OverlappingRows({}), std::vector<bool>());
+}
+
+/// Places are not kept in metres, so what is read from a file is a little off.
+void tst_ZoneOverlap::CirclesTouchByTheNumbersOfFiles()
+{
+    const WorldScale scale = SetZoneWorld();
+    Random random;
+    for (int i = 0; i < 1000; ++i) {
+        const int radius = random.Between(1, 900);
+        const int otherRadius = random.Between(1, 900);
+        const int x = random.Between(1000, 12000);
+        const auto z = static_cast<float>(random.Between(1000, 12000));
+        const auto circleAt = [&](int place, int itsRadius) {
+            ZoneRecord zone;
+            zone.place = InScene(static_cast<float>(place), z, scale);
+            zone.values.radius = static_cast<float>(itsRadius);
+            zone.radius = scale.pixelsPerMetreX * zone.values.radius;
+            const WorldCircle circle = InWorld(zone, scale);
+            return Circle(circle.x, circle.z, circle.radius);
+        };
+        const ZoneRow first = circleAt(x, radius);
+        const int rim = x + radius + otherRadius;
+        QCOMPARE(OverlappingRows({first, circleAt(rim, otherRadius)}),
+                 (std::vector<bool>{true, true}));
+        QCOMPARE(OverlappingRows({first, circleAt(rim + 1, otherRadius)}),
+                 (std::vector<bool>{false, false}));
+    }
 }
 
 void tst_ZoneOverlap::ManyCirclesTouchAsByComparingAll_data()
