@@ -66,6 +66,11 @@ public:
     /// Returns why the row cannot be taken; empty if it was.
     QString Take(const SheetRow& row, bool hasPlace)
     {
+        // A save writes all places again.
+        QString noPlace = PlaceFault(m_scale);
+        if (!noPlace.isEmpty()) {
+            return noPlace;
+        }
         QStringList reasons;
         for (const ZoneColumn column : Editable) {
             const QString& cell = row.Cell(column);
@@ -99,11 +104,9 @@ private:
             break;
         case ZoneColumn::X:
             m_place = PlaceAtX(m_place, number, m_scale);
-            m_isMoved = true;
             break;
         case ZoneColumn::Z:
             m_place = PlaceAtZ(m_place, number, m_scale);
-            m_isMoved = true;
             break;
         case ZoneColumn::Radius:
             m_values.radius = static_cast<float>(number);
@@ -136,9 +139,6 @@ private:
                                         ZoneColumn::StaticMax, counts.staticMax),
                               PairFault(ZoneColumn::DynamicMin, counts.dynamicMin,
                                         ZoneColumn::DynamicMax, counts.dynamicMax)};
-        if (m_isMoved) {
-            faults.append(PlaceFault(m_scale));
-        }
         faults.removeAll(QString());
         return faults;
     }
@@ -147,7 +147,6 @@ private:
     const WorldScale& m_scale;
     ZoneValues m_values;
     QPointF m_place;
-    bool m_isMoved = false;
 };
 
 /// Plans one row after the other.
@@ -231,7 +230,7 @@ private:
         return m_rows.insert({{place.type, place.territory, zone}, row.number}).first->second;
     }
 
-    /// Of territories with the same name, rows that change nothing may be about any.
+    /// If territories share a name, a row that changes nothing may mean any of them.
     bool TakeUnchanged(const SheetRow& row, const std::vector<TerritoryPlace>& places)
     {
         return std::any_of(places.begin(), places.end(), [&](const TerritoryPlace& place) {
@@ -262,6 +261,11 @@ private:
             return {};
         }
         QString reason = draft.Take(row, true);
+        const ZoneRecord& record = At(place).zones[*zone];
+        if (reason.isEmpty() && draft.Values() == record.values && draft.Place() == record.place) {
+            // No place in the scene is nearer to these metres.
+            return {};
+        }
         m_plan.changes.push_back({place, *zone, draft.Values(), draft.Place()});
         return reason;
     }

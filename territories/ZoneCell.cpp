@@ -4,7 +4,9 @@
 #include "territories/ZoneSheet.h"
 #include "territories/rules/ZoneRules.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace {
 
@@ -85,7 +87,10 @@ QString CellFault(ZoneColumn column, const QString& text)
 
 QString PlaceFault(const WorldScale& scale)
 {
-    return std::isfinite(scale.pixelsPerMetreX) && std::isfinite(scale.pixelsPerMetreZ)
+    const float factors[] = {scale.pixelsPerMetreX, scale.pixelsPerMetreZ, scale.metresPerPixelX,
+                             scale.metresPerPixelZ};
+    return std::all_of(std::begin(factors), std::end(factors),
+                       [](float factor) { return std::isfinite(factor); })
                ? QString()
                : QStringLiteral("it has no place, because the world has no size");
 }

@@ -65,6 +65,7 @@ private slots:
     void AWholeTableChangesNothing_data();
     void AWholeTableChangesNothing();
     void TerritoriesWithTheSameNameKeepTheirZones();
+    void MetresWithoutAPlaceChangeNothingTwice();
     void AWorldWithoutASizeHasNoPlaces();
     void AnyChangesAreCarriedOut();
 };
@@ -308,13 +309,36 @@ void tst_SheetPlan::TerritoriesWithTheSameNameKeepTheirZones()
              "row 3: there are 2 territories 'Pair' of type 'Wolf'");
 }
 
+/// No place in the scene has just these metres, so the nearest one is taken.
+void tst_SheetPlan::MetresWithoutAPlaceChangeNothingTwice()
+{
+    const WorldScale scale = SetZoneWorld();
+    std::vector<TypeRecord> types = SomeTypes(scale);
+    const QString sheet = "type,territory,number,z\nDeer,North,1,1.00001";
+    const SheetPlan plan = PlanText(types, scale, sheet);
+    QCOMPARE(plan.changes.size(), std::size_t(1));
+    Apply(plan, types, scale);
+    QVERIFY(InWorld(types[0].territories[0].zones[0], scale).z != 1.00001);
+    QVERIFY(PlanText(types, scale, sheet).IsEmpty());
+}
+
 void tst_SheetPlan::AWorldWithoutASizeHasNoPlaces()
 {
-    WorldScale scale = SetZoneWorld();
-    scale.pixelsPerMetreX = std::numeric_limits<float>::infinity();
-    const TypeRecord type{"Deer", {TerritoryRecord{"North", 1, true, {}}}};
-    QCOMPARE(Told(PlanText({type}, scale, "type,territory,x,z\nDeer,North,5,5")),
-             "row 2: it has no place, because the world has no size");
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    WorldScale noWorld = SetZoneWorld();
+    noWorld.pixelsPerMetreX = infinity;
+    WorldScale noLayers = SetZoneWorld();
+    noLayers.pixelsPerMetreZ = 0;
+    noLayers.metresPerPixelZ = infinity;
+    ZoneRecord zone;
+    zone.values.radius = 100;
+    const TypeRecord type{"Deer", {TerritoryRecord{"North", 1, true, {zone}}}};
+    for (const WorldScale& scale : {noWorld, noLayers}) {
+        for (const char* row : {"x,z\nDeer,North,,5,5", "depth\nDeer,North,1,9"}) {
+            QCOMPARE(Told(PlanText({type}, scale, QByteArray("type,territory,number,") + row)),
+                     "row 2: it has no place, because the world has no size");
+        }
+    }
 }
 
 /// Changes any cells of any rows to values that are allowed, and expects the table that they make.
