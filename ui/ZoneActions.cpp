@@ -3,6 +3,8 @@
 #include "app/ProjectSettings.h"
 #include "canvas/MainScene.h"
 #include "document/Document.h"
+#include "document/Formulas.h"
+#include "document/LiveLayers.h"
 #include "document/edits/ZoneEdits.h"
 #include "territories/TerritoryType.h"
 #include "territories/Zone.h"
@@ -160,6 +162,9 @@ void ZoneActions::Align()
 void ZoneActions::Scatter()
 {
     Document& document = m_parts.document;
+    // No layer changes while the dialog reads the masks.
+    document.Live().Finish();
+    document.LayerFormulas().TellChanges();
     DialogScatter dialog(document, m_parts.scene, &m_parts.window);
     Territory* territory = document.CurrentTerritory();
     if (dialog.exec() != QDialog::Accepted || !territory) {

@@ -1,11 +1,18 @@
 #include "app/ProjectSettings.h"
 #include "canvas/ZonePreview.h"
 #include "document/Document.h"
+#include "document/LiveLayers.h"
+#include "document/edits/LayerEdits.h"
+#include "document/edits/PaintMask.h"
 #include "document/edits/TerritoryEdits.h"
 #include "document/edits/ZoneEdits.h"
+#include "layers/Formula.h"
+#include "layers/Layer.h"
+#include "layers/raster/Mask.h"
 #include "territories/TerritoryRecords.h"
 #include "territories/TerritoryType.h"
 #include "territories/Zone.h"
+#include "tests/support/Masks.h"
 #include "tests/support/WindowFixture.h"
 
 #include <QAction>
@@ -24,6 +31,7 @@
 #include <QTest>
 #include <QTreeView>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -140,6 +148,7 @@ private slots:
     void Joins();
     void Duplicates();
     void Scatters();
+    void ScattersInsideLiveLayersThatWaited();
     void ScatterSaysWhenFewerFit();
     void ScatterIsAcceptedBeforeItIsDone();
     void ACancelledScatterLeavesNothing();
@@ -480,6 +489,40 @@ void tst_ZoneActions::Scatters()
         }
     }
     editor.VerifyOneStep("Add 12 zones to North");
+}
+
+void tst_ZoneActions::ScattersInsideLiveLayersThatWaited()
+{
+    Editor editor;
+    Layer* red = editor.Doc().Layers().LayerByName("red");
+    const QString code = Formula{OperationComplement, {red->Id()}, 0}.Code();
+    editor.Doc().Do(Edits::AddComputedLayer(editor.Doc().Layers(), "land", code,
+                                            EvaluateAtLayerSize(editor.Doc().Layers(), code),
+                                            true));
+    editor.Doc().Live().SetFrameCost(0);
+    Layer* land = editor.Doc().Layers().LayerByName("land");
+    QImage half = red->Image();
+    half.fill(raster::MaskClear);
+    for (int y = 0; y < half.height() / 2; ++y) {
+        std::fill_n(half.scanLine(y), half.width(), raster::MaskSet);
+    }
+    editor.Doc().Do(std::make_unique<PaintMask>(QString(), *red, half));
+    QVERIFY(editor.Doc().Live().IsPending(*land));
+    const int old = editor.north->Zones().size();
+    editor.answers.Add([](QWidget& dialog) {
+        Editor::Type(dialog, "spnScatterCount", "20");
+        Editor::Type(dialog, "spnScatterDistance", "5");
+        Editor::Row(dialog, "lstScatterInside", "land")->setCheckState(Qt::Checked);
+        QTRY_COMPARE(Editor::Label(dialog, "lblScatterResult"), "All 20 zones fit.");
+        QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
+    });
+    editor.Trigger("actionZonesScatter");
+
+    const QVector<Zone*> zones = Editor::ZonesOf(editor.north).mid(old);
+    QCOMPARE(zones.size(), 20);
+    for (const Zone* zone : zones) {
+        QVERIFY(zone->pos().y() >= half.height() / 2);
+    }
 }
 
 void tst_ZoneActions::ScatterSaysWhenFewerFit()
