@@ -37,6 +37,5 @@ qint64 PaintRegion(const MapToolParts& parts, Layer& layer, const QString& text,
         LogError(QStringLiteral("There is no memory to paint on layer '%1'.").arg(layer.text()));
         return 0;
     }
-    parts.document.Do(std::move(edit));
-    return count;
+    return parts.document.Do(std::move(edit)) ? count : 0;
 }

@@ -109,6 +109,9 @@ void tst_FillTool::FillsTheWholeMapAndSaysSo()
     canvas.Tools().Choose(PaintToolKind::Fill);
     canvas.Click({150, 100});
     QCOMPARE(log.Take(), QStringList("Info: Filled 90.6 % of the map on layer 'Forest'."));
+    // All of it is filled already.
+    canvas.Click({150, 100});
+    QCOMPARE(log.Take(), QStringList());
     canvas.Click({150, 100}, Qt::RightButton);
     QCOMPARE(log.Take(), QStringList("Info: Erased 100.0 % of the map on layer 'Forest'."));
     canvas.document.Undo();
