@@ -7,8 +7,10 @@
 #include <QFileInfo>
 #include <QMultiHash>
 #include <QPair>
+#include <QStringList>
 #include <QUrl>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -23,13 +25,12 @@ QString ToPart(const QString& text)
     return QString::fromLatin1(QUrl::toPercentEncoding(text, " '(),:"));
 }
 
-/// What findings that follow one another have in common.
-using About = QPair<QPair<QString, int>, const void*>;
+/// What findings that follow one another have in common, besides their rule.
+using About = QPair<const void*, int>;
 
 About AboutOf(const Problem& problem)
 {
-    const Finding& finding = problem.finding;
-    return {{finding.rule, static_cast<int>(finding.part)}, problem.Thing()};
+    return {problem.Thing(), static_cast<int>(problem.finding.part)};
 }
 
 QString FromPart(const QString& part)
@@ -58,7 +59,7 @@ AcceptedFindings::AcceptedFindings(const Document& document, const Problems& pro
             Read(QFileInfo(settings.ProjectFilePath()).absoluteFilePath());
         }
     });
-    connect(&document, &Document::FilesNoted, this, &AcceptedFindings::Write);
+    connect(&document, &Document::FilesNoted, this, &AcceptedFindings::WriteAll);
 }
 
 AcceptedFindings::Key AcceptedFindings::KeyOf(const Problem& problem)
@@ -74,14 +75,17 @@ bool AcceptedFindings::Contains(const Problem& problem) const
 
 void AcceptedFindings::Set(const ProblemList& problems, bool areAccepted)
 {
+    QSet<Key> chosen;
     for (const Problem& problem : problems) {
-        if (areAccepted) {
-            m_keys.insert(KeyOf(problem));
-        } else {
-            m_keys.remove(KeyOf(problem));
-        }
+        chosen.insert(KeyOf(problem));
     }
-    Write();
+    const auto with = [&chosen, areAccepted](const QSet<Key>& keys) {
+        return areAccepted ? keys + chosen : keys - chosen;
+    };
+    if (HasFile()) {
+        Write(with(m_written));
+    }
+    m_keys = with(m_keys);
     Count();
     emit Changed();
 }
@@ -89,9 +93,8 @@ void AcceptedFindings::Set(const ProblemList& problems, bool areAccepted)
 void AcceptedFindings::FollowProblems()
 {
     const ProblemList before = std::exchange(m_present, {});
-    const std::vector<Problems::Part> parts = m_problems.Parts();
-    if (!before.empty() && Carry(before, parts)) {
-        Write();
+    if (!before.empty()) {
+        Carry(before, m_problems.Parts());
     }
     Count();
     emit Changed();
@@ -100,11 +103,10 @@ void AcceptedFindings::FollowProblems()
 /// Findings are kept by their texts, which have the numbers of zones. After an edit another zone
 /// may have the number, so the present finding of the same rule about the same thing is the one
 /// that was accepted: with the same text if there is one, otherwise with other numbers.
-/// One that was open before is another one.
+/// A finding that was already open is not the accepted one.
 ///
-/// Returns whether other texts are accepted now. Any number of findings may be accepted, so none of
-/// them is looked for in a list.
-bool AcceptedFindings::Carry(const ProblemList& accepted, const std::vector<Problems::Part>& parts)
+/// Any number of findings may be accepted, so none of them is looked for in a list.
+void AcceptedFindings::Carry(const ProblemList& accepted, const std::vector<Problems::Part>& parts)
 {
     struct Kept
     {
@@ -119,17 +121,24 @@ bool AcceptedFindings::Carry(const ProblemList& accepted, const std::vector<Prob
     }
     for (const Problems::Part& part : parts) {
         for (const Problem& each : *part) {
-            if (m_open.contains({KeyOf(each), each.Thing()})) {
-                // It was there beside the accepted one.
+            const About about = AboutOf(each);
+            auto it = kept.find(about);
+            if (it == kept.end() || m_open.contains({KeyOf(each), each.Thing()})) {
                 continue;
             }
-            const About about = AboutOf(each);
-            for (auto it = kept.find(about); it != kept.end() && it.key() == about; ++it) {
-                if (!it->now || KeyOf(each) == KeyOf(*it->before)) {
+            for (; it != kept.end() && it.key() == about; ++it) {
+                if (it->before->finding.rule == each.finding.rule &&
+                    (!it->now || KeyOf(each) == KeyOf(*it->before))) {
                     it->now = &each;
                 }
             }
         }
+    }
+    const bool areOthers = std::any_of(kept.cbegin(), kept.cend(), [](const Kept& each) {
+        return each.now && !(KeyOf(*each.now) == KeyOf(*each.before));
+    });
+    if (!areOthers) {
+        return;
     }
     QSet<Key> left;
     QSet<Key> carried;
@@ -141,7 +150,6 @@ bool AcceptedFindings::Carry(const ProblemList& accepted, const std::vector<Prob
     }
     m_keys -= left;
     m_keys += carried;
-    return left != carried;
 }
 
 void AcceptedFindings::Count()
@@ -150,16 +158,27 @@ void AcceptedFindings::Count()
     m_open.clear();
     m_openCount = 0;
     m_openErrorCount = 0;
+    QSet<About> accepted;
     const std::vector<Problems::Part> parts = m_problems.Parts();
     for (const Problems::Part& part : parts) {
         for (const Problem& problem : *part) {
             if (Contains(problem)) {
                 m_present.push_back(problem);
+                accepted.insert(AboutOf(problem));
                 continue;
             }
-            m_open.insert({KeyOf(problem), problem.Thing()});
             ++m_openCount;
             m_openErrorCount += problem.finding.severity == Severity::Error ? 1 : 0;
+        }
+    }
+    if (accepted.isEmpty()) {
+        return;
+    }
+    for (const Problems::Part& part : parts) {
+        for (const Problem& problem : *part) {
+            if (accepted.contains(AboutOf(problem)) && !Contains(problem)) {
+                m_open.insert({KeyOf(problem), problem.Thing()});
+            }
         }
     }
 }
@@ -169,37 +188,53 @@ void AcceptedFindings::Discard(const QString& path)
     ProjectNotes::Write(Group, path, {});
 }
 
-/// Adds what was accepted in this project before.
-void AcceptedFindings::Read(const QString& path)
-{
-    m_path = path;
-    m_written = ProjectNotes::Read(Group, path);
-    for (const QString& text : qAsConst(m_written)) {
-        const QStringList parts = text.split(Separator);
-        m_keys.insert(
-            {FromPart(parts.value(0)), FromPart(parts.value(1)), FromPart(parts.value(2))});
-    }
-}
-
-void AcceptedFindings::Write()
+bool AcceptedFindings::HasFile()
 {
     const QString& path = m_document.Path();
     if (path.isEmpty() || !m_document.IsEditable()) {
-        return;
+        return false;
     }
     if (m_path.isEmpty()) {
         // An earlier version or an import is saved over the project.
         Read(path);
     }
-    QStringList keys;
-    for (const Key& key : qAsConst(m_keys)) {
-        keys.append(ToPart(key.rule) + Separator + ToPart(key.place) + Separator +
-                    ToPart(key.text));
+    return true;
+}
+
+/// Adds what was accepted in this project before.
+void AcceptedFindings::Read(const QString& path)
+{
+    m_path = path;
+    m_written.clear();
+    const QStringList texts = ProjectNotes::Read(Group, path);
+    for (const QString& text : texts) {
+        const QStringList parts = text.split(Separator);
+        m_written.insert(
+            {FromPart(parts.value(0)), FromPart(parts.value(1)), FromPart(parts.value(2))});
     }
-    keys.sort();
-    if (path != m_path || keys != m_written) {
-        m_path = path;
-        m_written = keys;
-        ProjectNotes::Write(Group, path, keys);
+    m_keys += m_written;
+}
+
+void AcceptedFindings::WriteAll()
+{
+    if (HasFile()) {
+        Write(m_keys);
     }
+}
+
+void AcceptedFindings::Write(const QSet<Key>& keys)
+{
+    const QString& path = m_document.Path();
+    if (path == m_path && keys == m_written) {
+        return;
+    }
+    m_path = path;
+    m_written = keys;
+    QStringList texts;
+    for (const Key& key : keys) {
+        texts.append(ToPart(key.rule) + Separator + ToPart(key.place) + Separator +
+                     ToPart(key.text));
+    }
+    texts.sort();
+    ProjectNotes::Write(Group, path, texts);
 }

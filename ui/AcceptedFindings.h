@@ -6,7 +6,6 @@
 #include <QPair>
 #include <QSet>
 #include <QString>
-#include <QStringList>
 
 #include <vector>
 
@@ -14,7 +13,8 @@ class Document;
 
 /// The findings that the user accepted because they are meant so, kept in the user's settings for
 /// each project. They are known by rule, place and text. While the project is open, a finding that
-/// is renamed, or whose numbers change, stays accepted: it is known by its thing too.
+/// is renamed, or whose numbers change, stays accepted: it is known by its thing too. The settings
+/// hold the texts of the project's files, so that they still fit when edits are discarded.
 class AcceptedFindings : public QObject
 {
     Q_OBJECT
@@ -56,21 +56,27 @@ private:
 
     static Key KeyOf(const Problem& problem);
     void FollowProblems();
-    bool Carry(const ProblemList& accepted, const std::vector<Problems::Part>& parts);
+    void Carry(const ProblemList& accepted, const std::vector<Problems::Part>& parts);
     void Count();
+    /// Whether the project is in a file whose accepted findings the settings may hold. They are
+    /// read if that was not done before.
+    bool HasFile();
     void Read(const QString& path);
-    void Write();
+    /// After the project was saved.
+    void WriteAll();
+    void Write(const QSet<Key>& keys);
 
     const Document& m_document;
     const Problems& m_problems;
     QSet<Key> m_keys;
     /// The present findings that are accepted.
     ProblemList m_present;
-    /// The present findings that are not, with their things, which may be gone.
+    /// The present findings that are not, as far as they are about the same things, which may be
+    /// gone.
     QSet<QPair<Key, const void*>> m_open;
     int m_openCount = 0;
     int m_openErrorCount = 0;
     /// What the settings hold.
     QString m_path;
-    QStringList m_written;
+    QSet<Key> m_written;
 };

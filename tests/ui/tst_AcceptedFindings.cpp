@@ -18,6 +18,7 @@ private slots:
     void FollowTheirThings();
     void FollowZonesWhoseNumberChanges();
     void LeaveOthersOfTheirThingOpen();
+    void FitTheFileWhenEditsAreDiscarded();
     void OutliveAnEarlierVersion();
 };
 
@@ -113,6 +114,36 @@ void tst_AcceptedFindings::LeaveOthersOfTheirThingOpen()
     values.counts.staticMax = 9;
     document.Do(Edits::ChangeZone(broken.TheZone(), values, Property::ZoneStaticMax));
     QVERIFY(broken.RowOf("dynamic minimum") >= 0);
+}
+
+void tst_AcceptedFindings::FitTheFileWhenEditsAreDiscarded()
+{
+    BrokenFixture broken;
+    Document& document = broken.fixture.window->GetDocument();
+    Territory& north = *broken.TheZone().Holder();
+    ZoneValues values = broken.TheZone().Values();
+    values.counts = {};
+    values.radius = 45;
+    document.Do(Edits::InsertZone(north, {100, 100}, values));
+    document.Do(Edits::InsertZone(north, {500, 500}, values));
+    broken.fixture.Trigger("actionQuickSave");
+    const QStringList before = broken.Rows();
+    const auto rowOf = [&broken](int zone) {
+        return broken.RowOf(QStringLiteral("45 m is outside 50 to 32768 m. | zone %1 ").arg(zone));
+    };
+    const int last = north.Zones().size();
+    broken.Click(rowOf(last));
+    broken.Press("btnFindingAccept");
+    document.Do(Edits::RemoveZones({&broken.TheZone()}));
+    document.Do(Edits::Rename(north, QStringLiteral("South")));
+    QCOMPARE(rowOf(last - 1), -1);
+
+    broken.fixture.answers.AddButton(QStringLiteral("Yes"));
+    broken.fixture.Load(broken.path);
+
+    QCOMPARE(rowOf(last), -1);
+    QCOMPARE(broken.Rows().size(), before.size() - 1);
+    QVERIFY(rowOf(last - 1) >= 0);
 }
 
 void tst_AcceptedFindings::OutliveAnEarlierVersion()
