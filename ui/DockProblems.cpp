@@ -17,7 +17,6 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 DockProblems::DockProblems(Document& document, Problems& problems, AcceptedFindings& accepted,
@@ -109,26 +108,38 @@ void DockProblems::Refresh()
     if (!m_isSeen) {
         return;
     }
-    const QModelIndex current = m_view->currentIndex();
-    const Problem* selected = Selected();
+    const int row = m_view->currentIndex().row();
     // The model lets its findings go.
-    const std::optional<Problem> before =
-        selected ? std::optional<Problem>(*selected) : std::nullopt;
+    const ProblemList before = SelectedProblems();
     m_model->Show(m_problems.Parts(), m_accepted, m_withAccepted->isChecked());
-    if (before) {
-        SelectAgain(&*before, current.row());
-    }
+    SelectAgain(before, row);
     ShowState();
 }
 
-/// The same finding, or when it is gone the one that has taken its row, so that the user can go
-/// through the list with one button.
-void DockProblems::SelectAgain(const Problem* before, int row)
+/// The same findings. When the only one is gone, the one that has taken its row, so that the user
+/// can go through the list with one button.
+void DockProblems::SelectAgain(const ProblemList& before, int row)
 {
-    const int found = m_model->RowOf(*before);
-    const int chosen = found >= 0 ? found : std::min(row, m_model->rowCount() - 1);
-    if (chosen >= 0) {
-        m_view->setCurrentIndex(m_model->index(chosen, ProblemModel::SentenceColumn));
+    if (before.size() == 1) {
+        const int found = m_model->RowOf(before.front());
+        const int chosen = found >= 0 ? found : std::min(row, m_model->rowCount() - 1);
+        if (chosen >= 0) {
+            m_view->setCurrentIndex(m_model->index(chosen, ProblemModel::SentenceColumn));
+        }
+        return;
+    }
+    QItemSelection selection;
+    const QVector<int> found = before.empty() ? QVector<int>() : m_model->RowsOf(before);
+    for (const int each : found) {
+        selection.append(QItemSelectionRange(m_model->index(each, 0),
+                                             m_model->index(each, ProblemModel::ColumnCount - 1)));
+    }
+    if (!found.isEmpty()) {
+        // The keys go on from the last one.
+        m_view->selectionModel()->setCurrentIndex(
+            m_model->index(found.constLast(), ProblemModel::SentenceColumn),
+            QItemSelectionModel::NoUpdate);
+        m_view->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
     }
 }
 
@@ -147,6 +158,16 @@ QVector<int> DockProblems::SelectedRows() const
         rows.append(index.row());
     }
     return rows;
+}
+
+ProblemList DockProblems::SelectedProblems() const
+{
+    ProblemList problems;
+    const QVector<int> rows = SelectedRows();
+    for (const int row : rows) {
+        problems.push_back(*m_model->ProblemAt(row));
+    }
+    return problems;
 }
 
 bool DockProblems::AreSelectedAccepted() const
@@ -209,10 +230,5 @@ void DockProblems::FixSelected()
 
 void DockProblems::AcceptSelected()
 {
-    ProblemList chosen;
-    const QVector<int> rows = SelectedRows();
-    for (const int row : rows) {
-        chosen.push_back(*m_model->ProblemAt(row));
-    }
-    m_accepted.Set(chosen, !AreSelectedAccepted());
+    m_accepted.Set(SelectedProblems(), !AreSelectedAccepted());
 }

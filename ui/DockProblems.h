@@ -39,10 +39,11 @@ private:
     void MakeView();
     void SetSeen(bool isSeen);
     void Refresh();
-    void SelectAgain(const Problem* before, int row);
+    void SelectAgain(const ProblemList& before, int row);
     void ShowState();
     const Problem* Selected() const;
     QVector<int> SelectedRows() const;
+    ProblemList SelectedProblems() const;
     bool AreSelectedAccepted() const;
     void ShowSelected();
     void FixSelected();

@@ -4,7 +4,9 @@
 #include "ui/NameList.h"
 
 #include <QGuiApplication>
+#include <QPair>
 #include <QPalette>
+#include <QSet>
 
 #include <algorithm>
 
@@ -110,6 +112,26 @@ int ProblemModel::RowOf(const Problem& problem) const
         }
     }
     return alike;
+}
+
+QVector<int> ProblemModel::RowsOf(const ProblemList& problems) const
+{
+    using Words = QPair<QString, QPair<QString, QString>>;
+    const auto wordsOf = [](const Problem& problem) {
+        const Finding& finding = problem.finding;
+        return Words(finding.rule, {finding.place, finding.text});
+    };
+    QSet<Words> wanted;
+    for (const Problem& problem : problems) {
+        wanted.insert(wordsOf(problem));
+    }
+    QVector<int> rows;
+    for (int row = 0; row < rowCount(); ++row) {
+        if (wanted.contains(wordsOf(*ProblemAt(row)))) {
+            rows.append(row);
+        }
+    }
+    return rows;
 }
 
 int ProblemModel::rowCount(const QModelIndex& parent) const

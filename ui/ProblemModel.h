@@ -37,6 +37,8 @@ public:
     bool IsAccepted(int row) const;
     /// The row of the finding, or of one of the same rule about the same thing; -1 for none.
     int RowOf(const Problem& problem) const;
+    /// The rows of those that are still there. The list may hold as many as the model.
+    QVector<int> RowsOf(const ProblemList& problems) const;
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;

@@ -20,10 +20,12 @@
 #include <QFileInfo>
 #include <QGroupBox>
 #include <QImage>
+#include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
+
 #include <QTest>
 #include <QToolBar>
 #include <QTreeView>
@@ -53,6 +55,7 @@ private slots:
     void TellsOfLayersThatLieOutside();
     void TellsThatTheProjectHasNoPlace();
     void FollowsBitmapsThatEndTooEarly();
+    void KeepsTheSelectionWhenFindingsCome();
     void LogsNothing();
 };
 
@@ -379,6 +382,33 @@ void tst_DockProblems::FollowsBitmapsThatEndTooEarly()
     cutOff();
     QTRY_COMPARE_WITH_TIMEOUT(broken.Badge(), QStringLiteral("4 problems"), Longest);
     QVERIFY(broken.RowOf(finding) >= 0);
+}
+
+void tst_DockProblems::KeepsTheSelectionWhenFindingsCome()
+{
+    BrokenFixture broken;
+    QCOMPARE(broken.Rows(), (QStringList{Minimum, Hidden, Radius}));
+    broken.Click(1);
+    QTest::keyClick(&broken.View(), Qt::Key_Down, Qt::ShiftModifier);
+    const auto selected = [&broken] {
+        QStringList rows;
+        const QModelIndexList indexes = broken.View().selectionModel()->selectedRows(1);
+        for (const QModelIndex& index : indexes) {
+            rows.append(index.data().toString());
+        }
+        return rows;
+    };
+    const QStringList before = selected();
+    QCOMPARE(before.size(), 2);
+
+    ZoneValues values = broken.TheZone().Values();
+    values.counts.dynamicMin = 9;
+    broken.fixture.window->GetDocument().Do(
+        Edits::ChangeZone(broken.TheZone(), values, Property::ZoneDynamicMin));
+
+    QCOMPARE(broken.Rows().size(), 4);
+    QCOMPARE(selected(), before);
+    QVERIFY(broken.fixture.Child<QPushButton>("btnFindingAccept")->isEnabled());
 }
 
 void tst_DockProblems::LogsNothing()
