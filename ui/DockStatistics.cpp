@@ -52,7 +52,7 @@ QWidget* DockStatistics::MakeContents()
     m_tabs = new QTabWidget;
     m_tabs->setObjectName(QStringLiteral("tabNumbers"));
     // A dock that is shown gets the least width.
-    constexpr int widthOfNumbers = 300;
+    constexpr int widthOfNumbers = 270;
     m_tabs->setMinimumWidth(widthOfNumbers);
     AddTable(m_layers, "viewLayerNumbers", LayerNumberColumns());
     AddTable(m_flags, "viewFlagNumbers", FlagNumberColumns());

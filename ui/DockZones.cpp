@@ -45,8 +45,8 @@ int WidthOf(ZoneColumn column)
     }
 }
 
-/// Lists how a filter may go on. None of it is current before the user goes there: otherwise Enter
-/// takes the first after a space, and selects no zones.
+/// Lists how a filter may go on. No entry is current until the user moves to one. Otherwise Enter
+/// after a space would choose the first entry instead of selecting zones.
 class FilterCompleter : public QCompleter
 {
 public:
@@ -153,6 +153,9 @@ void DockZones::BeginFilter()
     raise();
     m_ui->txtZonesFilter->setFocus();
     m_ui->txtZonesFilter->selectAll();
+    if (isFloating()) {
+        activateWindow();
+    }
 }
 
 void DockZones::SetSeen(bool isSeen)

@@ -52,6 +52,7 @@
 #include <QCloseEvent>
 #include <QMessageBox>
 #include <QResizeEvent>
+#include <QScreen>
 #include <QTimer>
 
 namespace {
@@ -142,6 +143,7 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
     m_brush->setVisible(m_ui->gboPaintMode->isChecked());
     ShowDockStates();
     WindowState::MaximizeIfTooLarge(*this);
+    MakeRoomForDocks();
     m_ui->paintView->SetBrushDock(m_brush.get());
     const ProjectSettings& settings = ProjectSettings::Instance();
     if (settings.LayerWidth() > 0) {
@@ -151,7 +153,8 @@ QuillmapWindow::QuillmapWindow(const QString& configPath, QWidget* parent)
 
 QuillmapWindow::~QuillmapWindow()
 {
-    // Selected zones that go tell the scene, which would ask the document that goes with them.
+    // A zone that dies while it is selected notifies the scene, which would ask the document in the
+    // middle of its end.
     m_ui->paintView->Scene()->clearSelection();
     // The children's signals and events must not reach this half-destroyed window.
     const QList<QObject*> children = findChildren<QObject*>();
@@ -446,10 +449,25 @@ void QuillmapWindow::UpdateWorldPos(int x, int z)
     m_ui->lblWorldPosZ->setText(StatusTexts::Position(AxisZ, z, zoom, settings.MetresPerPixelZ()));
 }
 
+/// Docks that are opened later leave the window on its screen.
+void QuillmapWindow::MakeRoomForDocks()
+{
+    const QList<QDockWidget*> docks = findChildren<QDockWidget*>();
+    for (QDockWidget* dock : docks) {
+        connect(dock, &QDockWidget::visibilityChanged, this, [this, dock](bool isVisible) {
+            if (isVisible && this->isVisible()) {
+                QTimer::singleShot(0, dock, [this, dock] {
+                    WindowState::MakeRoom(*this, *dock, screen()->availableGeometry().size());
+                });
+            }
+        });
+    }
+}
+
 void QuillmapWindow::resizeEvent(QResizeEvent* event)
 {
     QMainWindow::resizeEvent(event);
-    // Not the user, but a dock that was opened made the window larger.
+    // The program resized the window, for example because a dock was opened.
     if (!event->spontaneous() && isVisible()) {
         QTimer::singleShot(0, this, [this] { WindowState::KeepOnScreen(*this); });
     }

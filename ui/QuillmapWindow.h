@@ -120,6 +120,7 @@ protected:
 private:
     void AddDocks();
     void OrderTabs();
+    void MakeRoomForDocks();
     void ConnectLog();
     void ConnectActions();
     void ConnectLayers();

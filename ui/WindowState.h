@@ -1,6 +1,8 @@
 #pragma once
 
+class QDockWidget;
 class QMainWindow;
+class QSize;
 
 /// Where the main window and its docks stand on the screen, and where they stood when it was last
 /// closed. That and the folder of the project that was open are kept in the user's settings.
@@ -11,6 +13,10 @@ namespace WindowState {
 void FitScreen(QMainWindow& window);
 /// Maximises a window whose smallest size, with the docks that are open, does not fit the screen.
 void MaximizeIfTooLarge(QMainWindow& window);
+/// For a dock that was just opened. Where the window with its frame would be larger than the room,
+/// the dock becomes a tab of another one on its side, or floats at the lower edge of the window. In
+/// a room that is too small for the window with any docks, nothing changes.
+void MakeRoom(QMainWindow& window, QDockWidget& opened, const QSize& room);
 /// Moves a shown window back where it reaches over an edge of the screens.
 void KeepOnScreen(QMainWindow& window);
 

@@ -3,6 +3,7 @@
 #include "canvas/BrushDock.h"
 #include "canvas/WidgetRuler.h"
 #include "tests/support/WindowFixture.h"
+#include "ui/WindowState.h"
 #include "ui/widgets/ElidedLabel.h"
 #include "ui/widgets/NamedGroupBox.h"
 
@@ -20,6 +21,7 @@
 #include <QWheelEvent>
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -28,7 +30,11 @@ constexpr QSize SmallScreen(1366, 768);
 /// A title bar and borders, as window systems draw them.
 constexpr QSize WindowFrame(4, 30);
 
-/// Opens every dock of the window.
+/// The actions of the docks that are closed at first.
+constexpr const char* LaterDocks[] = {"actionHistory",    "actionProbe",      "actionOverview",
+                                      "actionStatistics", "actionZonesTable", "actionProblems"};
+
+/// Opens the other docks of the window.
 void OpenDocks(WindowFixture& fixture)
 {
     fixture.Load(fixture.WriteProject());
@@ -65,6 +71,7 @@ private slots:
     void CutsNoTextBelowTheMap();
     void FitsASmallScreenWithAllDocks();
     void StaysOnTheScreenWhenDocksOpen();
+    void DocksFindRoomOnASmallScreen();
     void OpensMaximizedWhereItDoesNotFit();
     void TabsFromTheLayersToTheirProperties();
     void EndsWithADockOutOfTheWindow();
@@ -377,6 +384,43 @@ void tst_QuillmapWindow::StaysOnTheScreenWhenDocksOpen()
             QTRY_VERIFY2(room.contains(fixture.window->frameGeometry()), action);
         }
     }
+    for (const char* action : LaterDocks) {
+        fixture.Trigger(action);
+        QTRY_VERIFY2(fixture.Action(action)->isChecked(), action);
+        // The window grows before the dock finds its room.
+        QTest::qWait(50);
+        QTRY_VERIFY2(room.contains(fixture.window->frameGeometry()), action);
+    }
+}
+
+void tst_QuillmapWindow::DocksFindRoomOnASmallScreen()
+{
+    WindowFixture fixture;
+    OpenDocks(fixture);
+    const auto fits = [&fixture] {
+        const QSize smallest = fixture.window->minimumSizeHint() + WindowFrame;
+        return smallest.width() <= SmallScreen.width() && smallest.height() <= SmallScreen.height();
+    };
+    QVERIFY(fits());
+    const QList<QDockWidget*> docks = fixture.window->findChildren<QDockWidget*>();
+    for (const char* action : LaterDocks) {
+        QList<QDockWidget*> shown;
+        std::copy_if(docks.begin(), docks.end(), std::back_inserter(shown),
+                     [](const QDockWidget* dock) { return dock->isHidden(); });
+        fixture.Trigger(action);
+        const auto opened = std::find_if(shown.begin(), shown.end(),
+                                         [](const QDockWidget* dock) { return !dock->isHidden(); });
+        QVERIFY2(opened != shown.end(), action);
+
+        WindowState::MakeRoom(*fixture.window, **opened, SmallScreen);
+
+        QVERIFY2((*opened)->isVisible(), action);
+        QVERIFY2(fits(), action);
+    }
+    // Where there is room, docks stay where they are.
+    fixture.Child<QDockWidget>("DockZones")->setFloating(false);
+    WindowState::MakeRoom(*fixture.window, *fixture.Child<QDockWidget>("DockZones"), {3840, 2160});
+    QVERIFY(!fixture.Child<QDockWidget>("DockZones")->isFloating());
 }
 
 void tst_QuillmapWindow::OpensMaximizedWhereItDoesNotFit()
