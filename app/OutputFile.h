@@ -68,6 +68,6 @@ private:
 /// Lets the group of this thread take the file; without one, puts it in its place.
 std::error_code PutInPlace(HiddenFile& file, const QString& place);
 
-/// What a link leads to, whether or not that exists; without links in its folders, behind which
-/// ".." would be misread. Empty when its folder does not exist.
+/// The path to which a link leads, whether or not it exists. Links in its folders are resolved,
+/// because ".." behind a link would be misread. Empty when its folder does not exist.
 QString FollowedPath(const QString& path);

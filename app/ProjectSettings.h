@@ -47,10 +47,10 @@ public:
     float MetresPerPixelZ() const { return m_metresPerPixelZ; }
     float PixelsPerMetreX() const { return m_pixelsPerMetreX; }
     float PixelsPerMetreZ() const { return m_pixelsPerMetreZ; }
-    /// Of every layer, in pixels.
+    /// The size of every layer in pixels.
     int LayerWidth() const { return m_layerWidth; }
     int LayerHeight() const { return m_layerHeight; }
-    /// Of the world, in metres.
+    /// The size of the world in metres.
     int WorldWidth() const { return m_worldWidth; }
     int WorldHeight() const { return m_worldHeight; }
 

@@ -41,14 +41,14 @@ public:
     QRect Dab(const Brush& brush, BrushAction action);
     QRect Segment(const Brush& brush, BrushAction action, QPointF from);
 
-    /// From here on, what the mask was like before is recorded; EndStroke returns it. Until then
-    /// only the limit's pixels change; a limit of another size is none.
+    /// Begins to record the mask as it was before the stroke; EndStroke returns the record. Until
+    /// then only the limit's pixels change. A limit of another size is none.
     void BeginStroke(const PixelLimit& limit = {});
     raster::MaskDelta EndStroke();
     /// Gives the layer back the mask that it had at BeginStroke.
     void CancelStroke();
 
-    /// Of the picture in layer pixels; empty without one.
+    /// The size of the picture in layer pixels; empty without one.
     QSize Size() const { return m_mask.size(); }
     /// Paints the exposed part of the picture; layer pixels are scene units.
     void Paint(QPainter& painter, const QRectF& exposed) const;
@@ -59,8 +59,8 @@ private:
     using Draw = std::function<void(QImage& image, const BrushPatch& patch)>;
 
     QRect Step(const Brush& brush, BrushAction action, const QRect& touched, const Draw& draw);
-    // Those that return a bool return false if there is not enough memory. Mask and layer do not
-    // change then.
+    // The functions that return a bool return false if there is not enough memory. Mask and layer
+    // do not change then.
     bool Prepare(Layer& layer, const Brush& brush, BrushAction action);
     bool PaintPart(Layer& layer, const QRect& part, const Draw& draw);
     bool IsHandedOver(const Layer& layer) const;

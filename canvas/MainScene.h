@@ -53,16 +53,16 @@ public:
     Layer* CurrentLayer() const;
     /// By ascending id. They may belong to several territories.
     QVector<Zone*> SelectedZones() const;
-    /// Selects exactly these zones, whichever territory holds them, in any mode. Those that are not
-    /// the current territory's are shown while they are selected, and the mouse cannot move them.
+    /// Selects exactly these zones, whichever territory holds them, in any mode. Zones of other
+    /// territories than the current one are shown while selected, and the mouse cannot move them.
     /// It ends a drag. ZoneSelected is emitted at most once.
     void SelectZones(const QVector<Zone*>& zones);
-    /// Deselects those that are not the current territory's.
+    /// Deselects the zones of all but the current territory.
     void DeselectOthers();
 
-    /// Those of the Paint mode; null without a document.
+    /// The tools of the Paint mode; null without a document.
     PaintTools* GetPaintTools() const { return m_paintTools; }
-    /// That of the Select mode; null without a document.
+    /// The tool of the Select mode; null without a document.
     SelectTool* GetSelectTool() const { return m_selectTool; }
     /// Shows over the map which tool works there.
     void ShowToolCursor();
@@ -76,10 +76,10 @@ public:
     void ShowPainted(const QRect& changed);
     /// Releases all references to the layer's mask, because it is about to change in place.
     void ReleasePixels(const Layer& layer);
-    /// Shows the mask of a layer that is not being edited again. changed: where it differs from
+    /// Shows again the mask of a layer that is not being edited. changed: where it differs from
     /// what was shown. False when the layer is not shown.
     bool ReplacePixels(const Layer& layer, const QRect& changed);
-    /// Takes the mask of the layer being edited back.
+    /// Loads the mask of the edited layer again after ReleasePixels.
     void ReloadPixels(Layer& layer) { m_painter.Load(&layer); }
     /// Qt's own handling, which selects and moves items.
     void StandardPress(QGraphicsSceneMouseEvent& event);

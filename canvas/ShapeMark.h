@@ -9,8 +9,8 @@ class QGraphicsView;
 class QPainter;
 
 /// The outline of the shape that is being drawn, and its size beside the mouse. It is no item of
-/// the scene. The view owns it and draws it over the map. Only what changes is painted anew: of a
-/// polygon with many corners that are the last ones.
+/// the scene. The view owns it and draws it over the map. Only changed parts are painted anew, such
+/// as the last corners of a large polygon.
 class ShapeMark
 {
 public:

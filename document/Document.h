@@ -38,7 +38,7 @@ class Document : public QObject
 public:
     enum class LayerAspect
     {
-        /// Of the mask.
+        /// The pixels of the mask.
         Pixels,
         Color,
         Opacity,
@@ -84,7 +84,7 @@ public:
     /// Locked layers keep their pixels; all else of them may be edited. Locks are no edits, and are
     /// not in the project's files.
     bool IsLocked(const Layer& layer) const { return m_lockedIds.contains(layer.Id()); }
-    /// Also of layers that were removed and may come back.
+    /// The ids of locked layers, also of removed ones that may come back.
     const QSet<int>& LockedIds() const { return m_lockedIds; }
     void SetLocked(const Layer& layer, bool isLocked);
     /// Why the layer's pixels may not be changed by hand now, as one sentence for the user; empty
@@ -145,8 +145,8 @@ public:
     bool IsAtSavedState() const;
     /// True while undo, redo or the history's view changes the project.
     bool IsTravelling() const { return m_isApplying && !m_isDoing; }
-    /// While LayerChanged is sent for Pixels: what holds all tiles that differ; null when that is
-    /// not known.
+    /// A delta with all tiles that differ, while LayerChanged is sent for Pixels. Null when these
+    /// tiles are not known.
     const raster::MaskDelta* ChangedTiles() const { return m_changedTiles; }
     /// What the history holds of masks.
     HistoryMemory& Memory() { return m_memory; }
@@ -191,12 +191,11 @@ signals:
     /// is taken back.
     void Painted(Layer* layer, const QRect& rect);
     void CurrentLayerChanged();
-    /// What marks the layer's row and decides whether its pixels may be changed: locks, and which
-    /// layer is shown alone. Null means all layers.
+    /// Something changed that marks the layer's row or decides whether its pixels may be changed,
+    /// such as its lock or which layer is shown alone. Null means all layers.
     void LayerMarksChanged(Layer* layer);
     void SoloTerritoryChanged();
-    /// What is known of the formula of a computed layer changed, by an edit or because what waited
-    /// to be computed is.
+    /// The facts about a formula changed: by an edit, or because a waiting layer was computed.
     void FormulaChanged();
     /// Places or values of zones of the territory changed, or zones came or went.
     void ZonesChanged(Territory* territory);
@@ -205,7 +204,7 @@ signals:
     void TypeChanged(TerritoryType* type);
     /// The pixels of a mask are about to change in place; whoever shares them lets them go.
     void PixelsAboutToChange(Layer* layer);
-    /// Sizes, flag types, or the background with its colour.
+    /// The flag types changed.
     void FlagTypesChanged();
     void BackgroundPictureChanged();
     void BackgroundColorChanged();

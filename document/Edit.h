@@ -9,8 +9,8 @@ class QGraphicsScene;
 class Territory;
 class TerritoryType;
 
-/// What an edit is about, for whoever shows it after it was undone or done again. At most one of
-/// the three is set.
+/// The object that an edit is about. The window shows it after undo and redo. At most one of the
+/// three is set.
 struct EditPlace
 {
     EditPlace() = default;

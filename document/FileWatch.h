@@ -14,7 +14,7 @@ struct ForeignChanges
 {
     /// Absolute paths: the document, bitmaps of layers and the background picture.
     QStringList changed;
-    /// Those that are no longer there.
+    /// Files that no longer exist.
     QStringList removed;
 
     bool IsEmpty() const { return changed.isEmpty() && removed.isEmpty(); }
@@ -32,8 +32,8 @@ public:
     explicit FileWatch(const Document& document);
 
 signals:
-    /// The project's files have rested since something was written in a watched folder, maybe none
-    /// of them.
+    /// Something was written in a watched folder, and the project's files have been quiet since. It
+    /// may have been another file.
     void Rested();
     /// Files changed again since the last signal. Empty when they are back as they were.
     void Changed(const ForeignChanges& changes);

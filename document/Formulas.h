@@ -15,9 +15,9 @@
 class Document;
 class Layer;
 
-/// What is known of the computed layers of a document beside their codes, which the layers hold:
-/// what they were computed from, and what has changed since. The document owns it. A layer with a
-/// code for which nothing is known counts as computed when it is asked about first.
+/// The facts about the computed layers of a document: what they were computed from, and what has
+/// changed since. The layers hold their codes. The document owns the object. A layer with a code
+/// but without facts counts as computed when it is asked about first.
 class Formulas : public QObject
 {
     Q_OBJECT
@@ -44,25 +44,25 @@ public:
     /// A copy of the present dependencies.
     FormulaGraph Graph() const;
 
-    /// Nothing for layers of which nothing is known. Those of a layer that follows its operands are
-    /// its present ones.
+    /// The facts of the layer; nothing when there are none. A layer that follows its operands has
+    /// its present facts.
     std::optional<FormulaFacts> FactsOf(const Layer& layer) const;
     /// For edits.
     void SetFacts(const Layer& layer, const std::optional<FormulaFacts>& facts);
-    /// Those of a layer that was computed just now.
+    /// The facts of the layer as if it had been computed just now.
     FormulaFacts PresentFacts(const Layer& layer) const;
     /// Whether the pixels of the layer and of its operands are those of its facts.
     bool IsInStep(const Layer& layer) const;
     /// Whether the layer was to be computed when its facts were noted, and nobody changed it since.
     bool IsWaiting(const Layer& layer) const;
 
-    /// For the project's files, by the names that a save gives to the layers: those of several
-    /// layers may be equal until then.
+    /// The formulas as the project's files hold them. They use the names that a save gives; until
+    /// then several layers may have one name.
     FormulaRecords Records() const;
-    /// Takes over what a file holds, whose name is for messages, of layers that there are. Logs at
-    /// most one line, last.
+    /// Takes over the formulas of existing layers from a file. fileName: for messages. Logs at most
+    /// one line, at the end.
     void Read(const FormulaReading& reading, const QString& fileName);
-    /// States may have changed otherwise than by pixels, names and rows.
+    /// Call this when something other than pixels, names or rows may have changed a state.
     void NoteChange();
     /// Tells who shows states that they may have changed.
     void TellChanges();
@@ -79,7 +79,7 @@ private:
 
     Document& m_document;
     QHash<int, FormulaFacts> m_facts;
-    /// Of layers that formulas need, by id, also of those that are removed.
+    /// The fingerprints of layers that formulas need, by id, also of removed layers.
     mutable QHash<int, raster::MaskFingerprint> m_fingerprints;
     /// The names that layers had last, for those that are missing.
     mutable QHash<int, QString> m_names;

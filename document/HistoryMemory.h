@@ -31,7 +31,7 @@ public:
     int Add(const Edit& edit, raster::MaskDelta& delta);
     /// The delta takes more or less memory than before.
     void Update(int number);
-    /// Before the delta dies.
+    /// Call it before the delta is destroyed.
     void Remove(int number);
 
     /// Brings the memory within the budget. Returns the edits whose masks were lost because the

@@ -179,7 +179,7 @@ void LiveLayers::Rebuild()
     const QVector<int> order = graph.InOrder(ids);
     std::copy_if(order.begin(), order.end(), std::back_inserter(m_order),
                  [this](int id) { return m_followers.contains(id); });
-    // Those that are removed note what changes until they come back.
+    // A removed layer records changes until it comes back.
     std::copy_if(ids.begin(), ids.end(), std::back_inserter(m_order),
                  [&order](int id) { return !order.contains(id); });
 }
@@ -205,7 +205,7 @@ void LiveLayers::Finish()
 {
     Settle();
     if (m_job && !m_job->isStale && !m_document.IsApplying() && !m_document.IsBusy()) {
-        // What it has computed need not be computed again.
+        // The thread's own result need not be computed again.
         m_pool.waitForDone();
         Take(std::shared_ptr<Job>(m_job));
     }
@@ -222,7 +222,7 @@ void LiveLayers::Follow(Changes changes, qint64 budget, bool takesPending, int c
     const QScopedValueRollback<bool> following(m_isFollowing, true);
     for (const int id : qAsConst(m_order)) {
         Follower& follower = m_followers[id];
-        // Whatever else changed the layer is undone.
+        // A change of the layer from any other source is reverted here.
         const LayerRects own = id == computedId ? LayerRects() : changes.take(id);
         LayerRects changed;
         for (const int operand : qAsConst(follower.formula.operands)) {
@@ -331,7 +331,7 @@ void LiveLayers::Tell()
 {
     Announce();
     m_document.LayerFormulas().TellChanges();
-    // The document may be as it was saved only now.
+    // Only now may the document equal its saved state again.
     emit m_document.HistoryChanged();
 }
 

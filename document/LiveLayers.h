@@ -27,8 +27,8 @@ class TileSet;
 /// was edited by hand, or whose operands changed while nobody followed them, stays as it is until
 /// the user updates it.
 ///
-/// What would take longer than a frame waits until the hand rests, and is then computed by a thread
-/// that holds references to the masks: who changes them meanwhile copies them.
+/// A computation that would take longer than a frame waits until the hand rests. A thread then does
+/// it, with references to the masks. A mask that is changed meanwhile is copied first.
 class LiveLayers : public QObject
 {
     Q_OBJECT
@@ -47,14 +47,14 @@ public:
     /// Follows all changes that were announced, and announces those that come of them. Each edit
     /// ends with it when it is carried out, undone or done again.
     void Settle();
-    /// The stroke under way ended, or another one begins: what it told of is no longer known to be
-    /// followed already.
+    /// A stroke has ended or another begins. Forgets which tiles were already followed.
     void EndStroke() { m_stroked.clear(); }
     /// The same as Settle, and computes at once what waits. Outside of edits, it also tells that
     /// states of formulas changed.
     void Finish();
 
-    /// What may be computed at once, as Computation::Cost tells; a frame of the screen at first.
+    /// Sets the largest cost (see Computation::Cost) that is computed at once; at first that of a
+    /// frame of the screen.
     void SetFrameCost(qint64 cost) { m_frameCost = cost; }
 
 private:

@@ -10,8 +10,8 @@
 #include <vector>
 
 /// A finding about the open project with the thing that it is about. At most one of the pointers is
-/// set. They become null when their things die; things that were removed live as long as undo may
-/// bring them back.
+/// set. A pointer becomes null when its object is destroyed. A removed object exists as long as
+/// undo can restore it.
 struct Problem
 {
     Finding finding;

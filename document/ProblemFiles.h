@@ -14,18 +14,19 @@
 /// What the rules about a project's files look at, as plain values of one moment.
 struct ProjectFacts
 {
-    /// Of the document; empty while no file holds the project, and then only the background is
-    /// looked at.
+    /// The path of the document; empty while no file holds the project. Only the background is
+    /// looked at then.
     QString path;
     /// The folder with the bitmaps.
     QString bitmapFolder;
     /// The names of the layers in the order of the list, and of those that the load left out.
     QStringList layers;
     QStringList leftOut;
-    /// Of those that the document's file names, which may have other names now, or be gone.
+    /// The names of the layers in the document's file. In the editor they may have other names now,
+    /// or may have been removed.
     QStringList saved;
     QSize layerSize;
-    /// Of the background picture; empty for none.
+    /// The path of the background picture; empty for none.
     QString background;
     /// Whether other programs may have written the bitmaps, which may end too early then.
     bool areBitmapsForeign = false;

@@ -16,6 +16,6 @@ struct Problem;
 bool CanFix(const Document& document, const Problem& problem);
 /// The edit; null when there is none, and without memory for it.
 std::unique_ptr<Edit> MakeFix(const Document& document, const Problem& problem);
-/// What the edit does, or why there is none, as one sentence for the user; empty where nothing is
-/// to be said.
+/// One sentence for the user: what the edit does, or why there is none. Empty when there is nothing
+/// to say.
 QString DescribeFix(const Document& document, const Problem& problem);

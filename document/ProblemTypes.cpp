@@ -178,7 +178,7 @@ void Problems::EndType()
     TypePart& part = m_types[m_check->id];
     part.found = std::make_shared<const ProblemList>(std::move(m_check->found));
     if (part.written.size() > 2 * m_check->allCount) {
-        // Most of them are of zones that are gone.
+        // Most entries belong to removed zones.
         part.written.clear();
     }
     m_check.reset();

@@ -64,7 +64,7 @@ signals:
     void StateChanged();
 
 private:
-    /// Where a zone is as files say it, and what that was made of.
+    /// The circle of a zone as files hold it, and the scene values from which it was computed.
     struct Written
     {
         QPointF place{qQNaN(), qQNaN()};

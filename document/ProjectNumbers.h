@@ -29,26 +29,26 @@ public:
     enum class Wanted
     {
         Nothing,
-        /// Of layers only.
+        /// The numbers of layers only.
         Layers,
-        /// Also of flags, of the overlap and of zones.
+        /// Also those of flags, of the overlap and of zones.
         All,
     };
 
     /// document: the project; it outlives the numbers.
     explicit ProjectNumbers(Document& document);
 
-    /// What this user of the numbers wants from now on. Users that die want nothing.
+    /// Sets what a user of the numbers needs from now on. A destroyed user needs nothing.
     void Want(const QObject& user, Wanted wanted);
 
     /// Whether all that is wanted is counted as it is now.
     bool IsUpToDate() const { return !m_isStale; }
-    /// Those of all layers, shown or not, and of their flags in the map. See its functions for when
-    /// they know nothing.
+    /// The numbers of all layers, shown or not, and of their flags in the map. The functions of
+    /// LayerNumbers say when they know nothing.
     const LayerNumbers& Layers() const { return m_layers; }
     /// The layers whose overlap is counted; null for none.
     void SetOverlap(const Layer* first, const Layer* second);
-    /// Of the zones of the territory; nothing before they are counted.
+    /// The numbers of the territory's zones; nothing before they are counted.
     std::optional<ZoneNumbers> Zones(const Territory& territory) const;
 
 signals:

@@ -12,7 +12,7 @@ public:
     AreaScale(QSize layerSize, QSize worldSize);
 
     double SquareKm(qint64 pixels) const;
-    /// Of all pixels.
+    /// The share of all pixels.
     double Percent(qint64 pixels) const;
     /// The world metres that layer pixels cover: x and width to the right from the left edge, y and
     /// height upward from the lower edge. Empty for an empty rectangle.

@@ -28,7 +28,7 @@ struct FormulaRecord
     QVector<Operand> operands;
     /// The radius of morphological operations; 0 for all others.
     int metres = 0;
-    /// Of the result.
+    /// The fingerprint of the result.
     quint64 fingerprint = 0;
     /// Whether the layer follows its operands.
     bool isLive = false;

@@ -24,7 +24,7 @@ public:
     QSize Cells() const { return m_cells; }
     /// Row 0 is the top of the map.
     double PerSquareKm(int column, int row) const;
-    /// Of all cells; 0 without any.
+    /// The highest density of all cells; 0 without any.
     double Highest() const;
 
 private:

@@ -17,7 +17,7 @@ double SquareSum(double a, double b)
     return a * a + b * b;
 }
 
-/// All distances that are computed from the numbers in one way or another reach the demanded one.
+/// With this margin every way of computing the distance gives at least the demanded one.
 double SafeSquare(double distance)
 {
     return distance * distance * (1 + 1e-12);
@@ -91,7 +91,7 @@ void CentreGrid::Add(const Centre& centre)
     }
 }
 
-/// Of the centres within the distance of the place, and some others.
+/// Tests all centres within the distance of the place, and some beyond it.
 template <typename Test>
 bool CentreGrid::Any(double x, double z, Test test) const
 {

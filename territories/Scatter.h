@@ -85,7 +85,7 @@ public:
     /// is finished.
     bool Advance(int steps);
     bool IsFinished() const { return m_phase == Phase::Finished; }
-    /// Those found so far, in scene units.
+    /// The places found so far, in scene units.
     const std::vector<QPointF>& Places() const { return m_places; }
 
 private:
@@ -126,7 +126,7 @@ private:
     CentreGrid m_own;
     CentreGrid m_existing;
     Phase m_phase = Phase::Listing;
-    /// Of all cells, in layer pixels; a power of two.
+    /// The side of all cells in layer pixels; a power of two.
     double m_side = 1;
     double m_smallestSide = 1;
     int m_columns = 0;

@@ -7,12 +7,12 @@ struct WorldScale;
 // Places of zones: in the scene they are 32-bit layer pixels, in files 32-bit world metres. These
 // functions find the pixels that give certain metres.
 
-/// The place in the scene at which files hold these world metres as X and Z, or the nearest ones
-/// that a place can have. Without a usable scale a coordinate is 0.
+/// The place in the scene for which files hold these world metres as X and Z. If there is none, the
+/// place with the nearest metres. Without a usable scale a coordinate is 0.
 QPointF PlaceInScene(double x, double z, const WorldScale& scale);
 
-/// The same for a zone that is at a place already: a coordinate at which files hold these metres
-/// stays as it is, and so does one that no number can say.
+/// The same for a zone that already has a place. A coordinate stays as it is when it has these
+/// metres already, and when they are out of range for scene coordinates.
 QPointF PlaceAtMetres(QPointF place, double x, double z, const WorldScale& scale);
 
 /// The same for one of the coordinates; the other one stays.

@@ -24,6 +24,6 @@ public:
 
 private:
     std::size_t m_next = 0;
-    /// Of the type of the row before the next one.
+    /// The pair rules of the type that was processed last.
     std::unique_ptr<PairRules> m_pairs;
 };

@@ -51,10 +51,10 @@ public:
     void SetFilter(const QString& text);
     /// The terms of the filter that hide nothing yet, as the user typed them.
     const QStringList& UnfinishedTerms() const { return m_filter.Unfinished(); }
-    /// Only rows of the territory; of none for null. Without a value, rows of all.
+    /// Shows only the rows of this territory, and none for null. Without a value, shows all rows.
     void SetOnly(std::optional<const Territory*> only);
 
-    /// Of the project, shown or not, in the order of the file.
+    /// All rows of the project, shown or not, in the order of the file.
     const std::vector<ZoneRow>& AllRows() const { return m_rows; }
     const ZoneRow& RowAt(int row) const { return m_rows[IndexAt(row)]; }
     /// Null for a zone that was destroyed.

@@ -47,6 +47,6 @@ private:
     QStringList m_chosen;
     LayerList m_list;
     FormulaGraph m_graph;
-    /// Those that were computed to other pixels than their files', operands first.
+    /// The layers whose computed pixels differ from those in their files, operands first.
     QVector<const Layer*> m_changed;
 };

@@ -57,7 +57,7 @@ std::optional<LayerBounds> FindBounds(const LayerBitmap& bitmap, int usageColumn
     return bounds;
 }
 
-/// Adds nothing for what is nowhere.
+/// Adds nothing for an empty rectangle.
 void AddBounds(Report& report, const AreaScale& scale, const QRect& bounds)
 {
     if (bounds.isEmpty()) {

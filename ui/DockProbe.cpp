@@ -158,7 +158,7 @@ void DockProbe::SetSeen(bool isSeen)
     Refresh();
 }
 
-/// The place is one of a project that goes.
+/// The place belongs to the project that is being closed.
 void DockProbe::ForgetPlace()
 {
     m_mouse.reset();

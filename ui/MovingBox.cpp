@@ -97,7 +97,7 @@ void MovingBox::Remember()
     const auto* name =
         std::find_if(std::begin(SnapNames), std::end(SnapNames),
                      [&snap](const char* each) { return snap == QLatin1String(each); });
-    // What no session stored leaves the defaults.
+    // Missing settings keep their defaults.
     m_nudge->setCurrentIndex(std::max(m_nudge->findData(settings.value(NudgeKey).toInt()), 0));
     if (name != std::end(SnapNames)) {
         m_snap->setCurrentIndex(static_cast<int>(name - std::begin(SnapNames)));

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// What separates cells and lines is a space within a cell.
+/// Replaces tabs and line ends within a cell by spaces.
 QString TabCell(const QString& text)
 {
     QString cell = text;

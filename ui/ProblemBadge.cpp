@@ -10,7 +10,7 @@ namespace {
 
 constexpr int IconSide = 16;
 constexpr int Margin = 4;
-/// More are shown as they are, and cut off.
+/// The badge has room for this number. A longer number is cut off.
 constexpr int WidestCount = 88888;
 
 } // namespace

@@ -11,8 +11,8 @@ class ProblemBadge : public QLabel
 public:
     explicit ProblemBadge(QWidget* parent = nullptr);
 
-    /// isUpToDate: whether the project has no other problems as it is now. Until then, none found
-    /// means little.
+    /// isUpToDate: whether the counts are about the present project. Until then, a count of 0 is
+    /// not shown as a result.
     void SetCounts(int errors, int warnings, bool isUpToDate);
 
     /// "No problems", "1 problem", "3 problems".

@@ -256,7 +256,7 @@ bool ProjectActions::ReadFrom(QIODevice& file, const MaskSource& masks, const QS
 void ProjectActions::ReadFormulasOf(QIODevice& file)
 {
     if (const auto* buffer = qobject_cast<QBuffer*>(&file)) {
-        // Whoever reads the rest of the text tells of its faults.
+        // The reader of the rest of the text reports its faults.
         m_parts.document.LayerFormulas().Read({ReadFormulas(buffer->data(), false).records, {}},
                                               QString());
     } else {
@@ -289,7 +289,7 @@ void ProjectActions::EmptyLists()
 void ProjectActions::Finalize(bool isSuccessful, int selected)
 {
     m_display.EndLoading();
-    // Not before: what was read may be one of the versions.
+    // Prune only after reading, because the source may be one of the versions.
     PruneVersions();
     if (isSuccessful) {
         m_display.Show(selected);
@@ -420,7 +420,7 @@ void ProjectActions::ImportAreaMap()
 
 void ProjectActions::ReadMap(QFile& file)
 {
-    // The map is no project document, and the former project's is not meant by the next save.
+    // A map has no project document. The next save must not write to the former project's.
     m_parts.document.SetPlace(Settings().Dir(), QString());
     m_parts.document.SetName(QFileInfo(file).baseName());
     m_parts.window.SetTitle(Settings().Name());

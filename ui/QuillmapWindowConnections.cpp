@@ -186,7 +186,7 @@ void QuillmapWindow::ConnectMapDocks()
 void QuillmapWindow::ConnectZoneTable()
 {
     connect(m_ui->actionZonesTable, &QAction::triggered, m_zones.get(), [this](bool isOn) {
-        // Behind another tab it was open, but not to be seen.
+        // A dock behind another tab is open but cannot be seen.
         const bool isWanted = isOn || !m_zones->IsSeen();
         m_zones->setVisible(isWanted);
         m_ui->actionZonesTable->setChecked(isWanted);

@@ -209,7 +209,7 @@ void SessionNotices::FollowPath()
 
 void SessionNotices::LockProject()
 {
-    // The own lock would be in the way of another one.
+    // Release our lock first, because it would block the new one.
     m_lock.reset();
     m_lock = std::make_unique<SessionLock>(m_lockedPath);
     if (m_lock->GetState() != SessionLock::State::Taken) {

@@ -4,7 +4,7 @@
 enum class SnapTo
 {
     Nothing,
-    /// Of whole multiples of some metres in X and Z.
+    /// Whole multiples of some metres in X and Z.
     Grid,
     /// Centres and rims.
     Zones,

@@ -34,10 +34,10 @@ public:
     PaintOptions& Options() { return m_options; }
     const PaintOptions& Options() const { return m_options; }
 
-    /// What the layer is that a click of toolPick chooses; may be empty.
+    /// callback: called with the layer that toolPick chose; may be empty.
     void SetLayerPicked(std::function<void(Layer&)> callback) { m_picked = std::move(callback); }
     void PickLayer(Layer& layer) const;
-    /// What a press was refused for may have changed: its cursor goes.
+    /// Removes the cursor of a refused press, because its reason may no longer hold.
     void ForgetRefusal() { ShowRefused(false); }
     /// Why the current layer may not be painted now, as one sentence; empty when it may.
     QString WhyNot() const;

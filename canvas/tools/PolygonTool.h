@@ -32,7 +32,7 @@ private:
     void ShowOutline() const;
 
     QPolygonF m_corners;
-    /// How many there were before the last press.
+    /// The number of corners before the last press.
     int m_cornersBefore = 0;
     QPointF m_mouse;
 };

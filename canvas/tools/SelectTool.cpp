@@ -310,8 +310,8 @@ std::vector<Edits::ZoneMove> SelectTool::MovesInMetres(const QVector<Zone*>& zon
     return moves;
 }
 
-/// Of the zones of the current territory that lie upon one another under the mouse, selects the one
-/// below the one that is selected. After the lowest one comes the topmost.
+/// Selects the next lower zone of the current territory under the mouse. After the lowest one comes
+/// the topmost.
 void SelectTool::SelectNextBelow()
 {
     const MainView& view = Parts().view;

@@ -11,7 +11,7 @@
 
 /// A tool that draws an outline first, and paints its pixels on the current layer when it is done;
 /// the right button erases them. Each shape is one step of the history. Corners are scene
-/// positions. What is not finished when another layer or tool is chosen is dropped.
+/// positions. An unfinished shape is dropped when another layer or tool is chosen.
 class ShapeTool : public MapTool
 {
 public:
@@ -42,7 +42,7 @@ protected:
     void Show(const QPainterPath& outline, QPointF mouse, const QString& text) const;
     /// Ends the shape and paints or erases these pixels.
     void Complete(raster::Region pixels);
-    /// Of the current layer.
+    /// The size of the current layer.
     QSize LayerSize() const;
 
     /// "120 x 80 m" and "144.2 m". In scene units.

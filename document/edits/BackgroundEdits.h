@@ -7,11 +7,10 @@
 
 #include <memory>
 
-/// What users do with the picture behind the map and the colour over it, each as the edit that does
-/// it.
+/// The edits of the picture behind the map and of the colour over it, one for each user action.
 namespace Edits {
 
-/// path: of the picture; undo finds the one before also when the project has moved meanwhile.
+/// path: of the picture. Undo finds the former picture even if the project has moved meanwhile.
 /// setsModified: false where a program names the picture, not the user.
 std::unique_ptr<Edit> SetBackgroundPicture(const QString& path, bool setsModified);
 /// Keeps the alpha.

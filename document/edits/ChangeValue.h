@@ -46,7 +46,7 @@ public:
     {
     }
 
-    /// What tells objects of one kind apart where the place does not, such as zones.
+    /// Sets the changed object. Objects such as zones cannot be told apart by the place alone.
     void SetObject(const void* object) { m_object = object; }
 
     bool Changes() const override { return !(m_before == m_after); }

@@ -8,7 +8,7 @@
 
 class Document;
 
-/// What users do with the formulas of computed layers, each as the edit that does it.
+/// The edits of the formulas of computed layers, one for each user action.
 namespace Edits {
 
 /// Computes the layers anew by their formulas, in this order; one step. Layers without memory for

@@ -11,7 +11,7 @@ class AreaFlagTypes;
 class LayerList;
 class QStandardItem;
 
-/// What users do with layers, each as the edit that does it.
+/// The edits of layers, one for each user action.
 namespace Edits {
 
 /// A white layer with the mask at the end of the list.
@@ -48,7 +48,7 @@ std::unique_ptr<Edit> SetLayerOpacity(Layer& layer, int alpha);
 std::unique_ptr<Edit> SetLayerVisible(Layer& layer, bool isVisible);
 std::unique_ptr<Edit> HideAllLayers(const LayerList& list);
 std::unique_ptr<Edit> ShowAllLayers(const LayerList& list);
-/// Of a layer, a territory type or a territory.
+/// Renames a layer, a territory type or a territory.
 std::unique_ptr<Edit> Rename(QStandardItem& item, const QString& name);
 /// Replaces the flag types of the project; flags that named others are reset on request.
 std::unique_ptr<Edit> ImportFlagTypes(const LayerList& list, const AreaFlagTypes& types,

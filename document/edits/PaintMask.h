@@ -47,7 +47,7 @@ private:
     raster::Region m_region;
     uchar m_value = 0;
     QRectF m_changed;
-    /// Whether the layer has the mask of after the edit.
+    /// Whether the layer has the mask that the edit made.
     bool m_showsNew = true;
     HistoryMemory* m_memory = nullptr;
     int m_number = 0;

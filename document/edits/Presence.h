@@ -25,12 +25,12 @@ void PutIn(Document& document, std::unique_ptr<TerritoryType> type, int row, Ter
 void PutIn(Document& document, std::unique_ptr<Territory> territory, int row,
            TerritoryType* parent);
 
-/// Where it is on the map, in scene units. Empty for a layer, which is everywhere.
+/// The area of the item on the map, in scene units. Empty for a layer, which is everywhere.
 QRectF AreaOf(const Layer& layer);
 QRectF AreaOf(const TerritoryType& type);
 QRectF AreaOf(const Territory& territory);
 
-/// What becomes of an item while an edit keeps it: it stays as it is.
+/// How an edit stores an item that is not in the project: unchanged.
 template <typename Item>
 class Storage
 {
@@ -51,9 +51,9 @@ public:
 
     /// Before the first change; the edit is newer than those before.
     void Begin(Document& document, const Edit& edit);
-    /// Without memory for that, the layer keeps its mask.
+    /// Packs the mask. When there is no memory for that, the layer keeps it.
     void Pack(Layer& layer);
-    /// False when the mask cannot be read back, or without memory. It stays packed then.
+    /// Unpacks the mask. False when it cannot be read back or there is no memory; it stays packed.
     bool Unpack(Layer& layer);
 
 private:

@@ -16,7 +16,7 @@ class QStandardItem;
 class TerritoryTypeList;
 class Zone;
 
-/// What users do with territory types, territories and zones, each as the edit that does it.
+/// The edits of territory types, territories and zones, one for each user action.
 /// Renaming is Edits::Rename.
 namespace Edits {
 
@@ -47,8 +47,8 @@ struct ZoneMove
     QPointF before;
     QPointF after;
 };
-/// The zones may be at the new place already. Nudges are those by keys; they do not make the
-/// project modified, and those of one gesture are one step.
+/// The zones may be at the new place already. Nudges are moves by keys. They do not make the
+/// project modified, and all nudges of one gesture are one step.
 std::unique_ptr<Edit> MoveZones(const std::vector<ZoneMove>& moves, bool areNudges);
 /// property: what the new values differ in.
 std::unique_ptr<Edit> ChangeZone(Zone& zone, const ZoneValues& values, Property property);

@@ -14,8 +14,8 @@ class TerritoryType;
 class TerritoryTypeList;
 class Zone;
 
-/// What users do with many zones at once, also with zones of several territories, each as the edit
-/// that does it. All of them are one step.
+/// The edits of many zones at once, one for each user action. The zones may be of several
+/// territories. Each edit is one step.
 namespace Edits {
 
 /// "zone", or "3 zones".

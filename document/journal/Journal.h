@@ -165,7 +165,7 @@ private:
     std::vector<PendingCopy> m_pendingCopies;
     /// By layer id: the files that hold the masks as they were saved last.
     QHash<int, Bitmap> m_bitmaps;
-    /// The layers of which they are to be noted, with the names that they were saved under.
+    /// Layers whose bitmaps must still be recorded, with the names under which they were saved.
     QVector<QPair<int, QString>> m_savedLayers;
     QDateTime m_oldestUnsaved;
     /// No file holds the project.
@@ -175,8 +175,8 @@ private:
     bool m_isTextDirty = false;
     /// Something was written that no commit has made valid.
     bool m_isCommitWanted = false;
-    /// Milliseconds of m_clock: of the first change of the text that is not written, and when it
-    /// is.
+    /// Milliseconds of m_clock: the time of the first change of the text that is not written, and
+    /// the time at which to write it.
     qint64 m_firstTextChange = 0;
     qint64 m_textDue = 0;
     QElapsedTimer m_clock;

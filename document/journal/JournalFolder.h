@@ -35,8 +35,8 @@ QByteArray HashRest(QFile& file);
 /// What the session file of a journal folder says; nothing when it is no such file.
 std::optional<JournalHeader> ReadHeader(const QString& folder);
 
-/// Removes the files that a journal has, the lock, and the folder. What is left half removed by a
-/// kill restores nothing. False when something is left.
+/// Removes the files that a journal has, the lock, and the folder. After a kill in between, the
+/// rest of the journal restores nothing. False when something is left.
 bool RemoveFolder(const QString& folder, std::shared_ptr<void> lock);
 /// Moves the folder of a journal to a path where there is nothing yet, also to another disk. The
 /// lock does not go along. When it fails, the folder stays, and the lock is given up.

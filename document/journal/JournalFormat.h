@@ -49,7 +49,7 @@ constexpr qint64 MaxSessionLength = 1 << 24;
 
 enum RecordType : char
 {
-    /// What the mask of a layer was before its tiles: a Base.
+    /// A Base: the mask to which the tiles of a layer apply.
     LayerRecord = 'L',
     /// Layer id, tile number (raster::TileRect), and a tile of raster::PackTile.
     TileRecord = 'T',
@@ -72,13 +72,13 @@ struct Base
 {
     qint32 layerId = 0;
     BaseKind kind = BaseKind::Blank;
-    /// Of the file, unless the mask is blank.
+    /// The length of the file; 0 for a blank mask.
     qint64 length = 0;
-    /// Of a copied file: SHA-1.
+    /// The SHA-1 hash of a copied file.
     QByteArray hash;
-    /// Of a referenced file: absolute.
+    /// The absolute path of a referenced file.
     QString path;
-    /// Of a referenced file: when it was changed last, in milliseconds since 1970.
+    /// When a referenced file was changed last, in milliseconds since 1970.
     qint64 time = 0;
 };
 

@@ -32,10 +32,10 @@ public:
     /// The reason of the last failure, in the system's words where it has any.
     const QString& Error() const { return m_error; }
 
-    /// What the mask of a layer was before its tiles; needed once before these. A later base takes
-    /// the place of an earlier one and keeps the tiles.
+    /// Adds the mask to which a layer's tiles apply. It must come before the first tile. A later
+    /// base replaces an earlier one and keeps the tiles.
     bool AddBlankBase(int layerId);
-    /// The file stays where it is, and serves as long as it is as the stamp says.
+    /// Refers to the file in its place. The reference is valid while the file matches the stamp.
     bool AddBaseFile(int layerId, const QString& path, const KnownFiles::Stamp& stamp);
     /// Copies the file into the folder, at once, unless the layer has a copy. When the file is not
     /// as the stamp says, or cannot be read, nothing is written, wasCopied is false, and that is no
@@ -49,14 +49,14 @@ public:
     /// one. layerIds: the rows of the layer list, each with a base.
     bool Commit(const QByteArray* newText, const QVector<int>& layerIds);
 
-    /// Of the log, in bytes.
+    /// The length of the log in bytes.
     qint64 Length() const;
     /// What the log would have after Compact.
     qint64 LiveLength() const { return m_liveLength; }
     /// Whether the log is much longer than it would be.
     bool IsWorthCompacting() const;
-    /// Writes a new log of what is still valid, and puts it in the place of the old one. Only
-    /// directly after a commit; does nothing otherwise. When it fails, the old log goes on.
+    /// Replaces the log by a new one with the records that are still valid. Works only directly
+    /// after a commit; does nothing otherwise. When it fails, the old log goes on.
     bool Compact();
 
     /// Closes the journal and removes its folder.
@@ -69,7 +69,7 @@ private:
     struct Place
     {
         qint64 offset = 0;
-        /// Of the record; 0 when there is none.
+        /// The length of the record; 0 when there is none.
         qint64 length = 0;
     };
     struct LayerPlaces
@@ -97,10 +97,10 @@ private:
     QHash<int, LayerPlaces> m_layers;
     journal::Commit m_commit;
     qint64 m_commitLength = 0;
-    /// Of the log up to its last commit.
+    /// The length of the log up to its last commit.
     qint64 m_committedLength = 0;
     qint64 m_liveLength = 0;
-    /// Those in the log.
+    /// The number of tile records in the log.
     qint64 m_tileRecords = 0;
     bool m_hasFailed = false;
     QString m_error;

@@ -24,7 +24,7 @@ public:
     /// Reads a record that was written.
     QByteArray Read(qint64 offset, qint64 length);
 
-    /// Of all records, in bytes.
+    /// The length of all records, in bytes.
     qint64 Length() const { return m_written + m_pending.size(); }
     const QString& Error() const { return m_error; }
 
@@ -42,7 +42,7 @@ private:
     QByteArray m_session;
     QByteArray m_pending;
     qint64 m_written = 0;
-    /// Of what follows the last commit.
+    /// The hash of the bytes after the last commit.
     QCryptographicHash m_hash{QCryptographicHash::Sha1};
     QString m_error;
 };

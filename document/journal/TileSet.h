@@ -17,7 +17,7 @@ public:
     void Add(const QRect& rect);
     void AddAll();
     void Add(int tile) { m_words[WordOf(tile)] |= BitOf(tile); }
-    /// Of a mask of the same size.
+    /// Adds the tiles of the other set, whose mask has the same size.
     void Add(const TileSet& other);
     void Remove(int tile) { m_words[WordOf(tile)] &= ~BitOf(tile); }
     void Clear();

@@ -18,7 +18,7 @@ struct ProjectOutline
         bool isVisible = false;
     };
 
-    /// Of every layer, in pixels.
+    /// The size of every layer in pixels.
     QSize layerSize;
     /// Topmost first. Those before a fault in the document.
     QVector<Layer> layers;
@@ -30,5 +30,5 @@ ProjectOutline OutlineOf(const QByteArray& document);
 /// ended. It can be opened then, where the document itself may not.
 QByteArray UpToFault(const QByteArray& document);
 
-/// The document with those of its layers alone.
+/// The document with no layers but these.
 QByteArray WithLayers(const QByteArray& document, const QStringList& names);

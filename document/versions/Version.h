@@ -53,7 +53,7 @@ public:
     VersionKind Kind() const { return m_kind; }
     /// When it was replaced or discarded.
     const QDateTime& Time() const { return m_time; }
-    /// Of all its files.
+    /// The size of all its files.
     qint64 Bytes() const { return m_bytes; }
     /// The project's document; empty for a project that was never saved.
     const QString& Path() const { return m_path; }

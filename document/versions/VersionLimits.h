@@ -8,7 +8,7 @@ struct VersionLimits
 {
     /// The newest ones of each project.
     int keep = 20;
-    /// Of older ones, the last of each day, for so many days.
+    /// Of older ones, the last one of each day is kept for so many days.
     int days = 30;
     /// What all versions of all projects together may take on the disk. The newest one may take
     /// more by itself.

@@ -88,7 +88,7 @@ struct Holdings
         }
     }
 
-    /// That would be free without the version.
+    /// The bytes that removing the version would free.
     qint64 BytesAlone(const QString& version)
     {
         const qint64 all = bytes;
@@ -149,7 +149,7 @@ void PruneVersions(const QString& store, const VersionLimits& limits)
     }
     PruneBySize(folders, limits.maxBytes);
     for (const QString& folder : folders) {
-        // Only an empty one goes.
+        // rmdir removes empty folders only.
         QDir().rmdir(folder);
     }
 }

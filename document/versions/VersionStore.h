@@ -39,10 +39,10 @@ public:
     /// layers: the names under which the layers will be saved. known: the project's own files.
     ///
     /// The document at the path and the bitmaps that it names become a "saved" version. Other
-    /// bitmaps become a "replaced" version of the project that is saved; and those that are not
-    /// known also one of each other project in the folder whose document names them; its document
-    /// then tells what these layers are. Nothing is kept that the last version of that kind holds
-    /// already.
+    /// bitmaps become a "replaced" version of the project that is saved. A bitmap that is not known
+    /// also becomes a version of each other project in the folder that names it. That project's
+    /// document is kept with it and describes the layer. Nothing is kept that the last version of
+    /// that kind holds already.
     ///
     /// A version shares the files with the project as long as the save puts new ones in their
     /// places; others are copied.
@@ -57,10 +57,10 @@ public:
     /// it, so call this after a save.
     void Prune();
 
-    /// Of all projects, the newest first; those of the project at the path come before all others.
-    /// Damaged ones are left out.
+    /// The versions of all projects, the newest first. Those of the project at the path come before
+    /// all others. Damaged ones are left out.
     QVector<Version> Versions(const QString& firstOf = {}) const;
-    /// Of this project, the newest first.
+    /// The versions of this project, the newest first.
     QVector<Version> VersionsOf(const QString& path) const;
 
 private:

@@ -20,12 +20,12 @@ public:
     {
         int number;
         const uchar* packed;
-        /// Of the packed tile.
+        /// The number of packed bytes.
         int length;
     };
 
     bool IsEmpty() const { return m_blocks.empty(); }
-    /// Of all records.
+    /// The length of all records in bytes.
     qint64 Length() const;
     /// The memory that they take.
     qint64 ByteCount() const;

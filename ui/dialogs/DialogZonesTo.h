@@ -35,7 +35,7 @@ public:
 
 private:
     void FillTargets(const Document& document, const Territory* leftOut);
-    /// Those whose names hold the text, or are the text. By index.
+    /// The indexes of the targets whose names are the text, or else hold it.
     QVector<int> Matches() const;
     void ShowProblem();
 
