@@ -112,7 +112,7 @@ void tst_KilledSaves::KillOnce(const QString& folder, const QByteArray& way, int
     QVERIFY(process.waitForReadyRead());
     QTest::qSleep(milliseconds);
     process.kill();
-    QVERIFY(process.waitForFinished());
+    QVERIFY(process.waitForFinished(LongestRun));
     QCOMPARE(process.exitStatus(), QProcess::CrashExit);
 }
 
@@ -218,7 +218,7 @@ void tst_KilledSaves::ExportedFilesBelongTogether()
         process.start(TOOL_PROGRAM, arguments(i % 2 == 0));
         QTest::qSleep(1 + random.Below(longest));
         process.kill();
-        QVERIFY(process.waitForFinished());
+        QVERIFY(process.waitForFinished(LongestRun));
 
         QCOMPARE(RunTool({"export", folder.filePath("bare.xml"), "-o", out}), 0);
         QVERIFY(QFile::remove(out + "/bare.map"));

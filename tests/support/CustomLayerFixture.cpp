@@ -53,7 +53,7 @@ int CustomLayerFixture::Execute(Layer* layerToModify, const std::function<void()
             opened.reject();
         }
     });
-    constexpr int milliseconds = 10000;
+    constexpr int milliseconds = 60000;
     QTimer::singleShot(milliseconds, &opened, [&] {
         opened.reject();
         QFAIL("The dialog was left open.");
@@ -68,7 +68,7 @@ int CustomLayerFixture::Execute(Layer* layerToModify, const std::function<void()
 
 void CustomLayerFixture::WaitIdle() const
 {
-    constexpr int milliseconds = 10000;
+    constexpr int milliseconds = 60000;
     QTimer timeout;
     timeout.setSingleShot(true);
     timeout.start(milliseconds);

@@ -30,7 +30,7 @@ ProgramRun RunProgram(const QString& path, const QStringList& arguments, const Q
     process.setProcessEnvironment(environment);
     process.start(path, arguments, QIODevice::ReadOnly);
     ProgramRun run;
-    if (process.waitForFinished() && process.exitStatus() == QProcess::NormalExit) {
+    if (process.waitForFinished(LongestRun) && process.exitStatus() == QProcess::NormalExit) {
         run.exitCode = process.exitCode();
     }
     run.output = QString::fromUtf8(process.readAllStandardOutput());

@@ -14,6 +14,9 @@ struct ProgramRun
     QStringList log;
 };
 
+/// How long a program may run, in milliseconds: machines may be slow, and sanitizers slow it down.
+constexpr int LongestRun = 240000;
+
 /// Runs a program in a folder and waits for its end.
 ProgramRun RunProgram(const QString& path, const QStringList& arguments, const QString& folder,
                       const QProcessEnvironment& environment);

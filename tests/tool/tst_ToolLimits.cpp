@@ -130,7 +130,7 @@ void tst_ToolLimits::SignalsLeaveNothingBehind()
 
     QCOMPARE(kill(static_cast<pid_t>(process.processId()), signalNumber), 0);
 
-    QVERIFY(process.waitForFinished());
+    QVERIFY(process.waitForFinished(LongestRun));
     QCOMPARE(process.readAllStandardError(), QByteArray());
     QCOMPARE(process.readAllStandardOutput(), QByteArray());
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
@@ -152,7 +152,7 @@ void tst_ToolLimits::AnEndedCheckTellsNothing()
         process.waitForFinished(1);
     }
     QCOMPARE(kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
-    QVERIFY(process.waitForFinished());
+    QVERIFY(process.waitForFinished(LongestRun));
     QCOMPARE(process.readAllStandardOutput(), QByteArray());
     QCOMPARE(process.readAllStandardError(), QByteArray());
     QCOMPARE(process.exitCode(), 128 + SIGINT);
@@ -166,7 +166,7 @@ void tst_ToolLimits::SignalsThatAreTurnedOffStayOff()
     StartExport(process, project, "trap '' HUP");
     QCOMPARE(kill(static_cast<pid_t>(process.processId()), SIGHUP), 0);
     QCOMPARE(kill(static_cast<pid_t>(process.processId()), SIGTERM), 0);
-    QVERIFY(process.waitForFinished());
+    QVERIFY(process.waitForFinished(LongestRun));
     QCOMPARE(process.exitCode(), 128 + SIGTERM);
 }
 

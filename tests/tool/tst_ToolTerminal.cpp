@@ -24,7 +24,7 @@ QByteArray TerminalOutput(const SampleProject& project, const QStringList& argum
     QProcess process;
     process.setStandardErrorFile(QString::fromLocal8Bit(name));
     project.Start(process, ":", arguments);
-    process.waitForFinished();
+    process.waitForFinished(LongestRun);
     fcntl(terminal, F_SETFL, O_NONBLOCK);
     QByteArray output;
     char buffer[4096];
