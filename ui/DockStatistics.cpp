@@ -106,14 +106,13 @@ QWidget* DockStatistics::MakeLayersPage()
 
     auto* page = new QWidget;
     auto* layout = new QGridLayout(page);
-    layout->addWidget(m_layers.view, 0, 0, 1, 4);
+    layout->addWidget(m_layers.view, 0, 0, 1, 2);
     layout->addWidget(new QLabel(tr("Overlap of")), 1, 0);
     layout->addWidget(m_overlapFirst, 1, 1);
-    layout->addWidget(new QLabel(tr("and")), 1, 2);
-    layout->addWidget(m_overlapSecond, 1, 3);
-    layout->addWidget(m_overlap, 2, 0, 1, 4);
+    layout->addWidget(new QLabel(tr("and")), 2, 0);
+    layout->addWidget(m_overlapSecond, 2, 1);
+    layout->addWidget(m_overlap, 3, 0, 1, 2);
     layout->setColumnStretch(1, 1);
-    layout->setColumnStretch(3, 1);
     return page;
 }
 
