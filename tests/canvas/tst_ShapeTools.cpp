@@ -2,9 +2,9 @@
 #include "canvas/tools/PaintTools.h"
 #include "layers/raster/Shapes.h"
 #include "tests/support/Masks.h"
+#include "tests/support/PaintedRegion.h"
 #include "tests/support/Painting.h"
 
-#include <QPaintEvent>
 #include <QTest>
 
 #include <functional>
@@ -25,23 +25,6 @@ QByteArray With(const Painting& canvas, const raster::Region& region, uchar valu
     raster::Fill(mask, region, value);
     return Indices(mask);
 }
-
-/// Collects what is painted of the view.
-class PaintedRegion : public QObject
-{
-public:
-    explicit PaintedRegion(QWidget* widget) { widget->installEventFilter(this); }
-
-    bool eventFilter(QObject* /*watched*/, QEvent* event) override
-    {
-        if (event->type() == QEvent::Paint) {
-            region += static_cast<QPaintEvent*>(event)->region();
-        }
-        return false;
-    }
-
-    QRegion region;
-};
 
 } // namespace
 
@@ -295,7 +278,7 @@ void tst_ShapeTools::RepaintsOnlyTheLastCorners()
     canvas.Move({100, 150});
     canvas.Move({104, 34});
     QCoreApplication::processEvents();
-    PaintedRegion painted(canvas.view.viewport());
+    PaintedRegion painted(*canvas.view.viewport());
     canvas.Move({106, 32});
     QCoreApplication::processEvents();
     QVERIFY(!painted.region.isEmpty());

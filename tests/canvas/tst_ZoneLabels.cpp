@@ -2,9 +2,9 @@
 
 #include "document/edits/TerritoryEdits.h"
 #include "tests/support/CanvasFixture.h"
+#include "tests/support/PaintedRegion.h"
 
 #include <QFontMetricsF>
-#include <QPaintEvent>
 #include <QTest>
 
 #include <cmath>
@@ -37,23 +37,6 @@ public:
         values.counts = counts;
         zone->SetValues(values);
     }
-};
-
-/// What is painted anew of a widget.
-class PaintedRegion : public QObject
-{
-public:
-    explicit PaintedRegion(QWidget& widget) { widget.installEventFilter(this); }
-
-    bool eventFilter(QObject* /*watched*/, QEvent* event) override
-    {
-        if (event->type() == QEvent::Paint) {
-            region += static_cast<QPaintEvent*>(event)->region();
-        }
-        return false;
-    }
-
-    QRegion region;
 };
 
 } // namespace

@@ -7,6 +7,28 @@
 #include <QCheckBox>
 #include <QTest>
 
+namespace {
+
+/// Adds two zones whose radius is too small to the territory of the zone with faults.
+void AddSmallZones(const BrokenFixture& broken)
+{
+    Document& document = broken.fixture.window->GetDocument();
+    Territory& north = *broken.TheZone().Holder();
+    ZoneValues values = broken.TheZone().Values();
+    values.counts = {};
+    values.radius = 45;
+    document.Do(Edits::InsertZone(north, {100, 100}, values));
+    document.Do(Edits::InsertZone(north, {500, 500}, values));
+}
+
+/// The row of the finding about the radius of the zone with this number; -1 for none.
+int RowOfSmallZone(const BrokenFixture& broken, int zone)
+{
+    return broken.RowOf(QStringLiteral("45 m is outside 50 to 32768 m. | zone %1 ").arg(zone));
+}
+
+} // namespace
+
 /// Findings that the user has accepted.
 class tst_AcceptedFindings : public QObject
 {
@@ -84,23 +106,16 @@ void tst_AcceptedFindings::FollowZonesWhoseNumberChanges()
     BrokenFixture broken;
     Document& document = broken.fixture.window->GetDocument();
     Territory& north = *broken.TheZone().Holder();
-    ZoneValues values = broken.TheZone().Values();
-    values.counts = {};
-    values.radius = 45;
-    document.Do(Edits::InsertZone(north, {100, 100}, values));
-    document.Do(Edits::InsertZone(north, {500, 500}, values));
+    AddSmallZones(broken);
     const int number = north.Zones().size();
-    const auto rowOf = [&broken](int zone) {
-        return broken.RowOf(QStringLiteral("45 m is outside 50 to 32768 m. | zone %1 ").arg(zone));
-    };
-    broken.Click(rowOf(number - 1));
+    broken.Click(RowOfSmallZone(broken, number - 1));
     broken.Press("btnFindingAccept");
-    QCOMPARE(rowOf(number - 1), -1);
+    QCOMPARE(RowOfSmallZone(broken, number - 1), -1);
 
     document.Do(Edits::RemoveZones({&broken.TheZone()}));
 
-    QCOMPARE(rowOf(number - 2), -1);
-    QVERIFY(rowOf(number - 1) >= 0);
+    QCOMPARE(RowOfSmallZone(broken, number - 2), -1);
+    QVERIFY(RowOfSmallZone(broken, number - 1) >= 0);
 }
 
 void tst_AcceptedFindings::LeaveOthersOfTheirThingOpen()
@@ -121,29 +136,22 @@ void tst_AcceptedFindings::FitTheFileWhenEditsAreDiscarded()
     BrokenFixture broken;
     Document& document = broken.fixture.window->GetDocument();
     Territory& north = *broken.TheZone().Holder();
-    ZoneValues values = broken.TheZone().Values();
-    values.counts = {};
-    values.radius = 45;
-    document.Do(Edits::InsertZone(north, {100, 100}, values));
-    document.Do(Edits::InsertZone(north, {500, 500}, values));
+    AddSmallZones(broken);
     broken.fixture.Trigger("actionQuickSave");
     const QStringList before = broken.Rows();
-    const auto rowOf = [&broken](int zone) {
-        return broken.RowOf(QStringLiteral("45 m is outside 50 to 32768 m. | zone %1 ").arg(zone));
-    };
     const int last = north.Zones().size();
-    broken.Click(rowOf(last));
+    broken.Click(RowOfSmallZone(broken, last));
     broken.Press("btnFindingAccept");
     document.Do(Edits::RemoveZones({&broken.TheZone()}));
     document.Do(Edits::Rename(north, QStringLiteral("South")));
-    QCOMPARE(rowOf(last - 1), -1);
+    QCOMPARE(RowOfSmallZone(broken, last - 1), -1);
 
     broken.fixture.answers.AddButton(QStringLiteral("Yes"));
     broken.fixture.Load(broken.path);
 
-    QCOMPARE(rowOf(last), -1);
+    QCOMPARE(RowOfSmallZone(broken, last), -1);
     QCOMPARE(broken.Rows().size(), before.size() - 1);
-    QVERIFY(rowOf(last - 1) >= 0);
+    QVERIFY(RowOfSmallZone(broken, last - 1) >= 0);
 }
 
 void tst_AcceptedFindings::OutliveAnEarlierVersion()
