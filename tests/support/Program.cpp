@@ -35,6 +35,10 @@ ProgramRun RunProgram(const QString& path, const QStringList& arguments, const Q
     }
     run.output = QString::fromUtf8(process.readAllStandardOutput());
     const QString errors = QString::fromUtf8(process.readAllStandardError());
+    // A sanitizer's report must not get lost: ./test looks for it.
+    if (errors.contains(QLatin1String("SUMMARY: "))) {
+        qWarning("%s", qPrintable(errors));
+    }
     const QStringList lines = errors.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     for (const QString& line : lines) {
         if (!IsForeignWarning(line)) {

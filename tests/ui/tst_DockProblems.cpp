@@ -25,7 +25,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
-
 #include <QTest>
 #include <QToolBar>
 #include <QTreeView>
