@@ -87,6 +87,41 @@ NumberRange RangeOf(ZoneColumn column)
     }
 }
 
+ZoneRecord WithNumber(ZoneColumn column, double number, ZoneRecord zone, const WorldScale& scale)
+{
+    SpawnCounts& counts = zone.values.counts;
+    switch (column) {
+    case ZoneColumn::X:
+        zone.place = PlaceAtX(zone.place, number, scale);
+        break;
+    case ZoneColumn::Z:
+        zone.place = PlaceAtZ(zone.place, number, scale);
+        break;
+    case ZoneColumn::Radius:
+        zone.values.radius = static_cast<float>(number);
+        zone.radius = scale.pixelsPerMetreX * zone.values.radius;
+        break;
+    case ZoneColumn::StaticMin:
+        counts.staticMin = Whole(number);
+        break;
+    case ZoneColumn::StaticMax:
+        counts.staticMax = Whole(number);
+        break;
+    case ZoneColumn::DynamicMin:
+        counts.dynamicMin = Whole(number);
+        break;
+    case ZoneColumn::DynamicMax:
+        counts.dynamicMax = Whole(number);
+        break;
+    case ZoneColumn::Depth:
+        zone.values.depth = Whole(number);
+        break;
+    default:
+        break;
+    }
+    return zone;
+}
+
 ZoneRecord Applied(const BulkEntry& entry, ZoneColumn column, ZoneRecord zone,
                    const WorldScale& scale)
 {
@@ -96,42 +131,22 @@ ZoneRecord Applied(const BulkEntry& entry, ZoneColumn column, ZoneRecord zone,
         return zone;
     }
     const double value = InRange(changed, RangeOf(column));
-    const bool isMove = entry.kind == BulkEntry::Kind::Add && value == changed;
+    const bool isX = column == ZoneColumn::X;
+    if ((isX || column == ZoneColumn::Z) && entry.kind == BulkEntry::Kind::Add &&
+        value == changed) {
+        zone.place = MovedPlace(zone.place, isX ? entry.number : 0, isX ? 0 : entry.number, scale);
+        return zone;
+    }
+    zone = WithNumber(column, value, zone, scale);
     SpawnCounts& counts = zone.values.counts;
-    switch (column) {
-    case ZoneColumn::X:
-        zone.place = isMove ? MovedPlace(zone.place, entry.number, 0, scale)
-                            : PlaceAtX(zone.place, value, scale);
-        break;
-    case ZoneColumn::Z:
-        zone.place = isMove ? MovedPlace(zone.place, 0, entry.number, scale)
-                            : PlaceAtZ(zone.place, value, scale);
-        break;
-    case ZoneColumn::Radius:
-        zone.values.radius = static_cast<float>(value);
-        zone.radius = scale.pixelsPerMetreX * zone.values.radius;
-        break;
-    case ZoneColumn::StaticMin:
-        counts.staticMin = Whole(value);
+    if (column == ZoneColumn::StaticMin) {
         counts.staticMax = std::max(counts.staticMax, counts.staticMin);
-        break;
-    case ZoneColumn::StaticMax:
-        counts.staticMax = Whole(value);
+    } else if (column == ZoneColumn::StaticMax) {
         counts.staticMin = std::min(counts.staticMin, counts.staticMax);
-        break;
-    case ZoneColumn::DynamicMin:
-        counts.dynamicMin = Whole(value);
+    } else if (column == ZoneColumn::DynamicMin) {
         counts.dynamicMax = std::max(counts.dynamicMax, counts.dynamicMin);
-        break;
-    case ZoneColumn::DynamicMax:
-        counts.dynamicMax = Whole(value);
+    } else if (column == ZoneColumn::DynamicMax) {
         counts.dynamicMin = std::min(counts.dynamicMin, counts.dynamicMax);
-        break;
-    case ZoneColumn::Depth:
-        zone.values.depth = Whole(value);
-        break;
-    default:
-        break;
     }
     return zone;
 }

@@ -34,6 +34,11 @@ struct NumberRange
 /// column: one of the numbers from X to Depth. Places may lie far outside of the world.
 NumberRange RangeOf(ZoneColumn column);
 
+/// The zone with the number in the column, one of those from X to Depth, and all else as it is.
+/// Places are those of PlaceAtX and PlaceAtZ. Counts and depths are rounded to whole numbers. The
+/// number lies in the range of RangeOf.
+ZoneRecord WithNumber(ZoneColumn column, double number, ZoneRecord zone, const WorldScale& scale);
+
 /// The zone after the entry into the column, one of the numbers from X to Depth. It reckons with
 /// what the file says, which is what users see. Zones move by exactly what is added to X or Z, as
 /// by MovedPlace. Counts and depths are rounded to whole numbers. When the new minimum exceeds the

@@ -1,7 +1,7 @@
 #include "territories/SheetPlan.h"
 
+#include "territories/BulkEntry.h"
 #include "territories/ZoneCell.h"
-#include "territories/ZonePlaces.h"
 
 #include <QHash>
 #include <QPair>
@@ -48,13 +48,12 @@ public:
     Draft(const ZoneRow& filed, QPointF place, const WorldScale& scale)
         : m_filed(filed)
         , m_scale(scale)
-        , m_values(filed.values)
-        , m_place(place)
+        , m_zone{filed.values, place, 0}
     {
     }
 
-    const ZoneValues& Values() const { return m_values; }
-    QPointF Place() const { return m_place; }
+    const ZoneValues& Values() const { return m_zone.values; }
+    QPointF Place() const { return m_zone.place; }
 
     bool IsChangedBy(const SheetRow& row) const
     {
@@ -96,45 +95,17 @@ public:
 private:
     void Set(ZoneColumn column, const QString& cell)
     {
-        SpawnCounts& counts = m_values.counts;
-        const double number = NumberIn(cell).value_or(0);
-        switch (column) {
-        case ZoneColumn::Usage:
-            m_values.SetName(cell);
-            break;
-        case ZoneColumn::X:
-            m_place = PlaceAtX(m_place, number, m_scale);
-            break;
-        case ZoneColumn::Z:
-            m_place = PlaceAtZ(m_place, number, m_scale);
-            break;
-        case ZoneColumn::Radius:
-            m_values.radius = static_cast<float>(number);
-            break;
-        case ZoneColumn::StaticMin:
-            counts.staticMin = static_cast<int>(number);
-            break;
-        case ZoneColumn::StaticMax:
-            counts.staticMax = static_cast<int>(number);
-            break;
-        case ZoneColumn::DynamicMin:
-            counts.dynamicMin = static_cast<int>(number);
-            break;
-        case ZoneColumn::DynamicMax:
-            counts.dynamicMax = static_cast<int>(number);
-            break;
-        case ZoneColumn::Depth:
-            m_values.depth = static_cast<int>(number);
-            break;
-        default:
-            break;
+        if (column == ZoneColumn::Usage) {
+            m_zone.values.SetName(cell);
+        } else {
+            m_zone = WithNumber(column, NumberIn(cell).value_or(0), m_zone, m_scale);
         }
     }
 
     /// What is wrong with values that are right by themselves.
     QStringList WholeFaults() const
     {
-        const SpawnCounts& counts = m_values.counts;
+        const SpawnCounts& counts = m_zone.values.counts;
         QStringList faults = {PairFault(ZoneColumn::StaticMin, counts.staticMin,
                                         ZoneColumn::StaticMax, counts.staticMax),
                               PairFault(ZoneColumn::DynamicMin, counts.dynamicMin,
@@ -145,8 +116,7 @@ private:
 
     ZoneRow m_filed;
     const WorldScale& m_scale;
-    ZoneValues m_values;
-    QPointF m_place;
+    ZoneRecord m_zone;
 };
 
 /// Plans one row after the other.
