@@ -2,6 +2,7 @@
 // with the repaint, and a long history.
 
 #include "app/ProjectSettings.h"
+#include "benchmarks/support/Canvas.h"
 #include "benchmarks/support/RatioReporter.h"
 #include "benchmarks/support/Shapes.h"
 #include "canvas/BrushDock.h"
@@ -15,7 +16,6 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QMouseEvent>
 #include <QSettings>
 #include <QTemporaryDir>
 
@@ -60,10 +60,7 @@ public:
     {
         ++m_step;
         const QPoint position(100 + m_step * 5 % 300, 100 + m_step * 3 % 200);
-        const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
-        QMouseEvent event(type, position, view.viewport()->mapToGlobal(position), button, buttons,
-                          Qt::NoModifier);
-        QCoreApplication::sendEvent(view.viewport(), &event);
+        SendMouse(view, type, position, buttons);
         QCoreApplication::processEvents();
     }
 

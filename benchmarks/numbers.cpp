@@ -2,6 +2,7 @@
 // time during which the window does not answer, and what it adds to a move of the brush.
 
 #include "app/ProjectSettings.h"
+#include "benchmarks/support/Canvas.h"
 #include "benchmarks/support/RatioReporter.h"
 #include "benchmarks/support/Shapes.h"
 #include "canvas/BrushDock.h"
@@ -21,7 +22,6 @@
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
-#include <QMouseEvent>
 #include <QTimer>
 
 #include <algorithm>
@@ -78,10 +78,7 @@ public:
     {
         ++m_step;
         const QPoint position(100 + m_step * 5 % 300, 100 + m_step * 3 % 200);
-        const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
-        QMouseEvent event(type, position, view.viewport()->mapToGlobal(position), button, buttons,
-                          Qt::NoModifier);
-        QCoreApplication::sendEvent(view.viewport(), &event);
+        SendMouse(view, type, position, buttons);
         QCoreApplication::processEvents();
     }
 

@@ -11,6 +11,14 @@
 #include <memory>
 #include <utility>
 
+void SendMouse(MainView& view, QEvent::Type type, QPoint position, Qt::MouseButtons buttons)
+{
+    const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, position, view.viewport()->mapToGlobal(position), button, buttons,
+                      Qt::NoModifier);
+    QCoreApplication::sendEvent(view.viewport(), &event);
+}
+
 Canvas::Canvas(int side)
 {
     constexpr QSize viewSize(1200, 800);
@@ -51,12 +59,4 @@ void Canvas::SetZoom(double zoom)
     view.setTransform(QTransform::fromScale(zoom, zoom));
     view.centerOn(view.sceneRect().center());
     QCoreApplication::processEvents();
-}
-
-void Canvas::Mouse(QEvent::Type type, QPoint position, Qt::MouseButtons buttons)
-{
-    const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
-    QMouseEvent event(type, position, view.viewport()->mapToGlobal(position), button, buttons,
-                      Qt::NoModifier);
-    QCoreApplication::sendEvent(view.viewport(), &event);
 }

@@ -8,6 +8,9 @@
 #include <QEvent>
 #include <QPoint>
 
+/// Sends a mouse event with the left button, at a pixel of the viewport.
+void SendMouse(MainView& view, QEvent::Type type, QPoint position, Qt::MouseButtons buttons);
+
 /// A view of 1200 x 800 pixels, offscreen, with a project of one size. There is one canvas at a
 /// time, and none outlives the application.
 struct Canvas
@@ -20,8 +23,10 @@ struct Canvas
     void ShowLayers(int first);
     /// Zooms at the middle of the map.
     void SetZoom(double zoom);
-    /// At a pixel of the viewport.
-    void Mouse(QEvent::Type type, QPoint position, Qt::MouseButtons buttons);
+    void Mouse(QEvent::Type type, QPoint position, Qt::MouseButtons buttons)
+    {
+        SendMouse(view, type, position, buttons);
+    }
     MainScene* scene() { return view.Scene(); }
 
     Document document;
