@@ -6,6 +6,7 @@
 #include "territories/TerritoryType.h"
 #include "ui/DockLayers.h"
 #include "ui/DockTerTypes.h"
+#include "ui/ProjectWork.h"
 #include "ui/QuillmapWindow.h"
 #include "ui_QuillmapWindow.h"
 
@@ -71,11 +72,17 @@ void EditActions::ScrollTo(const QRectF& area)
     }
 }
 
-/// A polygon that is not closed yet is what the user did last.
+/// An open polygon is no step yet, and goes first. What is being typed becomes a step and is taken
+/// back. If it cannot become one, it alone is dropped.
 void EditActions::Undo()
 {
-    if (!m_parts.scene.CancelTool()) {
-        m_parts.document.Undo();
+    Document& document = m_parts.document;
+    if (m_parts.scene.CancelTool()) {
+        return;
+    }
+    const int before = document.History().index();
+    if (!FinishEntries(m_parts.window) || document.History().index() != before) {
+        document.Undo();
     }
 }
 

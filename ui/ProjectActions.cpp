@@ -84,7 +84,7 @@ ProjectActions::ProjectActions(const EditorParts& parts, ProjectDisplay& display
 void ProjectActions::FinishInput()
 {
     m_parts.scene.LoseMouse();
-    m_work.FinishEntries();
+    FinishEntries(m_parts.window);
 }
 
 /// Returns whether there are no unsaved changes or the user agrees to lose them.

@@ -6,25 +6,30 @@
 
 #include <QAbstractItemDelegate>
 #include <QAbstractItemView>
+#include <QLineEdit>
 
-ProjectWork::ProjectWork(const EditorParts& parts)
-    : m_parts(parts)
+bool FinishEntries(const QuillmapWindow& window)
 {
-}
-
-void ProjectWork::FinishEntries()
-{
-    const auto boxes = m_parts.window.findChildren<ZonesBox*>();
+    bool wasTyped = false;
+    const auto boxes = window.findChildren<ZonesBox*>();
     for (ZonesBox* box : boxes) {
-        box->CommitPending();
+        wasTyped |= box->CommitPending();
     }
-    const auto views = m_parts.window.findChildren<QAbstractItemView*>();
+    const auto views = window.findChildren<QAbstractItemView*>();
     for (QAbstractItemView* view : views) {
         if (QWidget* editor = view->indexWidget(view->currentIndex())) {
+            const auto* line = qobject_cast<QLineEdit*>(editor);
+            wasTyped |= line && line->isModified();
             emit view->itemDelegate()->commitData(editor);
             emit view->itemDelegate()->closeEditor(editor);
         }
     }
+    return wasTyped;
+}
+
+ProjectWork::ProjectWork(const EditorParts& parts)
+    : m_parts(parts)
+{
 }
 
 void ProjectWork::Begin(Kind kind)
@@ -37,7 +42,7 @@ ProjectWork::Scope::Scope(ProjectWork& work, Kind kind)
     : m_work(work)
     , m_before(work.m_kind)
 {
-    m_work.FinishEntries();
+    FinishEntries(m_work.m_parts.window);
     m_work.Begin(kind);
 }
 

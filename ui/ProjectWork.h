@@ -3,6 +3,10 @@
 #include "ui/EditorParts.h"
 #include "ui/InputBlock.h"
 
+/// Takes over what is being typed into a tree, a table or the box of selected zones, as leaving it
+/// does. Entries that are refused are dropped. Returns whether anything was typed.
+bool FinishEntries(const QuillmapWindow& window);
+
 /// Tells whether the project's files are being read or written. Logging processes events, so an
 /// action may be requested meanwhile; it must not begin then.
 class ProjectWork
@@ -21,10 +25,6 @@ public:
     bool IsBusy() const { return m_kind != Kind::None; }
     bool IsSaving() const { return m_kind == Kind::Saving; }
 
-    /// Takes over what is being typed into a tree, a table or the box of selected zones. Later the
-    /// project would be changed unseen, as when the window loses the focus in the middle of a save.
-    void FinishEntries();
-
 private:
     void Begin(Kind kind);
 
@@ -33,7 +33,8 @@ private:
 };
 
 /// While this object exists, no other work begins and no input changes the project. Scopes may lie
-/// within each other.
+/// within each other. What is being typed is taken over before: a window that loses the focus in
+/// the middle of a save would change the project.
 class ProjectWork::Scope
 {
 public:

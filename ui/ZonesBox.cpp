@@ -157,12 +157,16 @@ void ZonesBox::AddEvent(QGridLayout& grid, int row)
     connect(m_event, &QLineEdit::editingFinished, this, &ZonesBox::CommitEvent);
 }
 
-void ZonesBox::CommitPending()
+bool ZonesBox::CommitPending()
 {
+    bool wasTyped = false;
     for (Field& field : m_fields) {
+        wasTyped |= field.line->isModified();
         Commit(field);
     }
+    wasTyped |= m_event->isModified();
     CommitEvent();
+    return wasTyped;
 }
 
 void ZonesBox::SetDocument(Document& document)

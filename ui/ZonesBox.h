@@ -30,8 +30,9 @@ public:
     void SetDocument(Document& document);
     /// Shows and changes these zones. Without any the box is disabled.
     void ShowZones(const QVector<Zone*>& zones);
-    /// Commits what was typed and not yet committed, as leaving its field does.
-    void CommitPending();
+    /// Commits what was typed and not yet committed, as leaving its field does. Returns whether
+    /// there was any.
+    bool CommitPending();
 
 private:
     struct Field

@@ -115,6 +115,7 @@ private slots:
     void LeavingTheFieldCommits();
     void ASaveTakesWhatIsBeingTyped();
     void AClosingWindowAsksAboutWhatIsBeingTyped();
+    void UndoTakesBackWhatIsBeingTyped();
     void OnlyEditsCommit();
     void ClampsForEachZone();
     void RubbishChangesNothing_data();
@@ -285,6 +286,28 @@ void tst_ZonesBox::AClosingWindowAsksAboutWhatIsBeingTyped()
     fixture.answers.AddButton("No");
     QVERIFY(!fixture.window->close());
     QCOMPARE(fixture.second->Values().radius, 250.0F);
+}
+
+void tst_ZonesBox::UndoTakesBackWhatIsBeingTyped()
+{
+    const Bulk fixture;
+    fixture.Scene().SelectZones({fixture.first, fixture.second});
+    fixture.Enter("txtZonesRadius", QStringLiteral("250"));
+    fixture.Type("txtZonesStaticMax", QStringLiteral("77"));
+    fixture.Trigger("actionUndo");
+    QCOMPARE(fixture.second->Values().radius, 250.0F);
+    QVERIFY(fixture.second->Values().counts.staticMax != 77);
+    fixture.Trigger("actionRedo");
+    QCOMPARE(fixture.second->Values().counts.staticMax, 77);
+    // What becomes no step is dropped.
+    for (const char* entry : {"many", "+0"}) {
+        fixture.Type("txtZonesStaticMax", entry);
+        fixture.Trigger("actionUndo");
+        QCOMPARE(fixture.Text("txtZonesStaticMax"), QString("77"));
+        QCOMPARE(fixture.second->Values().counts.staticMax, 77);
+    }
+    fixture.Trigger("actionUndo");
+    QVERIFY(fixture.second->Values().counts.staticMax != 77);
 }
 
 void tst_ZonesBox::OnlyEditsCommit()
