@@ -74,6 +74,10 @@ void FileWatch::Begin()
     m_seen.Clear();
     m_told = m_document.Files();
     Watch();
+    if (HasAnyChanged(m_told)) {
+        // They were written before the watch began.
+        NoteFolder();
+    }
 }
 
 void FileWatch::Watch()

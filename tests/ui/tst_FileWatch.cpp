@@ -10,6 +10,7 @@
 
 #include <QLabel>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 #include <QToolButton>
 
@@ -22,6 +23,7 @@ private slots:
     void TellsWhatOthersDid_data();
     void TellsWhatOthersDid();
     void WaitsForSlowWriters();
+    void SeesWhatWasWrittenBeforeItBegan();
     void SeesAnotherFolderInItsPlace();
     void IsSilentAboutTheProgramsOwnFiles_data();
     void IsSilentAboutTheProgramsOwnFiles();
@@ -168,6 +170,16 @@ void tst_FileWatch::WaitsForSlowWriters()
 }
 
 /// A folder that was moved away takes its watches along.
+void tst_FileWatch::SeesWhatWasWrittenBeforeItBegan()
+{
+    WindowFixture fixture;
+    Open(fixture);
+    Append(fixture.Path("small/layers/red.tga"));
+    FileWatch watch(fixture.window->GetDocument());
+    const QSignalSpy spy(&watch, &FileWatch::Changed);
+    QTRY_COMPARE(spy.size(), 1);
+}
+
 void tst_FileWatch::SeesAnotherFolderInItsPlace()
 {
     WindowFixture fixture;
