@@ -89,6 +89,9 @@ void DragRowByMouse(QAbstractItemView& view, int sourceRow, int targetRow)
     QTimer steps;
     int step = 0;
     QObject::connect(&steps, &QTimer::timeout, &steps, [&] {
+        // The drag's event loop may begin in this slot. Only a timer that starts anew fires within
+        // its own slot.
+        steps.start(50);
         ++step;
         if (step == 1) {
             QTest::mouseMove(window, target - QPoint(0, 1));

@@ -92,7 +92,8 @@ void tst_CustomLayerSoak::LeavesNothingBehind()
 
     QVERIFY(refusedCount >= rounds);
     QCOMPARE(QApplication::allWidgets().size(), widgetCount);
-    QTRY_COMPARE(ThreadCount(), threadCount);
+    // A thread that has ended is listed for a moment.
+    QTRY_VERIFY(ThreadCount() <= threadCount);
     QCOMPARE(fixture.log.Messages(), QStringList());
 }
 
@@ -118,7 +119,7 @@ void tst_CustomLayerSoak::EndsWhileItComputes()
     }
     // Posted changes are made, or dropped with the list.
     QCoreApplication::processEvents();
-    QTRY_COMPARE(ThreadCount(), threadCount);
+    QTRY_VERIFY(ThreadCount() <= threadCount);
 }
 
 int main(int argc, char* argv[])

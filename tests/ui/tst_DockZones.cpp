@@ -561,7 +561,7 @@ void tst_DockZones::TellsWhatIsWrong()
 {
     const ZonesFixture zones;
     zones.Open();
-    QVERIFY(!zones.Text(23, ZoneColumn::Problems).isEmpty());
+    QTRY_VERIFY(!zones.Text(23, ZoneColumn::Problems).isEmpty());
     QVERIFY(zones.Text(22, ZoneColumn::Problems).isEmpty());
     zones.Type(23, ZoneColumn::X, "7000");
     QTRY_VERIFY(zones.Text(23, ZoneColumn::Problems).isEmpty());

@@ -112,8 +112,12 @@ WindowFixture::SavedFiles tst_SessionNotices::LeaveWork(WindowFixture& fixture,
     [&] {
         fixture.Load(fixture.WriteProject());
         work();
-        RenameFirstLayer(fixture, "green");
+        RenameFirstLayer(fixture, "leaf");
         QTRY_COMPARE(Journals().size(), 1);
+        // The bitmaps are copied after the first commit. The next commit refers to the copies.
+        const QDir journal(Journals().constFirst());
+        QTRY_COMPARE(journal.entryList({"base-*.tga"}).size(), 2);
+        RenameFirstLayer(fixture, "green");
         QTRY_VERIFY(JournalReader::Open(Journals().constFirst()) &&
                     JournalReader::Open(Journals().constFirst())->Text().contains("green"));
         saved = fixture.SavedBytes();

@@ -473,8 +473,10 @@ void tst_WindowSaving::ShortcutsWaitForTheEndOfASave()
     QCOMPARE(pressed, 1);
     QCOMPARE(fixture.Scene().Mode(), SceneMode::None);
     QCOMPARE(fixture.answers.Asked(), QStringList{"Load"});
-    // The first key may be lost to the dialog that closes.
-    QTRY_VERIFY((press(Qt::Key_P), fixture.Scene().Mode() == SceneMode::Paint));
+    // The first key may be lost to the dialog that closes. Qt asks once more at the end.
+    bool hasPainted = false;
+    QTRY_VERIFY((hasPainted =
+                     hasPainted || (press(Qt::Key_P), fixture.Scene().Mode() == SceneMode::Paint)));
 }
 
 void tst_WindowSaving::SavesANameThatIsBeingTyped()
