@@ -169,7 +169,6 @@ void tst_FileWatch::WaitsForSlowWriters()
     QTRY_COMPARE(Told(fixture), QString("1 bitmap was changed by another program: red."));
 }
 
-/// A folder that was moved away takes its watches along.
 void tst_FileWatch::SeesWhatWasWrittenBeforeItBegan()
 {
     WindowFixture fixture;
@@ -180,6 +179,7 @@ void tst_FileWatch::SeesWhatWasWrittenBeforeItBegan()
     QTRY_COMPARE(spy.size(), 1);
 }
 
+/// A folder that was moved away takes its watches along.
 void tst_FileWatch::SeesAnotherFolderInItsPlace()
 {
     WindowFixture fixture;

@@ -1,5 +1,6 @@
 #include "document/Document.h"
 #include "document/Formulas.h"
+#include "document/edits/LayerEdits.h"
 #include "layers/CustomLayer.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
@@ -12,6 +13,7 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSpinBox>
@@ -136,6 +138,7 @@ private slots:
     void MovesPastTheNextRow();
     void ShowsAll();
     void NewLayersAreScrolledTo();
+    void UndoTakesBackANameThatIsBeingTyped();
 };
 
 void tst_LayerActions::HasItsMenuAndKeys()
@@ -536,6 +539,26 @@ void tst_LayerActions::NewLayersAreScrolledTo()
         editor.Key(Qt::Key_Z, Qt::ControlModifier);
     }
     QCOMPARE(editor.Names(), QStringList({"red", "blue"}));
+}
+
+void tst_LayerActions::UndoTakesBackANameThatIsBeingTyped()
+{
+    const Editor editor;
+    editor.Doc().Do(Edits::Rename(editor.At(1), "sea"));
+    editor.Select("red");
+    editor.Tree().setFocus();
+    QTest::keyClick(&editor.Tree(), Qt::Key_F2);
+    QTest::keyClicks(editor.Tree().viewport()->findChild<QLineEdit*>(), "hill");
+
+    editor.Trigger("actionUndo");
+    QCOMPARE(editor.Names(), QStringList({"red", "sea"}));
+    editor.Trigger("actionRedo");
+    QCOMPARE(editor.Names(), QStringList({"hill", "sea"}));
+
+    // Nothing was typed yet.
+    QTest::keyClick(&editor.Tree(), Qt::Key_F2);
+    editor.Trigger("actionUndo");
+    QCOMPARE(editor.Names(), QStringList({"red", "sea"}));
 }
 
 QTEST_MAIN(tst_LayerActions)

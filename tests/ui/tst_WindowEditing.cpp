@@ -1,5 +1,4 @@
 #include "document/Document.h"
-#include "document/edits/LayerEdits.h"
 #include "document/edits/TerritoryEdits.h"
 #include "layers/Layer.h"
 #include "layers/LayerList.h"
@@ -113,7 +112,6 @@ private slots:
     void ATypeRowEndsZoneModes();
     void ShowsWhatTheTerritoryPropertiesChange();
     void ShowsWhatTheBrushDockChanges();
-    void UndoTakesBackANameThatIsBeingTyped();
 };
 
 void tst_WindowEditing::TogglesPaintMode()
@@ -595,31 +593,6 @@ void tst_WindowEditing::ShowsWhatTheBrushDockChanges()
 
     editor.Child<QSlider>("sldBrushOutlineWidth")->setValue(3);
     QCOMPARE(cursor()->pen().width(), 3);
-}
-
-void tst_WindowEditing::UndoTakesBackANameThatIsBeingTyped()
-{
-    const Editor editor;
-    const Layer* red = editor.Layers().LayerAt(0);
-    Layer* blue = editor.Layers().LayerAt(1);
-    editor.window->GetDocument().Do(Edits::Rename(*blue, "sea"));
-    QTreeView& tree = editor.LayerTree();
-    tree.setCurrentIndex(red->index());
-    tree.setFocus();
-    QTest::keyClick(&tree, Qt::Key_F2);
-    QTest::keyClicks(tree.viewport()->findChild<QLineEdit*>(), "hill");
-
-    editor.Trigger("actionUndo");
-    QCOMPARE(red->text(), "red");
-    QCOMPARE(blue->text(), "sea");
-    editor.Trigger("actionRedo");
-    QCOMPARE(red->text(), "hill");
-
-    // Nothing was typed yet.
-    QTest::keyClick(&tree, Qt::Key_F2);
-    editor.Trigger("actionUndo");
-    QCOMPARE(red->text(), "red");
-    QCOMPARE(blue->text(), "sea");
 }
 
 QTEST_MAIN(tst_WindowEditing)
