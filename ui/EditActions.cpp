@@ -3,7 +3,9 @@
 #include "canvas/MainScene.h"
 #include "canvas/MainView.h"
 #include "document/Document.h"
+#include "territories/Territory.h"
 #include "territories/TerritoryType.h"
+#include "territories/Zone.h"
 #include "ui/DockLayers.h"
 #include "ui/DockTerTypes.h"
 #include "ui/ProjectWork.h"
@@ -11,6 +13,8 @@
 #include "ui_QuillmapWindow.h"
 
 #include <QApplication>
+
+#include <algorithm>
 
 namespace {
 
@@ -55,12 +59,26 @@ void EditActions::ShowPlace(const EditPlace& place)
         m_parts.layers.SelectItem(place.layer);
         m_parts.window.LayerSelected(place.layer);
     } else if (place.territory) {
-        m_parts.terTypes.SelectRow(place.territory);
+        ShowTerritory(*place.territory);
     } else if (place.type) {
         m_parts.terTypes.SelectRow(place.type);
     }
     m_parts.window.LeavePaintWithoutLayer();
     ScrollTo(place.area);
+}
+
+/// Selected zones of many territories stay selected when some are of this one: they are what the
+/// step changed.
+void EditActions::ShowTerritory(const Territory& territory)
+{
+    const QVector<Zone*> zones = m_parts.scene.SelectedZones();
+    m_parts.terTypes.SelectRow(&territory);
+    const bool isOfZones =
+        std::any_of(zones.cbegin(), zones.cend(),
+                    [&territory](const Zone* zone) { return zone->Holder() == &territory; });
+    if (isOfZones && m_parts.scene.SelectedZones() != zones) {
+        m_parts.scene.SelectZones(zones);
+    }
 }
 
 void EditActions::ScrollTo(const QRectF& area)

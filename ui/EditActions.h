@@ -4,6 +4,7 @@
 
 #include <QObject>
 
+class Territory;
 struct EditPlace;
 
 /// The actions of the Edit menu: undo and redo, which show what they changed, and what is done with
@@ -17,6 +18,7 @@ private:
     void ShowHistory();
     void Undo();
     void ShowPlace(const EditPlace& place);
+    void ShowTerritory(const Territory& territory);
     void ScrollTo(const QRectF& area);
     void Delete();
     void SelectAllZones();

@@ -116,6 +116,7 @@ private slots:
     void ASaveTakesWhatIsBeingTyped();
     void AClosingWindowAsksAboutWhatIsBeingTyped();
     void UndoTakesBackWhatIsBeingTyped();
+    void UndoKeepsZonesOfManyTerritoriesSelected();
     void OnlyEditsCommit();
     void ClampsForEachZone();
     void RubbishChangesNothing_data();
@@ -308,6 +309,21 @@ void tst_ZonesBox::UndoTakesBackWhatIsBeingTyped()
     }
     fixture.Trigger("actionUndo");
     QVERIFY(fixture.second->Values().counts.staticMax != 77);
+}
+
+void tst_ZonesBox::UndoKeepsZonesOfManyTerritoriesSelected()
+{
+    const Bulk fixture;
+    fixture.Child<QTreeView>("treeTerTypes")->setCurrentIndex(fixture.south->index());
+    const QVector<Zone*> zones{fixture.first, fixture.third};
+    fixture.Scene().SelectZones(zones);
+    fixture.Enter("txtZonesRadius", QStringLiteral("250"));
+    fixture.Trigger("actionUndo");
+    QCOMPARE(fixture.Scene().SelectedZones(), zones);
+    QCOMPARE(fixture.Text("txtZonesRadius"), QString());
+    fixture.Trigger("actionRedo");
+    QCOMPARE(fixture.Scene().SelectedZones(), zones);
+    QCOMPARE(fixture.Text("txtZonesRadius"), QString("250"));
 }
 
 void tst_ZonesBox::OnlyEditsCommit()
